@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "shell/DocumentKind.h"
+
+class QMdiSubWindow;
+class QVBoxLayout;
+
+namespace tme {
+
+struct DocumentSlot;
+struct Global;
+class NoticeBar;
+
+/// A document window of any kind. Twenty exist from the start, so construction does next to nothing: the controls are
+/// built when the window gets its first document, and the window is reused after its document is closed.
+///
+/// Commands are the Q_INVOKABLE methods without arguments: the shell calls them by name (see GlobalMenus), so what is
+/// invokable is what a menu can send.
+class DocumentWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  DocumentWindow(Global& global, DocumentKind kind, int slot);
+
+  DocumentKind Kind() const { return kind_; }
+  /// The slot number as text while the window holds a document, empty while the slot is free.
+  QString Tag() const { return tag_; }
+  DocumentSlot& Slot() const;
+  /// The MDI child around this window; null until it is first shown.
+  QMdiSubWindow* SubWindow() const;
+  /// Width that a cascade gives the window, in pixels; 0 for a share of the frame.
+  virtual int PreferredWidth() const { return 0; }
+
+  /// The window became the active one: the shell's commands go to it from now on.
+  void Form_Activate();
+
+  /// Closes the window for the shutdown, with its question about unsaved changes.
+  Q_INVOKABLE virtual void ExitForm() = 0;
+  Q_INVOKABLE virtual void FileClose() = 0;
+
+ protected:
+  static constexpr const char* kChangedMarker = " [CHANGED]";
+
+  /// Builds the controls into `client`; called once, before the first document.
+  virtual void BuildControls(QWidget& client) = 0;
+  /// The availability of the kind's commands, after its menus were shown.
+  virtual void UpdateCommands() {}
+
+  /// Takes the slot: sets the tag, builds the controls if needed and clears the notice.
+  void TakeSlot();
+  /// The document is gone: empties tag and slot, hides the window and shows the menus of what is active now.
+  void ReleaseSlot();
+  /// Shows the window as a child of the frame and makes it active.
+  void ShowInFrame();
+
+  /// The changed flag of the slot and its marker at the end of the caption.
+  void SetChanged(bool changed);
+
+  /// The slim bar at the top; an empty text hides it. Several sentences add up until ClearNotice.
+  void AddNotice(const QString& sentence);
+  void ClearNotice();
+
+  /// "Save this file?" when the document is changed; false for Cancel. `save` runs on Yes and says whether the close
+  /// may go on: it may after a cancelled save dialog (intended; the changes are dropped), not after a failed write.
+  bool ConfirmClose(const std::function<bool()>& save);
+
+  void closeEvent(QCloseEvent* event) override;
+  /// Asks what must be asked and drops the document; false keeps the window open.
+  virtual bool CloseDocument() = 0;
+
+  Global& global_;
+
+ private:
+  const DocumentKind kind_;
+  const int slot_number_;
+  QString tag_;
+  QVBoxLayout* layout_ = nullptr;
+  NoticeBar* notice_bar_ = nullptr;
+};
+
+}  // namespace tme

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include "shell/DocumentTable.h"
+#include "shell/Settings.h"
+
+namespace tme {
+
+class CommonDialog;
+class Dialogs;
+class InstanceLink;
+class RegistryAccess;
+class ShellUtilities;
+class mdform_TMEditor;
+
+/// What every window of the process shares: the ways to the system and the shell's state. One for the process, made in
+/// Startup (or by a test, with stand-ins); it outlives every window.
+struct Global {
+  RegistryAccess& registry;
+  ShellUtilities& shell_utilities;
+  Dialogs& dialogs;
+  CommonDialog& common_dialog;
+  InstanceLink& instance_link;
+
+  Settings settings{};
+  DocumentTable documents{};
+  /// The Windows folder, empty where there is none.
+  QString windows_directory{};
+  /// Set once documents are gone for good at exit.
+  bool exiting = false;
+  /// Cutting deletes what it copied without asking.
+  bool skip_confirmation = false;
+  /// The frame; set by its constructor, null before.
+  mdform_TMEditor* frame = nullptr;
+};
+
+/// Title of the program's own messages.
+inline const QString kProgramTitle = QStringLiteral("Tamarind Editor");
+
+}  // namespace tme

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <functional>
+
+#include "shell/DocumentKind.h"
+
+class QAction;
+class QMenu;
+class QMenuBar;
+
+namespace tme {
+
+class DocumentWindow;
+struct Global;
+
+/// The one menu bar. A single table (in the .cpp) holds every menu and item: its name, caption, the command that it
+/// sends, and the kinds that show it. Building the bar, RefreshMenus and the routing all read that table.
+class GlobalMenus : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Fills the bar, which owns the menus.
+  GlobalMenus(Global& global, QMenuBar& bar);
+
+  /// An item that the frame handles itself. Until it has a handler, such an item is not shown.
+  void Handle(const char* item_name, std::function<void()> handler);
+
+  /// Shows the menus and items of a kind and hides the others. Every item is available afterwards.
+  void RefreshMenus(DocumentKind kind);
+  /// Whether an item of the active document can be chosen now.
+  void SetAvailable(const char* item_name, bool available);
+
+  /// Null for a name that is not in the table.
+  QAction* Action(const QString& item_name) const;
+  QMenu* Menu(const QString& menu_name) const;
+  /// What an item sends to a window of the kind; empty for an item of the frame.
+  static QByteArray CommandOf(const QString& item_name, DocumentKind kind);
+
+ private:
+  void Choose(std::size_t row);
+  bool IsOffered(std::size_t row, DocumentKind kind) const;
+
+  Global& global_;
+  QHash<QString, QAction*> actions_;
+  QHash<QString, QMenu*> menus_;
+  QHash<QString, std::function<void()>> handlers_;
+};
+
+/// Calls a command of the window by its name. A window without that command: a message, and false.
+bool SendCommand(Global& global, DocumentWindow& window, const QByteArray& command);
+
+}  // namespace tme

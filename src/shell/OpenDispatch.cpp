@@ -1,0 +1,156 @@
+#include "shell/OpenDispatch.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "shell/DocumentWindow.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// Index of a free slot's window, after the message when there is none.
+DocumentWindow* FreeWindow(Global& global, const KindTraits& traits) {
+  if (!global.documents.Offers(traits.kind)) {
+    global.dialogs.MsgBox(u"This version of the editor has no window for a document of the kind \"%1\"."_s.arg(
+                              QLatin1StringView(traits.message_name)),
+                          MsgButtons::Ok, MsgIcon::Information, kProgramTitle);
+    return nullptr;
+  }
+  const int slot = global.documents.FindFreeSlot(static_cast<int>(traits.slot_code));
+  if (slot >= 0) return global.documents.At(traits.kind, slot).window;
+  ShowNoFreeSlot(global, QString::fromLatin1(traits.message_name));
+  return nullptr;
+}
+
+void OpenDocument(Global& global, const QString& path, OpenCode code) {
+  const KindTraits& traits = TraitsOf(code);
+  DocumentWindow* window = FreeWindow(global, traits);
+  if (!window) return;
+  window->Slot().path = path;
+  window->Slot().title = QFileInfo(path).fileName();
+  SendCommand(global, *window, traits.open_command);
+}
+
+void ShowNotAFile(Global& global, const QString& path) {
+  global.dialogs.MsgBox(u"TME was unable to verify that your request was to open a file.\r( "_s + path +
+                            u" )\rAs such, this action has been canceled."_s,
+                        MsgButtons::Ok, MsgIcon::Information, u"TME"_s);
+}
+
+/// The four types in their fixed order; the Open dialog lists the chosen one first.
+constexpr std::array kOpenOrder{DocumentKind::Ini, DocumentKind::Reg, DocumentKind::Txt, DocumentKind::Rtf};
+
+QString FilterEntry(const Settings& settings, const KindTraits& traits) {
+  QString wildcards = u"*."_s + QLatin1StringView(traits.name);
+  if (traits.kind == DocumentKind::Txt) wildcards = settings.txt_filter;
+  if (traits.kind == DocumentKind::Rtf) wildcards = settings.rtf_filter;
+  return QLatin1StringView(traits.filter_name) + u'|' + wildcards + u'|';
+}
+
+/// The open code that a chosen entry of the filter list stands for; by extension for the "Other" entry.
+OpenCode CodeOfFilterEntry(const Global& global, int filter_index, const QString& path) {
+  const QString entry = global.common_dialog.filter.split(u'|').value(2 * (filter_index - 1));
+  for (const KindTraits& traits : kKinds)
+    if (entry == QLatin1StringView(traits.filter_name)) return traits.open_code;
+  return OpenCodeOf(path, global.settings.txt_filter);
+}
+
+QString InitialOpenFolder(const Global& global) {
+  for (const QString& folder :
+       {global.registry.ReadValue(SettingsRoot, u"Last Open"_s), PersonalFolder(global.registry)})
+    if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
+  return QDir::toNativeSeparators(QDir::rootPath());
+}
+
+}  // namespace
+
+OpenCode OpenCodeOf(const QString& path, const QString& txt_filter) {
+  const QString ending = path.toUpper().right(3);
+  OpenCode code = OpenCode::Rtf;
+  if (ending == u"INI") code = OpenCode::Ini;
+  if (ending == u"REG") code = OpenCode::Reg;
+  if (txt_filter.toUpper().contains(ending)) code = OpenCode::Txt;
+  return code;
+}
+
+QString OpenFilter(const Global& global, int first_type) {
+  auto order = kOpenOrder;
+  std::rotate(order.begin(), order.begin() + first_type, order.begin() + first_type + 1);
+  QString filter;
+  for (const DocumentKind kind : order)
+    if (global.documents.Offers(kind)) filter += FilterEntry(global.settings, TraitsOf(kind));
+  return filter + u"Other (*.*)|*.*"_s;
+}
+
+void OpenPathList(Global& global, const QString& text) {
+  QString remainder = text.trimmed();
+  while (!remainder.isEmpty()) {
+    QString path = std::exchange(remainder, {});
+    if (!global.shell_utilities.FileExists(path)) {
+      const qsizetype blank = path.indexOf(u' ');
+      if (blank >= 0) {
+        remainder = path.mid(blank).trimmed();
+        path.truncate(blank);
+      }
+      if (!global.shell_utilities.FileExists(path)) {
+        ShowNotAFile(global, path);
+        continue;
+      }
+    }
+    // A name without a drive or a root is taken for rich text whatever its ending; intended.
+    const bool rooted = global.shell_utilities.IsRooted(path);
+    OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
+    global.frame->ArrangeWindows(0);
+  }
+}
+
+void OpenFileDialog(Global& global) {
+  CommonDialog& dialog = global.common_dialog;
+  const QString type = global.registry.ReadValue(SettingsRoot, u"Default Open Type"_s);
+  dialog.title = u"Open File for Editing"_s;
+  dialog.filter = OpenFilter(global, ParseDefaultOpenType(type).value_or(0));
+  dialog.filter_index = 1;
+  dialog.file_name.clear();
+  dialog.init_dir = InitialOpenFolder(global);
+  dialog.multi_select = global.settings.multi_select;
+  const QStringList paths = dialog.ShowOpen();
+  if (paths.isEmpty()) return;
+
+  global.registry.WriteValue(SettingsRoot, u"Last Open"_s, kTextType,
+                             QDir::toNativeSeparators(QFileInfo(paths.first()).absolutePath()));
+  if (paths.size() == 1) {
+    OpenDocument(global, paths.first(), CodeOfFilterEntry(global, dialog.filter_index, paths.first()));
+  } else {
+    // Each as a text of its own, so that blanks in a path do not split it.
+    for (const QString& path : paths) OpenPathList(global, path);
+  }
+  global.frame->ArrangeWindows(0);
+}
+
+void NewDocument(Global& global, SlotCode code) {
+  for (const KindTraits& traits : kKinds) {
+    if (traits.slot_code != code) continue;
+    DocumentWindow* window = FreeWindow(global, traits);
+    if (!window) return;
+    window->setWindowTitle(QString::fromLatin1(traits.new_caption));
+    SendCommand(global, *window, traits.new_command);
+  }
+}
+
+void ShowNoFreeSlot(Global& global, const QString& kind_name) {
+  global.dialogs.MsgBox(u"There are no more "_s + kind_name +
+                            u" documents available to open.  Please close one before opening another."_s,
+                        MsgButtons::Ok, MsgIcon::None, u"Reached the limit of 5 type max"_s);
+}
+
+}  // namespace tme

@@ -1,0 +1,81 @@
+#include "shell/Settings.h"
+
+#include <QFileInfo>
+#include <cmath>
+#include <limits>
+
+#include "platform/RegistryAccess.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+std::optional<double> ParseNumber(const QString& text) {
+  bool numeric = false;
+  const double number = text.trimmed().toDouble(&numeric);
+  if (!numeric || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+void TakeNonEmpty(QString text, QString& setting) {
+  if (!text.isEmpty()) setting = std::move(text);
+}
+
+}  // namespace
+
+void Settings::ReadFrameGroup(const RegistryAccess& registry) {
+  const auto flag = [&](const QString& name) { return registry.ReadValue(SettingsRoot, name) == u"1"; };
+  supress_results = flag(u"Supress Results"_s);
+  contain_srd = flag(u"Contain SRD"_s);
+  start_editors_max = flag(u"Start Editors Max"_s);
+  multi_select = flag(u"MultiSelect"_s);
+}
+
+void Settings::ReadTxtGroup(const RegistryAccess& registry) {
+  TakeNonEmpty(registry.ReadValue(kTxtKey, u"Default Font"_s), font_name);
+  TakeNonEmpty(registry.ReadValue(kTxtKey, u"File Filter"_s), txt_filter);
+  const std::optional<int> size = ParseInt16(registry.ReadValue(kTxtKey, u"Default Size"_s));
+  if (size && *size > 0) font_size = *size;
+}
+
+void Settings::ReadRtfGroup(const RegistryAccess& registry) {
+  TakeNonEmpty(registry.ReadValue(kRtfKey, u"File Filter"_s), rtf_filter);
+}
+
+int ParseAutoSavePeriod(const QString& text) {
+  const double minutes = ParseNumber(text).value_or(0);
+  return static_cast<int>(std::lrint(std::clamp(minutes, 0.0, 99.0)));
+}
+
+std::optional<int> ParseDefaultOpenType(const QString& text) {
+  if (text.isEmpty()) return 0;
+  const std::optional<int> type = ParseInt16(text);
+  if (!type || *type < 0 || *type > 3) return std::nullopt;
+  return type;
+}
+
+std::optional<int> ParseInt16(const QString& text) {
+  const std::optional<double> number = ParseNumber(text);
+  if (!number) return std::nullopt;
+  const double rounded = std::nearbyint(*number);
+  if (rounded < std::numeric_limits<qint16>::min() || rounded > std::numeric_limits<qint16>::max()) return std::nullopt;
+  return static_cast<int>(rounded);
+}
+
+QString PersonalFolder(const RegistryAccess& registry) {
+  return registry.ReadValue(
+      u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"_s, u"Personal"_s);
+}
+
+void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder) {
+  if (!folder.isEmpty() && QFileInfo(folder).isDir())
+    registry.WriteValue(SettingsRoot, u"Last Save"_s, kTextType, folder);
+}
+
+QString LastSaveFolder(const RegistryAccess& registry) {
+  const QString folder = registry.ReadValue(SettingsRoot, u"Last Save"_s);
+  return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : PersonalFolder(registry);
+}
+
+}  // namespace tme

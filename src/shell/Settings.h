@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace tme {
+
+class RegistryAccess;
+
+/// Keys and value names of the settings store. Values are texts; a flag is true exactly when its text is "1".
+inline const QString kMakerKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan");
+inline const QString SettingsRoot = kMakerKey + QStringLiteral("\\TME");
+inline const QString kMruKey = SettingsRoot + QStringLiteral("\\MRU");
+inline const QString kTxtKey = SettingsRoot + QStringLiteral("\\TXT Editor");
+inline const QString kRtfKey = SettingsRoot + QStringLiteral("\\RTF Editor");
+inline const QString kRegKey = SettingsRoot + QStringLiteral("\\REG Editor");
+inline const QString kTextType = QStringLiteral("REG_SZ");
+
+/// The parsed settings, held in memory for the whole run and shared by all windows.
+struct Settings {
+  /// Whether the root key could be opened at start; without it neither placement nor flags are read or written.
+  bool present = false;
+  bool supress_results = false;
+  bool contain_srd = false;
+  bool start_editors_max = false;
+  bool multi_select = false;
+  /// Minutes, 0 to 99; 0 is off.
+  int auto_save_period = 0;
+  QString font_name = QStringLiteral("Courier");
+  /// Points.
+  int font_size = 10;
+  /// Wildcards of the files that count as plain text and as rich text, ";" between them.
+  QString txt_filter = QStringLiteral("*.TXT;*.INF;*.BAT;*.KIX;*.REXX;*.HTM;*.HTML");
+  QString rtf_filter = QStringLiteral("*.RTF;*.WRI");
+
+  /// The four flags of the frame, when the root key is present.
+  void ReadFrameGroup(const RegistryAccess& registry);
+  void ReadTxtGroup(const RegistryAccess& registry);
+  void ReadRtfGroup(const RegistryAccess& registry);
+};
+
+/// "AutoSave" as minutes: what is empty, not a number or below 0 is 0, above 99 is 99.
+int ParseAutoSavePeriod(const QString& text);
+
+/// Index of the type that the Open dialog lists first, 0 to 3: INI, registry, text, rich text. Empty is 0; nothing for
+/// anything else, which leaves the choice as it is.
+std::optional<int> ParseDefaultOpenType(const QString& text);
+
+/// A number that fits 16 bits, rounded; nothing for anything else.
+std::optional<int> ParseInt16(const QString& text);
+
+/// Remembered folder of the last save. With an existing folder: remembers it.
+void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder);
+/// The remembered folder if it exists, else the user's documents folder.
+QString LastSaveFolder(const RegistryAccess& registry);
+
+/// The user's documents folder.
+QString PersonalFolder(const RegistryAccess& registry);
+
+}  // namespace tme

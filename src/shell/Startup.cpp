@@ -1,0 +1,80 @@
+#include "shell/Startup.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <cstdio>
+
+#include "ini/form_INI.h"
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/InstanceLink.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "shell/Global.h"
+#include "shell/OS_SendMessage.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr const char* kHelp =
+    "Usage: tme [FILE]...\n"
+    "Opens the files in the Tamarind Editor; a running instance of the same user opens them.\n"
+    "  --help     this text\n"
+    "  --version  the version\n";
+
+/// The one place that knows every form.
+DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
+  switch (kind) {
+    case DocumentKind::Ini:
+      return new form_INI(global, slot);
+    default:
+      return nullptr;
+  }
+}
+
+int HandOver(const QStringList& texts) {
+  for (const QString& text : texts) {
+    if (SendCommandLine(text)) continue;
+    std::fputs("tme: the running instance does not answer; nothing was opened\n", stderr);
+    return 1;
+  }
+  return 0;
+}
+
+int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& link, const QStringList& texts) {
+  ShellUtilities shell_utilities;
+  Dialogs dialogs;
+  CommonDialog common_dialog;
+  Global global{registry, shell_utilities, dialogs, common_dialog, link};
+  mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) { return MakeWindow(global, kind, slot); });
+  frame.MDIForm_Load(texts);
+  return application.exec();
+}
+
+}  // namespace
+
+int Main(int argc, char** argv) {
+  for (int index = 1; index < argc; ++index) {
+    const std::string_view argument = argv[index];
+    if (argument == "--help") return std::fputs(kHelp, stdout) < 0;
+    if (argument == "--version") return std::puts("Tamarind Editor " TME_VERSION) < 0;
+  }
+  // A launch that only hands over needs no display and no fonts.
+  QCoreApplication::setApplicationName(u"TamarindEditor"_s);
+  QCoreApplication::setApplicationVersion(QStringLiteral(TME_VERSION));
+  RegistryAccess registry;
+  InstanceLink link;
+  if (!link.ClaimOnlyInstance()) {
+    const QCoreApplication application(argc, argv);
+    return HandOver(ShellUtilities().CommandLineTexts());
+  }
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(QIcon(u":/icons/tme.svg"_s));
+  return RunFrame(application, registry, link, ShellUtilities().CommandLineTexts());
+}
+
+}  // namespace tme

@@ -1,0 +1,349 @@
+#include "shell/mdform_TMEditor.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPrinter>
+#include <QScreen>
+#include <QStyle>
+
+#include "platform/CommonDialog.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "platform/Twips.h"
+#include "shell/DocumentWindow.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/OS_SendMessage.h"
+#include "shell/OpenDispatch.h"
+#include "shell/WindowArrangement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kGeometryDelayMs = 150;
+/// Part of the screen that a first start's frame takes in each direction.
+constexpr double kFirstShare = 0.75;
+/// Part of the frame's area that a cascaded window takes in each direction.
+constexpr double kCascadeShare = 0.75;
+
+}  // namespace
+
+mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
+    : global_(global), make_window_(std::move(make_window)), area_(new QMdiArea(this)) {
+  global_.frame = this;
+  setObjectName(u"mdform_TMEditor"_s);
+  area_->setObjectName(u"mdi_area"_s);
+  area_->setAccessibleName(tr("Documents"));
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  setCentralWidget(area_);
+  menuBar()->setObjectName(u"menu_bar"_s);
+  menuBar()->setAccessibleName(tr("Menu bar"));
+  menus_ = std::make_unique<GlobalMenus>(global_, *menuBar());
+
+  geometry_timer_.setSingleShot(true);
+  geometry_timer_.setInterval(kGeometryDelayMs);
+  connect(&geometry_timer_, &QTimer::timeout, this, &mdform_TMEditor::WriteGeometry);
+  connect(area_, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* sub_window) {
+    // Null when the whole program loses the focus: the document stays the active one.
+    auto* window = sub_window ? qobject_cast<DocumentWindow*>(sub_window->widget()) : nullptr;
+    if (window && !window->Tag().isEmpty()) window->Form_Activate();
+  });
+}
+
+mdform_TMEditor::~mdform_TMEditor() { global_.frame = nullptr; }
+
+void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
+  RegistryAccess& registry = global_.registry;
+  setWindowTitle(kProgramTitle);
+  registry.CreateKey(kMakerKey);
+  global_.settings.present = registry.CreateKey(SettingsRoot);
+  const auto handle = static_cast<quint32>(winId());
+  registry.WriteValue(SettingsRoot, u"Application Path"_s, kTextType, global_.shell_utilities.ProgramFolder());
+  registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, QString::number(handle));
+  HookFrameWindow(global_, handle);
+  registry.CreateKey(kMruKey);
+  BindItems();
+  global_.exiting = false;
+  global_.windows_directory = global_.shell_utilities.WindowsDirectory();
+  ReadSettings();
+  PlaceFrame();
+  registry.CreateKey(kRegKey);
+  global_.settings.auto_save_period = ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s));
+  CreateDocumentWindows();
+  for (const QString& text : command_line_texts) OpenPathList(global_, text);
+  OpenWelcomeDocument();
+  RefreshMenus(DocumentKind::Mdi);
+  show();
+  if (active_document_) active_document_->Form_Activate();
+}
+
+void mdform_TMEditor::ReadSettings() {
+  Settings& settings = global_.settings;
+  const bool has_txt = global_.registry.CreateKey(kTxtKey);
+  const bool has_rtf = global_.registry.CreateKey(kRtfKey);
+  if (settings.present) settings.ReadFrameGroup(global_.registry);
+  if (has_txt) settings.ReadTxtGroup(global_.registry);
+  if (has_rtf) settings.ReadRtfGroup(global_.registry);
+}
+
+void mdform_TMEditor::PlaceFrame() {
+  const QRect available = screen()->geometry();
+  const QSize size = (QSizeF(available.size()) * kFirstShare).toSize();
+  resize(size);
+  move(available.center() - QRect(QPoint(), size).center());
+  if (global_.settings.present) ApplyStoredPlacement();
+  if (global_.registry.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1") setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void mdform_TMEditor::ApplyStoredPlacement() {
+  const auto stored = [this](const QString& name) { return global_.registry.ReadValue(SettingsRoot, name); };
+  const QString top = stored(u"MDI Top"_s), left = stored(u"MDI Left"_s);
+  const QString width = stored(u"MDI Width"_s), height = stored(u"MDI Height"_s);
+  if (top.isEmpty() || left.isEmpty() || width.isEmpty() || height.isEmpty()) return;
+  // Each that can be read is applied; the first that cannot ends it, and the frame keeps what it has by then.
+  const auto apply = [this](const QString& text, const std::function<void(int)>& place) {
+    const std::optional<int> twips = ParseInt16(text);
+    if (twips) place(TwipsToPixels(*twips, logicalDpiX()));
+    return twips.has_value();
+  };
+  const QPoint start = pos();
+  static_cast<void>(apply(top, [this](int pixels) { move(x(), pixels); }) &&
+                    apply(left, [this](int pixels) { move(pixels, y()); }) &&
+                    apply(width, [this](int pixels) { resize(std::max(pixels, 0), this->height()); }) &&
+                    apply(height, [this](int pixels) { resize(this->width(), std::max(pixels, 0)); }));
+  // A screen that is gone must not take the frame with it.
+  if (!QGuiApplication::screenAt(geometry().center())) move(start);
+}
+
+void mdform_TMEditor::WriteGeometry() {
+  geometry_timer_.stop();
+  if (!global_.settings.present || isMinimized()) return;
+  const auto write = [this](const QString& name, const QString& text) {
+    global_.registry.WriteValue(SettingsRoot, name, kTextType, text);
+  };
+  write(u"MDI Max"_s, isMaximized() ? u"1"_s : u"0"_s);
+  if (isMaximized()) return;
+  const auto twips = [this](int pixels) { return QString::number(PixelsToTwips(pixels, logicalDpiX())); };
+  write(u"MDI Top"_s, twips(y()));
+  write(u"MDI Left"_s, twips(x()));
+  write(u"MDI Height"_s, twips(height()));
+  write(u"MDI Width"_s, twips(width()));
+}
+
+void mdform_TMEditor::CreateDocumentWindows() {
+  for (int slot = 0; slot < kSlotsPerKind; ++slot)
+    for (const KindTraits& traits : kKinds) {
+      DocumentWindow* window = make_window_(traits.kind, slot);
+      if (!window) continue;
+      window->setParent(area_);
+      window->hide();
+      window->setObjectName(u"form_"_s + QLatin1StringView(traits.name) + QString::number(slot));
+      global_.documents.At(traits.kind, slot).window = window;
+    }
+  for (const KindTraits& traits : kKinds) {
+    if (!global_.documents.Offers(traits.kind)) continue;
+    const QByteArray item = QByteArray("global_FileNew") + traits.name;
+    menus_->Handle(item, [this, code = traits.slot_code] { NewDocument(global_, code); });
+  }
+}
+
+void mdform_TMEditor::BindItems() {
+  menus_->Handle("global_FileOpen", [this] { OpenFileDialog(global_); });
+  menus_->Handle("global_FileExit", [this] { ExitApplication(); });
+  menus_->Handle("menu_FilePrint", [this] { PrintActiveDocument(); });
+  menus_->Handle("global_WindowCascade", [this] { ArrangeWindows(0); });
+  menus_->Handle("global_WindowTileH", [this] { ArrangeWindows(1); });
+  menus_->Handle("global_WIndowTileV", [this] { ArrangeWindows(2); });
+  menus_->Handle("global_WindowIcons", [this] { ArrangeWindows(3); });
+  connect(menus_->Menu(u"md_menu_window"_s), &QMenu::aboutToShow, this, &mdform_TMEditor::ListDocumentsInWindowMenu);
+}
+
+void mdform_TMEditor::OpenWelcomeDocument() {
+  const QDir folder(global_.shell_utilities.ProgramFolder());
+  for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+    if (name.toUpper() != u"WELCOME.RTF") continue;
+    // Shown once, and only where there is a window for it.
+    if (!global_.documents.Offers(DocumentKind::Rtf)) return;
+    const QString path = folder.absoluteFilePath(name);
+    OpenPathList(global_, QDir::toNativeSeparators(path));
+    QFile::remove(path);
+    return;
+  }
+}
+
+void mdform_TMEditor::ExitApplication() {
+  if (std::exchange(leaving_, true)) return;
+  if (geometry_timer_.isActive()) WriteGeometry();
+  UnhookFrameWindow(global_);
+  global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  setWindowTitle(tr("Exiting - Please Wait"));
+  const auto release = [](DocumentSlot& slot) {
+    QWidget* sub_window = slot.window->SubWindow();
+    (sub_window ? sub_window : slot.window)->deleteLater();
+    slot.window = nullptr;
+  };
+  global_.documents.ForEach([&](DocumentSlot& slot) {
+    if (slot.window->Tag().isEmpty())
+      release(slot);
+    else
+      slot.window->SubWindow()->showMinimized();
+  });
+  global_.documents.ForEach([](DocumentSlot& slot) { slot.window->ExitForm(); });
+  global_.exiting = true;
+  active_document_ = nullptr;
+  global_.documents.ForEach(release);
+  close();
+  QCoreApplication::quit();
+}
+
+void mdform_TMEditor::RefreshMenus(DocumentKind kind) { menus_->RefreshMenus(kind); }
+
+QList<QMdiSubWindow*> mdform_TMEditor::ShownChildren(bool minimised) const {
+  QList<QMdiSubWindow*> children;
+  for (QMdiSubWindow* child : area_->subWindowList(QMdiArea::StackingOrder))
+    if (!child->isHidden() && child->isMinimized() == minimised) children.append(child);
+  return children;
+}
+
+void mdform_TMEditor::ArrangeWindows(int arrangement) {
+  const QSize room = area_->viewport()->size();
+  const QList<QMdiSubWindow*> icons = ShownChildren(true);
+  if (!icons.isEmpty()) {
+    const std::vector<QPoint> origins = IconOrigins(static_cast<int>(icons.size()), room, icons.first()->size());
+    for (qsizetype index = 0; index < icons.size(); ++index)
+      icons[index]->move(origins[static_cast<std::size_t>(index)]);
+  }
+  const QList<QMdiSubWindow*> children = ShownChildren(false);
+  if (children.isEmpty()) return;
+  QMdiSubWindow* active = children.last();
+  const auto count = static_cast<int>(children.size());
+  std::vector<QRect> rects;
+  if (arrangement == static_cast<int>(Arrangement::Cascade)) {
+    const QSize size = (QSizeF(room) * kCascadeShare).toSize();
+    const int step = active->style()->pixelMetric(QStyle::PM_TitleBarHeight) + active->contentsMargins().left();
+    for (const QPoint& origin : CascadeOrigins(count, room, step, size)) {
+      const auto* window = qobject_cast<DocumentWindow*>(children[static_cast<qsizetype>(rects.size())]->widget());
+      const int width = window && window->PreferredWidth() > 0 ? window->PreferredWidth() : size.width();
+      rects.emplace_back(origin, QSize(width, size.height()));
+    }
+  } else if (arrangement == static_cast<int>(Arrangement::TileHorizontally) ||
+             arrangement == static_cast<int>(Arrangement::TileVertically)) {
+    rects = TileRects(count, room, static_cast<Arrangement>(arrangement));
+  } else {
+    return;
+  }
+  for (qsizetype index = 0; index < children.size(); ++index) {
+    if (children[index]->isMaximized()) children[index]->showNormal();
+    children[index]->setGeometry(rects[static_cast<std::size_t>(index)]);
+  }
+  area_->setActiveSubWindow(active);
+}
+
+void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
+  QMdiSubWindow* sub_window = window->SubWindow();
+  if (!sub_window) {
+    sub_window = area_->addSubWindow(window);
+    sub_window->setAttribute(Qt::WA_DeleteOnClose, false);
+    sub_window->setObjectName(window->objectName() + u"_child"_s);
+    const QSize room = area_->viewport()->size();
+    const int width = window->PreferredWidth() > 0 ? window->PreferredWidth() : room.width() * 3 / 4;
+    sub_window->resize(width, static_cast<int>(room.height() * kCascadeShare));
+  }
+  window->show();
+  if (global_.settings.start_editors_max)
+    sub_window->showMaximized();
+  else
+    sub_window->showNormal();
+  area_->setActiveSubWindow(sub_window);
+  window->Form_Activate();
+}
+
+void mdform_TMEditor::DocumentClosed(DocumentWindow* window) {
+  if (active_document_ != window) return;
+  active_document_ = nullptr;
+  RefreshMenus(DocumentKind::Mdi);
+  const QList<QMdiSubWindow*> children = ShownChildren(false) + ShownChildren(true);
+  if (children.isEmpty() || leaving_) return;
+  area_->setActiveSubWindow(children[std::max<qsizetype>(0, ShownChildren(false).size() - 1)]);
+  if (auto* next = qobject_cast<DocumentWindow*>(area_->activeSubWindow()->widget())) next->Form_Activate();
+}
+
+void mdform_TMEditor::ListDocumentsInWindowMenu() {
+  QMenu* menu = menus_->Menu(u"md_menu_window"_s);
+  for (QAction* action : menu->actions())
+    if (action->data().toBool()) menu->removeAction(action);
+  int number = 0;
+  const auto append = [&](QAction* action) {
+    action->setData(true);
+    menu->addAction(action);
+  };
+  for (QMdiSubWindow* child : area_->subWindowList(QMdiArea::CreationOrder)) {
+    if (child->isHidden()) continue;
+    if (number == 0) {
+      auto* separator = new QAction(menu);
+      separator->setSeparator(true);
+      append(separator);
+    }
+    QString title = child->windowTitle();
+    title.replace(u'&', u"&&"_s);
+    auto* item = new QAction(u"&%1 %2"_s.arg(++number).arg(title), menu);
+    item->setCheckable(true);
+    item->setChecked(child->widget() == active_document_);
+    connect(item, &QAction::triggered, child, [this, child] {
+      if (child->isMinimized()) child->showNormal();
+      area_->setActiveSubWindow(child);
+    });
+    append(item);
+  }
+}
+
+void mdform_TMEditor::PrintActiveDocument() {
+  if (!active_document_) return;
+  CommonDialog& dialog = global_.common_dialog;
+  dialog.flags = CommonDialog::kNoPageNumbers | CommonDialog::kReturnDc;
+  const std::unique_ptr<QPrinter> printer = dialog.ShowPrinter();
+  if (printer) QMetaObject::invokeMethod(active_document_, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
+}
+
+void mdform_TMEditor::PopUpEditMenu(const QPoint& global_position) {
+  for (const QString& name : {u"menu_Edit"_s, u"menu_EditReg"_s})
+    if (menus_->Action(name)->isVisible()) menus_->Menu(name)->popup(global_position);
+}
+
+void mdform_TMEditor::ComeToFront() {
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+  raise();
+  activateWindow();
+}
+
+void mdform_TMEditor::closeEvent(QCloseEvent* event) {
+  ExitApplication();
+  event->setAccepted(global_.exiting);
+}
+
+void mdform_TMEditor::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  if (isVisible() && !leaving_) geometry_timer_.start();
+}
+
+void mdform_TMEditor::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange && isVisible() && !leaving_) geometry_timer_.start();
+}
+
+void mdform_TMEditor::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  // Documents of the command line were opened before the frame had its real size.
+  if (!event->spontaneous() && !ShownChildren(false).isEmpty() && !global_.settings.start_editors_max)
+    QTimer::singleShot(0, this, [this] { ArrangeWindows(0); });
+}
+
+}  // namespace tme

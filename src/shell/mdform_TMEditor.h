@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+#include "shell/DocumentKind.h"
+
+class QMdiArea;
+class QMdiSubWindow;
+
+namespace tme {
+
+class DocumentWindow;
+class GlobalMenus;
+struct Global;
+
+/// The frame: owns the menus, the document windows and the order of start-up and shutdown.
+class mdform_TMEditor : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  /// Makes a window of a kind for a slot; null for a kind that has no editor.
+  using WindowFactory = std::function<DocumentWindow*(DocumentKind kind, int slot)>;
+
+  mdform_TMEditor(Global& global, WindowFactory make_window);
+  ~mdform_TMEditor() override;
+
+  /// Start-up in its order: settings, hand-over endpoint, placement, document windows, the files of the command line
+  /// (each text opened by itself), then the frame is shown.
+  void MDIForm_Load(const QStringList& command_line_texts);
+
+  /// The one shutdown that every way of leaving goes through; it never cancels: the documents ask about their changes,
+  /// but answering Cancel there only keeps that document from being saved. Intended.
+  void ExitApplication();
+
+  /// The document that menu commands go to; null when none is open.
+  DocumentWindow* ActiveDocument() const { return active_document_; }
+  void SetActiveDocument(DocumentWindow* window) { active_document_ = window; }
+  void RefreshMenus(DocumentKind kind);
+  GlobalMenus& Menus() { return *menus_; }
+
+  /// 0 cascade, 1 tile horizontally, 2 tile vertically, 3 arrange icons; anything else does nothing.
+  void ArrangeWindows(int arrangement);
+  /// Shows a document window as the active child.
+  void ShowDocument(DocumentWindow* window);
+  /// A window let its document go: the menus follow what is active now.
+  void DocumentClosed(DocumentWindow* window);
+  void ComeToFront();
+  /// The Edit menu of the active document's kind, for a right click.
+  void PopUpEditMenu(const QPoint& global_position);
+
+ protected:
+  /// MDIForm_QueryUnload: leaving by the frame's own close button.
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void BindItems();
+  void ReadSettings();
+  void PlaceFrame();
+  void ApplyStoredPlacement();
+  void WriteGeometry();
+  void CreateDocumentWindows();
+  void OpenWelcomeDocument();
+  void PrintActiveDocument();
+  void ListDocumentsInWindowMenu();
+  QList<QMdiSubWindow*> ShownChildren(bool minimised) const;
+
+  Global& global_;
+  const WindowFactory make_window_;
+  QMdiArea* area_;
+  std::unique_ptr<GlobalMenus> menus_;
+  DocumentWindow* active_document_ = nullptr;
+  /// Resize events come in bursts, and before the window knows whether it is maximised.
+  QTimer geometry_timer_;
+  bool leaving_ = false;
+};
+
+}  // namespace tme
