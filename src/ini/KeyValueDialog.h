@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QDialog>
+
+class QDialogButtonBox;
+class QLineEdit;
+class QPushButton;
+
+namespace tme {
+
+/// A small modal dialog with a key box and a value box. What each button does to the boxes is the dialog's own affair;
+/// the caller reads the boxes afterwards.
+class KeyValueDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  QString Key() const;
+  QString Value() const;
+
+ protected:
+  explicit KeyValueDialog(QWidget* parent);
+  /// A button with its control name; the first one is the default. `press` runs before the dialog hides.
+  QPushButton* AddButton(const char* name, const QString& caption, std::function<void()> press);
+  /// Escape and the close box do what this button does.
+  void SetCancelButton(QPushButton* button) { cancel_button_ = button; }
+
+  void reject() override;
+  /// Enter accepts only with a key.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+  QLineEdit* txt_Key;
+  QLineEdit* txt_value;
+
+ private:
+  QDialogButtonBox* buttons_;
+  QPushButton* cancel_button_ = nullptr;
+};
+
+}  // namespace tme

@@ -1,0 +1,374 @@
+#include "ini/form_INI.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLocale>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QTextEdit>
+#include <QTreeView>
+
+#include "ini/IniItemModel.h"
+#include "ini/IniReader.h"
+#include "ini/IniWriter.h"
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/ShellUtilities.h"
+#include "platform/Twips.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/Hourglass.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+// Twips. The tree takes the client area less the margin; the buttons stand on it, their tops this far above the bottom.
+constexpr int kTreeMargin = 100;
+constexpr int kButtonsAboveBottom = 1000;
+constexpr int kOpenedWidth = 6800;
+constexpr int kButtonGapPixels = 4;
+
+/// A tree view that keeps a strip at its bottom free for the buttons that stand there, so that no row hides under them.
+class TreeViewWithStrip : public QTreeView {
+ public:
+  using QTreeView::QTreeView;
+  void KeepFree(int bottom_pixels) { setViewportMargins(0, 0, 0, bottom_pixels); }
+};
+
+QString Counted(std::uint64_t count, const QString& one, const QString& many) {
+  return count == 1 ? one : many.arg(QLocale().toString(static_cast<qulonglong>(count)));
+}
+
+/// What a read left out, as sentences; empty when every line found its place.
+QString NoticeOf(const IniReadResult& result, const QString& source) {
+  QStringList sentences;
+  if (result.ended_at_line > 0)
+    sentences += u"%1 ended early at line %2: %3."_s.arg(
+        source, QLocale().toString(static_cast<qulonglong>(result.ended_at_line)),
+        Counted(result.lines_not_read, u"1 line was not taken"_s, u"%1 lines were not taken"_s));
+  if (result.nodes_overwritten > 0)
+    sentences += Counted(result.nodes_overwritten, u"1 item was overwritten."_s, u"%1 items were overwritten."_s);
+  if (result.blank_lines_dropped > 0)
+    sentences += Counted(result.blank_lines_dropped, u"1 blank line dropped."_s, u"%1 blank lines dropped."_s);
+  if (sentences.isEmpty()) return {};
+  if (result.sections_reordered)
+    sentences += u"%1 holds its sections in another order."_s.arg(source);
+  else if (result.entries_reordered)
+    sentences += u"%1 holds its entries in another order."_s.arg(source);
+  sentences += u"Saving writes what the tree shows."_s;
+  return sentences.join(u' ');
+}
+
+QString ReasonOf(const FileFailure& failure) { return QString::fromStdString(failure.reason); }
+
+std::filesystem::path FilePath(const QString& path) { return path.toStdU16String(); }
+
+}  // namespace
+
+form_INI::form_INI(Global& global, int slot) : DocumentWindow(global, DocumentKind::Ini, slot) {}
+
+form_INI::~form_INI() = default;
+
+int form_INI::PreferredWidth() const { return TwipsToPixels(kOpenedWidth, logicalDpiX()); }
+
+void form_INI::BuildControls(QWidget& client) {
+  model_ = std::make_unique<IniItemModel>(tree_);
+  BuildTreeView(client);
+  BuildButtons(client);
+  client.installEventFilter(this);
+}
+
+void form_INI::BuildTreeView(QWidget& client) {
+  TV = new TreeViewWithStrip(&client);
+  TV->setObjectName(u"TV"_s);
+  TV->setAccessibleName(tr("Sections and entries"));
+  TV->setHeaderHidden(true);
+  TV->setUniformRowHeights(true);
+  TV->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  TV->setExpandsOnDoubleClick(true);
+  TV->setContextMenuPolicy(Qt::CustomContextMenu);
+  // The width of what is in sight, so that a million rows cost no more than thirty.
+  TV->header()->setStretchLastSection(false);
+  TV->header()->setResizeContentsPrecision(0);
+  TV->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  TV->setModel(model_.get());
+  setFocusProxy(TV);
+
+  connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
+  connect(model_.get(), &IniItemModel::SelectionMovedByTree, this, &form_INI::ShowSelection);
+  connect(TV, &QTreeView::expanded, this, [this](const QModelIndex& index) {
+    tree_.SetExpanded(IniItemModel::NodeOf(index), true);
+  });
+  connect(TV, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
+    tree_.SetExpanded(IniItemModel::NodeOf(index), false);
+  });
+  connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+    if (model_->IsChanging() || !current.isValid()) return;
+    tree_.Select(IniItemModel::NodeOf(current));
+    TV_NodeClick();
+  });
+  connect(TV, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
+    if (IniItemModel::NodeOf(index)->Tag() == IniTag::Value) cmd_Edit_Click();
+  });
+  connect(TV, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+  const auto on_key = [this](const QKeySequence& key, void (form_INI::*command)()) {
+    auto* shortcut = new QShortcut(key, TV);
+    shortcut->setContext(Qt::WidgetShortcut);
+    connect(shortcut, &QShortcut::activated, this, command);
+  };
+  on_key(Qt::Key_F2, &form_INI::cmd_Edit_Click);
+  on_key(Qt::Key_Insert, &form_INI::AddValue);
+  on_key(Qt::Key_Return, &form_INI::cmd_Edit_Click);
+  on_key(Qt::Key_Enter, &form_INI::cmd_Edit_Click);
+}
+
+void form_INI::BuildButtons(QWidget& client) {
+  const auto make = [&](const QString& name, const QString& caption, const QString& tip,
+                        void (form_INI::*command)()) {
+    auto* button = new QPushButton(caption, &client);
+    button->setObjectName(name);
+    button->setAccessibleName(QString(caption).remove(u'&').replace(u'\n', u' '));
+    button->setToolTip(tip);
+    connect(button, &QPushButton::clicked, this, command);
+    return button;
+  };
+  cmd_AddSection = make(u"cmd_AddSection"_s, tr("Add\n&Section"), tr("Add a section to the file"),
+                        &form_INI::AddSection);
+  cmd_DeleteSection = make(u"cmd_DeleteSection"_s, tr("Delete\nSe&ction"),
+                           tr("Delete the selected section with its entries (Del)"), &form_INI::DeleteSection);
+  cmd_Edit = make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (F2)"),
+                  &form_INI::cmd_Edit_Click);
+  cmd_AddValue = make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"),
+                      &form_INI::AddValue);
+  cmd_DeleteValue = make(u"cmd_DeleteValue"_s, tr("De&lete\nValue"), tr("Delete the selected entry or comment (Del)"),
+                         &form_INI::DeleteValue);
+}
+
+bool form_INI::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize && watched == TV->parentWidget()) Form_Resize();
+  return DocumentWindow::eventFilter(watched, event);
+}
+
+void form_INI::Form_Resize() {
+  if (SubWindow() && SubWindow()->isMinimized()) return;
+  const QSize client = TV->parentWidget()->size();
+  const auto pixels = [this](int twips) { return TwipsToPixels(twips, logicalDpiY()); };
+  const int tree_height = client.height() - pixels(kTreeMargin);
+  TV->setGeometry(0, 0, client.width(), tree_height);
+
+  const int scroll_extent = TV->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, TV);
+  const int frame = TV->frameWidth();
+  // Between the tree's rows and its horizontal scroll bar; taller than the given strip where a large font needs it.
+  const int button_height =
+      std::max(pixels(kButtonsAboveBottom) - pixels(kTreeMargin) - scroll_extent - frame - kButtonGapPixels,
+               cmd_AddSection->sizeHint().height());
+  const int top = std::min(client.height() - pixels(kButtonsAboveBottom),
+                           tree_height - frame - scroll_extent - kButtonGapPixels - button_height);
+  static_cast<TreeViewWithStrip*>(TV)->KeepFree(
+      std::max(0, tree_height - frame - scroll_extent - top + kButtonGapPixels));
+
+  const std::array buttons{cmd_AddSection, cmd_DeleteSection, cmd_Edit, cmd_AddValue, cmd_DeleteValue};
+  const auto count = static_cast<int>(buttons.size());
+  const int room = client.width() - scroll_extent - 2 * frame - kButtonGapPixels;
+  for (int index = 0; index < count; ++index) {
+    const int left = frame + kButtonGapPixels + room * index / count;
+    const int right = frame + room * (index + 1) / count;
+    buttons[static_cast<std::size_t>(index)]->setGeometry(left, top, right - left, button_height);
+  }
+}
+
+void form_INI::TV_NodeClick() {
+  const IniTag tag = tree_.Selected()->Tag();
+  const bool has_sections = tree_.SectionCount() > 0;
+  const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section;
+  cmd_DeleteSection->setEnabled(on_section);
+  cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
+  cmd_AddValue->setEnabled(on_section || on_entry);
+  cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
+  if (global_.frame->ActiveDocument() != this) return;
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetAvailable("menu_EditAddToAll", has_sections);
+  // A comment leaves the other items as they were; intended.
+  if (tag == IniTag::Comments) return;
+  menus.SetAvailable("menu_EditAddKeyValue", on_section || on_entry);
+  menus.SetAvailable("menu_EditDeleteValue", on_entry);
+  menus.SetAvailable("menu_EditRemovefromAll", on_entry);
+  menus.SetAvailable("menu_SectionsDelete", on_section);
+}
+
+void form_INI::UpdateCommands() { TV_NodeClick(); }
+
+void form_INI::RestoreView() {
+  const IniNode* root = tree_.Root();
+  TV->setExpanded(model_->IndexOf(root), root->Expanded());
+  for (int row = 0; row < root->ChildCount(); ++row) {
+    const IniNode* child = root->Child(row);
+    if (child->Expanded()) TV->setExpanded(model_->IndexOf(child), true);
+  }
+  ShowSelection();
+}
+
+void form_INI::ShowSelection() {
+  TV->setCurrentIndex(model_->IndexOf(tree_.Selected()));
+  TV_NodeClick();
+}
+
+void form_INI::NewINI() {
+  TakeSlot();
+  format_ = {};
+  tree_.Reset("New INI File");
+  tree_.SetExpanded(tree_.Root(), true);
+  RestoreView();
+  Slot().path.clear();
+  Slot().title.clear();
+  SetChanged(false);
+  ShowInFrame();
+  TV->setFocus();
+}
+
+void form_INI::OpenINI() {
+  DocumentSlot& slot = Slot();
+  std::string bytes;
+  if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
+    global_.dialogs.MsgBox(u"TME could not open the file\r( "_s + slot.path + u" )\r"_s + ReasonOf(*failure) + u'.',
+                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    slot.path.clear();
+    slot.title.clear();
+    return;
+  }
+  DecodedText decoded = DecodeText(std::move(bytes));
+  TakeSlot();
+  format_ = decoded.format;
+  tree_.Reset(slot.title.toStdString());
+  setWindowTitle(slot.title);
+  const IniReadResult result = Read(std::move(decoded.text));
+  AddNotice(NoticeOf(result, tr("The file")));
+  ShowInFrame();
+  QMdiSubWindow* sub_window = SubWindow();
+  if (!sub_window->isMinimized() && !sub_window->isMaximized())
+    sub_window->resize(PreferredWidth(), sub_window->height());
+  TV->setFocus();
+}
+
+IniReadResult form_INI::Read(std::string text) {
+  const Hourglass hourglass;
+  const IniQuestions ask{[this](std::string_view) {
+    return global_.dialogs.MsgBox(
+               u"You have asked to paste a section into this INI file, but that section already exists.  Would you "
+               "like to overwrite the existing section with the clipboard data?"_s,
+               MsgButtons::YesNo, MsgIcon::Question, u"Duplicate Section"_s) == MsgAnswer::Yes;
+  }};
+  const IniReadResult result = IniReader::Read(tree_, std::move(text), ask);
+  RestoreView();
+  return result;
+}
+
+void form_INI::SaveFile() { Save(); }
+
+void form_INI::SaveAs() {
+  DocumentSlot& slot = Slot();
+  const QString path = std::exchange(slot.path, {});
+  const QString title = std::exchange(slot.title, {});
+  if (Save() == SaveOutcome::Saved) return;
+  slot.path = path;
+  slot.title = title;
+}
+
+form_INI::SaveOutcome form_INI::Save() {
+  DocumentSlot& slot = Slot();
+  const bool chosen = slot.path.isEmpty();
+  const QString path = chosen ? AskForPath() : slot.path;
+  if (path.isEmpty()) return SaveOutcome::Cancelled;
+  if (const std::optional<FileFailure> failure = WriteTo(path)) {
+    global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s + ReasonOf(*failure) +
+                               u".  The file on disk is unchanged."_s,
+                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    return SaveOutcome::Failed;
+  }
+  if (chosen) {
+    slot.path = path;
+    slot.title = QFileInfo(path).fileName();
+    tree_.SetText(tree_.Root(), slot.title.toStdString());
+  }
+  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  setWindowTitle(slot.title);
+  SetChanged(false);
+  return SaveOutcome::Saved;
+}
+
+QString form_INI::AskForPath() {
+  CommonDialog& dialog = global_.common_dialog;
+  while (true) {
+    dialog.title = u"Save File"_s;
+    dialog.filter = u"INI File|*.INI"_s;
+    dialog.filter_index = 1;
+    dialog.default_ext = u".INI"_s;
+    dialog.file_name.clear();
+    dialog.init_dir = LastSaveFolder(global_.registry);
+    QString path = dialog.ShowSave();
+    if (path.isEmpty() || !global_.shell_utilities.FileExists(path)) return path;
+    switch (global_.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
+                                   u"File Exists"_s)) {
+      case MsgAnswer::Yes:
+        return path;
+      case MsgAnswer::No:
+        break;
+      default:
+        return {};
+    }
+  }
+}
+
+std::optional<FileFailure> form_INI::WriteTo(const QString& path) {
+  const Hourglass hourglass;
+  const std::string text = WriteIni(tree_);
+  TextFormat format = format_;
+  std::optional<std::string> bytes = EncodeText(text, format);
+  if (!bytes) {
+    format.encoding = TextEncoding::Utf8;
+    bytes = EncodeText(text, format);
+  }
+  const std::optional<FileFailure> failure = WriteFileBytes(FilePath(path), *bytes);
+  if (failure) return failure;
+  if (format.encoding != format_.encoding)
+    AddNotice(tr("The file is now written as UTF-8, because %1 has no place for some of its characters.")
+                  .arg(QString::fromUtf8(EncodingName(format_.encoding))));
+  format_ = format;
+  return std::nullopt;
+}
+
+void form_INI::FileClose() { CloseDocument(); }
+
+void form_INI::ExitForm() { CloseDocument(); }
+
+bool form_INI::CloseDocument() {
+  if (!ConfirmClose([this] { return Save() != SaveOutcome::Failed; })) return false;
+  ReleaseSlot();
+  tree_.Reset({});
+  return true;
+}
+
+void form_INI::PrintDoc(QPrinter* printer) {
+  tree_.Select(tree_.Root());
+  ShowSelection();
+  EditCopy();
+  const Hourglass hourglass;
+  if (!RTFPrintBox) {
+    RTFPrintBox = new QTextEdit(this);
+    RTFPrintBox->setObjectName(u"RTFPrintBox"_s);
+    RTFPrintBox->setUndoRedoEnabled(false);
+    RTFPrintBox->hide();
+  }
+  RTFPrintBox->setPlainText(QString::fromStdString(ClipboardText(*tree_.Root())));
+  RTFPrintBox->print(printer);
+  RTFPrintBox->clear();
+}
+
+}  // namespace tme

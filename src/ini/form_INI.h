@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QPrinter>
+#include <optional>
+
+#include "ini/IniTree.h"
+#include "platform/TextFile.h"
+#include "shell/DocumentWindow.h"
+
+class QPushButton;
+class QTextEdit;
+class QTreeView;
+
+namespace tme {
+
+class IniItemModel;
+struct IniReadResult;
+
+/// The window of an INI document: its tree in `TV` above five buttons. Everything that changes the document is a call
+/// of IniTree; the view follows through IniItemModel.
+class form_INI : public DocumentWindow {
+  Q_OBJECT
+
+ public:
+  form_INI(Global& global, int slot);
+  ~form_INI() override;
+
+  int PreferredWidth() const override;
+
+  Q_INVOKABLE void NewINI();
+  /// Reads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  Q_INVOKABLE void OpenINI();
+  Q_INVOKABLE void SaveFile();
+  Q_INVOKABLE void SaveAs();
+  Q_INVOKABLE void FileClose() override;
+  Q_INVOKABLE void ExitForm() override;
+  /// Puts the whole document on the clipboard, then prints it from there.
+  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+
+  Q_INVOKABLE void EditCut();
+  Q_INVOKABLE void EditCopy();
+  /// Reads the clipboard below the selected node. Does not mark the document changed; intended.
+  Q_INVOKABLE void EditPaste();
+  Q_INVOKABLE void PasteNewSection();
+  Q_INVOKABLE void EditDelete();
+  Q_INVOKABLE void AddSection();
+  Q_INVOKABLE void DeleteSection();
+  Q_INVOKABLE void AddValue();
+  Q_INVOKABLE void AddSectionToAll();
+  Q_INVOKABLE void DeleteValue();
+  Q_INVOKABLE void DeleteAllNodes();
+  Q_INVOKABLE void ExpandAll();
+  Q_INVOKABLE void CollapseAll();
+
+  /// The document as it stands.
+  const IniTree& Tree() const { return tree_; }
+
+ protected:
+  void BuildControls(QWidget& client) override;
+  void UpdateCommands() override;
+  bool CloseDocument() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  enum class SaveOutcome { Saved, Cancelled, Failed };
+
+  void BuildTreeView(QWidget& client);
+  void BuildButtons(QWidget& client);
+  /// Places the tree and the buttons; they share the client area (see the .cpp).
+  void Form_Resize();
+  void TV_NodeClick();
+  void RestoreView();
+  void ShowSelection();
+
+  SaveOutcome Save();
+  /// The path that the user chose, empty when cancelled.
+  QString AskForPath();
+  std::optional<FileFailure> WriteTo(const QString& path);
+
+  void cmd_Edit_Click();
+  void EditEntry(IniNode* node);
+  void RenameSection(IniNode* node);
+  void EditComment(IniNode* node);
+  bool ConfirmDeletion(const QString& label, const IniNode& node);
+  void AddEntryTo(IniNode* section, const QString& key, const QString& value);
+  IniReadResult Read(std::string text);
+
+  IniTree tree_;
+  TextFormat format_;
+  std::unique_ptr<IniItemModel> model_;
+  QTreeView* TV = nullptr;
+  QTextEdit* RTFPrintBox = nullptr;
+  QPushButton* cmd_AddSection = nullptr;
+  QPushButton* cmd_DeleteSection = nullptr;
+  QPushButton* cmd_Edit = nullptr;
+  QPushButton* cmd_AddValue = nullptr;
+  QPushButton* cmd_DeleteValue = nullptr;
+};
+
+}  // namespace tme
