@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tme {
+
+/// The 8-bit code page of files without a mark: the system's on Windows; elsewhere Windows-1252 as a bijection on all
+/// 256 values (the five unassigned bytes 81, 8D, 8F, 90, 9D stand for U+0081 and so on, as in the WHATWG encoding
+/// table).
+std::string CodePageToUtf8(std::string_view bytes);
+
+/// Null when a character has no byte, or the text is not valid UTF-8.
+std::optional<std::string> Utf8ToCodePage(std::string_view text);
+
+}  // namespace tme

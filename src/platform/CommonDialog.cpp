@@ -1,0 +1,78 @@
+#include "platform/CommonDialog.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QPrintDialog>
+#include <algorithm>
+
+#include "platform/FileDialogFilters.h"
+
+namespace tme {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Shows the dialog with the fields that opening and saving share. Empty when cancelled; then no field has changed.
+QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
+  const QStringList filters = FileDialogFilters(fields.filter);
+  dialog.setObjectName("CommonDialog"_L1);
+  dialog.setOption(QFileDialog::HideNameFilterDetails);  // the names say it; the wildcards are not for reading
+  if (!filters.isEmpty()) {
+    dialog.setNameFilters(filters);
+    dialog.selectNameFilter(filters.value(fields.filter_index - 1, filters.first()));
+  }
+  if (!fields.file_name.isEmpty()) dialog.selectFile(fields.file_name);
+  if (dialog.exec() != QDialog::Accepted) return {};
+
+  const QStringList chosen = dialog.selectedFiles();
+  if (chosen.isEmpty()) return {};
+  // With hidden wildcards, some of the dialogs give back the name alone.
+  const QString name = dialog.selectedNameFilter();
+  const auto selected = std::find_if(filters.begin(), filters.end(), [&name](const QString& filter) {
+    return filter == name || filter.startsWith(name + " ("_L1);
+  });
+  if (selected != filters.end()) fields.filter_index = static_cast<int>(selected - filters.begin()) + 1;
+  return chosen;
+}
+
+QString WithExtension(const QString& path, const QString& extension) {
+  return QFileInfo(path).fileName().contains(u'.') ? path : path + extension;
+}
+
+}  // namespace
+
+QStringList CommonDialog::ShowOpen() {
+  QFileDialog dialog(QApplication::activeWindow(), title, init_dir);
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(multi_select ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+  dialog.setDefaultSuffix(default_ext);
+  QStringList chosen = Choose(dialog, *this);
+  for (QString& path : chosen) path = QDir::toNativeSeparators(path);
+  if (!chosen.isEmpty()) file_name = chosen.first();
+  return chosen;
+}
+
+QString CommonDialog::ShowSave() {
+  QFileDialog dialog(QApplication::activeWindow(), title, init_dir);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite);
+  dialog.setDefaultSuffix(default_ext);
+  const QStringList chosen = Choose(dialog, *this);
+  if (chosen.isEmpty()) return {};
+  file_name = QDir::toNativeSeparators(WithExtension(chosen.first(), default_ext));
+  return file_name;
+}
+
+std::unique_ptr<QPrinter> CommonDialog::ShowPrinter() {
+  auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+  QPrintDialog dialog(printer.get(), QApplication::activeWindow());
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange, (flags & kNoPageNumbers) == 0);
+  if (dialog.exec() != QDialog::Accepted) return nullptr;
+  return printer;
+}
+
+}  // namespace tme

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QPrinter>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace tme {
+
+/// The one shared open, save and print dialog. Its fields are set before each use and keep their values between uses.
+/// Virtual, so that a test can choose instead.
+class CommonDialog {
+ public:
+  /// Print dialog flags (commdlg.h): PD_RETURNDC and PD_NOPAGENUMS.
+  static constexpr int kReturnDc = 0x100;
+  static constexpr int kNoPageNumbers = 0x8;
+
+  QString title;
+  /// "INI File|*.INI|Other (*.*)|*.*": pairs of name and wildcards (";" between wildcards). Matched without regard to
+  /// letter case.
+  QString filter;
+  /// From 1; after a dialog, the entry that the user chose.
+  int filter_index = 1;
+  /// Appended to a name typed without one, with its dot.
+  QString default_ext;
+  QString init_dir;
+  /// Proposed name before, chosen path after the dialog.
+  QString file_name;
+  bool multi_select = false;
+  int flags = 0;
+
+  virtual ~CommonDialog() = default;
+  /// Chosen files as whole paths; empty when cancelled.
+  virtual QStringList ShowOpen();
+  /// Chosen path; empty when cancelled. Does not ask about an existing file.
+  virtual QString ShowSave();
+  /// The printer that was chosen, null when cancelled. The caller owns it.
+  virtual std::unique_ptr<QPrinter> ShowPrinter();
+};
+
+}  // namespace tme

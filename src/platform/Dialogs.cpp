@@ -1,0 +1,113 @@
+#include "platform/Dialogs.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+#include <memory>
+
+namespace tme {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kMinInputWidth = 360;  // pixels
+
+/// The dialog may be gone with its parent window when it returns from its event loop.
+template <typename Dialog>
+class ModalDialog {
+ public:
+  ModalDialog() : dialog_(new Dialog(QApplication::activeWindow())) {}
+  ~ModalDialog() { delete dialog_.data(); }
+  ModalDialog(const ModalDialog&) = delete;
+  ModalDialog& operator=(const ModalDialog&) = delete;
+  Dialog* operator->() const { return dialog_.data(); }
+  explicit operator bool() const { return !dialog_.isNull(); }
+
+ private:
+  QPointer<Dialog> dialog_;
+};
+
+QMessageBox::StandardButtons BoxButtons(MsgButtons buttons) {
+  switch (buttons) {
+    case MsgButtons::Ok:
+      return QMessageBox::Ok;
+    case MsgButtons::YesNo:
+      return QMessageBox::Yes | QMessageBox::No;
+    case MsgButtons::YesNoCancel:
+      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+  }
+  return QMessageBox::Ok;
+}
+
+QMessageBox::StandardButton EscapeButton(MsgButtons buttons) {
+  switch (buttons) {
+    case MsgButtons::Ok:
+      return QMessageBox::Ok;
+    case MsgButtons::YesNo:
+      return QMessageBox::No;
+    case MsgButtons::YesNoCancel:
+      return QMessageBox::Cancel;
+  }
+  return QMessageBox::Ok;
+}
+
+QMessageBox::Icon BoxIcon(MsgIcon icon) {
+  switch (icon) {
+    case MsgIcon::None:
+      return QMessageBox::NoIcon;
+    case MsgIcon::Information:
+      return QMessageBox::Information;
+    case MsgIcon::Question:
+      return QMessageBox::Question;
+    case MsgIcon::Warning:
+      return QMessageBox::Warning;
+  }
+  return QMessageBox::NoIcon;
+}
+
+MsgAnswer AnswerOf(int button) {
+  switch (button) {
+    case QMessageBox::Yes:
+      return MsgAnswer::Yes;
+    case QMessageBox::No:
+      return MsgAnswer::No;
+    case QMessageBox::Cancel:
+      return MsgAnswer::Cancel;
+    default:
+      return MsgAnswer::Ok;
+  }
+}
+
+}  // namespace
+
+MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
+  const ModalDialog<QMessageBox> box;
+  box->setObjectName("MsgBox"_L1);
+  box->setWindowTitle(title);
+  box->setIcon(BoxIcon(icon));
+  box->setTextFormat(Qt::PlainText);
+  box->setText(text);
+  box->setStandardButtons(BoxButtons(buttons));
+  box->setDefaultButton(buttons == MsgButtons::Ok ? QMessageBox::Ok : QMessageBox::Yes);
+  box->setEscapeButton(EscapeButton(buttons));
+  const int button = box->exec();
+  return AnswerOf(box ? button : EscapeButton(buttons));
+}
+
+QString Dialogs::InputBox(const QString& prompt, const QString& title, const QString& text) {
+  const ModalDialog<QInputDialog> box;
+  box->setObjectName("InputBox"_L1);
+  box->setWindowTitle(title);
+  box->setInputMode(QInputDialog::TextInput);
+  box->setLabelText(prompt);
+  box->setTextValue(text);
+  if (auto* label = box->findChild<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  box->resize(box->sizeHint().expandedTo({kMinInputWidth, 0}));
+  const bool accepted = box->exec() == QDialog::Accepted;
+  return accepted && box ? box->textValue() : QString();
+}
+
+}  // namespace tme

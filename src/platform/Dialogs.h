@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+
+namespace tme {
+
+enum class MsgButtons : std::uint8_t { Ok, YesNo, YesNoCancel };
+enum class MsgIcon : std::uint8_t { None, Information, Question, Warning };
+enum class MsgAnswer : std::uint8_t { Ok, Yes, No, Cancel };
+
+/// Modal questions to the user. Virtual, so that a test can answer instead.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+  /// Plain text, never markup. Escape and closing the box answer Cancel where there is one, else No, else Ok.
+  virtual MsgAnswer MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title);
+  /// Single-line question; empty when cancelled.
+  virtual QString InputBox(const QString& prompt, const QString& title, const QString& text = {});
+};
+
+}  // namespace tme

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace tme {
+
+/// Sizes of the packed record, and the most data that one can carry.
+inline constexpr std::uint32_t kCopyDataHeaderBytes = 12;
+inline constexpr std::uint32_t kMaxCopyDataBytes = 255;
+
+/// What one launch hands to the running one. On Windows this is COPYDATASTRUCT (winuser.h) sent with WM_COPYDATA;
+/// elsewhere the same packed record goes over a local socket: dwData, cbData, lpData as 32-bit little-endian numbers
+/// (lpData 12, the offset of the data), then cbData bytes.
+struct CopyData {
+  std::uint32_t dwData = 0;
+  QByteArray data;  ///< cbData bytes, a zero byte at the end included
+};
+
+/// Packs a record. data: at most kMaxCopyDataBytes.
+QByteArray PackCopyData(const CopyData& record);
+/// Null for a record that is truncated, over-long (cbData over kMaxCopyDataBytes) or inconsistent.
+std::optional<CopyData> UnpackCopyData(const QByteArray& bytes);
+
+/// One instance per user and program, and the way to the one that runs.
+class InstanceLink {
+ public:
+  InstanceLink();
+  /// Stops listening and gives up the claim.
+  ~InstanceLink();
+  InstanceLink(const InstanceLink&) = delete;
+  InstanceLink& operator=(const InstanceLink&) = delete;
+
+  /// Claims to be the only instance of this user. False when another one lives; the claim of a dead process is taken
+  /// over. The claim lasts until this object or the process ends.
+  bool ClaimOnlyInstance();
+
+  /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record of a
+  /// process of the same user, one after the other: while it runs, further records wait, also inside a message box
+  /// that it shows. The sender waits until it returns. False when the endpoint cannot be made.
+  bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive);
+  void StopListening();
+
+  /// The sending side: returns when the receiver has dealt with the record, or at once with false when there is none
+  /// behind the handle (a stale one).
+  static bool Send(std::uint32_t handle, const CopyData& record);
+
+ private:
+  class Endpoint;
+  std::unique_ptr<Endpoint> endpoint_;
+};
+
+}  // namespace tme

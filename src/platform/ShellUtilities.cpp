@@ -1,0 +1,24 @@
+#include "platform/ShellUtilities.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace tme {
+
+using namespace Qt::StringLiterals;
+
+bool ShellUtilities::FileExists(const QString& path) const { return QFileInfo(path).isFile(); }
+
+QString ShellUtilities::ProgramFolder() const {
+  return QDir::toNativeSeparators(QCoreApplication::applicationDirPath());
+}
+
+QString ShellUtilities::UserDataFolder() const {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/TamarindEditor"_L1;
+  QDir().mkpath(folder);
+  return QDir::toNativeSeparators(folder);
+}
+
+}  // namespace tme

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tme {
+
+/// What the desktop knows of files and folders.
+class ShellUtilities {
+ public:
+  /// A file, hidden and system files included; not a folder.
+  bool FileExists(const QString& path) const;
+  /// Folder that holds the program's executable, without a separator at the end.
+  QString ProgramFolder() const;
+  /// The folder of per-user data, created if missing: where files go whose proper folder cannot be written.
+  QString UserDataFolder() const;
+  /// The Windows folder; elsewhere "drive_c/windows" of the Wine prefix (WINEPREFIX, else ~/.wine) if there is one.
+  /// Empty when there is none.
+  QString WindowsDirectory() const;
+  /// True for a network path ("\\...") or a drive path ("x:\..."); elsewhere than on Windows also for "/...".
+  bool IsRooted(const QString& path) const;
+  /// This process's command line as the texts that are opened one by one. Windows: the raw text after the program name
+  /// as one, or, if it holds quotation marks, the arguments as the system splits them. Elsewhere each argument, made
+  /// absolute when it names an existing file.
+  QStringList CommandLineTexts() const;
+};
+
+}  // namespace tme

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tme {
+
+/// How the bytes of a text file stand for characters.
+enum class TextEncoding : std::uint8_t {
+  CodePage,  ///< the 8-bit code page of the system (see CodePage.h); pure ASCII counts as this
+  Utf8,
+  Utf8Bom,
+  Utf16Le,  ///< with byte order mark
+  Utf16Be,  ///< with byte order mark
+};
+
+/// "the 8-bit code page", "UTF-8", "UTF-8 with byte order mark", "UTF-16 LE", "UTF-16 BE".
+std::string_view EncodingName(TextEncoding encoding);
+
+struct TextFormat {
+  TextEncoding encoding = TextEncoding::CodePage;
+  /// UTF-16 only: the last byte of a file with an odd number of bytes; written back at the end.
+  std::optional<char> stray_byte;
+};
+
+struct DecodedText {
+  /// UTF-8 without byte order mark; line ends as in the file. Lone UTF-16 surrogates are kept as three bytes each, and
+  /// invalid bytes of a file with a UTF-8 byte order mark as they are, so that EncodeText gives the same bytes again.
+  std::string text;
+  TextFormat format;
+};
+
+/// Never fails: bytes without a mark that are not valid UTF-8 are text of the 8-bit code page.
+/// Takes the bytes over; no copy is made when they are UTF-8 already.
+DecodedText DecodeText(std::string bytes);
+
+/// Null when the bytes would not be read as this text again; nothing is replaced. Only for the 8-bit code page (no byte
+/// for a character, or bytes that look like UTF-8 or begin like a mark) and for UTF-16 (text that is not UTF-8). UTF-8
+/// takes every text.
+std::optional<std::string> EncodeText(std::string_view text, const TextFormat& format);
+
+/// Why a file could not be read or written, in the system's words ("Permission denied").
+struct FileFailure {
+  std::string reason;
+};
+
+/// The steps of a whole-or-nothing write, one virtual each, so that a test can fail at any of them. Each returns 0 or
+/// an errno value.
+class FileSteps {
+ public:
+  virtual ~FileSteps() = default;
+  virtual int OpenTemporary(const std::filesystem::path& path, unsigned mode, int& handle);
+  /// May write fewer bytes than asked for, like write(2); returns how many, or -1 with `error` set.
+  virtual long Write(int handle, const char* data, std::size_t size, int& error);
+  virtual int Flush(int handle);
+  virtual int Close(int handle);
+  virtual int Replace(const std::filesystem::path& from, const std::filesystem::path& to);
+  virtual int FlushFolder(const std::filesystem::path& folder);
+  virtual void Remove(const std::filesystem::path& path);
+};
+
+/// Documents are held in memory; a larger file is refused with a reason.
+inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
+
+/// Whole file into `bytes` (replaced). A directory, a pipe or a device is a failure, and so is a file over
+/// kMaxFileBytes.
+std::optional<FileFailure> ReadFileBytes(const std::filesystem::path& path, std::string& bytes);
+
+/// Whole or not at all: a temporary file in the same folder with the target's permissions (and owner where allowed),
+/// written, flushed to disk, put in place; symbolic links are followed, a read-only target is refused. After a failure
+/// the target has its old bytes (or is absent as before) and no temporary file is left.
+std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
+std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, FileSteps& steps);
+
+}  // namespace tme

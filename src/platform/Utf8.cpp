@@ -1,0 +1,90 @@
+#include "platform/Utf8.h"
+
+#include <array>
+#include <cstring>
+
+namespace tme::utf8 {
+namespace {
+
+constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+
+}  // namespace
+
+std::size_t AsciiRun(std::string_view text) {
+  std::size_t run = 0;
+  std::array<std::uint64_t, 4> words;
+  while (text.size() - run >= sizeof words) {
+    std::memcpy(words.data(), text.data() + run, sizeof words);
+    if (((words[0] | words[1] | words[2] | words[3]) & kHighBits) != 0) break;
+    run += sizeof words;
+  }
+  while (run < text.size() && static_cast<unsigned char>(text[run]) < 0x80) ++run;
+  return run;
+}
+
+bool IsValid(std::string_view text) {
+  while (true) {
+    text.remove_prefix(AsciiRun(text));
+    if (text.empty()) return true;
+    while (!text.empty() && static_cast<unsigned char>(text.front()) >= 0x80) {
+      if (!TakeCharacter(text)) return false;
+    }
+  }
+}
+
+std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates) {
+  if (text.empty()) return std::nullopt;
+  const auto lead = static_cast<unsigned char>(text.front());
+  std::size_t size = 1;
+  char32_t lowest = 0;  // of this length: anything below is an over-long form
+  char32_t character = lead;
+  if (lead >= 0x80) {
+    if (lead >= 0xC2 && lead <= 0xDF) {
+      size = 2, lowest = 0x80, character = lead & 0x1Fu;
+    } else if ((lead & 0xF0) == 0xE0) {
+      size = 3, lowest = 0x800, character = lead & 0x0Fu;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+      size = 4, lowest = 0x10000, character = lead & 0x07u;
+    } else {
+      return std::nullopt;
+    }
+    if (text.size() < size) return std::nullopt;
+    for (std::size_t i = 1; i < size; ++i) {
+      const auto byte = static_cast<unsigned char>(text[i]);
+      if ((byte & 0xC0) != 0x80) return std::nullopt;
+      character = (character << 6) | (byte & 0x3Fu);
+    }
+    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
+    if (character < lowest || character > 0x10FFFF || (surrogate && surrogates == Surrogates::Refuse)) {
+      return std::nullopt;
+    }
+  }
+  text.remove_prefix(size);
+  return character;
+}
+
+std::size_t PutCharacter(char32_t character, char* out) {
+  const auto put = [out](std::size_t at, char32_t byte) { out[at] = static_cast<char>(byte); };
+  if (character < 0x80) {
+    put(0, character);
+    return 1;
+  }
+  if (character < 0x800) {
+    put(0, 0xC0 | (character >> 6));
+    put(1, 0x80 | (character & 0x3F));
+    return 2;
+  }
+  if (character < 0x10000) {
+    put(0, 0xE0 | (character >> 12));
+    put(1, 0x80 | ((character >> 6) & 0x3F));
+    put(2, 0x80 | (character & 0x3F));
+    return 3;
+  }
+  put(0, 0xF0 | (character >> 18));
+  put(1, 0x80 | ((character >> 12) & 0x3F));
+  put(2, 0x80 | ((character >> 6) & 0x3F));
+  put(3, 0x80 | (character & 0x3F));
+  return 4;
+}
+
+}  // namespace tme::utf8

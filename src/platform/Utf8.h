@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+/// UTF-8, byte by byte, as RFC 3629 defines it; made for large, mostly ASCII texts.
+namespace tme::utf8 {
+
+/// How many bytes at the start are ASCII.
+std::size_t AsciiRun(std::string_view text);
+
+bool IsValid(std::string_view text);
+
+/// Surrogates as three bytes each are no UTF-8; they stand for the lone ones of a UTF-16 file.
+enum class Surrogates : std::uint8_t { Refuse, Accept };
+
+/// Takes the first character off `text`. Null, with `text` as it was, when it is empty or begins with an invalid byte.
+std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates = Surrogates::Refuse);
+
+inline constexpr std::size_t kMaxCharacterBytes = 4;
+
+/// Writes 1 to kMaxCharacterBytes bytes, surrogates as three; returns how many.
+std::size_t PutCharacter(char32_t character, char* out);
+
+}  // namespace tme::utf8

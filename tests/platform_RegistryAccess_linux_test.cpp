@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include "platform/RegistryAccess.h"
+
+namespace tme {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class Registry : public testing::Test {
+ protected:
+  Registry() { qputenv("XDG_CONFIG_HOME", QFile::encodeName(Root())); }
+  QString Root() const { return home_.path() + "/config"_L1; }
+
+  const QString key_ = u"HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME"_s;
+  const QString reg_sz_ = u"REG_SZ"_s;
+
+ private:
+  QTemporaryDir home_;
+};
+
+TEST_F(Registry, GivesBackExactlyWhatWasWritten) {
+  const QString datas[] = {u""_s,
+                           u"1"_s,
+                           u"a,b, c"_s,
+                           u"\"quoted\";x"_s,
+                           u"%1 %20 100%"_s,
+                           u"@Invalid()"_s,
+                           u"@@x"_s,
+                           u"C:\\n\\x41\\"_s,
+                           u"line\r\nnext\tend "_s,
+                           u" blanks  "_s,
+                           u"*.TXT;*.INF"_s,
+                           u"Grüße Жук 😀"_s,
+                           u"a\0b"_s};
+  const QString names[] = {u""_s,     u"MDI Top"_s, u"a/b"_s,  u"a\\b"_s, u"a.b"_s,
+                           u".key"_s, u"%2F"_s,     u"=[x]"_s, u"Ж"_s,    u"General"_s};
+  {
+    RegistryAccess registry;
+    EXPECT_TRUE(registry.CreateKey(key_));
+    for (const QString& name : names) {
+      for (const QString& data : datas) registry.WriteValue(key_, name + data, reg_sz_, data + name);
+    }
+  }
+  EXPECT_EQ(QFile::permissions(Root() + "/TamarindEditor/registry.ini"_L1) & (QFile::ReadGroup | QFile::ReadOther),
+            QFile::Permissions());
+  const RegistryAccess registry;
+  for (const QString& name : names) {
+    for (const QString& data : datas) {
+      ASSERT_EQ(registry.ReadValue(key_, name + data), data + name) << (name + data).toStdString();
+    }
+  }
+  EXPECT_EQ(registry.ReadValue(key_ + u'\\', u"MDI Top"_s), u"MDI Top"_s);
+  EXPECT_EQ(registry.ReadValue(key_, u"missing"_s), QString());
+}
+
+TEST_F(Registry, DeletesTheKeyWithAllBelowAndNothingElse) {
+  const QString shell = u"HKEY_CLASSES_ROOT\\*\\Shell"_s;
+  const QString menu = shell + "\\Tamarind Editor"_L1;
+  {
+    RegistryAccess registry;
+    EXPECT_TRUE(registry.CreateKey(menu + "\\Command"_L1));
+    registry.WriteValue(menu, u""_s, reg_sz_, u"menu"_s);
+    registry.WriteValue(menu + "\\Command\\"_L1, u""_s, reg_sz_, u"command"_s);
+    registry.WriteValue(menu + " 2"_L1, u"x"_s, reg_sz_, u"neighbour"_s);
+    registry.WriteValue(shell, u"Tamarind Editor"_s, reg_sz_, u"value of that name"_s);
+    EXPECT_EQ(registry.ReadValue(menu + "\\Command"_L1, u""_s), u"command"_s);
+    registry.DeleteKey(menu);
+    registry.DeleteKey(u"HKEY_CLASSES_ROOT\\missing"_s);
+    registry.DeleteKey(u""_s);
+  }
+  const RegistryAccess registry;
+  EXPECT_EQ(registry.ReadValue(menu, u""_s), QString());
+  EXPECT_EQ(registry.ReadValue(menu + "\\Command"_L1, u""_s), QString());
+  EXPECT_EQ(registry.ReadValue(menu + " 2"_L1, u"x"_s), u"neighbour"_s);
+  EXPECT_EQ(registry.ReadValue(shell, u"Tamarind Editor"_s), u"value of that name"_s);
+}
+
+TEST_F(Registry, LivesWithAStoreThatCannotBeWritten) {
+  QFile in_the_way(Root());
+  ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
+  RegistryAccess registry;
+  for (int attempt = 0; attempt < 2; ++attempt) EXPECT_FALSE(registry.CreateKey(key_));
+  registry.WriteValue(key_, u"x"_s, reg_sz_, u"1"_s);
+  registry.DeleteKey(key_);
+  EXPECT_EQ(registry.ReadValue(key_, u"y"_s), QString());
+}
+
+TEST_F(Registry, KnowsTheDocumentsFolder) {
+  const RegistryAccess registry;
+  EXPECT_EQ(
+      registry.ReadValue(u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"_s,
+                         u"Personal"_s),
+      QDir::homePath() + "/Documents"_L1);
+}
+
+}  // namespace
+}  // namespace tme

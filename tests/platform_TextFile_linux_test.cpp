@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "platform/CodePage.h"
+#include "platform/TextFile.h"
+
+namespace tme {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WriteFile : public testing::Test {
+ protected:
+  fs::path In(const std::string& name) const { return fs::path(folder_.path().toStdString()) / name; }
+  static void Put(const fs::path& path, const std::string& bytes) { std::ofstream(path) << bytes; }
+  static std::string Get(const fs::path& path) {
+    std::string bytes;
+    const auto failure = ReadFileBytes(path, bytes);
+    return failure ? "failed: " + failure->reason : bytes;
+  }
+  static std::string Reason(const std::optional<FileFailure>& failure) { return failure ? failure->reason : "none"; }
+  std::ptrdiff_t FilesInFolder() const { return std::distance(fs::directory_iterator(In("")), {}); }
+
+ private:
+  QTemporaryDir folder_;
+};
+
+/// Fails at the n-th step, after that step has done part of its work. Writes little at a time and is interrupted often.
+class FailingSteps : public FileSteps {
+ public:
+  explicit FailingSteps(int failing_step) : left_(failing_step) {}
+  bool HasFailed() const { return left_ <= 0; }
+
+  int OpenTemporary(const fs::path& path, unsigned mode, int& handle) override {
+    return Fails() ? ENOSPC : FileSteps::OpenTemporary(path, mode, handle);
+  }
+  long Write(int handle, const char* data, std::size_t size, int& error) override {
+    error = (interrupted_ = !interrupted_) ? EINTR : Fails() ? ENOSPC : 0;
+    return error != 0 ? -1 : FileSteps::Write(handle, data, std::min<std::size_t>(size, 3), error);
+  }
+  int Flush(int handle) override { return Fails() ? ENOSPC : FileSteps::Flush(handle); }
+  int Close(int handle) override {
+    const int error = FileSteps::Close(handle);
+    EXPECT_EQ(error, 0) << "closed twice";
+    return Fails() ? ENOSPC : error;
+  }
+  int Replace(const fs::path& from, const fs::path& to) override {
+    return Fails() ? ENOSPC : FileSteps::Replace(from, to);
+  }
+  int FlushFolder(const fs::path& folder) override {
+    folder_flush_failed = Fails();
+    return folder_flush_failed ? ENOSPC : FileSteps::FlushFolder(folder);
+  }
+
+  bool folder_flush_failed = false;
+
+ private:
+  bool Fails() { return --left_ == 0; }
+
+  int left_;
+  bool interrupted_ = false;
+};
+
+TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
+  for (const bool exists : {true, false}) {
+    const fs::path path = In(exists ? "old.ini" : "new.ini");
+    bool done = false;
+    for (int step = 1; !done; ++step) {
+      SCOPED_TRACE(step);
+      if (exists) Put(path, "old");
+      FailingSteps steps(step);
+      const auto failure = WriteFileBytes(path, "new bytes", steps);
+      done = !steps.HasFailed();
+      if (done || steps.folder_flush_failed) {
+        EXPECT_EQ(Reason(failure), "none");
+        EXPECT_EQ(Get(path), "new bytes");
+        if (!exists) fs::remove(path);
+      } else {
+        EXPECT_EQ(Reason(failure), "No space left on device");
+        EXPECT_EQ(fs::exists(path), exists);
+        if (exists) {
+          EXPECT_EQ(Get(path), "old");
+        }
+      }
+      EXPECT_EQ(FilesInFolder(), exists ? 1 : 0);
+      ASSERT_LT(step, 20);
+    }
+    fs::remove(path);
+  }
+}
+
+TEST_F(WriteFile, KeepsModeAndLinks) {
+  Put(In("file"), "old");
+  ::chmod(In("file").c_str(), 0754);
+  fs::create_directory(In("sub"));
+  fs::create_symlink("../file", In("sub/link"));
+  fs::create_symlink("sub/link", In("link"));
+  EXPECT_EQ(Reason(WriteFileBytes(In("link"), "new")), "none");
+  EXPECT_TRUE(fs::is_symlink(In("link")) && fs::is_symlink(In("sub/link")));
+  EXPECT_EQ(Get(In("file")), "new");
+  EXPECT_EQ(fs::status(In("file")).permissions(), fs::perms{0754});
+
+  fs::create_symlink("sub/missing", In("dangling"));
+  const mode_t old_mask = ::umask(027);
+  EXPECT_EQ(Reason(WriteFileBytes(In("dangling"), "made")), "none");
+  ::umask(old_mask);
+  EXPECT_EQ(Get(In("sub/missing")), "made");
+  EXPECT_EQ(fs::status(In("sub/missing")).permissions(), fs::perms{0640});
+
+  fs::create_symlink("loop", In("loop"));
+  EXPECT_EQ(Reason(WriteFileBytes(In("loop"), "")), "Too many levels of symbolic links");
+}
+
+TEST_F(WriteFile, SaysWhyNot) {
+  Put(In("read-only"), "old");
+  ::chmod(In("read-only").c_str(), 0444);
+  EXPECT_EQ(Reason(WriteFileBytes(In("read-only"), "new")), "The file is read-only");
+  EXPECT_EQ(Get(In("read-only")), "old");
+  EXPECT_EQ(Reason(WriteFileBytes(In(""), "new")), "Is a directory");
+  EXPECT_EQ(Reason(WriteFileBytes(In("missing/file"), "new")), "No such file or directory");
+
+  class NoTemporary : public FileSteps {
+    int OpenTemporary(const fs::path& /*path*/, unsigned /*mode*/, int& /*handle*/) override { return EACCES; }
+  } steps;
+  EXPECT_EQ(Reason(WriteFileBytes(In("new"), "new", steps)), "The folder cannot be written: Permission denied");
+}
+
+TEST_F(WriteFile, ReadsOnlyRegularFiles) {
+  ASSERT_EQ(::mkfifo(In("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(Get(In("pipe")), "failed: Not a regular file") << "and does not wait for a writer";
+  EXPECT_EQ(Reason(WriteFileBytes(In("pipe"), "new")), "Not a regular file");
+  EXPECT_EQ(Get("/dev/null"), "failed: Not a regular file");
+  EXPECT_EQ(Get(In("")), "failed: Is a directory");
+  EXPECT_EQ(Get(In("missing")), "failed: No such file or directory");
+  EXPECT_NE(Get("/proc/self/cmdline"), "") << "larger than its size says";
+
+  Put(In("huge"), "");
+  fs::resize_file(In("huge"), kMaxFileBytes + 1);
+  EXPECT_EQ(Get(In("huge")), "failed: File too large");
+}
+
+TEST(CodePage, IsABijection) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  EXPECT_EQ(Utf8ToCodePage(CodePageToUtf8(bytes)), bytes);
+  EXPECT_EQ(CodePageToUtf8("\x80\x8D\x99\xE4"), "\u20AC\u008D\u2122\u00E4");
+  EXPECT_EQ(Utf8ToCodePage("\u0080"), std::nullopt) << "its byte is taken by another character";
+}
+
+}  // namespace
+}  // namespace tme
