@@ -5,9 +5,11 @@
 #include <QHeaderView>
 #include <QLocale>
 #include <QMdiSubWindow>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QStyleOptionSlider>
 #include <QTextEdit>
 #include <QTreeView>
 
@@ -34,11 +36,28 @@ constexpr int kButtonsAboveBottom = 1000;
 constexpr int kOpenedWidth = 6800;
 constexpr int kButtonGapPixels = 4;
 
-/// A tree view that keeps a strip at its bottom free for the buttons that stand there, so that no row hides under them.
-class TreeViewWithStrip : public QTreeView {
+/// A horizontal scroll bar with a strip above it, on which the buttons stand: so the tree view reaches down to the
+/// bottom and yet no row of it hides under them.
+class ScrollBarUnderStrip : public QScrollBar {
  public:
-  using QTreeView::QTreeView;
-  void KeepFree(int bottom_pixels) { setViewportMargins(0, 0, 0, bottom_pixels); }
+  explicit ScrollBarUnderStrip(QWidget* parent) : QScrollBar(Qt::Horizontal, parent) {}
+  void SetStrip(int pixels) {
+    if (std::exchange(strip_, pixels) != pixels) updateGeometry();
+  }
+  QSize sizeHint() const override { return QScrollBar::sizeHint() + QSize(0, strip_); }
+
+ protected:
+  void initStyleOption(QStyleOptionSlider* option) const override {
+    QScrollBar::initStyleOption(option);
+    option->rect.setTop(strip_);
+  }
+  void paintEvent(QPaintEvent* event) override {
+    QPainter(this).fillRect(rect(), palette().window());
+    if (minimum() < maximum()) QScrollBar::paintEvent(event);
+  }
+
+ private:
+  int strip_ = 0;
 };
 
 QString Counted(std::uint64_t count, const QString& one, const QString& many) {
@@ -78,6 +97,7 @@ form_INI::~form_INI() = default;
 int form_INI::PreferredWidth() const { return TwipsToPixels(kOpenedWidth, logicalDpiX()); }
 
 void form_INI::BuildControls(QWidget& client) {
+  setWindowIcon(QIcon(u":/icons/ini-file.svg"_s));
   model_ = std::make_unique<IniItemModel>(tree_);
   BuildTreeView(client);
   BuildButtons(client);
@@ -85,7 +105,7 @@ void form_INI::BuildControls(QWidget& client) {
 }
 
 void form_INI::BuildTreeView(QWidget& client) {
-  TV = new TreeViewWithStrip(&client);
+  TV = new QTreeView(&client);
   TV->setObjectName(u"TV"_s);
   TV->setAccessibleName(tr("Sections and entries"));
   TV->setHeaderHidden(true);
@@ -97,6 +117,8 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->header()->setStretchLastSection(false);
   TV->header()->setResizeContentsPrecision(0);
   TV->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
+  TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   TV->setModel(model_.get());
   setFocusProxy(TV);
 
@@ -139,7 +161,7 @@ void form_INI::BuildButtons(QWidget& client) {
     connect(button, &QPushButton::clicked, this, command);
     return button;
   };
-  cmd_AddSection = make(u"cmd_AddSection"_s, tr("Add\n&Section"), tr("Add a section to the file"),
+  cmd_AddSection = make(u"cmd_AddSection"_s, tr("Add\nSectio&n"), tr("Add a section to the file"),
                         &form_INI::AddSection);
   cmd_DeleteSection = make(u"cmd_DeleteSection"_s, tr("Delete\nSe&ction"),
                            tr("Delete the selected section with its entries (Del)"), &form_INI::DeleteSection);
@@ -161,25 +183,21 @@ void form_INI::Form_Resize() {
   const QSize client = TV->parentWidget()->size();
   const auto pixels = [this](int twips) { return TwipsToPixels(twips, logicalDpiY()); };
   const int tree_height = client.height() - pixels(kTreeMargin);
-  TV->setGeometry(0, 0, client.width(), tree_height);
-
-  const int scroll_extent = TV->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, TV);
-  const int frame = TV->frameWidth();
-  // Between the tree's rows and its horizontal scroll bar; taller than the given strip where a large font needs it.
+  // Between the tree's rows and its scroll bar; taller than the given strip where a large font needs it.
+  const int bar_height = TV->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, TV);
+  const int below = pixels(kTreeMargin) + bar_height + kButtonGapPixels;
   const int button_height =
-      std::max(pixels(kButtonsAboveBottom) - pixels(kTreeMargin) - scroll_extent - frame - kButtonGapPixels,
-               cmd_AddSection->sizeHint().height());
-  const int top = std::min(client.height() - pixels(kButtonsAboveBottom),
-                           tree_height - frame - scroll_extent - kButtonGapPixels - button_height);
-  static_cast<TreeViewWithStrip*>(TV)->KeepFree(
-      std::max(0, tree_height - frame - scroll_extent - top + kButtonGapPixels));
+      std::max(pixels(kButtonsAboveBottom) - below, cmd_AddSection->sizeHint().height());
+  const int top = client.height() - std::max(pixels(kButtonsAboveBottom), below + button_height);
+  static_cast<ScrollBarUnderStrip*>(TV->horizontalScrollBar())->SetStrip(tree_height - bar_height - top + kButtonGapPixels);
+  TV->setGeometry(0, 0, client.width(), tree_height);
 
   const std::array buttons{cmd_AddSection, cmd_DeleteSection, cmd_Edit, cmd_AddValue, cmd_DeleteValue};
   const auto count = static_cast<int>(buttons.size());
-  const int room = client.width() - scroll_extent - 2 * frame - kButtonGapPixels;
+  const int room = client.width() - kButtonGapPixels;
   for (int index = 0; index < count; ++index) {
-    const int left = frame + kButtonGapPixels + room * index / count;
-    const int right = frame + room * (index + 1) / count;
+    const int left = kButtonGapPixels + room * index / count;
+    const int right = room * (index + 1) / count;
     buttons[static_cast<std::size_t>(index)]->setGeometry(left, top, right - left, button_height);
   }
 }

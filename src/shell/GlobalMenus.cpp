@@ -150,7 +150,7 @@ constexpr const char* kNewSectionCaption = "New Section";
 
 }  // namespace
 
-GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global) {
+GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(bar) {
   for (std::size_t index = 0; index < kRows.size(); ++index) {
     const Row& row = kRows[index];
     const QString name = QString::fromLatin1(row.name);
@@ -189,6 +189,7 @@ void GlobalMenus::RefreshMenus(DocumentKind kind) {
   actions_.value(u"menu_EditPasteAsTXT"_s)
       ->setText(QString::fromLatin1(kind == DocumentKind::Rtf ? kPlainTextCaption : kNewSectionCaption));
   QHash<QString, bool> menu_shown;
+  QList<QAction*> in_bar;
   // From the last row up, so that the items of a menu are settled before the row that opens it.
   for (std::size_t index = kRows.size(); index-- > 0;) {
     const Row& row = kRows[index];
@@ -198,8 +199,16 @@ void GlobalMenus::RefreshMenus(DocumentKind kind) {
     const bool shown = row.opens_menu ? menu_shown.value(name) : IsOffered(index, kind);
     action->setVisible(shown);
     action->setEnabled(true);
+    if (shown && *row.parent == '\0') in_bar.prepend(action);
     if (shown && row.caption) menu_shown.insert(QString::fromLatin1(row.parent), true);
   }
+  ShowInBar(in_bar);
+}
+
+void GlobalMenus::ShowInBar(const QList<QAction*>& menus) {
+  if (bar_.actions() == menus) return;
+  for (QAction* action : bar_.actions()) bar_.removeAction(action);
+  bar_.addActions(menus);
 }
 
 void GlobalMenus::SetAvailable(const char* item_name, bool available) {

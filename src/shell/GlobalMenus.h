@@ -40,9 +40,12 @@ class GlobalMenus : public QObject {
 
  private:
   void Choose(std::size_t row);
+  /// Only these stand in the bar: a hidden menu there would still hold its access key, and three are called "&Edit".
+  void ShowInBar(const QList<QAction*>& menus);
   bool IsOffered(std::size_t row, DocumentKind kind) const;
 
   Global& global_;
+  QMenuBar& bar_;
   QHash<QString, QAction*> actions_;
   QHash<QString, QMenu*> menus_;
   QHash<QString, std::function<void()>> handlers_;

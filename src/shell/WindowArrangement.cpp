@@ -25,13 +25,10 @@ std::vector<QRect> TileRects(int count, QSize area, Arrangement direction) {
   return rects;
 }
 
-std::vector<QPoint> CascadeOrigins(int count, QSize area, int step, QSize room) {
-  const int by_width = (area.width() - room.width()) / std::max(1, step);
-  const int by_height = (area.height() - room.height()) / std::max(1, step);
-  const int steps = std::max(0, std::min(by_width, by_height)) + 1;
-  std::vector<QPoint> origins;
-  for (int index = 0; index < count; ++index) origins.emplace_back(index % steps * step, index % steps * step);
-  return origins;
+QPoint CascadeOrigin(int place, QSize area, int step, QSize window) {
+  const QSize room = area - window;
+  const int steps = std::max(0, std::min(room.width(), room.height()) / std::max(1, step)) + 1;
+  return QPoint(1, 1) * (place % steps * step);
 }
 
 std::vector<QPoint> IconOrigins(int count, QSize area, QSize icon) {

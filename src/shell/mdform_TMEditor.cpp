@@ -213,6 +213,15 @@ QList<QMdiSubWindow*> mdform_TMEditor::ShownChildren(bool minimised) const {
   return children;
 }
 
+QRect mdform_TMEditor::CascadeRect(int place, const QWidget* window) const {
+  const QSize room = area_->viewport()->size();
+  const QSize share = (QSizeF(room) * kCascadeShare).toSize();
+  const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+  const auto* document = qobject_cast<const DocumentWindow*>(window);
+  const int width = document && document->PreferredWidth() > 0 ? document->PreferredWidth() : share.width();
+  return {CascadeOrigin(place, room, step, share), QSize(width, share.height())};
+}
+
 void mdform_TMEditor::ArrangeWindows(int arrangement) {
   const QSize room = area_->viewport()->size();
   const QList<QMdiSubWindow*> icons = ShownChildren(true);
@@ -227,13 +236,7 @@ void mdform_TMEditor::ArrangeWindows(int arrangement) {
   const auto count = static_cast<int>(children.size());
   std::vector<QRect> rects;
   if (arrangement == static_cast<int>(Arrangement::Cascade)) {
-    const QSize size = (QSizeF(room) * kCascadeShare).toSize();
-    const int step = active->style()->pixelMetric(QStyle::PM_TitleBarHeight) + active->contentsMargins().left();
-    for (const QPoint& origin : CascadeOrigins(count, room, step, size)) {
-      const auto* window = qobject_cast<DocumentWindow*>(children[static_cast<qsizetype>(rects.size())]->widget());
-      const int width = window && window->PreferredWidth() > 0 ? window->PreferredWidth() : size.width();
-      rects.emplace_back(origin, QSize(width, size.height()));
-    }
+    for (int place = 0; place < count; ++place) rects.push_back(CascadeRect(place, children[place]->widget()));
   } else if (arrangement == static_cast<int>(Arrangement::TileHorizontally) ||
              arrangement == static_cast<int>(Arrangement::TileVertically)) {
     rects = TileRects(count, room, static_cast<Arrangement>(arrangement));
@@ -253,15 +256,13 @@ void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
     sub_window = area_->addSubWindow(window);
     sub_window->setAttribute(Qt::WA_DeleteOnClose, false);
     sub_window->setObjectName(window->objectName() + u"_child"_s);
-    const QSize room = area_->viewport()->size();
-    const int width = window->PreferredWidth() > 0 ? window->PreferredWidth() : room.width() * 3 / 4;
-    sub_window->resize(width, static_cast<int>(room.height() * kCascadeShare));
   }
+  // The next place of the cascade; the area's own choice may lie out of sight.
+  const auto place = static_cast<int>((ShownChildren(false) + ShownChildren(true)).size());
   window->show();
-  if (global_.settings.start_editors_max)
-    sub_window->showMaximized();
-  else
-    sub_window->showNormal();
+  sub_window->showNormal();
+  sub_window->setGeometry(CascadeRect(place, window));
+  if (global_.settings.start_editors_max) sub_window->showMaximized();
   area_->setActiveSubWindow(sub_window);
   window->Form_Activate();
 }

@@ -69,6 +69,8 @@ class mdform_TMEditor : public QMainWindow {
   void PrintActiveDocument();
   void ListDocumentsInWindowMenu();
   QList<QMdiSubWindow*> ShownChildren(bool minimised) const;
+  /// Where a cascade puts its n-th window, from 0.
+  QRect CascadeRect(int place, const QWidget* window) const;
 
   Global& global_;
   const WindowFactory make_window_;
