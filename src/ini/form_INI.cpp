@@ -124,12 +124,10 @@ void form_INI::BuildTreeView(QWidget& client) {
 
   connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
   connect(model_.get(), &IniItemModel::SelectionMovedByTree, this, &form_INI::ShowSelection);
-  connect(TV, &QTreeView::expanded, this, [this](const QModelIndex& index) {
-    tree_.SetExpanded(IniItemModel::NodeOf(index), true);
-  });
-  connect(TV, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
-    tree_.SetExpanded(IniItemModel::NodeOf(index), false);
-  });
+  connect(TV, &QTreeView::expanded, this,
+          [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), true); });
+  connect(TV, &QTreeView::collapsed, this,
+          [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), false); });
   connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
     if (model_->IsChanging() || !current.isValid()) return;
     tree_.Select(IniItemModel::NodeOf(current));
@@ -152,8 +150,7 @@ void form_INI::BuildTreeView(QWidget& client) {
 }
 
 void form_INI::BuildButtons(QWidget& client) {
-  const auto make = [&](const QString& name, const QString& caption, const QString& tip,
-                        void (form_INI::*command)()) {
+  const auto make = [&](const QString& name, const QString& caption, const QString& tip, void (form_INI::*command)()) {
     auto* button = new QPushButton(caption, &client);
     button->setObjectName(name);
     button->setAccessibleName(QString(caption).remove(u'&').replace(u'\n', u' '));
@@ -161,14 +158,14 @@ void form_INI::BuildButtons(QWidget& client) {
     connect(button, &QPushButton::clicked, this, command);
     return button;
   };
-  cmd_AddSection = make(u"cmd_AddSection"_s, tr("Add\nSectio&n"), tr("Add a section to the file"),
-                        &form_INI::AddSection);
+  cmd_AddSection =
+      make(u"cmd_AddSection"_s, tr("Add\nSectio&n"), tr("Add a section to the file"), &form_INI::AddSection);
   cmd_DeleteSection = make(u"cmd_DeleteSection"_s, tr("Delete\nSe&ction"),
                            tr("Delete the selected section with its entries (Del)"), &form_INI::DeleteSection);
-  cmd_Edit = make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (F2)"),
-                  &form_INI::cmd_Edit_Click);
-  cmd_AddValue = make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"),
-                      &form_INI::AddValue);
+  cmd_Edit =
+      make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (F2)"), &form_INI::cmd_Edit_Click);
+  cmd_AddValue =
+      make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"), &form_INI::AddValue);
   cmd_DeleteValue = make(u"cmd_DeleteValue"_s, tr("De&lete\nValue"), tr("Delete the selected entry or comment (Del)"),
                          &form_INI::DeleteValue);
 }
@@ -186,10 +183,10 @@ void form_INI::Form_Resize() {
   // Between the tree's rows and its scroll bar; taller than the given strip where a large font needs it.
   const int bar_height = TV->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, TV);
   const int below = pixels(kTreeMargin) + bar_height + kButtonGapPixels;
-  const int button_height =
-      std::max(pixels(kButtonsAboveBottom) - below, cmd_AddSection->sizeHint().height());
+  const int button_height = std::max(pixels(kButtonsAboveBottom) - below, cmd_AddSection->sizeHint().height());
   const int top = client.height() - std::max(pixels(kButtonsAboveBottom), below + button_height);
-  static_cast<ScrollBarUnderStrip*>(TV->horizontalScrollBar())->SetStrip(tree_height - bar_height - top + kButtonGapPixels);
+  static_cast<ScrollBarUnderStrip*>(TV->horizontalScrollBar())
+      ->SetStrip(tree_height - bar_height - top + kButtonGapPixels);
   TV->setGeometry(0, 0, client.width(), tree_height);
 
   const std::array buttons{cmd_AddSection, cmd_DeleteSection, cmd_Edit, cmd_AddValue, cmd_DeleteValue};

@@ -143,8 +143,7 @@ void form_INI::EditComment(IniNode* node) {
 
 bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
   if (global_.skip_confirmation) return true;
-  const QString question =
-      u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text()) + u'?';
+  const QString question = u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text()) + u'?';
   return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, u"Deletion Confirmation"_s) ==
          MsgAnswer::Yes;
 }

@@ -31,7 +31,8 @@ inline constexpr int kSlotsPerKind = 5;
 
 /// The four kinds in the order in which the shell visits them: closing and saving go slot by slot in this order.
 inline constexpr std::array<KindTraits, 4> kKinds{{
-    {DocumentKind::Ini, SlotCode::Ini, OpenCode::Ini, "INI", "INI File", "New INI File", "NewINI", "OpenINI", "INI File"},
+    {DocumentKind::Ini, SlotCode::Ini, OpenCode::Ini, "INI", "INI File", "New INI File", "NewINI", "OpenINI",
+     "INI File"},
     {DocumentKind::Txt, SlotCode::Txt, OpenCode::Txt, "TXT", "TXT File", "New Text Document", "NewTXT", "OpenTXT",
      "Text File"},
     {DocumentKind::Rtf, SlotCode::Rtf, OpenCode::Rtf, "RTF", "RTF File", "New RTF Document", "NewRTF", "OpenRTF",

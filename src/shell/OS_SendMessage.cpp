@@ -1,6 +1,7 @@
 #include "shell/OS_SendMessage.h"
 
 #include <QThread>
+#include <algorithm>
 
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
@@ -47,8 +48,8 @@ void UnhookFrameWindow(Global& global) { global.instance_link.StopListening(); }
 
 void ReceiveCommandLine(Global& global, const CopyData& record) {
   if (record.dwData != kCommandLineData) return;
-  const QByteArray text = record.data.left(record.data.indexOf('\0'));
-  OpenPathList(global, QString::fromUtf8(text));
+  const QByteArray& text = record.data;
+  OpenPathList(global, QString::fromUtf8(text.first(std::find(text.begin(), text.end(), 0) - text.begin())));
   global.frame->ArrangeWindows(0);
   global.frame->ComeToFront();
 }

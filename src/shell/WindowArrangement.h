@@ -13,8 +13,8 @@ enum class Arrangement { Cascade = 0, TileHorizontally = 1, TileVertically = 2, 
 /// the other, each over the whole width; vertically: side by side. More of them form a grid.
 std::vector<QRect> TileRects(int count, QSize area, Arrangement direction);
 
-/// Top left corner (pixels) of the n-th window of a cascade, from 0: each `step` further right and down, starting over at
-/// the corner where a window of this size would leave the area.
+/// Top left corner (pixels) of the n-th window of a cascade, from 0: each `step` further right and down, starting over
+/// at the corner where a window of this size would leave the area.
 QPoint CascadeOrigin(int place, QSize area, int step, QSize window);
 
 /// Places of minimised windows: rows from the bottom left up.

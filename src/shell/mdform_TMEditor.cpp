@@ -100,7 +100,8 @@ void mdform_TMEditor::PlaceFrame() {
   resize(size);
   move(available.center() - QRect(QPoint(), size).center());
   if (global_.settings.present) ApplyStoredPlacement();
-  if (global_.registry.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1") setWindowState(windowState() | Qt::WindowMaximized);
+  if (global_.registry.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1")
+    setWindowState(windowState() | Qt::WindowMaximized);
 }
 
 void mdform_TMEditor::ApplyStoredPlacement() {
@@ -216,7 +217,8 @@ QList<QMdiSubWindow*> mdform_TMEditor::ShownChildren(bool minimised) const {
 QRect mdform_TMEditor::CascadeRect(int place, const QWidget* window) const {
   const QSize room = area_->viewport()->size();
   const QSize share = (QSizeF(room) * kCascadeShare).toSize();
-  const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+  const int step =
+      style()->pixelMetric(QStyle::PM_TitleBarHeight) + style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
   const auto* document = qobject_cast<const DocumentWindow*>(window);
   const int width = document && document->PreferredWidth() > 0 ? document->PreferredWidth() : share.width();
   return {CascadeOrigin(place, room, step, share), QSize(width, share.height())};

@@ -1,0 +1,91 @@
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMetaMethod>
+#include <QSet>
+
+#include "Editor.h"
+#include "shell/GlobalMenus.h"
+#include "shell/OpenDispatch.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Captions of what a menu shows.
+QStringList Shown(const QList<QAction*>& actions) {
+  QStringList captions;
+  for (const QAction* action : actions)
+    if (action->isVisible() && !action->isSeparator()) captions += action->text();
+  return captions;
+}
+
+void ForEachShownItem(const QList<QAction*>& actions, const std::function<void(const QAction&)>& visit) {
+  for (QAction* action : actions) {
+    if (!action->isVisible() || action->isSeparator()) continue;
+    if (action->menu())
+      ForEachShownItem(action->menu()->actions(), visit);
+    else
+      visit(*action);
+  }
+}
+
+}  // namespace
+
+TEST_F(Editor, MenusShowWhatTheKindAnswers) {
+  Start();
+  const QList<QAction*> bar = frame_->menuBar()->actions();
+  EXPECT_EQ(Shown(bar), QStringList{u"&File"_s}) << "no document";
+  EXPECT_EQ(Shown(frame_->Menus().Menu(u"md_Menu_File"_s)->actions()),
+            (QStringList{u"&New"_s, u"&Open"_s, u"E&xit TME"_s}));
+
+  NewDocument(global_, SlotCode::Ini);
+  EXPECT_EQ(Shown(frame_->menuBar()->actions()), (QStringList{u"&File"_s, u"&Edit"_s, u"&View"_s, u"&Window"_s}));
+  EXPECT_EQ(Shown(frame_->Menus().Menu(u"menu_Edit"_s)->actions()),
+            (QStringList{u"&Cut"_s, u"C&opy"_s, u"&Paste"_s, u"Paste &As"_s, u"&Delete Selection"_s, u"Key / &Value"_s,
+                         u"&Sectons"_s}));
+  EXPECT_EQ(Shown(frame_->Menus().Menu(u"menu_EditPasteAs"_s)->actions()), QStringList{u"New Section"_s});
+  QSet<QKeySequence> shortcuts;
+  int routed = 0;
+  ForEachShownItem(frame_->menuBar()->actions(), [&](const QAction& item) {
+    EXPECT_FALSE(item.objectName().isEmpty()) << item.text().toStdString();
+    if (!item.shortcut().isEmpty()) {
+      EXPECT_FALSE(shortcuts.contains(item.shortcut())) << item.text().toStdString();
+      shortcuts.insert(item.shortcut());
+    }
+    const QByteArray command = GlobalMenus::CommandOf(item.objectName(), DocumentKind::Ini);
+    if (command.isEmpty()) return;
+    ++routed;
+    EXPECT_GE(Ini().metaObject()->indexOfMethod(command + "()"), 0) << command.toStdString();
+  });
+  EXPECT_EQ(routed, 16);
+
+  Ini().FileClose();
+  EXPECT_EQ(Shown(frame_->menuBar()->actions()), QStringList{u"&File"_s});
+}
+
+TEST_F(Editor, CommandsGoToTheActiveDocumentByName) {
+  Start();
+  form_INI& first = NewIni("[A]\nx=1\n[B]\n");
+  form_INI& second = NewIni("[C]\n");
+  first.Form_Activate();
+  Select(first, {u"B"_s});
+  GlobalMenus& menus = frame_->Menus();
+  EXPECT_FALSE(menus.Action(u"menu_EditDeleteValue"_s)->isEnabled());
+  dialogs_.ExpectMsgBox(u"Are you sure you want to delete Section B?"_s, u"Deletion Confirmation"_s, MsgButtons::YesNo,
+                        MsgAnswer::Yes, MsgIcon::Question);
+  menus.Action(u"menu_SectionsDelete"_s)->trigger();
+  EXPECT_EQ(Dump(first.Tree()), "New INI File\n >A\n  x=1\n");
+  EXPECT_EQ(second.windowTitle(), u"New INI File");
+  Select(first, {u"A"_s, u"x=1"_s});
+  EXPECT_TRUE(menus.Action(u"menu_EditRemovefromAll"_s)->isEnabled());
+
+  dialogs_.ExpectMsgBox(u"This document does not support the command \"FormatBold\"."_s, u"Tamarind Editor"_s);
+  EXPECT_FALSE(SendCommand(global_, first, "FormatBold"));
+
+  common_dialog_.ExpectPrinter({});
+  menus.Action(u"menu_FilePrint"_s)->trigger();
+  EXPECT_EQ(common_dialog_.shown.back().flags, 264);
+  EXPECT_EQ(Dump(first.Tree()), "New INI File\n A\n  >x=1\n") << "cancelled: nothing was sent";
+}

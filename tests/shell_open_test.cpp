@@ -1,0 +1,213 @@
+#include <QApplication>
+#include <QMdiSubWindow>
+#include <QProcess>
+#include <QScreen>
+#include <QTest>
+
+#include "Editor.h"
+#include "shell/OS_SendMessage.h"
+#include "shell/OpenDispatch.h"
+#include "shell/WindowArrangement.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* kIni = "[A]\r\nx=1\r\n\r\n";
+
+QString NotAFile(const QString& path) {
+  return u"TME was unable to verify that your request was to open a file.\r( "_s + path +
+         u" )\rAs such, this action has been canceled."_s;
+}
+
+}  // namespace
+
+TEST_F(Editor, PathListFindsFilesAmongBlanks) {
+  const QString plain = File(u"a.ini"_s, kIni), blank = File(u"b c.ini"_s, kIni);
+  dialogs_.ExpectMsgBox(NotAFile(folder_.path()), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
+  dialogs_.ExpectMsgBox(NotAFile(u"nowhere.ini"_s), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
+  Start({u" "_s + plain + u"  "_s + folder_.path() + u" nowhere.ini "_s + blank + u" "_s, blank});
+  EXPECT_EQ(Ini(0).windowTitle(), u"a.ini");
+  EXPECT_EQ(Ini(1).windowTitle(), u"b c.ini");
+  EXPECT_EQ(Ini(2).Slot().path, blank);
+  EXPECT_EQ(Ini(3).Tag(), u"");
+  EXPECT_EQ(frame_->ActiveDocument(), &Ini(2));
+}
+
+TEST_F(Editor, SixthDocumentOfAKindIsRefused) {
+  const QString path = File(u"a.ini"_s, kIni);
+  dialogs_.ExpectMsgBox(
+      u"There are no more INI File documents available to open.  Please close one before opening another."_s,
+      u"Reached the limit of 5 type max"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
+  Start({path, path, path, path, path, path});
+  Ini(2).FileClose();
+  NewDocument(global_, SlotCode::Ini);
+  EXPECT_EQ(Ini(2).windowTitle(), u"New INI File");
+  EXPECT_EQ(global_.documents.FindFreeSlot(0), -1);
+  EXPECT_EQ(global_.documents.FindFreeSlot(5), -1);
+}
+
+TEST_F(Editor, KindFollowsTheLastThreeLetters) {
+  const QString filter = Settings().txt_filter;
+  const std::pair<const char*, OpenCode> rows[] = {{"/x/WIN.INI", OpenCode::Ini},   {"/x/a.reg", OpenCode::Reg},
+                                                   {"/x/a.txt", OpenCode::Txt},     {"/x/p.html", OpenCode::Txt},
+                                                   {"/x/notes.WRI", OpenCode::Rtf}, {"/x/noext", OpenCode::Rtf},
+                                                   {"/x/desktopini", OpenCode::Ini}};
+  for (const auto& [path, code] : rows) EXPECT_EQ(OpenCodeOf(QString::fromLatin1(path), filter), code) << path;
+  EXPECT_EQ(OpenCodeOf(u"a.ini"_s, u"*.INI;*.TXT"_s), OpenCode::Txt) << "the text filter wins";
+}
+
+TEST_F(Editor, KindWithoutAnEditorIsSaid) {
+  const QString path = File(u"a.reg"_s, "REGEDIT4\r\n");
+  dialogs_.ExpectMsgBox(u"This version of the editor has no window for a document of the kind \"Registry File\"."_s,
+                        u"Tamarind Editor"_s);
+  Start({path});
+  EXPECT_EQ(frame_->ActiveDocument(), nullptr);
+}
+
+TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
+  const QString first = File(u"one two.ini"_s, kIni), second = File(u"b.ini"_s, kIni), odd = File(u"odd.cfg"_s, kIni);
+  registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, kTextType, u"2"_s);
+  registry_.WriteValue(SettingsRoot, u"MultiSelect"_s, kTextType, u"1"_s);
+  Start();
+  common_dialog_.ExpectOpen({});
+  OpenFileDialog(global_);
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Last Open"_s), u"") << "cancelled";
+  common_dialog_.ExpectOpen({odd}, 1);  // a file of any name opens as the kind of the chosen entry
+  OpenFileDialog(global_);
+  common_dialog_.ExpectOpen({first, second}, 2);
+  OpenFileDialog(global_);
+  ASSERT_EQ(common_dialog_.shown.size(), 3U);
+  const CommonDialog& shown = common_dialog_.shown.back();
+  EXPECT_EQ(shown.title, u"Open File for Editing");
+  EXPECT_EQ(shown.filter, u"INI File|*.INI|Other (*.*)|*.*") << "kinds without an editor are not offered";
+  EXPECT_TRUE(shown.multi_select);
+  EXPECT_EQ(shown.init_dir, folder_.path());
+  EXPECT_EQ(Ini(0).windowTitle(), u"odd.cfg");
+  EXPECT_EQ(Ini(1).windowTitle(), u"one two.ini");
+  EXPECT_EQ(Ini(2).windowTitle(), u"b.ini");
+}
+
+TEST_F(Editor, SecondLaunchOpensInTheFirst) {
+  const QString path = File(u"a.ini"_s, kIni);
+  Start();
+  ASSERT_TRUE(link_.ClaimOnlyInstance());
+  QProcess second;
+  second.setWorkingDirectory(folder_.path());
+  second.start(QStringLiteral(TME_PROGRAM), {u"a.ini"_s});
+  while (second.state() != QProcess::NotRunning) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  EXPECT_EQ(second.exitCode(), 0);
+  EXPECT_EQ(Ini(0).Slot().path, path);
+
+  ReceiveCommandLine(global_, {4, path.toUtf8() + '\0'});
+  EXPECT_EQ(Ini(1).Tag(), u"") << "not a command line";
+  ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
+  EXPECT_EQ(Ini(1).Slot().path, path) << "cut at the zero byte";
+
+  UnhookFrameWindow(global_);
+  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  ASSERT_TRUE(registry_.CreateKey(SettingsRoot));
+  second.start(QStringLiteral(TME_PROGRAM), {u"a.ini"_s});
+  ASSERT_TRUE(second.waitForFinished());
+  EXPECT_EQ(second.exitCode(), 1) << "nobody answers";
+  EXPECT_TRUE(second.readAllStandardError().contains("does not answer"));
+}
+
+TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {
+  const QString path = File(u"a.ini"_s, kIni);
+  Start({path, path});
+  Ini(1).setFocus();
+  for (const int slot : {0, 1}) {
+    Select(Ini(slot), {u"A"_s, u"x=1"_s});
+    dialogs_.ExpectMsgBox(u"Are you sure you want to delete Key / Value x=1?"_s, u"Deletion Confirmation"_s,
+                          MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
+    Ini(slot).DeleteValue();
+    EXPECT_EQ(Ini(slot).windowTitle(), u"a.ini [CHANGED]");
+  }
+  const QString question = u"Save this file?\r"_s + path;
+  dialogs_.ExpectMsgBox(question, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::Cancel, MsgIcon::Question);
+  dialogs_.ExpectMsgBox(question, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::Yes, MsgIcon::Question);
+  frame_->close();
+  EXPECT_TRUE(global_.exiting);
+  EXPECT_FALSE(frame_->isVisible());
+  EXPECT_EQ(BytesOf(path), "[A]\r\n\r\n");
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
+}
+
+TEST_F(Editor, FrameComesBackWhereItWas) {
+  const auto write = [this](const QString& name, const QString& text) {
+    registry_.WriteValue(SettingsRoot, name, kTextType, text);
+  };
+  Start();
+  const QRect screen = frame_->screen()->geometry();
+  EXPECT_EQ(frame_->size(), (QSizeF(screen.size()) * 0.75).toSize()) << "first start";
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Application Path"_s), shell_utilities_.ProgramFolder());
+
+  write(u"MDI Top"_s, u"300"_s);
+  write(u"MDI Left"_s, u"450"_s);
+  write(u"MDI Width"_s, u"6000"_s);
+  write(u"MDI Height"_s, u"70000"_s);  // does not fit 16 bits: the height stays
+  mdform_TMEditor again(global_, [](DocumentKind, int) { return nullptr; });
+  again.MDIForm_Load({});
+  const double dpi = again.logicalDpiX();
+  EXPECT_EQ(again.pos(), QPoint(qRound(450 * dpi / 1440), qRound(300 * dpi / 1440)));
+  EXPECT_EQ(again.width(), qRound(6000 * dpi / 1440));
+  EXPECT_EQ(again.height(), qRound(screen.height() * 0.75));
+
+  again.showMaximized();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; }));
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"70000") << "maximising writes the flag alone";
+}
+
+TEST_F(Editor, SettingsAreCleaned) {
+  const std::pair<const char*, int> periods[] = {{"", 0}, {"abc", 0}, {"-3", 0}, {"7", 7}, {"99", 99}, {"250", 99}};
+  for (const auto& [text, minutes] : periods)
+    EXPECT_EQ(ParseAutoSavePeriod(QString::fromLatin1(text)), minutes) << text;
+  EXPECT_EQ(ParseDefaultOpenType({}), 0);
+  EXPECT_EQ(ParseDefaultOpenType(u"3"_s), 3);
+  EXPECT_EQ(ParseDefaultOpenType(u"4"_s), std::nullopt);
+  Start();
+  for (const auto& [text, points] : {std::pair{u"0"_s, 10}, {u""_s, 10}, {u"12"_s, 12}}) {
+    registry_.WriteValue(kTxtKey, u"Default Size"_s, kTextType, text);
+    Settings settings;
+    settings.ReadTxtGroup(registry_);
+    EXPECT_EQ(settings.font_size, points) << text.toStdString();
+    EXPECT_EQ(settings.font_name, u"Courier");
+  }
+  const QString documents = PersonalFolder(registry_);
+  EXPECT_FALSE(documents.isEmpty());
+  RememberLastSaveFolder(registry_, folder_.path());
+  EXPECT_EQ(LastSaveFolder(registry_), folder_.path());
+  RememberLastSaveFolder(registry_, InFolder(u"gone"_s));
+  EXPECT_EQ(LastSaveFolder(registry_), folder_.path());
+  folder_.remove();
+  EXPECT_EQ(LastSaveFolder(registry_), documents);
+}
+
+TEST_F(Editor, ArrangementsFillTheFrame) {
+  const auto covered = [](const std::vector<QRect>& rects) {
+    int area = 0;
+    for (const QRect& rect : rects) area += rect.width() * rect.height();
+    return area;
+  };
+  for (int count = 1; count <= 20; ++count)
+    for (const Arrangement way : {Arrangement::TileHorizontally, Arrangement::TileVertically}) {
+      const std::vector<QRect> rects = TileRects(count, {640, 480}, way);
+      EXPECT_EQ(rects.size(), static_cast<std::size_t>(count));
+      EXPECT_EQ(covered(rects), 640 * 480) << count;
+    }
+  EXPECT_EQ(TileRects(3, {600, 300}, Arrangement::TileHorizontally)[1], QRect(0, 100, 600, 100));
+  EXPECT_EQ(TileRects(3, {600, 300}, Arrangement::TileVertically)[1], QRect(200, 0, 200, 300));
+
+  const QString path = File(u"a.ini"_s, kIni);
+  Start({path, path, path});
+  Ini(0).SubWindow()->showMinimized();
+  frame_->ArrangeWindows(3);
+  QMdiSubWindow* icon = Ini(0).SubWindow();
+  EXPECT_EQ(icon->geometry().bottomLeft(), QPoint(0, icon->parentWidget()->height() - 1));
+  frame_->ArrangeWindows(0);
+  EXPECT_EQ(Ini(1).SubWindow()->pos(), QPoint(0, 0));
+  EXPECT_GT(Ini(2).SubWindow()->x(), 0);
+  EXPECT_EQ(Ini(2).SubWindow()->width(), Ini(2).PreferredWidth());
+}
