@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace tme {
+
+class IniNode;
+
+/// Sorts lists of nodes as the tree shows them (CompareFolded); keeps its scratch memory from one list to the next.
+class IniSorter {
+ public:
+  /// Stable; expects each node's Row() to be its place in the list. The rows are left for the caller to renew.
+  /// Returns false when the list was in order, and did not touch it then.
+  bool Sort(std::span<IniNode*> nodes);
+
+ private:
+  struct Item {
+    std::uint64_t prefix;
+    IniNode* node;
+  };
+
+  static bool InOrder(std::span<const Item> items);
+  static void SortFrom(std::span<Item> items, std::size_t depth);
+  static void ResolveTie(std::span<Item> items, std::size_t depth);
+
+  std::vector<Item> items_;
+};
+
+/// The first eight bytes of the folded text as a number: two texts whose prefixes differ compare as these do. A folded
+/// code point beyond ASCII ends the prefix with the byte 0xFF.
+std::uint64_t FoldedPrefix(std::string_view text);
+
+}  // namespace tme

@@ -1,0 +1,219 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <memory_resource>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ini/IniNodePool.h"
+
+namespace tme {
+
+class IniSorter;
+
+/// Kind of a node; TagText gives the name it goes by.
+enum class IniTag : std::uint8_t { OpenedFile, Section, Value, Comments };
+
+/// "OPENEDFILE", "SECTION", "VALUE" or "COMMENTS".
+std::string_view TagText(IniTag tag);
+
+/// One line of the tree: the file (root), a section, an entry or a comment.
+/// Nodes belong to their IniTree and stay at one address until they are removed.
+/// 1,000,000 of them are ordinary, so a node is kept at 40 bytes: an entry carries no child list.
+class IniNode {
+ public:
+  /// UTF-8 (bytes that are not valid UTF-8 pass through), without a line end. The root: the file's name; a section: its
+  /// name without brackets; an entry or comment: the whole source line.
+  std::string_view Text() const { return {text_, size_}; }
+  IniTag Tag() const { return tag_; }
+  /// Null for the root only.
+  IniNode* Parent() const { return parent_; }
+  /// Position among the parent's children, from 0; 0 for the root.
+  int Row() const { return static_cast<int>(row_); }
+  int ChildCount() const { return children_ == nullptr ? 0 : static_cast<int>(children_->size()); }
+  /// row: 0 to ChildCount() - 1.
+  IniNode* Child(int row) const { return (*children_)[static_cast<std::size_t>(row)]; }
+  /// Display state, for the window to restore after a reset.
+  bool Expanded() const { return expanded_; }
+  /// "Primary" for the root, a text unique within the tree for a section, empty for entries and comments.
+  std::string Key() const;
+  /// Text before the first "=" (the whole text when there is none).
+  std::string_view EntryKey() const;
+  /// Text after the first "=" (empty when there is none).
+  std::string_view EntryValue() const;
+
+ private:
+  friend class IniReader;
+  friend class IniTree;
+  using Children = std::pmr::vector<IniNode*>;
+
+  IniNode(IniNode* parent, std::string_view text, IniTag tag, std::uint32_t created)
+      : text_(text.data()),
+        parent_(parent),
+        size_(static_cast<std::uint32_t>(text.size())),
+        created_(created),
+        tag_(tag) {}
+
+  void SetTextView(std::string_view text) {
+    text_ = text.data();
+    size_ = static_cast<std::uint32_t>(text.size());
+  }
+
+  /// In memory of the tree.
+  const char* text_;
+  /// Null for the root.
+  IniNode* parent_;
+  /// In memory of the tree; null until the first child comes.
+  Children* children_ = nullptr;
+  std::uint32_t size_;
+  std::uint32_t row_ = 0;
+  /// Grows from node to node.
+  std::uint32_t created_;
+  IniTag tag_;
+  bool expanded_ = false;
+  /// The children are in order; a changed text may clear it.
+  bool children_sorted_ = true;
+  /// Marked for the removal of many nodes at once; false outside such a call.
+  bool removed_ = false;
+};
+
+/// Told of every change of a tree, so that an item model can mirror it. Calls come in pairs around the change.
+class IniTreeObserver {
+ public:
+  virtual ~IniTreeObserver() = default;
+  virtual void BeforeInsert(const IniNode& parent, int row) = 0;
+  virtual void AfterInsert() = 0;
+  virtual void BeforeRemove(const IniNode& node) = 0;
+  virtual void AfterRemove() = 0;
+  virtual void TextChanged(const IniNode& node) = 0;
+  /// Many nodes change at once (reading, clearing, commands over all sections, a re-sort).
+  virtual void BeforeReset() = 0;
+  virtual void AfterReset() = 0;
+  /// The selected node changed by itself because the one selected before was removed.
+  virtual void SelectionMoved() = 0;
+};
+
+/// The document of an INI window: one root, sections below it, entries and comments below those, each list kept sorted
+/// by text (Unicode simple case folding, code point by code point; equal texts in order of arrival) whenever a child is
+/// added. Changing a text does not sort; the next child that is added to the same parent does.
+/// Every edit is one call with a name; nothing else changes the tree.
+class IniTree {
+ public:
+  explicit IniTree(std::string_view root_text = "New INI File");
+  ~IniTree();
+  IniTree(const IniTree&) = delete;
+  IniTree& operator=(const IniTree&) = delete;
+
+  /// Not owned; null for none.
+  void SetObserver(IniTreeObserver* observer);
+
+  IniNode* Root() const;
+  /// Never null: the root when nothing else is selected.
+  IniNode* Selected() const;
+  /// Null selects the root.
+  void Select(IniNode* node);
+
+  /// True when no child of the root has exactly this text.
+  bool IsUniqueSectionName(std::string_view name) const;
+  /// Root children with the tag Section.
+  std::size_t SectionCount() const;
+  /// Every node, the root included.
+  std::size_t NodeCount() const;
+  /// Grows with every change of content; reading and pasting included, selection and expansion not.
+  std::uint64_t Revision() const;
+
+  // Edits. Texts are copied unless said otherwise.
+
+  /// A section child of the root; the root is expanded and sorted. The name is not checked (see IsUniqueSectionName).
+  IniNode* AddSection(std::string_view name);
+  /// A child of a section (or, a comment, of the root) with the tag Value or Comments; the parent is sorted.
+  IniNode* AddEntry(IniNode* parent, std::string_view text, IniTag tag);
+  /// One child for every section; each section is sorted and expanded. Linear in the size of the tree.
+  void AddEntryToAllSections(std::string_view text, IniTag tag);
+  void SetText(IniNode* node, std::string_view text);
+  /// An entry becomes a new comment of the same parent; returns the new node, selected if the old one was.
+  IniNode* ReplaceWithComment(IniNode* node, std::string_view text);
+  /// The node with its subtree; never the root. If the selected node goes too, its next sibling is selected, else the
+  /// previous one, else the parent.
+  void Remove(IniNode* node);
+  /// Every node but the root whose text equals this one.
+  void RemoveTextEqualTo(std::string_view text);
+  /// Walks all nodes from the last created to the first and removes those (sections and comments too, never the root)
+  /// whose text begins with the key of the selected entry, as long as the selected node is an entry: where the walk
+  /// removes the selected node itself, the node selected next decides whether it goes on. Intended. Does nothing unless
+  /// an entry is selected. Linear, but for ordering the nodes that match.
+  void RemoveStartingWithSelectedKey();
+  /// All sections and comments go; the root stays with its text.
+  void Clear();
+  /// Clear, and a new root text.
+  void Reset(std::string_view root_text);
+
+  // Display state.
+  void SetExpanded(IniNode* node, bool expanded);
+  void ExpandAll();
+  /// Every node but the root.
+  void CollapseAll();
+
+ private:
+  friend class IniReader;
+
+  // Building. The views must lie in memory of the tree: see KeepText and CopyText.
+  std::string_view KeepText(std::string text);
+  std::string_view CopyText(std::string_view text);
+  IniNode* NewNode(IniNode* parent, std::string_view text, IniTag tag);
+  IniNode::Children& ChildrenOf(IniNode* parent);
+  /// Last in the list, wherever it belongs.
+  IniNode* Append(IniNode* parent, std::string_view text, IniTag tag);
+  IniNode* InsertAt(IniNode* parent, std::size_t row, std::string_view text, IniTag tag);
+  /// Append and SortChildren.
+  IniNode* AppendAndSort(IniNode* parent, std::string_view text, IniTag tag);
+  /// In its place, and the observer is told.
+  IniNode* Add(IniNode* parent, std::string_view text, IniTag tag);
+  /// Returns false when they were in order.
+  static bool SortChildren(IniNode* parent, IniSorter& sorter);
+  static void NumberChildren(IniNode* parent, std::size_t first_row);
+
+  // Removing (IniTreeRemoval.cpp).
+  struct Neighbours;
+  static IniNode* NextSelected(const IniNode* node, Neighbours& neighbours);
+  void Discard(IniNode* node);
+  void DiscardAll();
+  /// Returns how many.
+  std::size_t MarkTextEqualTo(std::string_view text);
+  void MarkWalkingBack(std::string_view key);
+  /// Linear; the selection moves when it goes too.
+  void RemoveMarked();
+  void CompactChildren(IniNode* parent);
+
+  void MoveSelection(IniNode* node);
+  void EndReset();
+  void TellIfSelectionMoved();
+
+  /// Whole texts that were read, and (in texts_) those of single edits. Memory of a text that is no longer shown is
+  /// given up only when the tree is cleared.
+  std::deque<std::string> buffers_;
+  std::pmr::monotonic_buffer_resource texts_;
+  std::pmr::unsynchronized_pool_resource lists_;
+  IniNodePool nodes_{sizeof(IniNode)};
+
+  /// Never null: without an observer, one that does nothing.
+  IniTreeObserver* observer_;
+  std::unique_ptr<IniNode> root_;
+  IniNode* selected_;
+  /// The observer has not been told yet.
+  bool selection_moved_ = false;
+  std::size_t node_count_ = 1;
+  std::size_t section_count_ = 0;
+  std::uint64_t revision_ = 0;
+  std::uint32_t next_created_ = 1;
+};
+
+/// Three-way comparison of two UTF-8 texts by simple case folding, code point by code point; bytes that are not valid
+/// UTF-8 compare as themselves, after all code points. <0, 0, >0.
+int CompareFolded(std::string_view left, std::string_view right);
+
+}  // namespace tme

@@ -1,0 +1,68 @@
+#include "ini/IniWriter.h"
+
+#include <string_view>
+
+#include "ini/IniTree.h"
+
+namespace tme {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+/// Enough for every line of the node and of what is below it.
+std::size_t TextSize(const IniNode& node) {
+  std::size_t size = node.Text().size() + 3 * kLineEnd.size();
+  for (int row = 0; row < node.ChildCount(); ++row) size += TextSize(*node.Child(row));
+  return size;
+}
+
+void AppendLine(std::string& out, std::string_view line) { out.append(line).append(kLineEnd); }
+
+void AppendSection(std::string& out, const IniNode& section) {
+  out.append("[").append(section.Text()).append("]").append(kLineEnd);
+  for (int row = 0; row < section.ChildCount(); ++row) AppendLine(out, section.Child(row)->Text());
+}
+
+void AppendSections(std::string& out, const IniNode& root) {
+  for (int row = 0; row < root.ChildCount(); ++row) {
+    const IniNode& child = *root.Child(row);
+    if (child.Tag() != IniTag::Section) continue;
+    AppendSection(out, child);
+    out.append(kLineEnd);
+  }
+}
+
+}  // namespace
+
+std::string WriteIni(const IniTree& tree) {
+  const IniNode& root = *tree.Root();
+  std::string out;
+  out.reserve(TextSize(root));
+  for (int row = 0; row < root.ChildCount(); ++row) {
+    if (root.Child(row)->Tag() == IniTag::Comments) AppendLine(out, root.Child(row)->Text());
+  }
+  AppendSections(out, root);
+  return out;
+}
+
+std::string ClipboardText(const IniNode& node) {
+  std::string out;
+  switch (node.Tag()) {
+    case IniTag::OpenedFile:
+      out.reserve(TextSize(node));
+      AppendSections(out, node);
+      break;
+    case IniTag::Section:
+      AppendSection(out, node);
+      break;
+    case IniTag::Value:
+      out = node.Text();
+      break;
+    case IniTag::Comments:
+      break;
+  }
+  return out;
+}
+
+}  // namespace tme
