@@ -1,18 +1,12 @@
 #include "ini/IniItemModel.h"
 
 namespace tme {
-namespace {
-
-constexpr qsizetype kMaxShownCharacters = 1000;
-
-}  // namespace
-
-QString DisplayText(std::string_view text) {
+QString DisplayText(std::string_view text, qsizetype max_characters) {
   // Up to four bytes make a character: no more than these can be shown.
-  const auto size = std::min(static_cast<qsizetype>(text.size()), 4 * kMaxShownCharacters);
+  const auto size = std::min(static_cast<qsizetype>(text.size()), 4 * max_characters);
   QString shown = QString::fromUtf8(text.data(), size);
-  if (shown.size() > kMaxShownCharacters || size < static_cast<qsizetype>(text.size())) {
-    shown.truncate(kMaxShownCharacters);
+  if (shown.size() > max_characters || size < static_cast<qsizetype>(text.size())) {
+    shown.truncate(max_characters);
     shown += QChar(0x2026);
   }
   for (QChar& character : shown)

@@ -48,7 +48,8 @@ class IniItemModel : public QAbstractItemModel, private IniTreeObserver {
   QIcon root_icon_, section_icon_, entry_icon_, comment_icon_;
 };
 
-/// Text as a list can show it: at most 1000 characters, control characters as their symbols (U+2400 and on).
-QString DisplayText(std::string_view text);
+/// Text as a list or a message can show it: at most so many characters, control characters as their symbols (U+2400 and
+/// on).
+QString DisplayText(std::string_view text, qsizetype max_characters = 1000);
 
 }  // namespace tme

@@ -18,6 +18,8 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+constexpr qsizetype kMaxCharactersInMessage = 250;
+
 QString TextOf(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 /// Without blanks at both ends; a tab is not a blank.
@@ -68,7 +70,8 @@ void form_INI::AddValue() {
   IniNode* section = tree_.Selected();
   if (section->Tag() == IniTag::Value) section = section->Parent();
   if (section->Tag() != IniTag::Section) return;
-  form_ADE dialog(this, u"Add Key/Value to section "_s + DisplayText(section->Text()), form_ADE::DeleteButton::Hidden);
+  form_ADE dialog(this, u"Add Key/Value to section "_s + DisplayText(section->Text(), kMaxCharactersInMessage),
+                  form_ADE::DeleteButton::Hidden);
   dialog.exec();
   if (dialog.Key().isEmpty() || dialog.Value() == form_ADE::kCancelled) return;
   AddEntryTo(section, dialog.Key(), dialog.Value());
@@ -98,7 +101,7 @@ void form_INI::cmd_Edit_Click() {
 }
 
 void form_INI::EditEntry(IniNode* node) {
-  form_ADE dialog(this, u"Edit "_s + DisplayText(node->Parent()->Text()) + u" Section"_s,
+  form_ADE dialog(this, u"Edit "_s + DisplayText(node->Parent()->Text(), kMaxCharactersInMessage) + u" Section"_s,
                   form_ADE::DeleteButton::Shown);
   const QString old_key = TextOf(node->EntryKey()), old_value = TextOf(node->EntryValue());
   dialog.SetEntry(old_key, old_value);
@@ -143,7 +146,8 @@ void form_INI::EditComment(IniNode* node) {
 
 bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
   if (global_.skip_confirmation) return true;
-  const QString question = u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text()) + u'?';
+  const QString question =
+      u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text(), kMaxCharactersInMessage) + u'?';
   return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, u"Deletion Confirmation"_s) ==
          MsgAnswer::Yes;
 }

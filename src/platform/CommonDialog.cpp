@@ -38,6 +38,13 @@ QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
   return chosen;
 }
 
+/// The folder, or the nearest one above it that exists.
+QString ExistingFolder(const QString& folder) {
+  QString above = folder;
+  while (!QFileInfo(above).isDir() && above != QFileInfo(above).path()) above = QFileInfo(above).path();
+  return above;
+}
+
 QString WithExtension(const QString& path, const QString& extension) {
   return QFileInfo(path).fileName().contains(u'.') ? path : path + extension;
 }
@@ -45,7 +52,7 @@ QString WithExtension(const QString& path, const QString& extension) {
 }  // namespace
 
 QStringList CommonDialog::ShowOpen() {
-  QFileDialog dialog(QApplication::activeWindow(), title, init_dir);
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(multi_select ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
   dialog.setDefaultSuffix(default_ext);
@@ -56,7 +63,7 @@ QStringList CommonDialog::ShowOpen() {
 }
 
 QString CommonDialog::ShowSave() {
-  QFileDialog dialog(QApplication::activeWindow(), title, init_dir);
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);

@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <limits>
 #include <memory>
 
 namespace tme {
@@ -89,7 +91,7 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
   box->setWindowTitle(title);
   box->setIcon(BoxIcon(icon));
   box->setTextFormat(Qt::PlainText);
-  box->setText(text);
+  box->setText(QString(text).replace(u'\r', u'\n'));  // the texts' line breaks are bare carriage returns
   box->setStandardButtons(BoxButtons(buttons));
   box->setDefaultButton(buttons == MsgButtons::Ok ? QMessageBox::Ok : QMessageBox::Yes);
   box->setEscapeButton(EscapeButton(buttons));
@@ -103,6 +105,8 @@ QString Dialogs::InputBox(const QString& prompt, const QString& title, const QSt
   box->setWindowTitle(title);
   box->setInputMode(QInputDialog::TextInput);
   box->setLabelText(prompt);
+  // A line of a file may be longer than the 32767 characters that a line edit takes unasked.
+  if (auto* edit = box->findChild<QLineEdit*>()) edit->setMaxLength(std::numeric_limits<int>::max());
   box->setTextValue(text);
   if (auto* label = box->findChild<QLabel*>()) label->setTextFormat(Qt::PlainText);
   box->resize(box->sizeHint().expandedTo({kMinInputWidth, 0}));

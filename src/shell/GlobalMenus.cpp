@@ -176,7 +176,7 @@ GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(
 }
 
 void GlobalMenus::Handle(const char* item_name, std::function<void()> handler) {
-  handlers_.insert(QString::fromLatin1(item_name), std::move(handler));
+  handlers_[QString::fromLatin1(item_name)] = std::move(handler);
 }
 
 bool GlobalMenus::IsOffered(std::size_t index, DocumentKind kind) const {
