@@ -1,0 +1,46 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2034
+# What a Debian 12 needs from its distribution; sourced by ./run and ./test.
+
+packages_build=(g++ cmake ninja-build ccache qt6-base-dev qt6-svg-dev)
+
+# Tests run without a display; they need fonts to lay out text, the two clang tools and what print tests read with.
+packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy fonts-dejavu-core poppler-utils procps)
+
+packages_run=(fonts-dejavu-core)
+
+# Only where there is Wayland and nothing that speaks X11.
+packages_wayland=(qt6-wayland)
+
+# A display of our own, a window manager for it, and what finds the window and saves the picture.
+packages_display=(xvfb openbox xdotool x11-utils imagemagick)
+
+# Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
+install_missing() {
+  local missing=() package state
+  for package in "$@"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [[ $state == installed ]] || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+
+  local as_root=()
+  if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+      echo "These packages are missing, and neither root nor sudo is at hand to install them: ${missing[*]}" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "Installing ${missing[*]}" >&2
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update -qq &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y -qq --no-install-recommends "${missing[@]}"; } </dev/null >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}
