@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/Utf8.h"
 #include "ini/CaseFoldTable.h"
 #include "ini/IniTree.h"
 
@@ -27,35 +28,12 @@ char32_t FoldCase(char32_t code) {
   return code + static_cast<char32_t>(range.delta);
 }
 
-/// Length of the valid UTF-8 sequence at the start of text, 0 when there is none. text is not empty.
-std::size_t SequenceLength(std::string_view text) {
-  const unsigned lead = Byte(text, 0);
-  if (lead < kNotAscii) return 1;
-  if (lead < 0xC2 || lead > 0xF4) return 0;
-  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  if (text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((Byte(text, i) & 0xC0) != 0x80) return 0;
-  }
-  // Overlong forms, surrogates, and what lies beyond the last code point.
-  const unsigned second = Byte(text, 1);
-  const bool refused = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-                       (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F);
-  return refused ? 0 : length;
-}
-
 /// Takes one code point off the front of text, folded. text is not empty.
 char32_t TakeFolded(std::string_view& text) {
-  const std::size_t length = SequenceLength(text);
-  char32_t code = Byte(text, 0);
-  if (length == 0) {
-    code += kInvalidByte;
-  } else if (length > 1) {
-    code &= 0x7Fu >> length;
-    for (std::size_t i = 1; i < length; ++i) code = code << 6 | (Byte(text, i) & 0x3F);
-  }
-  text.remove_prefix(std::max<std::size_t>(length, 1));
-  return FoldCase(code);
+  const char32_t invalid = kInvalidByte + Byte(text, 0);
+  if (const std::optional<char32_t> code = utf8::TakeCharacter(text)) return FoldCase(*code);
+  text.remove_prefix(1);
+  return invalid;
 }
 
 constexpr std::uint64_t EachByte(std::uint64_t value) { return 0x0101010101010101u * value; }

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "ini/IniLines.h"
+#include "base/Lines.h"
 #include "ini/IniOrder.h"
 
 namespace tme {
@@ -74,7 +74,7 @@ class IniReader {
 
   IniTree& tree_;
   const IniQuestions& ask_;
-  IniLines lines_;
+  Lines lines_;
   IniReadResult result_;
   /// Nodes from here on were created by this read.
   std::uint32_t first_created_;

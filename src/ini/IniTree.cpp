@@ -13,19 +13,7 @@ static_assert(std::is_trivially_destructible_v<IniNode>, "nodes are given up by 
 
 namespace {
 
-class SilentObserver : public IniTreeObserver {
- public:
-  void BeforeInsert(const IniNode&, int) override {}
-  void AfterInsert() override {}
-  void BeforeRemove(const IniNode&) override {}
-  void AfterRemove() override {}
-  void TextChanged(const IniNode&) override {}
-  void BeforeReset() override {}
-  void AfterReset() override {}
-  void SelectionMoved() override {}
-};
-
-SilentObserver silent_observer;
+SilentTreeObserver<IniNode> silent_observer;
 
 /// Where a new text belongs among sorted children: after those that are equal.
 std::size_t RowFor(const IniNode& parent, std::string_view text) {

@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "ini/IniNodePool.h"
+#include "base/NodePool.h"
+#include "base/TreeObserver.h"
 
 namespace tme {
 
@@ -81,21 +82,7 @@ class IniNode {
   bool removed_ = false;
 };
 
-/// Told of every change of a tree, so that an item model can mirror it. Calls come in pairs around the change.
-class IniTreeObserver {
- public:
-  virtual ~IniTreeObserver() = default;
-  virtual void BeforeInsert(const IniNode& parent, int row) = 0;
-  virtual void AfterInsert() = 0;
-  virtual void BeforeRemove(const IniNode& node) = 0;
-  virtual void AfterRemove() = 0;
-  virtual void TextChanged(const IniNode& node) = 0;
-  /// Many nodes change at once (reading, clearing, commands over all sections, a re-sort).
-  virtual void BeforeReset() = 0;
-  virtual void AfterReset() = 0;
-  /// The selected node changed by itself because the one selected before was removed.
-  virtual void SelectionMoved() = 0;
-};
+using IniTreeObserver = TreeObserver<IniNode>;
 
 /// The document of an INI window: one root, sections below it, entries and comments below those, each list kept sorted
 /// by text (Unicode simple case folding, code point by code point; equal texts in order of arrival) whenever a child is
@@ -198,7 +185,7 @@ class IniTree {
   std::deque<std::string> buffers_;
   std::pmr::monotonic_buffer_resource texts_;
   std::pmr::unsynchronized_pool_resource lists_;
-  IniNodePool nodes_{sizeof(IniNode)};
+  NodePool nodes_{sizeof(IniNode)};
 
   /// Never null: without an observer, one that does nothing.
   IniTreeObserver* observer_;

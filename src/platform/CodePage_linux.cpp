@@ -2,7 +2,7 @@
 #include <array>
 
 #include "platform/CodePage.h"
-#include "platform/Utf8.h"
+#include "base/Utf8.h"
 
 namespace tme {
 namespace {

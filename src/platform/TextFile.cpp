@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/CodePage.h"
-#include "platform/Utf8.h"
+#include "base/Utf8.h"
 
 namespace tme {
 namespace {

@@ -8,9 +8,9 @@
 namespace tme {
 
 /// Memory for many nodes of one size, in chunks: each stays at one address, and all are given up at once.
-class IniNodePool {
+class NodePool {
  public:
-  explicit IniNodePool(std::size_t node_bytes) : node_bytes_(node_bytes) {}
+  explicit NodePool(std::size_t node_bytes) : node_bytes_(node_bytes) {}
 
   void* Take() {
     if (!free_.empty()) {
