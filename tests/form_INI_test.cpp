@@ -285,7 +285,7 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
       {"blank.ini", "[B]\n\n\nx=1\n[A]",
        "2 blank lines dropped. The file holds its sections in another order. Saving writes what the tree shows.",
        ">blank.ini\n A\n B\n  x=1\n"},
-      {"nul.ini", std::string("[A]\na\0b=1\n", 11), "", nullptr},
+      {"nul.ini", std::string("[A]\na\0b=1\n", 10), "", nullptr},
       {"long.ini", "[A]\n" + std::string(1 << 20, 'x') + "\n", "", nullptr},
       {"bom.ini", "\xFF\xFE", "", ">bom.ini\n"},
   };

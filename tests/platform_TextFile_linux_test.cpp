@@ -78,7 +78,8 @@ TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
       SCOPED_TRACE(step);
       if (exists) Put(path, "old");
       FailingSteps steps(step);
-      const auto failure = WriteFileBytes(path, "new bytes", steps);
+      const auto failure = WriteFileParts(
+          path, [](const FilePart& put) { return put("new ") && put("bytes"); }, steps);
       done = !steps.HasFailed();
       if (done || steps.folder_flush_failed) {
         EXPECT_EQ(Reason(failure), "none");
@@ -131,7 +132,8 @@ TEST_F(WriteFile, SaysWhyNot) {
   class NoTemporary : public FileSteps {
     int OpenTemporary(const fs::path& /*path*/, unsigned /*mode*/, int& /*handle*/) override { return EACCES; }
   } steps;
-  EXPECT_EQ(Reason(WriteFileBytes(In("new"), "new", steps)), "The folder cannot be written: Permission denied");
+  const auto put_new = [](const FilePart& put) { return put("new"); };
+  EXPECT_EQ(Reason(WriteFileParts(In("new"), put_new, steps)), "The folder cannot be written: Permission denied");
 }
 
 TEST_F(WriteFile, ReadsOnlyRegularFiles) {
@@ -154,6 +156,33 @@ TEST(CodePage, IsABijection) {
   EXPECT_EQ(Utf8ToCodePage(CodePageToUtf8(bytes)), bytes);
   EXPECT_EQ(CodePageToUtf8("\x80\x8D\x99\xE4"), "\u20AC\u008D\u2122\u00E4");
   EXPECT_EQ(Utf8ToCodePage("\u0080"), std::nullopt) << "its byte is taken by another character";
+}
+
+TEST_F(WriteFile, TextInPartsFallsBackToUtf8AsAWhole) {
+  struct Row {
+    TextEncoding encoding;
+    std::string_view first, second, bytes;
+    TextEncoding written;
+  };
+  const Row rows[] = {
+      {TextEncoding::CodePage, "a\u00E9\n", "\u00FC\n", "a\xE9\n\xFC\n", TextEncoding::CodePage},
+      {TextEncoding::CodePage, "a\u00E9\n", "\u0416\n", "a\u00E9\n\u0416\n", TextEncoding::Utf8},
+      {TextEncoding::CodePage, "a\n", "\u00C3\u00A9\n", "a\n\u00C3\u00A9\n", TextEncoding::Utf8},
+      {TextEncoding::Utf8Bom, "a\n", "b\n", "\uFEFFa\nb\n", TextEncoding::Utf8Bom},
+      {TextEncoding::Utf16Be, "a", "b", std::string_view("\xFE\xFF\0a\0b", 6), TextEncoding::Utf16Be},
+  };
+  for (const Row& row : rows) {
+    TextFormat format{row.encoding, {}};
+    const auto produce = [&row](const FilePart& put) { return put(row.first) && put(row.second); };
+    EXPECT_EQ(Reason(WriteTextFile(In("text"), format, produce)), "none");
+    EXPECT_EQ(Get(In("text")), row.bytes);
+    EXPECT_EQ(format.encoding, row.written);
+  }
+  TextFormat format;
+  EXPECT_EQ(Reason(WriteTextFile(In("text"), format, [](const FilePart& put) { return put("x") && false; })),
+            "The file was not completed");
+  EXPECT_EQ(Get(In("text")), rows[4].bytes);
+  EXPECT_EQ(FilesInFolder(), 1);
 }
 
 }  // namespace

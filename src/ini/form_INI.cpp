@@ -16,9 +16,7 @@
 #include "ini/IniItemModel.h"
 #include "ini/IniReader.h"
 #include "ini/IniWriter.h"
-#include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
-#include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
@@ -83,10 +81,6 @@ QString NoticeOf(const IniReadResult& result, const QString& source) {
   sentences += u"Saving writes what the tree shows."_s;
   return sentences.join(u' ');
 }
-
-QString ReasonOf(const FileFailure& failure) { return QString::fromStdString(failure.reason); }
-
-std::filesystem::path FilePath(const QString& path) { return path.toStdU16String(); }
 
 }  // namespace
 
@@ -252,8 +246,7 @@ void form_INI::OpenINI() {
   DocumentSlot& slot = Slot();
   std::string bytes;
   if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
-    global_.dialogs.MsgBox(u"TME could not open the file\r( "_s + slot.path + u" )\r"_s + ReasonOf(*failure) + u'.',
-                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    ShowReadFailure(slot.path, *failure);
     slot.path.clear();
     slot.title.clear();
     return;
@@ -299,12 +292,10 @@ void form_INI::SaveAs() {
 form_INI::SaveOutcome form_INI::Save() {
   DocumentSlot& slot = Slot();
   const bool chosen = slot.path.isEmpty();
-  const QString path = chosen ? AskForPath() : slot.path;
+  const QString path = chosen ? AskForSavePath(u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
   if (const std::optional<FileFailure> failure = WriteTo(path)) {
-    global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s + ReasonOf(*failure) +
-                               u".  The file on disk is unchanged."_s,
-                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    ShowWriteFailure(path, *failure);
     return SaveOutcome::Failed;
   }
   if (chosen) {
@@ -318,44 +309,15 @@ form_INI::SaveOutcome form_INI::Save() {
   return SaveOutcome::Saved;
 }
 
-QString form_INI::AskForPath() {
-  CommonDialog& dialog = global_.common_dialog;
-  while (true) {
-    dialog.title = u"Save File"_s;
-    dialog.filter = u"INI File|*.INI"_s;
-    dialog.filter_index = 1;
-    dialog.default_ext = u".INI"_s;
-    dialog.file_name.clear();
-    dialog.init_dir = LastSaveFolder(global_.registry);
-    QString path = dialog.ShowSave();
-    if (path.isEmpty() || !global_.shell_utilities.FileExists(path)) return path;
-    switch (global_.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
-                                   u"File Exists"_s)) {
-      case MsgAnswer::Yes:
-        return path;
-      case MsgAnswer::No:
-        break;
-      default:
-        return {};
-    }
-  }
-}
-
 std::optional<FileFailure> form_INI::WriteTo(const QString& path) {
   const Hourglass hourglass;
-  const std::string text = WriteIni(tree_);
+  const TextEncoding before = format_.encoding;
   TextFormat format = format_;
-  std::optional<std::string> bytes = EncodeText(text, format);
-  if (!bytes) {
-    format.encoding = TextEncoding::Utf8;
-    bytes = EncodeText(text, format);
-  }
-  const std::optional<FileFailure> failure = WriteFileBytes(FilePath(path), *bytes);
+  const std::optional<FileFailure> failure =
+      WriteTextFile(FilePath(path), format, [this](const FilePart& put) { return put(WriteIni(tree_)); });
   if (failure) return failure;
-  if (format.encoding != format_.encoding)
-    AddNotice(tr("The file is now written as UTF-8, because %1 has no place for some of its characters.")
-                  .arg(QString::fromUtf8(EncodingName(format_.encoding))));
   format_ = format;
+  AddEncodingNotice(before, format_.encoding);
   return std::nullopt;
 }
 

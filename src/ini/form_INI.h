@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "ini/IniTree.h"
-#include "platform/TextFile.h"
 #include "shell/DocumentWindow.h"
 
 class QPushButton;
@@ -73,8 +72,6 @@ class form_INI : public DocumentWindow {
   void ShowSelection();
 
   SaveOutcome Save();
-  /// The path that the user chose, empty when cancelled.
-  QString AskForPath();
   std::optional<FileFailure> WriteTo(const QString& path);
 
   void cmd_Edit_Click();

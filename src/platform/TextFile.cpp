@@ -3,8 +3,8 @@
 #include <array>
 #include <utility>
 
-#include "platform/CodePage.h"
 #include "base/Utf8.h"
+#include "platform/CodePage.h"
 
 namespace tme {
 namespace {
@@ -59,10 +59,10 @@ std::string Utf16ToUtf8(std::string_view bytes, TextEncoding encoding) {
   return text.append(buffer.data(), used);
 }
 
-std::optional<std::string> Utf8ToUtf16(std::string_view text, const TextFormat& format) {
-  const bool little = format.encoding == TextEncoding::Utf16Le;
-  const std::string_view mark = little ? kUtf16LeMark : kUtf16BeMark;
-  std::string bytes(mark.size() + 2 * text.size() + 1, '\0');  // no character takes more than twice its bytes
+std::optional<std::string> Utf8ToUtf16(std::string_view text, TextEncoding encoding, bool with_mark) {
+  const bool little = encoding == TextEncoding::Utf16Le;
+  const std::string_view mark = !with_mark ? std::string_view() : little ? kUtf16LeMark : kUtf16BeMark;
+  std::string bytes(mark.size() + 2 * text.size(), '\0');  // no character takes more than twice its bytes
   std::size_t used = mark.copy(bytes.data(), mark.size());
   const auto put = [&bytes, &used, little](char32_t unit) {
     const auto low = static_cast<char>(unit & 0xFF);
@@ -80,18 +80,53 @@ std::optional<std::string> Utf8ToUtf16(std::string_view text, const TextFormat& 
       put(kFirstLowSurrogate + ((*character - kFirstSupplementary) & 0x3FF));
     }
   }
-  if (format.stray_byte) bytes[used++] = *format.stray_byte;
   bytes.resize(used);
   return bytes;
 }
 
-std::optional<std::string> TextToCodePage(std::string_view text) {
-  if (utf8::AsciiRun(text) == text.size()) return std::string(text);
-  auto bytes = Utf8ToCodePage(text);
-  // These bytes would be read as something else the next time, so they do not hold the text.
-  if (bytes && (MarkedEncoding(*bytes) || utf8::IsValid(*bytes))) return std::nullopt;
-  return bytes;
-}
+/// Encodes a text part by part, and knows in the end whether the bytes will be read as that text again.
+class PartEncoder {
+ public:
+  explicit PartEncoder(const TextFormat& format) : format_(format) {}
+
+  /// Null when the encoding has no place for a character.
+  std::optional<std::string> Encode(std::string_view part) {
+    const bool first = std::exchange(first_, false);
+    switch (format_.encoding) {
+      case TextEncoding::CodePage:
+        return ToCodePage(part, first);
+      case TextEncoding::Utf8:
+        // A U+FEFF that is text would be taken for the mark by the next reader; after a mark it stays text.
+        if (first && part.starts_with(kUtf8Mark)) return std::string(kUtf8Mark).append(part);
+        return std::string(part);
+      case TextEncoding::Utf8Bom:
+        return std::string(first ? kUtf8Mark : std::string_view()).append(part);
+      case TextEncoding::Utf16Le:
+      case TextEncoding::Utf16Be:
+        return Utf8ToUtf16(part, format_.encoding, first);
+    }
+    return std::nullopt;
+  }
+
+  /// After the last part.
+  std::string Rest() const { return format_.stray_byte ? std::string(1, *format_.stray_byte) : std::string(); }
+  bool ReadsBack() const { return !beyond_ascii_ || !all_valid_utf8_; }
+
+ private:
+  std::optional<std::string> ToCodePage(std::string_view part, bool first) {
+    if (utf8::AsciiRun(part) == part.size()) return std::string(part);
+    auto bytes = Utf8ToCodePage(part);
+    if (!bytes || (first && MarkedEncoding(*bytes))) return std::nullopt;
+    beyond_ascii_ = true;
+    all_valid_utf8_ = all_valid_utf8_ && utf8::IsValid(*bytes);
+    return bytes;
+  }
+
+  const TextFormat format_;
+  bool first_ = true;
+  bool beyond_ascii_ = false;
+  bool all_valid_utf8_ = true;
+};
 
 }  // namespace
 
@@ -138,20 +173,43 @@ DecodedText DecodeText(std::string bytes) {
 }
 
 std::optional<std::string> EncodeText(std::string_view text, const TextFormat& format) {
-  switch (format.encoding) {
-    case TextEncoding::CodePage:
-      return TextToCodePage(text);
-    case TextEncoding::Utf8:
-      // A U+FEFF that is text would be taken for the mark by the next reader; after a mark it stays text.
-      if (text.starts_with(kUtf8Mark)) return std::string(kUtf8Mark).append(text);
-      return std::string(text);
-    case TextEncoding::Utf8Bom:
-      return std::string(kUtf8Mark).append(text);
-    case TextEncoding::Utf16Le:
-    case TextEncoding::Utf16Be:
-      return Utf8ToUtf16(text, format);
-  }
-  return std::nullopt;
+  PartEncoder encoder(format);
+  std::optional<std::string> bytes = encoder.Encode(text);
+  if (!bytes || !encoder.ReadsBack()) return std::nullopt;
+  return std::move(*bytes) + encoder.Rest();
+}
+
+std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes) {
+  FileSteps steps;
+  return WriteFileParts(
+      path, [bytes](const FilePart& put) { return put(bytes); }, steps);
+}
+
+std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, TextFormat& format,
+                                         const PartProducer& produce) {
+  FileSteps steps;
+  return WriteTextFile(path, format, produce, steps);
+}
+
+std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, TextFormat& format,
+                                         const PartProducer& produce, FileSteps& steps) {
+  bool fits = true;
+  PartEncoder encoder(format);
+  const auto failure = WriteFileParts(
+      path,
+      [&](const FilePart& put) {
+        const bool complete = produce([&](std::string_view part) {
+          const std::optional<std::string> bytes = encoder.Encode(part);
+          fits = bytes.has_value();
+          return fits && put(*bytes);
+        });
+        fits = fits && encoder.ReadsBack();
+        return complete && fits && put(encoder.Rest());
+      },
+      steps);
+  if (fits) return failure;
+  format = {TextEncoding::Utf8, {}};
+  return WriteTextFile(path, format, produce, steps);
 }
 
 }  // namespace tme

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -69,10 +70,23 @@ inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
 /// kMaxFileBytes.
 std::optional<FileFailure> ReadFileBytes(const std::filesystem::path& path, std::string& bytes);
 
+/// Takes the next part of a file; false when it could not be written, and the producer should stop.
+using FilePart = std::function<bool(std::string_view)>;
+/// Hands over all parts of a file; false to give up, which leaves the target as it is.
+using PartProducer = std::function<bool(const FilePart&)>;
+
 /// Whole or not at all: a temporary file in the same folder with the target's permissions (and owner where allowed),
 /// written, flushed to disk, put in place; symbolic links are followed, a read-only target is refused. After a failure
 /// the target has its old bytes (or is absent as before) and no temporary file is left.
+std::optional<FileFailure> WriteFileParts(const std::filesystem::path& path, const PartProducer& produce,
+                                          FileSteps& steps);
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
-std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, FileSteps& steps);
+
+/// The same for text in parts of whole lines (UTF-8), in the given encoding. Text that the encoding cannot hold so that
+/// it reads back as the same text is written as UTF-8 instead, and `format` says so; the producer runs again then.
+std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, TextFormat& format,
+                                         const PartProducer& produce);
+std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, TextFormat& format,
+                                         const PartProducer& produce, FileSteps& steps);
 
 }  // namespace tme

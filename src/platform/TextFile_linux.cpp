@@ -222,12 +222,7 @@ std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& byte
   return failure;
 }
 
-std::optional<FileFailure> WriteFileBytes(const fs::path& path, std::string_view bytes) {
-  FileSteps steps;
-  return WriteFileBytes(path, bytes, steps);
-}
-
-std::optional<FileFailure> WriteFileBytes(const fs::path& path, std::string_view bytes, FileSteps& steps) {
+std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProducer& produce, FileSteps& steps) {
   fs::path target = path;
   if (const int error = ResolveLinks(target); error != 0) return Failure(error);
 
@@ -251,7 +246,11 @@ std::optional<FileFailure> WriteFileBytes(const fs::path& path, std::string_view
   if (error != 0) return Failure(error);
   if (exists) TakeOver(target, old, temporary.handle());
 
-  error = temporary.Write(bytes);
+  const bool complete = produce([&temporary, &error](std::string_view bytes) {
+    error = temporary.Write(bytes);
+    return error == 0;
+  });
+  if (!complete && error == 0) return FileFailure{"The file was not completed"};
   if (error == 0) error = temporary.FlushAndClose();
   if (error == 0) error = temporary.Replace(target);
   if (error != 0) return Failure(error);

@@ -4,7 +4,9 @@
 #include <QMdiSubWindow>
 #include <QVBoxLayout>
 
+#include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/ShellUtilities.h"
 #include "shell/Global.h"
 #include "shell/NoticeBar.h"
 #include "shell/mdform_TMEditor.h"
@@ -70,6 +72,47 @@ void DocumentWindow::AddNotice(const QString& sentence) { notice_bar_->Add(sente
 
 void DocumentWindow::ClearNotice() { notice_bar_->Clear(); }
 
+void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after) {
+  if (before == after) return;
+  AddNotice(tr("The file is now written as UTF-8, because %1 has no place for some of its characters.")
+                .arg(QString::fromUtf8(EncodingName(before))));
+}
+
+void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& failure) {
+  global_.dialogs.MsgBox(
+      u"TME could not open the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u'.',
+      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+}
+
+void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& failure) {
+  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s +
+                             QString::fromStdString(failure.reason) + u".  The file on disk is unchanged."_s,
+                         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+}
+
+QString DocumentWindow::AskForSavePath(const QString& title, const QString& filter, const QString& default_ext) {
+  CommonDialog& dialog = global_.common_dialog;
+  while (true) {
+    dialog.title = title;
+    dialog.filter = filter;
+    dialog.filter_index = 1;
+    dialog.default_ext = default_ext;
+    dialog.file_name.clear();
+    dialog.init_dir = LastSaveFolder(global_.registry);
+    QString path = dialog.ShowSave();
+    if (path.isEmpty() || !global_.shell_utilities.FileExists(path)) return path;
+    switch (global_.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
+                                   u"File Exists"_s)) {
+      case MsgAnswer::Yes:
+        return path;
+      case MsgAnswer::No:
+        break;
+      default:
+        return {};
+    }
+  }
+}
+
 bool DocumentWindow::ConfirmClose(const std::function<bool()>& save) {
   if (!Slot().changed) return true;
   const QString question = u"Save this file?\r"_s + Slot().path;
@@ -90,5 +133,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
   // Hiding the frame's child is the shell's business, once the document is gone.
   event->setAccepted(tag_.isEmpty() || CloseDocument());
 }
+
+std::filesystem::path FilePath(const QString& path) { return path.toStdU16String(); }
 
 }  // namespace tme

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
+#include <filesystem>
+#include <functional>
 
+#include "platform/TextFile.h"
 #include "shell/DocumentKind.h"
 
 class QMdiSubWindow;
@@ -62,6 +64,13 @@ class DocumentWindow : public QWidget {
   /// The slim bar at the top; an empty text hides it. Several sentences add up until ClearNotice.
   void AddNotice(const QString& sentence);
   void ClearNotice();
+  /// Says that a save had to change the encoding; nothing when it did not.
+  void AddEncodingNotice(TextEncoding before, TextEncoding after);
+  /// The message about a file that could not be read or written.
+  void ShowReadFailure(const QString& path, const FileFailure& failure);
+  void ShowWriteFailure(const QString& path, const FileFailure& failure);
+  /// The save dialog with its question about an existing file; the path that the user chose, empty when cancelled.
+  QString AskForSavePath(const QString& title, const QString& filter, const QString& default_ext);
 
   /// "Save this file?" when the document is changed; false for Cancel. `save` runs on Yes and says whether the close
   /// may go on: it may after a cancelled save dialog (intended; the changes are dropped), not after a failed write.
@@ -80,5 +89,8 @@ class DocumentWindow : public QWidget {
   QVBoxLayout* layout_ = nullptr;
   NoticeBar* notice_bar_ = nullptr;
 };
+
+/// A path as the file layer takes it.
+std::filesystem::path FilePath(const QString& path);
 
 }  // namespace tme
