@@ -117,7 +117,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   setFocusProxy(TV);
 
   connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
-  connect(model_.get(), &IniItemModel::SelectionMovedByTree, this, &form_INI::ShowSelection);
+  connect(model_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_INI::ShowSelection);
   connect(TV, &QTreeView::expanded, this,
           [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), true); });
   connect(TV, &QTreeView::collapsed, this,

@@ -10,6 +10,7 @@
 #include "ini/form_INI.h"
 #include "ini/form_INIAddValue.h"
 #include "platform/Dialogs.h"
+#include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
 
@@ -17,18 +18,6 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
-
-constexpr qsizetype kMaxCharactersInMessage = 250;
-
-QString TextOf(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
-
-/// Without blanks at both ends; a tab is not a blank.
-QString TrimBlanks(const QString& text) {
-  qsizetype first = 0, end = text.size();
-  while (first < end && text[first] == u' ') ++first;
-  while (end > first && text[end - 1] == u' ') --end;
-  return text.mid(first, end - first);
-}
 
 IniTag TagOfKey(const QString& key) { return key.startsWith(u';') ? IniTag::Comments : IniTag::Value; }
 

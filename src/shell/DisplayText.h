@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <string_view>
+
+namespace tme {
+
+/// Text as a list or a message can show it: at most so many characters, control characters as their symbols (U+2400 and
+/// on).
+QString DisplayText(std::string_view text, qsizetype max_characters = 1000);
+
+/// Enough for any message; longer texts would push its buttons off the screen.
+inline constexpr qsizetype kMaxCharactersInMessage = 250;
+
+/// The whole text, for editing.
+inline QString TextOf(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Without blanks at both ends; a tab is not a blank.
+QString TrimBlanks(const QString& text);
+
+}  // namespace tme
