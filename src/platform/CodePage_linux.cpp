@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/CodePage.h"
 #include "base/Utf8.h"
+#include "platform/CodePage.h"
 
 namespace tme {
 namespace {
