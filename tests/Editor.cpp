@@ -7,12 +7,14 @@
 #include <QTreeView>
 
 #include "ini/IniItemModel.h"
+#include "reg/form_REG.h"
 
 using namespace tme;
 
 Editor::Editor() {
   frame_ = std::make_unique<mdform_TMEditor>(global_, [this](DocumentKind kind, int slot) -> DocumentWindow* {
-    return kind == DocumentKind::Ini ? new form_INI(global_, slot) : nullptr;
+    if (kind == DocumentKind::Ini) return new form_INI(global_, slot);
+    return kind == DocumentKind::Reg ? new form_REG(global_, slot) : nullptr;
   });
 }
 

@@ -45,9 +45,10 @@ TEST_F(Editor, EntriesAreAddedAndEdited) {
   window.AddValue();
   OnDialog(u"form_ADE"_s, Fill(u"never"_s, u"1"_s, u"cmd_Cancel"_s));
   window.AddValue();
-  EXPECT_EQ(Dump(window.Tree()), "New INI File\n A\n  ;c=\n  b=2\n  >m=1\n B\n");
+  EXPECT_EQ(Dump(window.Tree()), "New INI File\n A\n  >;c=\n  b=2\n  m=1\n B\n");
   EXPECT_EQ(window.windowTitle(), u"New INI File [CHANGED]");
 
+  Select(window, {u"A"_s, u"m=1"_s});
   auto* edit = window.findChild<QPushButton*>(u"cmd_Edit"_s);
   const auto question = [this](MsgAnswer answer) {
     dialogs_.ExpectMsgBox(u"There is no value listed for the Key.  Delete this entry?"_s, u"Entry Delete"_s,
@@ -56,10 +57,10 @@ TEST_F(Editor, EntriesAreAddedAndEdited) {
   OnDialog(u"form_ADE"_s, [](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), u"Edit A Section");
     EXPECT_EQ(dialog.findChild<QLineEdit*>(u"txt_value"_s)->text(), u"1");
-    Fill(u" n "_s, u" a=b "_s)(dialog);
+    Fill(u" n "_s, u" a=\r\nb "_s)(dialog);
   });
   edit->click();
-  EXPECT_EQ(Dump(window.Tree()), "New INI File\n A\n  ;c=\n  b=2\n  >n=a=b\n B\n") << "blanks trimmed";
+  EXPECT_EQ(Dump(window.Tree()), "New INI File\n A\n  ;c=\n  b=2\n  >n=a= b\n B\n") << "blanks trimmed, and one line";
   question(MsgAnswer::No);
   OnDialog(u"form_ADE"_s, Fill(u"n"_s, u""_s));
   edit->click();
@@ -95,7 +96,7 @@ TEST_F(Editor, EnterNeedsAKey) {
     QTest::keyClick(key, Qt::Key_Return);
   });
   window.AddValue();
-  EXPECT_EQ(Dump(window.Tree()), "New INI File\n >A\n  k=\n");
+  EXPECT_EQ(Dump(window.Tree()), "New INI File\n A\n  >k=\n");
 }
 
 TEST_F(Editor, SectionsAreAddedDeletedAndChangedAllAtOnce) {
@@ -112,7 +113,7 @@ TEST_F(Editor, SectionsAreAddedDeletedAndChangedAllAtOnce) {
   OnDialog(u"form_INIAddValue"_s, Fill(u"gone"_s, u"v"_s, u"cmd_Cancel"_s));
   window.AddSectionToAll();
   EXPECT_EQ(Dump(window.Tree()),
-            ">New INI File\n Apps\n  Font=Arial\n  Fonts\n  k=v\n Boot\n  FontSize=10\n  k=v\n  x=1\n boot\n  k=v\n");
+            "New INI File\n Apps\n  Font=Arial\n  Fonts\n  k=v\n Boot\n  FontSize=10\n  k=v\n  x=1\n >boot\n  k=v\n");
   Select(window, {u"Apps"_s, u"Font=Arial"_s});
   window.DeleteAllNodes();
   EXPECT_EQ(Dump(window.Tree()), "New INI File\n Apps\n  >k=v\n Boot\n  k=v\n  x=1\n boot\n  k=v\n");
@@ -281,9 +282,10 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
       {"empty.ini", "", "", ">empty.ini\n"},
       {"one.ini", "[", "", ">one.ini\n \n"},
       {"early.ini", "x=1\n[A]\ny=2\n",
-       "The file ended early at line 1: 3 lines were not taken. Saving writes what the tree shows.", ">early.ini\n"},
+       "The file ended early at line 1: 3 lines were not taken. Saving writes only what the tree shows.",
+       ">early.ini\n"},
       {"blank.ini", "[B]\n\n\nx=1\n[A]",
-       "2 blank lines dropped. The file holds its sections in another order. Saving writes what the tree shows.",
+       "2 blank lines dropped. The file holds its sections in another order. Saving writes only what the tree shows.",
        ">blank.ini\n A\n B\n  x=1\n"},
       {"nul.ini", std::string("[A]\na\0b=1\n", 10), "", nullptr},
       {"long.ini", "[A]\n" + std::string(1 << 20, 'x') + "\n", "", nullptr},

@@ -59,8 +59,8 @@ TEST_F(Editor, KindFollowsTheLastThreeLetters) {
 }
 
 TEST_F(Editor, KindWithoutAnEditorIsSaid) {
-  const QString path = File(u"a.reg"_s, "REGEDIT4\r\n");
-  dialogs_.ExpectMsgBox(u"This version of the editor has no window for a document of the kind \"Registry File\"."_s,
+  const QString path = File(u"a.txt"_s, "text\r\n");
+  dialogs_.ExpectMsgBox(u"This version of the editor has no window for a document of the kind \"TXT File\"."_s,
                         u"Tamarind Editor"_s);
   Start({path});
   EXPECT_EQ(frame_->ActiveDocument(), nullptr);
@@ -76,12 +76,13 @@ TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Last Open"_s), u"") << "cancelled";
   common_dialog_.ExpectOpen({odd}, 1);  // a file of any name opens as the kind of the chosen entry
   OpenFileDialog(global_);
-  common_dialog_.ExpectOpen({first, second}, 2);
+  common_dialog_.ExpectOpen({first, second}, 3);
   OpenFileDialog(global_);
   ASSERT_EQ(common_dialog_.shown.size(), 3U);
   const CommonDialog& shown = common_dialog_.shown.back();
   EXPECT_EQ(shown.title, u"Open File for Editing");
-  EXPECT_EQ(shown.filter, u"INI File|*.INI|Other (*.*)|*.*") << "kinds without an editor are not offered";
+  EXPECT_EQ(shown.filter, u"INI File|*.INI|Registry File|*.REG|Other (*.*)|*.*")
+      << "kinds without an editor are not offered";
   EXPECT_TRUE(shown.multi_select);
   EXPECT_EQ(shown.init_dir, folder_.path());
   EXPECT_EQ(Ini(0).windowTitle(), u"odd.cfg");
@@ -135,6 +136,23 @@ TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
 }
 
+TEST_F(Editor, LeavingAsksForAnotherPlaceWhenTheWriteFails) {
+  const QString path = File(u"a.ini"_s, kIni), other = InFolder(u"b.ini"_s);
+  Start({path});
+  ASSERT_TRUE(link_.ClaimOnlyInstance());
+  dialogs_.ExpectInputBox(u"Enter the name for the new section."_s, u"Add New Section"_s, {}, u"New"_s);
+  Ini().AddSection();
+  QFile::setPermissions(path, QFile::ReadOwner);
+  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::Yes);
+  dialogs_.ExpectMsgBox(
+      u"TME could not save the file\r( "_s + path + u" )\rThe file is read-only.  The file on disk is unchanged."_s,
+      u"Tamarind Editor"_s);
+  common_dialog_.ExpectSave(other);
+  frame_->ExitApplication();
+  EXPECT_EQ(BytesOf(other), "[A]\r\nx=1\r\n\r\n[New]\r\n\r\n");
+  EXPECT_TRUE(InstanceLink().ClaimOnlyInstance()) << "a launch from here on is the first";
+}
+
 TEST_F(Editor, FrameComesBackWhereItWas) {
   const auto write = [this](const QString& name, const QString& text) {
     registry_.WriteValue(SettingsRoot, name, kTextType, text);
@@ -158,6 +176,19 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
   again.showMaximized();
   EXPECT_TRUE(QTest::qWaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; }));
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"70000") << "maximising writes the flag alone";
+}
+
+TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
+  registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, kTextType, u"1"_s);
+  const QString path = File(u"a.ini"_s, kIni);
+  Start({path, path});
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Ini(1).SubWindow()->isMaximized(); }))
+      << "opened before the frame showed";
+  OpenPathList(global_, path);
+  EXPECT_TRUE(Ini(2).SubWindow()->isMaximized());
+  NewDocument(global_, SlotCode::Ini);
+  EXPECT_TRUE(Ini(3).SubWindow()->isMaximized());
+  EXPECT_GT(Ini(3).height(), frame_->height() / 2);
 }
 
 TEST_F(Editor, SettingsAreCleaned) {

@@ -28,6 +28,9 @@ class Lines {
     return true;
   }
 
+  /// No line is left.
+  bool AtEnd() const { return position_ == end_; }
+
   /// Of the line that Next gave last, from 1.
   std::uint64_t Number() const { return number_; }
 

@@ -63,6 +63,16 @@ std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surroga
   return character;
 }
 
+std::size_t LastCharacterBytes(std::string_view text) {
+  if (text.empty()) return 0;
+  if (static_cast<unsigned char>(text.back()) < 0x80) return 1;
+  for (std::size_t size = 2; size <= kMaxCharacterBytes && size <= text.size(); ++size) {
+    std::string_view last = text.substr(text.size() - size);
+    if (TakeCharacter(last, Surrogates::Accept) && last.empty()) return size;
+  }
+  return 1;
+}
+
 std::size_t PutCharacter(char32_t character, char* out) {
   const auto put = [out](std::size_t at, char32_t byte) { out[at] = static_cast<char>(byte); };
   if (character < 0x80) {

@@ -19,6 +19,9 @@ enum class Surrogates : std::uint8_t { Refuse, Accept };
 /// Takes the first character off `text`. Null, with `text` as it was, when it is empty or begins with an invalid byte.
 std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates = Surrogates::Refuse);
 
+/// How many bytes the last character has: 0 of an empty text, 1 of an invalid byte.
+std::size_t LastCharacterBytes(std::string_view text);
+
 inline constexpr std::size_t kMaxCharacterBytes = 4;
 
 /// Writes 1 to kMaxCharacterBytes bytes, surrogates as three; returns how many.

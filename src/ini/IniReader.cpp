@@ -20,9 +20,9 @@ std::string_view HeaderName(std::string_view line) {
 
 IniReadResult IniReader::Read(IniTree& tree, std::string text, const IniQuestions& ask) {
   const std::uint64_t revision = tree.Revision();
-  IniReader reader(tree, tree.KeepText(std::move(text)), ask);
+  IniReader reader(tree, tree.texts_.Keep(std::move(text)), ask);
   reader.Run();
-  if (tree.Revision() == revision) tree.buffers_.pop_back();
+  if (tree.Revision() == revision) tree.texts_.GiveBackLast();
   return reader.result_;
 }
 

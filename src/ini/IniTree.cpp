@@ -1,7 +1,6 @@
 #include "ini/IniTree.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "ini/IniOrder.h"
@@ -67,7 +66,7 @@ std::string_view IniNode::EntryValue() const {
 
 IniTree::IniTree(std::string_view root_text)
     : observer_(&silent_observer),
-      root_(new IniNode(nullptr, CopyText(root_text), IniTag::OpenedFile, 0)),
+      root_(new IniNode(nullptr, texts_.Copy(root_text), IniTag::OpenedFile, 0)),
       selected_(root_.get()) {}
 
 IniTree::~IniTree() = default;
@@ -93,17 +92,17 @@ std::uint64_t IniTree::Revision() const { return revision_; }
 
 IniNode* IniTree::AddSection(std::string_view name) {
   root_->expanded_ = true;
-  return Add(root_.get(), CopyText(name), IniTag::Section);
+  return Add(root_.get(), texts_.Copy(name), IniTag::Section);
 }
 
 IniNode* IniTree::AddEntry(IniNode* parent, std::string_view text, IniTag tag) {
-  return Add(parent, CopyText(text), tag);
+  return Add(parent, texts_.Copy(text), tag);
 }
 
 void IniTree::AddEntryToAllSections(std::string_view text, IniTag tag) {
   if (section_count_ == 0) return;
   observer_->BeforeReset();
-  const std::string_view shared = CopyText(text);
+  const std::string_view shared = texts_.Copy(text);
   for (IniNode* section : *root_->children_) {
     if (section->tag_ != IniTag::Section) continue;
     section->expanded_ = true;
@@ -119,7 +118,7 @@ void IniTree::AddEntryToAllSections(std::string_view text, IniTag tag) {
 
 void IniTree::SetText(IniNode* node, std::string_view text) {
   if (node->Text() == text) return;
-  node->SetTextView(CopyText(text));
+  node->SetTextView(texts_.Copy(text));
   if (node->parent_ != nullptr) {
     // The root's text is the file's name, not content.
     ++revision_;
@@ -147,15 +146,6 @@ void IniTree::CollapseAll() {
   root_->expanded_ = true;
   if (root_->children_ == nullptr) return;
   for (IniNode* child : *root_->children_) child->expanded_ = false;
-}
-
-std::string_view IniTree::KeepText(std::string text) { return buffers_.emplace_back(std::move(text)); }
-
-std::string_view IniTree::CopyText(std::string_view text) {
-  if (text.empty()) return "";
-  char* copy = static_cast<char*>(texts_.allocate(text.size(), 1));
-  std::memcpy(copy, text.data(), text.size());
-  return {copy, text.size()};
 }
 
 IniNode* IniTree::NewNode(IniNode* parent, std::string_view text, IniTag tag) {

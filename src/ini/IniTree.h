@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <memory_resource>
 #include <string>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "base/NodePool.h"
+#include "base/TextStore.h"
 #include "base/TreeObserver.h"
 
 namespace tme {
@@ -148,9 +148,7 @@ class IniTree {
  private:
   friend class IniReader;
 
-  // Building. The views must lie in memory of the tree: see KeepText and CopyText.
-  std::string_view KeepText(std::string text);
-  std::string_view CopyText(std::string_view text);
+  // Building. The views must lie in texts_.
   IniNode* NewNode(IniNode* parent, std::string_view text, IniTag tag);
   IniNode::Children& ChildrenOf(IniNode* parent);
   /// Last in the list, wherever it belongs.
@@ -180,10 +178,7 @@ class IniTree {
   void EndReset();
   void TellIfSelectionMoved();
 
-  /// Whole texts that were read, and (in texts_) those of single edits. Memory of a text that is no longer shown is
-  /// given up only when the tree is cleared.
-  std::deque<std::string> buffers_;
-  std::pmr::monotonic_buffer_resource texts_;
+  TextStore texts_;
   std::pmr::unsynchronized_pool_resource lists_;
   NodePool nodes_{sizeof(IniNode)};
 

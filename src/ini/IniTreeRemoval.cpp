@@ -79,7 +79,7 @@ void IniTree::Reset(std::string_view root_text) {
   observer_->BeforeReset();
   if (selected_ != root_.get()) MoveSelection(root_.get());
   DiscardAll();
-  root_->SetTextView(CopyText(kept));
+  root_->SetTextView(texts_.Copy(kept));
   ++revision_;
   EndReset();
 }
@@ -102,8 +102,7 @@ void IniTree::DiscardAll() {
   root_->expanded_ = false;
   nodes_.Clear();
   lists_.release();
-  texts_.release();
-  buffers_.clear();
+  texts_.Clear();
   node_count_ = 1;
   section_count_ = 0;
   next_created_ = 1;

@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <limits>
 
+#include "platform/Dialogs.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tme {
@@ -38,9 +40,9 @@ KeyValueDialog::KeyValueDialog(QWidget* parent)
   form->addRow(buttons_);
 }
 
-QString KeyValueDialog::Key() const { return txt_Key->text(); }
+QString KeyValueDialog::Key() const { return OneLine(txt_Key->text()); }
 
-QString KeyValueDialog::Value() const { return txt_value->text(); }
+QString KeyValueDialog::Value() const { return OneLine(txt_value->text()); }
 
 QPushButton* KeyValueDialog::AddButton(const char* name, const QString& caption, std::function<void()> press) {
   const bool first = buttons_->buttons().isEmpty();

@@ -1,10 +1,11 @@
 #include "ini/form_INI.h"
 
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QFileInfo>
-#include <QHeaderView>
 #include <QLocale>
 #include <QMdiSubWindow>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
@@ -14,10 +15,13 @@
 #include <QTreeView>
 
 #include "ini/IniItemModel.h"
+#include "ini/IniNotice.h"
 #include "ini/IniReader.h"
 #include "ini/IniWriter.h"
 #include "platform/Dialogs.h"
 #include "platform/Twips.h"
+#include "shell/DisplayText.h"
+#include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
@@ -45,42 +49,34 @@ class ScrollBarUnderStrip : public QScrollBar {
   QSize sizeHint() const override { return QScrollBar::sizeHint() + QSize(0, strip_); }
 
  protected:
+  /// The style lays the bar out from the top, so it is drawn, and the mouse is read, shifted by the strip.
   void initStyleOption(QStyleOptionSlider* option) const override {
     QScrollBar::initStyleOption(option);
-    option->rect.setTop(strip_);
+    option->rect = QRect(0, 0, width(), height() - strip_);
   }
-  void paintEvent(QPaintEvent* event) override {
-    QPainter(this).fillRect(rect(), palette().window());
-    if (minimum() < maximum()) QScrollBar::paintEvent(event);
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
+    if (minimum() == maximum()) return;
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_All;
+    painter.translate(0, strip_);
+    style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
   }
+  void mousePressEvent(QMouseEvent* event) override { QScrollBar::mousePressEvent(Shifted(*event).get()); }
+  void mouseMoveEvent(QMouseEvent* event) override { QScrollBar::mouseMoveEvent(Shifted(*event).get()); }
+  void mouseReleaseEvent(QMouseEvent* event) override { QScrollBar::mouseReleaseEvent(Shifted(*event).get()); }
+  void contextMenuEvent(QContextMenuEvent* event) override { event->accept(); }
 
  private:
+  std::unique_ptr<QMouseEvent> Shifted(const QMouseEvent& event) const {
+    return std::make_unique<QMouseEvent>(event.type(), event.position() - QPointF(0, strip_), event.globalPosition(),
+                                         event.button(), event.buttons(), event.modifiers());
+  }
+
   int strip_ = 0;
 };
-
-QString Counted(std::uint64_t count, const QString& one, const QString& many) {
-  return count == 1 ? one : many.arg(QLocale().toString(static_cast<qulonglong>(count)));
-}
-
-/// What a read left out, as sentences; empty when every line found its place.
-QString NoticeOf(const IniReadResult& result, const QString& source) {
-  QStringList sentences;
-  if (result.ended_at_line > 0)
-    sentences += u"%1 ended early at line %2: %3."_s.arg(
-        source, QLocale().toString(static_cast<qulonglong>(result.ended_at_line)),
-        Counted(result.lines_not_read, u"1 line was not taken"_s, u"%1 lines were not taken"_s));
-  if (result.nodes_overwritten > 0)
-    sentences += Counted(result.nodes_overwritten, u"1 item was overwritten."_s, u"%1 items were overwritten."_s);
-  if (result.blank_lines_dropped > 0)
-    sentences += Counted(result.blank_lines_dropped, u"1 blank line dropped."_s, u"%1 blank lines dropped."_s);
-  if (sentences.isEmpty()) return {};
-  if (result.sections_reordered)
-    sentences += u"%1 holds its sections in another order."_s.arg(source);
-  else if (result.entries_reordered)
-    sentences += u"%1 holds its entries in another order."_s.arg(source);
-  sentences += u"Saving writes what the tree shows."_s;
-  return sentences.join(u' ');
-}
 
 }  // namespace
 
@@ -99,18 +95,8 @@ void form_INI::BuildControls(QWidget& client) {
 }
 
 void form_INI::BuildTreeView(QWidget& client) {
-  TV = new QTreeView(&client);
-  TV->setObjectName(u"TV"_s);
+  TV = new DocumentTreeView(&client);
   TV->setAccessibleName(tr("Sections and entries"));
-  TV->setHeaderHidden(true);
-  TV->setUniformRowHeights(true);
-  TV->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  TV->setExpandsOnDoubleClick(true);
-  TV->setContextMenuPolicy(Qt::CustomContextMenu);
-  // The width of what is in sight, so that a million rows cost no more than thirty.
-  TV->header()->setStretchLastSection(false);
-  TV->header()->setResizeContentsPrecision(0);
-  TV->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
   TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   TV->setModel(model_.get());
@@ -132,15 +118,16 @@ void form_INI::BuildTreeView(QWidget& client) {
   });
   connect(TV, &QWidget::customContextMenuRequested, this,
           [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
-  const auto on_key = [this](const QKeySequence& key, void (form_INI::*command)()) {
-    auto* shortcut = new QShortcut(key, TV);
-    shortcut->setContext(Qt::WidgetShortcut);
+  const auto on_key = [this](QWidget* where, const QKeySequence& key, void (form_INI::*command)()) {
+    auto* shortcut = new QShortcut(key, where);
+    shortcut->setContext(where == TV ? Qt::WidgetShortcut : Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, command);
   };
-  on_key(Qt::Key_F2, &form_INI::cmd_Edit_Click);
-  on_key(Qt::Key_Insert, &form_INI::AddValue);
-  on_key(Qt::Key_Return, &form_INI::cmd_Edit_Click);
-  on_key(Qt::Key_Enter, &form_INI::cmd_Edit_Click);
+  on_key(&client, Qt::Key_F2, &form_INI::cmd_Edit_Click);
+  on_key(&client, Qt::Key_Insert, &form_INI::AddValue);
+  // On a button, Enter is the button's.
+  on_key(TV, Qt::Key_Return, &form_INI::cmd_Edit_Click);
+  on_key(TV, Qt::Key_Enter, &form_INI::cmd_Edit_Click);
 }
 
 void form_INI::BuildButtons(QWidget& client) {
@@ -149,6 +136,7 @@ void form_INI::BuildButtons(QWidget& client) {
     button->setObjectName(name);
     button->setAccessibleName(QString(caption).remove(u'&').replace(u'\n', u' '));
     button->setToolTip(tip);
+    button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys with the tree
     connect(button, &QPushButton::clicked, this, command);
     return button;
   };
@@ -199,7 +187,7 @@ void form_INI::TV_NodeClick() {
   const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section;
   cmd_DeleteSection->setEnabled(on_section);
   cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
-  cmd_AddValue->setEnabled(on_section || on_entry);
+  cmd_AddValue->setEnabled(tag != IniTag::OpenedFile);
   cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
   if (global_.frame->ActiveDocument() != this) return;
   GlobalMenus& menus = global_.frame->Menus();
@@ -226,6 +214,7 @@ void form_INI::RestoreView() {
 
 void form_INI::ShowSelection() {
   TV->setCurrentIndex(model_->IndexOf(tree_.Selected()));
+  TV->scrollTo(TV->currentIndex());
   TV_NodeClick();
 }
 
@@ -280,13 +269,17 @@ IniReadResult form_INI::Read(std::string text) {
 
 void form_INI::SaveFile() { Save(); }
 
-void form_INI::SaveAs() {
+void form_INI::SaveAs() { SaveElsewhere(); }
+
+form_INI::SaveOutcome form_INI::SaveElsewhere() {
   DocumentSlot& slot = Slot();
   const QString path = std::exchange(slot.path, {});
   const QString title = std::exchange(slot.title, {});
-  if (Save() == SaveOutcome::Saved) return;
+  const SaveOutcome outcome = Save();
+  if (outcome == SaveOutcome::Saved) return outcome;
   slot.path = path;
   slot.title = title;
+  return outcome;
 }
 
 form_INI::SaveOutcome form_INI::Save() {
@@ -294,6 +287,7 @@ form_INI::SaveOutcome form_INI::Save() {
   const bool chosen = slot.path.isEmpty();
   const QString path = chosen ? AskForSavePath(u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
+  ClearNotice();
   if (const std::optional<FileFailure> failure = WriteTo(path)) {
     ShowWriteFailure(path, *failure);
     return SaveOutcome::Failed;
@@ -326,7 +320,7 @@ void form_INI::FileClose() { CloseDocument(); }
 void form_INI::ExitForm() { CloseDocument(); }
 
 bool form_INI::CloseDocument() {
-  if (!ConfirmClose([this] { return Save() != SaveOutcome::Failed; })) return false;
+  if (!ConfirmClose([this] { return Save(); }, [this] { return SaveElsewhere(); })) return false;
   ReleaseSlot();
   tree_.Reset({});
   return true;

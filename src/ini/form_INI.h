@@ -61,8 +61,6 @@ class form_INI : public DocumentWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  enum class SaveOutcome { Saved, Cancelled, Failed };
-
   void BuildTreeView(QWidget& client);
   void BuildButtons(QWidget& client);
   /// Places the tree and the buttons; they share the client area (see the .cpp).
@@ -72,6 +70,7 @@ class form_INI : public DocumentWindow {
   void ShowSelection();
 
   SaveOutcome Save();
+  SaveOutcome SaveElsewhere();
   std::optional<FileFailure> WriteTo(const QString& path);
 
   void cmd_Edit_Click();

@@ -4,6 +4,7 @@
 #include <QTreeView>
 
 #include "ini/IniItemModel.h"
+#include "ini/IniNotice.h"
 #include "ini/IniReader.h"
 #include "ini/IniWriter.h"
 #include "ini/form_ADE.h"
@@ -41,23 +42,22 @@ void form_INI::AddSection() {
     if (tree_.IsUniqueSectionName(name.toStdString())) break;
     prompt = u"This name already exists in the INI file.  Please enter a unique name for the new section."_s;
   }
-  const IniNode* section = tree_.AddSection(name.toStdString());
+  tree_.Select(tree_.AddSection(name.toStdString()));
   TV->expand(model_->IndexOf(tree_.Root()));
-  TV->scrollTo(model_->IndexOf(section));
-  TV_NodeClick();
+  ShowSelection();
   SetChanged(true);
 }
 
 void form_INI::AddEntryTo(IniNode* section, const QString& key, const QString& value) {
-  const IniNode* entry = tree_.AddEntry(section, EntryText(key, value), TagOfKey(key));
+  tree_.Select(tree_.AddEntry(section, EntryText(key, value), TagOfKey(key)));
   TV->expand(model_->IndexOf(section));
-  TV->scrollTo(model_->IndexOf(entry));
+  ShowSelection();
   SetChanged(true);
 }
 
 void form_INI::AddValue() {
   IniNode* section = tree_.Selected();
-  if (section->Tag() == IniTag::Value) section = section->Parent();
+  if (section->Tag() == IniTag::Value || section->Tag() == IniTag::Comments) section = section->Parent();
   if (section->Tag() != IniTag::Section) return;
   form_ADE dialog(this, u"Add Key/Value to section "_s + DisplayText(section->Text(), kMaxCharactersInMessage),
                   form_ADE::DeleteButton::Hidden);
@@ -109,10 +109,15 @@ void form_INI::EditEntry(IniNode* node) {
   const QString new_key = TrimBlanks(dialog.Key()), new_value = TrimBlanks(value);
   // The same boxes again change nothing, bytes that are not text included.
   if (new_key == old_key && new_value == old_value) return;
+  const auto bytes = [](const QString& now, const QString& before, std::string_view old) {
+    return now == before ? std::string(old) : now.toStdString();
+  };
+  const std::string text =
+      bytes(new_key, old_key, node->EntryKey()) + '=' + bytes(new_value, old_value, node->EntryValue());
   if (TagOfKey(new_key) == IniTag::Comments)
-    tree_.ReplaceWithComment(node, EntryText(new_key, new_value));
+    tree_.ReplaceWithComment(node, text);
   else
-    tree_.SetText(node, EntryText(new_key, new_value));
+    tree_.SetText(node, text);
   SetChanged(true);
   ShowSelection();
 }
@@ -184,9 +189,13 @@ void form_INI::ExpandAll() {
 }
 
 void form_INI::CollapseAll() {
+  // What is selected stays in sight.
+  if (const IniNode* selected = tree_.Selected(); selected->Parent() && selected->Parent() != tree_.Root())
+    tree_.Select(selected->Parent());
   tree_.CollapseAll();
   TV->collapseAll();
   TV->expand(model_->IndexOf(tree_.Root()));
+  ShowSelection();
 }
 
 void form_INI::EditCopy() {
@@ -213,9 +222,10 @@ void form_INI::EditCut() {
 void form_INI::EditPaste() {
   const QString text = QGuiApplication::clipboard()->text();
   if (text.isEmpty()) return;
-  const IniReadResult result = Read(text.toStdString());
-  if (result.end == IniReadEnd::LineNotTaken || result.end == IniReadEnd::DuplicateRefused)
-    AddNotice(tr("The pasted text ended early at line %1.").arg(result.ended_at_line));
+  IniReadResult result = Read(text.toStdString());
+  // Whoever refused a section knows.
+  if (result.end == IniReadEnd::DuplicateRefused) result.ended_at_line = 0;
+  AddNotice(NoticeOf(result, tr("The pasted text")));
 }
 
 void form_INI::PasteNewSection() {

@@ -1,6 +1,7 @@
 #include "platform/Dialogs.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,12 +18,19 @@ namespace {
 
 constexpr int kMinInputWidth = 360;  // pixels
 
-/// The dialog may be gone with its parent window when it returns from its event loop.
+/// The dialog may be gone with its parent window when it returns from its event loop. While it stands, an hourglass
+/// pointer rests.
 template <typename Dialog>
 class ModalDialog {
  public:
-  ModalDialog() : dialog_(new Dialog(QApplication::activeWindow())) {}
-  ~ModalDialog() { delete dialog_.data(); }
+  ModalDialog() : dialog_(new Dialog(QApplication::activeWindow())) {
+    for (; QGuiApplication::overrideCursor(); QGuiApplication::restoreOverrideCursor())
+      pointers_.prepend(*QGuiApplication::overrideCursor());
+  }
+  ~ModalDialog() {
+    delete dialog_.data();
+    for (const QCursor& pointer : pointers_) QGuiApplication::setOverrideCursor(pointer);
+  }
   ModalDialog(const ModalDialog&) = delete;
   ModalDialog& operator=(const ModalDialog&) = delete;
   Dialog* operator->() const { return dialog_.data(); }
@@ -30,6 +38,7 @@ class ModalDialog {
 
  private:
   QPointer<Dialog> dialog_;
+  QList<QCursor> pointers_;
 };
 
 QMessageBox::StandardButtons BoxButtons(MsgButtons buttons) {
@@ -83,6 +92,22 @@ MsgAnswer AnswerOf(int button) {
   }
 }
 
+/// A label breaks lines at blanks only: a long path or value gets places to break where it has none.
+QString Breakable(const QString& text) {
+  constexpr int kLongestRun = 60;
+  QString breakable;
+  int run = 0;
+  for (const QChar character : text) {
+    breakable += character;
+    run = character.isSpace() ? 0 : run + 1;
+    const bool separator = character == u'/' || character == u'\\';
+    if (run < (separator ? kLongestRun / 2 : kLongestRun) || character.isHighSurrogate()) continue;
+    breakable += QChar(0x200B);  // zero width space
+    run = 0;
+  }
+  return breakable;
+}
+
 }  // namespace
 
 MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
@@ -91,7 +116,8 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
   box->setWindowTitle(title);
   box->setIcon(BoxIcon(icon));
   box->setTextFormat(Qt::PlainText);
-  box->setText(QString(text).replace(u'\r', u'\n'));  // the texts' line breaks are bare carriage returns
+  // The texts' line breaks are bare carriage returns.
+  box->setText(Breakable(QString(text).replace(u'\r', u'\n')));
   box->setStandardButtons(BoxButtons(buttons));
   box->setDefaultButton(buttons == MsgButtons::Ok ? QMessageBox::Ok : QMessageBox::Yes);
   box->setEscapeButton(EscapeButton(buttons));
@@ -111,7 +137,14 @@ QString Dialogs::InputBox(const QString& prompt, const QString& title, const QSt
   if (auto* label = box->findChild<QLabel*>()) label->setTextFormat(Qt::PlainText);
   box->resize(box->sizeHint().expandedTo({kMinInputWidth, 0}));
   const bool accepted = box->exec() == QDialog::Accepted;
-  return accepted && box ? box->textValue() : QString();
+  return accepted && box ? OneLine(box->textValue()) : QString();
+}
+
+QString OneLine(QString text) {
+  text.replace("\r\n"_L1, " "_L1);
+  for (QChar& character : text)
+    if (character == u'\n' || character == u'\r') character = u' ';
+  return text;
 }
 
 }  // namespace tme

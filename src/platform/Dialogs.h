@@ -19,4 +19,7 @@ class Dialogs {
   virtual QString InputBox(const QString& prompt, const QString& title, const QString& text = {});
 };
 
+/// What a line edit holds, as one line: pasted line breaks become blanks, as the box shows them.
+QString OneLine(QString text);
+
 }  // namespace tme

@@ -37,6 +37,8 @@ class InstanceLink {
   /// Claims to be the only instance of this user. False when another one lives; the claim of a dead process is taken
   /// over. The claim lasts until this object or the process ends.
   bool ClaimOnlyInstance();
+  /// From here on a new launch is the only instance.
+  void GiveUpClaim();
 
   /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record of a
   /// process of the same user, one after the other: while it runs, further records wait, also inside a message box

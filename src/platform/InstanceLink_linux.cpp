@@ -201,7 +201,11 @@ class InstanceLink::Endpoint {
  public:
   ~Endpoint() {
     StopListening();
-    if (claim_ >= 0) ::close(claim_);
+    GiveUpClaim();
+  }
+
+  void GiveUpClaim() {
+    if (claim_ >= 0) ::close(std::exchange(claim_, -1));
   }
 
   /// The claim is the system's lock on an open file, which ends with the process however it ends; the process number
@@ -228,6 +232,10 @@ class InstanceLink::Endpoint {
     StopListening();
     const QString folder = PrivateFolder();
     if (folder.isEmpty()) return false;
+    // What lies here was left by processes that died, since only the claim's holder listens.
+    if (claim_ >= 0)
+      for (const QString& name : QDir(folder).entryList({"tme-*"_L1}, QDir::System))
+        QFile::remove(folder + u'/' + name);
     auto listener = std::make_unique<Listener>(std::move(receive));
     if (!listener->Start(SocketPath(folder, handle))) return false;
     listener_ = std::move(listener);
@@ -255,6 +263,8 @@ InstanceLink::InstanceLink() : endpoint_(std::make_unique<Endpoint>()) {}
 InstanceLink::~InstanceLink() = default;
 
 bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
+
+void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
 
 bool InstanceLink::Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
   return endpoint_->Listen(handle, std::move(receive));

@@ -17,6 +17,8 @@ class ShellUtilities {
   /// The Windows folder; elsewhere "drive_c/windows" of the Wine prefix (WINEPREFIX, else ~/.wine) if there is one.
   /// Empty when there is none.
   QString WindowsDirectory() const;
+  /// Where a file dialog starts when nothing better is known: the first drive's root; elsewhere the user's home.
+  QString LastResortFolder() const;
   /// True for a network path ("\\...") or a drive path ("x:\..."); elsewhere than on Windows also for "/...".
   bool IsRooted(const QString& path) const;
   /// This process's command line as the texts that are opened one by one. Windows: the raw text after the program name

@@ -8,6 +8,8 @@ namespace tme {
 
 using namespace Qt::StringLiterals;
 
+QString ShellUtilities::LastResortFolder() const { return QDir::homePath(); }
+
 QString ShellUtilities::WindowsDirectory() const {
   const QString prefix = qEnvironmentVariable("WINEPREFIX");
   const QString folder = (prefix.isEmpty() ? QDir::homePath() + "/.wine"_L1 : prefix) + "/drive_c/windows"_L1;

@@ -1,5 +1,7 @@
 #include "shell/DisplayText.h"
 
+#include <QLocale>
+
 namespace tme {
 
 QString DisplayText(std::string_view text, qsizetype max_characters) {
@@ -13,6 +15,10 @@ QString DisplayText(std::string_view text, qsizetype max_characters) {
   for (QChar& character : shown)
     if (character < u' ' && character != u'\t') character = QChar(0x2400 + character.unicode());
   return shown;
+}
+
+QString Counted(std::uint64_t count, const QString& one, const QString& many) {
+  return count == 1 ? one : many.arg(QLocale().toString(static_cast<qulonglong>(count)));
 }
 
 QString TrimBlanks(const QString& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 #include <string_view>
 
 namespace tme {
@@ -16,6 +17,9 @@ inline constexpr qsizetype kMaxCharactersInMessage = 250;
 inline QString TextOf(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
+
+/// "1 line", or "%1 lines" with the count as the locale writes it.
+QString Counted(std::uint64_t count, const QString& one, const QString& many);
 
 /// Without blanks at both ends; a tab is not a blank.
 QString TrimBlanks(const QString& text);

@@ -113,13 +113,17 @@ QString DocumentWindow::AskForSavePath(const QString& title, const QString& filt
   }
 }
 
-bool DocumentWindow::ConfirmClose(const std::function<bool()>& save) {
+bool DocumentWindow::ConfirmClose(const std::function<SaveOutcome()>& save,
+                                  const std::function<SaveOutcome()>& save_elsewhere) {
   if (!Slot().changed) return true;
   const QString question = u"Save this file?\r"_s + Slot().path;
   switch (global_.dialogs.MsgBox(question, MsgButtons::YesNoCancel, MsgIcon::Question, u"Document Changed"_s)) {
-    case MsgAnswer::Yes:
-      if (!save()) return false;
+    case MsgAnswer::Yes: {
+      SaveOutcome outcome = save();
+      while (outcome == SaveOutcome::Failed && global_.frame->IsLeaving()) outcome = save_elsewhere();
+      if (outcome == SaveOutcome::Failed) return false;
       break;
+    }
     case MsgAnswer::No:
       break;
     default:

@@ -38,6 +38,7 @@ class DocumentWindow : public QWidget {
 
   /// The window became the active one: the shell's commands go to it from now on.
   void Form_Activate();
+  void ShowWriteFailure(const QString& path, const FileFailure& failure);
 
   /// Closes the window for the shutdown, with its question about unsaved changes.
   Q_INVOKABLE virtual void ExitForm() = 0;
@@ -68,13 +69,14 @@ class DocumentWindow : public QWidget {
   void AddEncodingNotice(TextEncoding before, TextEncoding after);
   /// The message about a file that could not be read or written.
   void ShowReadFailure(const QString& path, const FileFailure& failure);
-  void ShowWriteFailure(const QString& path, const FileFailure& failure);
   /// The save dialog with its question about an existing file; the path that the user chose, empty when cancelled.
   QString AskForSavePath(const QString& title, const QString& filter, const QString& default_ext);
 
-  /// "Save this file?" when the document is changed; false for Cancel. `save` runs on Yes and says whether the close
-  /// may go on: it may after a cancelled save dialog (intended; the changes are dropped), not after a failed write.
-  bool ConfirmClose(const std::function<bool()>& save);
+  enum class SaveOutcome { Saved, Cancelled, Failed };
+  /// "Save this file?" when the document is changed; false keeps the window: the answer was Cancel, or the write
+  /// failed. A cancelled save dialog does not (intended; the changes are dropped). While the program is being left,
+  /// which a failure cannot stop, a failed write is followed by `save_elsewhere` until it succeeds or is cancelled.
+  bool ConfirmClose(const std::function<SaveOutcome()>& save, const std::function<SaveOutcome()>& save_elsewhere);
 
   void closeEvent(QCloseEvent* event) override;
   /// Asks what must be asked and drops the document; false keeps the window open.

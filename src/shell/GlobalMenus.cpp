@@ -46,7 +46,7 @@ constexpr std::array kRows{
     Row{"global_FileNew", "global_FileNewINI", "&INI File", kAlways, nullptr, "ini-file", "Ctrl+N"},
     Row{"global_FileNew", "global_FileNewTXT", "Te&xt File", kAlways, nullptr},
     Row{"global_FileNew", "global_FileNewRTF", "&RTF File", kAlways, nullptr},
-    Row{"global_FileNew", "global_FileNewREG", "Re&gistry File", kAlways, nullptr},
+    Row{"global_FileNew", "global_FileNewREG", "Re&gistry File", kAlways, nullptr, "reg-file"},
     Row{"md_Menu_File", "global_FileOpen", "&Open", kAlways, nullptr, "file-open", "Ctrl+O"},
     Separator("md_Menu_File"),
     Row{"md_Menu_File", "menu_FileSave", "&Save", kIni | kPads, "SaveFile", "file-save", "Ctrl+S"},
@@ -60,7 +60,7 @@ constexpr std::array kRows{
     Row{"menu_FileRegSaveAs", "menu_FileSaveAsExpanded", "&Expanded", kReg, "FileSaveAsExpanded"},
     Row{"md_Menu_File", "menu_FileSaveAll", "Save A&ll", kDocuments, nullptr},
     Separator("md_Menu_File"),
-    Row{"md_Menu_File", "menu_FileClose", "&Close File", kDocuments, "FileClose", "file-close"},
+    Row{"md_Menu_File", "menu_FileClose", "&Close File", kDocuments, "FileClose", "file-close", "Ctrl+F4; Ctrl+W"},
     Row{"md_Menu_File", "menu_FileCloseAll", "C&lose All Files", kDocuments, nullptr},
     Separator("md_Menu_File"),
     Row{"md_Menu_File", "menu_FilePrint", "&Print", kDocuments, nullptr, "print", "Ctrl+P"},
@@ -102,14 +102,14 @@ constexpr std::array kRows{
     Row{"menu_EditSections", "menu_SectionsDelete", "&Delete Sections", kIni, "DeleteSection", "delete-section"},
 
     OpenMenu("", "menu_EditReg", "&Edit"),
-    Row{"menu_EditReg", "menu_EditModify", "&Modify", kReg, "EditModify"},
+    Row{"menu_EditReg", "menu_EditModify", "&Modify", kReg, "EditModify", "edit-entry"},
     OpenMenu("menu_EditReg", "menu_EditNew", "&New"),
-    Row{"menu_EditNew", "menu_EditNewKey", "&Key", kReg, "EditNewKey"},
-    Row{"menu_EditNew", "menu_EditNewString", "&String Value", kReg, "EditNewString"},
-    Row{"menu_EditNew", "Menu_EditNewDword", "&DWORD Value", kReg, "EditNewDword"},
-    Row{"menu_EditNew", "menu_EditNewBinary", "&Binary Value", kReg, "EditNewBinary"},
+    Row{"menu_EditNew", "menu_EditNewKey", "&Key", kReg, "EditNewKey", "key"},
+    Row{"menu_EditNew", "menu_EditNewString", "&String Value", kReg, "EditNewString", "value-string"},
+    Row{"menu_EditNew", "Menu_EditNewDword", "&DWORD Value", kReg, "EditNewDword", "value-dword"},
+    Row{"menu_EditNew", "menu_EditNewBinary", "&Binary Value", kReg, "EditNewBinary", "value-hex"},
     Row{"menu_EditReg", "menu_EditDelete", "Delete", kReg, "EditDelete", "edit-delete", "Del"},
-    Row{"menu_EditReg", "menu_EditRename", "&Rename", kReg, "EditRename", nullptr, "F2"},
+    Row{"menu_EditReg", "menu_EditRename", "&Rename", kReg, "EditRename", "rename", "F2"},
 
     OpenMenu("", "menu_Search", "&Search"),
     Row{"menu_Search", "menu_SearchFind", "&Find", kPads, "SearchFind", nullptr, "Ctrl+F"},
@@ -169,7 +169,7 @@ GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(
     action->setObjectName(name);
     if (!row.caption) action->setSeparator(true);
     if (row.icon) action->setIcon(QIcon(u":/icons/"_s + QLatin1StringView(row.icon) + u".svg"_s));
-    if (row.shortcut) action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+    if (row.shortcut) action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.shortcut)));
     if (!name.isEmpty()) actions_.insert(name, action);
     connect(action, &QAction::triggered, this, [this, index] { Choose(index); });
   }

@@ -44,8 +44,8 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this))
 }
 
 void NoticeBar::Add(const QString& sentence) {
-  if (sentence.isEmpty()) return;
   const QString text = Text();
+  if (sentence.isEmpty() || text.contains(sentence)) return;
   label_->setText(text.isEmpty() ? sentence : text + u' ' + sentence);
   label_->setAccessibleName(label_->text());
   show();

@@ -14,7 +14,8 @@ class NoticeBar : public QFrame {
  public:
   explicit NoticeBar(QWidget* parent);
 
-  /// Adds a sentence to what stands there and shows the bar. An empty one is ignored.
+  /// Adds a sentence to what stands there and shows the bar. An empty one is ignored, and one that stands there
+  /// already.
   void Add(const QString& sentence);
   void Clear();
   QString Text() const;

@@ -50,7 +50,7 @@ void ReceiveCommandLine(Global& global, const CopyData& record) {
   if (record.dwData != kCommandLineData) return;
   const QByteArray& text = record.data;
   OpenPathList(global, QString::fromUtf8(text.first(std::find(text.begin(), text.end(), 0) - text.begin())));
-  global.frame->ArrangeWindows(0);
+  global.frame->CascadeAfterOpening();
   global.frame->ComeToFront();
 }
 

@@ -69,7 +69,7 @@ QString InitialOpenFolder(const Global& global) {
   for (const QString& folder :
        {global.registry.ReadValue(SettingsRoot, u"Last Open"_s), PersonalFolder(global.registry)})
     if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
-  return QDir::toNativeSeparators(QDir::rootPath());
+  return global.shell_utilities.LastResortFolder();
 }
 
 }  // namespace
@@ -110,7 +110,7 @@ void OpenPathList(Global& global, const QString& text) {
     // A name without a drive or a root is taken for rich text whatever its ending; intended.
     const bool rooted = global.shell_utilities.IsRooted(path);
     OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
-    global.frame->ArrangeWindows(0);
+    global.frame->CascadeAfterOpening();
   }
 }
 
@@ -134,7 +134,7 @@ void OpenFileDialog(Global& global) {
     // Each as a text of its own, so that blanks in a path do not split it.
     for (const QString& path : paths) OpenPathList(global, path);
   }
-  global.frame->ArrangeWindows(0);
+  global.frame->CascadeAfterOpening();
 }
 
 void NewDocument(Global& global, SlotCode code) {

@@ -10,6 +10,7 @@
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
+#include "reg/form_REG.h"
 #include "shell/Global.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/mdform_TMEditor.h"
@@ -30,6 +31,8 @@ DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
   switch (kind) {
     case DocumentKind::Ini:
       return new form_INI(global, slot);
+    case DocumentKind::Reg:
+      return new form_REG(global, slot);
     default:
       return nullptr;
   }
@@ -38,7 +41,7 @@ DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
 int HandOver(const QStringList& texts) {
   for (const QString& text : texts) {
     if (SendCommandLine(text)) continue;
-    std::fputs("tme: the running instance does not answer; nothing was opened\n", stderr);
+    std::fputs("tme: the running instance does not answer\n", stderr);
     return 1;
   }
   return 0;
@@ -69,7 +72,9 @@ int Main(int argc, char** argv) {
   InstanceLink link;
   if (!link.ClaimOnlyInstance()) {
     const QCoreApplication application(argc, argv);
-    return HandOver(ShellUtilities().CommandLineTexts());
+    const int status = HandOver(ShellUtilities().CommandLineTexts());
+    // The one that did not answer may have been leaving.
+    if (status == 0 || !link.ClaimOnlyInstance()) return status;
   }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

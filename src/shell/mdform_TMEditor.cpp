@@ -10,8 +10,10 @@
 #include <QPrinter>
 #include <QScreen>
 #include <QStyle>
+#include <QTemporaryDir>
 
 #include "platform/CommonDialog.h"
+#include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
@@ -115,13 +117,15 @@ void mdform_TMEditor::ApplyStoredPlacement() {
     if (twips) place(TwipsToPixels(*twips, logicalDpiX()));
     return twips.has_value();
   };
-  const QPoint start = pos();
-  static_cast<void>(apply(top, [this](int pixels) { move(x(), pixels); }) &&
-                    apply(left, [this](int pixels) { move(pixels, y()); }) &&
-                    apply(width, [this](int pixels) { resize(std::max(pixels, 0), this->height()); }) &&
-                    apply(height, [this](int pixels) { resize(this->width(), std::max(pixels, 0)); }));
+  QRect placement(pos(), QMainWindow::size());
+  static_cast<void>(apply(top, [&](int pixels) { placement.moveTop(pixels); }) &&
+                    apply(left, [&](int pixels) { placement.moveLeft(pixels); }) &&
+                    apply(width, [&](int pixels) { placement.setWidth(std::max(pixels, 0)); }) &&
+                    apply(height, [&](int pixels) { placement.setHeight(std::max(pixels, 0)); }));
+  // The position comes last: a size given after it would make it the position of the client area.
+  resize(placement.size().boundedTo(screen()->availableSize()));
   // A screen that is gone must not take the frame with it.
-  if (!QGuiApplication::screenAt(geometry().center())) move(start);
+  if (QGuiApplication::screenAt(placement.center())) move(placement.topLeft());
 }
 
 void mdform_TMEditor::WriteGeometry() {
@@ -185,6 +189,7 @@ void mdform_TMEditor::ExitApplication() {
   if (geometry_timer_.isActive()) WriteGeometry();
   UnhookFrameWindow(global_);
   global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  global_.instance_link.GiveUpClaim();
   setWindowTitle(tr("Exiting - Please Wait"));
   const auto release = [](DocumentSlot& slot) {
     QWidget* sub_window = slot.window->SubWindow();
@@ -252,12 +257,24 @@ void mdform_TMEditor::ArrangeWindows(int arrangement) {
   area_->setActiveSubWindow(active);
 }
 
+void mdform_TMEditor::CascadeAfterOpening() {
+  if (!isVisible()) {
+    cascade_when_shown_ = true;
+    return;
+  }
+  ArrangeWindows(0);
+  QMdiSubWindow* active = area_->activeSubWindow();
+  if (global_.settings.start_editors_max && active && !active->isHidden()) active->showMaximized();
+}
+
 void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
   QMdiSubWindow* sub_window = window->SubWindow();
   if (!sub_window) {
     sub_window = area_->addSubWindow(window);
     sub_window->setAttribute(Qt::WA_DeleteOnClose, false);
     sub_window->setObjectName(window->objectName() + u"_child"_s);
+    // The File menu holds the keys for closing.
+    for (QAction* action : sub_window->systemMenu()->actions()) action->setShortcuts({});
   }
   // The next place of the cascade; the area's own choice may lie out of sight.
   const auto place = static_cast<int>((ShownChildren(false) + ShownChildren(true)).size());
@@ -313,7 +330,19 @@ void mdform_TMEditor::PrintActiveDocument() {
   CommonDialog& dialog = global_.common_dialog;
   dialog.flags = CommonDialog::kNoPageNumbers | CommonDialog::kReturnDc;
   const std::unique_ptr<QPrinter> printer = dialog.ShowPrinter();
-  if (printer) QMetaObject::invokeMethod(active_document_, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
+  if (!printer) return;
+  // A file is printed aside and then written like any other, whole or not at all: the print engine tells of no failure.
+  const QString target = printer->outputFileName();
+  const QTemporaryDir aside;
+  const QString printed = aside.filePath(u"print"_s);
+  if (!target.isEmpty()) printer->setOutputFileName(printed);
+  QMetaObject::invokeMethod(active_document_, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
+  if (target.isEmpty()) return;
+  std::string bytes;
+  std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);
+  if (!failure && bytes.rfind("%%EOF") == std::string::npos) failure = FileFailure{"The pages could not be prepared"};
+  if (!failure) failure = WriteFileBytes(FilePath(target), bytes);
+  if (failure) active_document_->ShowWriteFailure(target, *failure);
 }
 
 void mdform_TMEditor::PopUpEditMenu(const QPoint& global_position) {
@@ -337,6 +366,11 @@ void mdform_TMEditor::resizeEvent(QResizeEvent* event) {
   if (isVisible() && !leaving_) geometry_timer_.start();
 }
 
+void mdform_TMEditor::moveEvent(QMoveEvent* event) {
+  QMainWindow::moveEvent(event);
+  if (isVisible() && !leaving_) geometry_timer_.start();
+}
+
 void mdform_TMEditor::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange && isVisible() && !leaving_) geometry_timer_.start();
@@ -344,9 +378,7 @@ void mdform_TMEditor::changeEvent(QEvent* event) {
 
 void mdform_TMEditor::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
-  // Documents of the command line were opened before the frame had its real size.
-  if (!event->spontaneous() && !ShownChildren(false).isEmpty() && !global_.settings.start_editors_max)
-    QTimer::singleShot(0, this, [this] { ArrangeWindows(0); });
+  if (std::exchange(cascade_when_shown_, false)) QTimer::singleShot(0, this, &mdform_TMEditor::CascadeAfterOpening);
 }
 
 }  // namespace tme

@@ -43,6 +43,10 @@ class mdform_TMEditor : public QMainWindow {
 
   /// 0 cascade, 1 tile horizontally, 2 tile vertically, 3 arrange icons; anything else does nothing.
   void ArrangeWindows(int arrangement);
+  /// Cascades after files were opened; where the editors start maximised, the active one is maximised again.
+  void CascadeAfterOpening();
+  /// True while the program is being left.
+  bool IsLeaving() const { return leaving_; }
   /// Shows a document window as the active child.
   void ShowDocument(DocumentWindow* window);
   /// A window let its document go: the menus follow what is active now.
@@ -55,6 +59,7 @@ class mdform_TMEditor : public QMainWindow {
   /// MDIForm_QueryUnload: leaving by the frame's own close button.
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void changeEvent(QEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
@@ -80,6 +85,8 @@ class mdform_TMEditor : public QMainWindow {
   /// Resize events come in bursts, and before the window knows whether it is maximised.
   QTimer geometry_timer_;
   bool leaving_ = false;
+  /// Files were opened before the frame had its real size.
+  bool cascade_when_shown_ = false;
 };
 
 }  // namespace tme

@@ -1,0 +1,47 @@
+#include "shell/DocumentTreeView.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+
+namespace tme {
+
+DocumentTreeView::DocumentTreeView(QWidget* parent) : QTreeView(parent) {
+  setObjectName(QStringLiteral("TV"));
+  setHeaderHidden(true);
+  setUniformRowHeights(true);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setContextMenuPolicy(Qt::CustomContextMenu);
+  // The width of what is in sight, so that a million rows cost no more than thirty.
+  header()->setStretchLastSection(false);
+  header()->setResizeContentsPrecision(0);
+  header()->setMinimumSectionSize(0);
+  connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &DocumentTreeView::FitColumn);
+}
+
+void DocumentTreeView::reset() {
+  QTreeView::reset();
+  if (model()) header()->resizeSection(0, viewport()->width());
+}
+
+void DocumentTreeView::resizeEvent(QResizeEvent* event) {
+  QTreeView::resizeEvent(event);
+  FitColumn();
+}
+
+void DocumentTreeView::updateGeometries() {
+  QTreeView::updateGeometries();
+  FitColumn();
+}
+
+QItemSelectionModel::SelectionFlags DocumentTreeView::selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const {
+  return index.isValid() ? QTreeView::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;
+}
+
+void DocumentTreeView::FitColumn() {
+  if (!model() || !isVisible()) return;
+  const int width = std::max({header()->sectionSize(0), sizeHintForColumn(0), viewport()->width()});
+  if (width != header()->sectionSize(0)) header()->resizeSection(0, width);
+}
+
+}  // namespace tme

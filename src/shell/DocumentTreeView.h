@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QTreeView>
+
+namespace tme {
+
+/// A tree view as the document windows use it: one column, no header, nothing edited in place, and no work per node
+/// that is out of sight. The column is as wide as the view, and as what is or was in sight.
+class DocumentTreeView : public QTreeView {
+  Q_OBJECT
+
+ public:
+  explicit DocumentTreeView(QWidget* parent);
+  void reset() override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void updateGeometries() override;
+  /// A click beside the rows leaves the selection alone, since commands go by it.
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
+
+ private:
+  void FitColumn();
+};
+
+}  // namespace tme
