@@ -1,9 +1,9 @@
 #include "IniInput.h"
 
 #include <array>
-#include <cstdint>
-#include <random>
 #include <string_view>
+
+#include "Shuffle.h"
 
 namespace tme {
 
@@ -18,19 +18,6 @@ constexpr std::array<std::string_view, 16> kAspects = {"Size",   "Name",  "Path"
 constexpr std::array<std::string_view, 8> kValues = {
     "1",  "C:\\WINDOWS\\SYSTEM\\vga.drv", "255 255 255", "MS Sans Serif,8",
     "no", "D:\\DATA\\letter.doc",         "0x0000A000",  "Generic / Text Only on LPT1"};
-
-/// std::mt19937 gives the same numbers everywhere; the standard distributions do not.
-class Shuffle {
- public:
-  template <typename Words>
-  std::string_view Pick(const Words& words) {
-    return words[random_() % words.size()];
-  }
-  std::string Number(std::uint32_t below) { return std::to_string(random_() % below); }
-
- private:
-  std::mt19937 random_{2024};
-};
 
 }  // namespace
 

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "IniInput.h"
+#include "ResidentMemory.h"
 #include "ini/IniReader.h"
 #include "ini/IniTree.h"
 #include "ini/IniWriter.h"
@@ -41,15 +41,6 @@ void ReadInto(IniTree& tree, std::string bytes) {
   IniReader::Read(tree, DecodeText(std::move(bytes)).text, ask);
 }
 
-/// Pages of 4096 bytes; 0 where the system does not say.
-std::size_t ResidentPages() {
-  std::ifstream statm("/proc/self/statm");
-  std::size_t size = 0;
-  std::size_t resident = 0;
-  statm >> size >> resident;
-  return resident;
-}
-
 void SetBytes(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(Input().size()));
 }
@@ -58,10 +49,10 @@ void SetBytes(benchmark::State& state) {
 void BM_IniDocumentMemory(benchmark::State& state) {
   Input();
   for (auto _ : state) {
-    const std::size_t before = ResidentPages();
+    const std::size_t before = ResidentBytes();
     IniTree tree;
     ReadInto(tree, Input());
-    const double growth = static_cast<double>(ResidentPages() - before) * 4096;
+    const auto growth = static_cast<double>(ResidentBytes() - before);
     state.counters["memory/file"] = growth / static_cast<double>(Input().size());
   }
 }

@@ -1,0 +1,147 @@
+// Run with --benchmark_repetitions=9 --benchmark_report_aggregates_only=true and compare the medians of one run:
+// reading is to stay within five times BM_GrepCount, saving within reading.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "RegInput.h"
+#include "ResidentMemory.h"
+#include "platform/TextFile.h"
+#include "reg/RegDocument.h"
+#include "reg/RegReader.h"
+#include "reg/RegWriter.h"
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kKeys = 100'000;
+constexpr std::size_t kValuesPerKey = 10;
+
+const std::string& Input() {
+  static const std::string input = MakeRegInput(kKeys, kValuesPerKey);
+  return input;
+}
+
+void ReadInto(RegDocument& document, std::string bytes) {
+  const auto yes = [] { return true; };
+  RegReader::Read(document, DecodeText(std::move(bytes)).text,
+                  {.wrong_header = yes, .large_file = yes, .progress = {}});
+}
+
+void SetBytes(benchmark::State& state) {
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(Input().size()));
+}
+
+/// First, while no memory lies ready from before: what a document keeps, the file's own bytes included.
+void BM_RegDocumentMemory(benchmark::State& state) {
+  Input();
+  for (auto _ : state) {
+    const std::size_t before = ResidentBytes();
+    RegDocument document;
+    ReadInto(document, Input());
+    const auto growth = static_cast<double>(ResidentBytes() - before);
+    state.counters["memory/file"] = growth / static_cast<double>(Input().size());
+    state.counters["nodes"] = static_cast<double>(document.NodeCount());
+    state.counters["values"] = static_cast<double>(document.Values().size());
+  }
+}
+BENCHMARK(BM_RegDocumentMemory)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond);
+
+/// The yardstick: another program that looks at every byte of the same file.
+void BM_GrepCount(benchmark::State& state) {
+  const std::filesystem::path path = std::filesystem::temp_directory_path() / "tme_reg_bench.reg";
+  std::ofstream(path, std::ios::binary) << Input();
+  const std::string command = "grep -c = '" + path.string() + "' | cat >/dev/null";
+  for (auto _ : state) {
+    if (std::system(command.c_str()) != 0) state.SkipWithError("no grep");
+  }
+  std::filesystem::remove(path);
+}
+BENCHMARK(BM_GrepCount)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// Opening moves the bytes in, and closing is another benchmark: neither is timed.
+void BM_RegDocumentFromBytes(benchmark::State& state) {
+  std::optional<RegDocument> document;
+  for (auto _ : state) {
+    state.PauseTiming();
+    document.reset();
+    std::string bytes = Input();
+    state.ResumeTiming();
+    document.emplace();
+    ReadInto(*document, std::move(bytes));
+  }
+  SetBytes(state);
+}
+BENCHMARK(BM_RegDocumentFromBytes)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void BM_RegDocumentClose(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::optional<RegDocument> document(std::in_place);
+    ReadInto(*document, Input());
+    state.ResumeTiming();
+    document.reset();
+  }
+}
+BENCHMARK(BM_RegDocumentClose)->Unit(benchmark::kMillisecond);
+
+void Write(benchmark::State& state, RegLayout layout) {
+  RegDocument document;
+  ReadInto(document, Input());
+  std::size_t written = 0;
+  for (auto _ : state) {
+    WriteReg(document, layout, [&written](std::string_view part) {
+      written += part.size();
+      benchmark::DoNotOptimize(part.data());
+      return true;
+    });
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(written));
+}
+void BM_RegWriteRegular(benchmark::State& state) { Write(state, RegLayout::Regular); }
+void BM_RegWriteExpanded(benchmark::State& state) { Write(state, RegLayout::Expanded); }
+BENCHMARK(BM_RegWriteRegular)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RegWriteExpanded)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void BM_RegOutputBytes(benchmark::State& state) {
+  RegDocument document;
+  ReadInto(document, Input());
+  for (auto _ : state) benchmark::DoNotOptimize(RegOutputBytes(document, RegLayout::Expanded));
+}
+BENCHMARK(BM_RegOutputBytes)->Unit(benchmark::kMillisecond);
+
+/// What opening asks for the notices.
+void BM_RegNoticeCounts(benchmark::State& state) {
+  RegDocument document;
+  ReadInto(document, Input());
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(document.KeysSharingAName());
+    benchmark::DoNotOptimize(document.UnsavedValues());
+  }
+}
+BENCHMARK(BM_RegNoticeCounts)->Unit(benchmark::kMillisecond);
+
+/// One key after another over the whole table. 1: after an edit that made two siblings equal, so that paths no longer
+/// tell nodes apart.
+void BM_RegSelectKey(benchmark::State& state) {
+  RegDocument document;
+  ReadInto(document, Input());
+  if (state.range(0) == 1) document.AddBranch(document.Root()->Child(0), document.Root()->Child(0)->Child(0)->Text());
+  std::size_t record = 0;
+  for (auto _ : state) {
+    record = (record + 7919) % document.Values().size();
+    benchmark::DoNotOptimize(document.ValuesOfPath(document.Values()[record].owner));
+  }
+}
+BENCHMARK(BM_RegSelectKey)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tme
+
+BENCHMARK_MAIN();

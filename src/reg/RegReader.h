@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Lines.h"
+
+namespace tme {
+
+class RegDocument;
+class RegNode;
+
+/// Where a read stands.
+struct RegProgress {
+  enum class Phase : std::uint8_t { Counting, Importing };
+  Phase phase = Phase::Counting;
+  /// Lines after the first one: counted so far, or imported so far.
+  std::uint64_t lines = 0;
+  /// Importing: lines counted before.
+  std::uint64_t total = 0;
+  /// Stage within the current line, 1 to 7.
+  int stage = 0;
+};
+
+struct RegQuestions {
+  /// The first line is not exactly "REGEDIT4": true reads on.
+  std::function<bool()> wrong_header;
+  /// There are 500 lines after the first: true reads on.
+  std::function<bool()> large_file;
+  /// Called every few thousand lines at most; may be empty. Must not touch the document.
+  std::function<void(const RegProgress&)> progress;
+};
+
+/// Bytes. A long key before many failed lines would fill the memory.
+inline constexpr std::size_t kMaxErrorLog = std::size_t{1} << 26;
+
+enum class RegReadEnd : std::uint8_t {
+  EndOfInput,
+  HeaderRefused,
+  LargeFileRefused,
+  /// A key line of no known hive ended the import at once; intended.
+  UnknownHive,
+};
+
+struct RegReadResult {
+  RegReadEnd end = RegReadEnd::EndOfInput;
+  /// Lines after the first one.
+  std::uint64_t line_count = 0;
+  /// UnknownHive: 1-based number of the line that ended it.
+  std::uint64_t ended_at_line = 0;
+  /// Failed lines as the error log wants them: the current key's text, ": ", the line, a bare CR each. Empty after
+  /// UnknownHive: nothing is logged then; intended. No entry is added beyond kMaxErrorLog.
+  std::string error_log = {};
+
+  // Lines that were not taken, by reason. Blank lines do not count.
+  std::uint64_t failed_lines = 0;
+  std::uint64_t comment_lines = 0;
+  /// Values like hex(2): are taken as strings that hold only their first line; these are the lines that follow, and how
+  /// many such values there are.
+  std::uint64_t typed_hex_values = 0;
+  std::uint64_t typed_hex_lines = 0;
+  /// UnknownHive: the line that ended it and all after it.
+  std::uint64_t after_unknown_hive = 0;
+  /// The last line of a file is never processed; 1 when it held something.
+  std::uint64_t unfinished_last_line = 0;
+  /// Anything else: lines before the first key (but not the first line, which was asked about), lines that are no
+  /// value.
+  std::uint64_t other_lines = 0;
+};
+
+/// Fills a fresh document from the text of a registry export file.
+class RegReader {
+ public:
+  /// text: UTF-8, taken over by the document, and changed where lines of one value are joined. Lines may end in CR LF,
+  /// LF or CR. Linear. The root is selected afterwards.
+  static RegReadResult Read(RegDocument& document, std::string text, const RegQuestions& ask);
+
+ private:
+  /// Where a level of the last key's path ends, and its node.
+  struct Level {
+    std::size_t end;
+    RegNode* node;
+  };
+
+  RegReader(RegDocument& document, std::string& text, const RegQuestions& ask, RegReadResult& result);
+
+  static bool MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result);
+  static bool CountLines(const std::string& text, const RegQuestions& ask, RegReadResult& result);
+
+  void Import();
+  bool NextLine(std::string_view& line);
+  bool FindFirstKey(std::string_view& line);
+  bool TakeKeyLine(std::string_view line);
+  bool TakeBareHive(std::string_view path);
+  void SelectKey(std::string_view path);
+  RegNode* FindOrAdd(RegNode* parent, std::string_view text);
+  void TakeValueLine(std::string_view line);
+  bool JoinHexLines(std::string_view& data);
+  void PassOver(std::string_view line);
+  void LogFailure(std::string_view line);
+  void EndAtUnknownHive();
+
+  RegDocument& document_;
+  const RegQuestions& ask_;
+  RegReadResult& result_;
+  /// In memory of the document; lines behind the current one may change.
+  char* text_;
+  Lines lines_;
+  RegProgress progress_;
+  /// What the next value belongs to.
+  RegNode* current_;
+  /// The key line that came last, and its levels from the hive on: most keys share their beginning with it.
+  std::string_view path_;
+  std::vector<Level> levels_;
+  /// The line before was part of a typed hex value that goes on.
+  bool in_typed_hex_ = false;
+};
+
+}  // namespace tme

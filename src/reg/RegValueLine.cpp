@@ -1,0 +1,91 @@
+#include "reg/RegValueLine.h"
+
+#include <string>
+
+#include "base/TextStore.h"
+#include "base/Utf8.h"
+
+namespace tme {
+
+namespace {
+
+constexpr std::string_view kDefaultName = "[default]";
+constexpr std::string_view kDword = "=dword:";
+constexpr std::string_view kHex = "=hex:";
+constexpr std::string_view kTypedHex = "hex(";
+
+std::string_view WithoutLast(std::string_view text) {
+  text.remove_suffix(utf8::LastCharacterBytes(text));
+  return text;
+}
+
+/// Takes the first and last character off, whatever the last one is. False when they are the same.
+bool TakeOffQuotes(std::string_view& text) {
+  if (text.size() == 1) return false;
+  text = WithoutLast(text.substr(1));
+  return true;
+}
+
+std::string_view WithoutFirst(std::string_view text, std::size_t characters) {
+  if (utf8::AsciiRun(text.substr(0, characters)) == characters) return text.substr(characters);
+  for (; characters > 0 && !text.empty(); --characters) {
+    if (!utf8::TakeCharacter(text, utf8::Surrogates::Accept)) text.remove_prefix(1);
+  }
+  return text;
+}
+
+/// The type is looked for in the whole line, a double word first: it may well stand in a name or a string. Intended.
+RegType TypeOf(std::string_view line, std::size_t equals) {
+  const std::string_view rest = line.substr(equals);
+  if (rest.starts_with(kDword)) return RegType::Dword;
+  const bool is_hex = rest.starts_with(kHex);
+  if (rest.find('=', 1) == std::string_view::npos) return is_hex ? RegType::Hex : RegType::String;
+  if (rest.find(kDword) != std::string_view::npos) return RegType::Dword;
+  return is_hex || rest.find(kHex) != std::string_view::npos ? RegType::Hex : RegType::String;
+}
+
+/// equals: of the first "=". data: from there on; counted from the length of the name, so a name that lost its own
+/// quotes shifts it two characters back. Intended.
+bool TakeData(std::string_view line, std::size_t equals, std::size_t data, RegValueLine& value) {
+  value.type = TypeOf(line, equals);
+  value.data = line.substr(data);
+  value.typed_hex = false;
+  switch (value.type) {
+    case RegType::Dword:
+      value.data = WithoutFirst(value.data, kDword.size() - 1);
+      break;
+    case RegType::Hex:
+      value.data = WithoutFirst(value.data, kHex.size() - 1);
+      break;
+    case RegType::None:
+    case RegType::String:
+      if (value.data.starts_with('"')) return TakeOffQuotes(value.data);
+      value.typed_hex = value.data.starts_with(kTypedHex);
+      break;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool ParseValueLine(std::string_view line, RegValueLine& value) {
+  const std::size_t equals = line.find('=', 1);
+  if (equals == std::string_view::npos || equals == 1) return false;
+  // One character is passed over before "=", whether it is a quote or not.
+  const std::string_view before_quote = WithoutLast(line.substr(0, equals));
+  value.name = before_quote.substr(1);
+  if (!value.name.starts_with('"')) return TakeData(line, equals, equals + 1, value);
+  return TakeOffQuotes(value.name) && TakeData(line, equals, before_quote.size(), value);
+}
+
+bool ParseDefaultLine(std::string_view line, TextStore& texts, RegValueLine& value) {
+  const std::size_t equals = line.find('=', 1);
+  if (equals == std::string_view::npos) return false;
+  value.name = kDefaultName;
+  if (equals > 1) {
+    value.name = texts.Copy(std::string(kDefaultName).append("\"").append(WithoutLast(line.substr(1, equals - 1))));
+  }
+  return TakeData(line, equals, equals + 1, value);
+}
+
+}  // namespace tme

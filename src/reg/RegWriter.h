@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+namespace tme {
+
+class RegDocument;
+
+/// Regular writes the keys with values, expanded every branch.
+enum class RegLayout : std::uint8_t { Regular, Expanded };
+
+/// Takes a part of the output (whole lines); false stops the writer.
+using RegSink = std::function<bool(std::string_view)>;
+
+/// The document as REGEDIT4 text in UTF-8, CR LF, in parts of about 64 KB. Values go under every key of their owner's
+/// last component; intended. False when the sink stopped it. No recursion; memory for an index of the values only.
+bool WriteReg(const RegDocument& document, RegLayout layout, const RegSink& sink);
+
+/// Bytes that WriteReg would give, without writing them.
+std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout);
+
+/// Larger results than this many times RegDocument::ContentBytes are not written.
+inline constexpr std::uint64_t kMaxRegGrowth = 100;
+
+}  // namespace tme

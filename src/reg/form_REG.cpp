@@ -1,0 +1,437 @@
+#include "reg/form_REG.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTextEdit>
+#include <array>
+
+#include "platform/Dialogs.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "platform/Twips.h"
+#include "reg/RegKeyModel.h"
+#include "reg/RegNotice.h"
+#include "reg/RegValueModel.h"
+#include "reg/RegWriter.h"
+#include "shell/DocumentTreeView.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/Hourglass.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kRepaintsMs = 33;  // about 30 a second
+constexpr int kStages = 7;
+constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
+/// Twips, where the settings have none.
+constexpr std::array kColumnWidths{2700, 1100, 4500};
+constexpr const char* kErrorLogName = "REG_ERR.TME";
+constexpr const char* kPrintFileName = "~REGPRNT.TMP";
+
+/// The program's own folder, or where a file goes when that cannot be written.
+QStringList OwnFolders(const ShellUtilities& utilities) {
+  return {utilities.ProgramFolder(), utilities.UserDataFolder()};
+}
+
+QString InFolder(const QString& folder, const char* name) {
+  return QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
+}
+
+}  // namespace
+
+form_REG::form_REG(Global& global, int slot) : DocumentWindow(global, DocumentKind::Reg, slot) {}
+
+form_REG::~form_REG() = default;
+
+void form_REG::BuildControls(QWidget& client) {
+  setWindowIcon(QIcon(u":/icons/reg-file.svg"_s));
+  keys_ = std::make_unique<RegKeyModel>(document_);
+  values_ = std::make_unique<RegValueModel>(document_);
+
+  auto* column = new QVBoxLayout(&client);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* splitter = new QSplitter(&client);
+  splitter->setObjectName(u"splitter"_s);
+  splitter->setAccessibleName(tr("Divider between keys and values"));
+  splitter->setChildrenCollapsible(false);
+  BuildKeyTree(splitter);
+  BuildValueList(splitter);
+  splitter->setStretchFactor(0, 2);
+  splitter->setStretchFactor(1, 3);
+  column->addWidget(splitter, 1);
+
+  auto* status = new QHBoxLayout;
+  status->setContentsMargins(4, 0, 4, 2);
+  lbl_location = new QLabel(&client);
+  lbl_location->setObjectName(u"lbl_location"_s);
+  lbl_location->setAccessibleName(tr("Path of the selected key"));
+  lbl_location->setTextFormat(Qt::PlainText);
+  lbl_location->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  lbl_location->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  lbl_location->setMinimumHeight(lbl_location->fontMetrics().height());
+  status->addWidget(lbl_location, 1);
+  const auto make_bar = [&](const QString& name, const QString& accessible_name) {
+    auto* bar = new QProgressBar(&client);
+    bar->setObjectName(name);
+    bar->setAccessibleName(accessible_name);
+    bar->setTextVisible(false);
+    bar->hide();
+    status->addWidget(bar);
+    return bar;
+  };
+  PB = make_bar(u"PB"_s, tr("Lines read"));
+  PB2 = make_bar(u"PB2"_s, tr("Stage within the line"));
+  PB2->setMaximum(kStages);
+  column->addLayout(status);
+  setFocusProxy(TV);
+}
+
+void form_REG::BuildKeyTree(QWidget* parent) {
+  TV = new DocumentTreeView(parent);
+  TV->setAccessibleName(tr("Keys"));
+  TV->setModel(keys_.get());
+  TV->installEventFilter(this);
+  TV->viewport()->installEventFilter(this);
+  connect(keys_.get(), &QAbstractItemModel::modelReset, this, &form_REG::RestoreView);
+  connect(keys_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_REG::ShowSelection);
+  connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+    if (keys_->IsChanging() || !current.isValid()) return;
+    document_.Select(RegKeyModel::NodeOf(current));
+    ShowKey();
+  });
+  connect(TV, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+  auto* insert = new QShortcut(Qt::Key_Insert, TV);
+  insert->setContext(Qt::WidgetShortcut);
+  connect(insert, &QShortcut::activated, this, &form_REG::EditNewKey);
+}
+
+void form_REG::BuildValueList(QWidget* parent) {
+  LV = new QTreeView(parent);
+  LV->setObjectName(u"LV"_s);
+  LV->setAccessibleName(tr("Values of the selected key"));
+  LV->setRootIsDecorated(false);
+  LV->setUniformRowHeights(true);
+  LV->setAllColumnsShowFocus(true);
+  LV->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  LV->setContextMenuPolicy(Qt::CustomContextMenu);
+  LV->setModel(values_.get());
+  LV->header()->setSectionsMovable(false);
+  LV->header()->setStretchLastSection(false);
+  LV->installEventFilter(this);
+  LV->viewport()->installEventFilter(this);
+  ReadColumnWidths();
+  connect(LV->header(), &QHeaderView::sectionResized, this,
+          [this](int column, int, int pixels) { WriteColumnWidth(column, pixels); });
+  connect(LV->selectionModel(), &QItemSelectionModel::currentChanged, this, &form_REG::UpdateCommands);
+  connect(LV, &QTreeView::doubleClicked, this, &form_REG::EditModify);
+  connect(LV, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& position) { global_.frame->PopUpEditMenu(LV->viewport()->mapToGlobal(position)); });
+  connect(keys_.get(), &RegKeyModel::ValueChangedInTable, values_.get(), &RegValueModel::Refresh);
+  const auto on_key = [this](const QKeySequence& key, void (form_REG::*command)()) {
+    auto* shortcut = new QShortcut(key, LV);
+    shortcut->setContext(Qt::WidgetShortcut);
+    connect(shortcut, &QShortcut::activated, this, command);
+  };
+  on_key(Qt::Key_Return, &form_REG::EditModify);
+  on_key(Qt::Key_Enter, &form_REG::EditModify);
+  on_key(Qt::Key_Insert, &form_REG::EditNewString);
+}
+
+bool form_REG::eventFilter(QObject* watched, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::MouseButtonPress:
+    case QEvent::KeyPress:
+      SetFocusMarker(watched == LV || watched == LV->viewport() ? Focus::LV : Focus::TV);
+      break;
+    default:
+      break;
+  }
+  return DocumentWindow::eventFilter(watched, event);
+}
+
+void form_REG::SetFocusMarker(Focus focus) {
+  FocusMarker = focus;
+  UpdateCommands();
+}
+
+void form_REG::UpdateCommands() {
+  if (global_.frame->ActiveDocument() != this) return;
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);
+  menus.SetAvailable("menu_EditNewKey", FocusMarker == Focus::TV);
+}
+
+int form_REG::SelectedRow() const { return LV->currentIndex().isValid() ? LV->currentIndex().row() : -1; }
+
+void form_REG::ReadColumnWidths() {
+  for (std::size_t column = 0; column < kColumnNames.size(); ++column) {
+    const QString text = global_.registry.ReadValue(kRegKey, QString::fromLatin1(kColumnNames[column]));
+    const int twips = ParseInt16(text).value_or(0);
+    LV->header()->resizeSection(static_cast<int>(column),
+                                TwipsToPixels(twips > 0 ? twips : kColumnWidths[column], logicalDpiX()));
+  }
+}
+
+void form_REG::WriteColumnWidth(int column, int pixels) {
+  global_.registry.WriteValue(kRegKey, QString::fromLatin1(kColumnNames.at(static_cast<std::size_t>(column))),
+                              kTextType, QString::number(PixelsToTwips(pixels, logicalDpiX())));
+}
+
+void form_REG::RestoreView() {
+  TV->setExpanded(keys_->IndexOf(document_.Root()), true);
+  ShowSelection();
+}
+
+void form_REG::ShowSelection() {
+  TV->setCurrentIndex(keys_->IndexOf(document_.Selected()));
+  ShowKey();
+}
+
+void form_REG::ShowKey() {
+  const RegNode* node = document_.Selected();
+  values_->ShowKey(node);
+  SetLocation(QString::fromStdString(node->KeyPath()));
+  SetFocusMarker(Focus::TV);
+}
+
+void form_REG::SetLocation(const QString& text) {
+  lbl_location->setText(text);
+  lbl_location->setToolTip(text);
+}
+
+void form_REG::NewREG() {
+  TakeSlot();
+  format_ = {};
+  ExpandedLayout = false;
+  document_.Reset("New Registry File");
+  TV->show();
+  EndProgress();
+  Slot().path.clear();
+  Slot().title.clear();
+  SetChanged(false);
+  RestoreView();
+  ShowInFrame();
+  TV->setFocus();
+}
+
+void form_REG::OpenREG() {
+  DocumentSlot& slot = Slot();
+  std::string bytes;
+  if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
+    ShowReadFailure(slot.path, *failure);
+    slot.path.clear();
+    slot.title.clear();
+    return;
+  }
+  TakeSlot();
+  ExpandedLayout = false;
+  document_.Reset(slot.title.toStdString());
+  setWindowTitle(slot.title);
+  ShowInFrame();
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  const RegReadResult result = Read(std::move(decoded.text));
+  switch (result.end) {
+    case RegReadEnd::HeaderRefused:
+      SetChanged(false);
+      return FileClose();
+    case RegReadEnd::LargeFileRefused:
+      TV->show();
+      SetLocation({});
+      break;
+    case RegReadEnd::UnknownHive:
+      // Intended: the import just stops; the bars, the label and the hidden tree stay as they are.
+      break;
+    case RegReadEnd::EndOfInput:
+      EndProgress();
+      TV->show();
+      RestoreView();
+      TV->setFocus();
+      break;
+  }
+  AddNotice(NoticeOf(result));
+  AddNotice(NoticeOf(document_));
+  if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
+}
+
+RegReadResult form_REG::Read(std::string text) {
+  const Hourglass hourglass;
+  SetLocation(u"Gathering File Information"_s);
+  const auto ask = [this](const QString& question, const QString& title, MsgIcon icon) {
+    return global_.dialogs.MsgBox(question, MsgButtons::YesNo, icon, title) == MsgAnswer::Yes;
+  };
+  RegQuestions questions;
+  questions.wrong_header = [&] {
+    return ask(
+        u"This file does not have the correct header definitions required for registry files.  Do you wish to "
+        "attemp to open this file anyway?"_s,
+        u"Error in File Type"_s, MsgIcon::Question);
+  };
+  questions.large_file = [&] {
+    return ask(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
+               u"Large Registry File"_s, MsgIcon::None);
+  };
+  questions.progress = [this](const RegProgress& progress) { ShowProgress(progress); };
+  TV->hide();
+  since_progress_.start();
+  return RegReader::Read(document_, std::move(text), questions);
+}
+
+void form_REG::ShowProgress(const RegProgress& progress) {
+  if (since_progress_.elapsed() < kRepaintsMs) return;
+  since_progress_.start();
+  if (progress.phase == RegProgress::Phase::Counting) {
+    SetLocation(u"Information Count: %1 lines."_s.arg(progress.lines));
+  } else {
+    SetLocation(u"Importing Data:"_s);
+    PB->show();
+    PB2->show();
+    // A progress bar counts in int; parts of a thousand serve any file.
+    PB->setMaximum(1000);
+    PB->setValue(static_cast<int>(1000 * progress.lines / std::max<std::uint64_t>(progress.total, 1)));
+    PB2->setValue(progress.stage);
+  }
+  // Repaints, but holds back what would act on a half-read document: keys, clicks and other launches.
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
+}
+
+void form_REG::EndProgress() {
+  PB->hide();
+  PB2->hide();
+  SetLocation({});
+}
+
+void form_REG::ReportErrors(const std::string& error_log) {
+  const std::string text = "The following entries could not be processed:\r\n\r\n" + error_log + "\r\n";
+  std::optional<FileFailure> failure;
+  QString path;
+  for (const QString& folder : OwnFolders(global_.shell_utilities)) {
+    path = InFolder(folder, kErrorLogName);
+    TextFormat format = format_;
+    failure = WriteTextFile(FilePath(path), format, [&text](const FilePart& put) { return put(text); });
+    if (!failure) break;
+  }
+  if (failure) return ShowWriteFailure(path, *failure);
+  global_.dialogs.MsgBox(u"Errors were reported during inport.  Please see "_s + path + u"  for details."_s,
+                         MsgButtons::Ok, MsgIcon::Information, u"Errors:"_s);
+}
+
+void form_REG::FileSaveRegular() {
+  ExpandedLayout = false;
+  WriteRegFile();
+}
+
+void form_REG::FileSaveExpanded() {
+  ExpandedLayout = true;
+  WriteRegFile();
+}
+
+void form_REG::FileSaveAsRegular() {
+  force_dialog_ = true;
+  FileSaveRegular();
+}
+
+void form_REG::FileSaveAsExpanded() {
+  force_dialog_ = true;
+  FileSaveExpanded();
+}
+
+form_REG::SaveOutcome form_REG::WriteRegFile() {
+  DocumentSlot& slot = Slot();
+  const QString location = lbl_location->text();
+  SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
+  QString path = slot.path;
+  if (std::exchange(force_dialog_, false) || path.isEmpty())
+    path = AskForSavePath(u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s);
+  const bool saved = !path.isEmpty() && WriteTo(path);
+  if (!saved) {
+    SetLocation(location);
+    return path.isEmpty() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
+  }
+  slot.path = path;
+  slot.title = QFileInfo(path).fileName();
+  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  SetLocation({});
+  setWindowTitle(slot.title);
+  SetChanged(false);
+  return SaveOutcome::Saved;
+}
+
+bool form_REG::WriteTo(const QString& path) {
+  const Hourglass hourglass;
+  const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
+  if (RegOutputBytes(document_, layout) / kMaxRegGrowth > document_.ContentBytes()) {
+    ShowWriteFailure(path, {"So many keys share their names that the file would grow to more than " +
+                            std::to_string(kMaxRegGrowth) + " times the size of the document"});
+    return false;
+  }
+  TextFormat format = format_;
+  if (const auto failure = WriteTextFile(FilePath(path), format,
+                                         [&](const FilePart& put) { return WriteReg(document_, layout, put); })) {
+    ShowWriteFailure(path, *failure);
+    return false;
+  }
+  AddEncodingNotice(format_.encoding, format.encoding);
+  format_ = format;
+  return true;
+}
+
+void form_REG::FileClose() { CloseDocument(); }
+
+void form_REG::ExitForm() { CloseDocument(); }
+
+bool form_REG::CloseDocument() {
+  const auto save = [this] { return WriteRegFile(); };
+  const auto save_elsewhere = [this] {
+    force_dialog_ = true;
+    return WriteRegFile();
+  };
+  if (!ConfirmClose(save, save_elsewhere)) return false;
+  ReleaseSlot();
+  document_.Reset({});
+  return true;
+}
+
+void form_REG::PrintDoc(QPrinter* printer) {
+  const TextFormat format = format_;
+  const bool expanded = std::exchange(ExpandedLayout, true);
+  std::string bytes;
+  for (const QString& folder : OwnFolders(global_.shell_utilities)) {
+    const QString path = InFolder(folder, kPrintFileName);
+    if (folder != OwnFolders(global_.shell_utilities).last() && !QFileInfo(folder).isWritable()) continue;
+    if (!WriteTo(path)) break;
+    if (const auto failure = ReadFileBytes(FilePath(path), bytes)) ShowReadFailure(path, *failure);
+    break;
+  }
+  ExpandedLayout = expanded;
+  format_ = format;
+  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
+  if (bytes.empty()) return;
+  const Hourglass hourglass;
+  if (!RTFPrint2) {
+    RTFPrint2 = new QTextEdit(this);
+    RTFPrint2->setObjectName(u"RTFPrint2"_s);
+    RTFPrint2->setUndoRedoEnabled(false);
+    RTFPrint2->hide();
+  }
+  RTFPrint2->setPlainText(QString::fromStdString(DecodeText(std::move(bytes)).text));
+  RTFPrint2->print(printer);
+  RTFPrint2->clear();
+  SetChanged(false);
+}
+
+}  // namespace tme

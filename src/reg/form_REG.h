@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPrinter>
+#include <memory>
+
+#include "reg/RegDocument.h"
+#include "reg/RegReader.h"
+#include "shell/DocumentWindow.h"
+
+class QLabel;
+class QProgressBar;
+class QTextEdit;
+class QTreeView;
+
+namespace tme {
+
+class RegKeyModel;
+class RegValueModel;
+
+/// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
+/// key's path. Everything that changes the document is a call of RegDocument; the views follow through their models.
+class form_REG : public DocumentWindow {
+  Q_OBJECT
+
+ public:
+  form_REG(Global& global, int slot);
+  ~form_REG() override;
+
+  Q_INVOKABLE void NewREG();
+  /// Reads the file at the slot's path; lines that fail go to the error log.
+  Q_INVOKABLE void OpenREG();
+  Q_INVOKABLE void FileSaveRegular();
+  Q_INVOKABLE void FileSaveExpanded();
+  Q_INVOKABLE void FileSaveAsRegular();
+  Q_INVOKABLE void FileSaveAsExpanded();
+  Q_INVOKABLE void FileClose() override;
+  Q_INVOKABLE void ExitForm() override;
+  /// Writes the expanded layout into a file of its own and prints that. The document counts as unchanged afterwards,
+  /// although its own file was not written; intended.
+  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+
+  Q_INVOKABLE void EditModify();
+  Q_INVOKABLE void EditNewKey();
+  Q_INVOKABLE void EditNewString();
+  Q_INVOKABLE void EditNewDword();
+  Q_INVOKABLE void EditNewBinary();
+  Q_INVOKABLE void EditDelete();
+  Q_INVOKABLE void EditRename();
+
+  /// The document as it stands.
+  const RegDocument& Document() const { return document_; }
+
+ protected:
+  void BuildControls(QWidget& client) override;
+  void UpdateCommands() override;
+  bool CloseDocument() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  /// The control that the user last worked in; deleting and modifying go by it.
+  enum class Focus { TV, LV };
+
+  void BuildKeyTree(QWidget* parent);
+  void BuildValueList(QWidget* parent);
+  void RestoreView();
+  void ShowSelection();
+  /// The list and the path of the selected key.
+  void ShowKey();
+  void SetFocusMarker(Focus focus);
+  void ReadColumnWidths();
+  void WriteColumnWidth(int column, int pixels);
+
+  RegReadResult Read(std::string text);
+  void ShowProgress(const RegProgress& progress);
+  void EndProgress();
+  void ReportErrors(const std::string& error_log);
+  SaveOutcome WriteRegFile();
+  /// Writes and reports; false when the file is as it was.
+  bool WriteTo(const QString& path);
+  void SetLocation(const QString& text);
+
+  void AddValueOfType(RegType type, const QString& caption);
+  /// -1 without a selected row.
+  int SelectedRow() const;
+
+  RegDocument document_;
+  TextFormat format_;
+  std::unique_ptr<RegKeyModel> keys_;
+  std::unique_ptr<RegValueModel> values_;
+  bool ExpandedLayout = false;
+  bool force_dialog_ = false;
+  Focus FocusMarker = Focus::TV;
+  QElapsedTimer since_progress_;
+
+  QTreeView* TV = nullptr;
+  QTreeView* LV = nullptr;
+  QLabel* lbl_location = nullptr;
+  QProgressBar* PB = nullptr;
+  QProgressBar* PB2 = nullptr;
+  QTextEdit* RTFPrint2 = nullptr;
+};
+
+}  // namespace tme

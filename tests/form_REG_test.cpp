@@ -1,0 +1,260 @@
+#include "reg/form_REG.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+
+#include "Editor.h"
+#include "shell/GlobalMenus.h"
+#include "shell/NoticeBar.h"
+#include "shell/OpenDispatch.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* kFile =
+    "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Alpha]\r\n@=\"dft\"\r\n\"s\"=\"a\\\\b\"\r\n\"n\"=dword:0000000a\r\n"
+    "\"h\"=hex:01,\\\r\n  02\r\n\r\n[HKEY_CURRENT_USER\\Alpha\\Beta]\r\n\r\n";
+
+class RegWindow : public Editor {
+ protected:
+  form_REG& Reg() { return dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0).window); }
+  void Open(const std::string& bytes) {
+    Start();
+    OpenPathList(global_, File(u"a.reg"_s, bytes));
+  }
+  QTreeView* View(const QString& name) { return Reg().findChild<QTreeView*>(name); }
+  QString Notice() { return Reg().findChild<NoticeBar*>()->Text(); }
+
+  void SelectKey(const QStringList& path) {
+    const QAbstractItemModel* model = View(u"TV"_s)->model();
+    QModelIndex index = model->index(0, 0);
+    for (const QString& text : path)
+      for (int row = 0; row < model->rowCount(index); ++row)
+        if (model->index(row, 0, index).data().toString() == text) {
+          index = model->index(row, 0, index);
+          break;
+        }
+    View(u"TV"_s)->setCurrentIndex(index);
+    QTest::keyClick(View(u"TV"_s), Qt::Key_Shift);
+  }
+  void SelectValue(int row) {
+    View(u"LV"_s)->setCurrentIndex(View(u"LV"_s)->model()->index(row, 0));
+    QTest::keyClick(View(u"LV"_s), Qt::Key_Shift);
+  }
+  /// The list as it shows, a row a line.
+  QString Rows() {
+    const QAbstractItemModel* model = View(u"LV"_s)->model();
+    QStringList rows;
+    for (int row = 0; row < model->rowCount(); ++row)
+      rows += QStringList{model->index(row, 0).data().toString(), model->index(row, 1).data().toString(),
+                          model->index(row, 2).data().toString()}
+                  .join(u'|');
+    return rows.join(u'\n');
+  }
+  static std::function<void(QWidget&)> Fill(const QString& name, const QString& data, const QString& button) {
+    return [=](QWidget& dialog) {
+      if (!name.isEmpty()) dialog.findChild<QLineEdit*>(u"txt_Name"_s)->setText(name);
+      dialog.findChild<QPlainTextEdit*>(u"txt_Data"_s)->setPlainText(data);
+      QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
+    };
+  }
+  void ExpectDeletion(const QString& what, MsgAnswer answer) {
+    dialogs_.ExpectMsgBox(u"Are you sure you want to permanently delete "_s + what, u"Deletion Confirmation"_s,
+                          MsgButtons::YesNo, answer, MsgIcon::Question);
+  }
+};
+
+}  // namespace
+
+TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
+  Open(kFile);
+  EXPECT_EQ(Reg().windowTitle(), u"a.reg");
+  EXPECT_EQ(Notice(), u"");
+  SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
+  EXPECT_EQ(Rows(), u"[default]|REG_SZ|dft\ns|REG_SZ|a\\\\b\nn|DWORD|0000000a\nh|HEX|01,02");
+  EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"HKEY_CURRENT_USER\\Alpha");
+  const std::string alpha =
+      "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Alpha]\r\n\"[default]\"=\"dft\"\r\n\"s\"=\"a\\\\b\"\r\n"
+      "\"n\"=dword:0000000a\r\n\"h\"=hex:01,02\r\n\r\n";
+  Reg().FileSaveExpanded();
+  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), alpha + "[HKEY_CURRENT_USER\\Alpha\\Beta]\r\n\r\n");
+  Reg().FileSaveRegular();
+  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), alpha);
+
+  common_dialog_.ExpectSave({});
+  Reg().FileSaveAsExpanded();
+  EXPECT_EQ(Reg().Slot().path, InFolder(u"a.reg"_s));
+  common_dialog_.ExpectSave(InFolder(u"b.reg"_s));
+  Reg().FileSaveAsRegular();
+  EXPECT_EQ(common_dialog_.shown.back().title, u"Save Registry File");
+  EXPECT_EQ(common_dialog_.shown.back().filter, u"Registry File|*.REG");
+  EXPECT_EQ(Reg().windowTitle(), u"b.reg");
+  EXPECT_EQ(BytesOf(InFolder(u"b.reg"_s)), alpha);
+}
+
+TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
+  Start();
+  NewDocument(global_, SlotCode::Reg);
+  dialogs_.ExpectMsgBox(
+      u"You can not add values to this section of the registry. You can only add values to the hives or the branches."_s,
+      u"Can't Add Value"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
+  Reg().EditNewString();
+  const auto check = [](QWidget& dialog) {
+    auto* users = dialog.findChild<QCheckBox*>(u"cb_HKEY_USERS"_s);
+    EXPECT_TRUE(users->isEnabled());
+    users->click();
+    dialog.findChild<QPushButton*>(u"cmd_OK"_s)->click();
+  };
+  OnDialog(u"form_AddHK"_s, check);
+  Reg().EditNewKey();
+  OnDialog(u"form_AddHK"_s, [](QWidget& dialog) {
+    EXPECT_FALSE(dialog.findChild<QCheckBox*>(u"cb_HKEY_USERS"_s)->isEnabled());
+    dialog.close();
+  });
+  Reg().EditNewKey();
+  SelectKey({u"HKEY_USERS"_s});
+  for (const char* name : {" Run ", "run", "Run"}) {
+    dialogs_.ExpectInputBox(u"Enter Desired Branch Name:"_s, u"Add Branch / Key"_s, {}, QString::fromLatin1(name));
+    Reg().EditNewKey();
+  }
+  EXPECT_EQ(Reg().Document().NodeCount(), 4U);
+  EXPECT_EQ(Reg().windowTitle(), u"New Registry File [CHANGED]");
+
+  SelectKey({u"HKEY_USERS"_s, u"Run"_s});
+  OnDialog(u"form_REGEdit"_s, Fill(u" v "_s, u" one\ntwo "_s, u"cmd_OK"_s));
+  Reg().EditNewString();
+  OnDialog(u"form_REGEdit"_s, Fill(u"never"_s, u"1"_s, u"cmd_Cancel"_s));
+  Reg().EditNewDword();
+  dialogs_.ExpectMsgBox(u"This value already exists in this key.  Please edit the existing value instead."_s,
+                        u"Already Exists"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
+  OnDialog(u"form_REGEdit"_s, Fill(u"v"_s, u"00"_s, u"cmd_OK"_s));
+  Reg().EditNewBinary();
+  OnDialog(u"form_REGEdit"_s, Fill(u"b"_s, u"0a,0b"_s, u"cmd_OK"_s));
+  Reg().EditNewBinary();
+  EXPECT_EQ(Rows(), u"v|REG_SZ|onetwo\nb|HEX|0a,0b");
+
+  Reg().EditModify();  // the tree has the focus: nothing
+  SelectValue(1);
+  EXPECT_TRUE(frame_->Menus().Action(u"menu_EditModify"_s)->isEnabled());
+  OnDialog(u"form_REGEdit"_s, [](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), u"Edit Binary Value");
+    EXPECT_TRUE(dialog.findChild<QPlainTextEdit*>()->font().fixedPitch());
+    Fill({}, u"ff"_s, u"cmd_OK"_s)(dialog);
+  });
+  Reg().EditModify();
+  OnDialog(u"form_REGEdit"_s, Fill({}, u"CANCEL"_s, u"cmd_OK"_s));
+  Reg().EditModify();
+  EXPECT_EQ(Rows(), u"v|REG_SZ|onetwo\nb|HEX|ff");
+  SelectValue(0);
+  ExpectDeletion(u"this value?"_s, MsgAnswer::Yes);
+  Reg().EditDelete();
+  EXPECT_EQ(Rows(), u"b|HEX|ff");
+  SelectKey({u"HKEY_USERS"_s, u"run"_s});
+  SelectKey({u"HKEY_USERS"_s, u"Run"_s});
+  EXPECT_EQ(Rows(), u"||\nb|HEX|ff") << "shown again, the deleted record is an empty row";
+
+  dialogs_.ExpectInputBox(u"Rename this Key"_s, u"Branch Rename"_s, u"Run"_s, u"run"_s);
+  Reg().EditRename();
+  const QString branch =
+      u"this branch, all branches under it, and all values associated with this branch and all branches under it?"_s;
+  ExpectDeletion(branch, MsgAnswer::No);
+  Reg().EditDelete();
+  ExpectDeletion(branch, MsgAnswer::Yes);
+  Reg().EditDelete();
+  EXPECT_EQ(Reg().Document().NodeCount(), 3U);
+  SelectKey({});
+  ExpectDeletion(branch, MsgAnswer::Yes);
+  Reg().EditDelete();
+  EXPECT_EQ(Reg().Document().NodeCount(), 3U) << "the root stays";
+}
+
+TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
+  const auto ask = [this](const QString& text, const QString& title, MsgAnswer answer, MsgIcon icon) {
+    dialogs_.ExpectMsgBox(text, title, MsgButtons::YesNo, answer, icon);
+  };
+  const QString header =
+      u"This file does not have the correct header definitions required for registry files.  Do you wish to attemp to "
+      "open this file anyway?"_s;
+  ask(header, u"Error in File Type"_s, MsgAnswer::No, MsgIcon::Question);
+  Open("regedit4\r\n");
+  EXPECT_EQ(Reg().Tag(), u"");
+
+  ask(header, u"Error in File Type"_s, MsgAnswer::Yes, MsgIcon::Question);
+  const std::string text = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_USERS\\A]\r\n\"x\"=\"\xE9\"\r\n\r\n";
+  std::string utf16 = "\xFF\xFE";
+  for (const char c : text) utf16.append(1, c).append(1, '\0');
+  OpenPathList(global_, File(u"five.reg"_s, utf16));
+  SelectKey({u"HKEY_USERS"_s, u"A"_s});
+  EXPECT_EQ(Rows(), u"x|REG_SZ|\u00E9");
+  Reg().FileClose();
+
+  std::string large = "REGEDIT4\r\n[HKEY_USERS\\A]\r\n";
+  for (int line = 0; line < 600; ++line) large += "\"v\"=\"1\"\r\n";
+  ask(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
+      u"Large Registry File"_s, MsgAnswer::No, MsgIcon::None);
+  OpenPathList(global_, File(u"large.reg"_s, large));
+  EXPECT_EQ(Reg().Document().NodeCount(), 1U);
+  EXPECT_TRUE(View(u"TV"_s)->isVisible());
+  Reg().FileClose();
+
+  const QString log = shell_utilities_.ProgramFolder() + u"/REG_ERR.TME"_s;
+  dialogs_.ExpectMsgBox(u"Errors were reported during inport.  Please see "_s + log + u"  for details."_s,
+                        u"Errors:"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
+  OpenPathList(global_, File(u"bad.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n\"bad\"\r\n; c\r\n\"k\"=\"v\"\r\n"));
+  EXPECT_EQ(BytesOf(log), "The following entries could not be processed:\r\n\r\nA: \"bad\"\r\r\n");
+  EXPECT_EQ(Notice(), u"Not taken: 1 line that failed, 1 comment, the last line, which needs an empty one after it.");
+  Reg().FileClose();
+
+  OpenPathList(global_, File(u"hive.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n[HKLM\\A]\r\n\"k\"=\"v\"\r\n"));
+  EXPECT_FALSE(View(u"TV"_s)->isVisible()) << "kept: the import just stops";
+  EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3:")) << Notice().toStdString();
+}
+
+TEST_F(RegWindow, SharedNamesAreSaidAndCannotFloodTheDisk) {
+  std::string text = "REGEDIT4\r\n";
+  for (int key = 0; key < 300; ++key)
+    text += "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"value of a length\"=\"" + std::string(40, 'x') + "\"\r\n";
+  dialogs_.ExpectMsgBox(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
+                        u"Large Registry File"_s, MsgButtons::YesNo, MsgAnswer::Yes);
+  Open(text + "\r\n");
+  EXPECT_EQ(Notice(), u"300 keys share a name with another key: saving writes the values of all of them under each.");
+  dialogs_.ExpectMsgBox(u"TME could not save the file\r( "_s + InFolder(u"a.reg"_s) +
+                            u" )\rSo many keys share their names that the file would grow to more than 100 times the "
+                            "size of the document.  The file on disk is unchanged."_s,
+                        u"Tamarind Editor"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  Reg().FileSaveRegular();
+  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), text + "\r\n");
+}
+
+TEST_F(RegWindow, PrintsExpandedAndKeepsColumnWidths) {
+  Open(kFile);
+  SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
+  SelectValue(0);
+  OnDialog(u"form_REGEdit"_s, Fill({}, u"printed"_s, u"cmd_OK"_s));
+  Reg().EditModify();
+  EXPECT_EQ(Reg().windowTitle(), u"a.reg [CHANGED]");
+  QPrinter printer;
+  printer.setOutputFileName(InFolder(u"out.pdf"_s));
+  Reg().PrintDoc(&printer);
+  EXPECT_EQ(Reg().windowTitle(), u"a.reg") << "counts as unchanged; intended";
+  EXPECT_EQ(Reg().Slot().path, InFolder(u"a.reg"_s));
+  QProcess reader;
+  reader.start(u"pdftotext"_s, {u"-layout"_s, InFolder(u"out.pdf"_s), u"-"_s});
+  ASSERT_TRUE(reader.waitForFinished());
+  const QString text = QString::fromUtf8(reader.readAllStandardOutput());
+  EXPECT_TRUE(text.contains(u"[HKEY_CURRENT_USER\\Alpha\\Beta]"));
+  EXPECT_TRUE(text.contains(u"printed"));
+  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), kFile);
+
+  View(u"LV"_s)->setColumnWidth(2, 321);
+  NewDocument(global_, SlotCode::Reg);
+  EXPECT_EQ(global_.documents.At(DocumentKind::Reg, 1).window->findChild<QTreeView*>(u"LV"_s)->columnWidth(2), 321);
+}
