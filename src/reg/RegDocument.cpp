@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 
 #include "reg/RegKeyWalk.h"
+#include "reg/RegValueIndex.h"
 
 namespace tme {
 
@@ -126,15 +126,16 @@ bool RegDocument::HasValueNamed(const RegNode* node, std::string_view name) cons
 }
 
 std::size_t RegDocument::KeysSharingAName() const {
-  std::unordered_map<std::string_view, std::size_t> keys_of_name;
-  keys_of_name.reserve(node_count_);
+  const RegValueIndex index(*this);
+  const std::vector<const RegNode*> sole_owners = index.SoleOwners();
+  std::size_t sharing = 0;
   const auto count = [&](const RegNode& node) {
-    if (node.first_run_ != RegNode::kNoRun && node.parent_ != nullptr) ++keys_of_name[node.Text()];
+    const bool written = node.tag_ == RegTag::Branch && node.Text() != root_->Text();
+    const std::uint32_t group = written ? index.GroupOf(node) : RegValueIndex::kNoGroup;
+    if (group != RegValueIndex::kNoGroup && sole_owners[group] != &node) ++sharing;
     return true;
   };
   WalkKeys(*root_, count, [](const RegNode&) {});
-  std::size_t sharing = 0;
-  for (const auto& [name, keys] : keys_of_name) sharing += keys > 1 ? keys : 0;
   return sharing;
 }
 

@@ -137,7 +137,8 @@ class RegDocument {
   bool KeyHasValues(const RegNode* node) const;
   /// By the same rule: whether a record of this name exists for the node's text.
   bool HasValueNamed(const RegNode* node, std::string_view name) const;
-  /// Keys with values that share their last component with another key with values. Linear.
+  /// Keys that a save gives values of other keys, removed ones included, because their last component is the same.
+  /// Linear.
   std::size_t KeysSharingAName() const;
   /// Records that no save writes: under the root, a hive or a key that bears the root's text. Deleted records and those
   /// of removed keys do not count. Linear.

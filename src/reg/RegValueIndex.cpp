@@ -24,4 +24,13 @@ std::uint32_t RegValueIndex::GroupOf(const RegNode& node) const {
   return group_of_text_.Find(node.Text(), TextOfGroup());
 }
 
+std::vector<const RegNode*> RegValueIndex::SoleOwners() const {
+  std::vector<const RegNode*> owners(groups_.size());
+  for (std::size_t group = 0; group < groups_.size(); ++group)
+    owners[group] = document_.runs_[groups_[group].first_run].owner;
+  for (std::size_t run = 0; run < runs_.size(); ++run)
+    if (document_.runs_[run].owner != owners[runs_[run].group]) owners[runs_[run].group] = nullptr;
+  return owners;
+}
+
 }  // namespace tme

@@ -19,6 +19,8 @@ class RegValueIndex {
   std::size_t GroupCount() const { return groups_.size(); }
   /// From 0; kNoGroup when no record's owner has the node's text.
   std::uint32_t GroupOf(const RegNode& node) const;
+  /// For each group the one key that owns its records; null where several do.
+  std::vector<const RegNode*> SoleOwners() const;
 
   /// Calls visit(record), in table order.
   template <typename Visit>
