@@ -273,6 +273,7 @@ void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
     sub_window = area_->addSubWindow(window);
     sub_window->setAttribute(Qt::WA_DeleteOnClose, false);
     sub_window->setObjectName(window->objectName() + u"_child"_s);
+    sub_window->setWindowIcon(window->windowIcon());
     // The File menu holds the keys for closing.
     for (QAction* action : sub_window->systemMenu()->actions()) action->setShortcuts({});
   }
