@@ -162,17 +162,25 @@ GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(
       menu->setToolTipsVisible(true);
       menu->menuAction()->setObjectName(name);
       menus_.insert(name, menu);
+      // Pictures come with the first look at a menu: the start of the program waits for none.
+      const auto load = [this, name] { LoadIcons(name); };
+      connect(menu, &QMenu::aboutToShow, this, load, Qt::SingleShotConnection);
       actions_.insert(name, menu->menuAction());
       continue;
     }
     QAction* action = parent->addAction(QString::fromLatin1(row.caption));
     action->setObjectName(name);
     if (!row.caption) action->setSeparator(true);
-    if (row.icon) action->setIcon(QIcon(u":/icons/"_s + QLatin1StringView(row.icon) + u".svg"_s));
     if (row.shortcut) action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.shortcut)));
     if (!name.isEmpty()) actions_.insert(name, action);
     connect(action, &QAction::triggered, this, [this, index] { Choose(index); });
   }
+}
+
+void GlobalMenus::LoadIcons(const QString& menu_name) {
+  for (const Row& row : kRows)
+    if (row.icon && menu_name == QLatin1StringView(row.parent))
+      Action(QString::fromLatin1(row.name))->setIcon(QIcon(u":/icons/"_s + QLatin1StringView(row.icon) + u".svg"_s));
 }
 
 void GlobalMenus::Handle(const char* item_name, std::function<void()> handler) {

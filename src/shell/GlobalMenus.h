@@ -40,6 +40,7 @@ class GlobalMenus : public QObject {
 
  private:
   void Choose(std::size_t row);
+  void LoadIcons(const QString& menu_name);
   /// Only these stand in the bar: a hidden menu there would still hold its access key, and three are called "&Edit".
   void ShowInBar(const QList<QAction*>& menus);
   bool IsOffered(std::size_t row, DocumentKind kind) const;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QTimer>
 #include <cstdio>
 
 #include "ini/form_INI.h"
@@ -78,7 +79,8 @@ int Main(int argc, char** argv) {
   }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setWindowIcon(QIcon(u":/icons/tme.svg"_s));
+  // After the frame is on the screen, which need not wait for a picture.
+  QTimer::singleShot(0, &application, [] { QApplication::setWindowIcon(QIcon(u":/icons/tme.svg"_s)); });
   return RunFrame(application, registry, link, ShellUtilities().CommandLineTexts());
 }
 
