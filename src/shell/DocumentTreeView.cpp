@@ -15,22 +15,22 @@ DocumentTreeView::DocumentTreeView(QWidget* parent) : QTreeView(parent) {
   header()->setStretchLastSection(false);
   header()->setResizeContentsPrecision(0);
   header()->setMinimumSectionSize(0);
-  connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &DocumentTreeView::FitColumn);
+  connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { FitColumn(Width::Grows); });
 }
 
 void DocumentTreeView::reset() {
   QTreeView::reset();
-  if (model()) header()->resizeSection(0, viewport()->width());
+  FitColumn(Width::MayShrink);
 }
 
 void DocumentTreeView::resizeEvent(QResizeEvent* event) {
   QTreeView::resizeEvent(event);
-  FitColumn();
+  FitColumn(Width::MayShrink);
 }
 
 void DocumentTreeView::updateGeometries() {
   QTreeView::updateGeometries();
-  FitColumn();
+  FitColumn(Width::Grows);
 }
 
 QItemSelectionModel::SelectionFlags DocumentTreeView::selectionCommand(const QModelIndex& index,
@@ -38,9 +38,10 @@ QItemSelectionModel::SelectionFlags DocumentTreeView::selectionCommand(const QMo
   return index.isValid() ? QTreeView::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;
 }
 
-void DocumentTreeView::FitColumn() {
+void DocumentTreeView::FitColumn(Width change) {
   if (!model() || !isVisible()) return;
-  const int width = std::max({header()->sectionSize(0), sizeHintForColumn(0), viewport()->width()});
+  int width = std::max(sizeHintForColumn(0), viewport()->width());
+  if (change == Width::Grows) width = std::max(width, header()->sectionSize(0));
   if (width != header()->sectionSize(0)) header()->resizeSection(0, width);
 }
 

@@ -20,7 +20,9 @@ class DocumentTreeView : public QTreeView {
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
 
  private:
-  void FitColumn();
+  /// Scrolling must not make the width jump: there it only grows.
+  enum class Width { Grows, MayShrink };
+  void FitColumn(Width change);
 };
 
 }  // namespace tme
