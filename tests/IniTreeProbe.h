@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "TreeMirror.h"
 #include "ini/IniReader.h"
@@ -12,38 +13,28 @@
 
 namespace tme {
 
-inline std::string DumpNode(const IniNode& node) {
-  std::string dump(node.Text());
-  for (int row = 0; row < node.ChildCount(); ++row) dump += "|" + DumpNode(*node.Child(row));
-  if (node.Tag() == IniTag::Value) return dump;
-  return node.Tag() == IniTag::Comments ? "(" + dump + ")" : "[" + dump + "]";
-}
-
 /// One line for the whole tree, without the root: "[Section|key=value|(;comment)](;comment of the root)".
-inline std::string Dump(const IniTree& tree) {
-  std::string dump;
-  for (int row = 0; row < tree.Root()->ChildCount(); ++row) dump += DumpNode(*tree.Root()->Child(row));
-  return dump;
+inline std::string Dump(const IniNode& node) {
+  std::string dump(node.Tag() == IniTag::OpenedFile ? "" : node.Text());
+  for (int row = 0; row < node.ChildCount(); ++row) {
+    dump += (node.Tag() == IniTag::Section ? "|" : "") + Dump(*node.Child(row));
+  }
+  return node.Tag() == IniTag::Section ? "[" + dump + "]" : node.Tag() == IniTag::Comments ? "(" + dump + ")" : dump;
 }
+inline std::string Dump(const IniTree& tree) { return Dump(*tree.Root()); }
 
 /// First node of this text, the root's children before their own children; the root when there is none.
 inline IniNode* FindNode(const IniTree& tree, std::string_view text) {
-  IniNode* root = tree.Root();
-  for (int row = 0; row < root->ChildCount(); ++row) {
-    if (root->Child(row)->Text() == text) return root->Child(row);
+  std::vector<IniNode*> nodes = {tree.Root()};
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (nodes[i]->Text() == text) return nodes[i];
+    for (int row = 0; row < nodes[i]->ChildCount(); ++row) nodes.push_back(nodes[i]->Child(row));
   }
-  for (int row = 0; row < root->ChildCount(); ++row) {
-    const IniNode& section = *root->Child(row);
-    for (int entry = 0; entry < section.ChildCount(); ++entry) {
-      if (section.Child(entry)->Text() == text) return section.Child(entry);
-    }
-  }
-  return root;
+  return tree.Root();
 }
 
-/// Reads with the root selected, as opening a file does; overwrites duplicates.
-inline IniReadResult ReadFile(IniTree& tree, std::string text) {
-  tree.Select(tree.Root());
+/// Reads at the selected node, the root of a new tree; overwrites duplicates.
+inline IniReadResult ReadInto(IniTree& tree, std::string text) {
   return IniReader::Read(tree, std::move(text), {[](std::string_view) { return true; }});
 }
 

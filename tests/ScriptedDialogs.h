@@ -1,70 +1,78 @@
 #pragma once
 
-#include <QString>
+#include <gtest/gtest.h>
+
 #include <QStringList>
 #include <deque>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 
 /// Answers the questions that a test expects, in their order. A question that was not expected, or with another text,
-/// fails the test and is cancelled; one left over when this goes fails it too.
-class ScriptedDialogs : public tme::Dialogs {
+/// fails the test and gets Answer{}, a cancel; one left over when this goes fails it too.
+template <typename Answer>
+class Script {
  public:
-  ~ScriptedDialogs() override { ExpectAllAsked(); }
+  ~Script() { ExpectAllAsked(); }
+  /// Fails for what was not asked by now, and forgets it.
+  void ExpectAllAsked() {
+    for (const auto& expected : std::exchange(expected_, {})) ADD_FAILURE() << "Not asked: " << expected.first;
+  }
 
+ protected:
+  void Add(const std::string& question, const Answer& answer) { expected_.emplace_back(question, answer); }
+  Answer Next(const std::string& question) {
+    if (expected_.empty()) expected_.push_back({"no question", {}});
+    const auto [expected, answer] = std::move(expected_.front());
+    expected_.pop_front();
+    EXPECT_EQ(question, expected);
+    return question == expected ? answer : Answer{};
+  }
+
+ private:
+  std::deque<std::pair<std::string, Answer>> expected_;
+};
+
+struct DialogAnswer {
+  tme::MsgAnswer button = tme::MsgAnswer::Cancel;
+  QString input;
+  std::optional<tme::MsgIcon> icon;  ///< the one that the box must show
+};
+
+class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
+ public:
   /// icon: not looked at when absent.
   void ExpectMsgBox(const QString& text, const QString& title, tme::MsgButtons buttons = tme::MsgButtons::Ok,
                     tme::MsgAnswer answer = tme::MsgAnswer::Ok, std::optional<tme::MsgIcon> icon = {});
   /// answer: empty to cancel.
   void ExpectInputBox(const QString& prompt, const QString& title, const QString& proposed, const QString& answer);
-  /// Fails for what was not asked by now, and forgets it.
-  void ExpectAllAsked();
 
   tme::MsgAnswer MsgBox(const QString& text, tme::MsgButtons buttons, tme::MsgIcon icon, const QString& title) override;
   QString InputBox(const QString& prompt, const QString& title, const QString& text) override;
+};
 
- private:
-  struct Question {
-    std::string shown;  ///< every part of the question but the icon, as the failure prints it
-    std::optional<tme::MsgIcon> icon;
-    tme::MsgAnswer button = tme::MsgAnswer::Cancel;
-    QString input;
-  };
-  Question Next(const std::string& shown);
-
-  std::deque<Question> expected_;
+struct FileAnswer {
+  QStringList paths;
+  int index = 0;
 };
 
 /// The same for the shared open, save and print dialog. `shown` keeps the fields as they were at each call.
-class ScriptedCommonDialog : public tme::CommonDialog {
+class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer> {
  public:
-  ~ScriptedCommonDialog() override { ExpectAllAsked(); }
-
   /// paths: none to cancel. index: the filter entry that the user chooses; 0 leaves the one that is set.
-  void ExpectOpen(const QStringList& paths, int index = 0);
+  void ExpectOpen(const QStringList& paths, int index = 0) { Add("Open", {paths, index}); }
   /// path: empty to cancel.
-  void ExpectSave(const QString& path, int index = 0);
+  void ExpectSave(const QString& path) { Add("Save", {QStringList(path)}); }
   /// pdf: the file that is printed into; empty to cancel.
-  void ExpectPrinter(const QString& pdf);
-  void ExpectAllAsked();
+  void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf)}); }
 
   QStringList ShowOpen() override;
   QString ShowSave() override;
   std::unique_ptr<QPrinter> ShowPrinter() override;
 
   std::vector<tme::CommonDialog> shown;
-
- private:
-  struct Use {
-    std::string dialog;
-    QStringList paths;
-    int index = 0;
-  };
-  QStringList Next(const std::string& dialog);
-
-  std::deque<Use> expected_;
 };

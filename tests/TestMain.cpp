@@ -13,31 +13,21 @@ namespace {
 /// Points everything that a program takes from its surroundings into `home`, which is empty: no test sees the
 /// developer's settings, session bus or Wine prefix, nor what another test left. Before QApplication, which reads them.
 bool EnterHome(const QString& home) {
-  struct Place {
-    const char* variable;
-    const char* folder;
-  };
-  // TMP, TEMP, USERPROFILE and the two APPDATA are the names that Windows uses.
-  constexpr Place kPlaces[] = {
-      {"HOME", "home"},
-      {"USERPROFILE", "home"},
-      {"XDG_CONFIG_HOME", "home/.config"},
-      {"XDG_DATA_HOME", "home/.local/share"},
-      {"XDG_STATE_HOME", "home/.local/state"},
-      {"XDG_CACHE_HOME", "home/.cache"},
-      {"APPDATA", "home/AppData/Roaming"},
-      {"LOCALAPPDATA", "home/AppData/Local"},
-      {"XDG_RUNTIME_DIR", "run"},
-      {"TMPDIR", "tmp"},
-      {"TMP", "tmp"},
-      {"TEMP", "tmp"},
-  };
-  for (const Place& place : kPlaces) {
-    const QString folder = QDir(home).filePath(QLatin1String(place.folder));
-    if (!QDir().mkpath(folder)) {
-      return false;
+  constexpr const char* kPlaces[][2] = {{"home", "HOME USERPROFILE"},
+                                        {"home/.config", "XDG_CONFIG_HOME"},
+                                        {"home/.local/share", "XDG_DATA_HOME"},
+                                        {"home/.local/state", "XDG_STATE_HOME"},
+                                        {"home/.cache", "XDG_CACHE_HOME"},
+                                        {"home/AppData/Roaming", "APPDATA"},
+                                        {"home/AppData/Local", "LOCALAPPDATA"},
+                                        {"run", "XDG_RUNTIME_DIR"},
+                                        {"tmp", "TMPDIR TMP TEMP"}};
+  for (const auto& [name, variables] : kPlaces) {
+    const QString folder = QDir(home).filePath(QLatin1String(name));
+    if (!QDir().mkpath(folder)) return false;
+    for (const QByteArray& variable : QByteArray(variables).split(' ')) {
+      qputenv(variable.constData(), QFile::encodeName(QDir::toNativeSeparators(folder)));
     }
-    qputenv(place.variable, QFile::encodeName(QDir::toNativeSeparators(folder)));
   }
   for (const char* variable :
        {"XDG_CONFIG_DIRS", "WINEPREFIX", "DBUS_SESSION_BUS_ADDRESS", "SESSION_MANAGER", "DISPLAY", "WAYLAND_DISPLAY",
@@ -54,9 +44,7 @@ bool EnterHome(const QString& home) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
-  if (GTEST_FLAG_GET(list_tests)) {
-    return RUN_ALL_TESTS();
-  }
+  if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
   const QTemporaryDir home(QDir::tempPath() + QStringLiteral("/tme-test-XXXXXX"));
   if (!home.isValid() || !EnterHome(home.path())) {
     std::fputs("tme_tests: cannot make a temporary home\n", stderr);

@@ -44,8 +44,8 @@ TEST(Dialogs, MsgBoxKeys) {
         EXPECT_EQ(box->textFormat(), Qt::PlainText);
         QTest::keyClick(box, key);
       });
-      EXPECT_EQ(Dialogs().MsgBox(u"<b>x</b>"_s, buttons, MsgIcon::Question, u"T"_s),
-                key == Qt::Key_Enter ? enter : escape);
+      const MsgAnswer expected = key == Qt::Key_Enter ? enter : escape;
+      EXPECT_EQ(Dialogs().MsgBox(u"<b>x</b>"_s, buttons, MsgIcon::Question, u"T"_s), expected);
     }
   }
 }
@@ -84,7 +84,6 @@ TEST_F(FileDialogs, FiltersMatchInAnyLetterCase) {
     EXPECT_EQ(box->nameFilters(), QStringList({u"INI File (*.[Ii][Nn][Ii])"_s,
                                                u"Text File (*.[Tt][Xx][Tt] *.[Bb][Aa][Tt])"_s, u"Other (*.*) (*)"_s}));
     EXPECT_EQ(box->selectedNameFilter(), u"Text File"_s);
-    EXPECT_TRUE(QDir::match(u"*.[Ii][Nn][Ii]"_s, u"win.Ini"_s));
     box->selectNameFilter(box->nameFilters().at(2));
     box->findChild<QLineEdit*>()->setText(u"\"a.ini\" \"b.ini\""_s);
     QMetaObject::invokeMethod(box, "accept");

@@ -1,17 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QEventLoop>
 #include <QFile>
+#include <QLocalSocket>
 #include <QTemporaryDir>
 #include <QTest>
-#include <cstring>
 #include <future>
 
 #include "platform/InstanceLink.h"
@@ -29,8 +25,7 @@ class Instance : public testing::Test {
   Instance() { qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime_.path())); }
 
   /// Runs in a process of its own, which ends with what it returns.
-  template <typename Work>
-  static pid_t Fork(const Work& work) {
+  static pid_t Fork(int (*work)()) {
     const pid_t process = ::fork();
     if (process == 0) ::_exit(work());
     return process;
@@ -40,15 +35,10 @@ class Instance : public testing::Test {
   }
   static bool IsDone(const std::future<bool>& sent) { return sent.wait_for(0s) == std::future_status::ready; }
 
-  /// A sender that may misbehave.
-  int Connect() const {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const QByteArray path = QFile::encodeName(runtime_.path() + u"/tme/tme-%1"_s.arg(kHandle));
-    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
-    EXPECT_EQ(::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    return descriptor;
+  /// Sends what it likes.
+  void Connect(QLocalSocket& sender, const QByteArray& bytes) const {
+    sender.connectToServer(runtime_.path() + u"/tme/tme-%1"_s.arg(kHandle));
+    EXPECT_EQ(sender.write(bytes), bytes.size());
   }
 
   QByteArrayList received_;
@@ -70,17 +60,13 @@ TEST(CopyDataRecord, RefusesWhatIsNotWhole) {
 }
 
 TEST_F(Instance, ClaimEndsWithTheProcessThatHoldsIt) {
-  int pipe_ends[2];
-  ASSERT_EQ(::pipe(pipe_ends), 0);
-  const pid_t first = Fork([&pipe_ends] {
+  const pid_t first = Fork([] {
     InstanceLink link;
-    const char claimed = link.ClaimOnlyInstance() ? 'y' : 'n';
-    if (::write(pipe_ends[1], &claimed, 1) == 1) ::pause();
-    return 0;
+    return link.ClaimOnlyInstance() ? ::raise(SIGSTOP) : 1;
   });
-  char claimed = '?';
-  ASSERT_EQ(::read(pipe_ends[0], &claimed, 1), 1);
-  EXPECT_EQ(claimed, 'y');
+  int status = 0;
+  ::waitpid(first, &status, WUNTRACED);
+  EXPECT_TRUE(WIFSTOPPED(status));
   InstanceLink second;
   EXPECT_FALSE(second.ClaimOnlyInstance());
 
@@ -93,33 +79,23 @@ TEST_F(Instance, ClaimEndsWithTheProcessThatHoldsIt) {
   ::waitpid(first, nullptr, 0);
 }
 
-TEST_F(Instance, HandsOverFromAnotherProcess) {
+TEST_F(Instance, HandsOverAndTakesTheEndpointOfADeadProcess) {
   EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "early"_ba}));
-  InstanceLink link;
-  ASSERT_TRUE(link.Listen(kHandle, receive_));
-  int status = -1;
-  const pid_t sender = Fork([] { return InstanceLink::Send(kHandle, {3, QByteArray(255, 'x')}) ? 7 : 1; });
-  EXPECT_TRUE(QTest::qWaitFor([&] { return ::waitpid(sender, &status, WNOHANG) == sender; }));
-  EXPECT_EQ(WEXITSTATUS(status), 7);
-  EXPECT_EQ(received_, QByteArrayList{QByteArray(255, 'x')});
-  link.StopListening();
-  EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "late"_ba}));
-}
-
-TEST_F(Instance, TakesTheEndpointOfADeadProcess) {
   const pid_t dead = Fork([] {
     InstanceLink link;
-    const bool listening = link.Listen(kHandle, [](const CopyData&) {});
-    ::kill(::getpid(), SIGKILL);
-    return listening ? 0 : 1;
+    return link.Listen(kHandle, [](const CopyData&) {}) ? ::raise(SIGKILL) : 1;
   });
   ::waitpid(dead, nullptr, 0);
   EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "x"_ba})) << "nobody behind it, and no waiting";
+
   InstanceLink link;
   ASSERT_TRUE(link.Listen(kHandle, receive_));
-  const auto sent = Send("x"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
-  EXPECT_EQ(received_.size(), 1);
+  const QByteArray longest(255, 'x');
+  auto sent = Send(longest);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }) && sent.get());
+  EXPECT_EQ(received_, QByteArrayList{longest});
+  link.StopListening();
+  EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "late"_ba}));
 }
 
 TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
@@ -153,23 +129,19 @@ TEST_F(Instance, MayGoWhileItReceives) {
 TEST_F(Instance, HostileSendersHarmNobody) {
   InstanceLink link;
   ASSERT_TRUE(link.Listen(kHandle, receive_));
-  const int silent = Connect();
+  QLocalSocket silent;
+  Connect(silent, {});
   const QByteArray records[] = {"\x03\0\0\0\xFF\xFF\xFF\xFF\x0C\0\0\0"_ba, QByteArray(100000, 'x'),
                                 PackCopyData({3, "x"_ba}) + 'y', PackCopyData({3, "cut"_ba}).chopped(1)};
   for (const QByteArray& record : records) {
-    const int descriptor = Connect();
-    [[maybe_unused]] const ssize_t sent =
-        ::send(descriptor, record.constData(), static_cast<std::size_t>(record.size()), MSG_NOSIGNAL);
-    ::shutdown(descriptor, SHUT_WR);
-    char answer = 0;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ::recv(descriptor, &answer, 1, 0) != -1 || errno == ECONNRESET; }));
-    EXPECT_EQ(answer, 0);
-    ::close(descriptor);
+    QLocalSocket sender;
+    Connect(sender, record);
+    sender.disconnectFromServer();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sender.state() == QLocalSocket::UnconnectedState; }));
   }
   const auto sent = Send("good"_ba);
   EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
   EXPECT_EQ(received_, QByteArrayList{"good"_ba});
-  ::close(silent);
 }
 
 }  // namespace
