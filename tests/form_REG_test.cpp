@@ -206,8 +206,8 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   Reg().FileClose();
 
   const QString log = shell_utilities_.ProgramFolder() + u"/REG_ERR.TME"_s;
-  dialogs_.ExpectMsgBox(u"Errors were reported during inport.  Please see "_s + log + u"  for details."_s,
-                        u"Errors:"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
+  dialogs_.ExpectMsgBox(u"Errors were reported during inport.  Please see "_s + log + u"  for details."_s, u"Errors:"_s,
+                        MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
   OpenPathList(global_, File(u"bad.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n\"bad\"\r\n; c\r\n\"k\"=\"v\"\r\n"));
   EXPECT_EQ(BytesOf(log), "The following entries could not be processed:\r\n\r\nA: \"bad\"\r\r\n");
   EXPECT_EQ(Notice(), u"Not taken: 1 line that failed, 1 comment, the last line, which needs an empty one after it.");
@@ -221,7 +221,8 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
 TEST_F(RegWindow, SharedNamesAreSaidAndCannotFloodTheDisk) {
   std::string text = "REGEDIT4\r\n";
   for (int key = 0; key < 300; ++key)
-    text += "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"value of a length\"=\"" + std::string(40, 'x') + "\"\r\n";
+    text +=
+        "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"value of a length\"=\"" + std::string(40, 'x') + "\"\r\n";
   dialogs_.ExpectMsgBox(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
                         u"Large Registry File"_s, MsgButtons::YesNo, MsgAnswer::Yes);
   Open(text + "\r\n");

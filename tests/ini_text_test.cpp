@@ -116,15 +116,6 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
   mirror.Check();
 }
 
-TEST(IniReader, TakesAMillionSections) {
-  std::string text;
-  for (int i = 0; i < 1'000'000; ++i) text += "[Section number " + std::to_string((i * 7919LL) % 1'000'000) + "]\n";
-  IniTree tree;
-  EXPECT_TRUE(ReadInto(tree, text + std::string(1'000'000, 'x')).sections_reordered);
-  EXPECT_EQ(tree.SectionCount(), 1'000'000U);
-  EXPECT_EQ(tree.Root()->Child(999'999)->Text(), "Section number 999999");
-}
-
 TEST(IniWriter, WritesWhatTheTreeShows) {
   const std::pair<std::string, std::string> cases[] = {
       {"", ""},
@@ -145,17 +136,6 @@ TEST(IniWriter, WritesWhatTheTreeShows) {
     EXPECT_EQ(result.lines_not_read + result.blank_lines_dropped, 0U);
     EXPECT_FALSE(result.sections_reordered || result.entries_reordered);
   }
-}
-
-TEST(IniWriter, ClipboardTexts) {
-  IniTree tree;
-  ReadInto(tree, ";r\n[b]\nk=1\n;c\n[a]\n");
-  const std::pair<const char*, const char*> cases[] = {{"", "[a]\r\n\r\n[b]\r\n;c\r\nk=1\r\n\r\n"},
-                                                       {"b", "[b]\r\n;c\r\nk=1\r\n"},
-                                                       {"k=1", "k=1"},
-                                                       {";c", ""},
-                                                       {";r", ""}};
-  for (const auto& [node, expected] : cases) EXPECT_EQ(ClipboardText(*FindNode(tree, node)), expected) << node;
 }
 
 }  // namespace

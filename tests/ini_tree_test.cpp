@@ -142,17 +142,6 @@ TEST(IniTree, RemovesWhatBeginsWithTheSelectedKey) {
   for (const EditCase& test : cases) RunCase(test);
 }
 
-TEST(IniTree, FollowsTheSelectionThroughALongListInLinearTime) {
-  std::string file = "[s]\n";
-  for (int i = 0; i < 200'000; ++i) file += "k" + std::to_string((i * 7919) % 200'000) + "\n";
-  IniTree tree;
-  ReadInto(tree, file + "k\n");
-  tree.Select(FindNode(tree, "k"));
-  tree.RemoveStartingWithSelectedKey();
-  EXPECT_EQ(Dump(tree), "[s]");
-  EXPECT_EQ(tree.Selected()->Text(), "s");
-}
-
 TEST(IniTree, AMirrorFollowsAnySequenceOfEdits) {
   std::mt19937 random(2);
   IniTree tree;
@@ -186,32 +175,6 @@ TEST(IniTree, AMirrorFollowsAnySequenceOfEdits) {
     mirror.Check();
   }
   EXPECT_GT(largest, 100U) << "too little to be a test";
-}
-
-TEST(IniTree, KeysAndExpansion) {
-  IniTree tree("WIN.INI");
-  ReadInto(tree, "[b]\nk=v=w\nplain\n[a]\n");
-  EXPECT_EQ(tree.Root()->Key(), "Primary");
-  EXPECT_NE(tree.Root()->Child(0)->Key(), tree.Root()->Child(1)->Key());
-  const IniNode* entry = FindNode(tree, "k=v=w");
-  EXPECT_EQ(entry->Key(), "");
-  EXPECT_EQ(entry->EntryKey(), "k");
-  EXPECT_EQ(entry->EntryValue(), "v=w");
-  EXPECT_EQ(FindNode(tree, "plain")->EntryKey(), "plain");
-  EXPECT_FALSE(tree.IsUniqueSectionName("a"));
-  EXPECT_TRUE(tree.IsUniqueSectionName("A"));
-
-  tree.ExpandAll();
-  EXPECT_TRUE(tree.Root()->Child(1)->Expanded());
-  tree.CollapseAll();
-  EXPECT_FALSE(tree.Root()->Child(1)->Expanded());
-  EXPECT_TRUE(tree.Root()->Expanded());
-
-  tree.Reset("OTHER.INI");
-  EXPECT_EQ(tree.Root()->Text(), "OTHER.INI");
-  tree.AddEntryToAllSections("nowhere", IniTag::Value);
-  tree.AddSection("b");
-  EXPECT_EQ(Dump(tree), "[b]") << "used again";
 }
 
 }  // namespace

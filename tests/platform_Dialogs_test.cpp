@@ -2,16 +2,12 @@
 
 #include <QApplication>
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
 
@@ -31,37 +27,6 @@ void WhenShown(const Use& use) {
   });
 }
 
-TEST(Dialogs, MsgBoxKeys) {
-  const struct {
-    MsgButtons buttons;
-    MsgAnswer enter, escape;
-  } cases[] = {{MsgButtons::Ok, MsgAnswer::Ok, MsgAnswer::Ok},
-               {MsgButtons::YesNo, MsgAnswer::Yes, MsgAnswer::No},
-               {MsgButtons::YesNoCancel, MsgAnswer::Yes, MsgAnswer::Cancel}};
-  for (const auto& [buttons, enter, escape] : cases) {
-    for (const Qt::Key key : {Qt::Key_Enter, Qt::Key_Escape}) {
-      WhenShown<QMessageBox>([key](QMessageBox* box) {
-        EXPECT_EQ(box->textFormat(), Qt::PlainText);
-        QTest::keyClick(box, key);
-      });
-      const MsgAnswer expected = key == Qt::Key_Enter ? enter : escape;
-      EXPECT_EQ(Dialogs().MsgBox(u"<b>x</b>"_s, buttons, MsgIcon::Question, u"T"_s), expected);
-    }
-  }
-}
-
-TEST(Dialogs, InputBox) {
-  for (const bool accept : {true, false}) {
-    WhenShown<QInputDialog>([accept](QInputDialog* box) {
-      auto* edit = box->findChild<QLineEdit*>();
-      EXPECT_EQ(edit->selectedText(), u"old"_s) << "typing replaces what is proposed";
-      QTest::keyClicks(edit, u"new"_s);
-      QTest::keyClick(edit, accept ? Qt::Key_Enter : Qt::Key_Escape);
-    });
-    EXPECT_EQ(Dialogs().InputBox(u"Prompt <i>"_s, u"T"_s, u"old"_s), accept ? u"new"_s : QString());
-  }
-}
-
 class FileDialogs : public testing::Test {
  protected:
   FileDialogs() {
@@ -78,23 +43,6 @@ class FileDialogs : public testing::Test {
  private:
   QTemporaryDir folder_;
 };
-
-TEST_F(FileDialogs, FiltersMatchInAnyLetterCase) {
-  WhenShown<QFileDialog>([this](QFileDialog* box) {
-    EXPECT_EQ(box->nameFilters(), QStringList({u"INI File (*.[Ii][Nn][Ii])"_s,
-                                               u"Text File (*.[Tt][Xx][Tt] *.[Bb][Aa][Tt])"_s, u"Other (*.*) (*)"_s}));
-    EXPECT_EQ(box->selectedNameFilter(), u"Text File"_s);
-    box->selectNameFilter(box->nameFilters().at(2));
-    box->findChild<QLineEdit*>()->setText(u"\"a.ini\" \"b.ini\""_s);
-    QMetaObject::invokeMethod(box, "accept");
-  });
-  Make("a.ini"_L1);
-  Make("b.ini"_L1);
-  dialog_.multi_select = true;
-  EXPECT_EQ(dialog_.ShowOpen(), QStringList({In("a.ini"_L1), In("b.ini"_L1)}));
-  EXPECT_EQ(dialog_.filter_index, 3);
-  EXPECT_EQ(dialog_.file_name, In("a.ini"_L1));
-}
 
 TEST_F(FileDialogs, SaveAddsTheExtensionAndDoesNotAskAboutAnExistingFile) {
   Make("new.TXT"_L1);

@@ -78,15 +78,5 @@ TEST(TextFile, WhatIsWrittenIsReadAsTheSameText) {
   }
 }
 
-TEST(TextFile, RefusesWhatTheEncodingCannotHold) {
-  const TextFormat code_page;
-  EXPECT_EQ(EncodeText("\u00FC\u20AC", code_page), "\xFC\x80");
-  EXPECT_EQ(EncodeText("\u0416", code_page), std::nullopt);
-  EXPECT_EQ(EncodeText("\u00C3\u00A9", code_page), std::nullopt) << "would come back as one character";
-  EXPECT_EQ(EncodeText("\u00FF\u00FEA", code_page), std::nullopt) << "would come back as UTF-16";
-  EXPECT_EQ(EncodeText("\xC3(", code_page), std::nullopt);
-  EXPECT_EQ(EncodeText("\xC3(", {TextEncoding::Utf16Le, {}}), std::nullopt);
-}
-
 }  // namespace
 }  // namespace tme

@@ -102,14 +102,5 @@ TEST(RegDocument, CountsByTheLastComponent) {
   EXPECT_EQ(document.UnsavedValues(), 1U);
 }
 
-TEST(RegDocument, NodesHaveKeysAndPaths) {
-  RegDocument document;
-  RegNode* hive = document.AddHiveNode(HiveNames[3]);
-  const RegNode* branch = document.AddBranch(document.AddBranch(hive, "a b"), "");
-  EXPECT_EQ(document.Root()->Key() + document.Root()->KeyPath(), "PRIMARY");
-  EXPECT_NE(hive->Key(), branch->Key());
-  EXPECT_EQ(branch->KeyPath(), Reg("$/a b/"));
-}
-
 }  // namespace
 }  // namespace tme

@@ -58,14 +58,6 @@ TEST_F(Editor, KindFollowsTheLastThreeLetters) {
   EXPECT_EQ(OpenCodeOf(u"a.ini"_s, u"*.INI;*.TXT"_s), OpenCode::Txt) << "the text filter wins";
 }
 
-TEST_F(Editor, KindWithoutAnEditorIsSaid) {
-  const QString path = File(u"a.txt"_s, "text\r\n");
-  dialogs_.ExpectMsgBox(u"This version of the editor has no window for a document of the kind \"TXT File\"."_s,
-                        u"Tamarind Editor"_s);
-  Start({path});
-  EXPECT_EQ(frame_->ActiveDocument(), nullptr);
-}
-
 TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   const QString first = File(u"one two.ini"_s, kIni), second = File(u"b.ini"_s, kIni), odd = File(u"odd.cfg"_s, kIni);
   registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, kTextType, u"2"_s);
