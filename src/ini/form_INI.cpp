@@ -232,20 +232,11 @@ void form_INI::NewINI() {
 }
 
 void form_INI::OpenINI() {
-  DocumentSlot& slot = Slot();
-  std::string bytes;
-  if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
-    ShowReadFailure(slot.path, *failure);
-    slot.path.clear();
-    slot.title.clear();
-    return;
-  }
-  DecodedText decoded = DecodeText(std::move(bytes));
-  TakeSlot();
-  format_ = decoded.format;
-  tree_.Reset(slot.title.toStdString());
-  setWindowTitle(slot.title);
-  const IniReadResult result = Read(std::move(decoded.text));
+  std::optional<DecodedText> decoded = TakeSlotFile();
+  if (!decoded) return;
+  format_ = decoded->format;
+  tree_.Reset(Slot().title.toStdString());
+  const IniReadResult result = Read(std::move(decoded->text));
   AddNotice(NoticeOf(result, tr("The file")));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();

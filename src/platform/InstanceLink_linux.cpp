@@ -31,7 +31,7 @@ constexpr qsizetype kHeaderBytes = kCopyDataHeaderBytes;
 constexpr qsizetype kMaxDataBytes = kMaxCopyDataBytes;
 /// A sender that has not sent its record by then is dropped.
 constexpr std::chrono::seconds kRecordPatience{10};
-/// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directory specification).
+/// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
 constexpr mode_t kKeptOwnerOnly = 01600;
 
 /// Owned by this user, and nobody else has any of the rights.

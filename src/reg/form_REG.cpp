@@ -229,22 +229,13 @@ void form_REG::NewREG() {
 }
 
 void form_REG::OpenREG() {
-  DocumentSlot& slot = Slot();
-  std::string bytes;
-  if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
-    ShowReadFailure(slot.path, *failure);
-    slot.path.clear();
-    slot.title.clear();
-    return;
-  }
-  TakeSlot();
+  std::optional<DecodedText> decoded = TakeSlotFile();
+  if (!decoded) return;
+  format_ = decoded->format;
   ExpandedLayout = false;
-  document_.Reset(slot.title.toStdString());
-  setWindowTitle(slot.title);
+  document_.Reset(Slot().title.toStdString());
   ShowInFrame();
-  DecodedText decoded = DecodeText(std::move(bytes));
-  format_ = decoded.format;
-  const RegReadResult result = Read(std::move(decoded.text));
+  const RegReadResult result = Read(std::move(decoded->text));
   switch (result.end) {
     case RegReadEnd::HeaderRefused:
       SetChanged(false);

@@ -44,6 +44,20 @@ void DocumentWindow::TakeSlot() {
   ClearNotice();
 }
 
+std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
+  DocumentSlot& slot = Slot();
+  std::string bytes;
+  if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
+    ShowReadFailure(slot.path, *failure);
+    slot.path.clear();
+    slot.title.clear();
+    return std::nullopt;
+  }
+  TakeSlot();
+  setWindowTitle(slot.title);
+  return DecodeText(std::move(bytes));
+}
+
 void DocumentWindow::ReleaseSlot() {
   tag_.clear();
   DocumentSlot& slot = Slot();

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 #include "platform/TextFile.h"
 #include "shell/DocumentKind.h"
@@ -38,6 +39,7 @@ class DocumentWindow : public QWidget {
 
   /// The window became the active one: the shell's commands go to it from now on.
   void Form_Activate();
+  void ShowReadFailure(const QString& path, const FileFailure& failure);
   void ShowWriteFailure(const QString& path, const FileFailure& failure);
 
   /// Closes the window for the shutdown, with its question about unsaved changes.
@@ -54,6 +56,9 @@ class DocumentWindow : public QWidget {
 
   /// Takes the slot: sets the tag, builds the controls if needed and clears the notice.
   void TakeSlot();
+  /// Reads and decodes the file at the slot's path, takes the slot and sets the caption. Nothing after a message about
+  /// a file that cannot be read; the slot is free then.
+  std::optional<DecodedText> TakeSlotFile();
   /// The document is gone: empties tag and slot, hides the window and shows the menus of what is active now.
   void ReleaseSlot();
   /// Shows the window as a child of the frame and makes it active.
@@ -68,7 +73,6 @@ class DocumentWindow : public QWidget {
   /// Says that a save had to change the encoding; nothing when it did not.
   void AddEncodingNotice(TextEncoding before, TextEncoding after);
   /// The message about a file that could not be read or written.
-  void ShowReadFailure(const QString& path, const FileFailure& failure);
   /// The save dialog with its question about an existing file; the path that the user chose, empty when cancelled.
   QString AskForSavePath(const QString& title, const QString& filter, const QString& default_ext);
 
