@@ -176,6 +176,15 @@ TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
   EXPECT_EQ(Reg().Document().NodeCount(), 3U) << "the root stays";
 }
 
+TEST_F(RegWindow, ExpandsADeepTreeOnlySoFar) {
+  std::string path = "HKEY_USERS";
+  for (int level = 0; level < 100'000; ++level) path += "\\k";
+  Open("REGEDIT4\r\n[" + path + "]\r\n\r\n");
+  SelectKey({});
+  QTest::keyClick(View(u"TV"_s), Qt::Key_Asterisk);
+  EXPECT_TRUE(View(u"TV"_s)->isExpanded(View(u"TV"_s)->model()->index(0, 0)));
+}
+
 TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   const auto ask = [this](const QString& text, const QString& title, MsgAnswer answer, MsgIcon icon) {
     dialogs_.ExpectMsgBox(text, title, MsgButtons::YesNo, answer, icon);
@@ -215,6 +224,7 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
 
   OpenPathList(global_, File(u"hive.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n[HKLM\\A]\r\n\"k\"=\"v\"\r\n"));
   EXPECT_FALSE(View(u"TV"_s)->isVisible()) << "kept: the import just stops";
+  EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"Importing Data:");
   EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3:")) << Notice().toStdString();
 }
 

@@ -46,7 +46,10 @@ QString ExistingFolder(const QString& folder) {
 }
 
 QString WithExtension(const QString& path, const QString& extension) {
-  return QFileInfo(path).fileName().contains(u'.') ? path : path + extension;
+  if (QFileInfo(path).fileName().contains(u'.')) return path;
+  // A file of that name in small letters is the one that is meant.
+  const QString small = path + extension.toLower();
+  return QFileInfo::exists(small) ? small : path + extension;
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ namespace {
 
 constexpr int kRepaintsMs = 33;  // about 30 a second
 constexpr int kStages = 7;
+constexpr int kStageOfHive = 4;
 constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
 /// Twips, where the settings have none.
 constexpr std::array kColumnWidths{2700, 1100, 4500};
@@ -246,6 +247,7 @@ void form_REG::OpenREG() {
       break;
     case RegReadEnd::UnknownHive:
       // Intended: the import just stops; the bars, the label and the hidden tree stay as they are.
+      ShowImport({RegProgress::Phase::Importing, result.ended_at_line, result.line_count, kStageOfHive});
       break;
     case RegReadEnd::EndOfInput:
       EndProgress();
@@ -288,16 +290,20 @@ void form_REG::ShowProgress(const RegProgress& progress) {
   if (progress.phase == RegProgress::Phase::Counting) {
     SetLocation(u"Information Count: %1 lines."_s.arg(progress.lines));
   } else {
-    SetLocation(u"Importing Data:"_s);
-    PB->show();
-    PB2->show();
-    // A progress bar counts in int; parts of a thousand serve any file.
-    PB->setMaximum(1000);
-    PB->setValue(static_cast<int>(1000 * progress.lines / std::max<std::uint64_t>(progress.total, 1)));
-    PB2->setValue(progress.stage);
+    ShowImport(progress);
   }
   // Repaints, but holds back what would act on a half-read document: keys, clicks and other launches.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
+}
+
+void form_REG::ShowImport(const RegProgress& progress) {
+  SetLocation(u"Importing Data:"_s);
+  PB->show();
+  PB2->show();
+  // A progress bar counts in int; parts of a thousand serve any file.
+  PB->setMaximum(1000);
+  PB->setValue(static_cast<int>(1000 * progress.lines / std::max<std::uint64_t>(progress.total, 1)));
+  PB2->setValue(progress.stage);
 }
 
 void form_REG::EndProgress() {
@@ -355,6 +361,7 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   }
   slot.path = path;
   slot.title = QFileInfo(path).fileName();
+  document_.SetText(document_.Root(), slot.title.toStdString());
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
   SetLocation({});
   setWindowTitle(slot.title);

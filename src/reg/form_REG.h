@@ -73,6 +73,7 @@ class form_REG : public DocumentWindow {
 
   RegReadResult Read(std::string text);
   void ShowProgress(const RegProgress& progress);
+  void ShowImport(const RegProgress& progress);
   void EndProgress();
   void ReportErrors(const std::string& error_log);
   SaveOutcome WriteRegFile();

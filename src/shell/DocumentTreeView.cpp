@@ -1,9 +1,16 @@
 #include "shell/DocumentTreeView.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QScrollBar>
 
 namespace tme {
+namespace {
+
+/// QTreeView lays out expanded levels by recursion; 100,000 of them overflow the stack.
+constexpr int kMaxDepth = 1000;
+
+}  // namespace
 
 DocumentTreeView::DocumentTreeView(QWidget* parent) : QTreeView(parent) {
   setObjectName(QStringLiteral("TV"));
@@ -21,6 +28,11 @@ DocumentTreeView::DocumentTreeView(QWidget* parent) : QTreeView(parent) {
 void DocumentTreeView::reset() {
   QTreeView::reset();
   FitColumn(Width::MayShrink);
+}
+
+void DocumentTreeView::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Asterisk) return QTreeView::keyPressEvent(event);
+  expandRecursively(currentIndex(), kMaxDepth);
 }
 
 void DocumentTreeView::resizeEvent(QResizeEvent* event) {

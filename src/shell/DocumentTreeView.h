@@ -14,6 +14,8 @@ class DocumentTreeView : public QTreeView {
   void reset() override;
 
  protected:
+  /// The asterisk expands what lies below the current row, down to a depth that a layout by recursion can take.
+  void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void updateGeometries() override;
   /// A click beside the rows leaves the selection alone, since commands go by it.
