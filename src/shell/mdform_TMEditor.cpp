@@ -122,7 +122,6 @@ void mdform_TMEditor::ApplyStoredPlacement() {
                     apply(left, [&](int pixels) { placement.moveLeft(pixels); }) &&
                     apply(width, [&](int pixels) { placement.setWidth(std::max(pixels, 0)); }) &&
                     apply(height, [&](int pixels) { placement.setHeight(std::max(pixels, 0)); }));
-  // The position comes last: a size given after it would make it the position of the client area.
   resize(placement.size().boundedTo(screen()->availableSize()));
   // A screen that is gone must not take the frame with it.
   if (QGuiApplication::screenAt(placement.center())) move(placement.topLeft());
@@ -137,8 +136,9 @@ void mdform_TMEditor::WriteGeometry() {
   write(u"MDI Max"_s, isMaximized() ? u"1"_s : u"0"_s);
   if (isMaximized()) return;
   const auto twips = [this](int pixels) { return QString::number(PixelsToTwips(pixels, logicalDpiX())); };
-  write(u"MDI Top"_s, twips(y()));
-  write(u"MDI Left"_s, twips(x()));
+  // Without the decoration, which is not there yet when the next start places the window.
+  write(u"MDI Top"_s, twips(geometry().y()));
+  write(u"MDI Left"_s, twips(geometry().x()));
   write(u"MDI Height"_s, twips(height()));
   write(u"MDI Width"_s, twips(width()));
 }
