@@ -41,15 +41,6 @@ constexpr std::array kColumnWidths{2700, 1100, 4500};
 constexpr const char* kErrorLogName = "REG_ERR.TME";
 constexpr const char* kPrintFileName = "~REGPRNT.TMP";
 
-/// The program's own folder, or where a file goes when that cannot be written.
-QStringList OwnFolders(const ShellUtilities& utilities) {
-  return {utilities.ProgramFolder(), utilities.UserDataFolder()};
-}
-
-QString InFolder(const QString& folder, const char* name) {
-  return QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
-}
-
 }  // namespace
 
 form_REG::form_REG(Global& global, int slot) : DocumentWindow(global, DocumentKind::Reg, slot) {}
@@ -314,17 +305,27 @@ void form_REG::EndProgress() {
 
 void form_REG::ReportErrors(const std::string& error_log) {
   const std::string text = "The following entries could not be processed:\r\n\r\n" + error_log + "\r\n";
-  std::optional<FileFailure> failure;
-  QString path;
-  for (const QString& folder : OwnFolders(global_.shell_utilities)) {
-    path = InFolder(folder, kErrorLogName);
+  const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
     TextFormat format = format_;
-    failure = WriteTextFile(FilePath(path), format, [&text](const FilePart& put) { return put(text); });
-    if (!failure) break;
-  }
-  if (failure) return ShowWriteFailure(path, *failure);
+    return WriteTextFile(file, format, [&text](const FilePart& put) { return put(text); });
+  });
+  if (path.isEmpty()) return;
   global_.dialogs.MsgBox(u"Errors were reported during inport.  Please see "_s + path + u"  for details."_s,
                          MsgButtons::Ok, MsgIcon::Information, u"Errors:"_s);
+}
+
+QString form_REG::WriteOwnFile(
+    const char* name, const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write) {
+  const ShellUtilities& utilities = global_.shell_utilities;
+  QString path;
+  std::optional<FileFailure> failure;
+  for (const QString& folder : {utilities.ProgramFolder(), utilities.UserDataFolder()}) {
+    path = QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
+    failure = write(FilePath(path));
+    if (!failure) return path;
+  }
+  ShowWriteFailure(path, *failure);
+  return {};
 }
 
 void form_REG::FileSaveRegular() {
@@ -369,17 +370,18 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   return SaveOutcome::Saved;
 }
 
-bool form_REG::WriteTo(const QString& path) {
+std::optional<FileFailure> form_REG::Write(const std::filesystem::path& file, TextFormat& format) const {
   const Hourglass hourglass;
   const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
-  if (RegOutputBytes(document_, layout) / kMaxRegGrowth > document_.ContentBytes()) {
-    ShowWriteFailure(path, {"So many keys share their names that the file would grow to more than " +
-                            std::to_string(kMaxRegGrowth) + " times the size of the document"});
-    return false;
-  }
+  if (RegOutputBytes(document_, layout) > kMaxRegGrowth * document_.ContentBytes())
+    return FileFailure{"So many keys share their names that the file would grow to more than " +
+                       std::to_string(kMaxRegGrowth) + " times the size of the document"};
+  return WriteTextFile(file, format, [&](const FilePart& put) { return WriteReg(document_, layout, put); });
+}
+
+bool form_REG::WriteTo(const QString& path) {
   TextFormat format = format_;
-  if (const auto failure = WriteTextFile(FilePath(path), format,
-                                         [&](const FilePart& put) { return WriteReg(document_, layout, put); })) {
+  if (const auto failure = Write(FilePath(path), format)) {
     ShowWriteFailure(path, *failure);
     return false;
   }
@@ -405,20 +407,16 @@ bool form_REG::CloseDocument() {
 }
 
 void form_REG::PrintDoc(QPrinter* printer) {
-  const TextFormat format = format_;
   const bool expanded = std::exchange(ExpandedLayout, true);
-  std::string bytes;
-  for (const QString& folder : OwnFolders(global_.shell_utilities)) {
-    const QString path = InFolder(folder, kPrintFileName);
-    if (folder != OwnFolders(global_.shell_utilities).last() && !QFileInfo(folder).isWritable()) continue;
-    if (!WriteTo(path)) break;
-    if (const auto failure = ReadFileBytes(FilePath(path), bytes)) ShowReadFailure(path, *failure);
-    break;
-  }
+  const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
+    TextFormat format = format_;
+    return Write(file, format);
+  });
   ExpandedLayout = expanded;
-  format_ = format;
   SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
-  if (bytes.empty()) return;
+  std::string bytes;
+  if (path.isEmpty()) return;
+  if (const auto failure = ReadFileBytes(FilePath(path), bytes)) return ShowReadFailure(path, *failure);
   const Hourglass hourglass;
   if (!RTFPrint2) {
     RTFPrint2 = new QTextEdit(this);

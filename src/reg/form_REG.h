@@ -77,6 +77,12 @@ class form_REG : public DocumentWindow {
   void EndProgress();
   void ReportErrors(const std::string& error_log);
   SaveOutcome WriteRegFile();
+  /// Writes a file of the program's own into its folder, or else into the user's data folder. Its path; empty after a
+  /// message when neither can be written.
+  QString WriteOwnFile(const char* name,
+                       const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
+  /// In the layout that is set; `format` says the encoding that was taken.
+  std::optional<FileFailure> Write(const std::filesystem::path& file, TextFormat& format) const;
   /// Writes and reports; false when the file is as it was.
   bool WriteTo(const QString& path);
   void SetLocation(const QString& text);
