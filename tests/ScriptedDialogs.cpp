@@ -36,7 +36,7 @@ QString ScriptedDialogs::InputBox(const QString& prompt, const QString& title, c
 
 QStringList ScriptedCommonDialog::ShowOpen() {
   shown.push_back(*this);
-  const auto [paths, index] = Next("Open");
+  const auto [paths, index, choose] = Next("Open");
   if (paths.isEmpty()) return {};
   if (index != 0) filter_index = index;
   file_name = paths.first();
@@ -48,6 +48,13 @@ QString ScriptedCommonDialog::ShowSave() {
   const QString path = Next("Save").paths.value(0);
   if (!path.isEmpty()) file_name = path;
   return path;
+}
+
+bool ScriptedCommonDialog::Choose(const std::string& dialog) {
+  shown.push_back(*this);
+  const std::function<void(tme::CommonDialog&)> choose = Next(dialog).choose;
+  if (choose) choose(*this);
+  return choose != nullptr;
 }
 
 std::unique_ptr<QPrinter> ScriptedCommonDialog::ShowPrinter() {

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -56,23 +57,33 @@ class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
 };
 
 struct FileAnswer {
-  QStringList paths;
+  QStringList paths{};
   int index = 0;
+  std::function<void(tme::CommonDialog&)> choose{};
 };
 
 /// The same for the shared open, save and print dialog. `shown` keeps the fields as they were at each call.
 class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer> {
  public:
   /// paths: none to cancel. index: the filter entry that the user chooses; 0 leaves the one that is set.
-  void ExpectOpen(const QStringList& paths, int index = 0) { Add("Open", {paths, index}); }
+  void ExpectOpen(const QStringList& paths, int index = 0) { Add("Open", {paths, index, {}}); }
   /// path: empty to cancel.
-  void ExpectSave(const QString& path) { Add("Save", {QStringList(path)}); }
+  void ExpectSave(const QString& path) { Add("Save", {QStringList(path), 0, {}}); }
   /// pdf: the file that is printed into; empty to cancel.
-  void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf)}); }
+  void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf), 0, {}}); }
+
+  /// choose: sets the fields as the user would; none to cancel.
+  void ExpectFont(const std::function<void(tme::CommonDialog&)>& choose = {}) { Add("Font", {{}, 0, choose}); }
+  void ExpectColor(const std::function<void(tme::CommonDialog&)>& choose = {}) { Add("Color", {{}, 0, choose}); }
 
   QStringList ShowOpen() override;
   QString ShowSave() override;
+  bool ShowFont() override { return Choose("Font"); }
+  bool ShowColor() override { return Choose("Color"); }
   std::unique_ptr<QPrinter> ShowPrinter() override;
 
   std::vector<tme::CommonDialog> shown;
+
+ private:
+  bool Choose(const std::string& dialog);
 };

@@ -1,9 +1,11 @@
 #include "platform/CommonDialog.h"
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontDialog>
 #include <QPrintDialog>
 #include <algorithm>
 
@@ -75,6 +77,37 @@ QString CommonDialog::ShowSave() {
   if (chosen.isEmpty()) return {};
   file_name = QDir::toNativeSeparators(WithExtension(chosen.first(), default_ext));
   return file_name;
+}
+
+bool CommonDialog::ShowFont() {
+  QFont font = QApplication::font();
+  if (!font_name.isEmpty()) font.setFamily(font_name);
+  if (font_size > 0) font.setPointSize(font_size);
+  font.setBold(font_bold);
+  font.setItalic(font_italic);
+  font.setUnderline(font_underline);
+  font.setStrikeOut(font_strikethru);
+  QFontDialog dialog(font, QApplication::activeWindow());
+  dialog.setObjectName("FontDialog"_L1);
+  dialog.setWindowTitle(title);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  const QFont chosen = dialog.selectedFont();
+  font_name = chosen.family();
+  font_size = chosen.pointSize();
+  font_bold = chosen.bold();
+  font_italic = chosen.italic();
+  font_underline = chosen.underline();
+  font_strikethru = chosen.strikeOut();
+  return true;
+}
+
+bool CommonDialog::ShowColor() {
+  QColorDialog dialog(color, QApplication::activeWindow());
+  dialog.setObjectName("ColorDialog"_L1);
+  dialog.setWindowTitle(title);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  color = dialog.selectedColor();
+  return true;
 }
 
 std::unique_ptr<QPrinter> CommonDialog::ShowPrinter() {

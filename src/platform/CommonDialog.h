@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QPrinter>
 #include <QString>
 #include <QStringList>
@@ -7,8 +8,8 @@
 
 namespace tme {
 
-/// The one shared open, save and print dialog. Its fields are set before each use and keep their values between uses.
-/// Virtual, so that a test can choose instead.
+/// The one shared open, save, font, colour and print dialog. Its fields are set before each use and keep their values
+/// between uses. Virtual, so that a test can choose instead.
 class CommonDialog {
  public:
   /// Print dialog flags (commdlg.h): PD_RETURNDC and PD_NOPAGENUMS.
@@ -28,12 +29,24 @@ class CommonDialog {
   QString file_name;
   bool multi_select = false;
   int flags = 0;
+  /// Font dialog; not shown in it beforehand, so that it begins where it was left. Empty and 0 until a font was chosen.
+  QString font_name;
+  int font_size = 0;  ///< points
+  bool font_bold = false;
+  bool font_italic = false;
+  bool font_underline = false;
+  bool font_strikethru = false;
+  QColor color = Qt::black;
 
   virtual ~CommonDialog() = default;
   /// Chosen files as whole paths; empty when cancelled.
   virtual QStringList ShowOpen();
   /// Chosen path; empty when cancelled. Does not ask about an existing file.
   virtual QString ShowSave();
+  /// Font and attributes into the font fields; false when cancelled, which leaves them as they were.
+  virtual bool ShowFont();
+  /// Into `color`; false when cancelled, which leaves it as it was.
+  virtual bool ShowColor();
   /// The printer that was chosen, null when cancelled. The caller owns it.
   virtual std::unique_ptr<QPrinter> ShowPrinter();
 };

@@ -68,6 +68,8 @@ void DocumentWindow::ReleaseSlot() {
   global_.frame->DocumentClosed(this);
 }
 
+void DocumentWindow::RecordOpened() { global_.skip_recent_once = false; }
+
 void DocumentWindow::ShowInFrame() { global_.frame->ShowDocument(this); }
 
 void DocumentWindow::SetChanged(bool changed) {

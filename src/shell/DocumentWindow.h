@@ -37,6 +37,11 @@ class DocumentWindow : public QWidget {
   /// Width that a cascade gives the window, in pixels; 0 for a share of the frame.
   virtual int PreferredWidth() const { return 0; }
 
+  /// Counts the edits of the content, whether or not they mark the document changed.
+  virtual std::uint64_t Revision() const { return 0; }
+  /// Whether the content was edited since it was read or written.
+  bool IsTouched() const { return Revision() != clean_revision_; }
+
   /// The window became the active one: the shell's commands go to it from now on.
   void Form_Activate();
   void ShowReadFailure(const QString& path, const FileFailure& failure);
@@ -63,6 +68,11 @@ class DocumentWindow : public QWidget {
   void ReleaseSlot();
   /// Shows the window as a child of the frame and makes it active.
   void ShowInFrame();
+
+  /// The content is now what the file holds.
+  void MarkClean() { clean_revision_ = Revision(); }
+  /// A file was read from the slot's path: it joins the recent files, unless this once it shall not.
+  void RecordOpened();
 
   /// The changed flag of the slot and its marker at the end of the caption.
   void SetChanged(bool changed);
@@ -92,6 +102,7 @@ class DocumentWindow : public QWidget {
   const DocumentKind kind_;
   const int slot_number_;
   QString tag_;
+  std::uint64_t clean_revision_ = 0;
   QVBoxLayout* layout_ = nullptr;
   NoticeBar* notice_bar_ = nullptr;
 };

@@ -31,6 +31,8 @@ struct Global {
   bool exiting = false;
   /// Cutting deletes what it copied without asking.
   bool skip_confirmation = false;
+  /// The next file that is opened does not join the recent files.
+  bool skip_recent_once = false;
   /// The frame; set by its constructor, null before.
   mdform_TMEditor* frame = nullptr;
 };

@@ -223,6 +223,16 @@ void GlobalMenus::SetAvailable(const char* item_name, bool available) {
   actions_.value(QString::fromLatin1(item_name))->setEnabled(available);
 }
 
+void GlobalMenus::SetChecked(const char* item_name, bool checked) {
+  QAction* action = actions_.value(QString::fromLatin1(item_name));
+  action->setCheckable(true);
+  action->setChecked(checked);
+}
+
+bool GlobalMenus::IsChecked(const char* item_name) const {
+  return actions_.value(QString::fromLatin1(item_name))->isChecked();
+}
+
 QAction* GlobalMenus::Action(const QString& item_name) const { return actions_.value(item_name); }
 
 QMenu* GlobalMenus::Menu(const QString& menu_name) const { return menus_.value(menu_name); }

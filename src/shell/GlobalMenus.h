@@ -32,6 +32,10 @@ class GlobalMenus : public QObject {
   /// Whether an item of the active document can be chosen now.
   void SetAvailable(const char* item_name, bool available);
 
+  /// The check mark of an item; one that was never set has none.
+  void SetChecked(const char* item_name, bool checked);
+  bool IsChecked(const char* item_name) const;
+
   /// Null for a name that is not in the table.
   QAction* Action(const QString& item_name) const;
   QMenu* Menu(const QString& menu_name) const;

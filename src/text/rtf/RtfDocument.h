@@ -1,0 +1,179 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// What a rich-text file holds, apart from its bytes and from any window. RtfReader fills it, RtfWriter writes it; a
+/// window makes its view of it and gives one back. All lengths are twips (1/1440 inch), as in the file format, unless a
+/// field says otherwise. All texts are UTF-8.
+namespace tme::rtf {
+
+enum class Underline : std::uint8_t {
+  None,
+  Single,
+  Words,
+  Double,
+  Dotted,
+  Dash,
+  DashDot,
+  DashDotDot,
+  Thick,
+  Wave,
+};
+enum class Script : std::uint8_t { Normal, Super, Sub };
+enum class Capitals : std::uint8_t { None, All, Small };
+enum class Strike : std::uint8_t { None, Single, Double };
+
+/// The look of a run. Equal looks share one entry of RtfDocument::char_formats.
+struct CharFormat {
+  std::uint32_t font = 0;          ///< index into RtfDocument::fonts; past its end: the reader's default
+  std::uint32_t half_points = 24;  ///< size, in half points
+  std::uint32_t color = 0;         ///< index into RtfDocument::colors; 0 is automatic
+  std::uint32_t background = 0;    ///< the same, behind the text
+  std::uint32_t field = 0;         ///< index into RtfDocument::fields plus 1; 0 outside any field
+  std::uint32_t extra = 0;         ///< index into RtfDocument::extras plus 1: control words that are kept, not shown
+  bool bold = false;
+  bool italic = false;
+  bool hidden = false;
+  Strike strike = Strike::None;
+  Underline underline = Underline::None;
+  Script script = Script::Normal;
+  Capitals capitals = Capitals::None;
+
+  bool operator==(const CharFormat&) const = default;
+};
+
+enum class Alignment : std::uint8_t { Left, Right, Center, Justify };
+
+enum class ListKind : std::uint8_t { None, Bullet, Decimal, LowerLetter, UpperLetter, LowerRoman, UpperRoman };
+
+enum class TabKind : std::uint8_t { Left, Right, Center, Decimal, Bar };
+struct TabStop {
+  std::int32_t position = 0;
+  TabKind kind = TabKind::Left;
+  bool operator==(const TabStop&) const = default;
+};
+
+/// The look of a paragraph. Equal looks share one entry of RtfDocument::paragraph_formats.
+struct ParagraphFormat {
+  std::int32_t left = 0;
+  std::int32_t right = 0;
+  std::int32_t first_line = 0;  ///< relative to `left`
+  std::int32_t space_before = 0;
+  std::int32_t space_after = 0;
+  /// As \sl: 0 automatic; above 0 at least this; below 0 exactly its absolute value; with `line_multiple` in 240ths of
+  /// a line.
+  std::int32_t line_spacing = 0;
+  std::int32_t list_id = 0;  ///< \ls, naming an entry of the file's own list tables; 0: none, or a list without them
+  std::int32_t list_start = 1;
+  std::uint32_t extra = 0;  ///< index into RtfDocument::extras plus 1: control words that are kept, not shown
+  Alignment alignment = Alignment::Left;
+  ListKind list = ListKind::None;
+  std::uint8_t list_level = 0;  ///< 0 to 8
+  bool line_multiple = false;
+  bool page_break_before = false;
+  std::vector<TabStop> tabs;
+
+  bool operator==(const ParagraphFormat&) const = default;
+};
+
+/// A stretch of text of one look, or one object.
+struct Run {
+  std::uint32_t bytes = 0;   ///< of RtfDocument::text, following those of the run before; 0 for an object
+  std::uint32_t format = 0;  ///< index into RtfDocument::char_formats
+  std::uint32_t object = 0;  ///< index into RtfDocument::objects plus 1; 0 for text
+};
+
+/// What stands in the text without being text.
+enum class ObjectKind : std::uint8_t {
+  Picture,      ///< PNG or JPEG, shown
+  Placeholder,  ///< anything else that a reader of the letter would see: other pictures, embedded objects, footnotes
+  Invisible,    ///< bookmarks, index entries and the like: kept where they stood, never shown
+};
+struct Object {
+  ObjectKind kind = ObjectKind::Placeholder;
+  /// The whole group as it came, with its braces; written back as it is. Empty for a picture that was inserted here.
+  std::string rtf;
+  /// Picture: the decoded bytes of the PNG or JPEG file.
+  std::string picture;
+  std::int32_t width = 0;  ///< as shown, after scaling; 0: the picture's own
+  std::int32_t height = 0;
+  /// Placeholder: what it is, for people ("Picture (Windows metafile)", "Embedded object"); a footnote's text.
+  std::string label;
+};
+
+/// A field with a result: the runs whose format names it are what it shows.
+struct Field {
+  std::string url;          ///< of a hyperlink; empty for other fields
+  std::string instruction;  ///< the {\*\fldinst …} group as it came; empty for a link made here
+};
+
+struct Font {
+  std::int32_t number = 0;  ///< the N of \fN; kept, because kept groups name it
+  std::string name;
+  std::string family;        ///< "nil", "roman", "swiss", "modern", "script", "decor", "tech", "bidi"
+  std::int32_t charset = 0;  ///< \fcharset; 2 is a symbol font
+};
+
+/// One cell of a table row; its paragraphs name it.
+struct Cell {
+  std::uint32_t row = 0;        ///< index into RtfDocument::rows
+  std::int32_t right_edge = 0;  ///< as \cellx
+  std::uint16_t row_span = 1;   ///< of vertically merged cells; 0: merged into the one above, and empty
+};
+struct Row {
+  std::uint32_t table = 0;  ///< index into RtfDocument::tables
+  /// The control words from \trowd to the last \cellx as they came; empty for a row made here.
+  std::string definition;
+};
+struct Table {
+  std::int32_t parent_cell = -1;  ///< index into RtfDocument::cells for a nested table
+};
+
+struct Paragraph {
+  std::uint32_t first_run = 0;    ///< its runs end where those of the next paragraph begin
+  std::uint32_t format = 0;       ///< index into RtfDocument::paragraph_formats
+  std::uint32_t mark_format = 0;  ///< look of the paragraph's end, index into RtfDocument::char_formats
+  std::int32_t cell = -1;         ///< the innermost cell that it stands in, index into RtfDocument::cells; -1: in none
+};
+
+/// What reading dropped, by reason; each is told to the user. Zero when everything is kept.
+struct Losses {
+  std::uint32_t unknown_characters = 0;  ///< bytes that the file's code page has no character for
+  std::uint32_t limits = 0;              ///< parts over a limit (RtfReader.h), left out
+  bool ended_early = false;              ///< the file ends inside a group, or goes on after the last one
+  bool not_rtf = false;                  ///< it does not begin with {\rtf; its bytes are shown as text
+  std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
+};
+
+/// Runs, paragraphs and cells stand in the order of the text. There is always at least one paragraph. Line breaks
+/// inside a paragraph are U+2028, page breaks U+000C, tabs U+0009; special spaces and hyphens are their Unicode
+/// characters.
+struct RtfDocument {
+  std::string text;
+  std::vector<Run> runs;
+  std::vector<Paragraph> paragraphs;
+  std::vector<Cell> cells;
+  std::vector<Row> rows;
+  std::vector<Table> tables;
+  std::vector<Object> objects;
+  std::vector<Field> fields;
+  std::vector<CharFormat> char_formats;            ///< first: the document's default
+  std::vector<ParagraphFormat> paragraph_formats;  ///< first: the default
+  std::vector<std::string> extras;                 ///< control words with their backslashes, "\\keepn\\s3"
+
+  std::vector<Font> fonts;
+  std::vector<std::uint32_t> colors;  ///< 0xRRGGBB; the first is automatic
+  std::int32_t ansi_code_page = 1252;
+  std::int32_t default_font = 0;  ///< the N of \deffN
+  /// Groups between the colour table and the text that are kept as they came: style sheet, list tables, information.
+  std::string kept_header;
+  /// Control words of the whole document, its first section and its page, as they came ("\\paperw12240\\margl1800").
+  std::string document_controls;
+  /// Headers and footers, as they came.
+  std::string kept_section;
+  Losses losses;
+};
+
+}  // namespace tme::rtf
