@@ -1,6 +1,6 @@
 #!/usr/bin/perl
-# Writes src/ini/CaseFoldTable.h to standard output: simple case folding (statuses C and S) of the Unicode version
-# that this perl knows. ASCII is left out; the comparison folds it by itself.
+# Writes src/base/CaseFoldTable.h to standard output: simple case folding (statuses C and S) of the Unicode version
+# that this perl knows. ASCII is left out; FoldCase folds it by itself.
 use strict;
 use warnings;
 use Unicode::UCD qw(prop_invmap);

@@ -1,10 +1,9 @@
 #include "ini/IniOrder.h"
 
 #include <algorithm>
-#include <iterator>
 
+#include "base/CaseFold.h"
 #include "base/Utf8.h"
-#include "ini/CaseFoldTable.h"
 #include "ini/IniTree.h"
 
 namespace tme {
@@ -17,16 +16,6 @@ constexpr unsigned kNotAscii = 0x80;
 constexpr char32_t kInvalidByte = 0x110000;
 
 unsigned Byte(std::string_view text, std::size_t at) { return static_cast<unsigned char>(text[at]); }
-
-char32_t FoldCase(char32_t code) {
-  if (code < kNotAscii) return code >= U'A' && code <= U'Z' ? code + 32 : code;
-  const auto after = std::upper_bound(std::begin(kCaseFoldRanges), std::end(kCaseFoldRanges), code,
-                                      [](char32_t value, const CaseFoldRange& range) { return value < range.first; });
-  if (after == std::begin(kCaseFoldRanges)) return code;
-  const CaseFoldRange& range = *std::prev(after);
-  if (code > range.last || (code - range.first) % range.step != 0) return code;
-  return code + static_cast<char32_t>(range.delta);
-}
 
 /// Takes one code point off the front of text, folded. text is not empty.
 char32_t TakeFolded(std::string_view& text) {
