@@ -1,5 +1,12 @@
+#include <iconv.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <utility>
 
 #include "base/Utf8.h"
 #include "platform/CodePage.h"
@@ -27,7 +34,71 @@ std::optional<char> ByteOf(char32_t character) {
   return static_cast<char>(kFirstSpecial + static_cast<unsigned>(found - kSpecial.begin()));
 }
 
+constexpr int kLatinPage = 1252;
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+struct CloseConverter {
+  using pointer = iconv_t;
+  void operator()(iconv_t converter) const { iconv_close(converter); }
+};
+using Converter = std::unique_ptr<void, CloseConverter>;
+
+/// Null when the system does not know the page.
+Converter OpenConverter(int code_page) {
+  std::array<std::string, 2> names{"CP" + std::to_string(code_page), "IBM" + std::to_string(code_page)};
+  if (code_page == 10000) names[0] = "MACINTOSH";
+  if (code_page == 1361) names[0] = "JOHAB";
+  if (code_page == 65001) names[0] = "UTF-8";
+  for (const std::string& name : names) {
+    const iconv_t converter = iconv_open("UTF-8", name.c_str());
+    if (converter != reinterpret_cast<iconv_t>(-1)) return Converter(converter);
+  }
+  return nullptr;
+}
+
+/// Those asked for are kept until the program ends. Null when not even 1252 is there.
+iconv_t ConverterOf(int code_page) {
+  static std::map<int, Converter> converters;
+  auto found = converters.find(code_page);
+  if (found == converters.end()) {
+    Converter converter = OpenConverter(code_page);
+    if (converter == nullptr) return code_page == kLatinPage ? nullptr : ConverterOf(kLatinPage);
+    found = converters.emplace(code_page, std::move(converter)).first;
+  }
+  return found->second.get();
+}
+
 }  // namespace
+
+std::string BytesToUtf8(int code_page, std::string_view bytes) {
+  static std::mutex one_at_a_time;  // a converter has a state
+  const std::lock_guard lock(one_at_a_time);
+  const iconv_t converter = ConverterOf(code_page);
+  std::string text;
+  if (converter == nullptr) return CodePageToUtf8(bytes);
+  text.reserve(bytes.size() * 2);
+  std::array<char, 4096> part;
+  iconv(converter, nullptr, nullptr, nullptr, nullptr);
+  char* from = const_cast<char*>(bytes.data());  // iconv does not write to it
+  std::size_t left = bytes.size();
+  while (true) {
+    char* to = part.data();
+    std::size_t room = part.size();
+    const std::size_t left_before = left;
+    // Without more input, what the converter holds back (a letter that a combining mark could follow) is asked for.
+    const std::size_t result = iconv(converter, left > 0 ? &from : nullptr, left > 0 ? &left : nullptr, &to, &room);
+    const int error = errno;
+    text.append(part.data(), part.size() - room);
+    if (result != static_cast<std::size_t>(-1)) {
+      if (left_before == 0) return text;
+    } else if (error != E2BIG || (left == left_before && room == part.size())) {
+      if (left == 0) return text;
+      text += kReplacement;
+      ++from;
+      --left;
+    }
+  }
+}
 
 std::string CodePageToUtf8(std::string_view bytes) {
   std::string text;

@@ -49,9 +49,11 @@ enum class Alignment : std::uint8_t { Left, Right, Center, Justify };
 enum class ListKind : std::uint8_t { None, Bullet, Decimal, LowerLetter, UpperLetter, LowerRoman, UpperRoman };
 
 enum class TabKind : std::uint8_t { Left, Right, Center, Decimal, Bar };
+enum class TabLeader : std::uint8_t { None, Dots, MiddleDots, Hyphens, Underline, Thick, Equal };
 struct TabStop {
   std::int32_t position = 0;
   TabKind kind = TabKind::Left;
+  TabLeader leader = TabLeader::None;
   bool operator==(const TabStop&) const = default;
 };
 
@@ -73,7 +75,7 @@ struct ParagraphFormat {
   std::uint8_t list_level = 0;  ///< 0 to 8
   bool line_multiple = false;
   bool page_break_before = false;
-  std::vector<TabStop> tabs;
+  std::vector<TabStop> tabs{};
 
   bool operator==(const ParagraphFormat&) const = default;
 };
@@ -93,7 +95,8 @@ enum class ObjectKind : std::uint8_t {
 };
 struct Object {
   ObjectKind kind = ObjectKind::Placeholder;
-  /// The whole group as it came, with its braces; written back as it is. Empty for a picture that was inserted here.
+  /// The group as it came, with its braces, or several that stood side by side; written back as it is. Empty for a
+  /// picture that was inserted here.
   std::string rtf;
   /// Picture: the decoded bytes of the PNG or JPEG file.
   std::string picture;
@@ -105,8 +108,9 @@ struct Object {
 
 /// A field with a result: the runs whose format names it are what it shows.
 struct Field {
-  std::string url;          ///< of a hyperlink; empty for other fields
-  std::string instruction;  ///< the {\*\fldinst …} group as it came; empty for a link made here
+  std::string url;           ///< of a hyperlink; empty for other fields
+  std::string instruction;   ///< the {\*\fldinst …} group as it came; empty for a link made here
+  std::uint32_t parent = 0;  ///< index into RtfDocument::fields plus 1 of the field whose result it stands in; 0: none
 };
 
 struct Font {
@@ -118,9 +122,10 @@ struct Font {
 
 /// One cell of a table row; its paragraphs name it.
 struct Cell {
-  std::uint32_t row = 0;        ///< index into RtfDocument::rows
-  std::int32_t right_edge = 0;  ///< as \cellx
-  std::uint16_t row_span = 1;   ///< of vertically merged cells; 0: merged into the one above, and empty
+  std::uint32_t row = 0;          ///< index into RtfDocument::rows
+  std::int32_t right_edge = 0;    ///< as \cellx
+  std::uint16_t row_span = 1;     ///< of vertically merged cells; 0: merged into the one above, and empty
+  std::uint16_t column_span = 1;  ///< of horizontally merged cells; 0: merged into the one before, and empty
 };
 struct Row {
   std::uint32_t table = 0;  ///< index into RtfDocument::tables

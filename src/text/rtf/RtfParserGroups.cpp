@@ -1,0 +1,246 @@
+#include <utility>
+
+#include "text/rtf/RtfParser.h"
+
+namespace tme::rtf {
+namespace {
+
+/// Makes a group say how long the fallbacks of its \u are, where the groups around it said so: it is written back among
+/// others. Behind the group's own word, which readers want first.
+void SayUnicodeSkip(std::string& group, int skip) {
+  if (skip == 1 || group.find("\\u") == std::string::npos) return;
+  std::size_t at = group.starts_with("{\\*") ? 3 : 1;
+  if (at >= group.size() || group[at] != '\\') return;
+  const auto goes_on = [&](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+  };
+  for (++at; at < group.size() && goes_on(group[at]);) ++at;
+  group.insert(at, "\\uc" + std::to_string(skip));
+}
+
+}  // namespace
+
+/// The group that the control word stands in, as it came; it is closed.
+std::string Parser::TakeGroup() {
+  const bool is_whole = Top().is_untouched;
+  std::string group;
+  tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
+  if (!is_whole) group.insert(group.begin(), '{');
+  SayUnicodeSkip(group, Top().unicode_skip);
+  if (Top().owns_paragraph) paragraphs_.pop_back();
+  states_.pop_back();
+  return group;
+}
+
+void Parser::SkipGroup() {
+  tokens_.TakeGroup(word_begin_, nullptr);
+  if (Top().owns_paragraph) paragraphs_.pop_back();
+  states_.pop_back();
+}
+
+std::string Parser::LabelOf(std::string_view group, Destination outside) {
+  RtfDocument unused;
+  Parser reader(group, unused, fonts_, Reading::Label);
+  reader.default_font_number_ = default_font_number_;
+  return reader.ReadLabel(outside, *Top().page, Top().unicode_skip);
+}
+
+void Parser::AddObject(ObjectKind kind, std::string group, std::string label) {
+  Object object;
+  object.kind = kind;
+  object.rtf = std::move(group);
+  object.label = std::move(label);
+  if (Top().destination != Destination::Body) return;
+  StartBody();
+  if (is_section_pending_ && kind != ObjectKind::Invisible) BreakSection();
+  Top().is_untouched = false;
+  builder_.AddObject(std::move(object), CharacterId());
+}
+
+void Parser::KeepInvisible(std::string group) { AddObject(ObjectKind::Invisible, std::move(group), {}); }
+
+void Parser::AddPicture(std::string group) {
+  PictureGroup picture = ReadPicture(group);
+  if (picture.too_large) ++document_.losses.limits;
+  if (picture.bytes.empty()) {
+    AddObject(ObjectKind::Placeholder, std::move(group), std::string(picture.label));
+    return;
+  }
+  StartBody();
+  if (is_section_pending_) BreakSection();
+  Object object;
+  object.kind = ObjectKind::Picture;
+  object.rtf = std::move(group);
+  object.picture = std::move(picture.bytes);
+  object.width = picture.width;
+  object.height = picture.height;
+  builder_.AddObject(std::move(object), CharacterId());
+}
+
+/// A drawing or an embedded object: its text, else its picture, else what it is.
+void Parser::AddDrawing(std::string group, std::string_view what) {
+  std::string label = LabelOf(group, Destination::Nowhere);
+  if (label.empty() && !ReadPicture(group).bytes.empty()) {
+    AddPicture(std::move(group));
+  } else {
+    AddObject(ObjectKind::Placeholder, std::move(group), label.empty() ? std::string(what) : std::move(label));
+  }
+}
+
+void Parser::AddField() {
+  std::string group = TakeGroup();
+  Field field;
+  field.url = UrlOfInstruction(LabelOf(group, Destination::Body));
+  field.instruction = std::move(group);
+  field.parent = Top().character.field;
+  document_.fields.push_back(std::move(field));
+  Character().field = static_cast<std::uint32_t>(document_.fields.size());
+}
+
+void Parser::ReadUnknownGroup() {
+  if (states_.size() <= 2) return;
+  if (reading_ == Reading::Label) {
+    if (Top().destination == Destination::Body) SkipGroup();
+    return;
+  }
+  if (Top().destination != Destination::Body) {
+    SkipGroup();
+  } else if (is_body_) {
+    KeepInvisible(TakeGroup());
+  } else {
+    document_.kept_header += TakeGroup();
+  }
+}
+
+/// False when the group was closed.
+bool Parser::ReadGroupWord(const ControlWord& word) {
+  switch (word.control) {
+    case Control::SkippedGroup:
+      SkipGroup();
+      return false;
+    case Control::TransparentGroup:
+      return true;
+    case Control::TwoForms:
+      Top().outer_destination = Top().destination;
+      Top().destination = Destination::Nowhere;
+      return true;
+    case Control::UnicodeForm:
+      if (Top().destination == Destination::Nowhere) Top().destination = Top().outer_destination;
+      return true;
+    default:
+      break;
+  }
+  if (reading_ == Reading::Label) {
+    ReadLabelGroupWord(word);
+    return true;
+  }
+  if (Top().destination != Destination::Body) {
+    SkipGroup();
+    return false;
+  }
+  switch (word.control) {
+    case Control::FontTable:
+      Top().destination = Destination::FontTable;
+      break;
+    case Control::ColorTable:
+      Top().destination = Destination::ColorTable;
+      break;
+    case Control::HeaderGroup:
+      document_.kept_header += TakeGroup();
+      break;
+    case Control::ListTable:
+    case Control::OverrideTable: {
+      const std::string group = TakeGroup();
+      const bool all = word.control == Control::ListTable ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
+      if (!all) ++document_.losses.limits;
+      document_.kept_header += group;
+      break;
+    }
+    case Control::SectionGroup:
+      if (is_first_section_) {
+        document_.kept_section += TakeGroup();
+      } else {
+        KeepInvisible(TakeGroup());
+      }
+      break;
+    case Control::LegacyNumbering: {
+      const LegacyList list = ReadLegacyNumbering(TakeGroup());
+      ParagraphFormat& format = OwnParagraph().format;
+      format.list = list.look.kind;
+      format.list_start = list.look.start;
+      format.list_level = list.level;
+      break;
+    }
+    case Control::ListText: {
+      const std::string text = LabelOf(TakeGroup(), Destination::Body);
+      list_of_text_ = ListKindOfText(text);
+      break;
+    }
+    case Control::Field:
+      Top().is_field = true;
+      Top().output_before = Output();
+      break;
+    case Control::FieldInstruction:
+      AddField();
+      break;
+    case Control::NestedTableProperties:
+      Top().is_nested_properties = true;
+      break;
+    case Control::Picture:
+    case Control::AlternativePicture:
+      AddPicture(TakeGroup());
+      break;
+    case Control::ShownPicture: {
+      std::string group = TakeGroup();
+      const std::size_t next = tokens_.Bytes().find_first_not_of("\r\n", tokens_.Position());
+      if (next != std::string_view::npos && tokens_.Bytes().substr(next).starts_with("{\\nonshppict")) {
+        std::string alternative;
+        tokens_.Seek(next + 1);
+        tokens_.TakeGroup(next, &alternative);
+        group += alternative;
+      }
+      AddPicture(std::move(group));
+      break;
+    }
+    case Control::Object:
+      AddDrawing(TakeGroup(), "Embedded object");
+      break;
+    case Control::Drawing:
+      AddDrawing(TakeGroup(), "Drawing");
+      break;
+    case Control::Footnote: {
+      std::string group = TakeGroup();
+      std::string label = LabelOf(group, Destination::Body);
+      AddObject(ObjectKind::Placeholder, std::move(group), std::move(label));
+      break;
+    }
+    default:
+      KeepInvisible(TakeGroup());
+      break;
+  }
+  return true;
+}
+
+/// In the text of a group that is kept: what it holds of its own kind is passed over.
+void Parser::ReadLabelGroupWord(const ControlWord& word) {
+  const bool is_hidden = Top().destination == Destination::Nowhere;
+  switch (word.control) {
+    case Control::Field:
+      return;
+    case Control::DrawingText:
+      if (is_hidden) {
+        Top().destination = Destination::Body;
+        return;
+      }
+      break;
+    case Control::Drawing:
+    case Control::Object:
+      if (is_hidden) return;
+      break;
+    default:
+      break;
+  }
+  SkipGroup();
+}
+
+}  // namespace tme::rtf

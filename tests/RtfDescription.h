@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "text/rtf/RtfDocument.h"
+
+namespace tme::rtf {
+
+/// All that a document holds, a line for each run and paragraph, with looks by value: what two documents that say the
+/// same have in common, whatever the order of their tables of looks.
+std::string Describe(const RtfDocument& document);
+
+}  // namespace tme::rtf

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/CodePage.h"
+#include "text/rtf/RtfDocument.h"
+#include "text/rtf/RtfReader.h"
+
+namespace tme::rtf {
+
+inline RtfDocument Read(std::string_view bytes) { return ReadRtf(bytes, BytesToUtf8); }
+
+/// What differs from plain text, as short marks: "b,fs20".
+inline std::string Look(const RtfDocument& document, const CharFormat& format) {
+  std::string look;
+  const auto add = [&](bool is_set, const std::string& mark) {
+    if (is_set) look.append(look.empty() ? "" : ",").append(mark);
+  };
+  const auto number = [](auto value) { return std::to_string(static_cast<unsigned>(value)); };
+  const CharFormat& plain = document.char_formats.front();
+  add(format.bold, "b");
+  add(format.italic, "i");
+  add(format.hidden, "v");
+  add(format.underline != Underline::None, "ul" + number(format.underline));
+  add(format.strike != Strike::None, "strike" + number(format.strike));
+  add(format.script != Script::Normal, format.script == Script::Super ? "super" : "sub");
+  add(format.capitals != Capitals::None, format.capitals == Capitals::All ? "caps" : "scaps");
+  const bool has_font = format.font < document.fonts.size();
+  add(format.font != plain.font, has_font ? document.fonts[format.font].name : "no font");
+  add(format.half_points != plain.half_points, "fs" + number(format.half_points));
+  add(format.color != 0, "cf" + number(format.color));
+  add(format.background != 0, "cb" + number(format.background));
+  add(format.extra != 0, format.extra == 0 ? "" : document.extras[format.extra - 1]);
+  if (format.field != 0) add(true, "field " + number(format.field) + " " + document.fields[format.field - 1].url);
+  return look;
+}
+
+/// The same of a paragraph.
+inline std::string Look(const RtfDocument& document, const ParagraphFormat& format) {
+  std::string look;
+  const auto add = [&](std::string_view mark, std::int32_t value) {
+    if (value != 0) look.append(look.empty() ? "" : ",").append(mark).append(std::to_string(value));
+  };
+  add("q", static_cast<std::int32_t>(format.alignment));
+  add("li", format.left);
+  add("ri", format.right);
+  add("fi", format.first_line);
+  add("sb", format.space_before);
+  add("sa", format.space_after);
+  add("sl", format.line_spacing);
+  add("slmult", format.line_multiple ? 1 : 0);
+  add("pagebb", format.page_break_before ? 1 : 0);
+  add("list", static_cast<std::int32_t>(format.list));
+  add("level", format.list_level);
+  add("start", format.list == ListKind::None ? 0 : format.list_start);
+  add("ls", format.list_id);
+  for (const TabStop& tab : format.tabs) {
+    add("tab" + std::to_string(static_cast<int>(tab.kind)) + std::to_string(static_cast<int>(tab.leader)) + ":",
+        tab.position);
+  }
+  if (format.extra != 0) look.append(look.empty() ? "" : ",").append(document.extras[format.extra - 1]);
+  return look;
+}
+
+/// Each paragraph as its cell ("2/"), its look in parentheses and its runs; runs that do not look plain in brackets
+/// with their look; objects in angle brackets; "|" after each. A line break is "$", a page break "^", a tab "~".
+inline std::string Dump(const RtfDocument& document) {
+  std::string dump;
+  std::size_t run = 0;
+  std::size_t at = 0;
+  const auto object = [](const Object& it) {
+    constexpr std::string_view kinds[] = {"picture", "placeholder", "invisible"};
+    std::string text = std::string(kinds[static_cast<std::size_t>(it.kind)]) + " ";
+    if (it.kind == ObjectKind::Picture) {
+      return text + std::to_string(it.picture.size()) + " " + std::to_string(it.width) + "x" +
+             std::to_string(it.height);
+    }
+    return text + (it.kind == ObjectKind::Placeholder ? it.label : it.rtf);
+  };
+  for (std::size_t i = 0; i < document.paragraphs.size(); ++i) {
+    const Paragraph& paragraph = document.paragraphs[i];
+    if (paragraph.cell >= 0) dump += std::to_string(paragraph.cell) + "/";
+    const std::string look = Look(document, document.paragraph_formats[paragraph.format]);
+    if (!look.empty()) dump += "(" + look + ")";
+    const bool is_last = i + 1 == document.paragraphs.size();
+    for (const std::size_t end = is_last ? document.runs.size() : document.paragraphs[i + 1].first_run; run < end;
+         ++run) {
+      const Run& it = document.runs[run];
+      const std::string run_look = Look(document, document.char_formats[it.format]);
+      std::string text = document.text.substr(at, it.bytes);
+      for (std::size_t found = 0; (found = text.find("\xE2\x80\xA8")) != std::string::npos;)
+        text.replace(found, 3, "$");
+      for (char& c : text) c = c == '\f' ? '^' : c == '\t' ? '~' : c;
+      at += it.bytes;
+      if (it.object != 0) text = "<" + object(document.objects[it.object - 1]) + ">";
+      dump += run_look.empty() ? text : "[" + run_look + ":" + text + "]";
+    }
+    dump += "|";
+  }
+  return dump;
+}
+
+/// "" when all is kept.
+inline std::string Dump(const Losses& losses) {
+  std::string dump;
+  if (losses.unknown_characters > 0) dump += "unknown " + std::to_string(losses.unknown_characters) + " ";
+  if (losses.limits > 0) dump += "limits " + std::to_string(losses.limits) + " ";
+  if (losses.ended_early) dump += "early ";
+  if (losses.not_rtf) dump += "not-rtf ";
+  for (const std::string& name : losses.named) dump += name + " ";
+  return dump;
+}
+
+}  // namespace tme::rtf
