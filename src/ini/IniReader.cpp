@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/Utf8.h"
 #include "ini/IniTree.h"
 
 namespace tme {
@@ -13,7 +14,9 @@ bool IsComment(std::string_view line) { return line.starts_with(';'); }
 
 /// The line without its first and last character, whatever the last one is; they may be the same.
 std::string_view HeaderName(std::string_view line) {
-  return line.size() < 2 ? std::string_view() : line.substr(1, line.size() - 2);
+  line.remove_prefix(1);
+  line.remove_suffix(utf8::LastCharacterBytes(line));
+  return line;
 }
 
 }  // namespace

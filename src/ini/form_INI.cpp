@@ -227,6 +227,7 @@ void form_INI::NewINI() {
   Slot().path.clear();
   Slot().title.clear();
   SetChanged(false);
+  MarkClean();
   ShowInFrame();
   TV->setFocus();
 }
@@ -237,6 +238,8 @@ void form_INI::OpenINI() {
   format_ = decoded->format;
   tree_.Reset(Slot().title.toStdString());
   const IniReadResult result = Read(std::move(decoded->text));
+  MarkClean();
+  RecordOpened();
   AddNotice(NoticeOf(result, tr("The file")));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();
@@ -291,6 +294,7 @@ form_INI::SaveOutcome form_INI::Save() {
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
   setWindowTitle(slot.title);
   SetChanged(false);
+  MarkClean();
   return SaveOutcome::Saved;
 }
 

@@ -25,6 +25,7 @@ class form_INI : public DocumentWindow {
   ~form_INI() override;
 
   int PreferredWidth() const override;
+  std::uint64_t Revision() const override { return tree_.Revision(); }
 
   Q_INVOKABLE void NewINI();
   /// Reads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.

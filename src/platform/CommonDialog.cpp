@@ -79,6 +79,15 @@ QString CommonDialog::ShowSave() {
   return file_name;
 }
 
+QString CommonDialog::ShowFolder() {
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
+  dialog.setObjectName("CommonDialog"_L1);
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return QDir::toNativeSeparators(dialog.selectedFiles().value(0));
+}
+
 bool CommonDialog::ShowFont() {
   QFont font = QApplication::font();
   if (!font_name.isEmpty()) font.setFamily(font_name);

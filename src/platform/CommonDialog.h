@@ -8,8 +8,8 @@
 
 namespace tme {
 
-/// The one shared open, save, font, colour and print dialog. Its fields are set before each use and keep their values
-/// between uses. Virtual, so that a test can choose instead.
+/// The one shared open, save, folder, font, colour and print dialog. Its fields are set before each use and keep their
+/// values between uses. Virtual, so that a test can choose instead.
 class CommonDialog {
  public:
   /// Print dialog flags (commdlg.h): PD_RETURNDC and PD_NOPAGENUMS.
@@ -43,6 +43,8 @@ class CommonDialog {
   virtual QStringList ShowOpen();
   /// Chosen path; empty when cancelled. Does not ask about an existing file.
   virtual QString ShowSave();
+  /// Chosen folder; empty when cancelled.
+  virtual QString ShowFolder();
   /// Font and attributes into the font fields; false when cancelled, which leaves them as they were.
   virtual bool ShowFont();
   /// Into `color`; false when cancelled, which leaves it as it was.

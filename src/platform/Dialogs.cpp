@@ -17,6 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kMinInputWidth = 360;  // pixels
+constexpr int kProgramIcon = 64;     // pixels
 
 /// The dialog may be gone with its parent window when it returns from its event loop. While it stands, an hourglass
 /// pointer rests.
@@ -49,6 +50,8 @@ QMessageBox::StandardButtons BoxButtons(MsgButtons buttons) {
       return QMessageBox::Yes | QMessageBox::No;
     case MsgButtons::YesNoCancel:
       return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case MsgButtons::OkCancel:
+      return QMessageBox::Ok | QMessageBox::Cancel;
   }
   return QMessageBox::Ok;
 }
@@ -60,6 +63,7 @@ QMessageBox::StandardButton EscapeButton(MsgButtons buttons) {
     case MsgButtons::YesNo:
       return QMessageBox::No;
     case MsgButtons::YesNoCancel:
+    case MsgButtons::OkCancel:
       return QMessageBox::Cancel;
   }
   return QMessageBox::Ok;
@@ -68,6 +72,7 @@ QMessageBox::StandardButton EscapeButton(MsgButtons buttons) {
 QMessageBox::Icon BoxIcon(MsgIcon icon) {
   switch (icon) {
     case MsgIcon::None:
+    case MsgIcon::Program:
       return QMessageBox::NoIcon;
     case MsgIcon::Information:
       return QMessageBox::Information;
@@ -115,11 +120,13 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
   box->setObjectName("MsgBox"_L1);
   box->setWindowTitle(title);
   box->setIcon(BoxIcon(icon));
+  if (icon == MsgIcon::Program) box->setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
   box->setTextFormat(Qt::PlainText);
   // The texts' line breaks are bare carriage returns.
   box->setText(Breakable(QString(text).replace(u'\r', u'\n')));
   box->setStandardButtons(BoxButtons(buttons));
-  box->setDefaultButton(buttons == MsgButtons::Ok ? QMessageBox::Ok : QMessageBox::Yes);
+  const bool asks = buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel;
+  box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
   box->setEscapeButton(EscapeButton(buttons));
   const int button = box->exec();
   return AnswerOf(box ? button : EscapeButton(buttons));

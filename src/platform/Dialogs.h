@@ -5,8 +5,9 @@
 
 namespace tme {
 
-enum class MsgButtons : std::uint8_t { Ok, YesNo, YesNoCancel };
-enum class MsgIcon : std::uint8_t { None, Information, Question, Warning };
+enum class MsgButtons : std::uint8_t { Ok, YesNo, YesNoCancel, OkCancel };
+/// Program: the program's own icon.
+enum class MsgIcon : std::uint8_t { None, Information, Question, Warning, Program };
 enum class MsgAnswer : std::uint8_t { Ok, Yes, No, Cancel };
 
 /// Modal questions to the user. Virtual, so that a test can answer instead.

@@ -12,6 +12,12 @@ QByteArray PackCopyData(const CopyData& record) {
   return bytes + record.data;
 }
 
+bool IsBeginningOfRecord(const QByteArray& bytes) {
+  if (bytes.size() < kCopyDataHeaderBytes) return true;
+  const auto data_size = qFromLittleEndian<quint32>(bytes.constData() + 4);
+  return data_size <= kMaxCopyDataBytes && bytes.size() < kCopyDataHeaderBytes + static_cast<qsizetype>(data_size);
+}
+
 std::optional<CopyData> UnpackCopyData(const QByteArray& bytes) {
   if (bytes.size() < kCopyDataHeaderBytes) return std::nullopt;
   const auto data_size = qFromLittleEndian<quint32>(bytes.constData() + 4);

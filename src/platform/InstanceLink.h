@@ -22,6 +22,10 @@ struct CopyData {
 
 /// Packs a record. data: at most kMaxCopyDataBytes.
 QByteArray PackCopyData(const CopyData& record);
+/// Most bytes of a record that need to be looked at: one more than the longest has.
+inline constexpr std::uint32_t kMaxRecordBytes = kCopyDataHeaderBytes + kMaxCopyDataBytes + 1;
+/// Whether a record of which these bytes have come may become whole when more do; never so of kMaxRecordBytes.
+bool IsBeginningOfRecord(const QByteArray& bytes);
 /// Null for a record that is truncated, over-long (cbData over kMaxCopyDataBytes) or inconsistent.
 std::optional<CopyData> UnpackCopyData(const QByteArray& bytes);
 

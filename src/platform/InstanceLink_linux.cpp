@@ -11,7 +11,6 @@
 #include <QLocalSocket>
 #include <QPointer>
 #include <QTimer>
-#include <QtEndian>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -27,8 +26,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype kHeaderBytes = kCopyDataHeaderBytes;
-constexpr qsizetype kMaxDataBytes = kMaxCopyDataBytes;
 /// A sender that has not sent its record by then is dropped.
 constexpr std::chrono::seconds kRecordPatience{10};
 /// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
@@ -102,7 +99,7 @@ class Listener : public QObject {
         sender->abort();
         continue;
       }
-      sender->setReadBufferSize(kHeaderBytes + kMaxDataBytes + 1);  // a flood stays outside
+      sender->setReadBufferSize(kMaxRecordBytes);  // a flood stays outside
       connect(sender, &QLocalSocket::readyRead, this, [this, sender] { Read(sender); });
       auto* patience = new QTimer(sender);
       patience->setSingleShot(true);
@@ -113,10 +110,8 @@ class Listener : public QObject {
   }
 
   void Read(QLocalSocket* sender) {
-    const QByteArray bytes = sender->peek(kHeaderBytes + kMaxDataBytes + 1);
-    if (bytes.size() < kHeaderBytes) return;
-    const qsizetype data_size = qFromLittleEndian<quint32>(bytes.constData() + 4);
-    if (data_size <= kMaxDataBytes && bytes.size() < kHeaderBytes + data_size) return;
+    const QByteArray bytes = sender->peek(kMaxRecordBytes);
+    if (IsBeginningOfRecord(bytes)) return;
 
     disconnect(sender, &QLocalSocket::readyRead, this, nullptr);
     const auto record = UnpackCopyData(bytes);

@@ -21,4 +21,6 @@ QString ShellUtilities::UserDataFolder() const {
   return QDir::toNativeSeparators(folder);
 }
 
+QString ShellUtilities::FormatHelpText(QString text) const { return text.replace(u'#', u'\n'); }
+
 }  // namespace tme

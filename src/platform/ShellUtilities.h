@@ -25,6 +25,8 @@ class ShellUtilities {
   /// as one, or, if it holds quotation marks, the arguments as the system splits them. Elsewhere each argument, made
   /// absolute when it names an existing file.
   QStringList CommandLineTexts() const;
+  /// A help text as it is shown: one line break for each "#".
+  QString FormatHelpText(QString text) const;
 };
 
 }  // namespace tme

@@ -215,6 +215,7 @@ void form_REG::NewREG() {
   Slot().path.clear();
   Slot().title.clear();
   SetChanged(false);
+  MarkClean();
   RestoreView();
   ShowInFrame();
   TV->setFocus();
@@ -228,6 +229,7 @@ void form_REG::OpenREG() {
   document_.Reset(Slot().title.toStdString());
   ShowInFrame();
   const RegReadResult result = Read(std::move(decoded->text));
+  MarkClean();
   switch (result.end) {
     case RegReadEnd::HeaderRefused:
       SetChanged(false);
@@ -247,6 +249,7 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
+  if (result.end != RegReadEnd::LargeFileRefused) RecordOpened();
   AddNotice(NoticeOf(result));
   AddNotice(NoticeOf(document_));
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
@@ -367,6 +370,7 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   SetLocation({});
   setWindowTitle(slot.title);
   SetChanged(false);
+  MarkClean();
   return SaveOutcome::Saved;
 }
 

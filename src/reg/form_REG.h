@@ -27,6 +27,8 @@ class form_REG : public DocumentWindow {
   form_REG(Global& global, int slot);
   ~form_REG() override;
 
+  std::uint64_t Revision() const override { return document_.Revision(); }
+
   Q_INVOKABLE void NewREG();
   /// Reads the file at the slot's path; lines that fail go to the error log.
   Q_INVOKABLE void OpenREG();

@@ -13,9 +13,10 @@ QString DisplayText(std::string_view text, qsizetype max_characters = 1000);
 /// Enough for any message; longer texts would push its buttons off the screen.
 inline constexpr qsizetype kMaxCharactersInMessage = 250;
 
-/// The whole text, for editing.
+/// The whole text, for editing. A U+FEFF at the start is text like any other, which fromUtf8 would drop.
 inline QString TextOf(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  const QString decoded = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  return text.starts_with("\xEF\xBB\xBF") ? QChar(0xFEFF) + decoded : decoded;
 }
 
 /// "1 line", or "%1 lines" with the count as the locale writes it.

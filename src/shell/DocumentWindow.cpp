@@ -1,6 +1,8 @@
 #include "shell/DocumentWindow.h"
 
 #include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
 #include <QMdiSubWindow>
 #include <QVBoxLayout>
 
@@ -9,6 +11,7 @@
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
 #include "shell/NoticeBar.h"
+#include "shell/RecentFiles.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -44,7 +47,7 @@ void DocumentWindow::TakeSlot() {
   ClearNotice();
 }
 
-std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
+std::optional<std::string> DocumentWindow::TakeSlotBytes() {
   DocumentSlot& slot = Slot();
   std::string bytes;
   if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
@@ -55,7 +58,13 @@ std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
   }
   TakeSlot();
   setWindowTitle(slot.title);
-  return DecodeText(std::move(bytes));
+  return bytes;
+}
+
+std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
+  std::optional<std::string> bytes = TakeSlotBytes();
+  if (!bytes) return std::nullopt;
+  return DecodeText(std::move(*bytes));
 }
 
 void DocumentWindow::ReleaseSlot() {
@@ -68,7 +77,12 @@ void DocumentWindow::ReleaseSlot() {
   global_.frame->DocumentClosed(this);
 }
 
-void DocumentWindow::RecordOpened() { global_.skip_recent_once = false; }
+void DocumentWindow::RecordOpened() {
+  if (std::exchange(global_.skip_recent_once, false)) return;
+  RecentFiles& recent_files = global_.frame->Recent();
+  recent_files.AddRecentFile(QDir::toNativeSeparators(QFileInfo(Slot().path).absoluteFilePath()));
+  recent_files.RebuildRecentMenu();
+}
 
 void DocumentWindow::ShowInFrame() { global_.frame->ShowDocument(this); }
 

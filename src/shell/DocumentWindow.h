@@ -61,8 +61,10 @@ class DocumentWindow : public QWidget {
 
   /// Takes the slot: sets the tag, builds the controls if needed and clears the notice.
   void TakeSlot();
-  /// Reads and decodes the file at the slot's path, takes the slot and sets the caption. Nothing after a message about
-  /// a file that cannot be read; the slot is free then.
+  /// Reads the file at the slot's path, takes the slot and sets the caption. Nothing after a message about a file that
+  /// cannot be read; the slot is free then.
+  std::optional<std::string> TakeSlotBytes();
+  /// The same, decoded.
   std::optional<DecodedText> TakeSlotFile();
   /// The document is gone: empties tag and slot, hides the window and shows the menus of what is active now.
   void ReleaseSlot();

@@ -21,7 +21,7 @@ using Kinds = unsigned;
 constexpr Kinds Bit(DocumentKind kind) { return static_cast<Kinds>(kind); }
 constexpr Kinds kMdi = Bit(DocumentKind::Mdi), kIni = Bit(DocumentKind::Ini), kReg = Bit(DocumentKind::Reg),
                 kTxt = Bit(DocumentKind::Txt), kRtf = Bit(DocumentKind::Rtf);
-constexpr Kinds kPads = kTxt | kRtf, kDocuments = kIni | kReg | kPads, kAlways = kMdi | kDocuments;
+constexpr Kinds kPads = kTxt | kRtf, kDocuments = kIni | kReg | kPads, kAlways = kMdi | kDocuments, kNever = 0;
 
 struct Row {
   const char* parent;   ///< menu name; empty for a menu of the bar
@@ -44,8 +44,8 @@ constexpr std::array kRows{
     OpenMenu("", "md_Menu_File", "&File"),
     OpenMenu("md_Menu_File", "global_FileNew", "&New"),
     Row{"global_FileNew", "global_FileNewINI", "&INI File", kAlways, nullptr, "ini-file", "Ctrl+N"},
-    Row{"global_FileNew", "global_FileNewTXT", "Te&xt File", kAlways, nullptr},
-    Row{"global_FileNew", "global_FileNewRTF", "&RTF File", kAlways, nullptr},
+    Row{"global_FileNew", "global_FileNewTXT", "Te&xt File", kAlways, nullptr, "txt-file"},
+    Row{"global_FileNew", "global_FileNewRTF", "&RTF File", kAlways, nullptr, "rtf-file"},
     Row{"global_FileNew", "global_FileNewREG", "Re&gistry File", kAlways, nullptr, "reg-file"},
     Row{"md_Menu_File", "global_FileOpen", "&Open", kAlways, nullptr, "file-open", "Ctrl+O"},
     Separator("md_Menu_File"),
@@ -88,9 +88,9 @@ constexpr std::array kRows{
     Row{"menu_Edit", "menu_EditPasteRTF", "Paste to new &RTF", kIni | kPads, nullptr},
     Row{"menu_Edit", "menu_EditPasteTXT", "Paste to new &TXT", kIni | kPads, nullptr},
     Row{"menu_Edit", "menu_EditDel", "&Delete Selection", kIni | kPads, "EditDelete", "edit-delete", "Del"},
-    Row{"menu_Edit", "menu_EditSelectAll", "Select &All", kPads, "EditSelectAll", nullptr, "Ctrl+A"},
+    Row{"menu_Edit", "menu_EditSelectAll", "Select &All", kPads, "EditSelectAll", "edit-select-all", "Ctrl+A"},
     Separator("menu_Edit"),
-    Row{"menu_Edit", "menu_EditTimeDate", "&Time and Date", kPads, "EditTimeDate", nullptr, "F5"},
+    Row{"menu_Edit", "menu_EditTimeDate", "&Time and Date", kPads, "EditTimeDate", "time-date", "F5"},
     Row{"menu_Edit", "menu_EditWordWrap", "&Word Wrap", kPads, "EditWW"},
     OpenMenu("menu_Edit", "menu_EditKeyValue", "Key / &Value"),
     Row{"menu_EditKeyValue", "menu_EditAddKeyValue", "&Add Key / Value", kIni, "AddValue", "add-entry"},
@@ -112,13 +112,13 @@ constexpr std::array kRows{
     Row{"menu_EditReg", "menu_EditRename", "&Rename", kReg, "EditRename", "rename", "F2"},
 
     OpenMenu("", "menu_Search", "&Search"),
-    Row{"menu_Search", "menu_SearchFind", "&Find", kPads, "SearchFind", nullptr, "Ctrl+F"},
-    Row{"menu_Search", "menu_SearchAgain", "Find &Again", kTxt, "SearchAgain", nullptr, "F3"},
-    Row{"menu_Search", "menu_SearchReplace", "&Replace", kPads, "SearchReplace", nullptr, "Ctrl+H"},
+    Row{"menu_Search", "menu_SearchFind", "&Find", kPads, "SearchFind", "search-find", "Ctrl+F"},
+    Row{"menu_Search", "menu_SearchAgain", "Find &Again", kTxt, "SearchAgain", "search-again", "F3"},
+    Row{"menu_Search", "menu_SearchReplace", "&Replace", kPads, "SearchReplace", "search-replace", "Ctrl+H"},
 
     OpenMenu("", "menu_Format", "&Format"),
-    Row{"menu_Format", "menu_FormatFont", "&Font", kRtf, "FormatFont"},
-    Row{"menu_Format", "Menu_FormatColor", "&Color", kRtf, "FormatColor"},
+    Row{"menu_Format", "menu_FormatFont", "&Font", kRtf, "FormatFont", "format-font"},
+    Row{"menu_Format", "Menu_FormatColor", "&Color", kRtf, "FormatColor", "format-color"},
     Row{"menu_Format", "menu_FormatBold", "&Bold", kRtf, "FormatBold", nullptr, "Ctrl+B"},
     Row{"menu_Format", "menu_FormatItalic", "&Italic", kRtf, "FormatItalic", nullptr, "Ctrl+I"},
     Row{"menu_Format", "menu_FormatUnderline", "&Underline", kRtf, "FormatUnderline", nullptr, "Ctrl+U"},
@@ -134,6 +134,7 @@ constexpr std::array kRows{
     Row{"menu_Tools", "menu_ToolsMSDOS", "Edit &MSDOS.SYS", kAlways, nullptr},
     Row{"menu_Tools", "menu_FeatureVars", "Gather &Environmental Variables", kAlways, nullptr},
     Row{"menu_Tools", "menu_ToolsOptions", "&Options...", kAlways, nullptr},
+    Row{"menu_Tools", "ASDF", "ASDF", kNever, nullptr},
 
     OpenMenu("", "md_menu_window", "&Window"),
     Row{"md_menu_window", "global_WindowCascade", "&Cascade", kDocuments, nullptr, "window-cascade"},
@@ -189,11 +190,22 @@ void GlobalMenus::Handle(const char* item_name, std::function<void()> handler) {
 
 bool GlobalMenus::IsOffered(std::size_t index, DocumentKind kind) const {
   const Row& row = kRows[index];
-  if (!(row.kinds & Bit(kind))) return false;
-  return !row.caption || row.command || handlers_.contains(QString::fromLatin1(row.name));
+  const QString name = QString::fromLatin1(row.name);
+  if (!(row.kinds & Bit(kind)) || hidden_.contains(name)) return false;
+  return !row.caption || row.command || handlers_.contains(name);
+}
+
+void GlobalMenus::SetHidden(const QString& item_name, bool hidden) {
+  if (hidden)
+    hidden_.insert(item_name);
+  else
+    hidden_.remove(item_name);
+  for (std::size_t index = 0; index < kRows.size(); ++index)
+    if (item_name == QLatin1StringView(kRows[index].name)) Action(item_name)->setVisible(IsOffered(index, kind_));
 }
 
 void GlobalMenus::RefreshMenus(DocumentKind kind) {
+  kind_ = kind;
   actions_.value(u"menu_EditPasteAsTXT"_s)
       ->setText(QString::fromLatin1(kind == DocumentKind::Rtf ? kPlainTextCaption : kNewSectionCaption));
   QHash<QString, bool> menu_shown;
@@ -248,6 +260,8 @@ QByteArray GlobalMenus::CommandOf(const QString& item_name, DocumentKind kind) {
 
 void GlobalMenus::Choose(std::size_t index) {
   const QString name = QString::fromLatin1(kRows[index].name);
+  // The click itself has inverted a check mark; that is for the command to do.
+  if (QAction* action = actions_.value(name); action && action->isCheckable()) action->setChecked(!action->isChecked());
   if (const auto handler = handlers_.constFind(name); handler != handlers_.constEnd()) {
     (*handler)();
     return;

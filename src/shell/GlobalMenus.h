@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <functional>
 
 #include "shell/DocumentKind.h"
@@ -29,6 +30,8 @@ class GlobalMenus : public QObject {
 
   /// Shows the menus and items of a kind and hides the others. Every item is available afterwards.
   void RefreshMenus(DocumentKind kind);
+  /// Keeps an item out of its menu whatever RefreshMenus says, until it is taken back; shows or hides it now.
+  void SetHidden(const QString& item_name, bool hidden);
   /// Whether an item of the active document can be chosen now.
   void SetAvailable(const char* item_name, bool available);
 
@@ -54,6 +57,8 @@ class GlobalMenus : public QObject {
   QHash<QString, QAction*> actions_;
   QHash<QString, QMenu*> menus_;
   QHash<QString, std::function<void()>> handlers_;
+  QSet<QString> hidden_;
+  DocumentKind kind_ = DocumentKind::Mdi;
 };
 
 /// Calls a command of the window by its name. A window without that command: a message, and false.

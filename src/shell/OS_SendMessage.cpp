@@ -1,10 +1,10 @@
 #include "shell/OS_SendMessage.h"
 
 #include <QThread>
-#include <algorithm>
 
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
+#include "shell/CommandLineRecord.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
@@ -12,18 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
-namespace {
-
-/// At most kMaxCommandLineBytes, never half a character.
-QByteArray CutAtCharacter(QByteArray text) {
-  if (text.size() <= kMaxCommandLineBytes) return text;
-  qsizetype end = kMaxCommandLineBytes;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-  text.truncate(end);
-  return text;
-}
-
-}  // namespace
 
 bool SendCommandLine(const QString& command_line) {
   if (command_line.isEmpty()) return true;
@@ -34,8 +22,7 @@ bool SendCommandLine(const QString& command_line) {
     bool numeric = false;
     const quint32 handle = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s).toUInt(&numeric);
     if (!numeric) continue;
-    const QByteArray text = CutAtCharacter(command_line.toUtf8());
-    if (InstanceLink::Send(handle, {kCommandLineData, text + '\0'})) return true;
+    if (InstanceLink::Send(handle, CommandLineRecord(command_line))) return true;
   }
   return false;
 }
@@ -47,11 +34,12 @@ void HookFrameWindow(Global& global, quint32 frame_handle) {
 void UnhookFrameWindow(Global& global) { global.instance_link.StopListening(); }
 
 void ReceiveCommandLine(Global& global, const CopyData& record) {
-  if (record.dwData != kCommandLineData) return;
-  const QByteArray& text = record.data;
-  OpenPathList(global, QString::fromUtf8(text.first(std::find(text.begin(), text.end(), 0) - text.begin())));
-  global.frame->CascadeAfterOpening();
+  const std::optional<QString> command_line = CommandLineOf(record);
+  if (!command_line) return;
+  // First, since opening may ask, and a question belongs before the eyes.
   global.frame->ComeToFront();
+  OpenPathList(global, *command_line);
+  global.frame->CascadeAfterOpening();
 }
 
 }  // namespace tme

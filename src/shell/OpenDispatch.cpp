@@ -11,6 +11,7 @@
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
+#include "shell/PathList.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -65,14 +66,14 @@ OpenCode CodeOfFilterEntry(const Global& global, int filter_index, const QString
   return OpenCodeOf(path, global.settings.txt_filter);
 }
 
+}  // namespace
+
 QString InitialOpenFolder(const Global& global) {
   for (const QString& folder :
        {global.registry.ReadValue(SettingsRoot, u"Last Open"_s), PersonalFolder(global.registry)})
     if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
   return global.shell_utilities.LastResortFolder();
 }
-
-}  // namespace
 
 OpenCode OpenCodeOf(const QString& path, const QString& txt_filter) {
   const QString ending = path.toUpper().right(3);
@@ -93,25 +94,24 @@ QString OpenFilter(const Global& global, int first_type) {
 }
 
 void OpenPathList(Global& global, const QString& text) {
+  const auto exists = [&global](const QString& path) { return global.shell_utilities.FileExists(path); };
   QString remainder = text.trimmed();
   while (!remainder.isEmpty()) {
-    QString path = std::exchange(remainder, {});
-    if (!global.shell_utilities.FileExists(path)) {
-      const qsizetype blank = path.indexOf(u' ');
-      if (blank >= 0) {
-        remainder = path.mid(blank).trimmed();
-        path.truncate(blank);
-      }
-      if (!global.shell_utilities.FileExists(path)) {
-        ShowNotAFile(global, path);
-        continue;
-      }
+    const QString path = TakePath(remainder, exists);
+    if (!exists(path)) {
+      ShowNotAFile(global, path);
+      continue;
     }
     // A name without a drive or a root is taken for rich text whatever its ending; intended.
     const bool rooted = global.shell_utilities.IsRooted(path);
     OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
     global.frame->CascadeAfterOpening();
   }
+}
+
+void OpenFileByName(Global& global, const QString& path) {
+  OpenDocument(global, path, OpenCodeOf(path, global.settings.txt_filter));
+  global.frame->CascadeAfterOpening();
 }
 
 void OpenFileDialog(Global& global) {
@@ -137,14 +137,20 @@ void OpenFileDialog(Global& global) {
   global.frame->CascadeAfterOpening();
 }
 
-void NewDocument(Global& global, SlotCode code) {
+DocumentWindow* NewDocument(Global& global, SlotCode code) {
   for (const KindTraits& traits : kKinds) {
     if (traits.slot_code != code) continue;
     DocumentWindow* window = FreeWindow(global, traits);
-    if (!window) return;
+    if (!window) return nullptr;
     window->setWindowTitle(QString::fromLatin1(traits.new_caption));
     SendCommand(global, *window, traits.new_command);
+    return window;
   }
+  return nullptr;
+}
+
+void PasteToNewDocument(Global& global, SlotCode code) {
+  if (DocumentWindow* window = NewDocument(global, code)) SendCommand(global, *window, "EditPaste");
 }
 
 void ShowNoFreeSlot(Global& global, const QString& kind_name) {

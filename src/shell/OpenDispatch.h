@@ -7,18 +7,27 @@
 
 namespace tme {
 
+class DocumentWindow;
 struct Global;
 
-/// Splits a text at its blanks into paths and opens each in a window of the right kind. A remainder that names an
-/// existing file as a whole is one path, so a path with blanks is found only as the last; quotation marks mean nothing.
-/// A path that is not a file: a message, and on with the next.
+/// Splits a text into paths (see TakePath) and opens each in a window of the right kind. A path that is not a file: a
+/// message, and on with the next.
 void OpenPathList(Global& global, const QString& text);
+
+/// Opens an existing file in a window of the kind that its name tells, whatever blanks stand in it; then cascades.
+void OpenFileByName(Global& global, const QString& path);
 
 /// Shows the Open dialog and opens what was chosen; the windows are cascaded at the end.
 void OpenFileDialog(Global& global);
 
-/// A new document of the kind in its first free slot, or the message that there is none.
-void NewDocument(Global& global, SlotCode code);
+/// A new document of the kind in its first free slot; null after the message that there is none.
+DocumentWindow* NewDocument(Global& global, SlotCode code);
+
+/// The clipboard as a new document of the kind.
+void PasteToNewDocument(Global& global, SlotCode code);
+
+/// The folder in which opening begins: the one that was last opened from, else the user's documents.
+QString InitialOpenFolder(const Global& global);
 
 /// The kind by the last three letters of the path: INI, REG, anything found in the text filter, else rich text.
 OpenCode OpenCodeOf(const QString& path, const QString& txt_filter);

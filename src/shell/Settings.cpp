@@ -11,18 +11,18 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+void TakeNonEmpty(QString text, QString& setting) {
+  if (!text.isEmpty()) setting = std::move(text);
+}
+
+}  // namespace
+
 std::optional<double> ParseNumber(const QString& text) {
   bool numeric = false;
   const double number = text.trimmed().toDouble(&numeric);
   if (!numeric || !std::isfinite(number)) return std::nullopt;
   return number;
 }
-
-void TakeNonEmpty(QString text, QString& setting) {
-  if (!text.isEmpty()) setting = std::move(text);
-}
-
-}  // namespace
 
 void Settings::ReadFrameGroup(const RegistryAccess& registry) {
   const auto flag = [&](const QString& name) { return registry.ReadValue(SettingsRoot, name) == u"1"; };
@@ -45,7 +45,7 @@ void Settings::ReadRtfGroup(const RegistryAccess& registry) {
 
 int ParseAutoSavePeriod(const QString& text) {
   const double minutes = ParseNumber(text).value_or(0);
-  return static_cast<int>(std::lrint(std::clamp(minutes, 0.0, 99.0)));
+  return static_cast<int>(std::lrint(std::clamp(minutes, 0.0, double{kMaxAutoSavePeriod})));
 }
 
 std::optional<int> ParseDefaultOpenType(const QString& text) {

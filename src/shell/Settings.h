@@ -20,6 +20,9 @@ inline const QString kTextType = QStringLiteral("REG_SZ");
 struct Settings {
   /// Whether the root key could be opened at start; without it neither placement nor flags are read or written.
   bool present = false;
+  /// The same for the keys of the text and the rich-text editor.
+  bool txt_present = false;
+  bool rtf_present = false;
   bool supress_results = false;
   bool contain_srd = false;
   bool start_editors_max = false;
@@ -38,6 +41,11 @@ struct Settings {
   void ReadTxtGroup(const RegistryAccess& registry);
   void ReadRtfGroup(const RegistryAccess& registry);
 };
+
+/// A finite number, blanks around it allowed; nothing for anything else.
+std::optional<double> ParseNumber(const QString& text);
+
+inline constexpr int kMaxAutoSavePeriod = 99;
 
 /// "AutoSave" as minutes: what is empty, not a number or below 0 is 0, above 99 is 99.
 int ParseAutoSavePeriod(const QString& text);

@@ -17,11 +17,15 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
+#include "shell/AutoSave.h"
 #include "shell/DocumentWindow.h"
+#include "shell/FileDrop.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
+#include "shell/RecentFiles.h"
+#include "shell/Tools.h"
 #include "shell/WindowArrangement.h"
 
 using namespace Qt::StringLiterals;
@@ -49,6 +53,9 @@ mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
   menuBar()->setObjectName(u"menu_bar"_s);
   menuBar()->setAccessibleName(tr("Menu bar"));
   menus_ = std::make_unique<GlobalMenus>(global_, *menuBar());
+  recent_files_ = std::make_unique<RecentFiles>(global_);
+  auto_save_ = std::make_unique<AutoSave>(global_);
+  file_drop_ = std::make_unique<FileDrop>(global_);
 
   geometry_timer_.setSingleShot(true);
   geometry_timer_.setInterval(kGeometryDelayMs);
@@ -72,13 +79,14 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, QString::number(handle));
   HookFrameWindow(global_, handle);
   registry.CreateKey(kMruKey);
+  recent_files_->ReadRecentEntries();
   BindItems();
   global_.exiting = false;
   global_.windows_directory = global_.shell_utilities.WindowsDirectory();
   ReadSettings();
   PlaceFrame();
   registry.CreateKey(kRegKey);
-  global_.settings.auto_save_period = ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s));
+  auto_save_->SetAutoSaveTimer(ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s)));
   CreateDocumentWindows();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
   OpenWelcomeDocument();
@@ -89,11 +97,11 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
 
 void mdform_TMEditor::ReadSettings() {
   Settings& settings = global_.settings;
-  const bool has_txt = global_.registry.CreateKey(kTxtKey);
-  const bool has_rtf = global_.registry.CreateKey(kRtfKey);
+  settings.txt_present = global_.registry.CreateKey(kTxtKey);
+  settings.rtf_present = global_.registry.CreateKey(kRtfKey);
   if (settings.present) settings.ReadFrameGroup(global_.registry);
-  if (has_txt) settings.ReadTxtGroup(global_.registry);
-  if (has_rtf) settings.ReadRtfGroup(global_.registry);
+  if (settings.txt_present) settings.ReadTxtGroup(global_.registry);
+  if (settings.rtf_present) settings.ReadRtfGroup(global_.registry);
 }
 
 void mdform_TMEditor::PlaceFrame() {
@@ -157,12 +165,21 @@ void mdform_TMEditor::CreateDocumentWindows() {
     if (!global_.documents.Offers(traits.kind)) continue;
     const QByteArray item = QByteArray("global_FileNew") + traits.name;
     menus_->Handle(item, [this, code = traits.slot_code] { NewDocument(global_, code); });
+    // The table has them for the two kinds that take any text.
+    for (const char* menu : {"TME_EditPaste", "menu_EditPaste"})
+      menus_->Handle(QByteArray(menu) + traits.name,
+                     [this, code = traits.slot_code] { PasteToNewDocument(global_, code); });
   }
 }
 
 void mdform_TMEditor::BindItems() {
   menus_->Handle("global_FileOpen", [this] { OpenFileDialog(global_); });
   menus_->Handle("global_FileExit", [this] { ExitApplication(); });
+  menus_->Handle("menu_FileSaveAll", [this] { auto_save_->SaveAllDocuments(); });
+  menus_->Handle("menu_FileCloseAll", [this] { CloseAllDocuments(); });
+  for (int index = 1; index <= RecentFiles::kEntries; ++index)
+    menus_->Handle("menu_mru" + QByteArray::number(index), [this, index] { recent_files_->OpenRecentFile(index); });
+  BindTools(global_);
   menus_->Handle("menu_FilePrint", [this] { PrintActiveDocument(); });
   menus_->Handle("global_WindowCascade", [this] { ArrangeWindows(0); });
   menus_->Handle("global_WindowTileH", [this] { ArrangeWindows(1); });
@@ -178,7 +195,10 @@ void mdform_TMEditor::OpenWelcomeDocument() {
     // Shown once, and only where there is a window for it.
     if (!global_.documents.Offers(DocumentKind::Rtf)) return;
     const QString path = folder.absoluteFilePath(name);
+    // Gone at once, it would be no use among the recent files.
+    global_.skip_recent_once = true;
     OpenPathList(global_, QDir::toNativeSeparators(path));
+    global_.skip_recent_once = false;
     QFile::remove(path);
     return;
   }
@@ -187,6 +207,7 @@ void mdform_TMEditor::OpenWelcomeDocument() {
 void mdform_TMEditor::ExitApplication() {
   if (std::exchange(leaving_, true)) return;
   if (geometry_timer_.isActive()) WriteGeometry();
+  auto_save_->SetAutoSaveTimer(0);
   UnhookFrameWindow(global_);
   global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
   global_.instance_link.GiveUpClaim();
@@ -285,6 +306,20 @@ void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
   if (global_.settings.start_editors_max) sub_window->showMaximized();
   area_->setActiveSubWindow(sub_window);
   window->Form_Activate();
+}
+
+void mdform_TMEditor::Activate(const DocumentWindow& window) { area_->setActiveSubWindow(window.SubWindow()); }
+
+void mdform_TMEditor::CloseAllDocuments() {
+  bool stopped = false;
+  global_.documents.ForEach([&](const DocumentSlot& slot) {
+    DocumentWindow& window = *slot.window;
+    if (stopped || window.Tag().isEmpty()) return;
+    // The one that the question is about.
+    if (slot.changed) Activate(window);
+    window.FileClose();
+    stopped = !window.Tag().isEmpty();
+  });
 }
 
 void mdform_TMEditor::DocumentClosed(DocumentWindow* window) {

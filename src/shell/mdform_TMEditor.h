@@ -12,8 +12,11 @@ class QMdiSubWindow;
 
 namespace tme {
 
+class AutoSave;
 class DocumentWindow;
+class FileDrop;
 class GlobalMenus;
+class RecentFiles;
 struct Global;
 
 /// The frame: owns the menus, the document windows and the order of start-up and shutdown.
@@ -40,6 +43,9 @@ class mdform_TMEditor : public QMainWindow {
   void SetActiveDocument(DocumentWindow* window) { active_document_ = window; }
   void RefreshMenus(DocumentKind kind);
   GlobalMenus& Menus() { return *menus_; }
+  RecentFiles& Recent() { return *recent_files_; }
+  /// The options dialog sets its timer.
+  AutoSave& Saver() { return *auto_save_; }
 
   /// 0 cascade, 1 tile horizontally, 2 tile vertically, 3 arrange icons; anything else does nothing.
   void ArrangeWindows(int arrangement);
@@ -47,6 +53,8 @@ class mdform_TMEditor : public QMainWindow {
   void CascadeAfterOpening();
   /// True while the program is being left.
   bool IsLeaving() const { return leaving_; }
+  /// A document that is shown becomes the active child.
+  void Activate(const DocumentWindow& window);
   /// Shows a document window as the active child.
   void ShowDocument(DocumentWindow* window);
   /// A window let its document go: the menus follow what is active now.
@@ -72,6 +80,8 @@ class mdform_TMEditor : public QMainWindow {
   void CreateDocumentWindows();
   void OpenWelcomeDocument();
   void PrintActiveDocument();
+  /// Stops at the first document that stays open.
+  void CloseAllDocuments();
   void ListDocumentsInWindowMenu();
   QList<QMdiSubWindow*> ShownChildren(bool minimised) const;
   /// Where a cascade puts its n-th window, from 0.
@@ -81,6 +91,9 @@ class mdform_TMEditor : public QMainWindow {
   const WindowFactory make_window_;
   QMdiArea* area_;
   std::unique_ptr<GlobalMenus> menus_;
+  std::unique_ptr<RecentFiles> recent_files_;
+  std::unique_ptr<AutoSave> auto_save_;
+  std::unique_ptr<FileDrop> file_drop_;
   DocumentWindow* active_document_ = nullptr;
   /// Resize events come in bursts, and before the window knows whether it is maximised.
   QTimer geometry_timer_;

@@ -1,0 +1,54 @@
+#include "shell/SessionShutdown.h"
+
+#include <QApplication>
+#include <QThread>
+#include <algorithm>
+
+#include "shell/Global.h"
+#include "shell/mdform_TMEditor.h"
+
+namespace tme {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenLooks{100};
+
+}  // namespace
+
+SessionShutdown::SessionShutdown(Global& global, std::chrono::milliseconds patience)
+    : global_(global), patience_(patience) {
+  looks_.setInterval(std::min(kBetweenLooks, patience));
+  // Queued: a timer does not fire again while its own call lasts, and leaving may last.
+  connect(&looks_, &QTimer::timeout, this, &SessionShutdown::Look, Qt::QueuedConnection);
+}
+
+void SessionShutdown::EndSession(SessionEnd::Questions questions) {
+  if (questions == SessionEnd::Questions::Refused) nobody_there_ = true;
+  if (looks_.isActive()) return;
+  looks_.start();
+  Look();
+}
+
+void SessionShutdown::Look() {
+  if (QWidget* question = QApplication::activeModalWidget()) return CloseWhenLate(*question);
+  question_.clear();
+  if (QWidget* popup = QApplication::activePopupWidget()) {
+    popup->close();
+    return;
+  }
+  // Never from within something else that goes on: its documents would be gone when it does.
+  const bool idle = QThread::currentThread()->loopLevel() <= 1 && !QGuiApplication::overrideCursor();
+  if (idle && !global_.exiting) global_.frame->ExitApplication();
+}
+
+void SessionShutdown::CloseWhenLate(QWidget& question) {
+  const auto now = std::chrono::steady_clock::now();
+  if (question_ != &question) {
+    question_ = &question;
+    since_ = now;
+  }
+  if (!nobody_there_ && now - since_ < patience_) return;
+  nobody_there_ = true;
+  question.close();
+}
+
+}  // namespace tme

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+#include <chrono>
+
+#include "platform/SessionEnd.h"
+
+namespace tme {
+
+struct Global;
+
+/// The shutdown at the end of a session: the frame's own, which asks about unsaved changes, but no question holds it up
+/// for ever. One that is open, or comes up, may stand for a while; unanswered, it and all after it count as closed by
+/// the user: Cancel, which writes nothing over any file.
+class SessionShutdown : public QObject {
+  Q_OBJECT
+
+ public:
+  /// How long a question may stand.
+  static constexpr std::chrono::milliseconds kPatience{10'000};
+
+  explicit SessionShutdown(Global& global, std::chrono::milliseconds patience = kPatience);
+
+  /// Leaves the program at once when nothing stands in the way, else as soon as open questions and running work are
+  /// done with. Questions::Refused: no question may stand at all. Calling it again changes nothing but that.
+  void EndSession(SessionEnd::Questions questions);
+
+ private:
+  void Look();
+  void CloseWhenLate(QWidget& question);
+
+  Global& global_;
+  const std::chrono::milliseconds patience_;
+  QTimer looks_;
+  QPointer<QWidget> question_;
+  std::chrono::steady_clock::time_point since_;
+  /// Nobody answers: the user is gone, or must not be asked.
+  bool nobody_there_ = false;
+};
+
+}  // namespace tme

@@ -1,0 +1,153 @@
+#include "shell/Tools.h"
+
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QProcessEnvironment>
+#include <QProgressDialog>
+#include <QThread>
+#include <QTimer>
+#include <memory>
+
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "shell/DisplayText.h"
+#include "shell/FolderListing.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/OpenDispatch.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// Listings that take no longer come without a word.
+constexpr unsigned long kQuietMs = 200;
+constexpr int kRefreshMs = 100;
+
+void Say(Global& global, const QString& text, MsgIcon icon) {
+  global.dialogs.MsgBox(text, MsgButtons::Ok, icon, kProgramTitle);
+}
+
+void ReportCompletion(Global& global, const QString& text) {
+  if (!global.settings.supress_results) Say(global, text, MsgIcon::Information);
+}
+
+/// Shows how far the listing is, with a way to stop it, until the thread has ended.
+void WatchListing(Global& global, QThread& thread, FolderListingWatch& watch) {
+  QProgressDialog progress(global.frame);
+  progress.setObjectName(u"FolderListingProgress"_s);
+  progress.setWindowTitle(kProgramTitle);
+  progress.setAccessibleName(kProgramTitle);
+  progress.setWindowModality(Qt::ApplicationModal);
+  progress.setRange(0, 0);
+  progress.setAutoReset(false);
+  progress.setMinimumWidth(progress.fontMetrics().averageCharWidth() * 50);
+  const auto show_count = [&] {
+    progress.setLabelText(watch.cancelled ? mdform_TMEditor::tr("Cancelling...")
+                                          : Counted(watch.entries, mdform_TMEditor::tr("Listing: 1 entry"),
+                                                    mdform_TMEditor::tr("Listing: %1 entries")));
+  };
+  QEventLoop until_done;
+  QObject::connect(&thread, &QThread::finished, &until_done, &QEventLoop::quit);
+  QObject::connect(&progress, &QProgressDialog::canceled, &until_done, [&] {
+    watch.cancelled = true;
+    // The box closes on that, but the frame must wait for the thread.
+    show_count();
+    progress.show();
+  });
+  QTimer refresh;
+  QObject::connect(&refresh, &QTimer::timeout, &progress, show_count);
+  refresh.start(kRefreshMs);
+  show_count();
+  progress.show();
+  if (!thread.isFinished()) until_done.exec();
+}
+
+void GatherDirectoryList(Global& global) {
+  CommonDialog& dialog = global.common_dialog;
+  dialog.title = u"Gather DIR list"_s;
+  dialog.init_dir = InitialOpenFolder(global);
+  const QString folder = dialog.ShowFolder();
+  if (folder.isEmpty()) return;
+  if (!QDir(folder).isReadable())
+    return Say(global, u"The folder\r( "_s + folder + u" )\rcan not be read."_s, MsgIcon::Warning);
+
+  FolderListingWatch watch;
+  QString listing;
+  const std::unique_ptr<QThread> thread(QThread::create([&] { listing = ListFolder(folder, watch); }));
+  thread->start();
+  if (!thread->wait(kQuietMs)) WatchListing(global, *thread, watch);
+  thread->wait();
+  if (watch.cancelled) return;
+  QGuiApplication::clipboard()->setText(listing);
+  ReportCompletion(global, u"Directory List Gathering Complete"_s);
+}
+
+void GatherEnvironmentVariables(Global& global) {
+  QStringList lines = QProcessEnvironment::systemEnvironment().toStringList();
+  lines.sort();
+  QGuiApplication::clipboard()->setText(lines.join(u'\n') + u'\n');
+  ReportCompletion(global, u"Environmental Variable Gathering Complete"_s);
+}
+
+/// Whole path of a folder's file, found without regard to letter case; the given name where there is none.
+QString InFolder(const QString& folder, const QString& name) {
+  const QStringList found =
+      QDir(folder).entryList({name}, QDir::Files | QDir::Hidden | QDir::System);  // wildcards, so of any case
+  return QDir::toNativeSeparators(QDir(folder).filePath(found.value(0, name)));
+}
+
+/// Opens those of the files that exist, then names the others.
+void OpenSystemFiles(Global& global, const QStringList& in_windows_folder, const QStringList& on_drive) {
+  const QString& windows = global.windows_directory;
+  if (windows.isEmpty()) {
+    const QString names = (in_windows_folder + on_drive).join(u", "_s);
+    return Say(global, u"There is no Windows folder on this system, so there is no "_s + names + u" to edit."_s,
+               MsgIcon::Information);
+  }
+  QStringList paths, missing;
+  for (const QString& name : in_windows_folder) paths += InFolder(windows, name);
+  // Drive C: is the one with the Windows folder.
+  for (const QString& name : on_drive) paths += InFolder(QFileInfo(windows).path(), name);
+  for (const QString& path : paths) {
+    if (global.shell_utilities.FileExists(path))
+      OpenPathList(global, path);
+    else
+      missing += path;
+  }
+  if (!missing.isEmpty()) Say(global, u"This system does not have\r"_s + missing.join(u'\r'), MsgIcon::Information);
+}
+
+void ShowAbout(Global& global) {
+  Say(global,
+      kProgramTitle + u' ' + QCoreApplication::applicationVersion() +
+          u"\r\rFree software under the GNU General Public License, version 3 or any later one (GPL-3.0-or-later)."
+          "\r\rSettings: "_s +
+          global.registry.Location() + u"\rQt "_s + QLatin1StringView(qVersion()),
+      MsgIcon::Program);
+}
+
+}  // namespace
+
+void BindTools(Global& global) {
+  GlobalMenus& menus = global.frame->Menus();
+  menus.Handle("menu_FeatureDIR", [&global] { GatherDirectoryList(global); });
+  menus.Handle("menu_FeatureVars", [&global] { GatherEnvironmentVariables(global); });
+  menus.Handle("menu_FeaturesSysEdit", [&global] {
+    OpenSystemFiles(global, {u"WIN.INI"_s, u"SYSTEM.INI"_s, u"PROTOCOL.INI"_s}, {u"AUTOEXEC.BAT"_s, u"CONFIG.SYS"_s});
+  });
+  menus.Handle("menu_ToolsMSDOS", [&global] { OpenSystemFiles(global, {}, {u"MSDOS.SYS"_s}); });
+  menus.Handle("ASDF",
+               [&global] { OpenPathList(global, u"c:\\windows\\win.ini c:\\autoexec.bat c:\\windows\\system.ini"_s); });
+  menus.Handle("menu_HelpAbout", [&global] { ShowAbout(global); });
+}
+
+}  // namespace tme
