@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QStringView>
+#include <string_view>
+
+class QString;
+
+namespace tme {
+
+/// The string table of the options, 101 to 117; "#" stands for a line break (see ShellUtilities::FormatHelpText).
+/// Spelling and doubled blanks belong to the texts. Empty for any other identifier.
+QString HelpText(int id);
+
+/// What the context help of a control says.
+struct HelpTopic {
+  std::string_view control;
+  const char* title;
+  int text_id;
+};
+
+/// Null for a control that has no topic of its own.
+const HelpTopic* FindHelpTopic(QStringView control);
+
+}  // namespace tme

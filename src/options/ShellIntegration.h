@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <vector>
+
+namespace tme {
+
+class RegistryAccess;
+
+/// The two ways in which the file manager offers the program: an entry among the programs that a file can be sent to or
+/// opened with, and a command in the context menu of every file. One of each per user.
+enum class ShellHook : std::uint8_t { SendTo, ContextMenu };
+enum class HookState : std::uint8_t { Off, On };
+
+struct IntegrationFailure {
+  QString place;   ///< the file or key that could not be written or removed
+  QString reason;  ///< in the system's words
+};
+
+/// Switches the hooks. Nothing of their state is kept: the system is asked each time.
+class ShellIntegration {
+ public:
+  /// program: whole path of the executable that the hooks start. The registry outlives this.
+  ShellIntegration(RegistryAccess& registry, QString program);
+
+  /// Off also when the hook starts another copy of the program.
+  HookState State(ShellHook hook) const;
+  /// Writes or removes everything that belongs to the hook, another copy's included, and the folders that were made for
+  /// it. A part that fails is returned and does not keep the others from being done; no file is left half written.
+  std::vector<IntegrationFailure> Set(ShellHook hook, HookState state);
+
+ private:
+  RegistryAccess& registry_;
+  QString program_;
+};
+
+}  // namespace tme
