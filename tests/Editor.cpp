@@ -8,12 +8,16 @@
 
 #include "ini/IniItemModel.h"
 #include "reg/form_REG.h"
+#include "text/form_RTF.h"
+#include "text/form_TXT.h"
 
 using namespace tme;
 
 Editor::Editor() {
   frame_ = std::make_unique<mdform_TMEditor>(global_, [this](DocumentKind kind, int slot) -> DocumentWindow* {
     if (kind == DocumentKind::Ini) return new form_INI(global_, slot);
+    if (kind == DocumentKind::Txt) return new form_TXT(global_, slot);
+    if (kind == DocumentKind::Rtf) return new form_RTF(global_, slot);
     return kind == DocumentKind::Reg ? new form_REG(global_, slot) : nullptr;
   });
 }

@@ -7,7 +7,7 @@ std::string Shown(const QString& title, const QString& text, const QString& deta
 }
 
 QString Name(tme::MsgButtons buttons) {
-  constexpr const char* kNames[] = {"Ok", "YesNo", "YesNoCancel"};
+  constexpr const char* kNames[] = {"Ok", "YesNo", "YesNoCancel", "OkCancel"};
   return QLatin1String(kNames[static_cast<std::size_t>(buttons)]);
 }
 
@@ -48,6 +48,11 @@ QString ScriptedCommonDialog::ShowSave() {
   const QString path = Next("Save").paths.value(0);
   if (!path.isEmpty()) file_name = path;
   return path;
+}
+
+QString ScriptedCommonDialog::ShowFolder() {
+  shown.push_back(*this);
+  return Next("Folder").paths.value(0);
 }
 
 bool ScriptedCommonDialog::Choose(const std::string& dialog) {

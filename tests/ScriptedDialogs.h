@@ -72,12 +72,16 @@ class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer>
   /// pdf: the file that is printed into; empty to cancel.
   void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf), 0, {}}); }
 
+  /// folder: empty to cancel.
+  void ExpectFolder(const QString& folder) { Add("Folder", {QStringList(folder), 0, {}}); }
+
   /// choose: sets the fields as the user would; none to cancel.
   void ExpectFont(const std::function<void(tme::CommonDialog&)>& choose = {}) { Add("Font", {{}, 0, choose}); }
   void ExpectColor(const std::function<void(tme::CommonDialog&)>& choose = {}) { Add("Color", {{}, 0, choose}); }
 
   QStringList ShowOpen() override;
   QString ShowSave() override;
+  QString ShowFolder() override;
   bool ShowFont() override { return Choose("Font"); }
   bool ShowColor() override { return Choose("Color"); }
   std::unique_ptr<QPrinter> ShowPrinter() override;

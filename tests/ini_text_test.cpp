@@ -55,7 +55,7 @@ TEST(IniReader, ReadsFiles) {
       {"[ a ]\r\n x = 1 \r\n\tb\r\n [b]\r\n \r\n ;c\r\n", "[ a |\tb| | ;c| [b]| x = 1 ]", "entries "},
       {"[s]\n\0\n=\xFF\n\xC3\n"s, "[s|\0|=\xFF|\xC3]"s},
       // A header loses its last character, whatever it is.
-      {"[Boot\n[]\n[b]]\n[c] x\n", "[][b]][Boo][c] ]", "sections "},
+      {"[Boot\n[]\n[b]]\n[c] x\n[d\xC3\xA9\n", "[][b]][Boo][c] ][d]", "sections "},
       {"[", "[]"},
       // Comments, lines without "=", letter case.
       {"[s]\n;c=1\nplain\n==\n", "[s|(;c=1)|==|plain]", "entries "},

@@ -35,34 +35,43 @@ void ForEachShownItem(const QList<QAction*>& actions, const std::function<void(c
 
 TEST_F(Editor, MenusShowWhatTheKindAnswers) {
   Start();
-  const QList<QAction*> bar = frame_->menuBar()->actions();
-  EXPECT_EQ(Shown(bar), QStringList{u"&File"_s}) << "no document";
+  const QStringList without_document{u"&File"_s, u"&Edit"_s, u"&Tools"_s, u"&Help"_s};
+  EXPECT_EQ(Shown(frame_->menuBar()->actions()), without_document);
   EXPECT_EQ(Shown(frame_->Menus().Menu(u"md_Menu_File"_s)->actions()),
             (QStringList{u"&New"_s, u"&Open"_s, u"E&xit TME"_s}));
-
-  NewDocument(global_, SlotCode::Ini);
-  EXPECT_EQ(Shown(frame_->menuBar()->actions()), (QStringList{u"&File"_s, u"&Edit"_s, u"&View"_s, u"&Window"_s}));
-  EXPECT_EQ(Shown(frame_->Menus().Menu(u"menu_Edit"_s)->actions()),
-            (QStringList{u"&Cut"_s, u"C&opy"_s, u"&Paste"_s, u"Paste &As"_s, u"&Delete Selection"_s, u"Key / &Value"_s,
-                         u"&Sectons"_s}));
-  EXPECT_EQ(Shown(frame_->Menus().Menu(u"menu_EditPasteAs"_s)->actions()), QStringList{u"New Section"_s});
-  QSet<QKeySequence> shortcuts;
-  int routed = 0;
-  ForEachShownItem(frame_->menuBar()->actions(), [&](const QAction& item) {
-    EXPECT_FALSE(item.objectName().isEmpty()) << item.text().toStdString();
-    if (!item.shortcut().isEmpty()) {
-      EXPECT_FALSE(shortcuts.contains(item.shortcut())) << item.text().toStdString();
-      shortcuts.insert(item.shortcut());
-    }
-    const QByteArray command = GlobalMenus::CommandOf(item.objectName(), DocumentKind::Ini);
-    if (command.isEmpty()) return;
-    ++routed;
-    EXPECT_GE(Ini().metaObject()->indexOfMethod(command + "()"), 0) << command.toStdString();
+  const struct {
+    DocumentKind kind;
+    const char* bar;
+    int routed;
+  } kinds[] = {{DocumentKind::Ini, "File Edit View Tools Window Help", 16},
+               {DocumentKind::Reg, "File Edit Tools Window Help", 12},
+               {DocumentKind::Txt, "File Edit Search Tools Window Help", 13},
+               {DocumentKind::Rtf, "File Edit Search Format Tools Window Help", 19}};
+  for (const auto& expected : kinds) {
+    const KindTraits& traits = TraitsOf(expected.kind);
+    SCOPED_TRACE(traits.name);
+    const DocumentWindow* window = NewDocument(global_, traits.slot_code);
+    EXPECT_EQ(Shown(frame_->menuBar()->actions()).join(u' ').remove(u'&'), QLatin1StringView(expected.bar));
+    QSet<QKeySequence> shortcuts;
+    int routed = 0;
+    ForEachShownItem(frame_->menuBar()->actions(), [&](const QAction& item) {
+      EXPECT_FALSE(item.objectName().isEmpty()) << item.text().toStdString();
+      if (!item.shortcut().isEmpty()) {
+        EXPECT_FALSE(shortcuts.contains(item.shortcut())) << item.text().toStdString();
+        shortcuts.insert(item.shortcut());
+      }
+      const QByteArray command = GlobalMenus::CommandOf(item.objectName(), expected.kind);
+      if (command.isEmpty()) return;
+      ++routed;
+      EXPECT_GE(window->metaObject()->indexOfMethod(command + "()"), 0) << command.toStdString();
+    });
+    EXPECT_EQ(routed, expected.routed);
+  }
+  global_.documents.ForEach([](DocumentSlot& slot) {
+    if (!slot.window->Tag().isEmpty()) slot.window->FileClose();
   });
-  EXPECT_EQ(routed, 16);
-
-  Ini().FileClose();
-  EXPECT_EQ(Shown(frame_->menuBar()->actions()), QStringList{u"&File"_s});
+  EXPECT_EQ(Shown(frame_->menuBar()->actions()), without_document);
+  EXPECT_FALSE(frame_->Menus().Action(u"ASDF"_s)->isVisible());
 }
 
 TEST_F(Editor, CommandsGoToTheActiveDocumentByName) {

@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "Editor.h"
+#include "shell/CommandLineRecord.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
 #include "shell/WindowArrangement.h"
@@ -66,15 +67,15 @@ TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   common_dialog_.ExpectOpen({});
   OpenFileDialog(global_);
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Last Open"_s), u"") << "cancelled";
-  common_dialog_.ExpectOpen({odd}, 1);  // a file of any name opens as the kind of the chosen entry
+  common_dialog_.ExpectOpen({odd}, 2);  // a file of any name opens as the kind of the chosen entry
   OpenFileDialog(global_);
-  common_dialog_.ExpectOpen({first, second}, 3);
+  common_dialog_.ExpectOpen({first, second}, 4);
   OpenFileDialog(global_);
   ASSERT_EQ(common_dialog_.shown.size(), 3U);
   const CommonDialog& shown = common_dialog_.shown.back();
   EXPECT_EQ(shown.title, u"Open File for Editing");
-  EXPECT_EQ(shown.filter, u"INI File|*.INI|Registry File|*.REG|Other (*.*)|*.*")
-      << "kinds without an editor are not offered";
+  EXPECT_EQ(shown.filter, u"Text File|"_s + Settings().txt_filter + u"|INI File|*.INI|Registry File|*.REG|RTF File|"_s +
+                              Settings().rtf_filter + u"|Other (*.*)|*.*"_s);
   EXPECT_TRUE(shown.multi_select);
   EXPECT_EQ(shown.init_dir, folder_.path());
   EXPECT_EQ(Ini(0).windowTitle(), u"odd.cfg");
@@ -97,6 +98,8 @@ TEST_F(Editor, SecondLaunchOpensInTheFirst) {
   EXPECT_EQ(Ini(1).Tag(), u"") << "not a command line";
   ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
   EXPECT_EQ(Ini(1).Slot().path, path) << "cut at the zero byte";
+  const QString odd_name = u"\xFEFF.ini"_s;
+  EXPECT_EQ(CommandLineOf(CommandLineRecord(odd_name)), odd_name);
 
   UnhookFrameWindow(global_);
   registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});

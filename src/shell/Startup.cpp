@@ -6,15 +6,23 @@
 #include <cstdio>
 
 #include "ini/form_INI.h"
+#include "options/ShellIntegration.h"
+#include "options/form_TMEOptions.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
+#include "platform/SessionEnd.h"
 #include "platform/ShellUtilities.h"
 #include "reg/form_REG.h"
+#include "shell/AutoSave.h"
 #include "shell/Global.h"
+#include "shell/GlobalMenus.h"
 #include "shell/OS_SendMessage.h"
+#include "shell/SessionShutdown.h"
 #include "shell/mdform_TMEditor.h"
+#include "text/form_RTF.h"
+#include "text/form_TXT.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +42,10 @@ DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
       return new form_INI(global, slot);
     case DocumentKind::Reg:
       return new form_REG(global, slot);
+    case DocumentKind::Txt:
+      return new form_TXT(global, slot);
+    case DocumentKind::Rtf:
+      return new form_RTF(global, slot);
     default:
       return nullptr;
   }
@@ -54,6 +66,14 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
   CommonDialog common_dialog;
   Global global{registry, shell_utilities, dialogs, common_dialog, link};
   mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) { return MakeWindow(global, kind, slot); });
+  ShellIntegration integration(registry, QCoreApplication::applicationFilePath());
+  frame.Menus().Handle("menu_ToolsOptions", [&] {
+    form_TMEOptions(
+        global, integration, [&frame](int minutes) { frame.Saver().SetAutoSaveTimer(minutes); }, &frame)
+        .exec();
+  });
+  SessionShutdown shutdown(global);
+  const SessionEnd session_end([&shutdown](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   frame.MDIForm_Load(texts);
   return application.exec();
 }

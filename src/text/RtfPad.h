@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QTextCursor>
+#include <QTextEdit>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "text/Pad.h"
+#include "text/RtfLooks.h"
+
+namespace tme {
+
+class RtfObjectView;
+
+/// The editing area of a rich-text window. Positions are those of its QTextDocument. Attributes of the selection are
+/// null when it mixes them; without a selection they are those that the next typed character gets.
+class RtfPad : public QTextEdit, public Pad {
+  Q_OBJECT
+
+ public:
+  /// Takes the next part of what is written; false to stop.
+  using Part = std::function<bool(std::string_view)>;
+
+  explicit RtfPad(QWidget* parent);
+  ~RtfPad() override;
+
+  QWidget& Widget() override { return *this; }
+  PadPosition End() const override;
+  PadPosition SelectionStart() const override { return textCursor().selectionStart(); }
+  PadPosition SelectionEnd() const override { return textCursor().selectionEnd(); }
+  PadPosition Moved(PadPosition from, std::int64_t characters) const override;
+  void Select(PadPosition start, PadPosition end) override;
+  QString SelectedText() const override;
+  void ReplaceSelection(const QString& text) override;
+  std::optional<PadPosition> Find(const QString& text, PadPosition from, PadPosition to, unsigned options) override;
+  void SetRightMargin(int twips) override;
+  int RightMargin() const override { return right_margin_; }
+  void Print(QPrinter& printer) override;
+  std::uint64_t Revision() const override { return revision_; }
+
+  /// An empty document in the editor's default font, or one that was read. Undo begins anew.
+  void Clear();
+  void SetRtf(rtf::RtfDocument&& read);
+  /// The whole document; false when `put` gave up.
+  bool WriteRtf(const Part& put);
+  /// Without formats, lines ended by CR LF.
+  bool WriteText(const Part& put);
+  std::string SelectedRtf() const;
+  void ReplaceSelectionWithRtf(rtf::RtfDocument&& read);
+  /// Marked-up text; pictures and whatever else it refers to are left out.
+  void ReplaceSelectionWithHtml(const QString& html);
+  /// The bytes of a PNG or JPEG file.
+  void ReplaceSelectionWithPicture(const QByteArray& bytes);
+
+  std::optional<bool> SelectionBold() const;
+  std::optional<bool> SelectionItalic() const;
+  std::optional<bool> SelectionUnderline() const;
+  std::optional<bool> SelectionStrikeThru() const;
+  std::optional<QColor> SelectionColor() const;
+  std::optional<QString> SelectionFontName() const;
+  /// Points; 0 stands for the smallest size, half a point.
+  std::optional<double> SelectionFontSize() const;
+  std::optional<bool> SelectionBullet() const;
+  void SetSelectionBold(bool bold);
+  void SetSelectionItalic(bool italic);
+  void SetSelectionUnderline(bool underline);
+  void SetSelectionStrikeThru(bool strike);
+  void SetSelectionColor(const QColor& color);
+  void SetSelectionFontName(const QString& name);
+  /// Sizes of 0 and below become 0, which is shown as half a point.
+  void SetSelectionFontSize(double points);
+  void SetSelectionBullet(bool bullet);
+  /// Twips between a bullet that is set from now on and its text.
+  void SetBulletIndent(int twips) { bullet_indent_ = twips; }
+
+  /// 100 is the size of the document. For the display only.
+  int Zoom() const { return zoom_; }
+  void SetZoom(int percent);
+
+ signals:
+  /// The user pastes, copies or drops; the window knows the clipboard's forms.
+  void PasteRequested(const QMimeData& data);
+
+ protected:
+  QMimeData* createMimeDataFromSelection() const override;
+  bool canInsertFromMimeData(const QMimeData* source) const override;
+  void insertFromMimeData(const QMimeData* source) override;
+  void wheelEvent(QWheelEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+
+ private:
+  void Show(std::unique_ptr<QTextDocument> view);
+  void ApplyZoom();
+  void MergeFormat(const QTextCharFormat& format);
+  std::unique_ptr<QTextDocument> SelectionAsDocument() const;
+  template <typename Value, typename Of>
+  std::optional<Value> Uniform(Of of) const;
+
+  // `store_` changes when a selection is written: fonts and looks that are new join its tables.
+  std::unique_ptr<RtfStore> store_;
+  RtfObjectView* objects_;
+  QImage zoom_device_;
+  int zoom_ = 100;
+  int right_margin_ = kNoWrap;
+  int bullet_indent_ = 0;
+  std::uint64_t revision_ = 0;
+};
+
+}  // namespace tme

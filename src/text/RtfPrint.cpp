@@ -1,0 +1,82 @@
+#include "text/RtfPrint.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QPainter>
+#include <QPrinter>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <charconv>
+
+#include "platform/Twips.h"
+#include "text/RtfLooks.h"
+
+namespace tme {
+namespace {
+
+// What a file means that names no margins, in twips.
+constexpr int kSideMargin = 1800;
+constexpr int kTopMargin = 1440;
+
+/// The number behind a control word; `otherwise` when it is not there, or no margin.
+int ControlValue(const std::string& controls, std::string_view word, int otherwise) {
+  const std::size_t at = controls.find(word);
+  if (at == std::string::npos) return otherwise;
+  const char* first = controls.data() + at + word.size();
+  int value = 0;
+  const auto result = std::from_chars(first, controls.data() + controls.size(), value);
+  return result.ec == std::errc() && value >= 0 && value < 4 * kTwipsPerInch ? value : otherwise;
+}
+
+void BreakPages(QTextDocument& text) {
+  QTextCursor cursor(&text);
+  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
+    for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
+      const QTextFragment fragment = it.fragment();
+      if (fragment.charFormat().intProperty(kObject) != kPageBreak) continue;
+      QTextBlockFormat format;
+      const bool before = fragment.position() == block.position();
+      format.setPageBreakPolicy(before ? QTextFormat::PageBreak_AlwaysBefore : QTextFormat::PageBreak_AlwaysAfter);
+      cursor.setPosition(block.position());
+      cursor.mergeBlockFormat(format);
+    }
+  }
+}
+
+}  // namespace
+
+void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls) {
+  const double dots_per_twip = printer.resolution() / double{kTwipsPerInch};
+  const auto dots = [&](std::string_view word, int otherwise) {
+    return ControlValue(document_controls, word, otherwise) * dots_per_twip;
+  };
+  text.setUndoRedoEnabled(false);
+  BreakPages(text);
+  printer.setFullPage(true);
+  const QSizeF page = printer.pageLayout().fullRectPixels(printer.resolution()).size();
+  text.documentLayout()->setPaintDevice(&printer);
+  text.setPageSize(page);
+  QTextFrameFormat frame = text.rootFrame()->frameFormat();
+  frame.setLeftMargin(dots("\\margl", kSideMargin));
+  frame.setRightMargin(dots("\\margr", kSideMargin));
+  frame.setTopMargin(dots("\\margt", kTopMargin));
+  frame.setBottomMargin(dots("\\margb", kTopMargin));
+  text.rootFrame()->setFrameFormat(frame);
+
+  QPainter painter(&printer);
+  QAbstractTextDocumentLayout::PaintContext context;
+  context.palette.setColor(QPalette::Text, Qt::black);
+  const int pages = text.pageCount();
+  for (int number = 0; number < pages && painter.isActive(); ++number) {
+    if (number > 0 && !printer.newPage()) return;
+    const QRectF view(0, number * page.height(), page.width(), page.height());
+    painter.save();
+    painter.translate(0, -view.top());
+    painter.setClipRect(view);
+    context.clip = view;
+    text.documentLayout()->draw(&painter, context);
+    painter.restore();
+  }
+}
+
+}  // namespace tme

@@ -1,0 +1,109 @@
+#include "text/form_TXT.h"
+
+#include <QIcon>
+#include <QMdiSubWindow>
+
+#include "shell/Global.h"
+#include "shell/Hourglass.h"
+#include "text/TextPad.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kPartBytes = std::size_t{1} << 18;
+
+/// The next part of a text: up to a line end, else, within a longer line, up to an ASCII character, which is one in
+/// every encoding.
+std::string_view TakePart(std::string_view& rest) {
+  std::size_t size = rest.size();
+  if (size > kPartBytes) {
+    const std::size_t line_end = rest.rfind('\n', kPartBytes - 1);
+    size = line_end == std::string_view::npos ? kPartBytes : line_end + 1;
+    while (size < rest.size() && static_cast<unsigned char>(rest[size - 1]) >= 0x80) ++size;
+  }
+  const std::string_view part = rest.substr(0, size);
+  rest.remove_prefix(size);
+  return part;
+}
+
+}  // namespace
+
+form_TXT::form_TXT(Global& global, int slot) : PadWindow(global, DocumentKind::Txt, slot) {}
+
+Pad& form_TXT::EditingArea() { return *pad; }
+
+std::uint64_t form_TXT::Revision() const { return pad ? pad->Revision() : 0; }
+
+void form_TXT::BuildControls(QWidget& client) {
+  setWindowIcon(QIcon(u":/icons/txt-file.svg"_s));
+  pad = new TextPad(&client);
+  connect(pad, &QsciScintillaBase::SCEN_CHANGE, this, [this] { Altered(true); });
+  WatchPad(client);
+}
+
+void form_TXT::ResizeForm() {
+  if (SubWindow() && SubWindow()->isMinimized()) return;
+  // The whole client area; the frame's child, not this window, has the decoration around it.
+  pad->setGeometry(pad->parentWidget()->rect());
+  ApplyWordWrap();
+}
+
+void form_TXT::NewTXT() {
+  TakeSlot();
+  format_ = {};
+  pad->SetText({});
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  Slot().path.clear();
+  Slot().title.clear();
+  Altered(false);
+  MarkClean();
+  ShowInFrame();
+  pad->setFocus();
+}
+
+void form_TXT::OpenTXT() {
+  const Hourglass hourglass;
+  std::optional<DecodedText> decoded = TakeSlotFile();
+  if (!decoded) return;
+  format_ = decoded->format;
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  pad->SetText(std::move(decoded->text));
+  Altered(false);
+  MarkClean();
+  RecordOpened();
+  ShowInFrame();
+  ResizeForm();
+  pad->setFocus();
+}
+
+bool form_TXT::CloseDocument() {
+  if (!PadWindow::CloseDocument()) return false;
+  pad->SetText({});
+  return true;
+}
+
+PadWindow::SaveDialogTexts form_TXT::SaveTexts() const {
+  return {u"Save Text File"_s, u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
+}
+
+DocumentWindow::SaveOutcome form_TXT::WriteTo(const QString& path) {
+  const Hourglass hourglass;
+  TextFormat format = format_;
+  const std::optional<FileFailure> failure = WriteTextFile(FilePath(path), format, [this](const FilePart& put) {
+    for (std::string_view rest = pad->Text(); !rest.empty();)
+      if (!put(TakePart(rest))) return false;
+    return true;
+  });
+  if (failure) {
+    ShowWriteFailure(path, *failure);
+    return SaveOutcome::Failed;
+  }
+  AddEncodingNotice(format_.encoding, format.encoding);
+  format_ = format;
+  MarkClean();
+  return SaveOutcome::Saved;
+}
+
+}  // namespace tme

@@ -1,0 +1,172 @@
+#include "text/form_RTF.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+#include <QTest>
+#include <QToolBar>
+
+#include "Editor.h"
+#include "shell/GlobalMenus.h"
+#include "shell/NoticeBar.h"
+#include "shell/OpenDispatch.h"
+#include "text/RtfPad.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+class FormRtf : public Editor {
+ protected:
+  FormRtf() { Start(); }
+  form_RTF& Window(int slot = 0) {
+    return dynamic_cast<form_RTF&>(*global_.documents.At(DocumentKind::Rtf, slot).window);
+  }
+  form_RTF& Open(const std::string& bytes) {
+    OpenPathList(global_, File(u"letter.rtf"_s, bytes));
+    QApplication::processEvents();
+    return Window();
+  }
+  form_RTF& New() {
+    NewDocument(global_, SlotCode::Rtf);
+    return Window();
+  }
+  static RtfPad& PadOf(form_RTF& window) { return static_cast<RtfPad&>(window.EditingArea()); }
+  static QString NoticeOf(form_RTF& window) { return window.findChild<NoticeBar*>()->Text(); }
+  static void Click(form_RTF& window, const QString& tag) {
+    for (QAction* action : window.findChild<QToolBar*>(u"Toolbar1"_s)->actions())
+      if (action->data() == tag) action->trigger();
+  }
+  bool IsChecked(const char* item) { return frame_->Menus().IsChecked(item); }
+};
+
+TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
+  const std::string bytes = "{\\rtf1\\ansi  {\\*\\odd thing}\\pard\\b one\\b0\\par}\n\n";
+  form_RTF& window = Open(bytes);
+  const QString path = InFolder(u"letter.rtf"_s);
+  QTest::keyClick(&PadOf(window), Qt::Key_Right);
+  EXPECT_EQ(window.windowTitle(), u"letter.rtf [CHANGED]"_s);
+  window.SaveFile();
+  EXPECT_EQ(BytesOf(path), bytes);
+  EXPECT_EQ(window.windowTitle(), u"letter.rtf"_s);
+  PadOf(window).ReplaceSelection(u"\u4E2D"_s);
+  window.SaveFile();
+  const std::string written = BytesOf(path);
+  EXPECT_TRUE(written.starts_with("{\\rtf1"));
+  EXPECT_NE(written.find("\\u20013"), std::string::npos);
+  EXPECT_FALSE(window.IsTouched());
+}
+
+TEST_F(FormRtf, TheDialogsFilterIndexDecidesWhatIsWritten) {
+  form_RTF& window = Open("{\\rtf1 caf\\'e9\\par}");
+  const QString path = InFolder(u"letter.rtf"_s);
+  PadOf(window).ReplaceSelection(u"x"_s);
+  const std::string before = BytesOf(path);
+  global_.common_dialog.filter_index = 3;
+  window.SaveFile();
+  EXPECT_EQ(BytesOf(path), before);
+  EXPECT_FALSE(window.Slot().changed);
+  EXPECT_TRUE(NoticeOf(window).contains(u"Save As"_s));
+  EXPECT_TRUE(window.IsTouched());
+  global_.common_dialog.filter_index = 2;
+  window.SaveFile();
+  EXPECT_EQ(BytesOf(path), "xcaf\xE9");
+  EXPECT_TRUE(NoticeOf(window).contains(u"plain text"_s));
+  common_dialog_.ExpectSave(InFolder(u"other.rtf"_s));
+  window.SaveAs();
+  EXPECT_TRUE(BytesOf(InFolder(u"other.rtf"_s)).starts_with("{\\rtf1"));
+  EXPECT_EQ(common_dialog_.shown.back().filter, u"RTF File|*.RTF;*.WRI|TXT File| & TXTFilter"_s);
+}
+
+TEST_F(FormRtf, FormatCommandsAndTheirStateFollowTheSelection) {
+  form_RTF& window = New();
+  RtfPad& pad = PadOf(window);
+  pad.ReplaceSelection(u"one two"_s);
+  pad.Select(0, 3);
+  Click(window, u"bold"_s);
+  QTest::keyClick(&pad, Qt::Key_B, Qt::ControlModifier);
+  QTest::keyClick(&pad, Qt::Key_I, Qt::ControlModifier);
+  EXPECT_EQ(pad.SelectionBold(), false);
+  EXPECT_EQ(pad.SelectionItalic(), true);
+  EXPECT_TRUE(IsChecked("menu_FormatItalic"));
+  pad.Select(0, 7);
+  QTest::keyClick(&pad, Qt::Key_Shift);
+  QTest::mouseRelease(pad.viewport(), Qt::MiddleButton);
+  QApplication::processEvents();
+  EXPECT_FALSE(IsChecked("menu_FormatItalic"));
+  window.FormatItalic();
+  EXPECT_EQ(pad.SelectionItalic(), true);
+  common_dialog_.ExpectFont();
+  const std::optional<QString> name = pad.SelectionFontName();
+  window.FormatFont();
+  EXPECT_EQ(pad.SelectionItalic(), false);
+  EXPECT_EQ(pad.SelectionFontName(), name);
+  common_dialog_.ExpectColor();
+  global_.common_dialog.color = Qt::red;
+  window.FormatColor();
+  EXPECT_EQ(pad.SelectionColor(), QColor(Qt::red));
+}
+
+TEST_F(FormRtf, FontSizeButtons) {
+  form_RTF& window = New();
+  RtfPad& pad = PadOf(window);
+  pad.ReplaceSelection(u"one two"_s);
+  pad.Select(0, 3);
+  pad.SetSelectionFontSize(2);
+  Click(window, u"FD"_s);
+  EXPECT_EQ(pad.SelectionFontSize(), 0);
+  pad.Select(0, 7);
+  Click(window, u"FD"_s);
+  EXPECT_EQ(pad.SelectionFontSize(), std::nullopt);
+  Click(window, u"FU"_s);
+  EXPECT_EQ(pad.SelectionFontSize(), 2);
+}
+
+TEST_F(FormRtf, EnterInABulletedLineBeginsTheNextWithABlank) {
+  form_RTF& window = New();
+  RtfPad& pad = PadOf(window);
+  pad.ReplaceSelection(u"one"_s);
+  window.FormatBulleted();
+  EXPECT_TRUE(IsChecked("menu_FormatBulleted"));
+  QTest::keyClick(&pad, Qt::Key_Return);
+  EXPECT_EQ(pad.toPlainText(), u"one\n "_s);
+  EXPECT_EQ(pad.SelectionBullet(), true);
+}
+
+TEST_F(FormRtf, ClipboardCarriesRichAndPlainText) {
+  form_RTF& window = Open("{\\rtf1\\ansi one {\\b two}\\par}");
+  RtfPad& pad = PadOf(window);
+  pad.Select(0, pad.End());
+  window.EditCopy();
+  const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+  for (const char* name : {"text/rtf", "application/rtf", "text/richtext"})
+    EXPECT_TRUE(data->data(QLatin1StringView(name)).startsWith("{\\rtf1")) << name;
+  EXPECT_EQ(data->text(), u"one two"_s);
+  pad.Select(pad.End(), pad.End());
+  QTest::keyClick(&pad, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(pad.toPlainText(), u"one twoone two"_s);
+  pad.Select(11, 14);
+  EXPECT_EQ(pad.SelectionBold(), true);
+  window.EditPasteSpecialPlainText();
+  auto* html = new QMimeData;
+  html->setHtml(u"a<img src='file:///etc/hostname'><b>b</b>"_s);
+  QGuiApplication::clipboard()->setMimeData(html);
+  pad.Select(0, pad.End());
+  window.EditPaste();
+  EXPECT_EQ(pad.toPlainText(), u"ab"_s);
+  auto* picture = new QMimeData;
+  picture->setImageData(QImage(3, 3, QImage::Format_RGB32));
+  QGuiApplication::clipboard()->setMimeData(picture);
+  window.EditPaste();
+  EXPECT_EQ(pad.End(), 3);
+  QGuiApplication::clipboard()->setText(QString(5'000'000, u'x'));
+  window.EditPaste();
+  EXPECT_EQ(pad.End(), 3);
+  EXPECT_TRUE(NoticeOf(window).contains(u"Nothing was pasted"_s));
+}
+
+TEST_F(FormRtf, NamesThatAreNoCommands) {
+  const QMetaObject& commands = form_RTF::staticMetaObject;
+  EXPECT_EQ(commands.indexOfMethod("SearchAgain()"), -1);
+  EXPECT_EQ(commands.indexOfMethod("Altered(bool)"), -1);
+  EXPECT_NE(commands.indexOfMethod("FormatBulleted()"), -1);
+}

@@ -1,0 +1,26 @@
+#include <QTest>
+#include <csignal>
+
+#include "Editor.h"
+#include "shell/SessionShutdown.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
+  Dialogs dialogs;
+  Global global{registry_, shell_utilities_, dialogs, common_dialog_, link_};
+  mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) {
+    return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
+  });
+  const QString path = File(u"a.ini"_s, "[A]\r\n\r\n");
+  frame.MDIForm_Load({path, path});
+  global.documents.ForEach([](DocumentSlot& slot) { slot.changed = !slot.path.isEmpty(); });
+  SessionShutdown shutdown(global, std::chrono::milliseconds(1));
+  const SessionEnd session_end([&](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
+  for (const int signal : {SIGTERM, SIGHUP}) std::raise(signal);
+  EXPECT_EQ(dialogs.MsgBox(u"A question"_s, MsgButtons::YesNoCancel, MsgIcon::Question, {}), MsgAnswer::Cancel);
+  EXPECT_FALSE(frame.IsLeaving()) << "not from within the question";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return global.exiting; }));
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
+}

@@ -1,0 +1,103 @@
+#include <QApplication>
+#include <QDialog>
+#include <QMdiSubWindow>
+
+#include "Editor.h"
+#include "reg/form_REG.h"
+#include "shell/AutoSave.h"
+#include "shell/GlobalMenus.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* kIni = "[A]\r\nx=1\r\n\r\n";
+constexpr const char* kTouched = "[A]\r\nx=1\r\n\r\n[B]\r\n\r\n";
+constexpr const char* kForeign = "changed by another program";
+
+class SavingTest : public Editor {
+ protected:
+  /// Lets minutes pass, as long as the timer runs.
+  void PassMinutes(int minutes) {
+    auto* timer = frame_->Saver().findChild<QTimer*>(u"AutoSaveTimer"_s);
+    for (; minutes > 0 && timer->isActive(); --minutes) {
+      QTimerEvent minute(timer->timerId());
+      QApplication::sendEvent(timer, &minute);
+    }
+  }
+  /// An edit that leaves the changed flag alone.
+  static void Touch(form_INI& window) { const_cast<IniTree&>(window.Tree()).AddSection("B"); }
+};
+
+}  // namespace
+
+TEST_F(SavingTest, TimerSavesWhatWasTouched) {
+  const QString touched = File(u"a.ini"_s, kIni), untouched = File(u"b.ini"_s, kIni);
+  const QString keys = File(u"c.reg"_s, "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\r\n");
+  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"2"_s);
+  Start({touched, untouched, keys});
+  Touch(Ini(0));
+  auto& reg = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0).window);
+  auto& document = const_cast<RegDocument&>(reg.Document());
+  document.AddValueRecord(document.Root()->Child(0)->Child(0), RegType::String, "n", "new");
+  File(u"b.ini"_s, kForeign);
+  QStringList captions;
+  QObject::connect(frame_.get(), &QWidget::windowTitleChanged, [&](const QString& caption) { captions += caption; });
+  PassMinutes(1);
+  EXPECT_EQ(BytesOf(touched), kIni);
+  PassMinutes(1);
+  EXPECT_EQ(BytesOf(touched), kTouched);
+  EXPECT_EQ(BytesOf(untouched), kForeign);
+  EXPECT_NE(BytesOf(keys).find("\"n\"=\"new\""), std::string::npos);
+  EXPECT_EQ(captions, (QStringList{u"Tamarind Editor - AutoSaving Open Files"_s, u"Tamarind Editor"_s}));
+  File(u"a.ini"_s, kForeign);
+  PassMinutes(2);
+  EXPECT_EQ(BytesOf(touched), kForeign) << "written, and not touched since";
+}
+
+TEST_F(SavingTest, TimerCountsAndWaits) {
+  const QString path = File(u"a.ini"_s, kIni);
+  Start({path});
+  // Periods as they are set, the minutes that pass, and whether a save comes in them; the count goes on throughout.
+  const std::tuple<int, int, bool> rows[] = {{0, 200, false}, {3, 2, false},   {2, 1, false},
+                                             {4, 1, true},    {99, 98, false}, {99, 1, true},
+                                             {9, 8, false},   {8, 90, false},  {8, 9, true}};
+  for (const auto& [period, minutes, saved] : rows) {
+    File(u"a.ini"_s, "");
+    Touch(Ini());
+    frame_->Saver().SetAutoSaveTimer(period);
+    PassMinutes(minutes);
+    EXPECT_EQ(!BytesOf(path).empty(), saved) << period << " after " << minutes;
+  }
+  Touch(Ini());
+  File(u"a.ini"_s, "");
+  frame_->Saver().SetAutoSaveTimer(1);
+  QDialog question(frame_.get());
+  question.setModal(true);
+  question.show();
+  PassMinutes(3);
+  EXPECT_EQ(BytesOf(path), "") << "it waits for the question";
+  question.hide();
+  PassMinutes(1);
+  EXPECT_NE(BytesOf(path), "");
+}
+
+TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
+  const QString path = File(u"a.ini"_s, kIni);
+  Start({path, path});
+  Touch(Ini(0));
+  frame_->Activate(Ini(1));
+  Ini(1).SubWindow()->showMaximized();
+  frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
+  EXPECT_EQ(BytesOf(path), kTouched);
+  for (const int slot : {0, 1}) EXPECT_EQ(Ini(slot).SubWindow()->width(), Ini(slot).PreferredWidth()) << slot;
+  EXPECT_EQ(frame_->ActiveDocument(), &Ini(1));
+
+  Ini(1).Slot().changed = true;
+  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel,
+                        MsgAnswer::Cancel);
+  frame_->Menus().Action(u"menu_FileCloseAll"_s)->trigger();
+  EXPECT_EQ(Ini(0).Tag(), u"");
+  EXPECT_EQ(Ini(1).Tag(), u"1");
+}
