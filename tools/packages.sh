@@ -7,6 +7,9 @@ packages_build=(g++ cmake ninja-build ccache qt6-base-dev qt6-svg-dev libqscinti
 # Tests run without a display; they need fonts to lay out text, the two clang tools and what print tests read with.
 packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy fonts-dejavu-core poppler-utils procps)
 
+# The compiler that fuzz targets are built with, and its runtimes.
+packages_fuzz=(clang-14 libclang-rt-14-dev llvm-14)
+
 packages_run=(fonts-dejavu-core)
 
 # Only where there is Wayland and nothing that speaks X11.

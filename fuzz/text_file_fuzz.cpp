@@ -1,0 +1,76 @@
+// Input: a byte that chooses an encoding, then bytes, which are taken for a file's and for a text.
+#include <string>
+#include <string_view>
+
+#include "Fuzz.h"
+#include "base/Utf8.h"
+#include "platform/CodePage.h"
+#include "platform/TextFile.h"
+
+namespace tme::fuzz {
+namespace {
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+bool IsUtf16(TextEncoding encoding) { return encoding == TextEncoding::Utf16Le || encoding == TextEncoding::Utf16Be; }
+
+/// Lone surrogates that stand side by side are the character they make: a UTF-16 file cannot tell the two apart.
+std::string WithPairsJoined(std::string_view text) {
+  std::string joined;
+  char32_t high = 0;
+  char buffer[utf8::kMaxCharacterBytes];
+  while (const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept)) {
+    const bool pair = high != 0 && *character >= 0xDC00 && *character <= 0xDFFF;
+    if (pair) joined.resize(joined.size() - 3);
+    const char32_t whole = pair ? 0x10000 + ((high - 0xD800) << 10) + (*character - 0xDC00) : *character;
+    joined.append(buffer, utf8::PutCharacter(whole, buffer));
+    high = *character >= 0xD800 && *character <= 0xDBFF ? *character : 0;
+  }
+  return joined.append(text);
+}
+
+void CheckBytes(std::string_view bytes) {
+  const DecodedText decoded = DecodeText(std::string(bytes));
+  Promise(EncodeText(decoded.text, decoded.format) == bytes, "decode, then encode gives the same bytes");
+  const bool marked_utf8 = bytes.starts_with(kUtf8Mark);
+  if (!marked_utf8 && !IsUtf16(decoded.format.encoding))
+    Promise(utf8::IsValid(decoded.text), "a decoded text is UTF-8");
+
+  const std::string text = CodePageToUtf8(bytes);
+  Promise(utf8::IsValid(text), "every byte of the code page is a character");
+  Promise(Utf8ToCodePage(text) == bytes, "and every such character the byte again");
+}
+
+void CheckText(std::string_view text, unsigned choice) {
+  TextFormat format{.encoding = static_cast<TextEncoding>(choice % 5)};
+  if (IsUtf16(format.encoding) && (choice & 0x80) != 0) format.stray_byte = 'x';
+  const bool valid = utf8::IsValid(text);
+  const std::optional<std::string> bytes = EncodeText(text, format);
+  if (!bytes) {
+    const bool takes_all = format.encoding == TextEncoding::Utf8 || format.encoding == TextEncoding::Utf8Bom;
+    Promise(!takes_all, "UTF-8 takes every text");
+    Promise(!IsUtf16(format.encoding) || !valid, "UTF-16 takes every text that is UTF-8");
+    return;
+  }
+  // Without a mark, a text that is no UTF-8 is written as it is and taken for the code page's by whoever reads it.
+  if (format.encoding == TextEncoding::Utf8 && !valid && !text.starts_with(kUtf8Mark)) {
+    Promise(*bytes == text, "a text that is no UTF-8 passes through");
+    return;
+  }
+  const DecodedText decoded = DecodeText(*bytes);
+  const std::string expected = IsUtf16(format.encoding) ? WithPairsJoined(text) : std::string(text);
+  Promise(decoded.text == expected, "what was encoded reads back");
+  Promise(decoded.format.stray_byte == format.stray_byte, "an odd byte stays");
+}
+
+}  // namespace
+}  // namespace tme::fuzz
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tme::fuzz;
+  std::string_view input = AsText(data, size);
+  const unsigned choice = TakeByte(input);
+  CheckBytes(input);
+  CheckText(input, choice);
+  return 0;
+}
