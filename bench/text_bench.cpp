@@ -1,0 +1,130 @@
+// A text file of 100 MB in its window. Run with QT_QPA_PLATFORM=offscreen and an empty HOME.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QTemporaryDir>
+#include <filesystem>
+#include <fstream>
+
+#include "ResidentMemory.h"
+#include "Shuffle.h"
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/InstanceLink.h"
+#include "platform/RegistryAccess.h"
+#include "platform/ShellUtilities.h"
+#include "shell/Global.h"
+#include "shell/OpenDispatch.h"
+#include "shell/mdform_TMEditor.h"
+#include "text/TextPad.h"
+#include "text/form_TXT.h"
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kBytes = 100'000'000;
+
+struct Editor {
+  Editor() {
+    frame.MDIForm_Load({});
+    QApplication::processEvents();
+  }
+  form_TXT& Open(const QString& path) {
+    OpenPathList(global, path);
+    QApplication::processEvents();
+    auto& window = static_cast<form_TXT&>(*global.documents.At(DocumentKind::Txt, 0).window);
+    static_cast<TextPad&>(window.EditingArea()).viewport()->repaint();
+    return window;
+  }
+
+  RegistryAccess registry;
+  ShellUtilities shell_utilities;
+  Dialogs dialogs;
+  CommonDialog common_dialog;
+  InstanceLink link;
+  Global global{registry, shell_utilities, dialogs, common_dialog, link};
+  mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
+                          return kind == DocumentKind::Txt ? new form_TXT(global, slot) : nullptr;
+                        }};
+};
+
+QString InputFile() {
+  static const QTemporaryDir folder;
+  static const QString path = [] {
+    constexpr std::array kWords{"printer", "driver", "the", "of", "configuration", "value=1", "Window", "path"};
+    Shuffle shuffle;
+    std::string text;
+    while (text.size() < kBytes) {
+      for (unsigned left = 4 + shuffle.Below(14); left > 0; --left) text.append(shuffle.Pick(kWords)).append(" ");
+      text += "\r\n";
+    }
+    std::ofstream(folder.filePath(QStringLiteral("large.txt")).toStdString(), std::ios::binary) << text;
+    return folder.filePath(QStringLiteral("large.txt"));
+  }();
+  return path;
+}
+
+void BM_DecodeText(benchmark::State& state) {
+  const std::filesystem::path path = InputFile().toStdString();
+  for (auto _ : state) {
+    std::string bytes;
+    if (ReadFileBytes(path, bytes)) state.SkipWithError("cannot read the input");
+    benchmark::DoNotOptimize(DecodeText(std::move(bytes)));
+  }
+}
+BENCHMARK(BM_DecodeText)->Unit(benchmark::kMillisecond);
+
+/// From the choice of the file to the painted text; `memory` is what the document takes, in files.
+void BM_OpenToPaintedText(benchmark::State& state) {
+  const QString path = InputFile();
+  Editor editor;
+  for (auto _ : state) {
+    const auto before = static_cast<double>(ResidentBytes());
+    form_TXT& window = editor.Open(path);
+    state.PauseTiming();
+    state.counters["memory"] = (static_cast<double>(ResidentBytes()) - before) / kBytes;
+    window.FileClose();
+    QApplication::processEvents();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_OpenToPaintedText)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_Save(benchmark::State& state) {
+  Editor editor;
+  form_TXT& window = editor.Open(InputFile());
+  for (auto _ : state) window.SaveFile();
+}
+BENCHMARK(BM_Save)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// What the save is measured by.
+void BM_CopyFile(benchmark::State& state) {
+  const std::filesystem::path path = InputFile().toStdString();
+  for (auto _ : state)
+    std::filesystem::copy_file(path, path.string() + ".copy", std::filesystem::copy_options::overwrite_existing);
+}
+BENCHMARK(BM_CopyFile)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// A key in the middle of the text, painted.
+void BM_Key(benchmark::State& state) {
+  Editor editor;
+  auto& pad = static_cast<TextPad&>(editor.Open(InputFile()).EditingArea());
+  const auto middle = static_cast<PadPosition>(kBytes / 2);
+  pad.Select(middle, middle);
+  for (auto _ : state) {
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+    QApplication::sendEvent(&pad, &press);
+    pad.viewport()->repaint();
+  }
+}
+BENCHMARK(BM_Key)->Unit(benchmark::kMillisecond)->Iterations(100);
+
+}  // namespace
+}  // namespace tme
+
+int main(int argc, char** argv) {
+  const QApplication application(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}
