@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -50,8 +51,8 @@ Converter OpenConverter(int code_page) {
   if (code_page == 1361) names[0] = "JOHAB";
   if (code_page == 65001) names[0] = "UTF-8";
   for (const std::string& name : names) {
-    const iconv_t converter = iconv_open("UTF-8", name.c_str());
-    if (converter != reinterpret_cast<iconv_t>(-1)) return Converter(converter);
+    iconv_t converter = iconv_open("UTF-8", name.c_str());
+    if (reinterpret_cast<std::intptr_t>(converter) != -1) return Converter(converter);
   }
   return nullptr;
 }
@@ -73,7 +74,7 @@ iconv_t ConverterOf(int code_page) {
 std::string BytesToUtf8(int code_page, std::string_view bytes) {
   static std::mutex one_at_a_time;  // a converter has a state
   const std::lock_guard lock(one_at_a_time);
-  const iconv_t converter = ConverterOf(code_page);
+  iconv_t converter = ConverterOf(code_page);
   std::string text;
   if (converter == nullptr) return CodePageToUtf8(bytes);
   text.reserve(bytes.size() * 2);
