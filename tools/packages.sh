@@ -18,6 +18,9 @@ packages_wayland=(qt6-wayland)
 # A display of our own, a window manager for it, and what finds the window and saves the picture.
 packages_display=(xvfb openbox xdotool x11-utils imagemagick)
 
+# A display, a session bus and what reads the screen and presses keys there.
+packages_accessibility=(xvfb openbox xdotool x11-utils dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0)
+
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
   local missing=() package state

@@ -160,6 +160,7 @@ GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(
       const QString caption = QString::fromLatin1(row.caption);
       QMenu* menu = parent ? parent->addMenu(caption) : bar.addMenu(caption);
       menu->setObjectName(name);
+      menu->setAccessibleName(QString(caption).remove(u'&'));
       menu->setToolTipsVisible(true);
       menu->menuAction()->setObjectName(name);
       menus_.insert(name, menu);

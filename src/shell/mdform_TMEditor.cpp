@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QPrinter>
 #include <QScreen>
+#include <QShortcut>
 #include <QStyle>
 #include <QTemporaryDir>
 
@@ -186,6 +187,12 @@ void mdform_TMEditor::BindItems() {
   menus_->Handle("global_WIndowTileV", [this] { ArrangeWindows(2); });
   menus_->Handle("global_WindowIcons", [this] { ArrangeWindows(3); });
   connect(menus_->Menu(u"md_menu_window"_s), &QMenu::aboutToShow, this, &mdform_TMEditor::ListDocumentsInWindowMenu);
+  // Beside the area's own Ctrl+Tab, which goes by use, these go round all documents.
+  const auto on_key = [this](const QKeySequence& key, void (QMdiArea::*go)()) {
+    connect(new QShortcut(key, this), &QShortcut::activated, area_, go);
+  };
+  on_key(Qt::CTRL | Qt::Key_F6, &QMdiArea::activateNextSubWindow);
+  on_key(Qt::CTRL | Qt::SHIFT | Qt::Key_F6, &QMdiArea::activatePreviousSubWindow);
 }
 
 void mdform_TMEditor::OpenWelcomeDocument() {
@@ -251,7 +258,9 @@ QRect mdform_TMEditor::CascadeRect(int place, const QWidget* window) const {
 }
 
 void mdform_TMEditor::ArrangeWindows(int arrangement) {
-  const QSize room = area_->viewport()->size();
+  // Tiles need no scroll bars: those that stand now make room.
+  const bool cascades = arrangement == static_cast<int>(Arrangement::Cascade);
+  const QSize room = cascades ? area_->viewport()->size() : area_->maximumViewportSize();
   const QList<QMdiSubWindow*> icons = ShownChildren(true);
   if (!icons.isEmpty()) {
     const std::vector<QPoint> origins = IconOrigins(static_cast<int>(icons.size()), room, icons.first()->size());
@@ -263,7 +272,7 @@ void mdform_TMEditor::ArrangeWindows(int arrangement) {
   QMdiSubWindow* active = children.last();
   const auto count = static_cast<int>(children.size());
   std::vector<QRect> rects;
-  if (arrangement == static_cast<int>(Arrangement::Cascade)) {
+  if (cascades) {
     for (int place = 0; place < count; ++place) rects.push_back(CascadeRect(place, children[place]->widget()));
   } else if (arrangement == static_cast<int>(Arrangement::TileHorizontally) ||
              arrangement == static_cast<int>(Arrangement::TileVertically)) {
