@@ -107,7 +107,7 @@ Source MixedSource() {
   source.Object(rtf::ObjectKind::Invisible, "{\\*\\bkmkstart a}");
   source.Text("secret", hidden);
   source.Text("one\ttwo\u2028", odd_look);
-  source.Text("link\f\xF0\x9F\x98\x80", link);
+  source.Text("\uFEFFlink\f\xF0\x9F\x98\x80", link);
   source.Object(rtf::ObjectKind::Invisible, "{\\*\\bkmkend a}");
   const std::uint32_t item_shape = source.Shape(item);
   source.Paragraph(item_shape);

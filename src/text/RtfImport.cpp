@@ -10,6 +10,8 @@
 #include <set>
 #include <string_view>
 
+#include "shell/DisplayText.h"
+
 namespace tme {
 namespace {
 
@@ -185,7 +187,7 @@ class Importer {
       InsertObject(kPageBreak, format);
       text.remove_prefix(page_end + 1);
     }
-    if (!text.empty()) cursor_.insertText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), format);
+    if (!text.empty()) cursor_.insertText(TextOf(text), format);
   }
 
   void InsertObject(int object, QTextCharFormat format) {

@@ -8,6 +8,7 @@
 #include <array>
 
 #include "platform/Twips.h"
+#include "shell/DisplayText.h"
 #include "text/PrintText.h"
 #include "text/TextPadAccessible.h"
 #include "text/TextSearch.h"
@@ -220,7 +221,7 @@ void TextPad::Select(PadPosition start, PadPosition end) {
 
 std::string_view TextPad::SelectedBytes() const { return BytesBetween(SelectionStart(), SelectionEnd()); }
 
-QString TextPad::SelectedText() const { return QString::fromStdString(WithLineEnd(SelectedBytes(), "\n")); }
+QString TextPad::SelectedText() const { return TextOf(WithLineEnd(SelectedBytes(), "\n")); }
 
 void TextPad::ReplaceSelection(const QString& text) {
   const PadPosition start = SelectionStart(), end = SelectionEnd();

@@ -1,4 +1,5 @@
 // Places in a TextPad as assistive programs count and see them.
+#include "shell/DisplayText.h"
 #include "text/TextPad.h"
 
 namespace tme {
@@ -28,10 +29,7 @@ PadPosition TextPad::PositionOf(int offset) const {
   return position > line_start ? position : End();
 }
 
-QString TextPad::TextBetween(PadPosition start, PadPosition end) const {
-  const std::string_view bytes = BytesBetween(start, end);
-  return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-}
+QString TextPad::TextBetween(PadPosition start, PadPosition end) const { return TextOf(BytesBetween(start, end)); }
 
 TextPad::Range TextPad::UnitAround(PadPosition position, QAccessible::TextBoundaryType type) const {
   const auto at = static_cast<std::uintptr_t>(position);
