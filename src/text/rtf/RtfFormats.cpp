@@ -142,6 +142,15 @@ std::string RowControls(const RtfDocument& document, const std::uint32_t* cells,
   return text;
 }
 
+std::string CompletedDefinition(const RtfDocument& document, const std::uint32_t* cells, std::size_t count) {
+  constexpr std::string_view kEdge = "\\cellx";
+  std::string text = document.rows[document.cells[*cells].row].definition;
+  std::size_t defined = 0;
+  for (std::size_t at = text.find(kEdge); at != std::string::npos; at = text.find(kEdge, at + kEdge.size())) ++defined;
+  for (; defined < count; ++defined) Add(text, kEdge, document.cells[cells[defined]].right_edge);
+  return text;
+}
+
 void WriteTables(const RtfDocument& document, RtfOutput& out) {
   out.Open();
   out.Words("\\fonttbl");

@@ -23,6 +23,9 @@ std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat
 /// From \trowd to the last \cellx, made from the cells' edges.
 std::string RowControls(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
 
+/// A row's definition as it came, with an edge for each cell that it left out: word processors drop those.
+std::string CompletedDefinition(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
+
 /// Font and colour table.
 void WriteTables(const RtfDocument& document, RtfOutput& out);
 

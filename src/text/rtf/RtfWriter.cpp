@@ -270,7 +270,7 @@ void Writer::RowDefinition(std::uint32_t row) {
   if (definition.empty())
     out_.Words(RowControls(document_, walk_.CellsOf(row), walk_.CellCountOf(row)));
   else
-    out_.Words(definition);
+    out_.Words(CompletedDefinition(document_, walk_.CellsOf(row), walk_.CellCountOf(row)));
 }
 
 void Writer::BeginRow(std::uint32_t row, std::size_t depth) {
