@@ -89,6 +89,10 @@ TEST(RtfReader, Tables) {
        R"(\trowd\cellx9\pard\intbl a\par\itap2 b\nestcell{\*\nesttableprops\trowd\cellx5\nestrow}{\nonesttables\par})"
        R"(\itap1 c\cell\row)",
        "0/a|1/b|0/c|"},
+      {"a table on the way to a deeper one, with nothing of its own",
+       R"(\trowd\cellx9\pard\intbl\itap2 a\par\itap5 b\nestcell{\*\nesttableprops\trowd\cellx4\nestrow})"
+       R"(\itap2 c\nestcell{\*\nesttableprops\trowd\cellx4\nestrow}\itap1 d\cell\row)",
+       "1/a|4/b|1/c|0/d|"},
       {"text without cells or rows", R"(a\cell b\row\intbl c)", "0/a|1/b|2/c|"},
       {"rows without an end", R"(\trowd\cellx1\intbl a\cell\pard b)", "0/a|b|"},
   });
@@ -149,10 +153,12 @@ TEST(RtfReader, BrokenFiles) {
   };
   std::string deep = "{\\rtf1 a";
   for (int i = 0; i < 300'000; ++i) deep += '{';
-  const std::array<Broken, 12> cases = {{
+  const std::array<Broken, 14> cases = {{
       {"", "|", "not-rtf "},
       {"plain \xC3\xA9\r\nb\rc\n", "plain \u00E9|b|c|", "not-rtf "},
       {"\xE9", "\u00E9|", "not-rtf "},
+      {"a\v\x1B", "a|\x1B|", "not-rtf "},
+      {"{\\rtf1 a\\u27 ?\\u10 ?\\'0d\\'07}", "a\x1B$\x07|", ""},
       {"{\\rtf", "|", "early "},
       {"{\\rtf1 a{\\b b", "a[b:b]|", "early "},
       {"{\\rtf1 a}b}c", "abc|", "early "},

@@ -165,7 +165,7 @@ std::int32_t Builder::OpenCell(int level) {
     ++document_.losses.limits;
     wanted = std::max<std::size_t>(levels_.size(), 1);
   }
-  if (levels_.size() > wanted) levels_.resize(wanted);
+  CloseLevels(wanted);
   std::int32_t cell = -1;
   for (std::size_t i = 0; i < wanted; ++i) {
     if (i == levels_.size()) {
@@ -184,7 +184,18 @@ std::int32_t Builder::OpenCell(int level) {
     }
     cell = static_cast<std::int32_t>(open.cell);
   }
+  if (wanted > 0) levels_.back().is_used = true;
   return cell;
+}
+
+// A table on the way to a deeper one, of which the file says nothing else, is none: the deeper one takes its place.
+void Builder::CloseLevels(std::size_t stay_open) {
+  if (levels_.size() <= stay_open) return;
+  for (std::size_t i = stay_open; i + 1 < levels_.size(); ++i) {
+    if (levels_[i].is_used) continue;
+    document_.tables[levels_[i + 1].table].parent_cell = document_.tables[levels_[i].table].parent_cell;
+  }
+  levels_.resize(stay_open);
 }
 
 void Builder::EndCell(int level) {
@@ -194,8 +205,9 @@ void Builder::EndCell(int level) {
 void Builder::EndRow(int level, RowDefinition& definition) {
   definition.is_open = false;
   if (OpenLevels() < level) return;
-  levels_.resize(static_cast<std::size_t>(level));
+  CloseLevels(static_cast<std::size_t>(level));
   Level& open = levels_.back();
+  open.is_used = true;
   if (open.row < 0) return;
   Row& row = document_.rows[static_cast<std::size_t>(open.row)];
   // A definition serves all rows up to the next; repeated without an end, it could outgrow the file.
@@ -241,6 +253,7 @@ void Builder::ApplyDefinition(Level& level, const RowDefinition& definition) {
 }
 
 void Builder::Finish() {
+  CloseLevels(0);
   document_.text.shrink_to_fit();
   if (document_.colors.empty()) document_.colors.push_back(0);
   if (document_.char_formats.empty()) document_.char_formats.emplace_back();

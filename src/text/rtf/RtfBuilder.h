@@ -104,11 +104,13 @@ class Builder {
     std::uint32_t table = 0;
     std::int64_t row = -1;
     std::int64_t cell = -1;
+    bool is_used = false;  ///< not only opened on the way to a deeper one
     std::vector<RowCell> row_cells;
     std::vector<Above> above;  ///< the merged cells of the row before
   };
 
   std::int32_t OpenCell(int level);
+  void CloseLevels(std::size_t stay_open);
   void ApplyDefinition(Level& level, const RowDefinition& definition);
 
   RtfDocument& document_;

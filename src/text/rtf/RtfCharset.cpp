@@ -95,7 +95,7 @@ CodePage::CodePage(int number, const DecodeCodePage& decode)
     : number_(number), holds_ascii_(number != kSymbolPage && number != kPrivateSymbolPage), decode_(decode) {
   for (unsigned i = 0; i < singles_.size(); ++i) {
     const char byte = static_cast<char>(i);
-    char32_t character = i;
+    char32_t character = i == '\n' || i == '\v' || i == '\r' ? 0x2028 : i;
     if (number == kSymbolPage) {
       character = SymbolCharacter(static_cast<unsigned char>(i));
     } else if (number == kPrivateSymbolPage) {

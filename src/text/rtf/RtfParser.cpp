@@ -274,7 +274,8 @@ void Parser::ReadUnicode(std::int32_t value) {
     EmitDecoded(kReplacement);
     return;
   }
-  if (character >= 0x20 || character == '\t') EmitCharacter(character);
+  // Line ends and page breaks have control words of their own; other controls are kept, as the text of a log has them.
+  if (character < '\n' || character > '\r') EmitCharacter(character);
 }
 
 void Parser::EmitCharacter(char32_t character) {

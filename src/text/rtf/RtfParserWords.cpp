@@ -391,7 +391,8 @@ void Parser::KeepWord(const ControlWord& word) {
 }
 
 void Parser::SetFont(std::int32_t number) {
-  const std::uint32_t index = fonts_.IndexOf(number);
+  std::uint32_t index = fonts_.IndexOf(number);
+  if (index == FontContext::kNoFont) index = default_character_.font;
   Character().font = index;
   Top().page = &fonts_.PageOf(index);
 }

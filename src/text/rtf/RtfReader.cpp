@@ -22,7 +22,7 @@ void ReadAsText(std::string_view bytes, const DecodeCodePage& decode, RtfDocumen
   Builder builder(document, bytes.size());
   const std::uint32_t format = builder.Intern(CharFormat{});
   while (true) {
-    const std::size_t end = bytes.find_first_of("\r\n");
+    const std::size_t end = bytes.find_first_of("\r\n\v");
     if (end != 0 && !bytes.empty()) builder.AddText(bytes.substr(0, end), format);
     if (end == std::string_view::npos) break;
     builder.EndParagraph(ParagraphFormat{}, format, 0);
