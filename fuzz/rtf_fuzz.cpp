@@ -1,0 +1,79 @@
+// Input: the bytes of a rich-text file.
+#include <string>
+#include <string_view>
+
+#include "Fuzz.h"
+#include "base/Utf8.h"
+#include "platform/CodePage.h"
+#include "text/rtf/RtfReader.h"
+#include "text/rtf/RtfWriter.h"
+
+namespace tme::fuzz {
+namespace {
+
+using rtf::RtfDocument;
+
+void CheckRuns(const RtfDocument& document) {
+  std::size_t bytes = 0;
+  for (const rtf::Run& run : document.runs) {
+    bytes += run.bytes;
+    Promise(run.object <= document.objects.size(), "an object that is named is there");
+    Promise(run.object == 0 || run.bytes == 0, "an object has no text");
+    Promise(run.format < document.char_formats.size(), "a look that is named is there");
+  }
+  Promise(bytes == document.text.size(), "the runs are the text");
+  for (const rtf::CharFormat& look : document.char_formats) {
+    Promise(look.field <= document.fields.size(), "a field that is named is there");
+    Promise(look.extra <= document.extras.size(), "control words that are named are there");
+  }
+}
+
+void CheckParagraphs(const RtfDocument& document) {
+  Promise(!document.paragraphs.empty(), "there is a paragraph");
+  Promise(document.paragraphs.front().first_run == 0, "the first paragraph begins with the text");
+  std::size_t run = 0;
+  for (const rtf::Paragraph& paragraph : document.paragraphs) {
+    Promise(paragraph.first_run >= run && paragraph.first_run <= document.runs.size(), "paragraphs are in order");
+    run = paragraph.first_run;
+    Promise(paragraph.format < document.paragraph_formats.size(), "a paragraph's look is there");
+    Promise(paragraph.mark_format < document.char_formats.size(), "the look of its end is there");
+    Promise(paragraph.cell < static_cast<std::int64_t>(document.cells.size()), "its cell is there");
+  }
+  for (const rtf::Cell& cell : document.cells) Promise(cell.row < document.rows.size(), "a cell's row is there");
+  for (const rtf::Row& row : document.rows) Promise(row.table < document.tables.size(), "a row's table is there");
+  for (const rtf::Table& table : document.tables)
+    Promise(table.parent_cell < static_cast<std::int64_t>(document.cells.size()), "a table's cell is there");
+}
+
+RtfDocument Read(std::string_view bytes) {
+  RtfDocument document = rtf::ReadRtf(bytes, BytesToUtf8);
+  CheckRuns(document);
+  CheckParagraphs(document);
+  Promise(utf8::IsValid(document.text), "the text is made of whole characters");
+  return document;
+}
+
+std::string Write(const RtfDocument& document) {
+  std::string bytes;
+  Promise(rtf::WriteRtf(document, [&bytes](std::string_view part) { return bytes.append(part), true; }),
+          "writing goes on while its parts are taken");
+  return bytes;
+}
+
+void Run(std::string_view input) {
+  const RtfDocument document = Read(input);
+  const RtfDocument again = Read(Write(document));
+  Promise(!again.losses.not_rtf && !again.losses.ended_early, "what is written is whole");
+  Promise(again.text == document.text, "read, write, read keeps the text");
+  std::string plain;
+  rtf::WriteRtfAsText(document, [&plain](std::string_view part) { return plain.append(part), true; });
+  Promise(utf8::IsValid(plain), "plain text is made of whole characters");
+}
+
+}  // namespace
+}  // namespace tme::fuzz
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  tme::fuzz::Run(tme::fuzz::AsText(data, size));
+  return 0;
+}
