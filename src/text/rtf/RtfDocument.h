@@ -113,11 +113,12 @@ struct Field {
   std::uint32_t parent = 0;  ///< index into RtfDocument::fields plus 1 of the field whose result it stands in; 0: none
 };
 
+inline constexpr std::int32_t kSymbolCharset = 2;
 struct Font {
   std::int32_t number = 0;  ///< the N of \fN; kept, because kept groups name it
   std::string name;
   std::string family;        ///< "nil", "roman", "swiss", "modern", "script", "decor", "tech", "bidi"
-  std::int32_t charset = 0;  ///< \fcharset; 2 is a symbol font
+  std::int32_t charset = 0;  ///< \fcharset; kSymbolCharset of a symbol font
 };
 
 /// One cell of a table row; its paragraphs name it.

@@ -8,7 +8,6 @@ namespace tme::rtf {
 
 namespace {
 
-constexpr std::int32_t kSymbolCharset = 2;
 constexpr std::int32_t kNewCellWidth = 1440;
 
 constexpr std::array<std::string_view, 10> kUnderlines = {"\\ulnone", "\\ul",      "\\ulw",      "\\uldb", "\\uld",

@@ -449,7 +449,11 @@ void Parser::EndFont() {
   const std::size_t first = std::min(font_.name.find_first_not_of(' '), font_.name.size());
   font_.name.erase(0, first);
   font_.name.erase(font_.name.find_last_not_of(' ') + 1);
-  if (document_.fonts.size() >= kMaxFonts || font_.number < 0 || font_.number > kMaxFontNumber) {
+  // Text without a font stands already; a default font that comes after it must not turn its letters into symbols.
+  const bool is_late_symbols = is_body_ && default_character_.font == FontContext::kNoFont &&
+                               font_.number == default_font_number_ &&
+                               (font_.charset == kSymbolCharset || font_.name == "Symbol");
+  if (is_late_symbols || document_.fonts.size() >= kMaxFonts || font_.number < 0 || font_.number > kMaxFontNumber) {
     ++document_.losses.limits;
     return;
   }
