@@ -1,9 +1,12 @@
 #include "text/form_RTF.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QClipboard>
 #include <QMimeData>
+#include <QPrinter>
 #include <QTest>
+#include <QTextBlock>
 #include <QToolBar>
 
 #include "Editor.h"
@@ -11,6 +14,7 @@
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
 #include "text/RtfPad.h"
+#include "text/RtfPrint.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -169,4 +173,27 @@ TEST_F(FormRtf, NamesThatAreNoCommands) {
   EXPECT_EQ(commands.indexOfMethod("SearchAgain()"), -1);
   EXPECT_EQ(commands.indexOfMethod("Altered(bool)"), -1);
   EXPECT_NE(commands.indexOfMethod("FormatBulleted()"), -1);
+}
+
+TEST_F(FormRtf, RedoAndWordWrapAsInThePlainPad) {
+  RtfPad& pad = PadOf(New());
+  EXPECT_EQ(pad.lineWrapMode(), QTextEdit::NoWrap);
+  QTest::keyClicks(&pad, u"one"_s);
+  QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(pad.toPlainText(), QString());
+  QTest::keyClick(&pad, Qt::Key_Y, Qt::ControlModifier);
+  EXPECT_EQ(pad.toPlainText(), u"one"_s);
+}
+
+TEST_F(FormRtf, PrintsInsideThePagesMargins) {
+  form_RTF& window = Open("{\\rtf1\\pard\\li1440 one\\par}");
+  const std::unique_ptr<QTextDocument> text(PadOf(window).document()->clone());
+  QPrinter printer(QPrinter::HighResolution);
+  printer.setOutputFileName(InFolder(u"letter.pdf"_s));
+  PrintRtf(printer, *text, "\\margl1440\\margt1440");
+  EXPECT_EQ(text->pageCount(), 1);
+  const QRectF block = text->documentLayout()->blockBoundingRect(text->begin());
+  EXPECT_NEAR(block.left(), printer.resolution(), 2);
+  EXPECT_NEAR(block.top(), printer.resolution(), 2);
+  EXPECT_NEAR(text->begin().layout()->lineAt(0).x(), printer.resolution(), 2);
 }

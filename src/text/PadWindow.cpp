@@ -140,6 +140,12 @@ void PadWindow::EditWW() {
   EditingArea().Widget().update();
 }
 
+void PadWindow::UpdateCommands() {
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetChecked(kWordWrapItem, menus.IsChecked(kWordWrapItem));  // off too, it looks like a check mark
+  ApplyWordWrap();
+}
+
 void PadWindow::ApplyWordWrap() {
   Pad& pad = EditingArea();
   const bool wraps = global_.frame->Menus().IsChecked(kWordWrapItem);

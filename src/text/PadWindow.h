@@ -60,7 +60,7 @@ class PadWindow : public DocumentWindow {
   /// Opens the search dialog and repeats the last search.
   void SearchForLast();
 
-  void UpdateCommands() override { ApplyWordWrap(); }
+  void UpdateCommands() override;
   bool CloseDocument() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 

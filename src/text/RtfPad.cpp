@@ -2,6 +2,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -35,6 +36,9 @@ class ClosedDocument : public QTextDocument {
   QVariant loadResource(int, const QUrl&) override { return {}; }
 };
 
+/// In the plain pad too, and not on every system a redo key of its own.
+bool IsRedo(const QKeyEvent& key) { return key.key() == Qt::Key_Y && key.modifiers() == Qt::ControlModifier; }
+
 void RemovePictures(QTextDocument& document) {
   QTextCursor cursor(&document);
   while (!(cursor = document.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull())
@@ -49,6 +53,7 @@ RtfPad::RtfPad(QWidget* parent)
   setAccessibleName(tr("Text of the document"));
   setAcceptRichText(true);
   setFrameShape(QFrame::NoFrame);
+  setLineWrapMode(NoWrap);  // as right_margin_ says
   setCursorWidth(2);
   // A page is white on every desktop: the colours of the text are the document's.
   QPalette palette = this->palette();
@@ -226,6 +231,16 @@ bool RtfPad::canInsertFromMimeData(const QMimeData* source) const {
 }
 
 void RtfPad::insertFromMimeData(const QMimeData* source) { emit PasteRequested(*source); }
+
+bool RtfPad::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && IsRedo(*static_cast<QKeyEvent*>(event))) event->accept();
+  return QTextEdit::event(event);
+}
+
+void RtfPad::keyPressEvent(QKeyEvent* event) {
+  if (IsRedo(*event)) return redo();
+  QTextEdit::keyPressEvent(event);
+}
 
 void RtfPad::SetZoom(int percent) {
   percent = std::clamp(percent, kLeastZoom, kMostZoom);

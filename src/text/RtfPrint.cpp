@@ -43,24 +43,42 @@ void BreakPages(QTextDocument& text) {
   }
 }
 
+/// The layout turns all measures into the device's dots but for these.
+void ScaleIndents(QTextDocument& text, double scale) {
+  QTextCursor cursor(&text);
+  cursor.beginEditBlock();
+  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
+    const QTextBlockFormat old = block.blockFormat();
+    if (old.leftMargin() == 0 && old.rightMargin() == 0 && old.textIndent() == 0) continue;
+    QTextBlockFormat format;
+    format.setLeftMargin(old.leftMargin() * scale);
+    format.setRightMargin(old.rightMargin() * scale);
+    format.setTextIndent(old.textIndent() * scale);
+    cursor.setPosition(block.position());
+    cursor.mergeBlockFormat(format);
+  }
+  cursor.endEditBlock();
+}
+
 }  // namespace
 
 void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls) {
-  const double dots_per_twip = printer.resolution() / double{kTwipsPerInch};
-  const auto dots = [&](std::string_view word, int otherwise) {
-    return ControlValue(document_controls, word, otherwise) * dots_per_twip;
+  // The layout itself turns these into the printer's dots.
+  const auto units = [&](std::string_view word, int otherwise) {
+    return TwipsToUnits(ControlValue(document_controls, word, otherwise));
   };
   text.setUndoRedoEnabled(false);
   BreakPages(text);
+  ScaleIndents(text, printer.resolution() / TwipsToUnits(kTwipsPerInch));
   printer.setFullPage(true);
   const QSizeF page = printer.pageLayout().fullRectPixels(printer.resolution()).size();
   text.documentLayout()->setPaintDevice(&printer);
   text.setPageSize(page);
   QTextFrameFormat frame = text.rootFrame()->frameFormat();
-  frame.setLeftMargin(dots("\\margl", kSideMargin));
-  frame.setRightMargin(dots("\\margr", kSideMargin));
-  frame.setTopMargin(dots("\\margt", kTopMargin));
-  frame.setBottomMargin(dots("\\margb", kTopMargin));
+  frame.setLeftMargin(units("\\margl", kSideMargin));
+  frame.setRightMargin(units("\\margr", kSideMargin));
+  frame.setTopMargin(units("\\margt", kTopMargin));
+  frame.setBottomMargin(units("\\margb", kTopMargin));
   text.rootFrame()->setFrameFormat(frame);
 
   QPainter painter(&printer);
