@@ -14,6 +14,7 @@
 #include "Editor.h"
 #include "options/HelpTexts.h"
 #include "options/ShellIntegration.h"
+#include "shell/AutoSave.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -24,8 +25,11 @@ class OptionsDialog : public Editor {
  protected:
   void Open() {
     if (!dialog_) Start();
-    dialog_ = std::make_unique<form_TMEOptions>(
-        global_, integration_, [this](int minutes) { timer_.push_back(minutes); }, frame_.get());
+    const auto set_timer = [this](int minutes) {
+      timer_.push_back(minutes);
+      frame_->Saver().SetAutoSaveTimer(minutes);
+    };
+    dialog_ = std::make_unique<form_TMEOptions>(global_, integration_, set_timer, frame_.get());
     dialog_->show();
     QApplication::setActiveWindow(dialog_.get());
     EXPECT_TRUE(QTest::qWaitForWindowActive(dialog_.get()));
@@ -68,6 +72,7 @@ TEST_F(OptionsDialog, OkSavesEverything) {
   QTest::keyClicks(&Find<QLineEdit>("txt_ext"), u"log"_s);  // the box is empty again
   QTest::keyClick(&Find<QLineEdit>("txt_ext"), Qt::Key_Return);
   common_dialog_.ExpectFont([](CommonDialog& dialog) {
+    EXPECT_EQ(dialog.font_name, u"Courier") << "it begins with the font in force";
     dialog.font_name = u"Monospace"_s;
     dialog.font_size = 14;
   });

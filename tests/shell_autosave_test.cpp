@@ -66,13 +66,13 @@ TEST_F(SavingTest, TimerCountsAndWaits) {
   for (const auto& [period, minutes, saved] : rows) {
     File(u"a.ini"_s, "");
     Touch(Ini());
-    frame_->Saver().SetAutoSaveTimer(period);
+    frame_->Saver().SetAutoSaveTimer(global_.settings.auto_save_period = period);
     PassMinutes(minutes);
     EXPECT_EQ(!BytesOf(path).empty(), saved) << period << " after " << minutes;
   }
   Touch(Ini());
   File(u"a.ini"_s, "");
-  frame_->Saver().SetAutoSaveTimer(1);
+  frame_->Saver().SetAutoSaveTimer(global_.settings.auto_save_period = 1);
   QDialog question(frame_.get());
   question.setModal(true);
   question.show();
@@ -91,6 +91,9 @@ TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
   Ini(1).SubWindow()->showMaximized();
   frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
   EXPECT_EQ(BytesOf(path), kTouched);
+  Ini(1).Slot().changed = true;
+  frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
+  EXPECT_FALSE(Ini(1).Slot().changed);
   for (const int slot : {0, 1}) EXPECT_EQ(Ini(slot).SubWindow()->width(), Ini(slot).PreferredWidth()) << slot;
   EXPECT_EQ(frame_->ActiveDocument(), &Ini(1));
 

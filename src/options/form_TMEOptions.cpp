@@ -192,7 +192,14 @@ void form_TMEOptions::ShowFilter(FilterKind kind) {
 void form_TMEOptions::cmd_SetFS_Click() {
   CommonDialog& dialog = global_.common_dialog;
   dialog.title = u"Choose Default Font and Size"_s;
-  if (!dialog.ShowFont()) return;
+  const QString name_before = std::exchange(dialog.font_name, txt_txtfont->text());
+  const int size_before = std::exchange(dialog.font_size, txt_txtsize->text().toInt());
+  if (!dialog.ShowFont()) {
+    // What the shared dialog holds is what a cancelled choice applies elsewhere.
+    dialog.font_name = name_before;
+    dialog.font_size = size_before;
+    return;
+  }
   txt_txtfont->setText(dialog.font_name);
   txt_txtsize->setText(QString::number(dialog.font_size));
 }

@@ -29,7 +29,6 @@ AutoSave::AutoSave(Global& global) : global_(global) {
 }
 
 void AutoSave::SetAutoSaveTimer(int period) {
-  global_.settings.auto_save_period = period;
   if (period == 0)
     AutoSaveTimer.stop();
   else if (!AutoSaveTimer.isActive())
@@ -72,7 +71,9 @@ void AutoSave::SaveAllDocuments() {
 void AutoSave::SaveDocuments() {
   global_.documents.ForEach([this](const DocumentSlot& slot) {
     DocumentWindow& window = *slot.window;
-    if (window.Tag().isEmpty() || !window.IsTouched()) return;
+    if (window.Tag().isEmpty()) return;
+    // A mark without an edit is no reason to write a file unasked, but Save All leaves none behind.
+    if (!window.IsTouched() && (auto_saving_ || !slot.changed)) return;
     SendCommand(global_, window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
   });
 }

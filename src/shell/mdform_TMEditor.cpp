@@ -87,7 +87,8 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   ReadSettings();
   PlaceFrame();
   registry.CreateKey(kRegKey);
-  auto_save_->SetAutoSaveTimer(ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s)));
+  global_.settings.auto_save_period = ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s));
+  auto_save_->SetAutoSaveTimer(global_.settings.auto_save_period);
   CreateDocumentWindows();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
   OpenWelcomeDocument();
