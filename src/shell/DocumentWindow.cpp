@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMdiSubWindow>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "platform/CommonDialog.h"
@@ -39,6 +40,10 @@ void DocumentWindow::TakeSlot() {
     layout_->setSpacing(0);
     notice_bar_ = new NoticeBar(this);
     layout_->addWidget(notice_bar_);
+    // A pad takes the Tab, so its notice needs a key of its own.
+    auto* close_notice = new QShortcut(u"Shift+Esc"_s, this);
+    close_notice->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(close_notice, &QShortcut::activated, notice_bar_, &NoticeBar::Clear);
     auto* client = new QWidget(this);
     client->setObjectName(u"client"_s);
     layout_->addWidget(client, 1);

@@ -35,7 +35,7 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this))
   auto* close = new QToolButton(this);
   close->setObjectName(u"notice_close"_s);
   close->setAccessibleName(tr("Close the notice"));
-  close->setToolTip(tr("Close the notice"));
+  close->setToolTip(tr("Close the notice (Shift+Esc)"));
   close->setAutoRaise(true);
   close->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
   connect(close, &QToolButton::clicked, this, &NoticeBar::Clear);

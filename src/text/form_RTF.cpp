@@ -77,8 +77,14 @@ void form_RTF::BuildToolbar(QWidget& client) {
   button_underline_ = add(u"underline"_s, u"format-underline"_s, tr("Underline"), tr("Underline (Ctrl+U)"));
   add(u"color"_s, u"format-color"_s, tr("Color"), tr("Color of the text"));
   Toolbar1->addSeparator();
-  add(u"FD"_s, u"font-smaller"_s, tr("Smaller"), tr("Smaller text"));
-  add(u"FU"_s, u"font-larger"_s, tr("Larger"), tr("Larger text"));
+  // No menu has these two, so they need keys of their own.
+  const auto on_key = [this](QAction* action, const QKeySequence& key) {
+    action->setShortcut(key);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(action);
+  };
+  on_key(add(u"FD"_s, u"font-smaller"_s, tr("Smaller"), tr("Smaller text (Ctrl+[)")), u"Ctrl+["_s);
+  on_key(add(u"FU"_s, u"font-larger"_s, tr("Larger"), tr("Larger text (Ctrl+])")), u"Ctrl+]"_s);
   Toolbar1->addSeparator();
   button_list_ = add(u"list"_s, u"format-list"_s, tr("Bullets"), tr("Bulleted list"));
   for (QAction* action : {button_bold_, button_italic_, button_underline_, button_list_}) action->setCheckable(true);
