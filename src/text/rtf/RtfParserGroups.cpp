@@ -177,7 +177,7 @@ bool Parser::ReadGroupWord(const ControlWord& word) {
       break;
     }
     case Control::Field:
-      Top().is_field = true;
+      Top().is_field = Top().is_untouched;  // text before the word is not the field's
       Top().output_before = Output();
       break;
     case Control::FieldInstruction:
