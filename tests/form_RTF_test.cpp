@@ -186,12 +186,13 @@ TEST_F(FormRtf, RedoAndWordWrapAsInThePlainPad) {
 }
 
 TEST_F(FormRtf, PrintsInsideThePagesMargins) {
-  form_RTF& window = Open("{\\rtf1\\pard\\li1440 one\\par}");
+  form_RTF& window = Open("{\\rtf1\\pard\\li1440 " + std::string(200, 'x') + "\\par}");
   const std::unique_ptr<QTextDocument> text(PadOf(window).document()->clone());
   QPrinter printer(QPrinter::HighResolution);
   printer.setOutputFileName(InFolder(u"letter.pdf"_s));
   PrintRtf(printer, *text, "\\margl1440\\margt1440");
   EXPECT_EQ(text->pageCount(), 1);
+  EXPECT_GT(text->begin().layout()->lineCount(), 1);
   const QRectF block = text->documentLayout()->blockBoundingRect(text->begin());
   EXPECT_NEAR(block.left(), printer.resolution(), 2);
   EXPECT_NEAR(block.top(), printer.resolution(), 2);

@@ -242,6 +242,12 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
   QTextEdit::keyPressEvent(event);
 }
 
+void RtfPad::resizeEvent(QResizeEvent* event) {
+  QTextEdit::resizeEvent(event);
+  // While the window was yet without its size, showing the caret has scrolled the first line away.
+  if (event->oldSize().height() < 3 * cursorRect().height() && textCursor().atStart()) verticalScrollBar()->setValue(0);
+}
+
 void RtfPad::SetZoom(int percent) {
   percent = std::clamp(percent, kLeastZoom, kMostZoom);
   if (std::exchange(zoom_, percent) != percent) ApplyZoom();

@@ -88,6 +88,7 @@ class RtfPad : public QTextEdit, public Pad {
   void insertFromMimeData(const QMimeData* source) override;
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   bool viewportEvent(QEvent* event) override;
 

@@ -6,6 +6,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFrame>
+#include <QTextOption>
 #include <charconv>
 
 #include "platform/Twips.h"
@@ -68,6 +69,9 @@ void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& documen
     return TwipsToUnits(ControlValue(document_controls, word, otherwise));
   };
   text.setUndoRedoEnabled(false);
+  QTextOption option = text.defaultTextOption();
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);  // whatever the view does
+  text.setDefaultTextOption(option);
   BreakPages(text);
   ScaleIndents(text, printer.resolution() / TwipsToUnits(kTwipsPerInch));
   printer.setFullPage(true);
