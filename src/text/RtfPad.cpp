@@ -126,8 +126,7 @@ void RtfPad::Select(PadPosition start, PadPosition end) {
   cursor.setPosition(static_cast<int>(Moved(start, 0)));
   cursor.setPosition(static_cast<int>(Moved(end, 0)), QTextCursor::KeepAnchor);
   setTextCursor(cursor);
-  // Without room for a line, as before the first layout, that would scroll the line out at the top.
-  if (viewport()->height() >= cursorRect().height()) ensureCursorVisible();
+  ensureCursorVisible();
 }
 
 QString RtfPad::SelectedText() const {
