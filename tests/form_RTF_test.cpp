@@ -60,6 +60,25 @@ TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
   EXPECT_FALSE(window.IsTouched());
 }
 
+TEST_F(FormRtf, OpensReadyToTypeInTheFormatOfItsFirstCharacter) {
+  form_RTF& window = Open("{\\rtf1\\b one\\b0  two}");
+  EXPECT_EQ(PadOf(window).SelectionBold(), true);
+  EXPECT_EQ(PadOf(window).lineWrapMode(), QTextEdit::NoWrap);
+  PadOf(window).selectAll();
+  QTest::keyClick(&PadOf(window), 'j', Qt::AltModifier);
+  EXPECT_EQ(PadOf(window).toPlainText(), u"one two"_s);
+}
+
+TEST_F(FormRtf, PrintsInsideThePageAndBreaksIt) {
+  std::string bytes = "{\\rtf1 ";
+  for (int word = 0; word < 300; ++word) bytes += "word ";
+  form_RTF& window = Open(bytes + "\\page two\\par}");
+  QPrinter printer(QPrinter::HighResolution);
+  printer.setOutputFileName(InFolder(u"out.pdf"_s));
+  window.PrintDoc(&printer);
+  EXPECT_NE(BytesOf(InFolder(u"out.pdf"_s)).find("/Count 2\n"), std::string::npos);
+}
+
 TEST_F(FormRtf, TheDialogsFilterIndexDecidesWhatIsWritten) {
   form_RTF& window = Open("{\\rtf1 caf\\'e9\\par}");
   const QString path = InFolder(u"letter.rtf"_s);

@@ -206,6 +206,8 @@ bool PadWindow::PadKeyPressed(const QKeyEvent& key) {
     EditCopy();
   } else if ((control && key.key() == Qt::Key_X) || key.matches(QKeySequence::Cut)) {
     EditCut();
+  } else if (types && !key.modifiers().testFlag(Qt::ControlModifier)) {
+    return true;  // meant for a menu that is not there: must not replace the selection
   } else if (SearchKeyPressed(key)) {
     return true;
   } else if (key.key() == Qt::Key_Backtab && !control) {

@@ -109,7 +109,8 @@ void RtfObjectView::drawObject(QPainter* painter, const QRectF& rect, QTextDocum
                                const QTextFormat& format) {
   const rtf::Object* object = ObjectOf(format);
   if (object && !PictureSize(format.intProperty(kObject), *object).isEmpty()) {
-    if (const QPixmap* picture = PictureOf(format.intProperty(kObject), *object, rect.size().toSize())) {
+    const QSize pixels = painter->combinedTransform().mapRect(rect).size().toSize();
+    if (const QPixmap* picture = PictureOf(format.intProperty(kObject), *object, pixels)) {
       painter->drawPixmap(rect, *picture, QRectF(picture->rect()));
       return;
     }

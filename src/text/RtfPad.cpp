@@ -103,6 +103,8 @@ void RtfPad::SetRtf(rtf::RtfDocument&& read) {
   ImportRtf(std::move(read), *store_, *view);
   view->setDefaultFont(RtfLooks(*store_).Show(0).font());
   Show(std::move(view));
+  // The edit's own cursor would type on in the format of the document before.
+  setTextCursor(QTextCursor(document()));
 }
 
 bool RtfPad::WriteRtf(const Part& put) {

@@ -3,10 +3,11 @@
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
 #include <QPrinter>
-#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextFrame>
 #include <QTextOption>
+#include <QTextTable>
 #include <charconv>
 
 #include "platform/Twips.h"
@@ -18,6 +19,7 @@ namespace {
 // What a file means that names no margins, in twips.
 constexpr int kSideMargin = 1800;
 constexpr int kTopMargin = 1440;
+constexpr int kTwipsPerPoint = 20;
 
 /// The number behind a control word; `otherwise` when it is not there, or no margin.
 int ControlValue(const std::string& controls, std::string_view word, int otherwise) {
@@ -29,18 +31,18 @@ int ControlValue(const std::string& controls, std::string_view word, int otherwi
   return result.ec == std::errc() && value >= 0 && value < 4 * kTwipsPerInch ? value : otherwise;
 }
 
+/// What follows a page break becomes a paragraph of its own on a new page; its mark is not for paper. Tables are not
+/// broken.
 void BreakPages(QTextDocument& text) {
+  QTextBlockFormat on_new_page;
+  on_new_page.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
   QTextCursor cursor(&text);
-  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
-    for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
-      const QTextFragment fragment = it.fragment();
-      if (fragment.charFormat().intProperty(kObject) != kPageBreak) continue;
-      QTextBlockFormat format;
-      const bool before = fragment.position() == block.position();
-      format.setPageBreakPolicy(before ? QTextFormat::PageBreak_AlwaysBefore : QTextFormat::PageBreak_AlwaysAfter);
-      cursor.setPosition(block.position());
-      cursor.mergeBlockFormat(format);
-    }
+  while (!(cursor = text.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull()) {
+    if (cursor.charFormat().intProperty(kObject) != kPageBreak) continue;
+    cursor.removeSelectedText();
+    if (cursor.currentTable()) continue;
+    if (!cursor.atBlockStart()) cursor.insertBlock();
+    cursor.mergeBlockFormat(on_new_page);
   }
 }
 
@@ -64,7 +66,6 @@ void ScaleIndents(QTextDocument& text, double scale) {
 }  // namespace
 
 void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls) {
-  // The layout itself turns these into the printer's dots.
   const auto units = [&](std::string_view word, int otherwise) {
     return TwipsToUnits(ControlValue(document_controls, word, otherwise));
   };
@@ -75,8 +76,12 @@ void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& documen
   BreakPages(text);
   ScaleIndents(text, printer.resolution() / TwipsToUnits(kTwipsPerInch));
   printer.setFullPage(true);
-  const QSizeF page = printer.pageLayout().fullRectPixels(printer.resolution()).size();
-  text.documentLayout()->setPaintDevice(&printer);
+  // Laid out in its own units and scaled as a whole: for a printer, the layout would scale fonts, but not all lengths.
+  const QSizeF page = printer.pageLayout().fullRect(QPageLayout::Point).size() * TwipsToUnits(kTwipsPerPoint);
+  text.setUseDesignMetrics(true);
+  QTextOption wrapped = text.defaultTextOption();
+  wrapped.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  text.setDefaultTextOption(wrapped);
   text.setPageSize(page);
   QTextFrameFormat frame = text.rootFrame()->frameFormat();
   frame.setLeftMargin(units("\\margl", kSideMargin));
@@ -86,6 +91,8 @@ void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& documen
   text.rootFrame()->setFrameFormat(frame);
 
   QPainter painter(&printer);
+  const double dots_per_unit = printer.resolution() / TwipsToUnits(kTwipsPerInch);
+  painter.scale(dots_per_unit, dots_per_unit);
   QAbstractTextDocumentLayout::PaintContext context;
   context.palette.setColor(QPalette::Text, Qt::black);
   const int pages = text.pageCount();
