@@ -51,6 +51,7 @@ TEST_F(FormTxt, UntouchedFilesComeBackAsTheyWere) {
                                        "a\r\nb\nc\rd"s,
                                        "\xEF\xBB\xBFwith mark\n"s,
                                        "\xEF\xBB\xBF\xFF invalid \xC3"s,
+                                       "\xEF\xBB\xBF"s,
                                        "Gr\xFC\xDF\x81\r\n"s,
                                        "nul \0 and \x01\x1B\x7F\n"s,
                                        "\xFF\xFE\x41\x00\x00\xD8\x0D\x00\x0A\x00z"s,

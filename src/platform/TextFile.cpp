@@ -204,7 +204,8 @@ std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, Text
           return fits && put(*bytes);
         });
         fits = fits && encoder.ReadsBack();
-        return complete && fits && put(encoder.Rest());
+        // A text without parts has its mark, too.
+        return complete && fits && put(encoder.Encode({}).value_or(std::string()) + encoder.Rest());
       },
       steps);
   if (fits) return failure;
