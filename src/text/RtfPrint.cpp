@@ -46,23 +46,6 @@ void BreakPages(QTextDocument& text) {
   }
 }
 
-/// The layout turns all measures into the device's dots but for these.
-void ScaleIndents(QTextDocument& text, double scale) {
-  QTextCursor cursor(&text);
-  cursor.beginEditBlock();
-  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
-    const QTextBlockFormat old = block.blockFormat();
-    if (old.leftMargin() == 0 && old.rightMargin() == 0 && old.textIndent() == 0) continue;
-    QTextBlockFormat format;
-    format.setLeftMargin(old.leftMargin() * scale);
-    format.setRightMargin(old.rightMargin() * scale);
-    format.setTextIndent(old.textIndent() * scale);
-    cursor.setPosition(block.position());
-    cursor.mergeBlockFormat(format);
-  }
-  cursor.endEditBlock();
-}
-
 }  // namespace
 
 void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls) {
@@ -70,11 +53,7 @@ void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& documen
     return TwipsToUnits(ControlValue(document_controls, word, otherwise));
   };
   text.setUndoRedoEnabled(false);
-  QTextOption option = text.defaultTextOption();
-  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);  // whatever the view does
-  text.setDefaultTextOption(option);
   BreakPages(text);
-  ScaleIndents(text, printer.resolution() / TwipsToUnits(kTwipsPerInch));
   printer.setFullPage(true);
   // Laid out in its own units and scaled as a whole: for a printer, the layout would scale fonts, but not all lengths.
   const QSizeF page = printer.pageLayout().fullRect(QPageLayout::Point).size() * TwipsToUnits(kTwipsPerPoint);
