@@ -13,6 +13,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/History.h"
 #include "shell/mdform_TMEditor.h"
 
 /// The whole editor with scripted questions, its settings in the test's own home.
@@ -45,6 +46,7 @@ class Editor : public testing::Test {
   ScriptedDialogs dialogs_;
   ScriptedCommonDialog common_dialog_;
   tme::InstanceLink link_;
-  tme::Global global_{registry_, shell_utilities_, dialogs_, common_dialog_, link_};
+  tme::History history_{folder_.filePath(QStringLiteral("history"))};
+  tme::Global global_{registry_, shell_utilities_, dialogs_, common_dialog_, link_, history_};
   std::unique_ptr<tme::mdform_TMEditor> frame_;
 };

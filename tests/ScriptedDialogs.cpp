@@ -25,8 +25,10 @@ void ScriptedDialogs::ExpectInputBox(const QString& prompt, const QString& title
 
 tme::MsgAnswer ScriptedDialogs::MsgBox(const QString& text, tme::MsgButtons buttons, tme::MsgIcon icon,
                                        const QString& title) {
+  if (answer_all_) return *answer_all_;
   const DialogAnswer answer = Next("MsgBox " + Shown(title, text, Name(buttons)));
   EXPECT_EQ(icon, answer.icon.value_or(icon)) << text.toStdString();
+  while_asking();
   return answer.button;
 }
 

@@ -51,9 +51,17 @@ class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
                     tme::MsgAnswer answer = tme::MsgAnswer::Ok, std::optional<tme::MsgIcon> icon = {});
   /// answer: empty to cancel.
   void ExpectInputBox(const QString& prompt, const QString& title, const QString& proposed, const QString& answer);
+  /// Called while each message is on the screen.
+  std::function<void()> while_asking = [] {};
+
+  /// From now on every message box gets this answer, where a test is about something else.
+  void AnswerAll(tme::MsgAnswer answer) { answer_all_ = answer; }
 
   tme::MsgAnswer MsgBox(const QString& text, tme::MsgButtons buttons, tme::MsgIcon icon, const QString& title) override;
   QString InputBox(const QString& prompt, const QString& title, const QString& text) override;
+
+ private:
+  std::optional<tme::MsgAnswer> answer_all_;
 };
 
 struct FileAnswer {

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   Dialogs dialogs;
-  Global global{registry_, shell_utilities_, dialogs, common_dialog_, link_};
+  Global global{registry_, shell_utilities_, dialogs, common_dialog_, link_, history_};
   mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) {
     return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
   });

@@ -14,6 +14,8 @@
 #include <QTextEdit>
 #include <QTreeView>
 
+#include "base/Lines.h"
+#include "base/Utf8.h"
 #include "ini/IniItemModel.h"
 #include "ini/IniNotice.h"
 #include "ini/IniReader.h"
@@ -37,6 +39,8 @@ constexpr int kTreeMargin = 100;
 constexpr int kButtonsAboveBottom = 1000;
 constexpr int kOpenedWidth = 6800;
 constexpr int kButtonGapPixels = 4;
+/// Text of the root of a document without a file.
+constexpr const char* kNewTitle = "New INI File";
 
 /// A horizontal scroll bar with a strip above it, on which the buttons stand: so the tree view reaches down to the
 /// bottom and yet no row of it hides under them.
@@ -221,7 +225,7 @@ void form_INI::ShowSelection() {
 void form_INI::NewINI() {
   TakeSlot();
   format_ = {};
-  tree_.Reset("New INI File");
+  tree_.Reset(kNewTitle);
   tree_.SetExpanded(tree_.Root(), true);
   RestoreView();
   Slot().path.clear();
@@ -282,10 +286,7 @@ form_INI::SaveOutcome form_INI::Save() {
   const QString path = chosen ? AskForSavePath(u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
   ClearNotice();
-  if (const std::optional<FileFailure> failure = WriteTo(path)) {
-    ShowWriteFailure(path, *failure);
-    return SaveOutcome::Failed;
-  }
+  if (!WriteTo(path)) return SaveOutcome::Failed;
   if (chosen) {
     slot.path = path;
     slot.title = QFileInfo(path).fileName();
@@ -298,16 +299,51 @@ form_INI::SaveOutcome form_INI::Save() {
   return SaveOutcome::Saved;
 }
 
-std::optional<FileFailure> form_INI::WriteTo(const QString& path) {
+PartProducer form_INI::Producer() const {
+  return [this](const FilePart& put) { return put(WriteIni(tree_)); };
+}
+
+bool form_INI::WriteTo(const QString& path) {
   const Hourglass hourglass;
-  const TextEncoding before = format_.encoding;
   TextFormat format = format_;
-  const std::optional<FileFailure> failure =
-      WriteTextFile(FilePath(path), format, [this](const FilePart& put) { return put(WriteIni(tree_)); });
-  if (failure) return failure;
+  if (!WriteDocument(path, &format, Producer())) return false;
+  AddEncodingNotice(format_.encoding, format.encoding);
   format_ = format;
-  AddEncodingNotice(before, format_.encoding);
-  return std::nullopt;
+  return true;
+}
+
+std::string form_INI::Content() {
+  TextFormat format = format_;
+  return BytesOf(format, Producer());
+}
+
+void form_INI::PutContent(std::string bytes) {
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  tree_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
+  ReadKept(std::move(decoded.text));
+  SetChanged(true);
+}
+
+void form_INI::ReadKept(std::string text) {
+  bool clash = false;
+  const IniQuestions never{[&clash](std::string_view) { return !(clash = true); }};
+  const IniReadResult result = IniReader::Read(tree_, text, never);
+  if (clash || result.lines_not_read > 0) {
+    // An edit can make what the reader of files would not take: equal names, several comments at the top.
+    tree_.Reset(std::string(tree_.Root()->Text()));
+    IniNode* section = tree_.Root();
+    std::string_view line;
+    for (Lines lines(text); lines.Next(line);) {
+      if (line.size() > 1 && line.front() == '[')
+        section = tree_.AddSection(line.substr(1, line.size() - 1 - utf8::LastCharacterBytes(line)));
+      else if (!line.empty())
+        tree_.AddEntry(section, line, line.front() == ';' ? IniTag::Comments : IniTag::Value);
+    }
+    tree_.SetExpanded(tree_.Root(), true);
+  }
+  tree_.Select(tree_.Root());
+  RestoreView();
 }
 
 void form_INI::FileClose() { CloseDocument(); }

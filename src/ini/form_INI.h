@@ -52,6 +52,9 @@ class form_INI : public DocumentWindow {
   Q_INVOKABLE void ExpandAll();
   Q_INVOKABLE void CollapseAll();
 
+  std::string Content() override;
+  void PutContent(std::string bytes) override;
+
   /// The document as it stands.
   const IniTree& Tree() const { return tree_; }
 
@@ -72,7 +75,8 @@ class form_INI : public DocumentWindow {
 
   SaveOutcome Save();
   SaveOutcome SaveElsewhere();
-  std::optional<FileFailure> WriteTo(const QString& path);
+  bool WriteTo(const QString& path);
+  PartProducer Producer() const;
 
   void cmd_Edit_Click();
   void EditEntry(IniNode* node);
@@ -81,6 +85,8 @@ class form_INI : public DocumentWindow {
   bool ConfirmDeletion(const QString& label, const IniNode& node);
   void AddEntryTo(IniNode* section, const QString& key, const QString& value);
   IniReadResult Read(std::string text);
+  /// Into a fresh tree, without a question: every line is taken, also where a file could not hold it so.
+  void ReadKept(std::string text);
 
   IniTree tree_;
   TextFormat format_;

@@ -46,6 +46,10 @@ std::optional<std::string> EncodeText(std::string_view text, const TextFormat& f
 /// Why a file could not be read or written, in the system's words ("Permission denied").
 struct FileFailure {
   std::string reason;
+  /// A write got no temporary file, because the folder allows none; WriteFileInPlace may still work.
+  bool folder_refused = false;
+  /// A write in place failed, and so did putting the old bytes back: the file holds neither these nor the new ones.
+  bool file_damaged = false;
 };
 
 /// The steps of a whole-or-nothing write, one virtual each, so that a test can fail at any of them. Each returns 0 or
@@ -53,15 +57,28 @@ struct FileFailure {
 class FileSteps {
  public:
   virtual ~FileSteps() = default;
+  virtual int OpenExisting(const std::filesystem::path& path, int& handle);
   virtual int OpenTemporary(const std::filesystem::path& path, unsigned mode, int& handle);
   /// May write fewer bytes than asked for, like write(2); returns how many, or -1 with `error` set.
   virtual long Write(int handle, const char* data, std::size_t size, int& error);
+  /// Cuts an existing file to what was written into it.
+  virtual int Truncate(int handle, std::size_t size);
   virtual int Flush(int handle);
   virtual int Close(int handle);
   virtual int Replace(const std::filesystem::path& from, const std::filesystem::path& to);
   virtual int FlushFolder(const std::filesystem::path& folder);
   virtual void Remove(const std::filesystem::path& path);
 };
+
+/// What tells one state of a file from another without reading it.
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::int64_t modified_ns = 0;  ///< since the system's epoch
+  std::uint64_t file_id = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+/// Nothing for what is no regular file, or is not there.
+std::optional<FileStamp> StampOf(const std::filesystem::path& path);
 
 /// Documents are held in memory; a larger file is refused with a reason.
 inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
@@ -80,6 +97,10 @@ using PartProducer = std::function<bool(const FilePart&)>;
 /// the target has its old bytes (or is absent as before) and no temporary file is left.
 std::optional<FileFailure> WriteFileParts(const std::filesystem::path& path, const PartProducer& produce,
                                           FileSteps& steps);
+/// Over the bytes of an existing file, for a folder that allows no temporary file. After a failure the old bytes are
+/// written back; a crash midway leaves a mixture, so they must be safe elsewhere.
+std::optional<FileFailure> WriteFileInPlace(const std::filesystem::path& path, std::string_view bytes,
+                                            std::string_view old_bytes, FileSteps& steps);
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
 
 /// The same for text in parts of whole lines (UTF-8), in the given encoding. Text that the encoding cannot hold so that

@@ -27,7 +27,7 @@ constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
 constexpr int kMaxLinks = 40;
 constexpr int kNameAttempts = 16;
 
-FileFailure Failure(int error) { return {std::generic_category().message(error)}; }
+FileFailure Failure(int error) { return FileFailure{std::generic_category().message(error)}; }
 
 std::optional<FileFailure> RefuseUnlessRegular(const struct stat& status) {
   if (S_ISREG(status.st_mode)) return std::nullopt;
@@ -101,6 +101,31 @@ fs::path TemporaryName(const fs::path& folder) {
   return folder / name.data();
 }
 
+/// Returns 0 or an errno value.
+int WriteAll(FileSteps& steps, int handle, std::string_view bytes) {
+  while (!bytes.empty()) {
+    int error = 0;
+    const long count = steps.Write(handle, bytes.data(), std::min(bytes.size(), kMaxTransfer), error);
+    if (count < 0 && error == EINTR) continue;
+    if (count < 0) return error;
+    if (count == 0) return EIO;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+/// Returns 0 or an errno value; opened: whether the file may have other bytes now.
+int Overwrite(FileSteps& steps, const fs::path& path, std::string_view bytes, bool& opened) {
+  int handle = -1;
+  if (const int error = steps.OpenExisting(path, handle); error != 0) return error;
+  opened = true;
+  int error = WriteAll(steps, handle, bytes);
+  if (error == 0) error = steps.Truncate(handle, bytes.size());
+  if (error == 0) error = steps.Flush(handle);
+  const int close_error = steps.Close(handle);
+  return error != 0 ? error : close_error;
+}
+
 /// The temporary file, gone with this object unless it was put in place.
 class Temporary {
  public:
@@ -122,17 +147,7 @@ class Temporary {
     return EEXIST;
   }
 
-  int Write(std::string_view bytes) {
-    while (!bytes.empty()) {
-      int error = 0;
-      const long count = steps_.Write(handle_, bytes.data(), std::min(bytes.size(), kMaxTransfer), error);
-      if (count < 0 && error == EINTR) continue;
-      if (count < 0) return error;
-      if (count == 0) return EIO;
-      bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return 0;
-  }
+  int Write(std::string_view bytes) { return WriteAll(steps_, handle_, bytes); }
 
   int FlushAndClose() {
     const int flush_error = steps_.Flush(handle_);
@@ -160,6 +175,15 @@ class Temporary {
 int FileSteps::OpenTemporary(const fs::path& path, unsigned mode, int& handle) {
   handle = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
   return handle >= 0 ? 0 : errno;
+}
+
+int FileSteps::OpenExisting(const fs::path& path, int& handle) {
+  handle = ::open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+  return handle >= 0 ? 0 : errno;
+}
+
+int FileSteps::Truncate(int handle, std::size_t size) {
+  return ::ftruncate(handle, static_cast<off_t>(size)) == 0 ? 0 : errno;
 }
 
 long FileSteps::Write(int handle, const char* data, std::size_t size, int& error) {
@@ -222,6 +246,25 @@ std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& byte
   return failure;
 }
 
+std::optional<FileStamp> StampOf(const fs::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size),
+                   status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec,
+                   static_cast<std::uint64_t>(status.st_ino)};
+}
+
+std::optional<FileFailure> WriteFileInPlace(const fs::path& path, std::string_view bytes, std::string_view old_bytes,
+                                            FileSteps& steps) {
+  bool opened = false;
+  const int error = Overwrite(steps, path, bytes, opened);
+  if (error == 0) return std::nullopt;
+  FileFailure failure = Failure(error);
+  failure.file_damaged = opened && Overwrite(steps, path, old_bytes, opened) != 0;
+  return failure;
+}
+
 std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProducer& produce, FileSteps& steps) {
   fs::path target = path;
   if (const int error = ResolveLinks(target); error != 0) return Failure(error);
@@ -241,7 +284,7 @@ std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProduc
   // The old file's mode comes after its owner; until then nobody else may open it.
   int error = temporary.Open(folder, exists ? 0600 : 0666);
   if (error == EACCES || error == EROFS || error == EPERM) {
-    return FileFailure{"The folder cannot be written: " + Failure(error).reason};
+    return FileFailure{"The folder cannot be written: " + Failure(error).reason, true};
   }
   if (error != 0) return Failure(error);
   if (exists) TakeOver(target, old, temporary.handle());

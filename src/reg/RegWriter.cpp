@@ -33,6 +33,26 @@ Line ValueLine(const RegValueRecord& record) {
   return {"\"", record.name, "\"=", "", "", kLineEnd};
 }
 
+/// Gathers lines into parts.
+class Parts {
+ public:
+  explicit Parts(const RegSink& sink) : sink_(sink) { part_.reserve(2 * kPartBytes); }
+  bool operator()(const Line& line) {
+    for (const std::string_view piece : line) part_.append(piece);
+    return part_.size() < kPartBytes || Rest();
+  }
+  /// What is not handed over yet.
+  bool Rest() {
+    const bool going_on = part_.empty() || sink_(part_);
+    part_.clear();
+    return going_on;
+  }
+
+ private:
+  const RegSink& sink_;
+  std::string part_;
+};
+
 /// Calls block(path, group of values) for each key that is written; false stops the walk.
 template <typename Block>
 bool ForEachBlock(const RegDocument& document, const RegValueIndex& index, RegLayout layout, Block block) {
@@ -58,23 +78,14 @@ bool ForEachBlock(const RegDocument& document, const RegValueIndex& index, RegLa
 
 bool WriteReg(const RegDocument& document, RegLayout layout, const RegSink& sink) {
   const RegValueIndex index(document);
-  std::string part;
-  part.reserve(2 * kPartBytes);
-  const auto put = [&](const Line& line) {
-    for (const std::string_view piece : line) part.append(piece);
-    if (part.size() < kPartBytes) return true;
-    const bool going_on = sink(part);
-    part.clear();
-    return going_on;
-  };
+  Parts put(sink);
   const auto block = [&](const std::string& path, std::uint32_t group) {
     bool going_on = put({"[", path, "]", kLineEnd});
     const auto put_value = [&](const RegValueRecord& record) { going_on = going_on && put(ValueLine(record)); };
     if (group != RegValueIndex::kNoGroup) index.ForEachRecord(group, put_value);
     return going_on && put({kLineEnd});
   };
-  part.append(kHeader);
-  return ForEachBlock(document, index, layout, block) && (part.empty() || sink(part));
+  return put({kHeader}) && ForEachBlock(document, index, layout, block) && put.Rest();
 }
 
 std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout) {

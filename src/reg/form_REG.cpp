@@ -17,6 +17,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
+#include "reg/RegAsShown.h"
 #include "reg/RegKeyModel.h"
 #include "reg/RegNotice.h"
 #include "reg/RegValueModel.h"
@@ -39,6 +40,8 @@ constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
 /// Twips, where the settings have none.
 constexpr std::array kColumnWidths{2700, 1100, 4500};
 constexpr const char* kErrorLogName = "REG_ERR.TME";
+/// Text of the root of a document without a file.
+constexpr const char* kNewTitle = "New Registry File";
 constexpr const char* kPrintFileName = "~REGPRNT.TMP";
 
 }  // namespace
@@ -209,7 +212,7 @@ void form_REG::NewREG() {
   TakeSlot();
   format_ = {};
   ExpandedLayout = false;
-  document_.Reset("New Registry File");
+  document_.Reset(kNewTitle);
   TV->show();
   EndProgress();
   Slot().path.clear();
@@ -367,6 +370,8 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   slot.title = QFileInfo(path).fileName();
   document_.SetText(document_.Root(), slot.title.toStdString());
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  // These are in no file; the content of the whole document joins the history instead.
+  if (document_.UnsavedValues() > 0) KeepUnsaved();
   SetLocation({});
   setWindowTitle(slot.title);
   SetChanged(false);
@@ -374,24 +379,49 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   return SaveOutcome::Saved;
 }
 
-std::optional<FileFailure> form_REG::Write(const std::filesystem::path& file, TextFormat& format) const {
-  const Hourglass hourglass;
+std::optional<FileFailure> form_REG::CheckGrowth() const {
   const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
-  if (RegOutputBytes(document_, layout) > kMaxRegGrowth * document_.ContentBytes())
-    return FileFailure{"So many keys share their names that the file would grow to more than " +
-                       std::to_string(kMaxRegGrowth) + " times the size of the document"};
-  return WriteTextFile(file, format, [&](const FilePart& put) { return WriteReg(document_, layout, put); });
+  if (RegOutputBytes(document_, layout) <= kMaxRegGrowth * document_.ContentBytes()) return std::nullopt;
+  return FileFailure{"So many keys share their names that the file would grow to more than " +
+                     std::to_string(kMaxRegGrowth) + " times the size of the document"};
+}
+
+PartProducer form_REG::Producer() const {
+  const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
+  return [this, layout](const FilePart& put) { return WriteReg(document_, layout, put); };
 }
 
 bool form_REG::WriteTo(const QString& path) {
-  TextFormat format = format_;
-  if (const auto failure = Write(FilePath(path), format)) {
+  const Hourglass hourglass;
+  if (const auto failure = CheckGrowth()) {
     ShowWriteFailure(path, *failure);
     return false;
   }
+  TextFormat format = format_;
+  if (!WriteDocument(path, &format, Producer())) return false;
   AddEncodingNotice(format_.encoding, format.encoding);
   format_ = format;
   return true;
+}
+
+std::string form_REG::Content() {
+  TextFormat format = format_;
+  return BytesOf(format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
+}
+
+void form_REG::PutContent(std::string bytes) {
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  document_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
+  if (!ReadRegAsShown(document_, decoded.text)) {
+    const RegQuestions take_all{.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}};
+    AddNotice(NoticeOf(RegReader::Read(document_, std::move(decoded.text), take_all)));
+  }
+  EndProgress();
+  TV->show();
+  RestoreView();
+  AddNotice(NoticeOf(document_));
+  SetChanged(true);
 }
 
 void form_REG::FileClose() { CloseDocument(); }
@@ -414,7 +444,8 @@ void form_REG::PrintDoc(QPrinter* printer) {
   const bool expanded = std::exchange(ExpandedLayout, true);
   const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
     TextFormat format = format_;
-    return Write(file, format);
+    auto failure = CheckGrowth();
+    return failure ? failure : WriteTextFile(file, format, Producer());
   });
   ExpandedLayout = expanded;
   SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));

@@ -53,6 +53,9 @@ class form_REG : public DocumentWindow {
   /// The document as it stands.
   const RegDocument& Document() const { return document_; }
 
+  std::string Content() override;
+  void PutContent(std::string bytes) override;
+
  protected:
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
@@ -84,7 +87,9 @@ class form_REG : public DocumentWindow {
   QString WriteOwnFile(const char* name,
                        const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
   /// In the layout that is set; `format` says the encoding that was taken.
-  std::optional<FileFailure> Write(const std::filesystem::path& file, TextFormat& format) const;
+  /// What a save writes, in the layout that is set; the failure when that would grow beyond all measure.
+  std::optional<FileFailure> CheckGrowth() const;
+  PartProducer Producer() const;
   /// Writes and reports; false when the file is as it was.
   bool WriteTo(const QString& path);
   void SetLocation(const QString& text);

@@ -6,13 +6,16 @@
 #include <QMdiSubWindow>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <new>
 
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/History.h"
 #include "shell/NoticeBar.h"
 #include "shell/RecentFiles.h"
+#include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -30,6 +33,7 @@ void DocumentWindow::Form_Activate() {
   global_.frame->SetActiveDocument(this);
   global_.frame->RefreshMenus(kind_);
   UpdateCommands();
+  CheckDisk();
 }
 
 void DocumentWindow::TakeSlot() {
@@ -50,10 +54,15 @@ void DocumentWindow::TakeSlot() {
     BuildControls(*client);
   }
   ClearNotice();
+  being_read_ = false;
+  disk_stamp_.reset();
+  own_write_.reset();
+  told_stamp_.reset();
 }
 
 std::optional<std::string> DocumentWindow::TakeSlotBytes() {
   DocumentSlot& slot = Slot();
+  const std::optional<FileStamp> stamp = StampOf(FilePath(slot.path));
   std::string bytes;
   if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
     ShowReadFailure(slot.path, *failure);
@@ -62,6 +71,8 @@ std::optional<std::string> DocumentWindow::TakeSlotBytes() {
     return std::nullopt;
   }
   TakeSlot();
+  being_read_ = true;
+  disk_stamp_ = stamp;
   setWindowTitle(slot.title);
   return bytes;
 }
@@ -73,6 +84,11 @@ std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
 }
 
 void DocumentWindow::ReleaseSlot() {
+  // What could not be kept stays aside, for the next start.
+  if (KeepUnsaved())
+    global_.frame->UnsavedContent().Forget(this);
+  else
+    global_.frame->UnsavedContent().LeaveForNextStart(*this);
   tag_.clear();
   DocumentSlot& slot = Slot();
   slot.path.clear();
@@ -80,6 +96,13 @@ void DocumentWindow::ReleaseSlot() {
   slot.changed = false;
   if (QWidget* sub_window = SubWindow()) sub_window->hide();
   global_.frame->DocumentClosed(this);
+}
+
+void DocumentWindow::MarkClean() {
+  clean_revision_ = Revision();
+  being_read_ = false;
+  // At once: a crash before the next look would bring back what is older than the file.
+  if (global_.frame) global_.frame->UnsavedContent().Forget(this);
 }
 
 void DocumentWindow::RecordOpened() {
@@ -113,6 +136,96 @@ void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after) 
                 .arg(QString::fromUtf8(EncodingName(before))));
 }
 
+ContentOrigin DocumentWindow::Origin() const {
+  QString title = Slot().title.isEmpty() ? windowTitle() : Slot().title;
+  const QLatin1StringView marker(kChangedMarker);
+  if (title.endsWith(marker)) title.chop(marker.size());
+  return {kind_, Slot().path, title};
+}
+
+bool DocumentWindow::KeepUnsaved() {
+  if (tag_.isEmpty() || !IsTouched()) return true;
+  try {
+    return !global_.history.Keep(Origin(), KeptReason::NotSaved, Content());
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) {
+  TakeSlot();
+  Slot().path = origin.path;
+  Slot().title = origin.path.isEmpty() ? QString() : origin.title;
+  if (!origin.path.isEmpty()) disk_stamp_ = StampOf(FilePath(origin.path));
+  setWindowTitle(origin.title);
+  MarkClean();
+  PutContent(std::move(content));
+  ShowInFrame();
+}
+
+void DocumentWindow::CheckDisk() {
+  if (!disk_stamp_ || Slot().path.isEmpty()) return;
+  const std::optional<FileStamp> now = StampOf(FilePath(Slot().path));
+  if (now == disk_stamp_ || told_stamp_ == now) return;
+  told_stamp_ = now;
+  AddNotice(
+      now ? tr("The file was changed on the disk after it was opened here. A save replaces that content; Tools, File "
+               "History keeps it.")
+          : tr("The file is no longer on the disk. A save makes it anew."));
+}
+
+std::string DocumentWindow::BytesOf(TextFormat& format, const PartProducer& produce) {
+  std::string text;
+  produce([&text](std::string_view part) {
+    text.append(part);
+    return true;
+  });
+  std::optional<std::string> bytes = EncodeText(text, format);
+  if (!bytes) bytes = EncodeText(text, format = {TextEncoding::Utf8, {}});
+  return bytes ? std::move(*bytes) : text;
+}
+
+FileSteps& DocumentWindow::Steps() const {
+  static FileSteps system;
+  return global_.file_steps ? *global_.file_steps : system;
+}
+
+std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& target, TextFormat* format,
+                                                        const PartProducer& produce) {
+  const std::filesystem::path file = FilePath(target.path);
+  std::string old_bytes;
+  if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
+  if (auto failure = global_.history.Keep(target, KeptReason::BeforeSave, old_bytes)) return failure;
+  TextFormat written = format ? *format : TextFormat{TextEncoding::Utf8, {}};
+  const std::string bytes = BytesOf(written, produce);
+  auto failure = WriteFileInPlace(file, bytes, old_bytes, Steps());
+  if (!failure && format) *format = written;
+  return failure;
+}
+
+bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce) {
+  const ContentOrigin target{kind_, path, QFileInfo(path).fileName()};
+  const std::filesystem::path file = FilePath(path);
+  const std::optional<FileStamp> before = StampOf(file);
+  const bool changed_elsewhere = path == Slot().path && disk_stamp_ && before && before != disk_stamp_;
+  const bool is_own = path == Slot().path && before && before == own_write_;
+  const std::optional<FileFailure> not_kept = is_own ? std::nullopt : global_.history.KeepFile(target);
+  std::optional<FileFailure> failure =
+      format ? WriteTextFile(file, *format, produce, Steps()) : WriteFileParts(file, produce, Steps());
+  if (failure && failure->folder_refused && before) failure = WriteInPlace(target, format, produce);
+  if (failure) {
+    ShowWriteFailure(path, *failure);
+    return false;
+  }
+  disk_stamp_ = own_write_ = StampOf(file);
+  if (changed_elsewhere && !not_kept)
+    AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));
+  if (not_kept)
+    AddNotice(tr("What the file held before could not be kept in the history: %1.")
+                  .arg(QString::fromStdString(not_kept->reason)));
+  return true;
+}
+
 void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& failure) {
   global_.dialogs.MsgBox(
       u"TME could not open the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u'.',
@@ -120,9 +233,12 @@ void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& fai
 }
 
 void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& failure) {
-  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s +
-                             QString::fromStdString(failure.reason) + u".  The file on disk is unchanged."_s,
-                         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  global_.dialogs.MsgBox(
+      u"TME could not save the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u".  "_s +
+          (failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what "
+                                     "it held before.")
+                                : tr("The file on disk is unchanged.")),
+      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
 QString DocumentWindow::AskForSavePath(const QString& title, const QString& filter, const QString& default_ext) {

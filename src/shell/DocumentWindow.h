@@ -7,6 +7,7 @@
 
 #include "platform/TextFile.h"
 #include "shell/DocumentKind.h"
+#include "shell/History.h"
 
 class QMdiSubWindow;
 class QVBoxLayout;
@@ -16,6 +17,9 @@ namespace tme {
 struct DocumentSlot;
 struct Global;
 class NoticeBar;
+
+/// A path as the file layer takes it.
+std::filesystem::path FilePath(const QString& path);
 
 /// A document window of any kind. Twenty exist from the start, so construction does next to nothing: the controls are
 /// built when the window gets its first document, and the window is reused after its document is closed.
@@ -40,7 +44,26 @@ class DocumentWindow : public QWidget {
   /// Counts the edits of the content, whether or not they mark the document changed.
   virtual std::uint64_t Revision() const { return 0; }
   /// Whether the content was edited since it was read or written.
-  bool IsTouched() const { return Revision() != clean_revision_; }
+  /// Not before a file is wholly read, which may take a question to the user.
+  bool IsTouched() const { return !being_read_ && Revision() != clean_revision_; }
+
+  /// The bytes that a save would write now; for what the file's form cannot hold, those that make the document again.
+  virtual std::string Content() = 0;
+  /// Makes the window's document from bytes, as opening a file of them would, and marks it changed. Name and path stay.
+  virtual void PutContent(std::string bytes) = 0;
+  ContentOrigin Origin() const;
+  /// Before the document is dropped: content that reached no file joins the history, however the user came to drop it
+  /// (answered "No", cancelled the save dialog, saved with an entry that writes nothing). False when it could not.
+  bool KeepUnsaved();
+  /// A content that some document had, in a free window: shown as it was, with its name and path, marked changed.
+  void ShowKept(const ContentOrigin& origin, std::string content);
+
+  /// The slim bar at the top; an empty text hides it. Several sentences add up until ClearNotice.
+  void AddNotice(const QString& sentence);
+
+  /// Says, once for each change, when the file was changed on the disk after this document was read from it or written
+  /// to it.
+  void CheckDisk();
 
   /// The window became the active one: the shell's commands go to it from now on.
   void Form_Activate();
@@ -72,19 +95,22 @@ class DocumentWindow : public QWidget {
   void ShowInFrame();
 
   /// The content is now what the file holds.
-  void MarkClean() { clean_revision_ = Revision(); }
+  void MarkClean();
   /// A file was read from the slot's path: it joins the recent files, unless this once it shall not.
   void RecordOpened();
 
   /// The changed flag of the slot and its marker at the end of the caption.
   void SetChanged(bool changed);
 
-  /// The slim bar at the top; an empty text hides it. Several sentences add up until ClearNotice.
-  void AddNotice(const QString& sentence);
   void ClearNotice();
+  /// Writes the document to a file, whole or not at all, in the given encoding (which may have to change) or, without a
+  /// format, the parts as they are. What the file held before joins the history first; where the folder allows no whole
+  /// write, the file is then written in place. On a failure: the message.
+  bool WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce);
+  /// What a save would write, in memory; the format says what it took.
+  static std::string BytesOf(TextFormat& format, const PartProducer& produce);
   /// Says that a save had to change the encoding; nothing when it did not.
   void AddEncodingNotice(TextEncoding before, TextEncoding after);
-  /// The message about a file that could not be read or written.
   /// The save dialog with its question about an existing file; the path that the user chose, empty when cancelled.
   QString AskForSavePath(const QString& title, const QString& filter, const QString& default_ext);
 
@@ -105,11 +131,19 @@ class DocumentWindow : public QWidget {
   const int slot_number_;
   QString tag_;
   std::uint64_t clean_revision_ = 0;
+  bool being_read_ = false;
+  /// For a folder that allows no temporary file: the old bytes join the history, or nothing is written.
+  std::optional<FileFailure> WriteInPlace(const ContentOrigin& target, TextFormat* format, const PartProducer& produce);
+  FileSteps& Steps() const;
+
+  /// Of the slot's file, when it was last read or written here; nothing for none.
+  std::optional<FileStamp> disk_stamp_;
+  /// What the document last wrote, as long as it is the same document: need not be kept before the next save.
+  std::optional<FileStamp> own_write_;
+  /// The state of the disk that the user was told of; the inner one is empty for a file that is gone.
+  std::optional<std::optional<FileStamp>> told_stamp_;
   QVBoxLayout* layout_ = nullptr;
   NoticeBar* notice_bar_ = nullptr;
 };
-
-/// A path as the file layer takes it.
-std::filesystem::path FilePath(const QString& path);
 
 }  // namespace tme

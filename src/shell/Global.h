@@ -9,6 +9,8 @@ namespace tme {
 
 class CommonDialog;
 class Dialogs;
+class FileSteps;
+class History;
 class InstanceLink;
 class RegistryAccess;
 class ShellUtilities;
@@ -22,7 +24,10 @@ struct Global {
   Dialogs& dialogs;
   CommonDialog& common_dialog;
   InstanceLink& instance_link;
+  History& history;
 
+  /// The file layer of every save; null for the system's own. Tests fail at its steps.
+  FileSteps* file_steps = nullptr;
   Settings settings{};
   DocumentTable documents{};
   /// The Windows folder, empty where there is none.

@@ -22,7 +22,10 @@ SessionShutdown::SessionShutdown(Global& global, std::chrono::milliseconds patie
 }
 
 void SessionShutdown::EndSession(SessionEnd::Questions questions) {
-  if (questions == SessionEnd::Questions::Refused) nobody_there_ = true;
+  if (questions == SessionEnd::Questions::Refused) {
+    nobody_there_ = true;
+    global_.frame->LeaveUnattended();
+  }
   if (looks_.isActive()) return;
   looks_.start();
   Look();
@@ -48,6 +51,7 @@ void SessionShutdown::CloseWhenLate(QWidget& question) {
   }
   if (!nobody_there_ && now - since_ < patience_) return;
   nobody_there_ = true;
+  global_.frame->LeaveUnattended();
   question.close();
 }
 

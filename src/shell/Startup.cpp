@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "history/form_History.h"
 #include "ini/form_INI.h"
 #include "options/ShellIntegration.h"
 #include "options/form_TMEOptions.h"
@@ -18,6 +19,7 @@
 #include "shell/AutoSave.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
+#include "shell/History.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/SessionShutdown.h"
 #include "shell/mdform_TMEditor.h"
@@ -64,7 +66,8 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
   ShellUtilities shell_utilities;
   Dialogs dialogs;
   CommonDialog common_dialog;
-  Global global{registry, shell_utilities, dialogs, common_dialog, link};
+  History history(shell_utilities.UserDataFolder() + u"/history"_s);
+  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
   mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) { return MakeWindow(global, kind, slot); });
   ShellIntegration integration(registry, QCoreApplication::applicationFilePath());
   frame.Menus().Handle("menu_ToolsOptions", [&] {
@@ -72,6 +75,7 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
         global, integration, [&frame](int minutes) { frame.Saver().SetAutoSaveTimer(minutes); }, &frame)
         .exec();
   });
+  frame.Menus().Handle("menu_ToolsHistory", [&] { form_History(global, &frame).exec(); });
   SessionShutdown shutdown(global);
   const SessionEnd session_end([&shutdown](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   frame.MDIForm_Load(texts);

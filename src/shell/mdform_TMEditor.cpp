@@ -26,6 +26,7 @@
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
 #include "shell/RecentFiles.h"
+#include "shell/Rescue.h"
 #include "shell/Tools.h"
 #include "shell/WindowArrangement.h"
 
@@ -54,6 +55,7 @@ mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
   menuBar()->setObjectName(u"menu_bar"_s);
   menuBar()->setAccessibleName(tr("Menu bar"));
   menus_ = std::make_unique<GlobalMenus>(global_, *menuBar());
+  rescue_ = std::make_unique<Rescue>(global_);
   recent_files_ = std::make_unique<RecentFiles>(global_);
   auto_save_ = std::make_unique<AutoSave>(global_);
   file_drop_ = std::make_unique<FileDrop>(global_);
@@ -90,10 +92,12 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   global_.settings.auto_save_period = ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s));
   auto_save_->SetAutoSaveTimer(global_.settings.auto_save_period);
   CreateDocumentWindows();
+  rescue_->ReopenAfterCrash();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
   OpenWelcomeDocument();
   RefreshMenus(DocumentKind::Mdi);
   show();
+  rescue_->Start();
   if (active_document_) active_document_->Form_Activate();
 }
 
@@ -231,7 +235,17 @@ void mdform_TMEditor::ExitApplication() {
     else
       slot.window->SubWindow()->showMinimized();
   });
-  global_.documents.ForEach([](DocumentSlot& slot) { slot.window->ExitForm(); });
+  global_.documents.ForEach([this](DocumentSlot& slot) {
+    slot.window->ExitForm();
+    // A document that nobody answered for, or that could be kept nowhere, comes back with the next start.
+    const bool dropped = !slot.window->Tag().isEmpty() && slot.window->IsTouched();
+    if (dropped && (unattended_ || !slot.window->KeepUnsaved()))
+      rescue_->LeaveForNextStart(*slot.window);
+    else
+      rescue_->Forget(slot.window);
+    rescue_->PassOver(*slot.window);
+  });
+  rescue_->Stop();
   global_.exiting = true;
   active_document_ = nullptr;
   global_.documents.ForEach(release);
@@ -419,6 +433,9 @@ void mdform_TMEditor::moveEvent(QMoveEvent* event) {
 
 void mdform_TMEditor::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
+  // Back from another program, which may have written the file.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && active_document_ && !leaving_)
+    active_document_->CheckDisk();
   if (event->type() == QEvent::WindowStateChange && isVisible() && !leaving_) geometry_timer_.start();
 }
 

@@ -16,6 +16,7 @@ class AutoSave;
 class DocumentWindow;
 class FileDrop;
 class GlobalMenus;
+class Rescue;
 class RecentFiles;
 struct Global;
 
@@ -43,6 +44,7 @@ class mdform_TMEditor : public QMainWindow {
   void SetActiveDocument(DocumentWindow* window) { active_document_ = window; }
   void RefreshMenus(DocumentKind kind);
   GlobalMenus& Menus() { return *menus_; }
+  Rescue& UnsavedContent() { return *rescue_; }
   RecentFiles& Recent() { return *recent_files_; }
   /// The options dialog sets its timer.
   AutoSave& Saver() { return *auto_save_; }
@@ -51,6 +53,8 @@ class mdform_TMEditor : public QMainWindow {
   void ArrangeWindows(int arrangement);
   /// Cascades after files were opened; where the editors start maximised, the active one is maximised again.
   void CascadeAfterOpening();
+  /// Questions are closed unanswered from now on: documents that are not saved then wait for the next start.
+  void LeaveUnattended() { unattended_ = true; }
   /// True while the program is being left.
   bool IsLeaving() const { return leaving_; }
   /// A document that is shown becomes the active child.
@@ -91,6 +95,7 @@ class mdform_TMEditor : public QMainWindow {
   const WindowFactory make_window_;
   QMdiArea* area_;
   std::unique_ptr<GlobalMenus> menus_;
+  std::unique_ptr<Rescue> rescue_;
   std::unique_ptr<RecentFiles> recent_files_;
   std::unique_ptr<AutoSave> auto_save_;
   std::unique_ptr<FileDrop> file_drop_;
@@ -98,6 +103,7 @@ class mdform_TMEditor : public QMainWindow {
   /// Resize events come in bursts, and before the window knows whether it is maximised.
   QTimer geometry_timer_;
   bool leaving_ = false;
+  bool unattended_ = false;
   /// Files were opened before the frame had its real size.
   bool cascade_when_shown_ = false;
 };

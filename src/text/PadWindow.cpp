@@ -8,7 +8,6 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLocale>
-#include <QMdiSubWindow>
 
 #include "platform/CommonDialog.h"
 #include "platform/Twips.h"
@@ -75,8 +74,6 @@ void PadWindow::RestoreNames() {
   Slot().path = saved_path_;
   Slot().title = saved_title_;
   setWindowTitle(saved_caption_);
-  // The frame's child does not follow to an empty caption by itself.
-  if (QMdiSubWindow* sub_window = SubWindow()) sub_window->setWindowTitle(saved_caption_);
 }
 
 PadWindow::SaveOutcome PadWindow::Save() {

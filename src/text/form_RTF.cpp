@@ -179,10 +179,7 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(const QString& path) {
            "the document, choose File, Save As."));
     return SaveOutcome::Saved;
   }
-  if (const auto failure = index == kRichIndex ? WriteRich(path) : WritePlain(path)) {
-    ShowWriteFailure(path, *failure);
-    return SaveOutcome::Failed;
-  }
+  if (!(index == kRichIndex ? WriteRich(path) : WritePlain(path))) return SaveOutcome::Failed;
   if (index == kRichIndex) {
     MarkClean();
   } else if (path.endsWith(u".rtf"_s, Qt::CaseInsensitive)) {
@@ -193,22 +190,39 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(const QString& path) {
   return SaveOutcome::Saved;
 }
 
-std::optional<FileFailure> form_RTF::WriteRich(const QString& path) {
-  // Untouched, the document is what it was read from.
-  if (!read_bytes_.empty() && read_revision_ == Revision()) return WriteFileBytes(FilePath(path), read_bytes_);
-  FileSteps steps;
-  const auto failure = WriteFileParts(
-      FilePath(path), [this](const FilePart& put) { return pad->WriteRtf(put); }, steps);
-  if (!failure) read_bytes_ = {};
-  return failure;
+PartProducer form_RTF::Producer() {
+  return [this](const FilePart& put) {
+    // Untouched, the document is what it was read from.
+    if (!read_bytes_.empty() && read_revision_ == Revision()) return put(read_bytes_);
+    return pad->WriteRtf(put);
+  };
 }
 
-std::optional<FileFailure> form_RTF::WritePlain(const QString& path) {
+bool form_RTF::WriteRich(const QString& path) {
+  if (!WriteDocument(path, nullptr, Producer())) return false;
+  if (read_revision_ != Revision()) read_bytes_ = {};
+  return true;
+}
+
+bool form_RTF::WritePlain(const QString& path) {
   TextFormat format;
-  const auto failure =
-      WriteTextFile(FilePath(path), format, [this](const FilePart& put) { return pad->WriteText(put); });
-  if (!failure) AddEncodingNotice(TextFormat().encoding, format.encoding);
-  return failure;
+  if (!WriteDocument(path, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
+  AddEncodingNotice(TextFormat().encoding, format.encoding);
+  return true;
+}
+
+std::string form_RTF::Content() {
+  TextFormat format{TextEncoding::Utf8, {}};
+  return BytesOf(format, Producer());
+}
+
+void form_RTF::PutContent(std::string bytes) {
+  rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
+  AddLossNotice(read.losses);
+  pad->SetRtf(std::move(read));
+  pad->SetBulletIndent(kBulletIndent);
+  read_bytes_ = {};
+  Altered(true);
 }
 
 void form_RTF::TextChanged() {

@@ -23,6 +23,8 @@ class form_RTF : public PadWindow {
 
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
+  std::string Content() override;
+  void PutContent(std::string bytes) override;
 
   Q_INVOKABLE void NewRTF();
   /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
@@ -66,8 +68,9 @@ class form_RTF : public PadWindow {
   void Paste(const QMimeData& source);
   void PastePlainText(const QString& text);
   void AddLossNotice(const rtf::Losses& losses);
-  std::optional<FileFailure> WriteRich(const QString& path);
-  std::optional<FileFailure> WritePlain(const QString& path);
+  PartProducer Producer();
+  bool WriteRich(const QString& path);
+  bool WritePlain(const QString& path);
 
   RtfPad* pad = nullptr;
   QToolBar* Toolbar1 = nullptr;

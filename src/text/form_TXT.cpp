@@ -88,22 +88,35 @@ PadWindow::SaveDialogTexts form_TXT::SaveTexts() const {
   return {u"Save Text File"_s, u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
 }
 
-DocumentWindow::SaveOutcome form_TXT::WriteTo(const QString& path) {
-  const Hourglass hourglass;
-  TextFormat format = format_;
-  const std::optional<FileFailure> failure = WriteTextFile(FilePath(path), format, [this](const FilePart& put) {
+PartProducer form_TXT::Producer() const {
+  return [this](const FilePart& put) {
     for (std::string_view rest = pad->Text(); !rest.empty();)
       if (!put(TakePart(rest))) return false;
     return true;
-  });
-  if (failure) {
-    ShowWriteFailure(path, *failure);
-    return SaveOutcome::Failed;
-  }
+  };
+}
+
+DocumentWindow::SaveOutcome form_TXT::WriteTo(const QString& path) {
+  const Hourglass hourglass;
+  TextFormat format = format_;
+  if (!WriteDocument(path, &format, Producer())) return SaveOutcome::Failed;
   AddEncodingNotice(format_.encoding, format.encoding);
   format_ = format;
   MarkClean();
   return SaveOutcome::Saved;
+}
+
+std::string form_TXT::Content() {
+  TextFormat format = format_;
+  return BytesOf(format, Producer());
+}
+
+void form_TXT::PutContent(std::string bytes) {
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  pad->SetText(std::move(decoded.text));
+  Altered(true);
 }
 
 }  // namespace tme

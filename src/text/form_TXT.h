@@ -15,6 +15,8 @@ class form_TXT : public PadWindow {
 
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
+  std::string Content() override;
+  void PutContent(std::string bytes) override;
 
   Q_INVOKABLE void NewTXT();
   /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
@@ -30,6 +32,8 @@ class form_TXT : public PadWindow {
   SaveOutcome WriteTo(const QString& path) override;
 
  private:
+  PartProducer Producer() const;
+
   TextPad* pad = nullptr;
   TextFormat format_;
 };

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QLockFile>
+#include <QString>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/TextFile.h"
+#include "shell/DocumentKind.h"
+
+namespace tme {
+
+/// Why a version was kept.
+enum class KeptReason : std::uint8_t {
+  BeforeSave,     ///< the file's bytes before a save put others in their place
+  NotSaved,       ///< a document that was closed without its changes reaching a file
+  BeforeRestore,  ///< what stood there before an older version was put back
+  Rescued,        ///< unsaved content that a crash left and that no window had room for
+};
+/// For people: "Before a save".
+QString ReasonText(KeptReason reason);
+
+/// What a content belongs to.
+struct ContentOrigin {
+  DocumentKind kind = DocumentKind::Txt;
+  QString path;   ///< empty for a document that never had a file
+  QString title;  ///< the caption of such a document; else the file's name
+};
+
+struct KeptVersion {
+  QString id;  ///< name in the store; later ones sort after earlier ones
+  QDateTime time;
+  KeptReason reason = KeptReason::BeforeSave;
+  ContentOrigin origin;
+  QByteArray digest;  ///< of the content, in hex
+  qint64 bytes = 0;
+};
+
+/// Unsaved content of an open document, put aside so that a crash does not take it.
+struct AsideContent {
+  QString id;
+  QDateTime time;
+  ContentOrigin origin;
+  QByteArray digest;
+  qint64 bytes = 0;
+};
+
+/// The one place for the limits of the store. Oldest go first; content that is put aside never goes.
+struct HistoryLimits {
+  int versions_per_file = 40;
+  int days = 90;
+  qint64 total_bytes = qint64{1} << 30;
+};
+
+/// Kept versions of files and unsaved content of documents, in a folder that only the user can read: `blobs/` holds
+/// each content once, under its digest; `versions/` and `aside/` hold one small file for each thing that names a
+/// content. A content is on the disk before what names it, so a crash leaves at most a content that nothing names,
+/// which the next Prune takes away. Nothing is created before there is something to keep. Any thread may call.
+class History {
+ public:
+  /// limits: for tests.
+  explicit History(QString folder, HistoryLimits limits = {});
+
+  /// Keeps a content. One that equals the newest version of the same origin makes no second version, and no failure.
+  std::optional<FileFailure> Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
+                                  const QDateTime& time = QDateTime::currentDateTimeUtc());
+  /// Keeps what the origin's file holds, before something else is written there; no file is no failure.
+  std::optional<FileFailure> KeepFile(const ContentOrigin& origin, KeptReason reason = KeptReason::BeforeSave);
+  /// Newest first. path: of this file only.
+  QList<KeptVersion> Versions(const std::optional<QString>& path = {}) const;
+  /// The content that a digest names; nothing when it is gone or was damaged on the disk.
+  std::optional<std::string> Content(const QByteArray& digest) const;
+
+  /// Puts content aside under an id (NewId); replaces what had that id.
+  std::optional<FileFailure> PutAside(const QString& id, const ContentOrigin& origin, std::string_view content,
+                                      const QDateTime& time = QDateTime::currentDateTimeUtc());
+  void ForgetAside(const QString& id);
+  /// Oldest first.
+  QList<AsideContent> Aside() const;
+  static QString NewId();
+
+  /// Makes the store this process's own for as long as it lives. False while another process has it, one that is still
+  /// asking its last questions: what is put aside is its business then, and nothing is removed. True when there is no
+  /// store yet.
+  bool Claim();
+  /// Removes what is over the limits, contents that nothing names and what a crash left half written. Only in a store
+  /// that is claimed.
+  void Prune(const QDateTime& now = QDateTime::currentDateTimeUtc());
+
+  const QString& Folder() const { return folder_; }
+
+ private:
+  std::optional<FileFailure> Store(std::string_view content, QByteArray& digest);
+  QString BlobPath(const QByteArray& digest) const;
+  /// Sorts after every version in the store, even when the clock was put back.
+  QString NextVersionId(const ContentOrigin& origin) const;
+
+  const QString folder_;
+  const HistoryLimits limits_;
+  QLockFile claim_;
+  mutable std::recursive_mutex mutex_;
+};
+
+}  // namespace tme

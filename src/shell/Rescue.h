@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+#include <chrono>
+#include <future>
+
+#include "shell/History.h"
+
+namespace tme {
+
+class DocumentWindow;
+struct Global;
+
+/// Puts the content of documents with unsaved changes aside, so that a crash loses no more than a few seconds of work,
+/// and opens what an earlier run left there. The disk is written on a thread of its own; a document's content is
+/// gathered on the window's.
+class Rescue : public QObject {
+  Q_OBJECT
+
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  explicit Rescue(Global& global);
+  ~Rescue() override;
+
+  /// Opens each document that the last run left with unsaved changes, as it was, marked changed. What is put aside
+  /// stays so until the document is saved or closed. Windows of a kind that are all taken: the content becomes a
+  /// version of the history.
+  void ReopenAfterCrash();
+  /// From now on a look at all documents every two seconds.
+  void Start();
+  /// No look any more, and nothing on its way to the disk: before the windows go.
+  void Stop();
+  /// One look: puts aside what changed since the last and is due, forgets what is saved or closed.
+  void Look(Clock::time_point now);
+  /// Waits for the disk.
+  void WaitForDisk();
+  /// Puts the document aside at once, and leaves it so: the next start opens it again, unless it goes on here.
+  void LeaveForNextStart(DocumentWindow& window);
+  /// The document is done with, whatever becomes of it, and stays in sight all the same: no look at it any more.
+  void PassOver(DocumentWindow& window) { passed_over_.insert(&window); }
+  /// The document needs no rescue any more.
+  void Forget(DocumentWindow* window);
+
+ private:
+  struct Watched {
+    QString id;
+    std::uint64_t revision = 0;  ///< of the content that is aside
+    bool is_aside = false;
+    Clock::time_point not_before;
+  };
+  /// Opens the content that is aside, or sees to it that it is found in the history.
+  void Reopen(const AsideContent& aside, std::string content);
+  void PutAside(DocumentWindow& window, Watched& watched, Clock::time_point now);
+  void Finished();
+  void TellFailure(DocumentWindow& window, const std::string& reason);
+
+  Global& global_;
+  QTimer timer_;
+  QHash<DocumentWindow*, Watched> watched_;
+  /// The one content on its way to the disk, with its window.
+  struct Written {
+    std::optional<FileFailure> failure;
+    Clock::duration took{};
+  };
+  std::future<Written> writing_;
+  DocumentWindow* writing_for_ = nullptr;
+  std::future<void> pruning_;
+  QSet<DocumentWindow*> passed_over_;
+  bool failure_told_ = false;
+};
+
+}  // namespace tme
