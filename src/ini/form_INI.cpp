@@ -321,11 +321,11 @@ void form_INI::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
   format_ = decoded.format;
   tree_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
-  ReadKept(std::move(decoded.text));
+  ReadKept(decoded.text);
   SetChanged(true);
 }
 
-void form_INI::ReadKept(std::string text) {
+void form_INI::ReadKept(const std::string& text) {
   bool clash = false;
   const IniQuestions never{[&clash](std::string_view) { return !(clash = true); }};
   const IniReadResult result = IniReader::Read(tree_, text, never);

@@ -86,7 +86,7 @@ class form_INI : public DocumentWindow {
   void AddEntryTo(IniNode* section, const QString& key, const QString& value);
   IniReadResult Read(std::string text);
   /// Into a fresh tree, without a question: every line is taken, also where a file could not hold it so.
-  void ReadKept(std::string text);
+  void ReadKept(const std::string& text);
 
   IniTree tree_;
   TextFormat format_;

@@ -200,15 +200,15 @@ bool PadWindow::PadKeyPressed(const QKeyEvent& key) {
   // AltGr is Ctrl+Alt on some systems and types a character.
   const bool types = key.modifiers().testFlag(Qt::AltModifier) && !key.text().isEmpty() && key.text().at(0).isPrint();
   const bool control = key.modifiers().testFlag(Qt::ControlModifier) && !types;
+  // One that no menu took must not replace the selection with its letter.
+  const bool for_a_menu = types && !key.modifiers().testFlag(Qt::ControlModifier);
   if ((control && key.key() == Qt::Key_V) || key.matches(QKeySequence::Paste)) {
     EditPaste();
   } else if ((control && key.key() == Qt::Key_C) || key.matches(QKeySequence::Copy)) {
     EditCopy();
   } else if ((control && key.key() == Qt::Key_X) || key.matches(QKeySequence::Cut)) {
     EditCut();
-  } else if (types && !key.modifiers().testFlag(Qt::ControlModifier)) {
-    return true;  // meant for a menu that is not there: must not replace the selection
-  } else if (SearchKeyPressed(key)) {
+  } else if (for_a_menu || SearchKeyPressed(key)) {
     return true;
   } else if (key.key() == Qt::Key_Backtab && !control) {
     EditingArea().ReplaceSelection(u"\t"_s);
