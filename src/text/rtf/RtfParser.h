@@ -124,6 +124,8 @@ class Parser {
 
   // RtfParserGroups.cpp: control words that say what their group is.
   bool ReadGroupWord(const ControlWord& word);
+  void ReadBodyGroup(const ControlWord& word);
+  void AddShownPicture();
   void ReadLabelGroupWord(const ControlWord& word);
   void ReadUnknownGroup();
   std::string TakeGroup();

@@ -138,6 +138,11 @@ bool Parser::ReadGroupWord(const ControlWord& word) {
     SkipGroup();
     return false;
   }
+  ReadBodyGroup(word);
+  return true;
+}
+
+void Parser::ReadBodyGroup(const ControlWord& word) {
   switch (word.control) {
     case Control::FontTable:
       Top().destination = Destination::FontTable;
@@ -171,11 +176,9 @@ bool Parser::ReadGroupWord(const ControlWord& word) {
       format.list_level = list.level;
       break;
     }
-    case Control::ListText: {
-      const std::string text = LabelOf(TakeGroup(), Destination::Body);
-      list_of_text_ = ListKindOfText(text);
+    case Control::ListText:
+      list_of_text_ = ListKindOfText(LabelOf(TakeGroup(), Destination::Body));
       break;
-    }
     case Control::Field:
       Top().is_field = Top().is_untouched;  // text before the word is not the field's
       Top().output_before = Output();
@@ -190,18 +193,9 @@ bool Parser::ReadGroupWord(const ControlWord& word) {
     case Control::AlternativePicture:
       AddPicture(TakeGroup());
       break;
-    case Control::ShownPicture: {
-      std::string group = TakeGroup();
-      const std::size_t next = tokens_.Bytes().find_first_not_of("\r\n", tokens_.Position());
-      if (next != std::string_view::npos && tokens_.Bytes().substr(next).starts_with("{\\nonshppict")) {
-        std::string alternative;
-        tokens_.Seek(next + 1);
-        tokens_.TakeGroup(next, &alternative);
-        group += alternative;
-      }
-      AddPicture(std::move(group));
+    case Control::ShownPicture:
+      AddShownPicture();
       break;
-    }
     case Control::Object:
       AddDrawing(TakeGroup(), "Embedded object");
       break;
@@ -218,7 +212,19 @@ bool Parser::ReadGroupWord(const ControlWord& word) {
       KeepInvisible(TakeGroup());
       break;
   }
-  return true;
+}
+
+/// With the form for other readers, which follows.
+void Parser::AddShownPicture() {
+  std::string group = TakeGroup();
+  const std::size_t next = tokens_.Bytes().find_first_not_of("\r\n", tokens_.Position());
+  if (next != std::string_view::npos && tokens_.Bytes().substr(next).starts_with("{\\nonshppict")) {
+    std::string alternative;
+    tokens_.Seek(next + 1);
+    tokens_.TakeGroup(next, &alternative);
+    group += alternative;
+  }
+  AddPicture(std::move(group));
 }
 
 /// In the text of a group that is kept: what it holds of its own kind is passed over.

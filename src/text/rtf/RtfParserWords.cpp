@@ -330,7 +330,7 @@ bool Parser::ReadFileWord(const ControlWord& word) {
   switch (word.control) {
     case Control::CodePage: {
       const int page = word.value != 0 ? word.value : token_.value;
-      if (page <= 0 || (page < kPrivateSymbolPage + 1)) return true;
+      if (page <= kPrivateSymbolPage) return true;
       fonts_.ansi_page = page;
       for (State& state : states_) state.page = &fonts_.PageOf(state.character.font);
       return true;
