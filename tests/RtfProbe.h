@@ -95,7 +95,10 @@ inline std::string Dump(const RtfDocument& document) {
       for (char& c : text) c = c == '\f' ? '^' : c == '\t' ? '~' : c;
       at += it.bytes;
       if (it.object != 0) text = "<" + object(document.objects[it.object - 1]) + ">";
-      dump += run_look.empty() ? text : "[" + run_look + ":" + text + "]";
+      if (run_look.empty())
+        dump += text;
+      else
+        dump.append("[").append(run_look).append(":").append(text).append("]");
     }
     dump += "|";
   }

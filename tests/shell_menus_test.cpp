@@ -40,13 +40,13 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
   EXPECT_EQ(Shown(frame_->Menus().Menu(u"md_Menu_File"_s)->actions()),
             (QStringList{u"&New"_s, u"&Open"_s, u"E&xit TME"_s}));
   const struct {
-    DocumentKind kind;
     const char* bar;
     int routed;
-  } kinds[] = {{DocumentKind::Ini, "File Edit View Tools Window Help", 16},
-               {DocumentKind::Reg, "File Edit Tools Window Help", 12},
-               {DocumentKind::Txt, "File Edit Search Tools Window Help", 13},
-               {DocumentKind::Rtf, "File Edit Search Format Tools Window Help", 19}};
+    DocumentKind kind;
+  } kinds[] = {{"File Edit View Tools Window Help", 16, DocumentKind::Ini},
+               {"File Edit Tools Window Help", 12, DocumentKind::Reg},
+               {"File Edit Search Tools Window Help", 13, DocumentKind::Txt},
+               {"File Edit Search Format Tools Window Help", 19, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {
     const KindTraits& traits = TraitsOf(expected.kind);
     SCOPED_TRACE(traits.name);
