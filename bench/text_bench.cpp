@@ -15,6 +15,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/History.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/TextPad.h"
@@ -43,7 +44,9 @@ struct Editor {
   Dialogs dialogs;
   CommonDialog common_dialog;
   InstanceLink link;
-  Global global{registry, shell_utilities, dialogs, common_dialog, link};
+  const QTemporaryDir history_folder;
+  History history{history_folder.path()};
+  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
   mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
                           return kind == DocumentKind::Txt ? new form_TXT(global, slot) : nullptr;
                         }};

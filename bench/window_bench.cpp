@@ -17,6 +17,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/History.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
 
@@ -29,7 +30,9 @@ struct Editor {
   Dialogs dialogs;
   CommonDialog common_dialog;
   InstanceLink link;
-  Global global{registry, shell_utilities, dialogs, common_dialog, link};
+  const QTemporaryDir history_folder;
+  History history{history_folder.path()};
+  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
   mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
                           return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
                         }};

@@ -35,7 +35,7 @@ const QString kMadeFolders = u"Integration Folders"_s;
 QString DataFolder() { return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation); }
 QString ConfigFolder() { return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation); }
 
-/// The program as an argument of an Exec line (Desktop Entry Specification, "The Exec key").
+/// The program as an argument of an Exec line, quoted as freedesktop.org's desktop entries want it.
 QByteArray ExecArgument(const QString& program) {
   QByteArray argument;
   for (const char character : QFile::encodeName(program)) {

@@ -168,6 +168,15 @@ ListKind ListKindOfText(std::string_view text) {
   return ListKind::Bullet;
 }
 
+namespace {
+
+void ReadLevelWord(const Token& word, ListLook& look) {
+  if (word.text == "levelnfc" || word.text == "levelnfcn") look.kind = KindOfNumberFormat(word.value);
+  if (word.text == "levelstartat") look.start = word.value;
+}
+
+}  // namespace
+
 bool ListTables::ReadLists(std::string_view group) {
   Tokenizer tokens(group);
   Token token;
@@ -186,9 +195,7 @@ bool ListTables::ReadLists(std::string_view group) {
       if (lists_.size() >= kMaxLists) return false;
       lists_.push_back(list);
     } else if (next_level > 0 && next_level <= kLevels) {
-      ListLook& look = list.levels[next_level - 1];
-      if (name == "levelnfc" || name == "levelnfcn") look.kind = KindOfNumberFormat(token.value);
-      if (name == "levelstartat") look.start = token.value;
+      ReadLevelWord(token, list.levels[next_level - 1]);
     }
   }
   std::stable_sort(lists_.begin(), lists_.end(), [](const List& a, const List& b) { return a.id < b.id; });
@@ -216,9 +223,7 @@ bool ListTables::ReadOverrides(std::string_view group) {
       if (overrides_.size() >= kMaxLists) return false;
       overrides_.push_back(list);
     } else if (next_level > 0 && next_level <= kLevels) {
-      ListLook& look = list.levels[next_level - 1];
-      if (name == "levelnfc" || name == "levelnfcn") look.kind = KindOfNumberFormat(token.value);
-      if (name == "levelstartat") look.start = token.value;
+      ReadLevelWord(token, list.levels[next_level - 1]);
     }
   }
   std::stable_sort(overrides_.begin(), overrides_.end(), [](const List& a, const List& b) { return a.id < b.id; });
