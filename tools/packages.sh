@@ -21,6 +21,9 @@ packages_display=(xvfb openbox xdotool x11-utils imagemagick)
 # A display, a session bus and what reads the screen and presses keys there.
 packages_accessibility=(xvfb openbox xdotool x11-utils dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0)
 
+# What the Windows program is cross-built with.
+packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools dpkg-dev)
+
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
   local missing=() package state
