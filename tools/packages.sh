@@ -2,7 +2,7 @@
 # shellcheck disable=SC2034
 # What a Debian 12 needs from its distribution; sourced by ./run and ./test.
 
-packages_build=(g++ cmake ninja-build ccache qt6-base-dev qt6-svg-dev libqscintilla2-qt6-dev)
+packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev)
 
 # Tests run without a display; they need fonts to lay out text, the two clang tools and what print tests read with.
 packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy fonts-dejavu-core poppler-utils procps)

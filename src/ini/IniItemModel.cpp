@@ -1,17 +1,18 @@
 #include "ini/IniItemModel.h"
 
 #include "shell/DisplayText.h"
+#include "shell/Icon.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tme {
 
 IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
     : TreeItemModel(tree, parent),
-      root_icon_(QStringLiteral(":/icons/ini-file.svg")),
-      section_icon_(QStringLiteral(":/icons/section.svg")),
-      entry_icon_(QStringLiteral(":/icons/entry.svg")),
-      comment_icon_(QStringLiteral(":/icons/comment.svg")) {
-  section_icon_.addFile(QStringLiteral(":/icons/section-open.svg"), {}, QIcon::Selected);
-}
+      root_icon_(Icon(u"ini-file"_s)),
+      section_icon_(Icon(u"section"_s, u"section-open"_s)),
+      entry_icon_(Icon(u"entry"_s)),
+      comment_icon_(Icon(u"comment"_s)) {}
 
 QVariant IniItemModel::data(const QModelIndex& index, int role) const {
   const IniNode* node = NodeOf(index);

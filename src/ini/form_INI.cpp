@@ -27,6 +27,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
+#include "shell/Icon.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -91,7 +92,7 @@ form_INI::~form_INI() = default;
 int form_INI::PreferredWidth() const { return TwipsToPixels(kOpenedWidth, logicalDpiX()); }
 
 void form_INI::BuildControls(QWidget& client) {
-  setWindowIcon(QIcon(u":/icons/ini-file.svg"_s));
+  setWindowIcon(Icon(u"ini-file"_s));
   model_ = std::make_unique<IniItemModel>(tree_);
   BuildTreeView(client);
   BuildButtons(client);

@@ -1,16 +1,17 @@
 #include "reg/RegKeyModel.h"
 
 #include "shell/DisplayText.h"
+#include "shell/Icon.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tme {
 
 RegKeyModel::RegKeyModel(RegDocument& document, QObject* parent)
     : TreeItemModel(document, parent),
-      file_icon_(QStringLiteral(":/icons/reg-file.svg")),
-      hive_icon_(QStringLiteral(":/icons/hive.svg")),
-      key_icon_(QStringLiteral(":/icons/key.svg")) {
-  key_icon_.addFile(QStringLiteral(":/icons/key-open.svg"), {}, QIcon::Normal, QIcon::On);
-}
+      file_icon_(Icon(u"reg-file"_s)),
+      hive_icon_(Icon(u"hive"_s)),
+      key_icon_(Icon(u"key"_s, {}, u"key-open"_s)) {}
 
 QVariant RegKeyModel::data(const QModelIndex& index, int role) const {
   const RegNode* node = NodeOf(index);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "shell/DisplayText.h"
+#include "shell/Icon.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,9 +12,9 @@ namespace tme {
 RegValueModel::RegValueModel(const RegDocument& document, QObject* parent)
     : QAbstractTableModel(parent),
       document_(document),
-      string_icon_(u":/icons/value-string.svg"_s),
-      dword_icon_(u":/icons/value-dword.svg"_s),
-      hex_icon_(u":/icons/value-hex.svg"_s) {}
+      string_icon_(Icon(u"value-string"_s)),
+      dword_icon_(Icon(u"value-dword"_s)),
+      hex_icon_(Icon(u"value-hex"_s)) {}
 
 void RegValueModel::ShowKey(const RegNode* node) {
   beginResetModel();

@@ -26,6 +26,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
+#include "shell/Icon.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -51,7 +52,7 @@ form_REG::form_REG(Global& global, int slot) : DocumentWindow(global, DocumentKi
 form_REG::~form_REG() = default;
 
 void form_REG::BuildControls(QWidget& client) {
-  setWindowIcon(QIcon(u":/icons/reg-file.svg"_s));
+  setWindowIcon(Icon(u"reg-file"_s));
   keys_ = std::make_unique<RegKeyModel>(document_);
   values_ = std::make_unique<RegValueModel>(document_);
 

@@ -1,7 +1,6 @@
 #include "shell/GlobalMenus.h"
 
 #include <QAction>
-#include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMetaMethod>
@@ -10,6 +9,7 @@
 #include "platform/Dialogs.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
+#include "shell/Icon.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -183,7 +183,7 @@ GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(
 void GlobalMenus::LoadIcons(const QString& menu_name) {
   for (const Row& row : kRows)
     if (row.icon && menu_name == QLatin1StringView(row.parent))
-      Action(QString::fromLatin1(row.name))->setIcon(QIcon(u":/icons/"_s + QLatin1StringView(row.icon) + u".svg"_s));
+      Action(QString::fromLatin1(row.name))->setIcon(Icon(QString::fromLatin1(row.icon)));
 }
 
 void GlobalMenus::Handle(const char* item_name, std::function<void()> handler) {

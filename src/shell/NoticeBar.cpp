@@ -1,10 +1,11 @@
 #include "shell/NoticeBar.h"
 
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QStyle>
 #include <QToolButton>
+
+#include "shell/Icon.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +23,7 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this))
   row->setContentsMargins(6, 3, 3, 3);
   auto* icon = new QLabel(this);
   const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
-  icon->setPixmap(QIcon(u":/icons/notice.svg"_s).pixmap(extent));
+  icon->setPixmap(Icon(u"notice"_s).pixmap(extent));
   row->addWidget(icon, 0, Qt::AlignTop);
 
   label_->setObjectName(u"notice_text"_s);

@@ -1,7 +1,6 @@
 #include "shell/Startup.h"
 
 #include <QApplication>
-#include <QIcon>
 #include <QTimer>
 #include <cstdio>
 
@@ -20,6 +19,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/History.h"
+#include "shell/Icon.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/SessionShutdown.h"
 #include "shell/mdform_TMEditor.h"
@@ -104,7 +104,7 @@ int Main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   // After the frame is on the screen, which need not wait for a picture.
-  QTimer::singleShot(0, &application, [] { QApplication::setWindowIcon(QIcon(u":/icons/tme.svg"_s)); });
+  QTimer::singleShot(0, &application, [] { QApplication::setWindowIcon(Icon(u"tme"_s)); });
   return RunFrame(application, registry, link, ShellUtilities().CommandLineTexts());
 }
 

@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QFileInfo>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
 #include <QToolBar>
@@ -13,6 +12,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
+#include "shell/Icon.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/RtfPad.h"
 #include "text/rtf/RtfReader.h"
@@ -44,7 +44,7 @@ Pad& form_RTF::EditingArea() { return *pad; }
 std::uint64_t form_RTF::Revision() const { return pad ? pad->Revision() : 0; }
 
 void form_RTF::BuildControls(QWidget& client) {
-  setWindowIcon(QIcon(u":/icons/rtf-file.svg"_s));
+  setWindowIcon(Icon(u"rtf-file"_s));
   BuildToolbar(client);
   pad = new RtfPad(&client);
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::TextChanged);
@@ -58,7 +58,7 @@ void form_RTF::BuildToolbar(QWidget& client) {
   Toolbar1->setAccessibleName(tr("Format"));
   Toolbar1->setIconSize({16, 16});
   const auto add = [this](const QString& tag, const QString& icon, const QString& name, const QString& tip) {
-    QAction* action = Toolbar1->addAction(QIcon(u":/icons/"_s + icon + u".svg"_s), name);
+    QAction* action = Toolbar1->addAction(Icon(icon), name);
     action->setData(tag);
     action->setToolTip(tip);
     QWidget* button = Toolbar1->widgetForAction(action);

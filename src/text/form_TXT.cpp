@@ -1,10 +1,10 @@
 #include "text/form_TXT.h"
 
-#include <QIcon>
 #include <QMdiSubWindow>
 
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
+#include "shell/Icon.h"
 #include "text/TextPad.h"
 
 using namespace Qt::StringLiterals;
@@ -37,7 +37,7 @@ Pad& form_TXT::EditingArea() { return *pad; }
 std::uint64_t form_TXT::Revision() const { return pad ? pad->Revision() : 0; }
 
 void form_TXT::BuildControls(QWidget& client) {
-  setWindowIcon(QIcon(u":/icons/txt-file.svg"_s));
+  setWindowIcon(Icon(u"txt-file"_s));
   pad = new TextPad(&client);
   connect(pad, &QsciScintillaBase::SCEN_CHANGE, this, [this] { Altered(true); });
   WatchPad(client);
