@@ -22,7 +22,12 @@ packages_display=(xvfb openbox xdotool x11-utils imagemagick)
 packages_accessibility=(xvfb openbox xdotool x11-utils dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0)
 
 # What the Windows program is cross-built with.
-packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools dpkg-dev)
+packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools dpkg-dev
+  librsvg2-bin imagemagick libgtest-dev libgmock-dev googletest)
+packages_windows_pack=(nsis zip)
+
+# What it is tested with: Wine, a display for it, and fonts that look like those of Windows.
+packages_windows_test=(wine wine64 xvfb openbox xdotool x11-utils imagemagick fonts-liberation fonts-wine python3)
 
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
