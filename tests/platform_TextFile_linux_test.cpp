@@ -5,7 +5,6 @@
 
 #include <QTemporaryDir>
 #include <algorithm>
-#include <cerrno>
 #include <fstream>
 #include <iterator>
 
@@ -39,30 +38,31 @@ class FailingSteps : public FileSteps {
   explicit FailingSteps(int failing_step) : left_(failing_step) {}
   bool HasFailed() const { return left_ <= 0; }
 
-  int OpenTemporary(const fs::path& path, unsigned mode, int& handle) override {
-    return Fails() ? ENOSPC : FileSteps::OpenTemporary(path, mode, handle);
+  std::error_code OpenTemporary(const fs::path& path, unsigned mode, FileHandle& handle) override {
+    return Fails() ? kFull : FileSteps::OpenTemporary(path, mode, handle);
   }
-  long Write(int handle, const char* data, std::size_t size, int& error) override {
-    error = (interrupted_ = !interrupted_) ? EINTR : Fails() ? ENOSPC : 0;
-    return error != 0 ? -1 : FileSteps::Write(handle, data, std::min<std::size_t>(size, 3), error);
+  std::error_code Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) override {
+    if (interrupted_ = !interrupted_; interrupted_) return std::make_error_code(std::errc::interrupted);
+    return Fails() ? kFull : FileSteps::Write(handle, data, std::min<std::size_t>(size, 3), written);
   }
-  int Flush(int handle) override { return Fails() ? ENOSPC : FileSteps::Flush(handle); }
-  int Close(int handle) override {
-    const int error = FileSteps::Close(handle);
-    EXPECT_EQ(error, 0) << "closed twice";
-    return Fails() ? ENOSPC : error;
+  std::error_code Flush(FileHandle handle) override { return Fails() ? kFull : FileSteps::Flush(handle); }
+  std::error_code Close(FileHandle handle) override {
+    const std::error_code error = FileSteps::Close(handle);
+    EXPECT_FALSE(error) << "closed twice";
+    return Fails() ? kFull : error;
   }
-  int Replace(const fs::path& from, const fs::path& to) override {
-    return Fails() ? ENOSPC : FileSteps::Replace(from, to);
+  std::error_code Replace(const fs::path& from, const fs::path& to) override {
+    return Fails() ? kFull : FileSteps::Replace(from, to);
   }
-  int FlushFolder(const fs::path& folder) override {
+  std::error_code FlushFolder(const fs::path& folder) override {
     folder_flush_failed = Fails();
-    return folder_flush_failed ? ENOSPC : FileSteps::FlushFolder(folder);
+    return folder_flush_failed ? kFull : FileSteps::FlushFolder(folder);
   }
 
   bool folder_flush_failed = false;
 
  private:
+  static inline const std::error_code kFull = std::make_error_code(std::errc::no_space_on_device);
   bool Fails() { return --left_ == 0; }
 
   int left_;
@@ -126,7 +126,9 @@ TEST_F(WriteFile, SaysWhyNot) {
     EXPECT_EQ(Get(In(name)), "failed: " + reason) << name;
   }
   class NoTemporary : public FileSteps {
-    int OpenTemporary(const fs::path& /*path*/, unsigned /*mode*/, int& /*handle*/) override { return EACCES; }
+    std::error_code OpenTemporary(const fs::path& /*path*/, unsigned /*mode*/, FileHandle& /*handle*/) override {
+      return std::make_error_code(std::errc::permission_denied);
+    }
   } steps;
   const auto put_new = [](const FilePart& put) { return put("new"); };
   EXPECT_EQ(Reason(WriteFileParts(In("new"), put_new, steps)), "The folder cannot be written: Permission denied");

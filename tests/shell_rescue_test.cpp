@@ -1,6 +1,6 @@
 #include <QApplication>
 #include <QDir>
-#include <cerrno>
+#include <algorithm>
 
 #include "Editor.h"
 #include "shell/GlobalMenus.h"
@@ -18,28 +18,33 @@ class FailingSteps : public FileSteps {
   FailingSteps(int failing_step, Folder folder) : left_(failing_step), folder_(folder) {}
   bool HasFailed() const { return left_ <= 0; }
 
-  int OpenExisting(const std::filesystem::path& path, int& handle) override {
-    return Fails() ? EIO : FileSteps::OpenExisting(path, handle);
+  std::error_code OpenExisting(const std::filesystem::path& path, FileHandle& handle) override {
+    return Fails() ? Error(std::errc::io_error) : FileSteps::OpenExisting(path, handle);
   }
-  int OpenTemporary(const std::filesystem::path& path, unsigned mode, int& handle) override {
-    if (folder_ == Folder::Refuses) return EACCES;
-    return Fails() ? ENOSPC : FileSteps::OpenTemporary(path, mode, handle);
+  std::error_code OpenTemporary(const std::filesystem::path& path, unsigned mode, FileHandle& handle) override {
+    if (folder_ == Folder::Refuses) return Error(std::errc::permission_denied);
+    return Fails() ? Error(std::errc::no_space_on_device) : FileSteps::OpenTemporary(path, mode, handle);
   }
-  long Write(int handle, const char* data, std::size_t size, int& error) override {
-    if (Fails()) return error = ENOSPC, -1;
-    return FileSteps::Write(handle, data, std::min<std::size_t>(size, 7), error);
+  std::error_code Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) override {
+    if (Fails()) return Error(std::errc::no_space_on_device);
+    return FileSteps::Write(handle, data, std::min<std::size_t>(size, 7), written);
   }
-  int Truncate(int handle, std::size_t size) override { return Fails() ? EIO : FileSteps::Truncate(handle, size); }
-  int Flush(int handle) override { return Fails() ? EIO : FileSteps::Flush(handle); }
-  int Close(int handle) override {
-    const int error = FileSteps::Close(handle);
-    return Fails() ? ENOSPC : error;
+  std::error_code Truncate(FileHandle handle, std::size_t size) override {
+    return Fails() ? Error(std::errc::io_error) : FileSteps::Truncate(handle, size);
   }
-  int Replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
-    return Fails() ? EIO : FileSteps::Replace(from, to);
+  std::error_code Flush(FileHandle handle) override {
+    return Fails() ? Error(std::errc::io_error) : FileSteps::Flush(handle);
+  }
+  std::error_code Close(FileHandle handle) override {
+    const std::error_code error = FileSteps::Close(handle);
+    return Fails() ? Error(std::errc::no_space_on_device) : error;
+  }
+  std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
+    return Fails() ? Error(std::errc::io_error) : FileSteps::Replace(from, to);
   }
 
  private:
+  static std::error_code Error(std::errc reason) { return std::make_error_code(reason); }
   bool Fails() { return --left_ == 0; }
   int left_;
   const Folder folder_;

@@ -20,6 +20,7 @@
 #include "platform/CodePage.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"

@@ -7,9 +7,9 @@
 
 #include "options/ShellIntegration.h"
 #include "options/ThunarActions_linux.h"
+#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
 #include "platform/TextFile.h"
-#include "shell/DocumentWindow.h"
 #include "shell/Settings.h"
 
 using namespace Qt::StringLiterals;

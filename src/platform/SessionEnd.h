@@ -5,8 +5,9 @@
 
 namespace tme {
 
-/// Tells when the system wants the program to end: the signals of a log-off or a kill (SIGTERM, SIGINT, SIGHUP) and the
-/// desktop's session manager. One for the process, after QApplication.
+/// Tells when the system wants the program to end: the desktop's session manager (on Windows the question that every
+/// window gets before a log-off or shutdown) and the signals of a log-off or a kill (SIGTERM, SIGINT, SIGHUP; none on
+/// Windows, where ending a program politely closes its frame). One for the process, after QApplication.
 class SessionEnd {
  public:
   /// Whether the user may still be asked.
@@ -21,6 +22,8 @@ class SessionEnd {
   SessionEnd& operator=(const SessionEnd&) = delete;
 
  private:
+  static void FollowSessionManager(const std::function<void(Questions questions)>& end);
+
   class Signals;
   std::unique_ptr<Signals> signals_;
 };

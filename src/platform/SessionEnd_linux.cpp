@@ -1,8 +1,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <QGuiApplication>
-#include <QSessionManager>
 #include <QSocketNotifier>
 #include <array>
 #include <cerrno>
@@ -67,16 +65,7 @@ class SessionEnd::Signals {
 };
 
 SessionEnd::SessionEnd(const std::function<void(Questions)>& end) : signals_(std::make_unique<Signals>(end)) {
-  // Its documents are not opened again at the next log-on, so the program is not started either.
-  const auto stay_away = [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); };
-  QObject::connect(qGuiApp, &QGuiApplication::saveStateRequest, qGuiApp, stay_away, Qt::DirectConnection);
-  const auto commit = [end, stay_away](QSessionManager& manager) {
-    stay_away(manager);
-    const bool allowed = manager.allowsInteraction();
-    end(allowed ? Questions::Allowed : Questions::Refused);
-    if (allowed) manager.release();
-  };
-  QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, qGuiApp, commit, Qt::DirectConnection);
+  FollowSessionManager(end);
 }
 
 SessionEnd::~SessionEnd() = default;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace tme {
 
@@ -48,25 +49,31 @@ struct FileFailure {
   std::string reason;
   /// A write got no temporary file, because the folder allows none; WriteFileInPlace may still work.
   bool folder_refused = false;
-  /// A write in place failed, and so did putting the old bytes back: the file holds neither these nor the new ones.
+  /// A write in place failed, and so did putting the old bytes back: the file holds neither these nor the new ones. Or
+  /// the system took the old file away and could not put the new one there, which is left beside it then (Windows).
   bool file_damaged = false;
 };
 
-/// The steps of a whole-or-nothing write, one virtual each, so that a test can fail at any of them. Each returns 0 or
-/// an errno value.
+/// An open file as the system numbers it: a file descriptor, on Windows a HANDLE.
+using FileHandle = std::intptr_t;
+inline constexpr FileHandle kNoFile = -1;
+
+/// The steps of a whole-or-nothing write, one virtual each, so that a test can fail at any of them. Each returns what
+/// went wrong, as the system numbers it; no error when all is well.
 class FileSteps {
  public:
   virtual ~FileSteps() = default;
-  virtual int OpenExisting(const std::filesystem::path& path, int& handle);
-  virtual int OpenTemporary(const std::filesystem::path& path, unsigned mode, int& handle);
-  /// May write fewer bytes than asked for, like write(2); returns how many, or -1 with `error` set.
-  virtual long Write(int handle, const char* data, std::size_t size, int& error);
+  virtual std::error_code OpenExisting(const std::filesystem::path& path, FileHandle& handle);
+  /// mode: of the new file; Windows gives it what its folder hands down.
+  virtual std::error_code OpenTemporary(const std::filesystem::path& path, unsigned mode, FileHandle& handle);
+  /// May write fewer bytes than asked for; `written` says how many.
+  virtual std::error_code Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written);
   /// Cuts an existing file to what was written into it.
-  virtual int Truncate(int handle, std::size_t size);
-  virtual int Flush(int handle);
-  virtual int Close(int handle);
-  virtual int Replace(const std::filesystem::path& from, const std::filesystem::path& to);
-  virtual int FlushFolder(const std::filesystem::path& folder);
+  virtual std::error_code Truncate(FileHandle handle, std::size_t size);
+  virtual std::error_code Flush(FileHandle handle);
+  virtual std::error_code Close(FileHandle handle);
+  virtual std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to);
+  virtual std::error_code FlushFolder(const std::filesystem::path& folder);
   virtual void Remove(const std::filesystem::path& path);
 };
 
@@ -92,9 +99,10 @@ using FilePart = std::function<bool(std::string_view)>;
 /// Hands over all parts of a file; false to give up, which leaves the target as it is.
 using PartProducer = std::function<bool(const FilePart&)>;
 
-/// Whole or not at all: a temporary file in the same folder with the target's permissions (and owner where allowed),
-/// written, flushed to disk, put in place; symbolic links are followed, a read-only target is refused. After a failure
-/// the target has its old bytes (or is absent as before) and no temporary file is left.
+/// Whole or not at all: a temporary file in the same folder with the target's permissions (and owner where allowed; on
+/// Windows its attributes, access list and alternate streams), written, flushed to disk, put in place; symbolic links
+/// are followed, a read-only target is refused. After a failure the target has its old bytes (or is absent as before)
+/// and no temporary file is left.
 std::optional<FileFailure> WriteFileParts(const std::filesystem::path& path, const PartProducer& produce,
                                           FileSteps& steps);
 /// Over the bytes of an existing file, for a folder that allows no temporary file. After a failure the old bytes are

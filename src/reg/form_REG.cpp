@@ -14,6 +14,7 @@
 #include <array>
 
 #include "platform/Dialogs.h"
+#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"

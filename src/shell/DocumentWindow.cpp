@@ -10,6 +10,7 @@
 
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/FilePath.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
 #include "shell/History.h"
@@ -288,7 +289,5 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
   // Hiding the frame's child is the shell's business, once the document is gone.
   event->setAccepted(tag_.isEmpty() || CloseDocument());
 }
-
-std::filesystem::path FilePath(const QString& path) { return path.toStdU16String(); }
 
 }  // namespace tme

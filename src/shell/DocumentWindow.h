@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QWidget>
-#include <filesystem>
 #include <functional>
 #include <optional>
 
@@ -17,9 +16,6 @@ namespace tme {
 struct DocumentSlot;
 struct Global;
 class NoticeBar;
-
-/// A path as the file layer takes it.
-std::filesystem::path FilePath(const QString& path);
 
 /// A document window of any kind. Twenty exist from the start, so construction does next to nothing: the controls are
 /// built when the window gets its first document, and the window is reused after its document is closed.

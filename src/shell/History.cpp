@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/FilePath.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tme {
@@ -23,8 +25,6 @@ const QString kBlobs = QStringLiteral("blobs");
 const QString kEnding = QStringLiteral(".json");
 
 constexpr std::array kReasonNames{"before-save", "not-saved", "before-restore", "rescued"};
-
-std::filesystem::path PathOf(const QString& path) { return path.toStdU16String(); }
 
 /// What makes two contents versions of one thing.
 bool SameOrigin(const ContentOrigin& a, const ContentOrigin& b) {
@@ -79,7 +79,7 @@ std::string ToBytes(const Record& record) {
 
 std::optional<Record> ReadRecord(const QFileInfo& file) {
   std::string bytes;
-  if (ReadFileBytes(PathOf(file.filePath()), bytes)) return std::nullopt;
+  if (ReadFileBytes(FilePath(file.filePath()), bytes)) return std::nullopt;
   const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(bytes)).object();
   Record record;
   record.id = file.completeBaseName();
@@ -109,7 +109,7 @@ QList<Record> ReadRecords(const QString& folder, const QString& mark = {}) {
 
 std::optional<FileFailure> WriteRecord(const QString& folder, const Record& record) {
   if (const auto failure = MakeFolder(folder)) return failure;
-  return WriteFileBytes(PathOf(folder + u'/' + record.id + kEnding), ToBytes(record));
+  return WriteFileBytes(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
 }
 
 QByteArray DigestOf(std::string_view content) {
@@ -163,12 +163,12 @@ std::optional<FileFailure> History::Store(std::string_view content, QByteArray& 
   digest = DigestOf(content);
   const QString path = BlobPath(digest);
   // One that was damaged is written anew.
-  if (std::string there; QFileInfo::exists(path) && !ReadFileBytes(PathOf(path), there) && there == content)
+  if (std::string there; QFileInfo::exists(path) && !ReadFileBytes(FilePath(path), there) && there == content)
     return std::nullopt;
   if (const auto failure = MakeFolder(folder_)) return failure;
   Claim();
   if (const auto failure = MakeFolder(QFileInfo(path).path())) return failure;
-  return WriteFileBytes(PathOf(path), content);
+  return WriteFileBytes(FilePath(path), content);
 }
 
 std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
@@ -184,9 +184,9 @@ std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason
 }
 
 std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptReason reason) {
-  if (!StampOf(PathOf(origin.path))) return std::nullopt;
+  if (!StampOf(FilePath(origin.path))) return std::nullopt;
   std::string bytes;
-  if (auto failure = ReadFileBytes(PathOf(origin.path), bytes)) return failure;
+  if (auto failure = ReadFileBytes(FilePath(origin.path), bytes)) return failure;
   return Keep(origin, reason, bytes);
 }
 
@@ -203,7 +203,7 @@ QList<KeptVersion> History::Versions(const std::optional<QString>& path) const {
 std::optional<std::string> History::Content(const QByteArray& digest) const {
   const std::scoped_lock lock(mutex_);
   std::string content;
-  if (ReadFileBytes(PathOf(BlobPath(digest)), content) || DigestOf(content) != digest) return std::nullopt;
+  if (ReadFileBytes(FilePath(BlobPath(digest)), content) || DigestOf(content) != digest) return std::nullopt;
   return content;
 }
 

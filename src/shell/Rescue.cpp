@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 
+#include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 

@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 
 #include "platform/CommonDialog.h"
+#include "platform/FilePath.h"
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"

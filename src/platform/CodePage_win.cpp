@@ -1,0 +1,104 @@
+#include <windows.h>
+
+#include <array>
+#include <limits>
+
+#include "base/Utf8.h"
+#include "platform/CodePage.h"
+#include "platform/CodePageTable_win.h"
+
+namespace tme {
+namespace {
+
+constexpr unsigned kLatinPage = 1252;
+constexpr char32_t kReplacement = 0xFFFD;
+
+const CodePageTable& SystemTable() {
+  static const CodePageTable table(SystemCodePage());
+  return table;
+}
+
+void Put(char32_t character, std::string& text) {
+  std::array<char, utf8::kMaxCharacterBytes> bytes;
+  text.append(bytes.data(), utf8::PutCharacter(character, bytes.data()));
+}
+
+void Put(std::wstring_view units, std::string& text) {
+  for (std::size_t at = 0; at < units.size(); ++at) {
+    char32_t character = units[at];
+    const bool pair = (character & 0xFC00) == 0xD800 && at + 1 < units.size() && (units[at + 1] & 0xFC00) == 0xDC00;
+    if (pair) character = 0x10000 + ((character & 0x3FF) << 10) + (static_cast<char32_t>(units[++at]) & 0x3FF);
+    Put(!pair && (character & 0xF800) == 0xD800 ? kReplacement : character, text);
+  }
+}
+
+/// Some pages take no flags (those with states among them) and convert what they can.
+DWORD StrictFlags(unsigned page) {
+  wchar_t unit = 0;
+  const bool strict = ::MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, "a", 1, &unit, 1) != 0 ||
+                      ::GetLastError() != ERROR_INVALID_FLAGS;
+  return strict ? MB_ERR_INVALID_CHARS : 0;
+}
+
+/// At most as many units as bytes. Empty when some bytes are no text of the page.
+std::wstring Converted(unsigned page, DWORD flags, std::string_view bytes) {
+  if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return {};
+  const int size = static_cast<int>(bytes.size());
+  std::wstring units(bytes.size(), L'\0');
+  const int count = ::MultiByteToWideChar(page, flags, bytes.data(), size, units.data(), size);
+  units.resize(static_cast<std::size_t>(count));
+  return units;
+}
+
+/// Takes one character off `bytes`; false when they begin none.
+bool TakeCharacter(unsigned page, const CPINFO& info, std::string_view& bytes, std::string& text) {
+  const bool is_lead = info.MaxCharSize == 2 && ::IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes[0])) != 0;
+  for (std::size_t size = is_lead ? 2 : 1; size <= info.MaxCharSize && size <= bytes.size(); ++size) {
+    const std::wstring units = Converted(page, MB_ERR_INVALID_CHARS, bytes.substr(0, size));
+    if (units.empty()) continue;
+    Put(units, text);
+    bytes.remove_prefix(size);
+    return true;
+  }
+  return false;
+}
+
+std::string FromUtf8(std::string_view bytes) {
+  std::string text;
+  while (!bytes.empty()) {
+    const auto character = utf8::TakeCharacter(bytes);
+    if (!character) bytes.remove_prefix(1);
+    Put(character.value_or(kReplacement), text);
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string BytesToUtf8(int code_page, std::string_view bytes) {
+  auto page = static_cast<unsigned>(code_page);
+  if (page == CP_UTF8) return FromUtf8(bytes);
+  CPINFO info{};
+  // Small numbers are no pages but names for the system's own, and one for the letters of symbol fonts.
+  if (page <= CP_SYMBOL || ::GetCPInfo(page, &info) == 0) {
+    page = kLatinPage;
+    ::GetCPInfo(page, &info);
+  }
+  const DWORD flags = StrictFlags(page);
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  Put(Converted(page, flags, bytes), text);
+  if (!text.empty() || bytes.empty() || flags == 0) return text;
+  while (!bytes.empty()) {
+    if (TakeCharacter(page, info, bytes, text)) continue;
+    Put(kReplacement, text);
+    bytes.remove_prefix(1);
+  }
+  return text;
+}
+
+std::string CodePageToUtf8(std::string_view bytes) { return SystemTable().ToUtf8(bytes); }
+
+std::optional<std::string> Utf8ToCodePage(std::string_view text) { return SystemTable().FromUtf8(text); }
+
+}  // namespace tme

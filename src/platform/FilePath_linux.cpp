@@ -1,0 +1,7 @@
+#include "platform/FilePath.h"
+
+namespace tme {
+
+std::filesystem::path FilePath(const QString& path) { return path.toStdU16String(); }
+
+}  // namespace tme

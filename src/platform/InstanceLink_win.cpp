@@ -1,0 +1,210 @@
+#include <windows.h>
+#include <sddl.h>
+
+#include <QString>
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/InstanceLink.h"
+
+namespace tme {
+namespace {
+
+/// Marks a window behind which a frame listens, so that a stale handle that another window got is known as such.
+constexpr const wchar_t* kFrameMark = L"TamarindEditor.Frame";
+
+HWND WindowOf(std::uint32_t handle) { return reinterpret_cast<HWND>(static_cast<ULONG_PTR>(handle)); }
+
+/// Text of the user's security identifier; empty when the system does not tell.
+std::wstring UserId() {
+  HANDLE token = nullptr;
+  if (::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &token) == 0) return {};
+  DWORD size = 0;
+  ::GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  std::vector<std::byte> bytes(size);
+  const bool known = ::GetTokenInformation(token, TokenUser, bytes.data(), size, &size) != 0;
+  ::CloseHandle(token);
+  wchar_t* text = nullptr;
+  if (!known || ::ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(bytes.data())->User.Sid, &text) == 0) return {};
+  std::wstring id(text);
+  ::LocalFree(text);
+  return id;
+}
+
+/// A frame whose window procedure is ours. Records are delivered one after the other: while `receive` runs, perhaps
+/// inside a message box's event loop, further ones queue up. Their senders are let go then, since this thread could not
+/// come back to the first before it has answered them.
+class HookedFrame {
+ public:
+  HookedFrame(HWND window, std::function<void(const CopyData&)> receive)
+      : window_(window), receive_(std::move(receive)) {}
+
+  bool Hook(WNDPROC procedure);
+  void Unhook();
+  void Take(const COPYDATASTRUCT& record);
+
+  HWND window() const { return window_; }
+  WNDPROC previous() const { return previous_; }
+
+ private:
+  void Deliver();
+
+  const HWND window_;
+  const std::function<void(const CopyData&)> receive_;
+  WNDPROC previous_ = nullptr;
+  std::deque<CopyData> waiting_;
+  bool hooked_ = false;
+  bool receiving_ = false;
+};
+
+/// The one of this process; shared with the procedure, which may run when the frame is unhooked.
+std::shared_ptr<HookedFrame> hooked_frame;
+/// Where messages go whose frame was unhooked while something stood before it in the window's chain of procedures.
+WNDPROC left_behind = nullptr;
+
+/// The frame's window procedure while it is hooked: takes what other launches send, and passes every message on.
+LRESULT CALLBACK FrameWindowProc(HWND window, UINT message, WPARAM w_param, LPARAM l_param) {
+  const std::shared_ptr<HookedFrame> frame = hooked_frame;
+  if (!frame || frame->window() != window) {
+    return left_behind ? ::CallWindowProcW(left_behind, window, message, w_param, l_param)
+                       : ::DefWindowProcW(window, message, w_param, l_param);
+  }
+  const WNDPROC previous = frame->previous();
+  if (message == WM_COPYDATA && l_param != 0) frame->Take(*reinterpret_cast<const COPYDATASTRUCT*>(l_param));
+  if (message == WM_NCDESTROY) frame->Unhook();
+  return ::CallWindowProcW(previous, window, message, w_param, l_param);
+}
+
+bool HookedFrame::Hook(WNDPROC procedure) {
+  DWORD process = 0;
+  ::GetWindowThreadProcessId(window_, &process);
+  if (process != ::GetCurrentProcessId()) return false;
+  previous_ = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window_, GWLP_WNDPROC));
+  if (previous_ == nullptr) return false;
+  hooked_ = ::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)) != 0;
+  if (hooked_) ::SetPropW(window_, kFrameMark, window_);
+  return hooked_;
+}
+
+void HookedFrame::Unhook() {
+  if (!std::exchange(hooked_, false)) return;
+  waiting_.clear();
+  ::RemovePropW(window_, kFrameMark);
+  const auto now = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window_, GWLP_WNDPROC));
+  if (now == FrameWindowProc) {
+    ::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous_));
+  } else {
+    left_behind = previous_;
+  }
+}
+
+void HookedFrame::Take(const COPYDATASTRUCT& record) {
+  if (!hooked_ || record.dwData > 0xFFFFFFFF) return;
+  // At most what the buffer of a command line holds, and never more than came.
+  const auto size = record.lpData ? std::min<DWORD>(record.cbData, kMaxCopyDataBytes) : 0;
+  waiting_.push_back({static_cast<std::uint32_t>(record.dwData),
+                      QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size))});
+  if (!receiving_) Deliver();
+}
+
+void HookedFrame::Deliver() {
+  receiving_ = true;
+  while (!waiting_.empty()) {
+    const CopyData record = std::move(waiting_.front());
+    waiting_.pop_front();
+    receive_(record);
+  }
+  receiving_ = false;
+}
+
+}  // namespace
+
+class InstanceLink::Endpoint {
+ public:
+  ~Endpoint() {
+    StopListening();
+    GiveUpClaim();
+  }
+
+  /// The claim is a named object of the log-on session, which goes with the last process that has it open.
+  bool Claim() {
+    if (claim_ != nullptr) return true;
+    const std::wstring name = LR"(Local\TamarindEditor-)" + UserId();
+    const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
+    if (mutex == nullptr) return true;  // nobody can be found out about: rather a second frame than none
+    if (::GetLastError() == ERROR_ALREADY_EXISTS) {
+      ::CloseHandle(mutex);
+      return false;
+    }
+    claim_ = mutex;
+    return true;
+  }
+
+  void GiveUpClaim() {
+    if (claim_ != nullptr) ::CloseHandle(std::exchange(claim_, nullptr));
+  }
+
+  bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
+    StopListening();
+    if (hooked_frame) return false;
+    auto frame = std::make_shared<HookedFrame>(WindowOf(handle), std::move(receive));
+    hooked_frame = frame;  // before the first message comes
+    if (!frame->Hook(FrameWindowProc)) {
+      hooked_frame.reset();
+      return false;
+    }
+    frame_ = std::move(frame);
+    return true;
+  }
+
+  void StopListening() {
+    if (!frame_) return;
+    frame_->Unhook();
+    frame_.reset();
+    hooked_frame.reset();
+  }
+
+ private:
+  HANDLE claim_ = nullptr;
+  std::shared_ptr<HookedFrame> frame_;
+};
+
+InstanceLink::InstanceLink() : endpoint_(std::make_unique<Endpoint>()) {}
+
+InstanceLink::~InstanceLink() = default;
+
+bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
+
+void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
+
+bool InstanceLink::Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
+  return endpoint_->Listen(handle, std::move(receive));
+}
+
+void InstanceLink::StopListening() { endpoint_->StopListening(); }
+
+bool InstanceLink::Send(std::uint32_t handle, const CopyData& record) {
+  const HWND window = WindowOf(handle);
+  if (::IsWindow(window) == 0 || ::GetPropW(window, kFrameMark) == nullptr) return false;
+  DWORD process = 0;
+  ::GetWindowThreadProcessId(window, &process);
+  ::AllowSetForegroundWindow(process);  // else the frame could only blink in the taskbar
+
+  std::array<char, kMaxCopyDataBytes> buffer{};
+  const qsizetype size = std::min<qsizetype>(record.data.size(), kMaxCopyDataBytes);
+  std::copy_n(record.data.constData(), size, buffer.data());
+  COPYDATASTRUCT message{record.dwData, static_cast<DWORD>(size), buffer.data()};
+  ::SetLastError(ERROR_SUCCESS);
+  // No time limit: the receiver may have a question to its user open. The result says nothing.
+  ::SendMessageW(window, WM_COPYDATA, reinterpret_cast<WPARAM>(::GetModuleHandleW(nullptr)),
+                 reinterpret_cast<LPARAM>(&message));
+  const DWORD error = ::GetLastError();
+  return error != ERROR_INVALID_WINDOW_HANDLE && error != ERROR_ACCESS_DENIED;
+}
+
+}  // namespace tme

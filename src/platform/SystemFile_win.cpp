@@ -1,0 +1,221 @@
+#include <windows.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "platform/SystemFile.h"
+#include "platform/SystemMessage_win.h"
+
+namespace tme {
+namespace {
+
+namespace fs = std::filesystem;
+using system_file::Failure;
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+/// Indexers and virus scanners hold a new file for a moment; for so long a replacement is tried again.
+constexpr int kReplaceTries = 10;
+constexpr DWORD kPauseMs = 50;
+
+std::error_code Error(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
+/// Of the call that failed just now.
+std::error_code LastError() { return Error(::GetLastError()); }
+/// Of a call that returns nonzero when all is well.
+std::error_code ResultOf(BOOL result) { return result != 0 ? std::error_code() : LastError(); }
+
+HANDLE Native(FileHandle handle) { return reinterpret_cast<HANDLE>(handle); }
+FileHandle Portable(HANDLE handle) { return reinterpret_cast<FileHandle>(handle); }
+
+class OwnedHandle {
+ public:
+  explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
+  OwnedHandle(const OwnedHandle&) = delete;
+  OwnedHandle& operator=(const OwnedHandle&) = delete;
+  ~OwnedHandle() {
+    if (*this) ::CloseHandle(handle_);
+  }
+  explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE get() const { return handle_; }
+  HANDLE release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
+
+ private:
+  HANDLE handle_;
+};
+
+/// The path as the system's calls take it at any length: what would not fit MAX_PATH, with room for a temporary name
+/// beside it, becomes a whole path behind "\\?\".
+std::wstring Native(const fs::path& path) {
+  constexpr std::size_t kShort = MAX_PATH - 32;
+  const std::wstring& given = path.native();
+  if (given.starts_with(LR"(\\?\)") || given.starts_with(LR"(\\.\)")) return given;
+  const DWORD room = ::GetFullPathNameW(given.c_str(), 0, nullptr, nullptr);
+  if (room <= kShort) return given;
+  std::wstring whole(room, L'\0');
+  const DWORD size = ::GetFullPathNameW(given.c_str(), room, whole.data(), nullptr);
+  if (size == 0 || size >= room) return given;
+  whole.resize(size);
+  return whole.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + whole.substr(1) : LR"(\\?\)" + whole;
+}
+
+HANDLE Open(const fs::path& path, DWORD access, DWORD disposition, DWORD flags = 0) {
+  return ::CreateFileW(Native(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr);
+}
+
+/// Opens what the path leads to without asking for its bytes, a folder too.
+HANDLE OpenToLook(const fs::path& path) {
+  return Open(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+}
+
+std::optional<FileFailure> RefuseUnlessRegular(HANDLE handle, BY_HANDLE_FILE_INFORMATION& info) {
+  if (::GetFileType(handle) != FILE_TYPE_DISK) return FileFailure{"Not a regular file"};
+  if (::GetFileInformationByHandle(handle, &info) == 0) return Failure(LastError());
+  if ((info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
+  return Failure(std::make_error_code(std::errc::is_a_directory));
+}
+
+std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
+
+/// Where a link leads; the path itself when it is none.
+std::error_code ResolveLink(HANDLE opened, fs::path& path) {
+  const DWORD attributes = ::GetFileAttributesW(Native(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
+  const DWORD room = ::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED);
+  std::wstring target(room, L'\0');
+  const DWORD size = ::GetFinalPathNameByHandleW(opened, target.data(), room, FILE_NAME_NORMALIZED);
+  if (size == 0) return LastError();
+  if (size >= room) return Error(ERROR_INSUFFICIENT_BUFFER);
+  target.resize(size);
+  path = target;
+  return {};
+}
+
+bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+}  // namespace
+
+std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned /*mode*/, FileHandle& handle) {
+  handle = Portable(Open(path, GENERIC_WRITE | FILE_WRITE_ATTRIBUTES, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
+  return handle != kNoFile ? std::error_code() : LastError();
+}
+
+std::error_code FileSteps::OpenExisting(const fs::path& path, FileHandle& handle) {
+  handle = Portable(Open(path, GENERIC_WRITE, OPEN_EXISTING));
+  return handle != kNoFile ? std::error_code() : LastError();
+}
+
+std::error_code FileSteps::Truncate(FileHandle handle, std::size_t size) {
+  LARGE_INTEGER end{};
+  end.QuadPart = static_cast<LONGLONG>(size);
+  if (::SetFilePointerEx(Native(handle), end, nullptr, FILE_BEGIN) == 0) return LastError();
+  return ResultOf(::SetEndOfFile(Native(handle)));
+}
+
+std::error_code FileSteps::Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) {
+  DWORD count = 0;
+  const std::error_code error = ResultOf(::WriteFile(Native(handle), data, static_cast<DWORD>(size), &count, nullptr));
+  written = count;
+  return error;
+}
+
+std::error_code FileSteps::Flush(FileHandle handle) { return ResultOf(::FlushFileBuffers(Native(handle))); }
+
+std::error_code FileSteps::Close(FileHandle handle) { return ResultOf(::CloseHandle(Native(handle))); }
+
+std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
+  constexpr DWORD kMove = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  const std::wstring replacement = Native(from), target = Native(to);
+  DWORD error = ERROR_SUCCESS;
+  for (int attempt = 0; attempt < kReplaceTries; ++attempt) {
+    if (attempt > 0) ::Sleep(kPauseMs);
+    // ReplaceFile may fail with the old file gone already; what is left to do then is what a new file needs, too.
+    const bool done = IsThere(target) ? ::ReplaceFileW(target.c_str(), replacement.c_str(), nullptr,
+                                                       REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0
+                                      : ::MoveFileExW(replacement.c_str(), target.c_str(), kMove) != 0;
+    if (done) return {};
+    error = ::GetLastError();
+    const bool may_pass = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+                          error == ERROR_UNABLE_TO_REMOVE_REPLACED || error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+    if (!may_pass) break;
+  }
+  return Error(error);
+}
+
+/// The file system's journal keeps names; Replace has asked for no more.
+std::error_code FileSteps::FlushFolder(const fs::path& /*folder*/) { return {}; }
+
+void FileSteps::Remove(const fs::path& path) { ::DeleteFileW(Native(path).c_str()); }
+
+std::optional<FileStamp> StampOf(const fs::path& path) {
+  constexpr std::int64_t kEpoch = 116'444'736'000'000'000;  // 1970, in the system's units of 100 ns since 1601
+  constexpr std::int64_t kUnit = 100;
+  const OwnedHandle file(OpenToLook(path));
+  BY_HANDLE_FILE_INFORMATION info{};
+  if (!file || RefuseUnlessRegular(file.get(), info)) return std::nullopt;
+  const FILETIME& time = info.ftLastWriteTime;
+  const auto units = static_cast<std::int64_t>(Joined(time.dwHighDateTime, time.dwLowDateTime));
+  return FileStamp{Joined(info.nFileSizeHigh, info.nFileSizeLow), (units - kEpoch) * kUnit,
+                   Joined(info.nFileIndexHigh, info.nFileIndexLow)};
+}
+
+namespace system_file {
+
+FileFailure Failure(const std::error_code& error) {
+  if (error.category() == std::system_category())
+    return FileFailure{SystemMessage(static_cast<unsigned long>(error.value()))};
+  return FileFailure{error.message()};
+}
+
+std::optional<FileFailure> OpenForReading(const fs::path& path, FileHandle& handle, std::uint64_t& size) {
+  // A folder would be refused without its reason.
+  OwnedHandle file(Open(path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_SEQUENTIAL_SCAN));
+  if (!file) return Failure(LastError());
+  BY_HANDLE_FILE_INFORMATION info{};
+  if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
+  size = Joined(info.nFileSizeHigh, info.nFileSizeLow);
+  handle = Portable(file.release());
+  return std::nullopt;
+}
+
+std::error_code Read(FileHandle handle, char* to, std::size_t room, std::size_t& count) {
+  DWORD result = 0;
+  const std::error_code error = ResultOf(::ReadFile(Native(handle), to, static_cast<DWORD>(room), &result, nullptr));
+  count = result;
+  return error;
+}
+
+void CloseReading(FileHandle handle) { ::CloseHandle(Native(handle)); }
+
+std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
+  target.path = path;
+  const OwnedHandle file(OpenToLook(path));
+  if (!file) {
+    const DWORD error = ::GetLastError();
+    // A link that leads nowhere is there itself.
+    if (error == ERROR_FILE_NOT_FOUND && !IsThere(Native(path))) return std::nullopt;
+    return Failure(Error(error));
+  }
+  BY_HANDLE_FILE_INFORMATION info{};
+  if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
+  if ((info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return FileFailure{"The file is read-only"};
+  if (const auto error = ResolveLink(file.get(), target.path)) return Failure(error);
+  // Putting another file in place needs no right to write this one, so the wish is asked for here.
+  if (!OwnedHandle(Open(target.path, GENERIC_WRITE, OPEN_EXISTING))) return Failure(LastError());
+  target.exists = true;
+  return std::nullopt;
+}
+
+/// Replace brings the access list, the alternate streams and the time of creation; hidden and system files stay such.
+void TakeOver(const fs::path& target, FileHandle temporary) {
+  const DWORD attributes = ::GetFileAttributesW(Native(target).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return;
+  FILE_BASIC_INFO info{};  // times of 0 stay as they are
+  info.FileAttributes = attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                                      FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
+  if (info.FileAttributes == 0) info.FileAttributes = FILE_ATTRIBUTE_NORMAL;
+  ::SetFileInformationByHandle(Native(temporary), FileBasicInfo, &info, sizeof info);
+}
+
+}  // namespace system_file
+}  // namespace tme
