@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <functional>
 #include <memory>
@@ -31,7 +32,7 @@ class Editor : public testing::Test {
   /// Whole path of a file with these bytes in the test's folder.
   QString File(const QString& name, const std::string& bytes);
   static std::string BytesOf(const QString& path);
-  QString InFolder(const QString& name) const { return folder_.filePath(name); }
+  QString InFolder(const QString& name) const { return QDir::toNativeSeparators(folder_.filePath(name)); }
 
   /// The tree as text, a line a node, indented by level; the selected node is marked with ">".
   static std::string Dump(const tme::IniTree& tree);

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <cstdio>
 
+#include "TestSystem.h"
+
 namespace {
 
 /// Points everything that a program takes from its surroundings into `home`, which is empty: no test sees the
@@ -46,11 +48,13 @@ int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
   if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
   const QTemporaryDir home(QDir::tempPath() + QStringLiteral("/tme-test-XXXXXX"));
-  if (!home.isValid() || !EnterHome(home.path())) {
+  if (!home.isValid() || !EnterHome(home.path()) || !EnterSystem(home.filePath(QStringLiteral("home")))) {
     std::fputs("tme_tests: cannot make a temporary home\n", stderr);
     return 1;
   }
   QLocale::setDefault(QLocale::c());
   const QApplication application(argc, argv);
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  LeaveSystem();
+  return result;
 }

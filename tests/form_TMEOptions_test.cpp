@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include "Editor.h"
+#include "TestSystem.h"
 #include "options/HelpTexts.h"
 #include "options/ShellIntegration.h"
 #include "shell/AutoSave.h"
@@ -127,15 +128,16 @@ TEST_F(OptionsDialog, AutoSaveTakesNumbersTo99) {
 }
 
 TEST_F(OptionsDialog, WhatCannotBeWrittenLeavesTheRest) {
-  const QString entry = QDir::homePath() + u"/.local/share/applications/tamarind-editor.desktop"_s;
-  ASSERT_TRUE(QDir().mkpath(entry));
+  ASSERT_TRUE(QDir().mkpath(SendToEntry()));
+  const auto failures = integration_.Set(ShellHook::SendTo, HookState::On);
+  ASSERT_EQ(failures.size(), 1U);
   Open();
   global_.settings.present = global_.settings.txt_present = false;
   Find<QCheckBox>("cb_SendTo").click();
   Find<QCheckBox>("cb_SEM").click();
   dialogs_.ExpectMsgBox(
       u"The integration into the file manager could not be changed completely. All other options are saved.\r\rSend To entry: "_s +
-          entry + u"\rIs a directory"_s,
+          failures[0].place + u'\r' + failures[0].reason,
       kProgramTitle, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
   Find("cmd_OK").click();
   EXPECT_FALSE(dialog_->isVisible());

@@ -1,6 +1,5 @@
 #include <QApplication>
 #include <QMdiSubWindow>
-#include <QProcess>
 #include <QScreen>
 #include <QTest>
 
@@ -83,31 +82,15 @@ TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   EXPECT_EQ(Ini(2).windowTitle(), u"b.ini");
 }
 
-TEST_F(Editor, SecondLaunchOpensInTheFirst) {
+TEST_F(Editor, HandedOverTextIsOpened) {
   const QString path = File(u"a.ini"_s, kIni);
   Start();
-  ASSERT_TRUE(link_.ClaimOnlyInstance());
-  QProcess second;
-  second.setWorkingDirectory(folder_.path());
-  second.start(QStringLiteral(TME_PROGRAM), {u"a.ini"_s});
-  while (second.state() != QProcess::NotRunning) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  EXPECT_EQ(second.exitCode(), 0);
-  EXPECT_EQ(Ini(0).Slot().path, path);
-
   ReceiveCommandLine(global_, {4, path.toUtf8() + '\0'});
-  EXPECT_EQ(Ini(1).Tag(), u"") << "not a command line";
+  EXPECT_EQ(Ini(0).Tag(), u"") << "not a command line";
   ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
-  EXPECT_EQ(Ini(1).Slot().path, path) << "cut at the zero byte";
+  EXPECT_EQ(Ini(0).Slot().path, path) << "cut at the zero byte";
   const QString odd_name = u"\xFEFF.ini"_s;
   EXPECT_EQ(CommandLineOf(CommandLineRecord(odd_name)), odd_name);
-
-  UnhookFrameWindow(global_);
-  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
-  ASSERT_TRUE(registry_.CreateKey(SettingsRoot));
-  second.start(QStringLiteral(TME_PROGRAM), {u"a.ini"_s});
-  ASSERT_TRUE(second.waitForFinished());
-  EXPECT_EQ(second.exitCode(), 1) << "nobody answers";
-  EXPECT_TRUE(second.readAllStandardError().contains("does not answer"));
 }
 
 TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {

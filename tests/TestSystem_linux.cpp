@@ -1,0 +1,11 @@
+#include <QDir>
+
+#include "TestSystem.h"
+
+bool EnterSystem(const QString& /*home*/) { return true; }
+
+QString SendToEntry() {
+  return QDir::homePath() + QStringLiteral("/.local/share/applications/tamarind-editor.desktop");
+}
+
+void LeaveSystem() {}

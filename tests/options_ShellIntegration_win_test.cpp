@@ -1,0 +1,32 @@
+#include <windows.h>
+
+#include <QDir>
+
+#include "Editor.h"
+#include "options/ShellIntegration.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+TEST_F(Editor, HooksAreOfThisCopyAndLeaveNothingBehind) {
+  const QString folder = QDir::toNativeSeparators(folder_.path());
+  const QString key = u"HKEY_CLASSES_ROOT\\*\\Shell\\Tamarind Editor"_s;
+  const QString own_key = u"HKEY_CURRENT_USER\\Software\\Classes\\*\\Shell\\Tamarind Editor"_s;
+  File(u"tme.exe"_s, "MZ");
+  ShellIntegration here(registry_, folder_.path() + u"/tme.exe"_s);
+  const ShellIntegration copy(registry_, u"C:\\copy\\tme.exe"_s);
+  for (const ShellHook hook : {ShellHook::SendTo, ShellHook::ContextMenu}) {
+    SCOPED_TRACE(static_cast<int>(hook));
+    for (int times = 0; times < 2; ++times) EXPECT_TRUE(here.Set(hook, HookState::On).empty());
+    EXPECT_EQ(here.State(hook), HookState::On);
+    EXPECT_EQ(copy.State(hook), HookState::Off) << "another copy";
+  }
+  EXPECT_EQ(registry_.ReadValue(key, {}), u"Tamarind Editor");
+  EXPECT_EQ(registry_.ReadValue(key + u"\\Command"_s, {}), folder + u"\\TME.EXE %1"_s);
+  registry_.WriteValue(own_key + u"\\Command"_s, {}, kTextType, u"left by a run without the right"_s);
+  for (const ShellHook hook : {ShellHook::SendTo, ShellHook::ContextMenu}) {
+    for (int times = 0; times < 2; ++times) EXPECT_TRUE(here.Set(hook, HookState::Off).empty());
+    EXPECT_EQ(here.State(hook), HookState::Off);
+  }
+  for (const QString& gone : {key, own_key}) EXPECT_EQ(registry_.ReadValue(gone + u"\\Command"_s, {}), u"");
+}

@@ -1,0 +1,53 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "platform/CommandLineTexts_win.h"
+#include "platform/ShellUtilities.h"
+
+namespace tme {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST(CommandLine, IsOneTextUnlessItHoldsQuotationMarks) {
+  const QString program = u"C:\\Program Files\\TME\\tme.exe"_s;
+  const struct {
+    const char* line;
+    QStringList texts;
+  } rows[] = {{"", {}},
+              {"tme", {}},
+              {"tme.exe  C:\\a b.ini D:\\c.txt ", {u"C:\\a b.ini D:\\c.txt"_s}},
+              {"\"C:\\Program Files\\TME\\tme.exe\" C:\\a b.ini", {u"C:\\a b.ini"_s}},
+              {"C:\\Program Files\\TME\\TME.EXE C:\\a b.ini", {u"C:\\a b.ini"_s}},
+              {"C:\\Program Files\\TME\\TME.EXE", {}},
+              {"tme \"C:\\a b.ini\" C:\\c.ini", {u"C:\\a b.ini"_s, u"C:\\c.ini"_s}},
+              {"tme C:\\x.ini \"C:\\a\\\\\" \"\" \"half", {u"C:\\x.ini"_s, u"C:\\a\\"_s, u"half"_s}},
+              {"\"tme", {}}};
+  for (const auto& [line, texts] : rows) EXPECT_EQ(CommandLineTexts(QString::fromUtf8(line), program), texts) << line;
+}
+
+TEST(CommandLine, NamesExistingFilesWhole) {
+  const QTemporaryDir folder;
+  const QString before = QDir::currentPath();
+  QDir::setCurrent(folder.path());
+  QFile file(u"a b.ini"_s);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  const QString whole = QDir::toNativeSeparators(QDir::currentPath()) + u"\\a b.ini"_s;
+  for (const QString& line : {u"tme a b.ini"_s, u"tme \"a b.ini\""_s})
+    EXPECT_EQ(CommandLineTexts(line, {}), QStringList{whole});
+  EXPECT_TRUE(ShellUtilities().IsRooted(whole) && !ShellUtilities().IsRooted(u"a b.ini"_s));
+  file.close();
+  QDir::setCurrent(before);
+}
+
+TEST(CommandLine, SystemFoldersAreThere) {
+  const ShellUtilities shell;
+  for (const QString& folder : {shell.WindowsDirectory(), shell.LastResortFolder(), shell.ProgramFolder()})
+    EXPECT_TRUE(QFileInfo(folder).isDir() && shell.IsRooted(folder)) << folder.toStdString();
+}
+
+}  // namespace
+}  // namespace tme
