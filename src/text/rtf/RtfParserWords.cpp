@@ -18,6 +18,11 @@ constexpr std::int32_t kMaxFontNumber = 65'535;
 constexpr std::size_t kMaxNameBytes = 256;
 constexpr int kMaxUnicodeSkip = 255;
 
+std::string InBraces(std::string_view word) {
+  std::string text("{");
+  return text.append(word).append("}");
+}
+
 }  // namespace
 
 /// The control word as it came, without the blank that ended it.
@@ -118,13 +123,13 @@ bool Parser::ReadTextWord(const ControlWord& word) {
       is_first_section_ = false;
       return true;
     case Control::InvisibleMark:
-      if (reading_ == Reading::Document) KeepInvisible("{" + std::string(RawWord()) + "}");
+      if (reading_ == Reading::Document) KeepInvisible(InBraces(RawWord()));
       return true;
     case Control::DynamicText: {
       if (reading_ == Reading::Label) return true;
       const bool is_number = word.name == "chpgn" || word.name == "sectnum";
       const std::string_view label = is_number ? "Number" : word.name == "chtime" ? "Time" : "Date";
-      AddObject(ObjectKind::Placeholder, "{" + std::string(RawWord()) + "}", std::string(label));
+      AddObject(ObjectKind::Placeholder, InBraces(RawWord()), std::string(label));
       return true;
     }
     default:
