@@ -71,9 +71,9 @@ QString RegistryAccess::ReadValue(const QString& key, const QString& name) const
   std::wstring text(256, L'\0');
   while (true) {
     auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    // A text with the names of environment variables comes with these filled in.
-    const LSTATUS status = ::RegGetValueW(place->hive, place->path.c_str(), value.c_str(),
-                                          RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ, nullptr, text.data(), &bytes);
+    // A text with the names of environment variables is one of this kind too, with these filled in.
+    const LSTATUS status =
+        ::RegGetValueW(place->hive, place->path.c_str(), value.c_str(), RRF_RT_REG_SZ, nullptr, text.data(), &bytes);
     if (status == ERROR_MORE_DATA) {
       text.resize(2 * text.size() + bytes / sizeof(wchar_t));
       continue;
