@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <QStringList>
 #include <string_view>
 
 #include "platform/RegistryAccess.h"
