@@ -24,6 +24,14 @@ packages_accessibility=(xvfb openbox xdotool x11-utils dbus at-spi2-core python3
 # What the Windows program is cross-built with.
 packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools dpkg-dev)
 
+# What the Debian package is made and examined with; the second list tries it on a system of its own.
+packages_deb=(librsvg2-bin file dpkg-dev gzip lintian appstream desktop-file-utils shared-mime-info)
+packages_deb_check=(debootstrap xvfb xdotool)
+
+# The Windows installer's maker, and what tries it.
+packages_windows_installer=(nsis)
+packages_windows_check=(wine wine64 xvfb xdotool)
+
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
   local missing=() package state
