@@ -1,6 +1,6 @@
 ; The Windows installer, for this user alone and without administrator rights:
-;   makensis -DVERSION=1.2.3 -DPAYLOAD=folder -DOUTPUT=setup.exe [-DICON=tme.ico] installer.nsi
-; PAYLOAD holds tme.exe and all that belongs to it.
+;   makensis -DVERSION=1.2.3 -DPAYLOAD=folder -DOUTPUT=setup.exe [-DICON=tme.ico] [-DPICTURE=side.bmp] installer.nsi
+; PAYLOAD holds tme.exe and all that belongs to it. PICTURE (164 x 314) stands beside the last page.
 ;
 ; /S installs and uninstalls without a window; /D=folder, last and without quotes, says where to. Ends with 0 when done
 ; and with 2 when nothing was changed, because the editor runs and has questions that nobody answered.
@@ -42,6 +42,9 @@ VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 !ifdef ICON
   !define MUI_ICON "${ICON}"
   !define MUI_UNICON "${ICON}"
+!endif
+!ifdef PICTURE
+  !define MUI_WELCOMEFINISHPAGE_BITMAP "${PICTURE}"
 !endif
 !define MUI_ABORTWARNING
 !define MUI_COMPONENTSPAGE_SMALLDESC
