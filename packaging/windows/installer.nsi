@@ -1,6 +1,6 @@
 ; The Windows installer, for this user alone and without administrator rights:
 ;   makensis -DVERSION=1.2.3 -DPAYLOAD=folder -DOUTPUT=setup.exe [-DICON=tme.ico] [-DPICTURE=side.bmp] installer.nsi
-; PAYLOAD holds tme.exe and all that belongs to it. PICTURE (164 x 314) stands beside the last page.
+; All paths are absolute. PAYLOAD holds tme.exe and all that belongs to it. PICTURE (164 x 314) stands beside the last page.
 ;
 ; /S installs and uninstalls without a window; /D=folder, last and without quotes, says where to. Ends with 0 when done
 ; and with 2 when nothing was changed, because the editor runs and has questions that nobody answered.
@@ -59,7 +59,7 @@ VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 
 ; The uninstaller takes away these files and folders, innermost first, and no others.
 !tempfile LIST
-!system `"${__FILEDIR__}/uninstall_list" "${PAYLOAD}" > "${LIST}"` = 0
+!system `"./uninstall_list" "${PAYLOAD}" > "${LIST}"` = 0
 
 ; Leaves the section when the program in $INSTDIR runs and does not end. Never ends it by force: it may hold what was
 ; not saved.
