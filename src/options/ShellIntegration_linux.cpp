@@ -88,7 +88,7 @@ std::vector<HookFile> SendToFiles(const QString& program) {
       ExecLine(program) + "Icon=" + kIntegrationId + "\nTerminal=false\nStartupWMClass=TamarindEditor\n";
   // INI files have a type of their own where the package or Wine is; elsewhere they are plain text.
   const QByteArray types =
-      "Categories=Qt;Utility;TextEditor;\n"
+      "Categories=Qt;Utility;TextEditor;\nKeywords=INI;REG;RTF;registry;configuration;notes;\n"
       "MimeType=text/plain;text/x-ini-file;application/x-wine-extension-ini;text/x-ms-regedit;application/rtf;"
       "text/rtf;\n";
   return {{data + u"/applications/"_s + id + u".desktop"_s, entry + types},
