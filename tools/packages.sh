@@ -28,8 +28,7 @@ packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-
 packages_deb=(librsvg2-bin file dpkg-dev gzip lintian appstream desktop-file-utils shared-mime-info)
 packages_deb_check=(debootstrap xvfb xdotool)
 
-# The Windows installer's maker, and what tries it.
-packages_windows_installer=(nsis)
+# What tries the Windows installer.
 packages_windows_check=(wine wine64 xvfb xdotool)
 
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
