@@ -213,12 +213,17 @@ FunctionEnd
   DeleteRegKey /ifempty HKCU "Software\Classes\${extension}"
 !macroend
 
+!macro REMOVE_COMMAND root
+  ReadRegStr $0 ${root} "${CONTEXT_MENU}\Command" ""
+  ${If} $0 == "$INSTDIR\tme.exe %1"
+    DeleteRegKey ${root} "${CONTEXT_MENU}"
+  ${EndIf}
+!macroend
+
 ; The hooks that the user switched on in the options, when it is this copy that they start.
 Function un.RemoveHooks
-  ReadRegStr $0 HKCU "${CONTEXT_MENU}\Command" ""
-  ${If} $0 == "$INSTDIR\tme.exe %1"
-    DeleteRegKey HKCU "${CONTEXT_MENU}"
-  ${EndIf}
+  !insertmacro REMOVE_COMMAND HKCU
+  !insertmacro REMOVE_COMMAND HKLM ; where an administrator's editor puts it
   ${If} ${FileExists} "$SENDTO\${NAME}.lnk"
     StrCpy $3 ""
     ; IShellLink, its IPersistFile::Load, and then IShellLink::GetPath
