@@ -76,6 +76,14 @@ TEST_F(Integration, ProgramOfAnyNameIsStarted) {
     EXPECT_TRUE(ReadFile(path).contains(exec)) << ReadFile(path).toStdString();
 }
 
+TEST_F(Integration, EntrySaysWhatThePackagesSays) {
+  ShellIntegration(registry_, u"/opt/tme"_s).Set(ShellHook::SendTo, HookState::On);
+  const QString folder = QDir::cleanPath(QStringLiteral(TME_FIXTURES "/../../packaging/linux"));
+  QByteArray packaged = ReadFile(folder + u"/tamarind-editor.desktop"_s);
+  packaged.replace("Exec=tme %F\n", "Exec=\"/opt/tme\" %F\n");
+  EXPECT_EQ(ReadFile(entry_).toStdString(), packaged.toStdString());
+}
+
 TEST_F(Integration, FailureIsNamedAndTheRestIsDone) {
   ASSERT_TRUE(QDir().mkpath(entry_));
   WriteFile(home_ + u"/.local/share/nautilus"_s, "in the way");

@@ -29,6 +29,12 @@ packages_windows_pack=(nsis zip)
 # What it is tested with: Wine, a display for it, and fonts that look like those of Windows.
 packages_windows_test=(wine wine64 xvfb openbox xdotool x11-utils imagemagick fonts-liberation fonts-wine python3)
 
+# What the Debian package is made and examined with; the second list tries it on a system of its own.
+packages_deb=(librsvg2-bin file dpkg-dev gzip lintian appstream desktop-file-utils shared-mime-info)
+packages_deb_check=(debootstrap xvfb xdotool)
+
+# What tries the Windows installer.
+
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
   local missing=() package state

@@ -79,16 +79,18 @@ QByteArray Resource(const QString& name) {
 }
 
 /// The first is the one that the state is read from: desktop entry ("Open With"), its icon, Thunar's Send To menu.
+/// The entry says what the package's says (packaging/linux/tamarind-editor.desktop), whose place it takes.
 std::vector<HookFile> SendToFiles(const QString& program) {
   const QString id = QLatin1StringView(kIntegrationId), data = DataFolder();
   const QByteArray entry =
       "[Desktop Entry]\nType=Application\nVersion=1.0\nName=Tamarind Editor\nGenericName=Text Editor\n"
       "Comment=Edit INI, registry, text and rich-text files\n" +
-      ExecLine(program) + "Icon=" + kIntegrationId + "\nTerminal=false\n";
-  // INI files have a type of their own only where Wine is; elsewhere they are plain text.
+      ExecLine(program) + "Icon=" + kIntegrationId + "\nTerminal=false\nStartupWMClass=TamarindEditor\n";
+  // INI files have a type of their own where the package or Wine is; elsewhere they are plain text.
   const QByteArray types =
-      "Categories=Qt;Utility;TextEditor;\n"
-      "MimeType=text/plain;application/x-wine-extension-ini;text/x-ms-regedit;application/rtf;text/rtf;\n";
+      "Categories=Qt;Utility;TextEditor;\nKeywords=INI;REG;RTF;registry;configuration;notes;\n"
+      "MimeType=text/plain;text/x-ini-file;application/x-wine-extension-ini;text/x-ms-regedit;application/rtf;"
+      "text/rtf;\n";
   return {{data + u"/applications/"_s + id + u".desktop"_s, entry + types},
           {data + u"/icons/hicolor/scalable/apps/"_s + id + u".svg"_s, Resource(u":/icons/tme.svg"_s)},
           {data + u"/Thunar/sendto/"_s + id + u".desktop"_s, entry}};

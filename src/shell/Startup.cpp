@@ -90,6 +90,8 @@ int Main(int argc, char** argv) {
     if (argument == "--help") return std::fputs(kHelp, stdout) < 0;
     if (argument == "--version") return std::puts("Tamarind Editor " TME_VERSION) < 0;
   }
+  // Desktops find the icon of a window by the name of the desktop entry.
+  QGuiApplication::setDesktopFileName(u"tamarind-editor"_s);
   // A launch that only hands over needs no display and no fonts.
   QCoreApplication::setApplicationName(u"TamarindEditor"_s);
   QCoreApplication::setApplicationVersion(QStringLiteral(TME_VERSION));
