@@ -31,7 +31,9 @@ TEST_F(WriteFile, KeepsAttributesAndStreams) {
   EXPECT_EQ(Get(path), "newer");
   EXPECT_NE(StampOf(path), before);
   EXPECT_EQ(::GetFileAttributesW(path.c_str()) & kAttributes, kAttributes);
-  if (has_streams) EXPECT_EQ(Get(path.native() + L":note"), "kept");
+  if (has_streams) {
+    EXPECT_EQ(Get(path.native() + L":note"), "kept");
+  }
   EXPECT_EQ(FilesInFolder(), files);
 }
 

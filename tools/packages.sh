@@ -33,8 +33,6 @@ packages_windows_test=(wine wine64 xvfb openbox xdotool x11-utils imagemagick fo
 packages_deb=(librsvg2-bin file dpkg-dev gzip lintian appstream desktop-file-utils shared-mime-info)
 packages_deb_check=(debootstrap xvfb xdotool)
 
-# What tries the Windows installer.
-
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
   local missing=() package state
