@@ -1,11 +1,13 @@
 #include <QApplication>
 #include <QDir>
 #include <cerrno>
+#include <filesystem>
 #include <map>
 
 #include "Editor.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
+#include "shell/NoticeBar.h"
 #include "shell/Rescue.h"
 
 using namespace tme;
@@ -89,6 +91,7 @@ const Kind kRows[] = {
 class RescueTest : public Editor {
  protected:
   DocumentWindow& Window(DocumentKind kind, int slot = 0) { return *global_.documents.At(kind, slot).window; }
+  static QString Notice(const DocumentWindow& window) { return window.findChild<NoticeBar*>()->Text(); }
   bool HistoryHolds(const std::string& content) const {
     for (const KeptVersion& version : history_.Versions())
       if (history_.Content(version.digest) == content) return true;
@@ -227,4 +230,93 @@ TEST_F(RescueTest, OpeningAndClosingKeepsNothing) {
   frame_->UnsavedContent().Look(Rescue::Clock::now());
   for (const Kind& row : kRows) Window(row.kind).FileClose();
   EXPECT_FALSE(QDir(history_.Folder()).exists());
+}
+
+TEST_F(RescueTest, ASavedDocumentIsNotAsideAnyMore) {
+  Start();
+  Rescue& rescue = frame_->UnsavedContent();
+  auto now = Rescue::Clock::now();
+  for (const bool on_its_way : {false, true})
+    for (const Kind& row : kRows) {
+      const QString path = File(QString::fromLatin1(row.name), row.old_bytes);
+      DocumentWindow& window = Window(row.kind);
+      window.ShowKept({row.kind, path, u"a"_s}, row.new_bytes);
+      common_dialog_.filter_index = 1;
+      rescue.Look(now += std::chrono::hours(1));
+      if (!on_its_way) {
+        rescue.WaitForDisk();
+        EXPECT_EQ(history_.Aside().size(), 1) << row.name;
+      }
+      QMetaObject::invokeMethod(&window, row.save);
+      rescue.WaitForDisk();
+      QApplication::processEvents();
+      EXPECT_TRUE(history_.Aside().isEmpty()) << row.name << on_its_way;
+      window.FileClose();
+    }
+}
+
+TEST_F(RescueTest, AStoreThatCannotBeWrittenStopsNoSave) {
+  File(u"history"_s, "a file where the folder should be");
+  Start();
+  for (const Kind& row : kRows) {
+    const QString path = File(QString::fromLatin1(row.name), row.old_bytes);
+    DocumentWindow& window = Window(row.kind);
+    window.ShowKept({row.kind, path, u"a"_s}, row.new_bytes);
+    frame_->UnsavedContent().Look(Rescue::Clock::now());
+    frame_->UnsavedContent().WaitForDisk();
+    common_dialog_.filter_index = 1;
+    QMetaObject::invokeMethod(&window, row.save);
+    EXPECT_NE(BytesOf(path), row.old_bytes);
+    EXPECT_FALSE(window.IsTouched());
+    EXPECT_TRUE(Notice(window).contains(u"could not be kept in the history"_s)) << row.name;
+    window.PutContent(row.old_bytes);
+    dialogs_.AnswerAll(MsgAnswer::No);
+    window.FileClose();
+    EXPECT_EQ(window.Tag(), u"") << "nor a close";
+  }
+}
+
+TEST_F(RescueTest, AChangeOnTheDiskIsToldOnceAndKept) {
+  const QString path = File(u"a.txt"_s, "old");
+  Start({path});
+  DocumentWindow& window = Window(DocumentKind::Txt);
+  const auto count = [&](const QString& words) { return Notice(window).count(words); };
+  const QString changed = u"was changed on the disk"_s, gone = u"no longer on the disk"_s;
+  window.Form_Activate();
+  EXPECT_EQ(Notice(window), u"");
+  // What another program does, and which notices stand after it.
+  const struct {
+    const char* content;
+    qsizetype changed, gone;
+  } rows[] = {{"theirs", 1, 0}, {nullptr, 0, 1}, {"theirs again", 1, 0}};
+  for (const auto& row : rows) {
+    if (row.content)
+      File(u"a.txt"_s, row.content);
+    else
+      QFile::remove(path);
+    for (int times = 0; times < 2; ++times) window.Form_Activate();
+    EXPECT_EQ(count(changed), row.changed);
+    EXPECT_EQ(count(gone), row.gone);
+    window.findChild<NoticeBar*>()->Clear();
+    window.Form_Activate();
+    EXPECT_EQ(Notice(window), u"") << "put away, it stays away";
+  }
+  window.PutContent("mine");
+  QMetaObject::invokeMethod(&window, "SaveFile");
+  EXPECT_EQ(count(u"that content is kept"_s), 1);
+  EXPECT_TRUE(HistoryHolds("theirs again"));
+
+  // As long as ours, and with our time: only the bytes tell.
+  const auto time = std::filesystem::last_write_time(path.toStdU16String());
+  File(u"a.txt"_s, "evil");
+  std::filesystem::last_write_time(path.toStdU16String(), time);
+  window.PutContent("mine 2");
+  QMetaObject::invokeMethod(&window, "SaveFile");
+  EXPECT_EQ(count(u"that content is kept"_s), 1);
+  EXPECT_TRUE(HistoryHolds("evil"));
+  const auto kept = history_.Versions().size();
+  window.PutContent("mine 3");
+  QMetaObject::invokeMethod(&window, "SaveFile");
+  EXPECT_EQ(history_.Versions().size(), kept) << "what was ours needs no keeping";
+  EXPECT_EQ(Notice(window), u"");
 }
