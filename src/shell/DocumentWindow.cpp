@@ -174,7 +174,7 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
 void DocumentWindow::CheckDisk() {
   if (!disk_stamp_ || Slot().path.isEmpty()) return;
   const std::optional<FileStamp> now = StampOf(FilePath(Slot().path));
-  if (now == disk_stamp_ || told_stamp_ == now) return;
+  if (now == disk_stamp_ || (told_stamp_ && *told_stamp_ == now)) return;
   told_stamp_ = now;
   AddNotice(
       now ? tr("The file was changed on the disk after it was opened here. A save replaces that content; Tools, File "
