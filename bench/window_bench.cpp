@@ -6,6 +6,7 @@
 #include <QMdiArea>
 #include <QTemporaryDir>
 #include <QTreeView>
+#include <chrono>
 #include <fstream>
 
 #include "IniInput.h"
@@ -19,7 +20,9 @@
 #include "shell/Global.h"
 #include "shell/History.h"
 #include "shell/OpenDispatch.h"
+#include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
+#include "text/form_TXT.h"
 
 namespace tme {
 namespace {
@@ -34,6 +37,7 @@ struct Editor {
   History history{history_folder.path()};
   Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
   mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
+                          if (kind == DocumentKind::Txt) return new form_TXT(global, slot);
                           return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
                         }};
 };
@@ -106,6 +110,118 @@ void BM_BareFrame(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_BareFrame)->Unit(benchmark::kMillisecond);
+
+/// A changed document of 100 MB of text, or of a million entries.
+DocumentWindow& LargeDocument(Editor& editor, DocumentKind kind, const QString& path = {}) {
+  std::string content;
+  if (kind == DocumentKind::Ini) {
+    content = MakeIniInput(20'000, 50);
+  } else {
+    while (content.size() < 100'000'000) content += "A line of the length that lines have, give or take.\r\n";
+  }
+  DocumentWindow& window = *editor.global.documents.At(kind, 0).window;
+  window.ShowKept({kind, path, QStringLiteral("large")}, std::move(content));
+  return window;
+}
+
+void BM_Content(benchmark::State& state, DocumentKind kind) {
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  DocumentWindow& window = LargeDocument(editor, kind);
+  for (auto _ : state) benchmark::DoNotOptimize(window.Content());
+}
+BENCHMARK_CAPTURE(BM_Content, text, DocumentKind::Txt)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Content, ini, DocumentKind::Ini)->Unit(benchmark::kMillisecond);
+
+/// A save of what this document wrote before.
+void BM_Save(benchmark::State& state, DocumentKind kind) {
+  const QTemporaryDir folder;
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  DocumentWindow& window = LargeDocument(editor, kind, folder.filePath(QStringLiteral("large")));
+  for (auto _ : state) QMetaObject::invokeMethod(&window, "SaveFile");
+}
+BENCHMARK_CAPTURE(BM_Save, text, DocumentKind::Txt)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Save, ini, DocumentKind::Ini)->Unit(benchmark::kMillisecond);
+
+/// How long the window waits for the look that takes a snapshot, and for a save's "no rescue any more" while the
+/// snapshot is on its way to the disk.
+void BM_Snapshot(benchmark::State& state, DocumentKind kind) {
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  DocumentWindow& window = LargeDocument(editor, kind);
+  Rescue& rescue = editor.frame.UnsavedContent();
+  for (auto _ : state) {
+    rescue.Look(Rescue::Clock::now());
+    rescue.Forget(&window);
+    state.PauseTiming();
+    rescue.WaitForDisk();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK_CAPTURE(BM_Snapshot, text, DocumentKind::Txt)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Snapshot, ini, DocumentKind::Ini)->Unit(benchmark::kMillisecond);
+
+/// Half an hour of steady work on a large document, a look every two seconds: the part of it that the window waited.
+void BM_SnapshotShare(benchmark::State& state, DocumentKind kind) {
+  using Seconds = std::chrono::duration<double>;
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  DocumentWindow& window = LargeDocument(editor, kind);
+  Rescue& rescue = editor.frame.UnsavedContent();
+  constexpr std::chrono::minutes kWork{30};
+  for (auto _ : state) {
+    Rescue::Clock::duration waited{};
+    const auto start = Rescue::Clock::now();
+    for (auto now = start; now < start + kWork; now += std::chrono::seconds(2)) {
+      if (kind == DocumentKind::Txt)
+        QMetaObject::invokeMethod(&window, "EditTimeDate");
+      else
+        const_cast<IniTree&>(static_cast<form_INI&>(window).Tree()).AddSection("B");
+      const auto look = Rescue::Clock::now();
+      rescue.Look(now);
+      waited += Rescue::Clock::now() - look;
+      rescue.WaitForDisk();
+    }
+    state.counters["percent"] = 100 * Seconds(waited) / Seconds(kWork);
+  }
+}
+BENCHMARK_CAPTURE(BM_SnapshotShare, text, DocumentKind::Txt)->Unit(benchmark::kSecond)->Iterations(1);
+BENCHMARK_CAPTURE(BM_SnapshotShare, ini, DocumentKind::Ini)->Unit(benchmark::kSecond)->Iterations(1);
+
+/// A store of 2,000 versions of 100 files.
+class Store : public benchmark::Fixture {
+ public:
+  void SetUp(benchmark::State& /*state*/) override {
+    for (; count_ < 2'000; ++count_) history_.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
+  }
+
+ protected:
+  static ContentOrigin OriginOf(int number) {
+    return {DocumentKind::Txt, QStringLiteral("/folder/file %1").arg(number % 100), QStringLiteral("file")};
+  }
+  const QTemporaryDir folder_;
+  History history_{folder_.path()};
+  int count_ = 0;
+};
+BENCHMARK_F(Store, Keep)(benchmark::State& state) {
+  for (auto _ : state) {
+    history_.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
+    ++count_;
+  }
+}
+BENCHMARK_F(Store, PutAside)(benchmark::State& state) {
+  for (auto _ : state) history_.PutAside(QStringLiteral("1"), OriginOf(0), std::to_string(count_++));
+}
+BENCHMARK_F(Store, Versions)(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(history_.Versions());
+}
+BENCHMARK_F(Store, VersionsOfAFile)(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(history_.Versions(OriginOf(0).path));
+}
+BENCHMARK_F(Store, Prune)(benchmark::State& state) {
+  for (auto _ : state) history_.Prune();
+}
 
 }  // namespace
 }  // namespace tme

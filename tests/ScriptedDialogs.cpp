@@ -47,7 +47,7 @@ QStringList ScriptedCommonDialog::ShowOpen() {
 
 QString ScriptedCommonDialog::ShowSave() {
   shown.push_back(*this);
-  const QString path = Next("Save").paths.value(0);
+  const QString path = answer_saves_ ? *answer_saves_ : Next("Save").paths.value(0);
   if (!path.isEmpty()) file_name = path;
   return path;
 }

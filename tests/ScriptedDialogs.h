@@ -77,6 +77,8 @@ class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer>
   void ExpectOpen(const QStringList& paths, int index = 0) { Add("Open", {paths, index, {}}); }
   /// path: empty to cancel.
   void ExpectSave(const QString& path) { Add("Save", {QStringList(path), 0, {}}); }
+  /// From now on every save dialog gets this path, where a test is about something else.
+  void AnswerSaves(const QString& path) { answer_saves_ = path; }
   /// pdf: the file that is printed into; empty to cancel.
   void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf), 0, {}}); }
 
@@ -98,4 +100,6 @@ class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer>
 
  private:
   bool Choose(const std::string& dialog);
+
+  std::optional<QString> answer_saves_;
 };

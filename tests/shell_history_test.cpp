@@ -4,6 +4,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <memory>
+#include <thread>
 
 #include "shell/History.h"
 
@@ -32,6 +34,8 @@ class HistoryTest : public testing::Test {
   const ContentOrigin file_{DocumentKind::Ini, u"/a/ü&\"1.ini"_s, u"ü&\"1.ini"_s};
   const ContentOrigin new_{DocumentKind::Txt, {}, u"New Text Document"_s};
   const QDateTime now_ = QDateTime::currentDateTimeUtc();
+  /// When what is kept now may go.
+  const QDateTime later_ = now_.addSecs(2 * 3600);
 };
 
 TEST_F(HistoryTest, KeepsEachContentOnceAndOnlyForTheUser) {
@@ -64,9 +68,11 @@ TEST_F(HistoryTest, OldestGoFirst) {
   history.PutAside(u"aside"_s, new_, "0123456789012345678901234567890", now_);
   history.Prune(now_);
   EXPECT_EQ(Contents(history), "4 3 2 ");
+  EXPECT_EQ(Blobs(), 6) << "what nobody names may be on its way";
+  history.Prune(later_);
   EXPECT_EQ(Blobs(), 4) << "what is put aside stays, and does not count";
   history.Keep(new_, KeptReason::NotSaved, "larger than the store may be", now_);
-  history.Prune(now_);
+  history.Prune(later_);
   EXPECT_EQ(Contents(history), "larger than the store may be ");
 }
 
@@ -78,6 +84,15 @@ TEST_F(HistoryTest, PutsUnsavedContentAside) {
   ASSERT_EQ(history.Aside().size(), 2);
   EXPECT_EQ(history.Content(history.Aside().first().digest), "first, changed");
   EXPECT_EQ(Blobs(), 2) << "a snapshot's predecessor goes";
+  history.PutAside(u"3"_s, new_, "second", now_);
+  history.ForgetAside(u"3"_s);
+  history.PutAside(u"4"_s, new_, "kept", now_);
+  history.Keep(file_, KeptReason::NotSaved, "kept", now_);
+  history.PutAside(u"4"_s, new_, "fourth", now_);
+  history.ForgetAside(u"4"_s);
+  EXPECT_EQ(Contents(history), "kept ");
+  EXPECT_EQ(history.Content(history.Aside().last().digest), "second") << "what another one has stays";
+  EXPECT_EQ(Blobs(), 3);
   // What a crash in the middle of a write leaves must not hide the rest.
   QFile torn(folder_.filePath(u"h/aside/0.json"_s));
   ASSERT_TRUE(torn.open(QIODevice::WriteOnly));
@@ -86,6 +101,57 @@ TEST_F(HistoryTest, PutsUnsavedContentAside) {
   history.ForgetAside(u"1"_s);
   ASSERT_EQ(history.Aside().size(), 1);
   EXPECT_EQ(history.Aside().first().origin.title, new_.title);
+}
+
+TEST_F(HistoryTest, OneOwnsTheStoreAndOthersOnlyAdd) {
+  auto owner = std::make_unique<History>(folder_.filePath(u"h"_s), HistoryLimits{1, 90, 100});
+  History other(folder_.filePath(u"h"_s), {1, 90, 100});
+  EXPECT_TRUE(other.Claim()) << "there is no store yet";
+  for (const char* content : {"1", "2"}) EXPECT_FALSE(owner->Keep(file_, KeptReason::BeforeSave, content, now_));
+  EXPECT_FALSE(other.Claim());
+  EXPECT_FALSE(other.Keep(file_, KeptReason::BeforeSave, "3", now_));
+  other.Prune(later_);
+  EXPECT_EQ(Contents(*owner), "3 2 1 ");
+  owner.reset();
+  other.Prune(later_);
+  EXPECT_EQ(Contents(other), "3 ");
+  EXPECT_EQ(Blobs(), 1);
+}
+
+TEST_F(HistoryTest, OrderOutlivesAClockThatGoesBack) {
+  const QString folder = folder_.filePath(u"h"_s);
+  History(folder).Keep(file_, KeptReason::BeforeSave, "1", now_);
+  const QString id = History(folder).Versions().first().id, ahead = u"2999"_s + id.mid(4);
+  ASSERT_TRUE(QFile::rename(folder + u"/versions/"_s + id + u".json"_s, folder + u"/versions/"_s + ahead + u".json"_s));
+  History history(folder);
+  for (const char* content : {"2", "3"}) history.Keep(new_, KeptReason::NotSaved, content, now_);
+  history.Keep(file_, KeptReason::BeforeSave, "4", now_.addYears(-1));
+  EXPECT_EQ(Contents(history), "4 3 2 1 ");
+  // What was kept long ago counts as kept now, or its age would take it.
+  history.Keep(file_, KeptReason::BeforeSave, "4", now_);
+  EXPECT_EQ(Contents(history), "4 3 2 1 ");
+  EXPECT_EQ(history.Versions().first().time, now_);
+}
+
+TEST_F(HistoryTest, WhatIsNamedStaysWhileOthersWork) {
+  History history(folder_.filePath(u"h"_s));
+  constexpr int kRounds = 20;
+  const auto content = [](int round) { return std::to_string(round % 4); };
+  std::thread snapshots([&] {
+    for (int round = 0; round < kRounds; ++round) history.PutAside(u"1"_s, new_, content(round), now_);
+  });
+  std::thread cleaning([&] {
+    for (int round = 0; round < kRounds; ++round) history.Prune(now_);
+  });
+  for (int round = 0; round < kRounds; ++round) history.Keep(file_, KeptReason::BeforeSave, content(round), now_);
+  history.PutAside(u"2"_s, new_, "2", now_);
+  history.ForgetAside(u"2"_s);
+  snapshots.join();
+  cleaning.join();
+  EXPECT_EQ(history.Versions().size(), kRounds);
+  EXPECT_EQ(Contents(history).find('?'), std::string::npos);
+  ASSERT_EQ(history.Aside().size(), 1);
+  EXPECT_EQ(history.Content(history.Aside().first().digest), content(kRounds - 1));
 }
 
 }  // namespace

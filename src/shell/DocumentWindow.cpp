@@ -8,10 +8,12 @@
 #include <QVBoxLayout>
 #include <new>
 
+#include "base/Utf8.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/FilePath.h"
 #include "platform/ShellUtilities.h"
+#include "shell/DigestingSteps.h"
 #include "shell/Global.h"
 #include "shell/History.h"
 #include "shell/NoticeBar.h"
@@ -22,6 +24,12 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+
+/// The first of the byte order mark, which a text that begins with it needs twice.
+constexpr char kUtf8MarkByte = '\xEF';
+
+}  // namespace
 
 DocumentWindow::DocumentWindow(Global& global, DocumentKind kind, int slot)
     : global_(global), kind_(kind), slot_number_(slot) {}
@@ -57,7 +65,7 @@ void DocumentWindow::TakeSlot() {
   ClearNotice();
   being_read_ = false;
   disk_stamp_.reset();
-  own_write_.reset();
+  own_digest_.clear();
   told_stamp_.reset();
 }
 
@@ -167,7 +175,7 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
 void DocumentWindow::CheckDisk() {
   if (!disk_stamp_ || Slot().path.isEmpty()) return;
   const std::optional<FileStamp> now = StampOf(FilePath(Slot().path));
-  if (now == disk_stamp_ || told_stamp_ == now) return;
+  if (now == disk_stamp_ || (told_stamp_ && *told_stamp_ == now)) return;
   told_stamp_ = now;
   AddNotice(
       now ? tr("The file was changed on the disk after it was opened here. A save replaces that content; Tools, File "
@@ -181,6 +189,11 @@ std::string DocumentWindow::BytesOf(TextFormat& format, const PartProducer& prod
     text.append(part);
     return true;
   });
+  // What stands for itself needs no second copy: the window waits for that of a large document.
+  const bool is_encoded = format.encoding == TextEncoding::Utf8
+                              ? !text.starts_with(kUtf8MarkByte)
+                              : format.encoding == TextEncoding::CodePage && utf8::AsciiRun(text) == text.size();
+  if (is_encoded) return text;
   std::optional<std::string> bytes = EncodeText(text, format);
   if (!bytes) bytes = EncodeText(text, format = {TextEncoding::Utf8, {}});
   return bytes ? std::move(*bytes) : text;
@@ -192,38 +205,51 @@ FileSteps& DocumentWindow::Steps() const {
 }
 
 std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& target, TextFormat* format,
-                                                        const PartProducer& produce) {
+                                                        const PartProducer& produce, FileSteps& steps) {
   const std::filesystem::path file = FilePath(target.path);
   std::string old_bytes;
   if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
   if (auto failure = global_.history.Keep(target, KeptReason::BeforeSave, old_bytes)) return failure;
   TextFormat written = format ? *format : TextFormat{TextEncoding::Utf8, {}};
   const std::string bytes = BytesOf(written, produce);
-  auto failure = WriteFileInPlace(file, bytes, old_bytes, Steps());
+  auto failure = WriteFileInPlace(file, bytes, old_bytes, steps);
   if (!failure && format) *format = written;
   return failure;
+}
+
+DocumentWindow::Replaced DocumentWindow::KeepReplaced(const ContentOrigin& target) {
+  const std::filesystem::path file = FilePath(target.path);
+  const std::optional<FileStamp> now = StampOf(file);
+  if (!now) return {};
+  std::string bytes;
+  if (auto failure = ReadFileBytes(file, bytes)) return {false, std::move(failure)};
+  const bool is_slots = target.path == Slot().path;
+  const bool was_written = is_slots && !own_digest_.isEmpty();
+  // Not the stamp: a change in the same step of the file system's clock, or one that puts the time back, has the same.
+  if (was_written && History::DigestOf(bytes) == own_digest_) return {};
+  return {was_written || (is_slots && disk_stamp_ && now != disk_stamp_),
+          global_.history.Keep(target, KeptReason::BeforeSave, bytes)};
 }
 
 bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce) {
   const ContentOrigin target{kind_, path, QFileInfo(path).fileName()};
   const std::filesystem::path file = FilePath(path);
-  const std::optional<FileStamp> before = StampOf(file);
-  const bool changed_elsewhere = path == Slot().path && disk_stamp_ && before && before != disk_stamp_;
-  const bool is_own = path == Slot().path && before && before == own_write_;
-  const std::optional<FileFailure> not_kept = is_own ? std::nullopt : global_.history.KeepFile(target);
+  const Replaced replaced = KeepReplaced(target);
+  DigestingSteps steps(Steps());
   std::optional<FileFailure> failure =
-      format ? WriteTextFile(file, *format, produce, Steps()) : WriteFileParts(file, produce, Steps());
-  if (failure && failure->folder_refused && before) failure = WriteInPlace(target, format, produce);
+      format ? WriteTextFile(file, *format, produce, steps) : WriteFileParts(file, produce, steps);
+  if (failure && failure->folder_refused && StampOf(file)) failure = WriteInPlace(target, format, produce, steps);
   if (failure) {
     ShowWriteFailure(path, *failure);
     return false;
   }
-  disk_stamp_ = own_write_ = StampOf(file);
-  if (changed_elsewhere && !not_kept)
+  disk_stamp_ = StampOf(file);
+  own_digest_ = steps.Digest();
+  if (replaced.is_foreign && !replaced.not_kept)
     AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));
-  if (not_kept)
+  if (replaced.not_kept)
     AddNotice(tr("What the file held before could not be kept in the history: %1.")
-                  .arg(QString::fromStdString(not_kept->reason)));
+                  .arg(QString::fromStdString(replaced.not_kept->reason)));
   return true;
 }
 

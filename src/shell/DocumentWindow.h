@@ -129,13 +129,22 @@ class DocumentWindow : public QWidget {
   std::uint64_t clean_revision_ = 0;
   bool being_read_ = false;
   /// For a folder that allows no temporary file: the old bytes join the history, or nothing is written.
-  std::optional<FileFailure> WriteInPlace(const ContentOrigin& target, TextFormat* format, const PartProducer& produce);
+  std::optional<FileFailure> WriteInPlace(const ContentOrigin& target, TextFormat* format, const PartProducer& produce,
+                                          FileSteps& steps);
+  /// What became of the content that a save is about to replace.
+  struct Replaced {
+    bool is_foreign = false;  ///< changed after this document was read or written
+    std::optional<FileFailure> not_kept;
+  };
+  /// Keeps it in the history, unless it is what this document wrote.
+  Replaced KeepReplaced(const ContentOrigin& target);
   FileSteps& Steps() const;
 
   /// Of the slot's file, when it was last read or written here; nothing for none.
   std::optional<FileStamp> disk_stamp_;
-  /// What the document last wrote, as long as it is the same document: need not be kept before the next save.
-  std::optional<FileStamp> own_write_;
+  /// Of the bytes that this document last wrote to the slot's file; empty before it did. They need not be kept before
+  /// the next save.
+  QByteArray own_digest_;
   /// The state of the disk that the user was told of; the inner one is empty for a file that is gone.
   std::optional<std::optional<FileStamp>> told_stamp_;
   QVBoxLayout* layout_ = nullptr;

@@ -1,12 +1,9 @@
 #include "shell/History.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
-#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSet>
 #include <QUuid>
 #include <algorithm>
 #include <array>
@@ -23,6 +20,9 @@ const QString kVersions = QStringLiteral("versions");
 const QString kAside = QStringLiteral("aside");
 const QString kBlobs = QStringLiteral("blobs");
 const QString kEnding = QStringLiteral(".json");
+
+/// What nothing names yet may be on its way: only what is older goes.
+constexpr qint64 kSettledSeconds = 3600;
 
 constexpr std::array kReasonNames{"before-save", "not-saved", "before-restore", "rescued"};
 
@@ -99,12 +99,22 @@ std::optional<Record> ReadRecord(const QFileInfo& file) {
 }
 
 /// In the order of their names.
+QFileInfoList RecordFiles(const QString& folder, const QString& mark = {}) {
+  return QDir(folder).entryInfoList({u'*' + mark + kEnding}, QDir::Files | QDir::Hidden, QDir::Name);
+}
+
 QList<Record> ReadRecords(const QString& folder, const QString& mark = {}) {
   QList<Record> records;
-  for (const QFileInfo& file :
-       QDir(folder).entryInfoList({u'*' + mark + kEnding}, QDir::Files | QDir::Hidden, QDir::Name))
+  for (const QFileInfo& file : RecordFiles(folder, mark))
     if (std::optional<Record> record = ReadRecord(file)) records.append(std::move(*record));
   return records;
+}
+
+std::optional<Record> NewestRecord(const QString& folder, const ContentOrigin& origin) {
+  const QFileInfoList files = RecordFiles(folder, OriginMark(origin));
+  for (auto file = files.crbegin(); file != files.crend(); ++file)
+    if (std::optional<Record> record = ReadRecord(*file); record && SameOrigin(record->origin, origin)) return record;
+  return std::nullopt;
 }
 
 std::optional<FileFailure> WriteRecord(const QString& folder, const Record& record) {
@@ -112,13 +122,15 @@ std::optional<FileFailure> WriteRecord(const QString& folder, const Record& reco
   return WriteFileBytes(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
 }
 
-QByteArray DigestOf(std::string_view content) {
-  QCryptographicHash hash(QCryptographicHash::Blake2b_256);
+bool IsSettled(const QString& path, const QDateTime& settled) { return QFileInfo(path).lastModified() < settled; }
+
+}  // namespace
+
+QByteArray History::DigestOf(std::string_view content) {
+  QCryptographicHash hash(kDigest);
   hash.addData(QByteArrayView(content.data(), static_cast<qsizetype>(content.size())));
   return hash.result().toHex();
 }
-
-}  // namespace
 
 QString ReasonText(KeptReason reason) {
   switch (reason) {
@@ -148,23 +160,33 @@ QString History::NewId() {
   return IdAt(QDateTime::currentMSecsSinceEpoch()) + QUuid::createUuid().toString(QUuid::Id128).left(8);
 }
 
-QString History::NextVersionId(const ContentOrigin& origin) const {
-  qint64 ms = QDateTime::currentMSecsSinceEpoch();
-  const QStringList names = QDir(folder_ + u'/' + kVersions).entryList({u'*' + kEnding}, QDir::Files, QDir::Name);
-  if (!names.isEmpty()) ms = std::max(ms, MsOfId(names.last()) + 1);
-  return IdAt(ms) + OriginMark(origin);
+QString History::NextVersionId(const ContentOrigin& origin) {
+  const std::scoped_lock lock(mutex_);
+  if (last_version_ms_ == 0) {
+    const QFileInfoList files = RecordFiles(folder_ + u'/' + kVersions);
+    if (!files.isEmpty()) last_version_ms_ = MsOfId(files.last().completeBaseName());
+  }
+  last_version_ms_ = std::max(QDateTime::currentMSecsSinceEpoch(), last_version_ms_ + 1);
+  return IdAt(last_version_ms_) + OriginMark(origin);
 }
 
 QString History::BlobPath(const QByteArray& digest) const {
   return folder_ + u'/' + kBlobs + u'/' + QString::fromLatin1(digest.left(2)) + u'/' + QString::fromLatin1(digest);
 }
 
-std::optional<FileFailure> History::Store(std::string_view content, QByteArray& digest) {
-  digest = DigestOf(content);
+QString History::AsidePath(const QString& id) const { return folder_ + u'/' + kAside + u'/' + id + kEnding; }
+
+std::optional<FileFailure> History::Store(std::string_view content, const QByteArray& digest) {
   const QString path = BlobPath(digest);
   // One that was damaged is written anew.
-  if (std::string there; QFileInfo::exists(path) && !ReadFileBytes(FilePath(path), there) && there == content)
-    return std::nullopt;
+  if (std::string there; QFileInfo::exists(path) && !ReadFileBytes(FilePath(path), there) && there == content) {
+    // As young as a new one, lest Prune take it before it is named.
+    const std::scoped_lock lock(mutex_);
+    QFile blob(path);
+    if (blob.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) &&
+        blob.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime))
+      return std::nullopt;
+  }
   if (const auto failure = MakeFolder(folder_)) return failure;
   Claim();
   if (const auto failure = MakeFolder(QFileInfo(path).path())) return failure;
@@ -173,14 +195,21 @@ std::optional<FileFailure> History::Store(std::string_view content, QByteArray& 
 
 std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
                                          const QDateTime& time) {
-  const std::scoped_lock lock(mutex_);
-  Record record{NextVersionId(origin), time, reason, origin, {}, static_cast<qint64>(content.size())};
+  Record record{{}, time, reason, origin, DigestOf(content), static_cast<qint64>(content.size())};
+  {
+    const std::scoped_lock lock(mutex_);
+    kept_.insert(record.digest);
+  }
   if (const auto failure = Store(content, record.digest)) return failure;
-  const QList<Record> kept = ReadRecords(folder_ + u'/' + kVersions, OriginMark(origin));
-  const auto same = std::find_if(kept.crbegin(), kept.crend(),
-                                 [&](const Record& version) { return SameOrigin(version.origin, origin); });
-  if (same != kept.crend() && same->digest == record.digest) return std::nullopt;
-  return WriteRecord(folder_ + u'/' + kVersions, record);
+  const QString folder = folder_ + u'/' + kVersions;
+  const std::optional<Record> newest = NewestRecord(folder, origin);
+  const bool is_there = newest && newest->digest == record.digest;
+  // An old one could soon go for its age; it becomes the newest again.
+  if (is_there && newest->time.daysTo(time) < 1) return std::nullopt;
+  record.id = NextVersionId(origin);
+  const auto failure = WriteRecord(folder, record);
+  if (!failure && is_there) QFile::remove(folder + u'/' + newest->id + kEnding);
+  return failure;
 }
 
 std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptReason reason) {
@@ -191,7 +220,6 @@ std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptRe
 }
 
 QList<KeptVersion> History::Versions(const std::optional<QString>& path) const {
-  const std::scoped_lock lock(mutex_);
   QList<KeptVersion> versions;
   for (const Record& record :
        ReadRecords(folder_ + u'/' + kVersions, path ? OriginMark({DocumentKind::Txt, *path, {}}) : QString()))
@@ -201,7 +229,6 @@ QList<KeptVersion> History::Versions(const std::optional<QString>& path) const {
 }
 
 std::optional<std::string> History::Content(const QByteArray& digest) const {
-  const std::scoped_lock lock(mutex_);
   std::string content;
   if (ReadFileBytes(FilePath(BlobPath(digest)), content) || DigestOf(content) != digest) return std::nullopt;
   return content;
@@ -209,24 +236,45 @@ std::optional<std::string> History::Content(const QByteArray& digest) const {
 
 std::optional<FileFailure> History::PutAside(const QString& id, const ContentOrigin& origin, std::string_view content,
                                              const QDateTime& time) {
+  const std::scoped_lock one_at_a_time(aside_mutex_);
+  const Record record{id, time, KeptReason::Rescued, origin, DigestOf(content), static_cast<qint64>(content.size())};
+  const QByteArray& digest = record.digest;
+  bool is_sole = false;
+  {
+    const std::scoped_lock lock(mutex_);
+    coming_ = id;
+    is_sole = sole_.value(id) == digest || !QFileInfo::exists(BlobPath(digest));
+    sole_.removeIf(
+        [&](std::pair<const QString&, QByteArray&> other) { return other.first != id && other.second == digest; });
+  }
+  auto failure = Store(content, digest);
+  if (!failure) failure = WriteRecord(folder_ + u'/' + kAside, record);
   const std::scoped_lock lock(mutex_);
-  Record record{id, time, KeptReason::Rescued, origin, {}, static_cast<qint64>(content.size())};
-  if (const auto failure = Store(content, record.digest)) return failure;
-  const QString path = folder_ + u'/' + kAside + u'/' + id + kEnding;
-  const std::optional<Record> before = ReadRecord(QFileInfo(path));
-  const auto failure = WriteRecord(folder_ + u'/' + kAside, record);
-  // A long session would otherwise leave a content for each of its snapshots.
-  if (!failure && before && before->digest != record.digest) Prune();
-  return failure;
+  const bool forgotten = std::exchange(coming_, QString()) != id;
+  if (forgotten) {
+    QFile::remove(AsidePath(id));
+    if (is_sole) DropUnlessKept(digest);
+    return std::nullopt;
+  }
+  if (failure) return failure;
+  const QByteArray before = sole_.take(id);
+  if (is_sole) sole_.insert(id, digest);
+  if (before != digest) DropUnlessKept(before);
+  return std::nullopt;
+}
+
+void History::DropUnlessKept(const QByteArray& digest) const {
+  if (!digest.isEmpty() && !kept_.contains(digest)) QFile::remove(BlobPath(digest));
 }
 
 void History::ForgetAside(const QString& id) {
   const std::scoped_lock lock(mutex_);
-  QFile::remove(folder_ + u'/' + kAside + u'/' + id + kEnding);
+  if (coming_ == id) coming_.clear();
+  QFile::remove(AsidePath(id));
+  DropUnlessKept(sole_.take(id));
 }
 
 QList<AsideContent> History::Aside() const {
-  const std::scoped_lock lock(mutex_);
   QList<AsideContent> aside;
   for (const Record& record : ReadRecords(folder_ + u'/' + kAside))
     aside.append({record.id, record.time, record.origin, record.digest, record.bytes});
@@ -234,11 +282,11 @@ QList<AsideContent> History::Aside() const {
 }
 
 void History::Prune(const QDateTime& now) {
-  const std::scoped_lock lock(mutex_);
   if (!Claim()) return;
+  const QDateTime settled = now.addSecs(-kSettledSeconds);
   for (const QString& folder : {kVersions, kAside})
     for (const QFileInfo& torn : QDir(folder_ + u'/' + folder).entryInfoList({u".tme-*"_s}, QDir::Files | QDir::Hidden))
-      QFile::remove(torn.filePath());
+      if (IsSettled(torn.filePath(), settled)) QFile::remove(torn.filePath());
   QSet<QByteArray> named;
   for (const Record& record : ReadRecords(folder_ + u'/' + kAside)) named.insert(record.digest);
   QHash<QString, int> of_file;
@@ -257,10 +305,17 @@ void History::Prune(const QDateTime& now) {
     else
       QFile::remove(folder_ + u'/' + kVersions + u'/' + version.id + kEnding);
   }
+  RemoveUnnamed(named, settled);
+}
+
+void History::RemoveUnnamed(const QSet<QByteArray>& named, const QDateTime& settled) {
   const QDir blobs(folder_ + u'/' + kBlobs);
   for (const QFileInfo& group : blobs.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
-    for (const QFileInfo& blob : QDir(group.filePath()).entryInfoList(QDir::Files | QDir::Hidden))
-      if (!named.contains(blob.fileName().toLatin1())) QFile::remove(blob.filePath());
+    for (const QFileInfo& blob : QDir(group.filePath()).entryInfoList(QDir::Files | QDir::Hidden)) {
+      if (named.contains(blob.fileName().toLatin1())) continue;
+      const std::scoped_lock lock(mutex_);
+      if (IsSettled(blob.filePath(), settled)) QFile::remove(blob.filePath());
+    }
 }
 
 }  // namespace tme

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QLockFile>
+#include <QSet>
 #include <QString>
 #include <mutex>
 #include <optional>
@@ -60,7 +63,8 @@ struct HistoryLimits {
 /// Kept versions of files and unsaved content of documents, in a folder that only the user can read: `blobs/` holds
 /// each content once, under its digest; `versions/` and `aside/` hold one small file for each thing that names a
 /// content. A content is on the disk before what names it, so a crash leaves at most a content that nothing names,
-/// which the next Prune takes away. Nothing is created before there is something to keep. Any thread may call.
+/// which a later Prune takes away. Nothing is created before there is something to keep. Any thread may call, and none
+/// waits for a content that another one writes (but for two that are put aside).
 class History {
  public:
   /// limits: for tests.
@@ -76,9 +80,15 @@ class History {
   /// The content that a digest names; nothing when it is gone or was damaged on the disk.
   std::optional<std::string> Content(const QByteArray& digest) const;
 
-  /// Puts content aside under an id (NewId); replaces what had that id.
+  static constexpr auto kDigest = QCryptographicHash::Blake2b_256;
+  /// In hex.
+  static QByteArray DigestOf(std::string_view content);
+
+  /// Puts content aside under an id (NewId); replaces what had that id, whose content goes when nothing else of this
+  /// process has it. Forgotten before it was done, it did not happen.
   std::optional<FileFailure> PutAside(const QString& id, const ContentOrigin& origin, std::string_view content,
                                       const QDateTime& time = QDateTime::currentDateTimeUtc());
+  /// For good: the id is not used again.
   void ForgetAside(const QString& id);
   /// Oldest first.
   QList<AsideContent> Aside() const;
@@ -88,22 +98,36 @@ class History {
   /// asking its last questions: what is put aside is its business then, and nothing is removed. True when there is no
   /// store yet.
   bool Claim();
-  /// Removes what is over the limits, contents that nothing names and what a crash left half written. Only in a store
-  /// that is claimed.
+  /// Removes what is over the limits, contents that nothing names and what a crash left half written; of the last two,
+  /// what is younger than an hour stays, since it may still be on its way. Only in a store that is claimed.
   void Prune(const QDateTime& now = QDateTime::currentDateTimeUtc());
 
   const QString& Folder() const { return folder_; }
 
  private:
-  std::optional<FileFailure> Store(std::string_view content, QByteArray& digest);
+  std::optional<FileFailure> Store(std::string_view content, const QByteArray& digest);
   QString BlobPath(const QByteArray& digest) const;
+  QString AsidePath(const QString& id) const;
   /// Sorts after every version in the store, even when the clock was put back.
-  QString NextVersionId(const ContentOrigin& origin) const;
+  QString NextVersionId(const ContentOrigin& origin);
+  /// Of a content that no snapshot names any more. mutex_ is held.
+  void DropUnlessKept(const QByteArray& digest) const;
+  void RemoveUnnamed(const QSet<QByteArray>& named, const QDateTime& settled);
 
   const QString folder_;
   const HistoryLimits limits_;
+  /// Over the whole of a PutAside; taken before mutex_.
+  std::mutex aside_mutex_;
+  /// Over what follows and each removal of a content; never while one is written.
+  std::mutex mutex_;
   QLockFile claim_;
-  mutable std::recursive_mutex mutex_;
+  /// The contents that Keep was given.
+  QSet<QByteArray> kept_;
+  /// By id, the content that was written for this snapshot and that no other one names.
+  QHash<QString, QByteArray> sole_;
+  /// The id whose content is on its way to the disk; empty for none, and once it is forgotten.
+  QString coming_;
+  qint64 last_version_ms_ = 0;
 };
 
 }  // namespace tme

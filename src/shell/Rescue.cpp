@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <system_error>
 
 #include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
@@ -22,6 +23,10 @@ constexpr seconds kShortestInterval{5};
 /// larger share, on its own thread.
 constexpr int kWindowFactor = 50;
 constexpr int kDiskFactor = 20;
+/// A document that is gathered in less need not wait until a large one has made up for its share: at five seconds
+/// between its own, it stays far below.
+constexpr std::chrono::milliseconds kQuick{10};
+constexpr std::chrono::hours kPruneInterval{1};
 
 }  // namespace
 
@@ -34,7 +39,18 @@ Rescue::~Rescue() { WaitForDisk(); }
 
 void Rescue::Start() {
   timer_.start();
-  pruning_ = std::async(std::launch::async, [&history = global_.history] { history.Prune(); });
+  PruneWhenDue(Clock::now());
+}
+
+void Rescue::PruneWhenDue(Clock::time_point now) {
+  if (now < prune_at_) return;
+  prune_at_ = now + kPruneInterval;
+  if (pruning_.valid() && pruning_.wait_for(seconds(0)) != std::future_status::ready) return;
+  try {
+    pruning_ = std::async(std::launch::async, [&history = global_.history] { history.Prune(); });
+  } catch (const std::system_error&) {
+    return;  // no thread: the next time will do
+  }
 }
 
 void Rescue::Stop() {
@@ -75,31 +91,34 @@ void Rescue::Reopen(const AsideContent& aside, std::string content) {
   const std::optional<FileStamp> stamp = StampOf(FilePath(aside.origin.path));
   if (!aside.origin.path.isEmpty() && stamp && stamp->modified_ns / kNanosecondsInMs > aside.time.toMSecsSinceEpoch())
     window->AddNotice(tr("The file on the disk is newer. A save replaces that content; Tools, File History keeps it."));
-  watched_.insert(window, {aside.id, window->Revision(), true, {}});
+  watched_.insert(window, {aside.id, window->Revision(), true, {}, {}});
 }
 
 void Rescue::Look(Clock::time_point now) {
   Finished();
+  DocumentWindow* next = nullptr;
+  Clock::time_point due_since = Clock::time_point::max();
   global_.documents.ForEach([&](DocumentSlot& slot) {
     if (passed_over_.contains(slot.window)) return;
     // The changed flag alone may stand for a key that changed nothing.
     const bool unsaved = !slot.window->Tag().isEmpty() && slot.window->IsTouched();
-    const auto found = watched_.find(slot.window);
-    if (!unsaved) {
-      if (slot.window != writing_for_) Forget(slot.window);
-      return;
-    }
-    Watched& watched =
-        found != watched_.end() ? *found : *watched_.insert(slot.window, {History::NewId(), 0, false, {}});
-    const bool is_new = !watched.is_aside || watched.revision != slot.window->Revision();
-    if (is_new && now >= watched.not_before && !writing_.valid()) PutAside(*slot.window, watched, now);
+    if (!unsaved) return Forget(slot.window);
+    auto watched = watched_.find(slot.window);
+    if (watched == watched_.end()) watched = watched_.insert(slot.window, {History::NewId(), 0, false, {}, {}});
+    const bool is_new = !watched->is_aside || watched->revision != slot.window->Revision();
+    const bool is_due = now >= watched->not_before && (watched->cost <= kQuick || now >= within_share_);
+    if (!is_new || !is_due || watched->not_before >= due_since) return;
+    due_since = watched->not_before;
+    next = slot.window;
   });
+  if (next && !writing_.valid()) PutAside(*next, watched_[next], now);
+  PruneWhenDue(now);
 }
 
 void Rescue::Forget(DocumentWindow* window) {
-  if (writing_for_ == window) WaitForDisk();
   const auto found = watched_.find(window);
   if (found == watched_.end()) return;
+  if (writing_for_ == window) writing_for_ = nullptr;
   global_.history.ForgetAside(found->id);
   watched_.erase(found);
 }
@@ -123,8 +142,9 @@ void Rescue::PutAside(DocumentWindow& window, Watched& watched, Clock::time_poin
   watched.is_aside = true;
   watched.not_before = now + kShortestInterval;
   try {
-    auto write = [this, id = watched.id, origin = window.Origin(), content = window.Content()] {
+    auto write = [this, id = watched.id, origin = window.Origin(), gathered = window.Content()]() mutable {
       const Clock::time_point begin = Clock::now();
+      const std::string content = std::move(gathered);  // so that its memory is given back on this thread
       auto failure = global_.history.PutAside(id, origin, content);
       // The next document need not wait for the timer.
       QMetaObject::invokeMethod(
@@ -142,7 +162,8 @@ void Rescue::PutAside(DocumentWindow& window, Watched& watched, Clock::time_poin
     watched.is_aside = false;
     TellFailure(window, error.what());
   }
-  watched.not_before = std::max(watched.not_before, now + kWindowFactor * (Clock::now() - start));
+  watched.cost = Clock::now() - start;
+  within_share_ = std::max(within_share_, now) + kWindowFactor * watched.cost;
 }
 
 void Rescue::Finished() {
@@ -153,7 +174,7 @@ void Rescue::Finished() {
     watched->not_before = std::max(watched->not_before, Clock::now() + kDiskFactor * written.took);
     if (written.failure) watched->is_aside = false;
   }
-  if (written.failure) TellFailure(*window, written.failure->reason);
+  if (written.failure && window) TellFailure(*window, written.failure->reason);
 }
 
 void Rescue::TellFailure(DocumentWindow& window, const std::string& reason) {

@@ -34,7 +34,8 @@ class Rescue : public QObject {
   void Start();
   /// No look any more, and nothing on its way to the disk: before the windows go.
   void Stop();
-  /// One look: puts aside what changed since the last and is due, forgets what is saved or closed.
+  /// One look: puts aside the document that changed and is due longest, forgets what is saved or closed. The next one
+  /// follows when the disk is done.
   void Look(Clock::time_point now);
   /// Waits for the disk.
   void WaitForDisk();
@@ -42,7 +43,7 @@ class Rescue : public QObject {
   void LeaveForNextStart(DocumentWindow& window);
   /// The document is done with, whatever becomes of it, and stays in sight all the same: no look at it any more.
   void PassOver(DocumentWindow& window) { passed_over_.insert(&window); }
-  /// The document needs no rescue any more.
+  /// The document needs no rescue any more. Waits for nothing; what is on its way to the disk is dropped there.
   void Forget(DocumentWindow* window);
 
  private:
@@ -51,11 +52,13 @@ class Rescue : public QObject {
     std::uint64_t revision = 0;  ///< of the content that is aside
     bool is_aside = false;
     Clock::time_point not_before;
+    Clock::duration cost{};  ///< what the last snapshot kept the window waiting
   };
   /// Opens the content that is aside, or sees to it that it is found in the history.
   void Reopen(const AsideContent& aside, std::string content);
   void PutAside(DocumentWindow& window, Watched& watched, Clock::time_point now);
   void Finished();
+  void PruneWhenDue(Clock::time_point now);
   void TellFailure(DocumentWindow& window, const std::string& reason);
 
   Global& global_;
@@ -67,8 +70,11 @@ class Rescue : public QObject {
     Clock::duration took{};
   };
   std::future<Written> writing_;
-  DocumentWindow* writing_for_ = nullptr;
+  DocumentWindow* writing_for_ = nullptr;  ///< null, too, once its document needs no rescue
+  /// When all snapshots so far are within their share of the time.
+  Clock::time_point within_share_;
   std::future<void> pruning_;
+  Clock::time_point prune_at_;
   QSet<DocumentWindow*> passed_over_;
   bool failure_told_ = false;
 };
