@@ -4,14 +4,17 @@
 
 #include "shell/History.h"
 
+class QCheckBox;
 class QComboBox;
+class QDialogButtonBox;
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
+class QSplitter;
 class QTreeWidget;
 
 namespace tme {
 
+class DifferenceView;
 class DocumentWindow;
 struct Global;
 
@@ -23,16 +26,29 @@ class form_History : public QDialog {
   /// Lists the versions; those of the active document if it has any.
   explicit form_History(Global& global, QWidget* parent = nullptr);
 
+  /// Remembers the size for the next time.
+  void done(int result) override;
+
  private:
   void BuildControls();
-  void ListVersions();
+  QWidget* BuildTextSide();
+  void BuildButtons(QDialogButtonBox& box);
+  void RestoreSize();
+  /// Newest first; the version of that id becomes the selected one, else the newest.
+  void ListVersions(const QString& selected_id = {});
   void ShowVersion();
+  /// The text with its difference to now; answers with what is to be said about it.
+  QString ShowDifference(const KeptVersion& version, const std::string& content);
+  void ShowPlace();
   /// Null when nothing is selected.
   const KeptVersion* Selected() const;
   /// The content of the selected version; a message and nothing when it is gone.
   std::optional<std::string> SelectedContent();
   /// The window that holds the version's document now; null when it is not open.
   DocumentWindow* WindowOf(const KeptVersion& version) const;
+
+  /// Where the copy goes; empty when cancelled.
+  QString AskForCopyPath(const ContentOrigin& origin);
 
   void cmd_OpenAsNew_Click();
   void cmd_SaveCopy_Click();
@@ -43,8 +59,13 @@ class form_History : public QDialog {
   QList<KeptVersion> versions_;
   QComboBox* cb_Scope = nullptr;
   QTreeWidget* list_Versions = nullptr;
+  QSplitter* splitter_ = nullptr;
   QLabel* lbl_Difference = nullptr;
-  QPlainTextEdit* txt_Version = nullptr;
+  QLabel* lbl_Place = nullptr;
+  QCheckBox* chk_DifferencesOnly = nullptr;
+  QPushButton* cmd_Previous = nullptr;
+  QPushButton* cmd_Next = nullptr;
+  DifferenceView* txt_Version = nullptr;
   QPushButton* cmd_OpenAsNew = nullptr;
   QPushButton* cmd_SaveCopy = nullptr;
   QPushButton* cmd_Restore = nullptr;
