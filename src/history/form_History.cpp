@@ -23,6 +23,7 @@
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/RegistryAccess.h"
+#include "reg/RegAsShown.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
@@ -61,8 +62,10 @@ class VersionItem : public QTreeWidgetItem {
 
 /// What people read in a content: without its formatting, as UTF-8.
 std::string ReadableText(DocumentKind kind, std::string content) {
-  if (kind != DocumentKind::Rtf) return DecodeText(std::move(content)).text;
   std::string text;
+  if (kind != DocumentKind::Rtf) text = DecodeText(std::move(content)).text;
+  if (kind == DocumentKind::Reg) return WithoutAsShownMark(std::move(text));
+  if (kind != DocumentKind::Rtf) return text;
   rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
     text.append(part);
     return true;
@@ -142,6 +145,8 @@ void form_History::BuildControls() {
   layout->addLayout(scope);
   layout->addWidget(splitter_, 1);
   layout->addWidget(buttons);
+  // Enter looks at a version and changes nothing.
+  cmd_OpenAsNew->setDefault(true);
 }
 
 QWidget* form_History::BuildTextSide() {
@@ -207,14 +212,12 @@ void form_History::BuildButtons(QDialogButtonBox& box) {
   cmd_Restore = add(u"cmd_Restore"_s, tr("&Restore"),
                     tr("The version back into its document; what stands there now is kept as a version first"),
                     &form_History::cmd_Restore_Click);
-  // Enter looks at a version and changes nothing.
-  cmd_OpenAsNew->setDefault(true);
   connect(&box, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
 void form_History::RestoreSize() {
   const QStringList stored = global_.registry.ReadValue(SettingsRoot, kSizeValue).split(u' ');
-  QSize size(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 38);
+  QSize size(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 38);
   if (const QSize read(stored.value(0).toInt(), stored.value(1).toInt()); !read.isEmpty()) size = read;
   resize(size.boundedTo(screen()->availableSize() * 9 / 10));
   if (const int list = stored.value(2).toInt(); list > 0) splitter_->setSizes({list, std::max(1, height() - list)});
@@ -302,16 +305,20 @@ void form_History::ShowVersion() {
   ShowPlace();
 }
 
-QString form_History::ShowDifference(const KeptVersion& version, const std::string& content) {
+bool form_History::ReadNow(const KeptVersion& version, std::string& now) const {
+  const bool has_path = !version.origin.path.isEmpty();
   DocumentWindow* window = WindowOf(version);
+  // What a save would write may leave out what the file has.
+  const bool in_file = !window || !window->IsTouched();
+  if (has_path && in_file && !ReadFileBytes(FilePath(version.origin.path), now)) return true;
+  if (window) now = window->Content();
+  return window != nullptr;
+}
+
+QString form_History::ShowDifference(const KeptVersion& version, const std::string& content) {
   std::string now;
-  bool has_now = window != nullptr;
-  const auto too_large = [](std::size_t bytes) { return bytes > static_cast<std::size_t>(kComparedBytes); };
-  if (window)
-    now = window->Content();
-  else if (!version.origin.path.isEmpty() && QFileInfo(version.origin.path).size() <= kComparedBytes)
-    has_now = !ReadFileBytes(FilePath(version.origin.path), now);
-  if (too_large(content.size()) || too_large(now.size()))
+  const bool has_now = ReadNow(version, now);
+  if (static_cast<qint64>(std::max(content.size(), now.size())) > kComparedBytes)
     return tr("This is too large to be compared here. Open as New Document and Save a Copy have all of it.");
   const bool same_bytes = has_now && now == content;
   const std::string text = ReadableText(version.origin.kind, content);

@@ -37,6 +37,8 @@ class form_History : public QDialog {
   /// Newest first; the version of that id becomes the selected one, else the newest.
   void ListVersions(const QString& selected_id = {});
   void ShowVersion();
+  /// What the version's document holds now, else its file; false when there is neither.
+  bool ReadNow(const KeptVersion& version, std::string& now) const;
   /// The text with its difference to now; answers with what is to be said about it.
   QString ShowDifference(const KeptVersion& version, const std::string& content);
   void ShowPlace();
