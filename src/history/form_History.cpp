@@ -16,30 +16,26 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <new>
 
-#include "base/LineDiff.h"
 #include "history/DifferenceView.h"
-#include "platform/CodePage.h"
+#include "history/VersionComparison.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/RegistryAccess.h"
-#include "reg/RegAsShown.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
 
-/// More is not compared: it would take the memory several times over.
-constexpr qint64 kComparedBytes = qint64{200} << 20;
+/// Up to here the window waits for the comparison, which takes no time that anyone notices.
+constexpr qint64 kComparedAtOnce = qint64{1} << 20;
 const QString kSizeValue = QStringLiteral("History Size");
 
 enum Column { kTimeColumn, kReasonColumn, kNameColumn, kSizeColumn, kColumns };
@@ -59,19 +55,6 @@ class VersionItem : public QTreeWidgetItem {
     return data(kTimeColumn, kIndexRole).toInt() > other.data(kTimeColumn, kIndexRole).toInt();
   }
 };
-
-/// What people read in a content: without its formatting, as UTF-8.
-std::string ReadableText(DocumentKind kind, std::string content) {
-  std::string text;
-  if (kind != DocumentKind::Rtf) text = DecodeText(std::move(content)).text;
-  if (kind == DocumentKind::Reg) return WithoutAsShownMark(std::move(text));
-  if (kind != DocumentKind::Rtf) return text;
-  rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
-    text.append(part);
-    return true;
-  });
-  return text;
-}
 
 QString NameOf(const ContentOrigin& origin) {
   return origin.path.isEmpty() ? origin.title : QDir::toNativeSeparators(origin.path);
@@ -105,6 +88,8 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
   ListVersions();
   list_Versions->setFocus();
 }
+
+form_History::~form_History() = default;
 
 void form_History::BuildControls() {
   auto* scope_label = new QLabel(tr("&Versions of:"));
@@ -147,6 +132,10 @@ void form_History::BuildControls() {
   layout->addWidget(buttons);
   // Enter looks at a version and changes nothing.
   cmd_OpenAsNew->setDefault(true);
+  const QList<QWidget*> order{
+      cb_Scope,    list_Versions, chk_DifferencesOnly, cmd_Previous, cmd_Next,
+      txt_Version, cmd_OpenAsNew, cmd_SaveCopy,        cmd_Restore,  buttons->button(QDialogButtonBox::Close)};
+  for (qsizetype index = 1; index < order.size(); ++index) setTabOrder(order[index - 1], order[index]);
 }
 
 QWidget* form_History::BuildTextSide() {
@@ -159,7 +148,7 @@ QWidget* form_History::BuildTextSide() {
   chk_DifferencesOnly = new QCheckBox(tr("&Differences only"));
   chk_DifferencesOnly->setObjectName(u"chk_DifferencesOnly"_s);
   chk_DifferencesOnly->setToolTip(tr("Without the lines that are the same, but for a few around each difference"));
-  connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &form_History::ShowVersion);
+  connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &form_History::ShowLines);
   txt_Version = new DifferenceView;
   txt_Version->setObjectName(u"txt_Version"_s);
   txt_Version->setAccessibleName(tr("The version's text, with the difference to now"));
@@ -281,73 +270,87 @@ DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
   return found;
 }
 
+std::optional<std::string> form_History::UnsavedNow(const KeptVersion& version) const {
+  DocumentWindow* window = WindowOf(version);
+  // What a save would write may leave out what the file has: without edits, the file counts.
+  const bool in_file = window && !window->IsTouched() && QFileInfo::exists(version.origin.path);
+  if (!window || in_file) return std::nullopt;
+  return window->Content();
+}
+
 void form_History::ShowVersion() {
   const KeptVersion* version = Selected();
-  QString said;
-  bool usable = false;
-  txt_Version->Clear();
+  ++wanted_;
+  comparison_.reset();
+  ShowLines();
+  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy, cmd_Restore}) button->setEnabled(false);
   if (!version) {
-    said = cb_Scope->currentData().isValid()
-               ? tr("Nothing is kept of this file yet. Its content is kept before a save replaces it.")
-               : tr("Nothing is kept yet. The content of a file is kept before a save replaces it, and that of a "
-                    "document that is closed without saving.");
-  } else {
-    const Hourglass hourglass;
-    const std::optional<std::string> content = global_.history.Content(version->digest);
-    usable = content.has_value();
-    said = usable ? ShowDifference(*version, *content)
-                  : tr("This version can no longer be read: its file in %1 is gone or damaged.")
-                        .arg(QDir::toNativeSeparators(global_.history.Folder()));
+    lbl_Difference->setText(
+        cb_Scope->currentData().isValid()
+            ? tr("Nothing is kept of this file yet. Its content is kept before a save replaces it.")
+            : tr("Nothing is kept yet. The content of a file is kept before a save replaces it, and that of a "
+                 "document that is closed without saving."));
+    return;
   }
+  std::optional<std::string> now = UnsavedNow(*version);
+  const qint64 bytes =
+      version->bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version->origin.path).size());
+  if (bytes <= kComparedAtOnce) {
+    auto comparison = std::make_shared<VersionComparison>();
+    Compare(global_.history, *version, std::move(now), *comparison);
+    return ShowComparison(std::move(comparison));
+  }
+  lbl_Difference->setText(tr("Comparing..."));
+  if (!comparing_.valid()) StartComparing(*version, std::move(now));
+}
+
+void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
+  comparing_ = std::async(std::launch::async, [this, version, now = std::move(now), number = wanted_]() mutable {
+    auto comparison = std::make_shared<VersionComparison>();
+    bool has_memory = true;
+    try {
+      Compare(global_.history, version, std::move(now), *comparison);
+    } catch (const std::bad_alloc&) {
+      has_memory = false;
+    }
+    if (!has_memory) {
+      comparison = std::make_shared<VersionComparison>();
+      comparison->outcome = VersionComparison::Outcome::TooLarge;
+    }
+    const auto show = [this, comparison, number] {
+      comparing_.get();
+      // Another one was selected meanwhile; only the last of them counts.
+      if (number == wanted_)
+        ShowComparison(comparison);
+      else if (!comparison_ && Selected())
+        ShowVersion();
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+  });
+}
+
+void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {
+  const KeptVersion& version = *Selected();
+  comparison_ = std::move(comparison);
+  const bool usable = comparison_->outcome != VersionComparison::Outcome::Unreadable;
   for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy}) button->setEnabled(usable);
-  cmd_Restore->setEnabled(usable && !version->origin.path.isEmpty());
-  lbl_Difference->setText(said);
-  ShowPlace();
-}
-
-bool form_History::ReadNow(const KeptVersion& version, std::string& now) const {
-  const bool has_path = !version.origin.path.isEmpty();
-  DocumentWindow* window = WindowOf(version);
-  // What a save would write may leave out what the file has.
-  const bool in_file = !window || !window->IsTouched();
-  if (has_path && in_file && !ReadFileBytes(FilePath(version.origin.path), now)) return true;
-  if (window) now = window->Content();
-  return window != nullptr;
-}
-
-QString form_History::ShowDifference(const KeptVersion& version, const std::string& content) {
-  std::string now;
-  const bool has_now = ReadNow(version, now);
-  if (static_cast<qint64>(std::max(content.size(), now.size())) > kComparedBytes)
-    return tr("This is too large to be compared here. Open as New Document and Save a Copy have all of it.");
-  const bool same_bytes = has_now && now == content;
-  const std::string text = ReadableText(version.origin.kind, content);
-  const std::string now_text = has_now ? ReadableText(version.origin.kind, std::move(now)) : text;
-  const std::vector<DiffLine> lines = DiffLines(now_text, text);
-  const auto count = [&lines](LineChange change) {
-    return static_cast<std::uint64_t>(
-        std::count_if(lines.begin(), lines.end(), [change](const DiffLine& line) { return line.change == change; }));
-  };
-  const std::uint64_t only_here = count(LineChange::Added), only_now = count(LineChange::Removed);
-  const bool differs = only_here + only_now > 0;
-  txt_Version->ShowLines(lines,
-                         differs && chk_DifferencesOnly->isChecked() ? ShownLines::DifferencesOnly : ShownLines::All);
-  QString said;
-  if (!has_now)
-    said = tr("The version's text. There is no document or file to compare it with.");
-  else if (same_bytes)
-    said = tr("The same as now.");
-  else if (!differs)
-    said = version.origin.kind == DocumentKind::Rtf
-               ? tr("The text is the same as now; its formatting or the way it is written differs.")
-               : tr("The lines are the same as now; line ends or the encoding differ.");
-  else
-    said = tr("%1 only in this version (+), %2 only in what is there now (-).")
-               .arg(Counted(only_here, tr("1 line"), tr("%1 lines")), Counted(only_now, tr("1 line"), tr("%1 lines")));
+  cmd_Restore->setEnabled(usable && !version.origin.path.isEmpty());
+  ShowLines();
+  QString said = Summary(*comparison_, version, global_.history.Folder());
   if (txt_Version->HasCutLines())
     said += u' ' + tr("Lines of more than %1 bytes are shown in part, from where they differ.")
                        .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)));
-  return said;
+  lbl_Difference->setText(said);
+}
+
+void form_History::ShowLines() {
+  const bool differs = comparison_ && comparison_->outcome == VersionComparison::Outcome::Different;
+  if (comparison_)
+    txt_Version->ShowLines(comparison_->lines,
+                           differs && chk_DifferencesOnly->isChecked() ? ShownLines::DifferencesOnly : ShownLines::All);
+  else
+    txt_Version->Clear();
+  ShowPlace();
 }
 
 void form_History::ShowPlace() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDialog>
+#include <future>
+#include <memory>
 
 #include "shell/History.h"
 
@@ -17,6 +19,7 @@ namespace tme {
 class DifferenceView;
 class DocumentWindow;
 struct Global;
+struct VersionComparison;
 
 /// The kept versions of the active document's file, or of all files: looks at them, and brings one back.
 class form_History : public QDialog {
@@ -25,6 +28,8 @@ class form_History : public QDialog {
  public:
   /// Lists the versions; those of the active document if it has any.
   explicit form_History(Global& global, QWidget* parent = nullptr);
+
+  ~form_History() override;
 
   /// Remembers the size for the next time.
   void done(int result) override;
@@ -37,10 +42,12 @@ class form_History : public QDialog {
   /// Newest first; the version of that id becomes the selected one, else the newest.
   void ListVersions(const QString& selected_id = {});
   void ShowVersion();
-  /// What the version's document holds now, else its file; false when there is neither.
-  bool ReadNow(const KeptVersion& version, std::string& now) const;
-  /// The text with its difference to now; answers with what is to be said about it.
-  QString ShowDifference(const KeptVersion& version, const std::string& content);
+  /// What the version's document holds when no file does; nothing otherwise.
+  std::optional<std::string> UnsavedNow(const KeptVersion& version) const;
+  /// On a thread of its own; the result is shown when it is there, unless another version is wanted by then.
+  void StartComparing(const KeptVersion& version, std::optional<std::string> now);
+  void ShowComparison(std::shared_ptr<const VersionComparison> comparison);
+  void ShowLines();
   void ShowPlace();
   /// Null when nothing is selected.
   const KeptVersion* Selected() const;
@@ -71,6 +78,12 @@ class form_History : public QDialog {
   QPushButton* cmd_OpenAsNew = nullptr;
   QPushButton* cmd_SaveCopy = nullptr;
   QPushButton* cmd_Restore = nullptr;
+  /// Of the selected version; null while it is not there yet.
+  std::shared_ptr<const VersionComparison> comparison_;
+  /// Grows with each selection.
+  std::uint64_t wanted_ = 0;
+  /// Last, so that it is waited for before anything else goes.
+  std::future<void> comparing_;
 };
 
 }  // namespace tme
