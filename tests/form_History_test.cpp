@@ -65,8 +65,8 @@ TEST_F(FormHistoryTest, ListsShowsAndRestores) {
 
   Child<QComboBox>(form, u"cb_Scope"_s).setCurrentIndex(1);
   EXPECT_EQ(List(form).topLevelItemCount(), 6);
-  List(form).sortByColumn(3, Qt::AscendingOrder);
-  Select(form, 1);
+  List(form).sortByColumn(2, Qt::AscendingOrder);
+  Select(form, 5);
   EXPECT_EQ(Said(form), "The version's text. There is no document or file to compare it with.");
   Click(form, u"cmd_Restore"_s);
   EXPECT_EQ(Ini().Slot().path, InFolder(u"gone.ini"_s));
@@ -124,7 +124,7 @@ TEST_F(FormHistoryTest, GoesFromDifferenceToDifference) {
   EXPECT_EQ(View(form).CurrentDifference(), 4);
   form.findChild<QAbstractButton*>(u"chk_DifferencesOnly"_s)->click();
   EXPECT_EQ(View(form).DifferenceCount(), 5);
-  EXPECT_NE(View(form).Text().find("… 9,993 lines that are the same …"), std::string::npos) << View(form).Text();
+  EXPECT_NE(View(form).Text().find("… 9993 lines that are the same …"), std::string::npos) << View(form).Text();
 }
 
 TEST_F(FormHistoryTest, WhatASaveReordersIsNoDifference) {

@@ -209,13 +209,15 @@ void form_History::RestoreSize() {
   QSize size(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 38);
   if (const QSize read(stored.value(0).toInt(), stored.value(1).toInt()); !read.isEmpty()) size = read;
   resize(size.boundedTo(screen()->availableSize() * 9 / 10));
-  if (const int list = stored.value(2).toInt(); list > 0) splitter_->setSizes({list, std::max(1, height() - list)});
+  const int list = stored.value(2).toInt(), text = stored.value(3).toInt();
+  if (list > 0 && text > 0) splitter_->setSizes({list, text});
 }
 
 void form_History::done(int result) {
   if (global_.settings.present)
-    global_.registry.WriteValue(SettingsRoot, kSizeValue, kTextType,
-                                u"%1 %2 %3"_s.arg(width()).arg(height()).arg(splitter_->sizes().first()));
+    global_.registry.WriteValue(
+        SettingsRoot, kSizeValue, kTextType,
+        u"%1 %2 %3 %4"_s.arg(width()).arg(height()).arg(splitter_->sizes()[0]).arg(splitter_->sizes()[1]));
   QDialog::done(result);
 }
 
