@@ -118,6 +118,7 @@ void form_History::BuildControls() {
   connect(list_Versions, &QTreeWidget::itemDoubleClicked, this, &form_History::cmd_OpenAsNew_Click);
 
   splitter_ = new QSplitter(Qt::Vertical);
+  splitter_->setAccessibleName(tr("Versions and text"));
   splitter_->addWidget(list_Versions);
   splitter_->addWidget(BuildTextSide());
   splitter_->setStretchFactor(0, 2);
@@ -132,9 +133,8 @@ void form_History::BuildControls() {
   layout->addWidget(buttons);
   // Enter looks at a version and changes nothing.
   cmd_OpenAsNew->setDefault(true);
-  const QList<QWidget*> order{
-      cb_Scope,    list_Versions, chk_DifferencesOnly, cmd_Previous, cmd_Next,
-      txt_Version, cmd_OpenAsNew, cmd_SaveCopy,        cmd_Restore,  buttons->button(QDialogButtonBox::Close)};
+  // The box orders its own buttons.
+  const QList<QWidget*> order{cb_Scope, list_Versions, chk_DifferencesOnly, cmd_Previous, cmd_Next, txt_Version};
   for (qsizetype index = 1; index < order.size(); ++index) setTabOrder(order[index - 1], order[index]);
 }
 
@@ -285,7 +285,7 @@ void form_History::ShowVersion() {
   ++wanted_;
   comparison_.reset();
   ShowLines();
-  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy, cmd_Restore}) button->setEnabled(false);
+  EnableCommands(version != nullptr);
   if (!version) {
     lbl_Difference->setText(
         cb_Scope->currentData().isValid()
@@ -334,15 +334,18 @@ void form_History::StartComparing(const KeptVersion& version, std::optional<std:
 void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {
   const KeptVersion& version = *Selected();
   comparison_ = std::move(comparison);
-  const bool usable = comparison_->outcome != VersionComparison::Outcome::Unreadable;
-  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy}) button->setEnabled(usable);
-  cmd_Restore->setEnabled(usable && !version.origin.path.isEmpty());
+  EnableCommands(comparison_->outcome != VersionComparison::Outcome::Unreadable);
   ShowLines();
   QString said = Summary(*comparison_, version, global_.history.Folder());
   if (txt_Version->HasCutLines())
     said += u' ' + tr("Lines of more than %1 bytes are shown in part, from where they differ.")
                        .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)));
   lbl_Difference->setText(said);
+}
+
+void form_History::EnableCommands(bool enabled) {
+  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy}) button->setEnabled(enabled);
+  cmd_Restore->setEnabled(enabled && !Selected()->origin.path.isEmpty());
 }
 
 void form_History::ShowLines() {

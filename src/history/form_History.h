@@ -48,6 +48,7 @@ class form_History : public QDialog {
   void StartComparing(const KeptVersion& version, std::optional<std::string> now);
   void ShowComparison(std::shared_ptr<const VersionComparison> comparison);
   void ShowLines();
+  void EnableCommands(bool enabled);
   void ShowPlace();
   /// Null when nothing is selected.
   const KeptVersion* Selected() const;
