@@ -125,15 +125,15 @@ void form_History::BuildControls() {
   splitter_->setStretchFactor(1, 3);
   splitter_->setChildrenCollapsible(false);
 
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-  BuildButtons(*buttons);
+  auto* buttons = new QDialogButtonBox;
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(scope);
   layout->addWidget(splitter_, 1);
   layout->addWidget(buttons);
+  // In the window already, and Close last: the box orders its own buttons.
+  BuildButtons(*buttons);
   // Enter looks at a version and changes nothing.
   cmd_OpenAsNew->setDefault(true);
-  // The box orders its own buttons.
   const QList<QWidget*> order{cb_Scope, list_Versions, chk_DifferencesOnly, cmd_Previous, cmd_Next, txt_Version};
   for (qsizetype index = 1; index < order.size(); ++index) setTabOrder(order[index - 1], order[index]);
 }
@@ -201,6 +201,7 @@ void form_History::BuildButtons(QDialogButtonBox& box) {
   cmd_Restore = add(u"cmd_Restore"_s, tr("&Restore"),
                     tr("The version back into its document; what stands there now is kept as a version first"),
                     &form_History::cmd_Restore_Click);
+  box.addButton(QDialogButtonBox::Close);
   connect(&box, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
