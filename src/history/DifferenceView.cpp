@@ -1,6 +1,5 @@
 #include "history/DifferenceView.h"
 
-#include <QEvent>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QKeyEvent>
@@ -206,12 +205,6 @@ void DifferenceView::GoTo(const Difference& difference) {
                 static_cast<unsigned long>(std::max(0L, static_cast<long>(row) - on_screen / 4)));
   SendScintilla(SCI_SETXOFFSET, 0L);
   emit CaretMoved();
-}
-
-bool DifferenceView::event(QEvent* event) {
-  // Nothing here can be deleted or undone: the keys are the window's.
-  if (event->type() == QEvent::ShortcutOverride) return QsciScintillaBase::event(event);
-  return TextPad::event(event);
 }
 
 void DifferenceView::keyPressEvent(QKeyEvent* event) {

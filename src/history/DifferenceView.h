@@ -41,7 +41,6 @@ class DifferenceView : public TextPad {
   void CaretMoved();
 
  protected:
-  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

@@ -27,14 +27,15 @@ QString Tr(const char* text) { return QCoreApplication::translate("form_History"
 /// What people read in a content: without its formatting, as UTF-8.
 std::string ReadableText(DocumentKind kind, std::string content) {
   std::string text;
-  if (kind != DocumentKind::Rtf) text = DecodeText(std::move(content)).text;
-  if (kind == DocumentKind::Reg) return WithoutAsShownMark(std::move(text));
-  if (kind != DocumentKind::Rtf) return text;
-  rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
-    text.append(part);
-    return true;
-  });
-  return text;
+  if (kind == DocumentKind::Rtf) {
+    rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
+      text.append(part);
+      return true;
+    });
+    return text;
+  }
+  text = DecodeText(std::move(content)).text;
+  return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
 }
 
 /// A save sorts sections and entries: so that only what changed differs, both sides are brought into one order.
