@@ -23,6 +23,7 @@ TEST(LineDiff, TellsWhatChanged) {
   EXPECT_EQ(Shown(DiffLines("a\nb\nc\n", "a\nx\nc\n")), " a -b +x  c ");
   EXPECT_EQ(Shown(DiffLines("a\nb\nc\na\nb\nb\na\n", "c\nb\na\nb\na\nc\n")), "-a -b  c +b  a  b -b  a +c ");
   EXPECT_EQ(Shown(DiffLines("h\n1\n2\nt\n", "h\n3\n4\nt\n", 1)), " h -1 -2 +3 +4  t ") << "over the limit";
+  EXPECT_EQ(Shown(DiffLines("1\nu\n2\nv\n3\n", "4\nu\n5\nv\n6\n", 1)), "-1 +4  u -2 +5  v -3 +6 ") << "cut at u and v";
 }
 
 TEST(LineDiff, GivesBackBothTexts) {

@@ -209,6 +209,7 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
   EXPECT_EQ(Dump(Ini().Tree()), ">a.ini\n ; 1\n ; 2\n A\n  x=2\n A\n  y=3\n");
   EXPECT_TRUE(ini.Slot().changed && ini.IsTouched());
   EXPECT_EQ(ini.Slot().path, path);
+  EXPECT_GT(ini.height(), frame_->height() / 3);
   EXPECT_EQ(ini.windowTitle(), u"a.ini [CHANGED]");
   EXPECT_EQ(Window(DocumentKind::Txt).Content(), "never saved");
   EXPECT_EQ(Window(DocumentKind::Txt, 1).Tag(), u"") << "what the file holds by now needs no rescue";

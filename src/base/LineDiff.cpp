@@ -1,6 +1,7 @@
 #include "base/LineDiff.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "base/Lines.h"
 
@@ -89,31 +90,117 @@ class EditGraph {
   std::vector<std::vector<std::ptrdiff_t>> generations_;
 };
 
+/// Compares ranges of lines; a range with too many changes is cut at lines that stand once on either side.
+class Comparison {
+ public:
+  Comparison(std::string_view before, std::string_view after) : before_(Split(before)), after_(Split(after)) {
+    result_.reserve(std::max(before_.size(), after_.size()));
+  }
+
+  std::vector<DiffLine> Run(std::size_t max_changes) && {
+    Compare({0, before_.size(), 0, after_.size()}, max_changes, kMostCuts);
+    return std::move(result_);
+  }
+
+ private:
+  static constexpr int kMostCuts = 3;
+  /// Within a part, so that the time stays in proportion to the lines.
+  static constexpr std::size_t kMaxChangesOfPart = 200;
+  struct Range {
+    std::size_t before_begin, before_end, after_begin, after_end;
+  };
+  struct Anchor {
+    std::size_t before, after;
+  };
+
+  void Add(LineChange change, const TextLines& lines, std::size_t begin, std::size_t end) {
+    for (std::size_t line = begin; line < end; ++line) result_.push_back({change, lines[line]});
+  }
+
+  void Compare(Range range, std::size_t max_changes, int cuts_left) {
+    const std::size_t begin = range.before_begin, end = range.before_end;
+    while (range.before_begin < range.before_end && range.after_begin < range.after_end &&
+           before_[range.before_begin] == after_[range.after_begin])
+      ++range.before_begin, ++range.after_begin;
+    while (range.before_begin < range.before_end && range.after_begin < range.after_end &&
+           before_[range.before_end - 1] == after_[range.after_end - 1])
+      --range.before_end, --range.after_end;
+    Add(LineChange::Same, before_, begin, range.before_begin);
+    const std::size_t rows = range.before_end - range.before_begin, columns = range.after_end - range.after_begin;
+    EditGraph graph(before_.data() + range.before_begin, rows, after_.data() + range.after_begin, columns);
+    if (graph.Solve(static_cast<std::ptrdiff_t>(std::min(max_changes, rows + columns))))
+      graph.Walk(result_);
+    else
+      Cut(range, cuts_left);
+    Add(LineChange::Same, before_, range.before_end, end);
+  }
+
+  void Cut(const Range& range, int cuts_left) {
+    const std::vector<Anchor> anchors = cuts_left > 0 ? Anchors(range) : std::vector<Anchor>();
+    if (anchors.empty()) {
+      Add(LineChange::Removed, before_, range.before_begin, range.before_end);
+      Add(LineChange::Added, after_, range.after_begin, range.after_end);
+      return;
+    }
+    Range part = range;
+    for (const Anchor& anchor : anchors) {
+      part.before_end = anchor.before;
+      part.after_end = anchor.after;
+      Compare(part, kMaxChangesOfPart, cuts_left - 1);
+      Add(LineChange::Same, before_, anchor.before, anchor.before + 1);
+      part.before_begin = anchor.before + 1;
+      part.after_begin = anchor.after + 1;
+    }
+    part.before_end = range.before_end;
+    part.after_end = range.after_end;
+    Compare(part, kMaxChangesOfPart, cuts_left - 1);
+  }
+
+  /// The most lines that are unique on both sides and stand in the same order there.
+  std::vector<Anchor> Anchors(const Range& range) const {
+    struct Seen {
+      std::size_t times_before = 0, times_after = 0, after = 0;
+    };
+    std::unordered_map<std::string_view, Seen> seen;
+    seen.reserve(range.before_end - range.before_begin);
+    for (std::size_t line = range.before_begin; line < range.before_end; ++line) ++seen[before_[line]].times_before;
+    for (std::size_t line = range.after_begin; line < range.after_end; ++line)
+      if (const auto found = seen.find(after_[line]); found != seen.end()) {
+        ++found->second.times_after;
+        found->second.after = line;
+      }
+    // Longest increasing subsequence: `ends[n]` ends the best one of n + 1 anchors.
+    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    std::vector<Anchor> candidates;
+    std::vector<std::size_t> ends, previous;
+    for (std::size_t line = range.before_begin; line < range.before_end; ++line) {
+      const Seen& at = seen.find(before_[line])->second;
+      if (at.times_before != 1 || at.times_after != 1) continue;
+      const auto place = std::lower_bound(ends.begin(), ends.end(), at.after, [&](std::size_t end, std::size_t after) {
+        return candidates[end].after < after;
+      });
+      previous.push_back(place == ends.begin() ? kNone : *std::prev(place));
+      if (place == ends.end())
+        ends.push_back(candidates.size());
+      else
+        *place = candidates.size();
+      candidates.push_back({line, at.after});
+    }
+    std::vector<Anchor> anchors;
+    for (std::size_t at = ends.empty() ? kNone : ends.back(); at != kNone; at = previous[at])
+      anchors.push_back(candidates[at]);
+    std::reverse(anchors.begin(), anchors.end());
+    return anchors;
+  }
+
+  const TextLines before_, after_;
+  std::vector<DiffLine> result_;
+};
+
 }  // namespace
 
 std::vector<DiffLine> DiffLines(std::string_view before, std::string_view after, std::size_t max_changes) {
-  const TextLines old_lines = Split(before), new_lines = Split(after);
-  const std::size_t shorter = std::min(old_lines.size(), new_lines.size());
-  std::size_t head = 0, tail = 0;
-  while (head < shorter && old_lines[head] == new_lines[head]) ++head;
-  while (tail < shorter - head && old_lines[old_lines.size() - 1 - tail] == new_lines[new_lines.size() - 1 - tail])
-    ++tail;
-
-  std::vector<DiffLine> result;
-  result.reserve(old_lines.size() + new_lines.size() - head - tail);
-  for (std::size_t line = 0; line < head; ++line) result.push_back({LineChange::Same, old_lines[line]});
-  const std::size_t old_end = old_lines.size() - tail, new_end = new_lines.size() - tail;
-  EditGraph graph(old_lines.data() + head, old_end - head, new_lines.data() + head, new_end - head);
-  const std::size_t limit = std::min(max_changes, old_end - head + new_end - head);
-  if (graph.Solve(static_cast<std::ptrdiff_t>(limit))) {
-    graph.Walk(result);
-  } else {
-    for (std::size_t line = head; line < old_end; ++line) result.push_back({LineChange::Removed, old_lines[line]});
-    for (std::size_t line = head; line < new_end; ++line) result.push_back({LineChange::Added, new_lines[line]});
-  }
-  for (std::size_t line = old_end; line < old_lines.size(); ++line)
-    result.push_back({LineChange::Same, old_lines[line]});
-  return result;
+  return Comparison(before, after).Run(max_changes);
 }
 
 }  // namespace tme

@@ -15,7 +15,8 @@ struct DiffLine {
 };
 
 /// What leads from one text to another, line by line; the shortest way (Myers, "An O(ND) Difference Algorithm", 1986)
-/// as long as at most max_changes lines differ, else everything between the common beginning and end as replaced.
+/// as long as at most max_changes lines differ, else a short one: by way of lines that stand once in each text. Where
+/// there are none, everything between the common beginning and end is replaced.
 /// Lines that differ in their ends only count as the same.
 std::vector<DiffLine> DiffLines(std::string_view before, std::string_view after, std::size_t max_changes = 2000);
 

@@ -1,85 +1,74 @@
 #include "history/form_History.h"
 
+#include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileInfo>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
-#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
-#include <QTextBlock>
 #include <QTreeWidget>
 #include <QVBoxLayout>
-#include <array>
+#include <algorithm>
+#include <new>
 
-#include "base/LineDiff.h"
-#include "platform/CodePage.h"
+#include "history/DifferenceView.h"
+#include "history/VersionComparison.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/FilePath.h"
+#include "platform/RegistryAccess.h"
+#include "shell/DisplayText.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
 
-/// More would keep the window busy; the whole is a click on "Open as New Document" away.
-constexpr std::size_t kShownLines = 20'000;
-constexpr std::size_t kShownLineBytes = 2'000;
+/// Up to here the window waits for the comparison, which takes no time that anyone notices.
+constexpr qint64 kComparedAtOnce = qint64{1} << 20;
+const QString kSizeValue = QStringLiteral("History Size");
 
 enum Column { kTimeColumn, kReasonColumn, kNameColumn, kSizeColumn, kColumns };
+constexpr int kIndexRole = Qt::UserRole;     ///< place in versions_, newest first
+constexpr int kSortRole = Qt::UserRole + 1;  ///< a number, where the text is none to sort by
 
-/// What people read in a content: without its formatting, as UTF-8.
-std::string ReadableText(DocumentKind kind, std::string content) {
-  if (kind != DocumentKind::Rtf) return DecodeText(std::move(content)).text;
-  std::string text;
-  rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
-    text.append(part);
-    return true;
-  });
-  return text;
-}
-
-/// Line by line with a mark in front; what the document has now and the version has not, and the other way round, stand
-/// on a colour too.
-void ShowLines(QPlainTextEdit& view, const std::vector<DiffLine>& lines) {
-  constexpr std::array kMarks{u' ', u'-', u'+'};
-  const QColor only_here(0, 160, 0, 60), only_now(200, 0, 0, 60);
-  view.clear();
-  QTextCursor cursor(view.document());
-  cursor.beginEditBlock();
-  for (std::size_t index = 0; index < lines.size(); ++index) {
-    if (index == kShownLines) {
-      cursor.insertText(QObject::tr("… %1 more lines").arg(QLocale().toString(lines.size() - index)));
-      break;
-    }
-    const DiffLine& line = lines[index];
-    QTextBlockFormat format;
-    if (line.change == LineChange::Added) format.setBackground(only_here);
-    if (line.change == LineChange::Removed) format.setBackground(only_now);
-    cursor.setBlockFormat(format);
-    const std::string_view shown = line.text.substr(0, kShownLineBytes);
-    cursor.insertText(QString(kMarks[static_cast<std::size_t>(line.change)]) + u' ' +
-                      QString::fromUtf8(shown.data(), static_cast<qsizetype>(shown.size())));
-    if (shown.size() < line.text.size()) cursor.insertText(u"…"_s);
-    if (index + 1 < lines.size()) cursor.insertBlock();
+/// A row of the list; what is equal stays in the order of time.
+class VersionItem : public QTreeWidgetItem {
+ public:
+  using QTreeWidgetItem::QTreeWidgetItem;
+  bool operator<(const QTreeWidgetItem& other) const override {
+    const int column = treeWidget()->sortColumn();
+    const qint64 mine = data(column, kSortRole).toLongLong(), its = other.data(column, kSortRole).toLongLong();
+    const int texts = mine == its ? QString::localeAwareCompare(text(column), other.text(column)) : 0;
+    if (mine != its) return mine < its;
+    if (texts != 0 && column != kTimeColumn) return texts < 0;
+    return data(kTimeColumn, kIndexRole).toInt() > other.data(kTimeColumn, kIndexRole).toInt();
   }
-  cursor.endEditBlock();
-  view.moveCursor(QTextCursor::Start);
+};
+
+QString NameOf(const ContentOrigin& origin) {
+  return origin.path.isEmpty() ? origin.title : QDir::toNativeSeparators(origin.path);
 }
 
-QString NameOf(const ContentOrigin& origin) { return origin.path.isEmpty() ? origin.title : origin.path; }
+/// Short, and to the second: versions may be kept in quick succession.
+QString TimeText(const QDateTime& time) {
+  const QLocale locale;
+  QString form = locale.timeFormat(QLocale::ShortFormat);
+  if (!form.contains(u"ss"_s)) form.replace(u"mm"_s, u"mm:ss"_s);
+  const QDateTime local = time.toLocalTime();
+  return locale.toString(local.date(), QLocale::ShortFormat) + u' ' + locale.toString(local.time(), form);
+}
 
 }  // namespace
 
@@ -87,19 +76,27 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
   setObjectName(u"form_History"_s);
   setWindowTitle(tr("File History"));
   BuildControls();
+  RestoreSize();
   const DocumentWindow* active = global_.frame->ActiveDocument();
-  if (active && !active->Slot().path.isEmpty()) cb_Scope->addItem(active->Slot().title, active->Slot().path);
+  const QString path = active ? active->Slot().path : QString();
+  if (!path.isEmpty()) {
+    cb_Scope->addItem(active->Slot().title, path);
+    cb_Scope->setItemData(0, QDir::toNativeSeparators(path), Qt::ToolTipRole);
+  }
   cb_Scope->addItem(tr("All files"));
-  if (active && !active->Slot().path.isEmpty() && global_.history.Versions(active->Slot().path).isEmpty())
-    cb_Scope->setCurrentIndex(cb_Scope->count() - 1);
-  connect(cb_Scope, &QComboBox::currentIndexChanged, this, &form_History::ListVersions);
+  if (!path.isEmpty() && global_.history.Versions(path).isEmpty()) cb_Scope->setCurrentIndex(cb_Scope->count() - 1);
+  connect(cb_Scope, &QComboBox::currentIndexChanged, this, [this] { ListVersions(); });
   ListVersions();
+  list_Versions->setFocus();
 }
+
+form_History::~form_History() = default;
 
 void form_History::BuildControls() {
   auto* scope_label = new QLabel(tr("&Versions of:"));
   cb_Scope = new QComboBox;
   cb_Scope->setObjectName(u"cb_Scope"_s);
+  cb_Scope->setAccessibleName(tr("Versions of"));
   scope_label->setBuddy(cb_Scope);
   auto* scope = new QHBoxLayout;
   scope->addWidget(scope_label);
@@ -111,35 +108,87 @@ void form_History::BuildControls() {
   list_Versions->setRootIsDecorated(false);
   list_Versions->setUniformRowHeights(true);
   list_Versions->setAlternatingRowColors(true);
+  list_Versions->setAllColumnsShowFocus(true);
+  list_Versions->setTextElideMode(Qt::ElideMiddle);
   list_Versions->setColumnCount(kColumns);
   list_Versions->setHeaderLabels({tr("Time"), tr("Kept"), tr("File"), tr("Size")});
+  list_Versions->headerItem()->setTextAlignment(kSizeColumn, Qt::AlignRight | Qt::AlignVCenter);
+  list_Versions->header()->setStretchLastSection(false);
+  list_Versions->sortByColumn(kTimeColumn, Qt::DescendingOrder);
   connect(list_Versions, &QTreeWidget::currentItemChanged, this, &form_History::ShowVersion);
+  connect(list_Versions, &QTreeWidget::itemDoubleClicked, this, &form_History::cmd_OpenAsNew_Click);
 
+  splitter_ = new QSplitter(Qt::Vertical);
+  splitter_->setAccessibleName(tr("Versions and text"));
+  splitter_->addWidget(list_Versions);
+  splitter_->addWidget(BuildTextSide());
+  splitter_->setStretchFactor(0, 2);
+  splitter_->setStretchFactor(1, 3);
+  splitter_->setChildrenCollapsible(false);
+
+  auto* buttons = new QDialogButtonBox;
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(scope);
+  layout->addWidget(splitter_, 1);
+  layout->addWidget(buttons);
+  // In the window already, and Close last: the box orders its own buttons.
+  BuildButtons(*buttons);
+  // Enter looks at a version and changes nothing.
+  cmd_OpenAsNew->setDefault(true);
+  const QList<QWidget*> order{cb_Scope, list_Versions, chk_DifferencesOnly, cmd_Previous, cmd_Next, txt_Version};
+  for (qsizetype index = 1; index < order.size(); ++index) setTabOrder(order[index - 1], order[index]);
+}
+
+QWidget* form_History::BuildTextSide() {
   lbl_Difference = new QLabel;
   lbl_Difference->setObjectName(u"lbl_Difference"_s);
-  txt_Version = new QPlainTextEdit;
+  lbl_Difference->setTextFormat(Qt::PlainText);
+  lbl_Difference->setWordWrap(true);
+  lbl_Place = new QLabel;
+  lbl_Place->setObjectName(u"lbl_Place"_s);
+  chk_DifferencesOnly = new QCheckBox(tr("&Differences only"));
+  chk_DifferencesOnly->setObjectName(u"chk_DifferencesOnly"_s);
+  chk_DifferencesOnly->setToolTip(tr("Without the lines that are the same, but for a few around each difference"));
+  connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &form_History::ShowLines);
+  txt_Version = new DifferenceView;
   txt_Version->setObjectName(u"txt_Version"_s);
   txt_Version->setAccessibleName(tr("The version's text, with the difference to now"));
-  txt_Version->setReadOnly(true);
-  txt_Version->setUndoRedoEnabled(false);
-  txt_Version->setLineWrapMode(QPlainTextEdit::NoWrap);
-  txt_Version->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-  auto* text_side = new QWidget;
-  auto* text_layout = new QVBoxLayout(text_side);
-  text_layout->setContentsMargins(0, 0, 0, 0);
-  text_layout->addWidget(lbl_Difference);
-  text_layout->addWidget(txt_Version, 1);
+  connect(txt_Version, &DifferenceView::CaretMoved, this, &form_History::ShowPlace);
 
-  auto* splitter = new QSplitter(Qt::Vertical);
-  splitter->addWidget(list_Versions);
-  splitter->addWidget(text_side);
-  splitter->setStretchFactor(0, 2);
-  splitter->setStretchFactor(1, 3);
-  splitter->setChildrenCollapsible(false);
+  auto* row = new QHBoxLayout;
+  row->addWidget(chk_DifferencesOnly);
+  row->addStretch(1);
+  row->addWidget(lbl_Place);
+  const auto add = [&](const QString& name, const QString& caption, const QKeySequence& key,
+                       void (DifferenceView::*go)()) {
+    auto* button = new QPushButton(caption);
+    button->setObjectName(name);
+    button->setToolTip(tr("%1 (%2)").arg(QString(caption).remove(u'&'), key.toString(QKeySequence::NativeText)));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, txt_Version, go);
+    auto* action = new QAction(this);
+    action->setShortcut(key);
+    connect(action, &QAction::triggered, txt_Version, go);
+    addAction(action);
+    row->addWidget(button);
+    return button;
+  };
+  cmd_Previous =
+      add(u"cmd_Previous"_s, tr("&Previous Difference"), Qt::SHIFT | Qt::Key_F8, &DifferenceView::GoToPrevious);
+  cmd_Next = add(u"cmd_Next"_s, tr("&Next Difference"), Qt::Key_F8, &DifferenceView::GoToNext);
 
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+  auto* side = new QWidget;
+  auto* layout = new QVBoxLayout(side);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(lbl_Difference);
+  layout->addLayout(row);
+  layout->addWidget(txt_Version, 1);
+  return side;
+}
+
+void form_History::BuildButtons(QDialogButtonBox& box) {
   const auto add = [&](const QString& name, const QString& caption, const QString& tip, void (form_History::*click)()) {
-    auto* button = buttons->addButton(caption, QDialogButtonBox::ActionRole);
+    auto* button = box.addButton(caption, QDialogButtonBox::ActionRole);
     button->setObjectName(name);
     button->setToolTip(tip);
     button->setAutoDefault(false);
@@ -153,37 +202,67 @@ void form_History::BuildControls() {
   cmd_Restore = add(u"cmd_Restore"_s, tr("&Restore"),
                     tr("The version back into its document; what stands there now is kept as a version first"),
                     &form_History::cmd_Restore_Click);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-
-  auto* layout = new QVBoxLayout(this);
-  layout->addLayout(scope);
-  layout->addWidget(splitter, 1);
-  layout->addWidget(buttons);
-  resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 36);
+  box.addButton(QDialogButtonBox::Close);
+  connect(&box, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-void form_History::ListVersions() {
+void form_History::RestoreSize() {
+  const QStringList stored = global_.registry.ReadValue(SettingsRoot, kSizeValue).split(u' ');
+  QSize size(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 38);
+  if (const QSize read(stored.value(0).toInt(), stored.value(1).toInt()); !read.isEmpty()) size = read;
+  resize(size.boundedTo(screen()->availableSize() * 9 / 10));
+  const int list = stored.value(2).toInt(), text = stored.value(3).toInt();
+  if (list > 0 && text > 0) splitter_->setSizes({list, text});
+}
+
+void form_History::done(int result) {
+  if (global_.settings.present)
+    global_.registry.WriteValue(
+        SettingsRoot, kSizeValue, kTextType,
+        u"%1 %2 %3 %4"_s.arg(width()).arg(height()).arg(splitter_->sizes()[0]).arg(splitter_->sizes()[1]));
+  QDialog::done(result);
+}
+
+void form_History::ListVersions(const QString& selected_id) {
   const QVariant path = cb_Scope->currentData();
   versions_ = path.isValid() ? global_.history.Versions(path.toString()) : global_.history.Versions();
+  cb_Scope->setToolTip(cb_Scope->currentData(Qt::ToolTipRole).toString());
+  const QSignalBlocker silent(list_Versions);
   list_Versions->clear();
-  for (const KeptVersion& version : versions_) {
-    auto* item = new QTreeWidgetItem(list_Versions);
-    item->setText(kTimeColumn, QLocale().toString(version.time.toLocalTime(), QLocale::ShortFormat));
+  list_Versions->setSortingEnabled(false);
+  QTreeWidgetItem* selected = nullptr;
+  for (qsizetype index = 0; index < versions_.size(); ++index) {
+    const KeptVersion& version = versions_[index];
+    auto* item = new VersionItem(list_Versions);
+    item->setData(kTimeColumn, kIndexRole, static_cast<int>(index));
+    item->setText(kTimeColumn, TimeText(version.time));
+    item->setData(kTimeColumn, kSortRole, version.time.toMSecsSinceEpoch());
     item->setToolTip(kTimeColumn, QLocale().toString(version.time.toLocalTime(), QLocale::LongFormat));
     item->setText(kReasonColumn, ReasonText(version.reason));
-    item->setText(kNameColumn, version.origin.title);
+    item->setText(kNameColumn, NameOf(version.origin));
     item->setToolTip(kNameColumn, NameOf(version.origin));
     item->setText(kSizeColumn, QLocale().formattedDataSize(version.bytes));
+    item->setData(kSizeColumn, kSortRole, version.bytes);
+    item->setToolTip(kSizeColumn, Counted(static_cast<std::uint64_t>(version.bytes), tr("1 byte"), tr("%1 bytes")));
     item->setTextAlignment(kSizeColumn, Qt::AlignRight | Qt::AlignVCenter);
+    if (version.id == selected_id) selected = item;
   }
-  for (int column = 0; column < kColumns; ++column) list_Versions->resizeColumnToContents(column);
-  list_Versions->setCurrentItem(list_Versions->topLevelItem(0));
-  if (versions_.isEmpty()) ShowVersion();
+  list_Versions->setSortingEnabled(true);
+  list_Versions->setColumnHidden(kNameColumn, path.isValid());
+  QHeaderView& header = *list_Versions->header();
+  header.setSectionResizeMode(QHeaderView::Interactive);
+  for (int column = 0; column < kColumns; ++column)
+    if (column != kNameColumn) list_Versions->resizeColumnToContents(column);
+  header.setSectionResizeMode(path.isValid() ? kReasonColumn : kNameColumn, QHeaderView::Stretch);
+  if (!selected) selected = list_Versions->topLevelItem(0);
+  list_Versions->setCurrentItem(selected);
+  if (selected) list_Versions->scrollToItem(selected);
+  ShowVersion();
 }
 
 const KeptVersion* form_History::Selected() const {
-  const int row = list_Versions->indexOfTopLevelItem(list_Versions->currentItem());
-  return row < 0 ? nullptr : &versions_[row];
+  const QTreeWidgetItem* item = list_Versions->currentItem();
+  return item ? &versions_[item->data(kTimeColumn, kIndexRole).toInt()] : nullptr;
 }
 
 DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
@@ -195,48 +274,101 @@ DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
   return found;
 }
 
+std::optional<std::string> form_History::UnsavedNow(const KeptVersion& version) const {
+  DocumentWindow* window = WindowOf(version);
+  // What a save would write may leave out what the file has: without edits, the file counts.
+  const bool in_file = window && !window->IsTouched() && QFileInfo::exists(version.origin.path);
+  if (!window || in_file) return std::nullopt;
+  return window->Content();
+}
+
 void form_History::ShowVersion() {
   const KeptVersion* version = Selected();
-  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy}) button->setEnabled(version != nullptr);
-  cmd_Restore->setEnabled(version && !version->origin.path.isEmpty());
-  txt_Version->clear();
+  ++wanted_;
+  comparison_.reset();
+  ShowLines();
+  EnableCommands(version != nullptr);
   if (!version) {
     lbl_Difference->setText(
-        tr("Nothing is kept yet. The content of a file is kept before a save replaces it, and that of "
-           "a document that is closed without saving."));
-    lbl_Difference->setWordWrap(true);
+        cb_Scope->currentData().isValid()
+            ? tr("Nothing is kept of this file yet. Its content is kept before a save replaces it.")
+            : tr("Nothing is kept yet. The content of a file is kept before a save replaces it, and that of a "
+                 "document that is closed without saving."));
     return;
   }
-  const Hourglass hourglass;
-  const std::optional<std::string> content = global_.history.Content(version->digest);
-  if (!content) {
-    lbl_Difference->setText(tr("This version can no longer be read."));
-    return;
+  std::optional<std::string> now = UnsavedNow(*version);
+  const qint64 bytes =
+      version->bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version->origin.path).size());
+  if (bytes <= kComparedAtOnce) {
+    auto comparison = std::make_shared<VersionComparison>();
+    Compare(global_.history, *version, std::move(now), *comparison);
+    return ShowComparison(std::move(comparison));
   }
-  const std::string text = ReadableText(version->origin.kind, *content);
-  DocumentWindow* window = WindowOf(*version);
-  std::string now;
-  bool has_now = window != nullptr;
-  if (window)
-    now = window->Content();
-  else if (!version->origin.path.isEmpty())
-    has_now = !ReadFileBytes(FilePath(version->origin.path), now);
-  if (!has_now) {
-    lbl_Difference->setText(tr("The version's text. There is no document or file to compare it with."));
-    ShowLines(*txt_Version, DiffLines(text, text));
-    return;
-  }
-  const std::string now_text = ReadableText(version->origin.kind, std::move(now));
-  const std::vector<DiffLine> lines = DiffLines(now_text, text);
-  const auto count = [&lines](LineChange change) {
-    return std::count_if(lines.begin(), lines.end(), [change](const DiffLine& line) { return line.change == change; });
-  };
-  const qint64 added = count(LineChange::Added), removed = count(LineChange::Removed);
-  lbl_Difference->setText(added == 0 && removed == 0
-                              ? tr("The text is the same as now.")
-                              : tr("%1 lines stand only in this version (+), %2 only in what is there now (-).")
-                                    .arg(QLocale().toString(added), QLocale().toString(removed)));
-  ShowLines(*txt_Version, lines);
+  lbl_Difference->setText(tr("Comparing..."));
+  if (!comparing_.valid()) StartComparing(*version, std::move(now));
+}
+
+void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
+  comparing_ = std::async(std::launch::async, [this, version, now = std::move(now), number = wanted_]() mutable {
+    auto comparison = std::make_shared<VersionComparison>();
+    bool has_memory = true;
+    try {
+      Compare(global_.history, version, std::move(now), *comparison);
+    } catch (const std::bad_alloc&) {
+      has_memory = false;
+    }
+    if (!has_memory) {
+      comparison = std::make_shared<VersionComparison>();
+      comparison->outcome = VersionComparison::Outcome::TooLarge;
+    }
+    const auto show = [this, comparison, number] {
+      comparing_.get();
+      // Another one was selected meanwhile; only the last of them counts.
+      if (number == wanted_)
+        ShowComparison(comparison);
+      else if (!comparison_ && Selected())
+        ShowVersion();
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+  });
+}
+
+void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {
+  const KeptVersion& version = *Selected();
+  comparison_ = std::move(comparison);
+  EnableCommands(comparison_->outcome != VersionComparison::Outcome::Unreadable);
+  ShowLines();
+  QString said = Summary(*comparison_, version, global_.history.Folder());
+  if (txt_Version->HasCutLines())
+    said += u' ' + tr("Lines of more than %1 bytes are shown in part, from where they differ.")
+                       .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)));
+  lbl_Difference->setText(said);
+}
+
+void form_History::EnableCommands(bool enabled) {
+  for (QPushButton* button : {cmd_OpenAsNew, cmd_SaveCopy}) button->setEnabled(enabled);
+  cmd_Restore->setEnabled(enabled && !Selected()->origin.path.isEmpty());
+}
+
+void form_History::ShowLines() {
+  const bool differs = comparison_ && comparison_->outcome == VersionComparison::Outcome::Different;
+  if (comparison_)
+    txt_Version->ShowLines(comparison_->lines,
+                           differs && chk_DifferencesOnly->isChecked() ? ShownLines::DifferencesOnly : ShownLines::All);
+  else
+    txt_Version->Clear();
+  ShowPlace();
+}
+
+void form_History::ShowPlace() {
+  const int count = txt_Version->DifferenceCount();
+  lbl_Place->setText(count == 0
+                         ? QString()
+                         : tr("Difference %1 of %2")
+                               .arg(QLocale().toString(txt_Version->CurrentDifference()), QLocale().toString(count)));
+  chk_DifferencesOnly->setEnabled(count > 0);
+  cmd_Previous->setEnabled(txt_Version->HasPrevious());
+  cmd_Next->setEnabled(txt_Version->HasNext());
 }
 
 std::optional<std::string> form_History::SelectedContent() {
@@ -249,31 +381,49 @@ std::optional<std::string> form_History::SelectedContent() {
 }
 
 void form_History::cmd_OpenAsNew_Click() {
+  if (!cmd_OpenAsNew->isEnabled()) return;
   std::optional<std::string> content = SelectedContent();
   if (!content) return;
-  if (DocumentWindow* window = NewDocument(global_, TraitsOf(Selected()->origin.kind).slot_code))
-    window->PutContent(std::move(*content));
+  const KeptVersion& version = *Selected();
+  DocumentWindow* window = NewDocument(global_, TraitsOf(version.origin.kind).slot_code);
+  if (!window) return;
+  window->PutContent(std::move(*content));
+  window->AddNotice(tr("This is %1 as it was kept at %2.").arg(NameOf(version.origin), TimeText(version.time)));
   accept();
+}
+
+QString form_History::AskForCopyPath(const ContentOrigin& origin) {
+  const QFileInfo name(origin.title);
+  const QString suffix = origin.path.isEmpty() ? QString::fromLatin1(TraitsOf(origin.kind).name) : name.suffix();
+  CommonDialog& dialog = global_.common_dialog;
+  while (true) {
+    dialog.title = tr("Save a Copy");
+    dialog.filter = tr("All Files") + u"|*.*"_s;
+    const int filter_index = std::exchange(dialog.filter_index, 1);
+    dialog.default_ext = suffix.isEmpty() ? QString() : u'.' + suffix;
+    dialog.init_dir = LastSaveFolder(global_.registry);
+    dialog.file_name = name.completeBaseName() + tr(" (kept)") + dialog.default_ext;
+    const QString path = dialog.ShowSave();
+    dialog.filter_index = filter_index;  // what a rich-text save writes goes by it
+    if (path.isEmpty() || !QFileInfo::exists(path)) return path;
+    switch (global_.dialogs.MsgBox(tr("Overwrite existing file?"), MsgButtons::YesNoCancel, MsgIcon::Question,
+                                   tr("File Exists"))) {
+      case MsgAnswer::Yes:
+        return path;
+      case MsgAnswer::No:
+        break;
+      default:
+        return {};
+    }
+  }
 }
 
 void form_History::cmd_SaveCopy_Click() {
   const std::optional<std::string> content = SelectedContent();
   if (!content) return;
   const KeptVersion& version = *Selected();
-  const QString ending = u'.' + QString::fromLatin1(TraitsOf(version.origin.kind).name);
-  CommonDialog& dialog = global_.common_dialog;
-  dialog.title = tr("Save a Copy");
-  dialog.filter = tr("All Files") + u"|*.*"_s;
-  const int filter_index = std::exchange(dialog.filter_index, 1);
-  dialog.default_ext = ending;
-  dialog.init_dir = LastSaveFolder(global_.registry);
-  dialog.file_name = QFileInfo(version.origin.title).completeBaseName() + tr(" (kept)") + ending;
-  const QString path = dialog.ShowSave();
-  dialog.filter_index = filter_index;  // what a rich-text save writes goes by it
+  const QString path = AskForCopyPath(version.origin);
   if (path.isEmpty()) return;
-  if (QFileInfo::exists(path) && global_.dialogs.MsgBox(tr("Overwrite existing file?"), MsgButtons::YesNoCancel,
-                                                        MsgIcon::Question, tr("File Exists")) != MsgAnswer::Yes)
-    return;
   // What the copy replaces is kept, too.
   auto failure = global_.history.KeepFile({version.origin.kind, path, QFileInfo(path).fileName()});
   if (!failure) failure = WriteFileBytes(FilePath(path), *content);
@@ -281,6 +431,8 @@ void form_History::cmd_SaveCopy_Click() {
     global_.dialogs.MsgBox(tr("The copy could not be written to %1: %2.  The file on disk is unchanged.")
                                .arg(path, QString::fromStdString(failure->reason)),
                            MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  else
+    RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
 }
 
 void form_History::cmd_Restore_Click() {
@@ -304,7 +456,8 @@ void form_History::cmd_Restore_Click() {
     window->PutContent(std::move(*content));
   else
     global_.documents.At(version.origin.kind, slot).window->ShowKept(version.origin, std::move(*content));
-  ListVersions();
+  // The same version stays selected, so that one sees that it is what is there now.
+  ListVersions(version.id);
 }
 
 }  // namespace tme

@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kMarkedHeader = "REGEDIT4\r\n; every key as it was shown\r\n\r\n";
+constexpr std::string_view kHeader = "REGEDIT4\r\n\r\n";
 constexpr std::size_t kPartBytes = std::size_t{1} << 16;
 constexpr std::string_view kDwordMark = "dword:";
 constexpr std::string_view kHexMark = "hex:";
@@ -95,6 +96,11 @@ bool ReadRegAsShown(RegDocument& document, std::string_view text) {
   }
   document.Select(document.Root());
   return true;
+}
+
+std::string WithoutAsShownMark(std::string text) {
+  if (text.starts_with(kMarkedHeader)) text.replace(0, kMarkedHeader.size(), kHeader);
+  return text;
 }
 
 }  // namespace tme

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "reg/RegWriter.h"
@@ -14,5 +15,8 @@ bool WriteRegAsShown(const RegDocument& document, const RegSink& sink);
 
 /// Fills a fresh document from such a text; false, and nothing done, for any other text.
 bool ReadRegAsShown(RegDocument& document, std::string_view text);
+
+/// For people who compare: without the line that tells such a text from a file's. Any other text stays as it is.
+std::string WithoutAsShownMark(std::string text);
 
 }  // namespace tme

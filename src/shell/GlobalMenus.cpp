@@ -134,7 +134,7 @@ constexpr std::array kRows{
     Row{"menu_Tools", "menu_ToolsMSDOS", "Edit &MSDOS.SYS", kAlways, nullptr},
     Row{"menu_Tools", "menu_FeatureVars", "Gather &Environmental Variables", kAlways, nullptr},
     Row{"menu_Tools", "menu_ToolsOptions", "&Options...", kAlways, nullptr},
-    Row{"menu_Tools", "menu_ToolsHistory", "File &History...", kAlways, nullptr},
+    Row{"menu_Tools", "menu_ToolsHistory", "File &History...", kAlways, nullptr, "file-history"},
     Row{"menu_Tools", "ASDF", "ASDF", kNever, nullptr},
 
     OpenMenu("", "md_menu_window", "&Window"),

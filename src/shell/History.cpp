@@ -139,7 +139,7 @@ QString ReasonText(KeptReason reason) {
     case KeptReason::NotSaved:
       return u"Closed without saving"_s;
     case KeptReason::BeforeRestore:
-      return u"Before an older version was restored"_s;
+      return u"Before a restore"_s;
     case KeptReason::Rescued:
       return u"Rescued after a crash"_s;
   }

@@ -9,6 +9,7 @@
 #include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
+#include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
 
@@ -64,6 +65,7 @@ void Rescue::ReopenAfterCrash() {
     // One that cannot be read stays where it is, for whoever can repair it.
     if (std::optional<std::string> content = global_.history.Content(aside.digest)) Reopen(aside, std::move(*content));
   }
+  if (!watched_.isEmpty()) global_.frame->CascadeAfterOpening();
 }
 
 void Rescue::Reopen(const AsideContent& aside, std::string content) {

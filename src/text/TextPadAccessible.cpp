@@ -22,7 +22,9 @@ QString TextPadAccessible::text(QAccessible::Text type) const { return QAccessib
 
 QAccessible::State TextPadAccessible::state() const {
   QAccessible::State state = QAccessibleWidget::state();
-  state.editable = state.multiLine = state.selectableText = true;
+  state.multiLine = state.selectableText = true;
+  state.readOnly = pad_.SendScintilla(QsciScintillaBase::SCI_GETREADONLY) != 0;
+  state.editable = !state.readOnly;
   return state;
 }
 
