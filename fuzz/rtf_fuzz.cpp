@@ -1,4 +1,5 @@
 // Input: the bytes of a rich-text file.
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -45,6 +46,18 @@ void CheckParagraphs(const RtfDocument& document) {
     Promise(table.parent_cell < static_cast<std::int64_t>(document.cells.size()), "a table's cell is there");
 }
 
+/// Where in the text paragraphs end. Several at one place are one: a row gets the paragraphs that its empty cells lack.
+std::set<std::size_t> ParagraphEnds(const RtfDocument& document) {
+  std::set<std::size_t> ends = {0, document.text.size()};
+  std::size_t run = 0;
+  std::size_t bytes = 0;
+  for (const rtf::Paragraph& paragraph : document.paragraphs) {
+    for (; run < paragraph.first_run; ++run) bytes += document.runs[run].bytes;
+    ends.insert(bytes);
+  }
+  return ends;
+}
+
 RtfDocument Read(std::string_view bytes) {
   RtfDocument document = rtf::ReadRtf(bytes, BytesToUtf8);
   CheckRuns(document);
@@ -65,6 +78,7 @@ void Run(std::string_view input) {
   const RtfDocument again = Read(Write(document));
   Promise(!again.losses.not_rtf && !again.losses.ended_early, "what is written is whole");
   Promise(again.text == document.text, "read, write, read keeps the text");
+  Promise(ParagraphEnds(again) == ParagraphEnds(document), "and the ends of its paragraphs");
   std::string plain;
   rtf::WriteRtfAsText(document, [&plain](std::string_view part) { return plain.append(part), true; });
   Promise(utf8::IsValid(plain), "plain text is made of whole characters");

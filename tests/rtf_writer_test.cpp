@@ -216,6 +216,34 @@ TEST(RtfWriterTest, WhatIsReadComesBack) {
   }
 }
 
+/// What a broken file says at odd places, said again, is neither lost nor said twice.
+TEST(RtfWriterTest, TextOfABrokenFileComesBack) {
+  std::string nested;
+  for (int i = 0; i < 900; ++i) nested += "{{\\fldinst x}";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"symbols of a name", R"({\fonttbl{\f1\fcharset3 Symbol;}}\f1\u65 ?b)"},
+      {"symbols with a code page", R"({\fonttbl{\f1\fcharset2\cpg1252 Symbol;}}\f1\u-4031?)"},
+      {"no such symbol", R"({\fonttbl{\f1\fcharset2 Symbol;}}\f1\u-3969?)"},
+      {"braces among symbols", R"({\fonttbl{\f1\fcharset2 W;}}\f1\u92?\u123?)"},
+      {"a font's number again", R"({\fonttbl{\f0\fcharset2 Symbol;}}a{\fonttbl{\f0 A;}}b\f0 c)"},
+      {"a default font's number again", R"({\fonttbl{\f0 A;}}a{\fonttbl{\f0\fcharset2 Symbol;}}b\f0 c)"},
+      {"a default font behind text", R"({\fonttbl{\f1\fcharset2 Symbol;}}a\deff1 b)"},
+      {"a section in a kept group", R"(a{\sect\pict 00}b)"},
+      {"a section in an empty field", R"({\field\sect{\*\fldinst X}}b)"},
+      {"half a character in a kept group", R"(a{\u-10179?\footnote x}b)"},
+      {"a fallback in a kept group", R"(\uc3{\u10 abc\footnote x}d)"},
+      {"binary data in a kept group", R"(\uc2 a{\bin4 }}}}\footnote \u65 ab}c)"},
+      {"fields in a thousand groups", nested + "text" + std::string(900, '}')},
+  };
+  const DecodeCodePage decode = [](int, std::string_view) { return std::string("\u00B7"); };
+  for (const auto& [name, body] : cases) {
+    const RtfDocument first = ReadRtf("{\\rtf1" + body + "}", decode);
+    const RtfDocument again = ReadRtf(Written(first), decode);
+    EXPECT_EQ(again.text, first.text) << name;
+    EXPECT_FALSE(again.losses.ended_early) << name;
+  }
+}
+
 TEST(RtfWriterTest, PlainText) {
   EXPECT_EQ(Written(NestedTables(), WriteRtfAsText), "before\r\nouter\r\ninner\r\n\tright\r\nlower\t\r\nafter");
   RtfDocument document = Empty();

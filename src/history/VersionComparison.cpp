@@ -7,6 +7,7 @@
 
 #include "base/Lines.h"
 #include "platform/CodePage.h"
+#include "platform/FilePath.h"
 #include "platform/TextFile.h"
 #include "reg/RegAsShown.h"
 #include "shell/DisplayText.h"

@@ -129,7 +129,9 @@ void Builder::AddText(std::string_view text, std::uint32_t format) {
 void Builder::AddObject(Object&& object, std::uint32_t format) {
   std::vector<Object>& objects = document_.objects;
   const bool is_full = objects.size() > input_bytes_ / kBytesPerObject + 1024;
-  const bool follows_invisible = HasPending() && document_.runs.back().object == objects.size() && !objects.empty();
+  const bool follows_invisible = HasPending() && !objects.empty() && document_.runs.back().object == objects.size() &&
+                                 FieldOf(document_.runs.back().format) == FieldOf(format);
+  ++objects_added_;
   // Neighbours that nobody sees are one. So are all when a file has too many: their place is lost, not what they say.
   if (!objects.empty() && objects.back().kind == ObjectKind::Invisible &&
       (is_full || (follows_invisible && object.kind == ObjectKind::Invisible))) {

@@ -79,6 +79,8 @@ class Builder {
   /// Whether anything stands behind the last paragraph's end; `of_text`: other than what is invisible.
   bool HasPending() const { return document_.runs.size() > first_run_; }
   bool HasVisiblePending() const { return visible_pending_; }
+  /// Grows with whatever is added to the text.
+  std::size_t Additions() const { return document_.text.size() + document_.paragraphs.size() + objects_added_; }
 
   /// Ends the paragraph. `table_level`: 0 outside tables, 1 in a cell, 2 in a cell of a table in a cell …
   void EndParagraph(const ParagraphFormat& format, std::uint32_t mark_format, int table_level);
@@ -109,6 +111,7 @@ class Builder {
     std::vector<Above> above;  ///< the merged cells of the row before
   };
 
+  std::uint32_t FieldOf(std::uint32_t format) const { return document_.char_formats[format].field; }
   std::int32_t OpenCell(int level);
   void CloseLevels(std::size_t stay_open);
   void ApplyDefinition(Level& level, const RowDefinition& definition);
@@ -123,6 +126,7 @@ class Builder {
   std::size_t repeated_bytes_ = 0;
   std::size_t first_run_ = 0;  ///< of the paragraph
   bool visible_pending_ = false;
+  std::size_t objects_added_ = 0;
   std::vector<Level> levels_;
 
   struct Transition {

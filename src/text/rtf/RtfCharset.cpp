@@ -85,6 +85,11 @@ int CodePageOfCharset(int charset) {
   }
 }
 
+int CodePageOfFont(int charset, std::string_view name) {
+  const int page = CodePageOfCharset(charset);
+  return name == "Symbol" && (page == -1 || page == kPrivateSymbolPage) ? kSymbolPage : page;
+}
+
 char32_t SymbolCharacter(unsigned char byte) {
   if (byte >= 0x20 && byte <= 0x7E) return kSymbol[byte - 0x20u];
   if (byte >= 0xA0 && byte <= 0xFE) return kSymbol[95 + byte - 0xA0u];

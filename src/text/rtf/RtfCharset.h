@@ -19,6 +19,8 @@ inline constexpr int kUtf8Page = 65001;
 
 /// The page of a \fcharset; -1 for the document's own.
 int CodePageOfCharset(int charset);
+/// The page of a font that says no other: of its charset, but that the font "Symbol" has a page to itself.
+int CodePageOfFont(int charset, std::string_view name);
 
 /// Of the Symbol font; 0 when it has none there.
 char32_t SymbolCharacter(unsigned char byte);

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "text/rtf/RtfCharset.h"
+
 namespace tme::rtf {
 
 namespace {
@@ -63,9 +65,12 @@ void AddPlainList(std::string& text, const RtfDocument& document, const Paragrap
 
 CharFormat PlainFormat(const RtfDocument& document) {
   CharFormat plain;
-  const auto font = std::find_if(document.fonts.begin(), document.fonts.end(),
-                                 [&](const Font& each) { return each.number == document.default_font; });
-  plain.font = static_cast<std::uint32_t>(font - document.fonts.begin());
+  // Of several with one number the last counts, as for a reader.
+  std::size_t font = document.fonts.size();
+  for (std::size_t i = 0; i < document.fonts.size(); ++i) {
+    if (document.fonts[i].number == document.default_font) font = i;
+  }
+  plain.font = static_cast<std::uint32_t>(font);
   return plain;
 }
 
@@ -184,9 +189,10 @@ std::vector<Alphabet> AlphabetsOf(const std::vector<Font>& fonts) {
   std::vector<Alphabet> alphabets;
   alphabets.reserve(fonts.size() + 1);
   for (const Font& font : fonts) {
-    alphabets.push_back(font.charset != kSymbolCharset ? Alphabet::Unicode
-                        : font.name == "Symbol"        ? Alphabet::GreekSymbol
-                                                       : Alphabet::Symbols);
+    const int page = CodePageOfFont(font.charset, font.name);
+    alphabets.push_back(page == kSymbolPage          ? Alphabet::GreekSymbol
+                        : page == kPrivateSymbolPage ? Alphabet::Symbols
+                                                     : Alphabet::Unicode);
   }
   alphabets.push_back(Alphabet::Unicode);
   return alphabets;

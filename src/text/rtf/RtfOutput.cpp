@@ -41,8 +41,9 @@ std::size_t PlainRun(std::string_view text) {
 /// The byte of a symbol font that shows the character; 0 when it has none.
 unsigned SymbolByte(char32_t character, Alphabet alphabet) {
   if (alphabet == Alphabet::Unicode) return 0;
-  if (character >= 0xF020 && character <= 0xF0FF) return character & 0xFF;
-  if (alphabet == Alphabet::Symbols) return 0;
+  const bool is_numbered = character >= 0xF020 && character <= 0xF0FF;
+  if (alphabet == Alphabet::Symbols) return is_numbered ? character & 0xFF : 0;
+  if (is_numbered) return SymbolCharacter(static_cast<unsigned char>(character & 0xFF)) != 0 ? character & 0xFF : 0;
   static const std::map<char32_t, unsigned char> bytes = [] {
     std::map<char32_t, unsigned char> all;
     for (unsigned byte = 0x20; byte <= 0xFF; ++byte)
@@ -169,6 +170,9 @@ void RtfOutput::Text(std::string_view text, Alphabet alphabet) {
 
 void RtfOutput::Character(char32_t character, Alphabet alphabet) {
   if (const unsigned byte = SymbolByte(character, alphabet); byte != 0) return Byte(byte);
+  // A brace or backslash of its own is one more byte of the font.
+  const bool is_escaped = character == U'\\' || character == U'{' || character == U'}';
+  if (is_escaped && alphabet != Alphabet::Unicode) return CodeUnit(character, '?');
   if (const std::string_view control = ControlOf(character); !control.empty()) {
     part_.append(control);
     after_word_ = control.size() > 2;

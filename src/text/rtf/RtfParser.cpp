@@ -44,7 +44,7 @@ void Parser::ReadDocument() {
   if (builder_.HasVisiblePending() || document_.paragraphs.empty()) EndParagraph(Paragraph().TableLevel());
   for (const std::string_view word : document_words_) document_.document_controls += word;
   document_.ansi_code_page = fonts_.ansi_page;
-  document_.default_font = default_font_number_;
+  NumberFonts();
   builder_.Finish();
 }
 
@@ -91,6 +91,7 @@ void Parser::Run() {
         if (token_.byte == '\t' && !SkipFallback()) EmitCharacter('\t');
         break;
       case TokenKind::Binary:
+        Top().is_untouched = false;
         SkipFallback();
         break;
       case TokenKind::End:
@@ -136,8 +137,11 @@ void Parser::CloseGroup() {
 
 // A brace too many does not end the text when more of it follows.
 void Parser::CloseRoot() {
+  if (tokens_.Position() <= text_behind_braces_) return;
   const std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
-  if (rest.find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7)) != std::string_view::npos) {
+  const std::size_t text = rest.find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7));
+  if (text != std::string_view::npos) {
+    text_behind_braces_ = tokens_.Position() + text;
     document_.losses.ended_early = true;
     return;
   }
@@ -146,11 +150,17 @@ void Parser::CloseRoot() {
   is_closed_ = true;
 }
 
-// A field that shows nothing keeps its place.
+// A field that shows nothing keeps its place. What its group did beyond itself is done, and does not come twice.
 void Parser::EndField(const State& field) {
-  if (reading_ == Reading::Label || Output() != field.output_before) return;
-  const std::string_view group = tokens_.Bytes().substr(field.begin, tokens_.Position() - field.begin);
-  KeepInvisible(std::string(group));
+  if (reading_ == Reading::Label || builder_.Additions() != field.output_before) return;
+  if (effects_ == field.effects_before) {
+    const std::string_view group = tokens_.Bytes().substr(field.begin, tokens_.Position() - field.begin);
+    KeepInvisible(std::string(group));
+    return;
+  }
+  for (std::size_t i = field.fields_before; i < document_.fields.size(); ++i) {
+    KeepInvisible("{\\field" + document_.fields[i].instruction + "}");
+  }
 }
 
 bool Parser::SkipFallback() {
@@ -207,6 +217,8 @@ void Parser::ReadStar() {
   if (word.control >= Control::FontTable) {
     ReadWord(word);
   } else {
+    fallback_left_ = 0;
+    ++effects_;
     ReadUnknownGroup();
   }
 }

@@ -51,6 +51,8 @@ class Parser {
     CodePage* page = nullptr;
     std::size_t begin = 0;  ///< where the group's brace stands
     std::size_t output_before = 0;
+    std::size_t effects_before = 0;
+    std::size_t fields_before = 0;
     Destination destination = Destination::Body;
     Destination outer_destination = Destination::Body;
     std::uint8_t unicode_skip = 1;
@@ -92,8 +94,12 @@ class Parser {
   std::uint32_t CharacterId();
   void EndParagraph(int table_level);
   void EndRow(int level);
+  /// Something was done that would be done again if the group were kept with it.
+  void Touch() {
+    Top().is_untouched = false;
+    ++effects_;
+  }
   State& Top() { return states_.back(); }
-  std::size_t Output() const { return document_.text.size() + document_.runs.size() + document_.paragraphs.size(); }
 
   // RtfParserWords.cpp: control words.
   void ReadWord(const ControlWord& word);
@@ -116,6 +122,7 @@ class Parser {
   void SetFont(std::int32_t number);
   void ReadFontWord(const ControlWord& word);
   void EndFont();
+  void NumberFonts();
   void ApplyDefaultFont();
   void EmitFontName(std::string_view text);
   void EmitColors(std::string_view text);
@@ -123,7 +130,7 @@ class Parser {
   std::uint32_t ColorOf(std::int32_t number) const;
 
   // RtfParserGroups.cpp: control words that say what their group is.
-  bool ReadGroupWord(const ControlWord& word);
+  void ReadGroupWord(const ControlWord& word);
   void ReadBodyGroup(const ControlWord& word);
   void AddShownPicture();
   void ReadLabelGroupWord(const ControlWord& word);
@@ -136,6 +143,7 @@ class Parser {
   void AddDrawing(std::string group, std::string_view what);
   void AddField();
   void KeepInvisible(std::string group);
+  bool IsFieldTooDeep(std::uint32_t parent) const;
 
   Tokenizer tokens_;
   RtfDocument& document_;
@@ -147,12 +155,14 @@ class Parser {
 
   std::vector<State> states_;
   std::vector<ParagraphState> paragraphs_;
+  std::size_t effects_ = 0;  ///< grows with what a group does beyond its own end
   std::string label_;
   std::string pending_bytes_;  ///< of a character of several bytes
   char32_t pending_surrogate_ = 0;
   int fallback_left_ = 0;  ///< how much of the fallback of a \u is still to be passed over
 
-  bool is_closed_ = false;  ///< the last brace came
+  bool is_closed_ = false;              ///< the last brace came
+  std::size_t text_behind_braces_ = 0;  ///< where more text is known to stand
   bool is_body_ = false;
   bool is_section_pending_ = false;
   bool section_begins_page_ = true;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "text/rtf/RtfParser.h"
@@ -9,12 +10,18 @@ namespace {
 /// others. Behind the group's own word, which readers want first.
 void SayUnicodeSkip(std::string& group, int skip) {
   if (skip == 1 || group.find("\\u") == std::string::npos) return;
-  std::size_t at = group.starts_with("{\\*") ? 3 : 1;
-  if (at >= group.size() || group[at] != '\\') return;
-  const auto goes_on = [&](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+  const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  const auto is_number = [](char c) { return (c >= '0' && c <= '9') || c == '-'; };
+  const auto pass_line_ends = [&](std::size_t from) {
+    return std::min(group.find_first_not_of("\r\n", from), group.size() - 1);
   };
-  for (++at; at < group.size() && goes_on(group[at]);) ++at;
+  std::size_t word = pass_line_ends(1);
+  if (group.compare(word, 2, "\\*") == 0) word = pass_line_ends(word + 2);
+  std::size_t at = word + 1;
+  while (at < group.size() && is_letter(group[at])) ++at;
+  const bool has_word = group[word] == '\\' && at > word + 1;
+  while (has_word && at < group.size() && is_number(group[at])) ++at;
+  if (!has_word) at = 1;
   group.insert(at, "\\uc" + std::to_string(skip));
 }
 
@@ -23,10 +30,11 @@ void SayUnicodeSkip(std::string& group, int skip) {
 /// The group that the control word stands in, as it came; it is closed.
 std::string Parser::TakeGroup() {
   const bool is_whole = Top().is_untouched;
+  const int skip = (is_whole ? states_.end()[-2] : Top()).unicode_skip;
   std::string group;
   tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
   if (!is_whole) group.insert(group.begin(), '{');
-  SayUnicodeSkip(group, Top().unicode_skip);
+  SayUnicodeSkip(group, skip);
   if (Top().owns_paragraph) paragraphs_.pop_back();
   states_.pop_back();
   return group;
@@ -92,9 +100,23 @@ void Parser::AddField() {
   Field field;
   field.url = UrlOfInstruction(LabelOf(group, Destination::Body));
   field.instruction = std::move(group);
-  field.parent = Top().character.field;
+  // Of the group around: one that the same group named before ends here.
+  field.parent = states_.end()[-2].character.field;
+  if (IsFieldTooDeep(field.parent)) {
+    ++document_.losses.limits;
+    KeepInvisible("{\\field" + field.instruction + "}");
+    return;
+  }
   document_.fields.push_back(std::move(field));
   Character().field = static_cast<std::uint32_t>(document_.fields.size());
+}
+
+/// Each field is two groups when it is written, and groups have a limit.
+bool Parser::IsFieldTooDeep(std::uint32_t parent) const {
+  constexpr int kMaxFieldDepth = 100;
+  int depth = 0;
+  for (; parent != 0 && depth < kMaxFieldDepth; ++depth) parent = document_.fields[parent - 1].parent;
+  return depth == kMaxFieldDepth;
 }
 
 void Parser::ReadUnknownGroup() {
@@ -112,34 +134,32 @@ void Parser::ReadUnknownGroup() {
   }
 }
 
-/// False when the group was closed.
-bool Parser::ReadGroupWord(const ControlWord& word) {
+void Parser::ReadGroupWord(const ControlWord& word) {
   switch (word.control) {
     case Control::SkippedGroup:
       SkipGroup();
-      return false;
+      return;
     case Control::TransparentGroup:
-      return true;
+      return;
     case Control::TwoForms:
       Top().outer_destination = Top().destination;
       Top().destination = Destination::Nowhere;
-      return true;
+      return;
     case Control::UnicodeForm:
       if (Top().destination == Destination::Nowhere) Top().destination = Top().outer_destination;
-      return true;
+      return;
     default:
       break;
   }
   if (reading_ == Reading::Label) {
     ReadLabelGroupWord(word);
-    return true;
+    return;
   }
   if (Top().destination != Destination::Body) {
     SkipGroup();
-    return false;
+    return;
   }
   ReadBodyGroup(word);
-  return true;
 }
 
 void Parser::ReadBodyGroup(const ControlWord& word) {
@@ -181,7 +201,9 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       break;
     case Control::Field:
       Top().is_field = Top().is_untouched;  // text before the word is not the field's
-      Top().output_before = Output();
+      Top().output_before = builder_.Additions();
+      Top().effects_before = effects_;
+      Top().fields_before = document_.fields.size();
       break;
     case Control::FieldInstruction:
       AddField();

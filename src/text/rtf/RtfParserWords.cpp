@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 #include "text/rtf/RtfParser.h"
 
@@ -21,6 +22,11 @@ constexpr int kMaxUnicodeSkip = 255;
 std::string InBraces(std::string_view word) {
   std::string text("{");
   return text.append(word).append("}");
+}
+
+constexpr bool IsOfField(Control control) {
+  return control == Control::Field || control == Control::FieldInstruction || control == Control::TransparentGroup ||
+         control == Control::SkippedGroup;
 }
 
 }  // namespace
@@ -55,7 +61,8 @@ void Parser::ReadWord(const ControlWord& word) {
   }
   if (word.control != Control::Unicode) fallback_left_ = 0;
   if (word.control >= Control::FontTable) {
-    if (states_.size() > 2 && !ReadGroupWord(word)) return;
+    if (!IsOfField(word.control)) ++effects_;
+    if (states_.size() > 2) ReadGroupWord(word);
     return;
   }
   if (reading_ == Reading::Label) {
@@ -66,9 +73,18 @@ void Parser::ReadWord(const ControlWord& word) {
     ReadFontWord(word);
     return;
   }
-  if (word.control == Control::Ignored || ReadTextWord(word) || ReadCharacterWord(word)) return;
+  if (word.control == Control::Ignored) return;
+  if (ReadTextWord(word)) {
+    if (word.control != Control::UnicodeSkip) Touch();
+    return;
+  }
+  if (ReadCharacterWord(word)) return;
   if (word.control >= Control::ParagraphReset && word.control <= Control::TableDepth) OwnParagraph();
-  if (ReadParagraphWord(word) || ReadTableWord(word) || ReadFileWord(word)) return;
+  if (ReadParagraphWord(word)) return;
+  if (ReadTableWord(word) || ReadFileWord(word)) {
+    Touch();
+    return;
+  }
   KeepWord(word);
 }
 
@@ -341,6 +357,7 @@ bool Parser::ReadFileWord(const ControlWord& word) {
       return true;
     }
     case Control::DefaultFont:
+      if (is_body_) return true;  // text without a font stands already
       default_font_number_ = token_.value;
       ApplyDefaultFont();
       return true;
@@ -455,22 +472,46 @@ void Parser::EndFont() {
   font_.name.erase(0, first);
   font_.name.erase(font_.name.find_last_not_of(' ') + 1);
   // Text without a font stands already; a default font that comes after it must not turn its letters into symbols.
-  const bool is_late_symbols = is_body_ && default_character_.font == FontContext::kNoFont &&
-                               font_.number == default_font_number_ &&
-                               (font_.charset == kSymbolCharset || font_.name == "Symbol");
+  const int usual_page = CodePageOfFont(font_.charset, font_.name);
+  const bool is_symbols = usual_page == kSymbolPage || usual_page == kPrivateSymbolPage;
+  const bool is_late_symbols =
+      is_body_ && default_character_.font == FontContext::kNoFont && font_.number == default_font_number_ && is_symbols;
   if (is_late_symbols || document_.fonts.size() >= kMaxFonts || font_.number < 0 || font_.number > kMaxFontNumber) {
     ++document_.losses.limits;
     return;
   }
-  if (font_.name == "Symbol" && (font_code_page_ == -1 || font_code_page_ == kPrivateSymbolPage)) {
-    font_code_page_ = kSymbolPage;
-  }
+  // A name alone makes symbols only where nothing else is said; a charset of symbols does so whatever page follows.
+  if (font_.name == "Symbol" && font_code_page_ == -1) font_code_page_ = kSymbolPage;
+  if (is_symbols) font_code_page_ = usual_page;
   const auto number = static_cast<std::size_t>(font_.number);
   std::vector<std::uint32_t>& indices = fonts_.index_of_number;
   if (number >= indices.size()) indices.resize(number + 1, FontContext::kNoFont);
   indices[number] = static_cast<std::uint32_t>(document_.fonts.size());
   fonts_.page_of_font.push_back(font_code_page_);
   document_.fonts.push_back(std::move(font_));
+}
+
+/// A font that text has goes under a number of its own when its number has come to mean another.
+void Parser::NumberFonts() {
+  std::vector<std::uint32_t>& indices = fonts_.index_of_number;
+  std::vector<bool> is_used(document_.fonts.size());
+  for (const CharFormat& format : document_.char_formats) {
+    if (format.font < is_used.size()) is_used[format.font] = true;
+  }
+  std::size_t unused = 0;
+  for (std::uint32_t index = 0; index < document_.fonts.size(); ++index) {
+    std::int32_t& number = document_.fonts[index].number;
+    if (!is_used[index] || fonts_.IndexOf(number) == index) continue;
+    const auto is_taken = [&](std::size_t at) {
+      return std::cmp_equal(at, default_font_number_) || (at < indices.size() && indices[at] != FontContext::kNoFont);
+    };
+    while (is_taken(unused)) ++unused;
+    if (unused >= indices.size()) indices.resize(unused + 1, FontContext::kNoFont);
+    indices[unused] = index;
+    number = static_cast<std::int32_t>(unused);
+  }
+  const bool has_default = default_character_.font < document_.fonts.size();
+  document_.default_font = has_default ? document_.fonts[default_character_.font].number : default_font_number_;
 }
 
 void Parser::EndColors() {

@@ -171,7 +171,7 @@ void Writer::Text(std::size_t from, std::size_t to) {
       Object(*object);
       continue;
     }
-    const std::size_t font = std::min<std::size_t>(look_.font, alphabets_.size() - 1);
+    const std::uint32_t font = look_.font < document_.fonts.size() ? look_.font : plain_.font;
     out_.Text(std::string_view(document_.text).substr(text_at_, run.bytes), alphabets_[font]);
     text_at_ += run.bytes;
   }
