@@ -50,7 +50,7 @@ QString Editor::File(const QString& name, const std::string& bytes) {
   QFile file(InFolder(name));
   EXPECT_TRUE(file.open(QIODevice::WriteOnly));
   file.write(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  return file.fileName();
+  return InFolder(name);
 }
 
 std::string Editor::BytesOf(const QString& path) {

@@ -228,7 +228,7 @@ TEST_F(Editor, SaveAsAsksAndGoesBackWhenCancelled) {
   EXPECT_EQ(BytesOf(other), "[A]\r\nx=1\r\n\r\n");
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
   EXPECT_EQ(Dump(Ini().Tree()), ">b.ini\n A\n  x=1\n");
-  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Last Save"_s), folder_.path());
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Last Save"_s), QDir::toNativeSeparators(folder_.path()));
 }
 
 TEST_F(Editor, ClosingAsksAndAFailedWriteKeepsTheWindow) {

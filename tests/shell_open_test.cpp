@@ -25,9 +25,11 @@ QString NotAFile(const QString& path) {
 
 TEST_F(Editor, PathListFindsFilesAmongBlanks) {
   const QString plain = File(u"a.ini"_s, kIni), blank = File(u"b c.ini"_s, kIni);
-  dialogs_.ExpectMsgBox(NotAFile(folder_.path()), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
+  dialogs_.ExpectMsgBox(NotAFile(QDir::toNativeSeparators(folder_.path())), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok,
+                        MsgIcon::Information);
   dialogs_.ExpectMsgBox(NotAFile(u"nowhere.ini"_s), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
-  Start({u" "_s + plain + u"  "_s + folder_.path() + u" nowhere.ini "_s + blank + u" "_s, blank});
+  Start({u" "_s + plain + u"  "_s + QDir::toNativeSeparators(folder_.path()) + u" nowhere.ini "_s + blank + u" "_s,
+         blank});
   EXPECT_EQ(Ini(0).windowTitle(), u"a.ini");
   EXPECT_EQ(Ini(1).windowTitle(), u"b c.ini");
   EXPECT_EQ(Ini(2).Slot().path, blank);
@@ -76,7 +78,7 @@ TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   EXPECT_EQ(shown.filter, u"Text File|"_s + Settings().txt_filter + u"|INI File|*.INI|Registry File|*.REG|RTF File|"_s +
                               Settings().rtf_filter + u"|Other (*.*)|*.*"_s);
   EXPECT_TRUE(shown.multi_select);
-  EXPECT_EQ(shown.init_dir, folder_.path());
+  EXPECT_EQ(shown.init_dir, QDir::toNativeSeparators(folder_.path()));
   EXPECT_EQ(Ini(0).windowTitle(), u"odd.cfg");
   EXPECT_EQ(Ini(1).windowTitle(), u"one two.ini");
   EXPECT_EQ(Ini(2).windowTitle(), u"b.ini");

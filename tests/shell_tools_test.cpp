@@ -23,7 +23,7 @@ class ToolsTest : public Editor {
 
 TEST_F(ToolsTest, GatheredListsGoToTheClipboard) {
   qputenv("TME_B", "2=3");
-  qputenv("TME_A", "");
+  qputenv("TME_A", "1");
   Start();
   File(u"b.txt"_s, std::string(1234567, 'x'));
   File(u".A"_s, "12");
@@ -34,13 +34,13 @@ TEST_F(ToolsTest, GatheredListsGoToTheClipboard) {
   QString listing = QGuiApplication::clipboard()->text();
   listing.replace(QRegularExpression(u"\\d{4}-\\d\\d-\\d\\d  \\d\\d:\\d\\d"_s), u"TIME"_s);
   listing.replace(QRegularExpression(u" +[\\d,]+ bytes free"_s), u" FREE"_s);
-  EXPECT_EQ(listing, u" Directory of "_s + folder_.path() +
+  EXPECT_EQ(listing, u" Directory of "_s + QDir::toNativeSeparators(folder_.path()) +
                          u"\n\nTIME    <DIR>         .\nTIME    <DIR>         ..\nTIME                2 .A\n"
                          "TIME        1,234,567 b.txt\nTIME    <DIR>         Sub\n"
                          "               2 File(s)      1,234,569 bytes\n               3 Dir(s) FREE\n"_s);
   dialogs_.ExpectMsgBox(u"Environmental Variable Gathering Complete"_s, u"Tamarind Editor"_s);
   Choose(u"menu_FeatureVars"_s);
-  EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(u"\nTME_A=\nTME_B=2=3\n"_s));
+  EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(u"\nTME_A=1\nTME_B=2=3\n"_s));
   global_.settings.supress_results = true;
   Choose(u"menu_FeatureVars"_s);
 }
