@@ -108,7 +108,7 @@ class RichText(Kind):
 
 class Entries(Kind):
     """Lines between a head and a tail."""
-    first, most = 400, 1  # more lines, and opening a registry file would ask
+    first, most = 400, 1
     head = tail = line = ""
     dialog = ""
 
@@ -146,6 +146,7 @@ class Ini(Entries):
 
 class Registry(Entries):
     suffix = ".reg"
+    first = 20  # each round adds some; at 500 lines opening would ask
     head, line, tail = "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\T]\r\n", '"k{0}"="v{0}"\r\n', "\r\n"
     dialog = "Add New String"
     where = (150, 400)
