@@ -50,6 +50,14 @@ void form_RTF::BuildControls(QWidget& client) {
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::TextChanged);
   connect(pad, &RtfPad::PasteRequested, this, &form_RTF::Paste);
   WatchPad(client);
+  // Who comes to the window without saying where goes to the first in the order: to the text, not to a button.
+  QWidget* before = pad;
+  for (QAction* action : Toolbar1->actions()) {
+    QWidget* button = Toolbar1->widgetForAction(action);
+    if (button->focusPolicy() == Qt::NoFocus) continue;
+    QWidget::setTabOrder(before, button);
+    before = button;
+  }
 }
 
 void form_RTF::BuildToolbar(QWidget& client) {
