@@ -116,6 +116,11 @@ TEST_F(HistoryTest, OneOwnsTheStoreAndOthersOnlyAdd) {
   other.Prune(later_);
   EXPECT_EQ(Contents(other), "3 ");
   EXPECT_EQ(Blobs(), 1);
+
+  QFile claim(folder_.filePath(u"k/in-use"_s));
+  ASSERT_TRUE(QDir(folder_.path()).mkdir(u"k"_s) && claim.open(QIODevice::WriteOnly));
+  claim.close();
+  EXPECT_TRUE(History(folder_.filePath(u"k"_s)).Claim()) << "left empty by a machine that stopped";
 }
 
 TEST_F(HistoryTest, OrderOutlivesAClockThatGoesBack) {

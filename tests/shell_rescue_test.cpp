@@ -19,13 +19,14 @@ struct Fault {
   const char* name;
   std::errc error;
   enum class Lasts { Once, FromThenOn } lasts;
-  enum class Folder { Open, Refuses } folder;
+  enum class Folder { Open, Refuses, KeepsItsFiles } folder;
 };
 const Fault kFaults[] = {
     {"disk error", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::Open},
     {"full disk", std::errc::no_space_on_device, Fault::Lasts::FromThenOn, Fault::Folder::Open},
     {"permission", std::errc::permission_denied, Fault::Lasts::Once, Fault::Folder::Open},
-    {"folder without temporary files", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::Refuses}};
+    {"folder without temporary files", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::Refuses},
+    {"folder that keeps its files", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::KeepsItsFiles}};
 
 /// Fails at a step; step 0 is none. Writes are short.
 class FailingSteps : public FileSteps {
@@ -60,6 +61,7 @@ class FailingSteps : public FileSteps {
   }
   std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
     const std::error_code error = Next();
+    if (fault_.folder == Fault::Folder::KeepsItsFiles) return std::make_error_code(std::errc::operation_not_permitted);
     return error ? error : FileSteps::Replace(from, to);
   }
 

@@ -119,6 +119,9 @@ std::optional<FileFailure> PutInPlace(Temporary& temporary, const system_file::T
   const std::error_code error = temporary.Replace(target.path);
   if (!error) return std::nullopt;
   FileFailure failure = Failure(error);
+  // Someone else's file in a folder like /tmp, or a file that is a mount of its own: it may be written all the same.
+  failure.folder_refused =
+      target.exists && (error == std::errc::operation_not_permitted || error == std::errc::device_or_resource_busy);
   std::error_code unknown;
   if (target.exists && !fs::exists(target.path, unknown) && !unknown) {
     const std::u8string name = temporary.Keep().filename().u8string();

@@ -47,7 +47,8 @@ std::optional<std::string> EncodeText(std::string_view text, const TextFormat& f
 /// Why a file could not be read or written, in the system's words ("Permission denied").
 struct FileFailure {
   std::string reason;
-  /// A write got no temporary file, because the folder allows none; WriteFileInPlace may still work.
+  /// A write got no temporary file or could not put it in place, because the folder does not allow it, and changed
+  /// nothing; WriteFileInPlace may still work.
   bool folder_refused = false;
   /// A write in place failed, and so did putting the old bytes back: the file holds neither these nor the new ones. Or
   /// the system took the old file away and could not put the new one there, which is left beside it then (Windows).

@@ -153,7 +153,10 @@ History::History(QString folder, HistoryLimits limits)
 
 bool History::Claim() {
   const std::scoped_lock lock(mutex_);
-  return claim_.isLocked() || !QFileInfo(folder_).isDir() || claim_.tryLock();
+  if (claim_.isLocked() || !QFileInfo(folder_).isDir() || claim_.tryLock()) return true;
+  // A machine that stopped may leave a claim without a word in it, which never grows stale. The file cannot be taken
+  // from a process that lives: the system's own lock is on it.
+  return claim_.removeStaleLockFile() && claim_.tryLock();
 }
 
 QString History::NewId() {
