@@ -90,8 +90,8 @@ int Main(int argc, char** argv) {
     if (argument == "--help") return std::fputs(kHelp, stdout) < 0;
     if (argument == "--version") return std::puts("Tamarind Editor " TME_VERSION) < 0;
   }
-  // Patterns are not compiled to machine code: the few of the file dialogs do not need it, and what that keeps for each
-  // thread is read after it was freed when a thread of a program built with MinGW ends.
+  // Patterns are not compiled to machine code: the few of the file dialogs do not need it, and the memory which that
+  // keeps for each thread is one that a program built with MinGW frees too early.
   qputenv("QT_ENABLE_REGEXP_JIT", "0");
   // Desktops find the icon of a window by the name of the desktop entry.
   QGuiApplication::setDesktopFileName(u"tamarind-editor"_s);
