@@ -1,3 +1,4 @@
+#include "platform/SessionEnd.h"
 #include "shell/Startup.h"
 
-int main(int argc, char** argv) { return tme::Main(argc, argv); }
+int main(int argc, char** argv) { tme::LeaveProcess(tme::Main(argc, argv)); }

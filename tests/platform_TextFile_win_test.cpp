@@ -59,7 +59,7 @@ TEST_F(WriteFile, SaysWhyNot) {
 
   EXPECT_EQ(Reason(WriteFileBytes(In(""), "new")), "Is a directory");
   EXPECT_EQ(Get(In("")), "failed: Is a directory");
-  for (const wchar_t* device : {L"NUL", LR"(\\.\NUL)"}) EXPECT_EQ(Get(device), "failed: Not a regular file");
+  for (const wchar_t* device : {L"NUL", L"CON", LR"(\\.\NUL)"}) EXPECT_EQ(Get(device), "failed: Not a regular file");
 
   Put(In("taken"), "old");
   const HANDLE alone = ::CreateFileW(In("taken").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);

@@ -24,6 +24,9 @@ class ShellIntegration {
   /// program: whole path of the executable that the hooks start. The registry outlives this.
   ShellIntegration(RegistryAccess& registry, QString program);
 
+  /// Where the file manager of this system offers the program by the SendTo hook; "&" is before the access key.
+  static QString SendToPlace();
+
   /// Off also when the hook starts another copy of the program.
   HookState State(ShellHook hook) const;
   /// Writes or removes everything that belongs to the hook, another copy's included, and the folders that were made for

@@ -216,6 +216,8 @@ void SetThunarAction(const QString& program, HookState state, RegistryAccess& re
 ShellIntegration::ShellIntegration(RegistryAccess& registry, QString program)
     : registry_(registry), program_(std::move(program)) {}
 
+QString ShellIntegration::SendToPlace() { return u"S&end To and Open With"_s; }
+
 HookState ShellIntegration::State(ShellHook hook) const {
   const std::vector<HookFile> files = FilesOf(hook, program_);
   const auto starts_program = [this](const HookFile& file) { return StartsProgram(file.path, program_); };

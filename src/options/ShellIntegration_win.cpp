@@ -149,6 +149,8 @@ void SetContextMenu(RegistryAccess& registry, const QString& program, HookState 
 ShellIntegration::ShellIntegration(RegistryAccess& registry, QString program)
     : registry_(registry), program_(std::move(program)) {}
 
+QString ShellIntegration::SendToPlace() { return u"S&end To"_s; }
+
 HookState ShellIntegration::State(ShellHook hook) const {
   const auto same = [](const QString& a, const QString& b) { return a.toUpper() == b.toUpper(); };
   const QString program = QDir::toNativeSeparators(program_);

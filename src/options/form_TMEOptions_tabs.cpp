@@ -122,7 +122,8 @@ void form_TMEOptions::BuildGeneralTab(QVBoxLayout* column) {
   BuildAutoSave(add_group(u"frm_AutoSave"_s, tr("AutoSave")));
 
   QVBoxLayout* manager = add_group(u"frm_FileManager"_s, tr("File Manager"));
-  cb_SendTo = AddCheckBox(manager, u"cb_SendTo"_s, tr("Offer the editor under S&end To and Open With"));
+  cb_SendTo =
+      AddCheckBox(manager, u"cb_SendTo"_s, tr("Offer the editor under %1").arg(ShellIntegration::SendToPlace()));
   Check1 = AddCheckBox(manager, u"Check1"_s, tr("Offer the editor in the context &menu of all files"));
   column->addStretch();
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 
 #include "platform/SessionEnd.h"
 
@@ -25,6 +26,8 @@ void WakeUp(int) {
 }
 
 }  // namespace
+
+void LeaveProcess(int status) { std::exit(status); }
 
 class SessionEnd::Signals {
  public:

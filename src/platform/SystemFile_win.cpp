@@ -75,6 +75,11 @@ std::optional<FileFailure> RefuseUnlessRegular(HANDLE handle, BY_HANDLE_FILE_INF
   return Failure(std::make_error_code(std::errc::is_a_directory));
 }
 
+/// Why a path could not be opened. A device such as CON is told by that, in a program without a console.
+FileFailure FailureToOpen(DWORD error) {
+  return error == ERROR_INVALID_HANDLE ? FileFailure{"Not a regular file"} : Failure(Error(error));
+}
+
 std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
 /// Where a link leads; the path itself when it is none.
@@ -170,7 +175,7 @@ FileFailure Failure(const std::error_code& error) {
 std::optional<FileFailure> OpenForReading(const fs::path& path, FileHandle& handle, std::uint64_t& size) {
   // A folder would be refused without its reason.
   OwnedHandle file(Open(path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_SEQUENTIAL_SCAN));
-  if (!file) return Failure(LastError());
+  if (!file) return FailureToOpen(::GetLastError());
   BY_HANDLE_FILE_INFORMATION info{};
   if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
   size = Joined(info.nFileSizeHigh, info.nFileSizeLow);
@@ -194,7 +199,7 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
     const DWORD error = ::GetLastError();
     // A link that leads nowhere is there itself.
     if (error == ERROR_FILE_NOT_FOUND && !IsThere(Native(path))) return std::nullopt;
-    return Failure(Error(error));
+    return FailureToOpen(error);
   }
   BY_HANDLE_FILE_INFORMATION info{};
   if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
