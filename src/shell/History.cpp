@@ -50,7 +50,9 @@ QString OriginMark(const ContentOrigin& origin) {
 
 std::optional<FileFailure> MakeFolder(const QString& path) {
   if (QFileInfo(path).isDir()) return std::nullopt;
-  if (!QDir().mkpath(path)) return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
+  // Another thread may have made it meanwhile.
+  if (!QDir().mkpath(path) && !QFileInfo(path).isDir())
+    return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
   QFile::setPermissions(path, kOnlyTheUser);
   return std::nullopt;
 }
