@@ -100,8 +100,8 @@ std::optional<Record> ReadRecord(const QFileInfo& file) {
   return record;
 }
 
-/// In the order of their names. Not by a pattern: matching one leaves behind, on a thread of its own, what the threads
-/// of MinGW take down after its memory is gone.
+/// In the order of their names. Not by a pattern: Qt keeps what matching one needs in a thread_local, and a thread of
+/// MinGW's frees that memory before the destructor runs, so that the threads here would end in a crash.
 QFileInfoList RecordFiles(const QString& folder, const QString& mark = {}) {
   QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
   files.removeIf([ending = mark + kEnding](const QFileInfo& file) { return !file.fileName().endsWith(ending); });
