@@ -7,5 +7,8 @@
 bool EnterSystem(const QString& home);
 /// The file that stands for the program among what a file can be sent to; for tests that are in its way.
 QString SendToEntry();
+enum class Missing { File, Folder };
+/// What the system says of a path that leads nowhere since that is missing; no full stop.
+QString NothingThere(Missing what);
 /// Takes away what EnterSystem made.
 void LeaveSystem();

@@ -8,4 +8,6 @@ QString SendToEntry() {
   return QDir::homePath() + QStringLiteral("/.local/share/applications/tamarind-editor.desktop");
 }
 
+QString NothingThere(Missing /*what*/) { return QStringLiteral("No such file or directory"); }
+
 void LeaveSystem() {}

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TestSystem.h"
+#include "platform/SystemMessage_win.h"
 
 namespace {
 
@@ -36,6 +37,11 @@ bool EnterSystem(const QString& home) {
 }
 
 QString SendToEntry() { return send_to + QStringLiteral("/Tamarind Editor.lnk"); }
+
+QString NothingThere(Missing what) {
+  return QString::fromStdString(
+      tme::SystemMessage(what == Missing::File ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND));
+}
 
 void LeaveSystem() {
   ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);

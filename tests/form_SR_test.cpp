@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 
 #include "Editor.h"
 #include "platform/Twips.h"
@@ -182,6 +183,7 @@ TEST_F(Search, StandsInTheTopRightCorner) {
     window.SearchFind();
     const QRect corner = contained ? frame_->frameGeometry() : frame_->screen()->geometry();
     EXPECT_EQ(Dialog()->frameGeometry().top(), corner.top() + gap);
-    EXPECT_EQ(Dialog()->frameGeometry().right(), corner.right() - gap);
+    // One that wide fonts make wider than the place begins at the screen's edge.
+    EXPECT_EQ(Dialog()->frameGeometry().right(), std::max(corner.right() - gap, Dialog()->frameGeometry().width() - 1));
   }
 }

@@ -53,7 +53,7 @@ class OptionsDialog : public Editor {
     QApplication::processEvents();
   }
 
-  ShellIntegration integration_{registry_, u"/opt/tme"_s};
+  ShellIntegration integration_{registry_, QCoreApplication::applicationFilePath()};
   std::vector<int> timer_;
   std::unique_ptr<form_TMEOptions> dialog_;
 };

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QRegularExpression>
@@ -9,6 +10,7 @@
 #include <QTest>
 
 #include "Editor.h"
+#include "TestSystem.h"
 #include "platform/Twips.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
@@ -143,10 +145,9 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   EXPECT_EQ(BytesOf(other), "old");
 
   common_dialog_.ExpectSave(InFolder(u"no folder/x.txt"_s));
-  dialogs_.ExpectMsgBox(
-      u"TME could not save the file\r( %1 )\rNo such file or directory.  The file on disk is "
-      u"unchanged."_s.arg(InFolder(u"no folder/x.txt"_s)),
-      u"Tamarind Editor"_s);
+  dialogs_.ExpectMsgBox(u"TME could not save the file\r( %1 )\r%2.  The file on disk is unchanged."_s.arg(
+                            InFolder(u"no folder/x.txt"_s), NothingThere(Missing::Folder)),
+                        u"Tamarind Editor"_s);
   window.SaveAs();
   EXPECT_EQ(window.Slot().path, first);
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -35,7 +36,7 @@ class FileDialogs : public testing::Test {
     dialog_.default_ext = u".TXT"_s;
     dialog_.init_dir = folder_.path();
   }
-  QString In(QLatin1StringView name) const { return folder_.filePath(name); }
+  QString In(QLatin1StringView name) const { return QDir::toNativeSeparators(folder_.filePath(name)); }
   void Make(QLatin1StringView name) const { EXPECT_TRUE(QFile(In(name)).open(QIODevice::WriteOnly)); }
 
   CommonDialog dialog_;

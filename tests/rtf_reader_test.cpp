@@ -28,6 +28,7 @@ void Check(const std::vector<ReadCase>& cases) {
 }
 
 TEST(RtfReader, Characters) {
+  const std::string none = BytesToUtf8(1251, "\x98");  // some systems have a control character there
   Check({
       {"paragraphs: the last end makes none, text behind it does", R"(a\par b\par)", "a|b|"},
       {"line ends are nothing, escaped ones are paragraphs", "a\r\nb\\\nc\\\r\nd", "ab|c|d|"},
@@ -38,7 +39,7 @@ TEST(RtfReader, Characters) {
       {"double bytes, mixed with raw ones and with ASCII as second byte",
        "{\\f2 \\'82\\'a0\\'83\\'5c\\'83\\\\\\'83A\x82\\'a2}", "[Jap:\u3042\u30BD\u30BD\u30A2\u3044]|"},
       {"half a character", R"({\f2 \'82}x)", "[Jap:\uFFFD]x|", "unknown 1 "},
-      {"a byte without a character", R"(\f1\'98)", "[Cyr:\uFFFD]|", "unknown 1 "},
+      {"a byte without a character", R"(\f1\'98)", "[Cyr:" + none + "]|", none == "\uFFFD" ? "unknown 1 " : ""},
       {"unicode, what is skipped behind it",
        R"(\u8364?\u8364\'80\u-4 ?{\uc2\u233 ab\uc0\u233 c}\u233\~\u233\endash\u233{x}\u233\b0 y)",
        "\u20AC\u20AC\uFFFC\u00E9\u00E9c\u00E9\u00E9\u00E9x\u00E9y|"},

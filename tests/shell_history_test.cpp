@@ -148,7 +148,10 @@ TEST_F(HistoryTest, WhatIsNamedStaysWhileOthersWork) {
   std::thread cleaning([&] {
     for (int round = 0; round < kRounds; ++round) history.Prune(now_);
   });
-  for (int round = 0; round < kRounds; ++round) history.Keep(file_, KeptReason::BeforeSave, content(round), now_);
+  for (int round = 0; round < kRounds; ++round) {
+    const auto failure = history.Keep(file_, KeptReason::BeforeSave, content(round), now_);
+    EXPECT_FALSE(failure) << failure->reason;
+  }
   history.PutAside(u"2"_s, new_, "2", now_);
   history.ForgetAside(u"2"_s);
   snapshots.join();

@@ -189,9 +189,9 @@ TEST_F(Editor, SettingsAreCleaned) {
   const QString documents = PersonalFolder(registry_);
   EXPECT_FALSE(documents.isEmpty());
   RememberLastSaveFolder(registry_, folder_.path());
-  EXPECT_EQ(LastSaveFolder(registry_), folder_.path());
+  EXPECT_EQ(LastSaveFolder(registry_), QDir::toNativeSeparators(folder_.path()));
   RememberLastSaveFolder(registry_, InFolder(u"gone"_s));
-  EXPECT_EQ(LastSaveFolder(registry_), folder_.path());
+  EXPECT_EQ(LastSaveFolder(registry_), QDir::toNativeSeparators(folder_.path()));
   folder_.remove();
   EXPECT_EQ(LastSaveFolder(registry_), documents);
 }

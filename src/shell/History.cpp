@@ -50,7 +50,9 @@ QString OriginMark(const ContentOrigin& origin) {
 
 std::optional<FileFailure> MakeFolder(const QString& path) {
   if (QFileInfo(path).isDir()) return std::nullopt;
-  if (!QDir().mkpath(path)) return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
+  // Another thread may have made it meanwhile.
+  if (!QDir().mkpath(path) && !QFileInfo(path).isDir())
+    return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
   QFile::setPermissions(path, kOnlyTheUser);
   return std::nullopt;
 }
@@ -98,9 +100,12 @@ std::optional<Record> ReadRecord(const QFileInfo& file) {
   return record;
 }
 
-/// In the order of their names.
+/// In the order of their names. Not by a pattern: Qt keeps what matching one needs in a thread_local, and a thread of
+/// MinGW's frees that memory before the destructor runs, so that the threads here would end in a crash.
 QFileInfoList RecordFiles(const QString& folder, const QString& mark = {}) {
-  return QDir(folder).entryInfoList({u'*' + mark + kEnding}, QDir::Files | QDir::Hidden, QDir::Name);
+  QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
+  files.removeIf([ending = mark + kEnding](const QFileInfo& file) { return !file.fileName().endsWith(ending); });
+  return files;
 }
 
 QList<Record> ReadRecords(const QString& folder, const QString& mark = {}) {
@@ -288,8 +293,8 @@ void History::Prune(const QDateTime& now) {
   if (!Claim()) return;
   const QDateTime settled = now.addSecs(-kSettledSeconds);
   for (const QString& folder : {kVersions, kAside})
-    for (const QFileInfo& torn : QDir(folder_ + u'/' + folder).entryInfoList({u".tme-*"_s}, QDir::Files | QDir::Hidden))
-      if (IsSettled(torn.filePath(), settled)) QFile::remove(torn.filePath());
+    for (const QFileInfo& torn : QDir(folder_ + u'/' + folder).entryInfoList(QDir::Files | QDir::Hidden))
+      if (torn.fileName().startsWith(u".tme-") && IsSettled(torn.filePath(), settled)) QFile::remove(torn.filePath());
   QSet<QByteArray> named;
   for (const Record& record : ReadRecords(folder_ + u'/' + kAside)) named.insert(record.digest);
   QHash<QString, int> of_file;

@@ -1,5 +1,6 @@
 #include "shell/Settings.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <cmath>
 #include <limits>
@@ -70,7 +71,7 @@ QString PersonalFolder(const RegistryAccess& registry) {
 
 void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder) {
   if (!folder.isEmpty() && QFileInfo(folder).isDir())
-    registry.WriteValue(SettingsRoot, u"Last Save"_s, kTextType, folder);
+    registry.WriteValue(SettingsRoot, u"Last Save"_s, kTextType, QDir::toNativeSeparators(folder));
 }
 
 QString LastSaveFolder(const RegistryAccess& registry) {
