@@ -10,6 +10,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 
+#include "options/ShellIntegration.h"
 #include "options/form_TMEOptions.h"
 
 using namespace Qt::StringLiterals;
