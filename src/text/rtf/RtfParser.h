@@ -132,6 +132,7 @@ class Parser {
   // RtfParserGroups.cpp: control words that say what their group is.
   void ReadGroupWord(const ControlWord& word);
   void ReadBodyGroup(const ControlWord& word);
+  void AddFootnote();
   void AddShownPicture();
   void ReadLabelGroupWord(const ControlWord& word);
   void ReadUnknownGroup();

@@ -224,16 +224,19 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     case Control::Drawing:
       AddDrawing(TakeGroup(), "Drawing");
       break;
-    case Control::Footnote: {
-      std::string group = TakeGroup();
-      std::string label = LabelOf(group, Destination::Body);
-      AddObject(ObjectKind::Placeholder, std::move(group), std::move(label));
+    case Control::Footnote:
+      AddFootnote();
       break;
-    }
     default:
       KeepInvisible(TakeGroup());
       break;
   }
+}
+
+void Parser::AddFootnote() {
+  std::string group = TakeGroup();
+  std::string label = LabelOf(group, Destination::Body);
+  AddObject(ObjectKind::Placeholder, std::move(group), std::move(label));
 }
 
 /// With the form for other readers, which follows.
