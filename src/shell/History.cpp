@@ -49,10 +49,11 @@ QString OriginMark(const ContentOrigin& origin) {
 }
 
 std::optional<FileFailure> MakeFolder(const QString& path) {
+  // Of two threads that make the folders on one way, one would fail at a folder that the other has just made.
+  static std::mutex one_at_a_time;
+  const std::scoped_lock lock(one_at_a_time);
   if (QFileInfo(path).isDir()) return std::nullopt;
-  // Another thread may have made it meanwhile.
-  if (!QDir().mkpath(path) && !QFileInfo(path).isDir())
-    return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
+  if (!QDir().mkpath(path)) return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
   QFile::setPermissions(path, kOnlyTheUser);
   return std::nullopt;
 }
