@@ -308,9 +308,13 @@ void mdform_TMEditor::CascadeAfterOpening() {
     cascade_when_shown_ = true;
     return;
   }
-  ArrangeWindows(0);
   QMdiSubWindow* active = area_->activeSubWindow();
+  QWidget* const keys = active ? active->widget()->focusWidget() : nullptr;
+  ArrangeWindows(0);
+  active = area_->activeSubWindow();
   if (global_.settings.start_editors_max && active && !active->isHidden()) active->showMaximized();
+  // A window that is resized so is hidden for a moment, which hands the keys on to its next control.
+  if (keys && active && active->isAncestorOf(keys)) keys->setFocus();
 }
 
 void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
