@@ -101,6 +101,10 @@ TEST_F(HistoryTest, PutsUnsavedContentAside) {
   history.ForgetAside(u"1"_s);
   ASSERT_EQ(history.Aside().size(), 1);
   EXPECT_EQ(history.Aside().first().origin.title, new_.title);
+  history.ForgetAside(u"5"_s);
+  history.PutAside(u"5"_s, new_, "saved before the snapshot's thread began", now_);
+  EXPECT_EQ(history.Aside().size(), 1);
+  EXPECT_EQ(Blobs(), 2);
 }
 
 TEST_F(HistoryTest, OneOwnsTheStoreAndOthersOnlyAdd) {

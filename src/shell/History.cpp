@@ -251,7 +251,7 @@ std::optional<FileFailure> History::PutAside(const QString& id, const ContentOri
   bool is_sole = false;
   {
     const std::scoped_lock lock(mutex_);
-    coming_ = id;
+    if (forgotten_.contains(id)) return std::nullopt;
     is_sole = sole_.value(id) == digest || !QFileInfo::exists(BlobPath(digest));
     sole_.removeIf(
         [&](std::pair<const QString&, QByteArray&> other) { return other.first != id && other.second == digest; });
@@ -259,8 +259,7 @@ std::optional<FileFailure> History::PutAside(const QString& id, const ContentOri
   auto failure = Store(content, digest);
   if (!failure) failure = WriteRecord(folder_ + u'/' + kAside, record);
   const std::scoped_lock lock(mutex_);
-  const bool forgotten = std::exchange(coming_, QString()) != id;
-  if (forgotten) {
+  if (forgotten_.contains(id)) {
     QFile::remove(AsidePath(id));
     if (is_sole) DropUnlessKept(digest);
     return std::nullopt;
@@ -278,7 +277,7 @@ void History::DropUnlessKept(const QByteArray& digest) const {
 
 void History::ForgetAside(const QString& id) {
   const std::scoped_lock lock(mutex_);
-  if (coming_ == id) coming_.clear();
+  forgotten_.insert(id);
   QFile::remove(AsidePath(id));
   DropUnlessKept(sole_.take(id));
 }

@@ -85,10 +85,10 @@ class History {
   static QByteArray DigestOf(std::string_view content);
 
   /// Puts content aside under an id (NewId); replaces what had that id, whose content goes when nothing else of this
-  /// process has it. Forgotten before it was done, it did not happen.
+  /// process has it. Forgotten before it was done, or before it began, it did not happen.
   std::optional<FileFailure> PutAside(const QString& id, const ContentOrigin& origin, std::string_view content,
                                       const QDateTime& time = QDateTime::currentDateTimeUtc());
-  /// For good: the id is not used again.
+  /// For good, whatever another thread is about to put aside under the id.
   void ForgetAside(const QString& id);
   /// Oldest first.
   QList<AsideContent> Aside() const;
@@ -125,8 +125,8 @@ class History {
   QSet<QByteArray> kept_;
   /// By id, the content that was written for this snapshot and that no other one names.
   QHash<QString, QByteArray> sole_;
-  /// The id whose content is on its way to the disk; empty for none, and once it is forgotten.
-  QString coming_;
+  /// Every id that was: a snapshot's thread may not have begun when its document is saved.
+  QSet<QString> forgotten_;
   qint64 last_version_ms_ = 0;
 };
 
