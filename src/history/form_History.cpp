@@ -28,6 +28,7 @@
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
+#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -394,28 +395,14 @@ void form_History::cmd_OpenAsNew_Click() {
 
 QString form_History::AskForCopyPath(const ContentOrigin& origin) {
   const QFileInfo name(origin.title);
-  const QString suffix = origin.path.isEmpty() ? QString::fromLatin1(TraitsOf(origin.kind).name) : name.suffix();
-  CommonDialog& dialog = global_.common_dialog;
-  while (true) {
-    dialog.title = tr("Save a Copy");
-    dialog.filter = tr("All Files") + u"|*.*"_s;
-    const int filter_index = std::exchange(dialog.filter_index, 1);
-    dialog.default_ext = suffix.isEmpty() ? QString() : u'.' + suffix;
-    dialog.init_dir = LastSaveFolder(global_.registry);
-    dialog.file_name = name.completeBaseName() + tr(" (kept)") + dialog.default_ext;
-    const QString path = dialog.ShowSave();
-    dialog.filter_index = filter_index;  // what a rich-text save writes goes by it
-    if (path.isEmpty() || !QFileInfo::exists(path)) return path;
-    switch (global_.dialogs.MsgBox(tr("Overwrite existing file?"), MsgButtons::YesNoCancel, MsgIcon::Question,
-                                   tr("File Exists"))) {
-      case MsgAnswer::Yes:
-        return path;
-      case MsgAnswer::No:
-        break;
-      default:
-        return {};
-    }
-  }
+  QString ending = origin.path.isEmpty() ? QString::fromLatin1(TraitsOf(origin.kind).name) : name.suffix();
+  if (!ending.isEmpty()) ending.prepend(u'.');
+  // What a rich-text save writes goes by the entry that its own dialog had.
+  const int filter_index = global_.common_dialog.filter_index;
+  QString path = AskForSavePath(global_, {tr("Save a Copy"), tr("All Files") + u"|*.*"_s, ending,
+                                          name.completeBaseName() + tr(" (kept)") + ending});
+  global_.common_dialog.filter_index = filter_index;
+  return path;
 }
 
 void form_History::cmd_SaveCopy_Click() {

@@ -28,6 +28,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -284,7 +285,7 @@ form_INI::SaveOutcome form_INI::SaveElsewhere() {
 form_INI::SaveOutcome form_INI::Save() {
   DocumentSlot& slot = Slot();
   const bool chosen = slot.path.isEmpty();
-  const QString path = chosen ? AskForSavePath(u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s) : slot.path;
+  const QString path = chosen ? AskForSavePath(global_, {u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s}) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
   ClearNotice();
   if (!WriteTo(path)) return SaveOutcome::Failed;

@@ -28,6 +28,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -362,7 +363,7 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
   QString path = slot.path;
   if (std::exchange(force_dialog_, false) || path.isEmpty())
-    path = AskForSavePath(u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s);
+    path = AskForSavePath(global_, {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s});
   const bool saved = !path.isEmpty() && WriteTo(path);
   if (!saved) {
     SetLocation(location);

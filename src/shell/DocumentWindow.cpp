@@ -9,10 +9,8 @@
 #include <new>
 
 #include "base/Utf8.h"
-#include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/FilePath.h"
-#include "platform/ShellUtilities.h"
 #include "shell/DigestingSteps.h"
 #include "shell/Global.h"
 #include "shell/History.h"
@@ -266,29 +264,6 @@ void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& fa
                                      "it held before.")
                                 : tr("The file on disk is unchanged.")),
       MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
-}
-
-QString DocumentWindow::AskForSavePath(const QString& title, const QString& filter, const QString& default_ext) {
-  CommonDialog& dialog = global_.common_dialog;
-  while (true) {
-    dialog.title = title;
-    dialog.filter = filter;
-    dialog.filter_index = 1;
-    dialog.default_ext = default_ext;
-    dialog.file_name.clear();
-    dialog.init_dir = LastSaveFolder(global_.registry);
-    QString path = dialog.ShowSave();
-    if (path.isEmpty() || !global_.shell_utilities.FileExists(path)) return path;
-    switch (global_.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
-                                   u"File Exists"_s)) {
-      case MsgAnswer::Yes:
-        return path;
-      case MsgAnswer::No:
-        break;
-      default:
-        return {};
-    }
-  }
 }
 
 bool DocumentWindow::ConfirmClose(const std::function<SaveOutcome()>& save,

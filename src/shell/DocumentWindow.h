@@ -107,8 +107,6 @@ class DocumentWindow : public QWidget {
   static std::string BytesOf(TextFormat& format, const PartProducer& produce);
   /// Says that a save had to change the encoding; nothing when it did not.
   void AddEncodingNotice(TextEncoding before, TextEncoding after);
-  /// The save dialog with its question about an existing file; the path that the user chose, empty when cancelled.
-  QString AskForSavePath(const QString& title, const QString& filter, const QString& default_ext);
 
   enum class SaveOutcome { Saved, Cancelled, Failed };
   /// "Save this file?" when the document is changed; false keeps the window: the answer was Cancel, or the write

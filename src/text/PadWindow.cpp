@@ -14,6 +14,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
+#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/form_SR.h"
 
@@ -82,7 +83,7 @@ PadWindow::SaveOutcome PadWindow::Save() {
   QString path = slot.path;
   if (chosen) {
     const SaveDialogTexts texts = SaveTexts();
-    path = AskForSavePath(texts.title, texts.filter, texts.default_ext);
+    path = AskForSavePath(global_, {texts.title, texts.filter, texts.default_ext});
     if (path.isEmpty()) {
       // A name that was chosen all the same: the question about overwriting was cancelled. That restores also when
       // no SaveAs came before, which leaves a new document without caption; intended.

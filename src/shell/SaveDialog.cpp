@@ -1,0 +1,35 @@
+#include "shell/SaveDialog.h"
+
+#include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
+#include "platform/ShellUtilities.h"
+#include "shell/Global.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+
+QString AskForSavePath(Global& global, const SaveDialogTexts& texts) {
+  CommonDialog& dialog = global.common_dialog;
+  while (true) {
+    dialog.title = texts.title;
+    dialog.filter = texts.filter;
+    dialog.filter_index = 1;
+    dialog.default_ext = texts.default_ext;
+    dialog.file_name = texts.file_name;
+    dialog.init_dir = LastSaveFolder(global.registry);
+    QString path = dialog.ShowSave();
+    if (path.isEmpty() || !global.shell_utilities.FileExists(path)) return path;
+    switch (global.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
+                                  u"File Exists"_s)) {
+      case MsgAnswer::Yes:
+        return path;
+      case MsgAnswer::No:
+        break;
+      default:
+        return {};
+    }
+  }
+}
+
+}  // namespace tme
