@@ -22,7 +22,6 @@
 #include "history/VersionComparison.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
-#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentWindow.h"
@@ -421,12 +420,12 @@ void form_History::cmd_SaveCopy_Click() {
   const QString path = AskForCopyPath(version.origin);
   if (path.isEmpty()) return;
   // What the copy replaces is kept, too.
-  auto failure = global_.history.KeepFile({version.origin.kind, path, QFileInfo(path).fileName()});
-  if (!failure) failure = WriteFileBytes(FilePath(path), *content);
-  if (failure)
-    global_.dialogs.MsgBox(tr("The copy could not be written to %1: %2.  The file on disk is unchanged.")
-                               .arg(path, QString::fromStdString(failure->reason)),
-                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  const ContentOrigin target{version.origin.kind, path, QFileInfo(path).fileName()};
+  if (const auto failure = global_.history.ReplaceFile(target, *content))
+    global_.dialogs.MsgBox(
+        tr("The copy could not be written to %1: %2.  %3")
+            .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(*failure)),
+        MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   else
     RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
 }
@@ -439,8 +438,10 @@ void form_History::cmd_Restore_Click() {
   const KindTraits& traits = TraitsOf(version.origin.kind);
   const int slot = global_.documents.FindFreeSlot(static_cast<int>(traits.slot_code));
   if (!window && slot < 0) return ShowNoFreeSlot(global_, QString::fromLatin1(traits.message_name));
-  const auto failure = window ? global_.history.Keep(version.origin, KeptReason::BeforeRestore, window->Content())
-                              : global_.history.KeepFile(version.origin, KeptReason::BeforeRestore);
+  const std::optional<std::string> now = window ? std::optional(window->Content()) : std::nullopt;
+  if (now == content) return;  // pressed twice
+  const auto failure = now ? global_.history.Keep(version.origin, KeptReason::BeforeRestore, *now)
+                           : global_.history.KeepFile(version.origin, KeptReason::BeforeRestore);
   if (failure) {
     global_.dialogs.MsgBox(tr("What stands there now could not be kept: %1.  Nothing was restored.")
                                .arg(QString::fromStdString(failure->reason)),

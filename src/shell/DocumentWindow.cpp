@@ -33,6 +33,7 @@ void DocumentWindow::Form_Activate() {
   global_.frame->RefreshMenus(kind_);
   UpdateCommands();
   CheckDisk();
+  global_.frame->TellSettingsFailure();
 }
 
 void DocumentWindow::TakeSlot() {
@@ -199,13 +200,8 @@ FileSteps& DocumentWindow::Steps() const {
 
 std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& target, TextFormat* format,
                                                         const PartProducer& produce, FileSteps& steps) {
-  const std::filesystem::path file = FilePath(target.path);
-  std::string old_bytes;
-  if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
-  if (auto failure = global_.history.Keep(target, KeptReason::BeforeSave, old_bytes)) return failure;
   TextFormat written = format ? *format : TextFormat();
-  const std::string bytes = BytesOf(format ? &written : nullptr, produce);
-  auto failure = WriteFileInPlace(file, bytes, old_bytes, steps);
+  auto failure = global_.history.Overwrite(target, BytesOf(format ? &written : nullptr, produce), steps);
   if (!failure && format) *format = written;
   return failure;
 }
@@ -228,6 +224,7 @@ bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, cons
   const ContentOrigin target{kind_, path, QFileInfo(path).fileName()};
   const std::filesystem::path file = FilePath(path);
   const Replaced replaced = KeepReplaced(target);
+  const bool was_gone = path == Slot().path && disk_stamp_ && !StampOf(file);
   DigestingSteps steps(Steps());
   std::optional<FileFailure> failure =
       format ? WriteTextFile(file, *format, produce, steps) : WriteFileParts(file, produce, steps);
@@ -238,6 +235,8 @@ bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, cons
   }
   disk_stamp_ = StampOf(file);
   own_digest_ = steps.Digest();
+  ClearNotice();  // what stood there was about the document before
+  if (was_gone) AddNotice(tr("The file was no longer on the disk; the save made it anew."));
   if (replaced.is_foreign && !replaced.not_kept)
     AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));
   if (replaced.not_kept)
@@ -252,13 +251,15 @@ void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& fai
       MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
+QString DocumentWindow::WhatIsSafe(const FileFailure& failure) {
+  return failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what it held before.")
+                              : tr("The file on disk is unchanged.");
+}
+
 void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& failure) {
-  global_.dialogs.MsgBox(
-      u"TME could not save the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u".  "_s +
-          (failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what "
-                                     "it held before.")
-                                : tr("The file on disk is unchanged.")),
-      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s +
+                             QString::fromStdString(failure.reason) + u".  "_s + WhatIsSafe(failure),
+                         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
 bool DocumentWindow::ConfirmClose(const std::function<SaveOutcome()>& save,

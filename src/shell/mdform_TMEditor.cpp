@@ -71,11 +71,19 @@ mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
   });
 }
 
-mdform_TMEditor::~mdform_TMEditor() { global_.frame = nullptr; }
+mdform_TMEditor::~mdform_TMEditor() {
+  global_.registry.OnFailure({});
+  global_.frame = nullptr;
+}
 
 void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   RegistryAccess& registry = global_.registry;
   setWindowTitle(kProgramTitle);
+  // Later, since the options dialog may be the one that tells.
+  registry.OnFailure([this] {
+    settings_failure_untold_ = true;
+    QTimer::singleShot(0, this, &mdform_TMEditor::TellSettingsFailure);
+  });
   registry.CreateKey(kMakerKey);
   global_.settings.present = registry.CreateKey(SettingsRoot);
   const auto handle = static_cast<quint32>(winId());
@@ -95,6 +103,7 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   CreateDocumentWindows();
   rescue_->ReopenAfterCrash();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
+  rescue_->ShowInsteadOfFile();
   OpenWelcomeDocument();
   RefreshMenus(DocumentKind::Mdi);
   show();
@@ -109,6 +118,12 @@ void mdform_TMEditor::ReadSettings() {
   if (settings.present) settings.ReadFrameGroup(global_.registry);
   if (settings.txt_present) settings.ReadTxtGroup(global_.registry);
   if (settings.rtf_present) settings.ReadRtfGroup(global_.registry);
+}
+
+void mdform_TMEditor::TellSettingsFailure() {
+  if (!active_document_ || leaving_ || !std::exchange(settings_failure_untold_, false)) return;
+  if (const std::optional<StoreFailure> failure = global_.registry.Flush())
+    active_document_->AddNotice(SettingsFailureText(*failure));
 }
 
 void mdform_TMEditor::PlaceFrame() {
@@ -406,7 +421,8 @@ void mdform_TMEditor::PrintActiveDocument() {
   std::string bytes;
   std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);
   if (!failure && bytes.rfind("%%EOF") == std::string::npos) failure = FileFailure{"The pages could not be prepared"};
-  if (!failure) failure = WriteFileBytes(FilePath(target), bytes);
+  if (!failure)
+    failure = global_.history.ReplaceFile({active_document_->Kind(), target, QFileInfo(target).fileName()}, bytes);
   if (failure) active_document_->ShowWriteFailure(target, *failure);
 }
 
