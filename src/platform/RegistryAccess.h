@@ -9,8 +9,8 @@ namespace tme {
 /// per-user file (QSettings, INI format, "TamarindEditor/registry.ini" under the XDG configuration folder).
 /// Paths are whole and begin with the hive's name ("HKEY_CURRENT_USER\SOFTWARE\..."), parts joined by "\"; they are
 /// compared without regard to letter case on Windows and exactly elsewhere.
-/// Values reach the store at once on Windows; elsewhere CreateKey and DeleteKey write through, values at the next turn
-/// of the event loop or when the object goes. A new object sees what other processes have written.
+/// Values reach the store at once on Windows; elsewhere with CreateKey, DeleteKey and WriteThrough, at the next turn of
+/// the event loop or when the object goes. A new object sees what other processes have written.
 class RegistryAccess {
  public:
   RegistryAccess();
@@ -22,6 +22,8 @@ class RegistryAccess {
   bool CreateKey(const QString& key);
   /// type: always "REG_SZ". A store that cannot be written is ignored.
   void WriteValue(const QString& key, const QString& name, const QString& type, const QString& data);
+  /// Other processes see all values when it returns.
+  void WriteThrough();
   /// Empty for a missing key or value, never an error. Elsewhere than on Windows, "Personal" under
   /// "HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders" is the user's documents
   /// folder.

@@ -89,6 +89,8 @@ void RegistryAccess::WriteValue(const QString& key, const QString& name, const Q
   store_->settings.setValue(PathOf(key, name), data);
 }
 
+void RegistryAccess::WriteThrough() { store_->settings.sync(); }
+
 QString RegistryAccess::ReadValue(const QString& key, const QString& name) const {
   if (IsDocumentsFolder(key, name)) return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return store_->settings.value(PathOf(key, name)).toString();

@@ -64,6 +64,8 @@ void RegistryAccess::WriteValue(const QString& key, const QString& name, const Q
   ::RegSetKeyValueW(place->hive, place->path.c_str(), name.toStdWString().c_str(), REG_SZ, text.c_str(), bytes);
 }
 
+void RegistryAccess::WriteThrough() {}
+
 QString RegistryAccess::ReadValue(const QString& key, const QString& name) const {
   const std::optional<Place> place = PlaceOf(key);
   if (!place) return {};

@@ -223,6 +223,8 @@ void mdform_TMEditor::ExitApplication() {
   auto_save_->SetAutoSaveTimer(0);
   UnhookFrameWindow(global_);
   global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  // Later, it would replace what the next instance writes there.
+  global_.registry.WriteThrough();
   global_.instance_link.GiveUpClaim();
   setWindowTitle(tr("Exiting - Please Wait"));
   const auto release = [](DocumentSlot& slot) {
