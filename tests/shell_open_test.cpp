@@ -134,6 +134,16 @@ TEST_F(Editor, LeavingAsksForAnotherPlaceWhenTheWriteFails) {
   EXPECT_TRUE(InstanceLink().ClaimOnlyInstance()) << "a launch from here on is the first";
 }
 
+TEST_F(Editor, AnotherLaunchMayTakeTheSlotOfAFileThatCannotBeRead) {
+  const QString path = File(u"a.ini"_s, kIni), gone = InFolder(u"gone.ini"_s);
+  Start();
+  dialogs_.ExpectMsgBox(u"TME could not open the file\r( "_s + gone + u" )\r"_s + NothingThere(Missing::File) + u'.',
+                        u"Tamarind Editor"_s);
+  dialogs_.while_asking = [&] { OpenPathList(global_, path); };
+  OpenFileByName(global_, gone);
+  EXPECT_EQ(Ini().Slot().path, path);
+}
+
 TEST_F(Editor, FrameComesBackWhereItWas) {
   const auto write = [this](const QString& name, const QString& text) {
     registry_.WriteValue(SettingsRoot, name, kTextType, text);
