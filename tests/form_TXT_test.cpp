@@ -267,11 +267,12 @@ TEST_F(FormTxt, PrintsTheSelectionElseAll) {
   for (int line = 0; line < 150; ++line) bytes += "line " + std::to_string(line) + "\r\n";
   form_TXT& window = Open(bytes + "end");
   const auto printed = [&] {
-    common_dialog_.ExpectPrinter(InFolder(u"out.pdf"_s));
+    window.Form_Activate();
+    common_dialog_.ExpectPrinter(InFolder(u"out.pdf"_s), [this](CommonDialog&) { Open("of another launch", 1); });
     frame_->Menus().Action(u"menu_FilePrint"_s)->trigger();
     QProcess process;
     process.start(pdftotext, {u"-layout"_s, InFolder(u"out.pdf"_s), u"-"_s});
-    process.waitForFinished();
+    process.waitForFinished(-1);
     return QString::fromUtf8(process.readAllStandardOutput());
   };
   const QString all = printed();
