@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <new>
+#include <system_error>
 
 #include "history/DifferenceView.h"
 #include "history/VersionComparison.h"
@@ -309,7 +310,12 @@ void form_History::ShowVersion() {
 }
 
 void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
-  comparing_ = std::async(std::launch::async, [this, version, now = std::move(now), number = wanted_]() mutable {
+  const auto too_large = [] {
+    auto comparison = std::make_shared<VersionComparison>();
+    comparison->outcome = VersionComparison::Outcome::TooLarge;
+    return comparison;
+  };
+  auto compare = [this, too_large, version, now = std::move(now), number = wanted_]() mutable {
     auto comparison = std::make_shared<VersionComparison>();
     bool has_memory = true;
     try {
@@ -317,10 +323,7 @@ void form_History::StartComparing(const KeptVersion& version, std::optional<std:
     } catch (const std::bad_alloc&) {
       has_memory = false;
     }
-    if (!has_memory) {
-      comparison = std::make_shared<VersionComparison>();
-      comparison->outcome = VersionComparison::Outcome::TooLarge;
-    }
+    if (!has_memory) comparison = too_large();
     const auto show = [this, comparison, number] {
       comparing_.get();
       // Another one was selected meanwhile; only the last of them counts.
@@ -330,7 +333,12 @@ void form_History::StartComparing(const KeptVersion& version, std::optional<std:
         ShowVersion();
     };
     QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
-  });
+  };
+  try {
+    comparing_ = std::async(std::launch::async, std::move(compare));
+  } catch (const std::system_error&) {
+    ShowComparison(too_large());  // no thread: too large for now
+  }
 }
 
 void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {
