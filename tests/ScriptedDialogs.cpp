@@ -66,7 +66,9 @@ bool ScriptedCommonDialog::Choose(const std::string& dialog) {
 
 std::unique_ptr<QPrinter> ScriptedCommonDialog::ShowPrinter() {
   shown.push_back(*this);
-  const QString pdf = Next("Print").paths.value(0);
+  const FileAnswer answer = Next("Print");
+  if (answer.choose) answer.choose(*this);
+  const QString pdf = answer.paths.value(0);
   if (pdf.isEmpty()) return nullptr;
   auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
   printer->setOutputFormat(QPrinter::PdfFormat);

@@ -79,8 +79,10 @@ class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer>
   void ExpectSave(const QString& path) { Add("Save", {QStringList(path), 0, {}}); }
   /// From now on every save dialog gets this path, where a test is about something else.
   void AnswerSaves(const QString& path) { answer_saves_ = path; }
-  /// pdf: the file that is printed into; empty to cancel.
-  void ExpectPrinter(const QString& pdf) { Add("Print", {QStringList(pdf), 0, {}}); }
+  /// pdf: the file that is printed into; empty to cancel. meanwhile: what happens while the dialog is up.
+  void ExpectPrinter(const QString& pdf, const std::function<void(tme::CommonDialog&)>& meanwhile = {}) {
+    Add("Print", {QStringList(pdf), 0, meanwhile});
+  }
 
   /// folder: empty to cancel.
   void ExpectFolder(const QString& folder) { Add("Folder", {QStringList(folder), 0, {}}); }

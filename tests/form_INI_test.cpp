@@ -326,7 +326,7 @@ TEST_F(Editor, PrintsTheDocumentFromTheClipboard) {
   if (pdftotext.isEmpty()) GTEST_SKIP() << "pdftotext is not installed";
   QProcess reader;
   reader.start(pdftotext, {u"-layout"_s, pdf, u"-"_s});
-  ASSERT_TRUE(reader.waitForFinished());
+  ASSERT_TRUE(reader.waitForFinished(-1));
   EXPECT_EQ(QString::fromUtf8(reader.readAllStandardOutput()).simplified().left(23),
             u"[Alpha] [Beta] x=1 y=2 1"_s.left(23));
 }

@@ -11,6 +11,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
+#include "WaitFor.h"
 #include "platform/Twips.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
@@ -116,11 +117,14 @@ TEST_F(FormTxt, CutCopyDeleteSelectAllAndTab) {
 
 TEST_F(FormTxt, TimeComesBeforeTheDate) {
   form_TXT& window = New();
+  const QDate before = QDate::currentDate();
   window.EditTimeDate();
+  const QDate after = QDate::currentDate();
   const QStringList parts = QString::fromStdString(TextOf(window)).split(u" - "_s);
   ASSERT_EQ(parts.size(), 2);
   EXPECT_TRUE(QRegularExpression(u"^\\d{1,2}.\\d{2}"_s).match(parts[0]).hasMatch()) << parts[0].toStdString();
-  EXPECT_EQ(parts[1], QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat));
+  const auto text = [](QDate date) { return QLocale::system().toString(date, QLocale::ShortFormat); };
+  EXPECT_TRUE(parts[1] == text(before) || parts[1] == text(after)) << parts[1].toStdString();
   window.Altered(false);
 }
 
@@ -223,8 +227,7 @@ TEST_F(FormTxt, WordWrapIsOneCheckMarkForAllWindows) {
   EXPECT_EQ(PadOf(first).RightMargin(), Pad::kNoWrap);
   first.Form_Activate();
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
-  QTest::qWait(50);
-  EXPECT_GT(PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0), 1);
+  WaitFor([&] { return PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0) > 1; });
   first.SubWindow()->resize(400, 300);
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
   frame_->Menus().Action(u"menu_EditWordWrap"_s)->trigger();
@@ -264,11 +267,12 @@ TEST_F(FormTxt, PrintsTheSelectionElseAll) {
   for (int line = 0; line < 150; ++line) bytes += "line " + std::to_string(line) + "\r\n";
   form_TXT& window = Open(bytes + "end");
   const auto printed = [&] {
-    common_dialog_.ExpectPrinter(InFolder(u"out.pdf"_s));
+    window.Form_Activate();
+    common_dialog_.ExpectPrinter(InFolder(u"out.pdf"_s), [this](CommonDialog&) { Open("of another launch", 1); });
     frame_->Menus().Action(u"menu_FilePrint"_s)->trigger();
     QProcess process;
     process.start(pdftotext, {u"-layout"_s, InFolder(u"out.pdf"_s), u"-"_s});
-    process.waitForFinished();
+    process.waitForFinished(-1);
     return QString::fromUtf8(process.readAllStandardOutput());
   };
   const QString all = printed();

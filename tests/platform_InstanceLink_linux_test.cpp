@@ -7,9 +7,9 @@
 #include <QFile>
 #include <QLocalSocket>
 #include <QTemporaryDir>
-#include <QTest>
 #include <future>
 
+#include "WaitFor.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -92,7 +92,8 @@ TEST_F(Instance, HandsOverAndTakesTheEndpointOfADeadProcess) {
   ASSERT_TRUE(link.Listen(kHandle, receive_));
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }) && sent.get());
+  WaitFor([&] { return IsDone(sent); });
+  EXPECT_TRUE(sent.get());
   EXPECT_EQ(received_, QByteArrayList{longest});
   link.StopListening();
   EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "late"_ba}));
@@ -111,7 +112,7 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
     received_ += record.data + " ends";
   }));
   const auto first = Send("1"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first) && IsDone(second); }));
+  WaitFor([&] { return IsDone(first) && IsDone(second); });
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
 }
 
@@ -122,7 +123,7 @@ TEST_F(Instance, MayGoWhileItReceives) {
     QTest::qWait(10);
   }));
   auto sent = Send("x"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  WaitFor([&] { return IsDone(sent); });
   EXPECT_FALSE(sent.get());
 }
 
@@ -137,10 +138,10 @@ TEST_F(Instance, HostileSendersHarmNobody) {
     QLocalSocket sender;
     Connect(sender, record);
     sender.disconnectFromServer();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sender.state() == QLocalSocket::UnconnectedState; }));
+    WaitFor([&] { return sender.state() == QLocalSocket::UnconnectedState; });
   }
   const auto sent = Send("good"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  WaitFor([&] { return IsDone(sent); });
   EXPECT_EQ(received_, QByteArrayList{"good"_ba});
 }
 

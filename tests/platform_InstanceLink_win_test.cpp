@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include <QTest>
 #include <future>
 #include <memory>
 
+#include "WaitFor.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -55,7 +55,8 @@ TEST_F(Instance, HandsOverToAHookedFrameOnly) {
   EXPECT_FALSE(InstanceLink().Listen(Handle(), receive_)) << "one listens";
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }) && sent.get());
+  WaitFor([&] { return IsDone(sent); });
+  EXPECT_TRUE(sent.get());
   SendRaw(4, "of another meaning");
   SendRaw(3, QByteArray(300, 'y'));
   SendRaw(3, {});
@@ -76,12 +77,12 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
     received_ += record.data + " begins";
     if (record.data == "1") {
       second = Send("2");
-      EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(second); }));  // like a message box that the opening shows
+      WaitFor([&] { return IsDone(second); });  // like a message box that the opening shows
     }
     received_ += record.data + " ends";
   }));
   const auto first = Send("1");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first); }));
+  WaitFor([&] { return IsDone(first); });
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
 }
 

@@ -1,9 +1,9 @@
 #include <sys/resource.h>
 
-#include <QTest>
 #include <csignal>
 
 #include "Editor.h"
+#include "WaitFor.h"
 #include "platform/FilePath.h"
 #include "shell/SessionShutdown.h"
 
@@ -24,7 +24,7 @@ TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   for (const int signal : {SIGTERM, SIGHUP}) std::raise(signal);
   EXPECT_EQ(dialogs.MsgBox(u"A question"_s, MsgButtons::YesNoCancel, MsgIcon::Question, {}), MsgAnswer::Cancel);
   EXPECT_FALSE(frame.IsLeaving()) << "not from within the question";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return global.exiting; }));
+  WaitFor([&] { return global.exiting; });
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
 }
 

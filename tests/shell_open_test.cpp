@@ -1,9 +1,10 @@
 #include <QApplication>
 #include <QMdiSubWindow>
 #include <QScreen>
-#include <QTest>
 
 #include "Editor.h"
+#include "TestSystem.h"
+#include "WaitFor.h"
 #include "shell/CommandLineRecord.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
@@ -133,6 +134,16 @@ TEST_F(Editor, LeavingAsksForAnotherPlaceWhenTheWriteFails) {
   EXPECT_TRUE(InstanceLink().ClaimOnlyInstance()) << "a launch from here on is the first";
 }
 
+TEST_F(Editor, AnotherLaunchMayTakeTheSlotOfAFileThatCannotBeRead) {
+  const QString path = File(u"a.ini"_s, kIni), gone = InFolder(u"gone.ini"_s);
+  Start();
+  dialogs_.ExpectMsgBox(u"TME could not open the file\r( "_s + gone + u" )\r"_s + NothingThere(Missing::File) + u'.',
+                        u"Tamarind Editor"_s);
+  dialogs_.while_asking = [&] { OpenPathList(global_, path); };
+  OpenFileByName(global_, gone);
+  EXPECT_EQ(Ini().Slot().path, path);
+}
+
 TEST_F(Editor, FrameComesBackWhereItWas) {
   const auto write = [this](const QString& name, const QString& text) {
     registry_.WriteValue(SettingsRoot, name, kTextType, text);
@@ -154,7 +165,7 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
   EXPECT_EQ(again.height(), qRound(screen.height() * 0.75));
 
   again.showMaximized();
-  EXPECT_TRUE(QTest::qWaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; }));
+  WaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; });
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"70000") << "maximising writes the flag alone";
 }
 
@@ -162,8 +173,8 @@ TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
   registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, kTextType, u"1"_s);
   const QString path = File(u"a.ini"_s, kIni);
   Start({path, path});
-  EXPECT_TRUE(QTest::qWaitFor([this] { return Ini(1).SubWindow()->isMaximized(); }))
-      << "opened before the frame showed";
+  // Opened before the frame showed.
+  WaitFor([this] { return Ini(1).SubWindow()->isMaximized(); });
   OpenPathList(global_, path);
   EXPECT_TRUE(Ini(2).SubWindow()->isMaximized());
   NewDocument(global_, SlotCode::Ini);

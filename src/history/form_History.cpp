@@ -322,7 +322,7 @@ void form_History::CompareVersion(const KeptVersion& version) {
 }
 
 void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
-  comparing_ = std::async(std::launch::async, [this, version, now = std::move(now), number = wanted_]() mutable {
+  auto compare = [this, version, now = std::move(now), number = wanted_]() mutable {
     auto comparison = std::make_shared<VersionComparison>();
     bool has_memory = true;
     try {
@@ -340,7 +340,8 @@ void form_History::StartComparing(const KeptVersion& version, std::optional<std:
         ShowVersion();
     };
     QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
-  });
+  };
+  comparing_ = std::async(std::launch::async, std::move(compare));
 }
 
 void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {

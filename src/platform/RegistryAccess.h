@@ -17,8 +17,8 @@ struct StoreFailure {
 /// per-user file (QSettings, INI format, "TamarindEditor/registry.ini" under the XDG configuration folder).
 /// Paths are whole and begin with the hive's name ("HKEY_CURRENT_USER\SOFTWARE\..."), parts joined by "\"; they are
 /// compared without regard to letter case on Windows and exactly elsewhere.
-/// Values reach the store at once on Windows; elsewhere CreateKey and DeleteKey write through, values at the next turn
-/// of the event loop or when the object goes. A new object sees what other processes have written.
+/// Values reach the store at once on Windows; elsewhere with CreateKey, DeleteKey and Flush, at the next turn of
+/// the event loop or when the object goes. A new object sees what other processes have written.
 class RegistryAccess {
  public:
   RegistryAccess();

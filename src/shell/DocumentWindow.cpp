@@ -65,9 +65,10 @@ std::optional<std::string> DocumentWindow::TakeSlotBytes() {
   const std::optional<FileStamp> stamp = StampOf(FilePath(slot.path));
   std::string bytes;
   if (const std::optional<FileFailure> failure = ReadFileBytes(FilePath(slot.path), bytes)) {
-    ShowReadFailure(slot.path, *failure);
-    slot.path.clear();
+    // First: while the message stands, another launch may take the slot.
+    const QString path = std::exchange(slot.path, {});
     slot.title.clear();
+    ShowReadFailure(path, *failure);
     return std::nullopt;
   }
   TakeSlot();

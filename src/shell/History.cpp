@@ -132,7 +132,11 @@ FileFailure NotKeptFirst(FileFailure failure) {
   return failure;
 }
 
-bool IsSettled(const QString& path, const QDateTime& settled) { return QFileInfo(path).lastModified() < settled; }
+/// Not of one that is gone: what is written there next is young.
+bool IsSettled(const QString& path, const QDateTime& settled) {
+  const QDateTime written = QFileInfo(path).lastModified();
+  return written.isValid() && written < settled;
+}
 
 }  // namespace
 
@@ -189,17 +193,18 @@ QString History::BlobPath(const QByteArray& digest) const {
 
 QString History::AsidePath(const QString& id) const { return folder_ + u'/' + kAside + u'/' + id + kEnding; }
 
+bool History::MakeYoung(const QString& path) {
+  const std::scoped_lock lock(mutex_);
+  QFile blob(path);
+  return blob.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) &&
+         blob.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime);
+}
+
 std::optional<FileFailure> History::Store(std::string_view content, const QByteArray& digest) {
   const QString path = BlobPath(digest);
   // One that was damaged is written anew.
-  if (std::string there; QFileInfo::exists(path) && !ReadFileBytes(FilePath(path), there) && there == content) {
-    // As young as a new one, lest Prune take it before it is named.
-    const std::scoped_lock lock(mutex_);
-    QFile blob(path);
-    if (blob.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) &&
-        blob.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime))
-      return std::nullopt;
-  }
+  if (std::string there; MakeYoung(path) && !ReadFileBytes(FilePath(path), there) && there == content)
+    return std::nullopt;
   if (const auto failure = MakeFolder(folder_)) return failure;
   Claim();
   if (const auto failure = MakeFolder(QFileInfo(path).path())) return failure;

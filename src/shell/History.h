@@ -110,6 +110,8 @@ class History {
 
  private:
   std::optional<FileFailure> Store(std::string_view content, const QByteArray& digest);
+  /// As young as a new one, lest Prune take it before it is named. False when it is not there.
+  bool MakeYoung(const QString& path);
   QString BlobPath(const QByteArray& digest) const;
   QString AsidePath(const QString& id) const;
   /// Sorts after every version in the store, even when the clock was put back.

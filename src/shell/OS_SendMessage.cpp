@@ -1,5 +1,6 @@
 #include "shell/OS_SendMessage.h"
 
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include "platform/InstanceLink.h"
@@ -13,18 +14,17 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 
-bool SendCommandLine(const QString& command_line) {
+bool SendCommandLine(const QString& command_line, InstanceLink& own_link, std::chrono::milliseconds patience) {
   if (command_line.isEmpty()) return true;
-  constexpr int kTries = 40;
   constexpr unsigned long kPauseMs = 50;
-  for (int attempt = 0; attempt < kTries; ++attempt) {
-    if (attempt > 0) QThread::msleep(kPauseMs);
+  const QDeadlineTimer end(patience);
+  while (true) {
     bool numeric = false;
     const quint32 handle = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s).toUInt(&numeric);
-    if (!numeric) continue;
-    if (InstanceLink::Send(handle, CommandLineRecord(command_line))) return true;
+    if (numeric && InstanceLink::Send(handle, CommandLineRecord(command_line))) return true;
+    if (end.hasExpired() || own_link.ClaimOnlyInstance()) return false;
+    QThread::msleep(kPauseMs);
   }
-  return false;
 }
 
 void HookFrameWindow(Global& global, quint32 frame_handle) {

@@ -173,18 +173,23 @@ void Rescue::PutAside(DocumentWindow& window, Watched& watched, Clock::time_poin
   watched.is_aside = true;
   watched.not_before = now + kShortestInterval;
   try {
-    auto write = [this, id = watched.id, origin = window.Origin(), gathered = window.Content()]() mutable {
+    auto write = [this, number = ++last_write_, id = watched.id, origin = window.Origin(),
+                  gathered = window.Content()]() mutable {
       const Clock::time_point begin = Clock::now();
       const std::string content = std::move(gathered);  // so that its memory is given back on this thread
-      auto failure = global_.history.PutAside(id, origin, content);
-      // The next document need not wait for the timer.
-      QMetaObject::invokeMethod(
-          this,
-          [this] {
-            WaitForDisk();
-            if (timer_.isActive()) Look(Clock::now());
-          },
-          Qt::QueuedConnection);
+      std::optional<FileFailure> failure;
+      try {
+        failure = global_.history.PutAside(id, origin, content);
+      } catch (const std::bad_alloc& error) {
+        failure = FileFailure{error.what()};
+      }
+      // The next document need not wait for the timer; but if it did not, nobody waits for it here.
+      const auto go_on = [this, number] {
+        if (number != last_write_) return;
+        WaitForDisk();
+        if (timer_.isActive()) Look(Clock::now());
+      };
+      QMetaObject::invokeMethod(this, go_on, Qt::QueuedConnection);
       return Written{std::move(failure), Clock::now() - begin};
     };
     writing_ = std::async(std::launch::async, std::move(write));

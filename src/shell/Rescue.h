@@ -74,6 +74,7 @@ class Rescue : public QObject {
   };
   /// The one content on its way to the disk, with its window.
   std::future<Written> writing_;
+  std::uint64_t last_write_ = 0;           ///< number of the last one that began
   DocumentWindow* writing_for_ = nullptr;  ///< null, too, once its document needs no rescue
   /// When all snapshots so far are within their share of the time.
   Clock::time_point within_share_;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 
 #include "history/form_History.h"
@@ -53,13 +54,8 @@ DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
   }
 }
 
-int HandOver(const QStringList& texts) {
-  for (const QString& text : texts) {
-    if (SendCommandLine(text)) continue;
-    std::fputs("tme: the running instance does not answer\n", stderr);
-    return 1;
-  }
-  return 0;
+bool HandOver(const QStringList& texts, InstanceLink& link) {
+  return std::all_of(texts.begin(), texts.end(), [&](const QString& text) { return SendCommandLine(text, link); });
 }
 
 int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& link, const QStringList& texts) {
@@ -102,9 +98,12 @@ int Main(int argc, char** argv) {
   InstanceLink link;
   if (!link.ClaimOnlyInstance()) {
     const QCoreApplication application(argc, argv);
-    const int status = HandOver(ShellUtilities().CommandLineTexts());
+    if (HandOver(ShellUtilities().CommandLineTexts(), link)) return 0;
     // The one that did not answer may have been leaving.
-    if (status == 0 || !link.ClaimOnlyInstance()) return status;
+    if (!link.ClaimOnlyInstance()) {
+      std::fputs("tme: the running instance does not answer\n", stderr);
+      return 1;
+    }
   }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

@@ -84,6 +84,7 @@ void GatherDirectoryList(Global& global) {
   QString listing;
   const std::unique_ptr<QThread> thread(QThread::create([&] { listing = ListFolder(folder, watch); }));
   thread->start();
+  if (!thread->isRunning() && !thread->isFinished()) listing = ListFolder(folder, watch);  // no thread to be had
   if (!thread->wait(kQuietMs)) WatchListing(global, *thread, watch);
   thread->wait();
   if (watch.cancelled) return;

@@ -238,6 +238,8 @@ void mdform_TMEditor::ExitApplication() {
   auto_save_->SetAutoSaveTimer(0);
   UnhookFrameWindow(global_);
   global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  // Later, it would replace what the next instance writes there.
+  global_.registry.Flush();
   global_.instance_link.GiveUpClaim();
   setWindowTitle(tr("Exiting - Please Wait"));
   const auto release = [](DocumentSlot& slot) {
@@ -406,7 +408,9 @@ void mdform_TMEditor::ListDocumentsInWindowMenu() {
 }
 
 void mdform_TMEditor::PrintActiveDocument() {
-  if (!active_document_) return;
+  // Another launch may make another document the active one while the dialog is up.
+  DocumentWindow* const document = active_document_;
+  if (!document) return;
   CommonDialog& dialog = global_.common_dialog;
   dialog.flags = CommonDialog::kNoPageNumbers | CommonDialog::kReturnDc;
   const std::unique_ptr<QPrinter> printer = dialog.ShowPrinter();
@@ -416,14 +420,14 @@ void mdform_TMEditor::PrintActiveDocument() {
   const QTemporaryDir aside;
   const QString printed = aside.filePath(u"print"_s);
   if (!target.isEmpty()) printer->setOutputFileName(printed);
-  QMetaObject::invokeMethod(active_document_, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
+  QMetaObject::invokeMethod(document, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
   if (target.isEmpty()) return;
   std::string bytes;
   std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);
   if (!failure && bytes.rfind("%%EOF") == std::string::npos) failure = FileFailure{"The pages could not be prepared"};
   if (!failure)
-    failure = global_.history.ReplaceFile({active_document_->Kind(), target, QFileInfo(target).fileName()}, bytes);
-  if (failure) active_document_->ShowWriteFailure(target, *failure);
+    failure = global_.history.ReplaceFile({document->Kind(), target, QFileInfo(target).fileName()}, bytes);
+  if (failure) document->ShowWriteFailure(target, *failure);
 }
 
 void mdform_TMEditor::PopUpEditMenu(const QPoint& global_position) {
