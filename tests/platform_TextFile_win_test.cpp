@@ -48,6 +48,20 @@ TEST_F(WriteFile, TakesPathsOfAnyLength) {
     EXPECT_EQ(Reason(WriteFileBytes(path, bytes)), "none");
     EXPECT_EQ(Get(path), bytes);
   }
+  class KeepsTheOldFile : public FileSteps {
+    std::error_code Replace(const fs::path& from, const fs::path& /*to*/) override {
+      temporary = from;
+      return std::make_error_code(std::errc::io_error);
+    }
+
+   public:
+    fs::path temporary;
+  } steps;
+  const auto failure = WriteFileParts(
+      path, [](const FilePart& put) { return put("lost"); }, steps);
+  EXPECT_TRUE(failure && !failure->file_damaged);
+  EXPECT_EQ(Get(path), "replaced");
+  EXPECT_FALSE(StampOf(steps.temporary));
 }
 
 TEST_F(WriteFile, SaysWhyNot) {

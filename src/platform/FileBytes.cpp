@@ -122,8 +122,8 @@ std::optional<FileFailure> PutInPlace(Temporary& temporary, const system_file::T
   // Someone else's file in a folder like /tmp, or a file that is a mount of its own: it may be written all the same.
   failure.folder_refused =
       target.exists && (error == std::errc::operation_not_permitted || error == std::errc::device_or_resource_busy);
-  std::error_code unknown;
-  if (target.exists && !fs::exists(target.path, unknown) && !unknown) {
+  system_file::Target left;
+  if (target.exists && !system_file::ResolveTarget(target.path, left) && !left.exists) {
     const std::u8string name = temporary.Keep().filename().u8string();
     failure.reason += " (what was written is in " + std::string(name.begin(), name.end()) + " beside it)";
     failure.file_damaged = true;
