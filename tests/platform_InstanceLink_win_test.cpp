@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <QGuiApplication>
+#include <QTest>
 #include <future>
 #include <memory>
 
@@ -84,6 +86,31 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   const auto first = Send("1");
   WaitFor([&] { return IsDone(first); });
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
+}
+
+TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(Handle(), receive_));
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  for (const char* data : {"1", "2"}) SendRaw(3, data);
+  QTest::qWait(200);  // like an import that repaints
+  EXPECT_EQ(received_.size(), 0);
+  QGuiApplication::restoreOverrideCursor();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return received_ == QByteArrayList{"3:1", "3:2"}; }));
+}
+
+TEST_F(Instance, UnhooksBelowAForeignProcedure) {
+  static WNDPROC below = nullptr;
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(Handle(), receive_));
+  const WNDPROC foreign = [](HWND window, UINT message, WPARAM w_param, LPARAM l_param) {
+    return ::CallWindowProcW(below, window, message, w_param, l_param);
+  };
+  below = reinterpret_cast<WNDPROC>(::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(foreign)));
+  link.StopListening();
+  EXPECT_FALSE(link.Listen(Handle(), receive_)) << "would be in the chain twice";
+  EXPECT_NE(::SetWindowTextW(window_, L"passed on"), 0);
+  EXPECT_EQ(::GetWindowTextLengthW(window_), 9);
 }
 
 TEST_F(Instance, LinkOrWindowMayGoWhileItReceives) {

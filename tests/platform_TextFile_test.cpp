@@ -139,6 +139,21 @@ TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
   }
 }
 
+TEST_F(WriteFile, OfAnOldFileThatIsGoneTheNewBytesStay) {
+  class TakesTheOldFileAway : public FileSteps {
+    std::error_code Replace(const fs::path& /*from*/, const fs::path& to) override {
+      fs::remove(to);
+      return std::make_error_code(std::errc::io_error);
+    }
+  } steps;
+  Put(In("a.ini"), "old");
+  const auto failure = WriteFileParts(
+      In("a.ini"), [](const FilePart& put) { return put("new"); }, steps);
+  ASSERT_TRUE(failure && failure->file_damaged);
+  ASSERT_EQ(FilesInFolder(), 1);
+  EXPECT_EQ(Get(*fs::directory_iterator(In(""))), "new");
+}
+
 TEST(CodePage, IsABijection) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);

@@ -48,6 +48,35 @@ TEST_F(WriteFile, TakesPathsOfAnyLength) {
     EXPECT_EQ(Reason(WriteFileBytes(path, bytes)), "none");
     EXPECT_EQ(Get(path), bytes);
   }
+  class KeepsTheOldFile : public FileSteps {
+    std::error_code Replace(const fs::path& from, const fs::path& /*to*/) override {
+      temporary = from;
+      return std::make_error_code(std::errc::io_error);
+    }
+
+   public:
+    fs::path temporary;
+  } steps;
+  const auto failure = WriteFileParts(
+      path, [](const FilePart& put) { return put("lost"); }, steps);
+  EXPECT_TRUE(failure && !failure->file_damaged);
+  EXPECT_EQ(Get(path), "replaced");
+  EXPECT_FALSE(StampOf(steps.temporary));
+}
+
+TEST_F(WriteFile, AFileThatOthersHoldMayBeWrittenInPlace) {
+  const fs::path path = In("held");
+  Put(path, "old");
+  const HANDLE held =
+      ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  const auto failure = WriteFileBytes(path, "new");
+  EXPECT_TRUE(failure && failure->folder_refused && !failure->file_damaged) << Reason(failure);
+  FileSteps steps;
+  EXPECT_EQ(Reason(WriteFileInPlace(path, "new", "old", steps)), "none");
+  ::CloseHandle(held);
+  EXPECT_EQ(Get(path), "new");
+  EXPECT_EQ(FilesInFolder(), 1);
 }
 
 TEST_F(WriteFile, SaysWhyNot) {

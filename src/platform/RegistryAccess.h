@@ -7,6 +7,10 @@
 
 namespace tme {
 
+/// The keys of the maker and of this program.
+inline const QString kMakerKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan");
+inline const QString SettingsRoot = kMakerKey + QStringLiteral("\\TME");
+
 /// Why the settings store has not got what was written to it. It then holds what it held.
 struct StoreFailure {
   QString place;   ///< the file or key, for people

@@ -10,12 +10,7 @@
 #include "platform/SystemMessage_win.h"
 
 namespace tme {
-
-using namespace Qt::StringLiterals;
-
 namespace {
-
-const QString kOwnKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME");
 
 /// Where the system keeps a key of ours.
 struct Place {
@@ -46,7 +41,7 @@ class RegistryAccess::Store {
   /// True when all is well. What the shell integration writes elsewhere is told of by itself.
   bool Note(const QString& key, LSTATUS status) {
     if (status == ERROR_SUCCESS) return true;
-    if (!key.startsWith(kOwnKey, Qt::CaseInsensitive)) return false;
+    if (!key.startsWith(SettingsRoot, Qt::CaseInsensitive)) return false;
     failure = {key, QString::fromStdString(SystemMessage(static_cast<unsigned long>(status)))};
     if (tell) std::exchange(tell, {})();
     return false;
@@ -113,6 +108,6 @@ void RegistryAccess::DeleteKey(const QString& key) {
   ::RegDeleteTreeW(place->hive, place->path.c_str());
 }
 
-QString RegistryAccess::Location() const { return kOwnKey; }
+QString RegistryAccess::Location() const { return SettingsRoot; }
 
 }  // namespace tme

@@ -3,14 +3,11 @@
 #include <QString>
 #include <optional>
 
+#include "platform/RegistryAccess.h"
+
 namespace tme {
 
-class RegistryAccess;
-struct StoreFailure;
-
 /// Keys and value names of the settings store. Values are texts; a flag is true exactly when its text is "1".
-inline const QString kMakerKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan");
-inline const QString SettingsRoot = kMakerKey + QStringLiteral("\\TME");
 inline const QString kMruKey = SettingsRoot + QStringLiteral("\\MRU");
 inline const QString kTxtKey = SettingsRoot + QStringLiteral("\\TXT Editor");
 inline const QString kRtfKey = SettingsRoot + QStringLiteral("\\RTF Editor");
