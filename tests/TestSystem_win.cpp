@@ -16,6 +16,8 @@ std::wstring StandInPath() { return L"Software\\Tamarind Editor Tests\\" + std::
 }  // namespace
 
 bool EnterSystem(const QString& home) {
+  // A process of the same number that was killed left its own.
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, StandInPath().c_str());
   if (::RegCreateKeyExW(HKEY_CURRENT_USER, StandInPath().c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &stand_in,
                         nullptr) != ERROR_SUCCESS)
     return false;
