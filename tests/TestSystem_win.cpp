@@ -45,6 +45,11 @@ QString NothingThere(Missing what) {
       tme::SystemMessage(what == Missing::File ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND));
 }
 
+void AwaitSystemTurn() {
+  static const HANDLE turn = ::CreateMutexW(nullptr, FALSE, L"Local\\Tamarind Editor Tests");
+  ::WaitForSingleObject(turn, INFINITE);
+}
+
 void LeaveSystem() {
   ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
   ::RegCloseKey(stand_in);

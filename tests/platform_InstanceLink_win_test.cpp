@@ -6,6 +6,7 @@
 #include <future>
 #include <memory>
 
+#include "TestSystem.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -37,6 +38,7 @@ class Instance : public testing::Test {
 };
 
 TEST_F(Instance, ClaimIsOfOne) {
+  AwaitSystemTurn();
   auto first = std::make_unique<InstanceLink>();
   InstanceLink second;
   EXPECT_TRUE(first->ClaimOnlyInstance() && first->ClaimOnlyInstance());
