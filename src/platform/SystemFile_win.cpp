@@ -16,7 +16,7 @@ using system_file::Failure;
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 /// Indexers and virus scanners hold a new file for a moment; for so long a replacement is tried again.
-constexpr int kReplaceTries = 10;
+constexpr int kReplaceTries = 20;
 constexpr DWORD kPauseMs = 50;
 
 std::error_code Error(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
@@ -140,8 +140,10 @@ std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
                                       : ::MoveFileExW(replacement.c_str(), target.c_str(), kMove) != 0;
     if (done) return {};
     error = ::GetLastError();
+    // Of a file that somebody has open, some calls only say that access is denied.
     const bool may_pass = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
-                          error == ERROR_UNABLE_TO_REMOVE_REPLACED || error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+                          error == ERROR_ACCESS_DENIED || error == ERROR_UNABLE_TO_REMOVE_REPLACED ||
+                          error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
     if (!may_pass) break;
   }
   return Error(error);
