@@ -82,10 +82,8 @@ FileFailure FailureToOpen(DWORD error) {
 
 std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
-/// Where a link leads; the path itself when it is none.
-std::error_code ResolveLink(HANDLE opened, fs::path& path) {
-  const DWORD attributes = ::GetFileAttributesW(Native(path).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
+/// The path of what was opened, without links.
+std::error_code FinalPath(HANDLE opened, fs::path& path) {
   const DWORD room = ::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED);
   std::wstring target(room, L'\0');
   const DWORD size = ::GetFinalPathNameByHandleW(opened, target.data(), room, FILE_NAME_NORMALIZED);
@@ -94,6 +92,19 @@ std::error_code ResolveLink(HANDLE opened, fs::path& path) {
   target.resize(size);
   path = target;
   return {};
+}
+
+/// Where a link leads; the path itself when it is none.
+std::error_code ResolveLink(HANDLE opened, fs::path& path) {
+  const DWORD attributes = ::GetFileAttributesW(Native(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
+  return FinalPath(opened, path);
+}
+
+/// Where the missing file belongs that a link leads to: what is made through the link for a moment tells.
+std::error_code ResolveDanglingLink(fs::path& path) {
+  const OwnedHandle made(Open(path, DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE));
+  return made ? FinalPath(made.get(), path) : LastError();
 }
 
 bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
@@ -200,7 +211,8 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   if (!file) {
     const DWORD error = ::GetLastError();
     // A link that leads nowhere is there itself.
-    if (error == ERROR_FILE_NOT_FOUND && !IsThere(Native(path))) return std::nullopt;
+    if (error == ERROR_FILE_NOT_FOUND && (!IsThere(Native(path)) || !ResolveDanglingLink(target.path)))
+      return std::nullopt;
     return FailureToOpen(error);
   }
   BY_HANDLE_FILE_INFORMATION info{};
