@@ -96,8 +96,10 @@ class ScriptedCommonDialog : public tme::CommonDialog, public Script<FileAnswer>
   QString ShowFolder() override;
   bool ShowFont() override { return Choose("Font"); }
   bool ShowColor() override { return Choose("Color"); }
+  QString PrintObstacle() const override { return print_obstacle; }
   std::unique_ptr<QPrinter> ShowPrinter() override;
 
+  QString print_obstacle;
   std::vector<tme::CommonDialog> shown;
 
  private:

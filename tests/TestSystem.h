@@ -10,5 +10,8 @@ QString SendToEntry();
 enum class Missing { File, Folder };
 /// What the system says of a path that leads nowhere since that is missing; no full stop.
 QString NothingThere(Missing what);
+/// Waits until no other test uses what some systems have once for all of a user's processes, the claim of the only
+/// instance and the classes of all users, and keeps them away from it until this process ends.
+void AwaitSystemTurn();
 /// Takes away what EnterSystem made.
 void LeaveSystem();

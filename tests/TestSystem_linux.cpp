@@ -10,4 +10,6 @@ QString SendToEntry() {
 
 QString NothingThere(Missing /*what*/) { return QStringLiteral("No such file or directory"); }
 
+void AwaitSystemTurn() {}
+
 void LeaveSystem() {}

@@ -16,6 +16,8 @@ std::wstring StandInPath() { return L"Software\\Tamarind Editor Tests\\" + std::
 }  // namespace
 
 bool EnterSystem(const QString& home) {
+  // A process of the same number that was killed left its own.
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, StandInPath().c_str());
   if (::RegCreateKeyExW(HKEY_CURRENT_USER, StandInPath().c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &stand_in,
                         nullptr) != ERROR_SUCCESS)
     return false;
@@ -41,6 +43,11 @@ QString SendToEntry() { return send_to + QStringLiteral("/Tamarind Editor.lnk");
 QString NothingThere(Missing what) {
   return QString::fromStdString(
       tme::SystemMessage(what == Missing::File ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND));
+}
+
+void AwaitSystemTurn() {
+  static const HANDLE turn = ::CreateMutexW(nullptr, FALSE, L"Local\\Tamarind Editor Tests");
+  ::WaitForSingleObject(turn, INFINITE);
 }
 
 void LeaveSystem() {

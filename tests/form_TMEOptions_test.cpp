@@ -25,6 +25,7 @@ namespace {
 class OptionsDialog : public Editor {
  protected:
   void Open() {
+    AwaitSystemTurn();
     if (!dialog_) Start();
     const auto set_timer = [this](int minutes) {
       timer_.push_back(minutes);

@@ -11,6 +11,7 @@ using namespace tme;
 using namespace Qt::StringLiterals;
 
 TEST_F(Editor, HooksAreOfThisCopyAndLeaveNothingBehind) {
+  AwaitSystemTurn();
   const QString folder = QDir::toNativeSeparators(folder_.path());
   const QString key = u"HKEY_CLASSES_ROOT\\*\\Shell\\Tamarind Editor"_s;
   const QString own_key = u"HKEY_CURRENT_USER\\Software\\Classes\\*\\Shell\\Tamarind Editor"_s;

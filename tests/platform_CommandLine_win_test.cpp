@@ -35,11 +35,16 @@ TEST(CommandLine, NamesExistingFilesWhole) {
   QDir::setCurrent(folder.path());
   QFile file(u"a b.ini"_s);
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  const QString whole = QDir::toNativeSeparators(QDir::currentPath()) + u"\\a b.ini"_s;
+  QFile other(u"c.ini"_s);
+  ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+  const QString here = QDir::toNativeSeparators(QDir::currentPath()) + u'\\', whole = here + u"a b.ini"_s;
   for (const QString& line : {u"tme a b.ini"_s, u"tme \"a b.ini\""_s})
     EXPECT_EQ(CommandLineTexts(line, {}), QStringList{whole});
+  EXPECT_EQ(CommandLineTexts(u"tme c.ini  c.ini"_s, {}), (QStringList{here + u"c.ini"_s, here + u"c.ini"_s}));
+  EXPECT_EQ(CommandLineTexts(u"tme c.ini b.ini"_s, {}), QStringList{u"c.ini b.ini"_s});
   EXPECT_TRUE(ShellUtilities().IsRooted(whole) && !ShellUtilities().IsRooted(u"a b.ini"_s));
   file.close();
+  other.close();
   QDir::setCurrent(before);
 }
 

@@ -47,7 +47,9 @@ class FileDialogs : public testing::Test {
 
 TEST_F(FileDialogs, SaveAddsTheExtensionAndDoesNotAskAboutAnExistingFile) {
   Make("new.TXT"_L1);
-  for (const auto& [typed, chosen] : {std::pair("new"_L1, "new.TXT"_L1), std::pair("x.cfg"_L1, "x.cfg"_L1)}) {
+  Make("old.txt"_L1);
+  for (const auto& [typed, chosen] :
+       {std::pair("new"_L1, "new.TXT"_L1), std::pair("old"_L1, "old.txt"_L1), std::pair("x.cfg"_L1, "x.cfg"_L1)}) {
     WhenShown<QFileDialog>([name = QString(typed)](QFileDialog* box) {
       auto* edit = box->findChild<QLineEdit*>();
       EXPECT_TRUE(QTest::qWaitForWindowActive(box));

@@ -7,6 +7,7 @@
 #include <future>
 #include <memory>
 
+#include "TestSystem.h"
 #include "WaitFor.h"
 #include "platform/InstanceLink.h"
 
@@ -39,6 +40,7 @@ class Instance : public testing::Test {
 };
 
 TEST_F(Instance, ClaimIsOfOne) {
+  AwaitSystemTurn();
   auto first = std::make_unique<InstanceLink>();
   InstanceLink second;
   EXPECT_TRUE(first->ClaimOnlyInstance() && first->ClaimOnlyInstance());

@@ -97,4 +97,7 @@ TEST_F(Editor, CommandsGoToTheActiveDocumentByName) {
   menus.Action(u"menu_FilePrint"_s)->trigger();
   EXPECT_EQ(common_dialog_.shown.back().flags, 264);
   EXPECT_EQ(Dump(first.Tree()), "New INI File\n A\n  >x=1\n") << "cancelled: nothing was sent";
+  common_dialog_.print_obstacle = u"No printer."_s;
+  dialogs_.ExpectMsgBox(u"No printer."_s, u"Tamarind Editor"_s);
+  menus.Action(u"menu_FilePrint"_s)->trigger();
 }

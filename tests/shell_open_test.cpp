@@ -120,6 +120,7 @@ TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {
 TEST_F(Editor, LeavingAsksForAnotherPlaceWhenTheWriteFails) {
   const QString path = File(u"a.ini"_s, kIni), other = InFolder(u"b.ini"_s);
   Start({path});
+  AwaitSystemTurn();
   ASSERT_TRUE(link_.ClaimOnlyInstance());
   dialogs_.ExpectInputBox(u"Enter the name for the new section."_s, u"Add New Section"_s, {}, u"New"_s);
   Ini().AddSection();

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace tme {
 
@@ -13,6 +14,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 bool IsBlank(QChar character) { return character == u' ' || character == u'\t'; }
+
+bool IsFile(const QString& path) { return QFileInfo(path).isFile(); }
 
 /// How many characters at the start are the program's name: to the second quotation mark if the first character is one,
 /// else to the first blank.
@@ -43,10 +46,12 @@ QStringList CommandLineTexts(const QString& command_line, const QString& program
   const QString text = rest.trimmed();
   QStringList texts = text.contains(u'"') ? SplitBySystem(text) : QStringList(text);
   texts.removeAll(QString());
-  for (QString& each : texts) {
-    const QFileInfo file(each);
-    if (file.isFile()) each = QDir::toNativeSeparators(file.absoluteFilePath());
+  if (texts.size() == 1 && !IsFile(text)) {
+    const QStringList names = text.split(u' ', Qt::SkipEmptyParts);
+    if (std::all_of(names.begin(), names.end(), IsFile)) texts = names;
   }
+  for (QString& each : texts)
+    if (IsFile(each)) each = QDir::toNativeSeparators(QFileInfo(each).absoluteFilePath());
   return texts;
 }
 

@@ -72,7 +72,7 @@ QString CommonDialog::ShowSave() {
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
-  dialog.setDefaultSuffix(default_ext);
+  // The extension is added below: a system's dialog may do so to a name that has another one, or the same in small.
   const QStringList chosen = Choose(dialog, *this);
   if (chosen.isEmpty()) return {};
   file_name = QDir::toNativeSeparators(WithExtension(chosen.first(), default_ext));

@@ -49,6 +49,8 @@ class CommonDialog {
   virtual bool ShowFont();
   /// Into `color`; false when cancelled, which leaves it as it was.
   virtual bool ShowColor();
+  /// Why no print dialog can come up, for the user to read; empty when one can.
+  virtual QString PrintObstacle() const;
   /// The printer that was chosen, null when cancelled. The caller owns it.
   virtual std::unique_ptr<QPrinter> ShowPrinter();
 };

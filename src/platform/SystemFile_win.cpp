@@ -15,7 +15,7 @@ using system_file::Failure;
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 /// Indexers and virus scanners hold a new file for a moment; for so long a replacement is tried again.
-constexpr int kReplaceTries = 10;
+constexpr int kReplaceTries = 20;
 constexpr DWORD kPauseMs = 50;
 
 std::error_code Error(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
@@ -81,10 +81,8 @@ FileFailure FailureToOpen(DWORD error) {
 
 std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
-/// Where a link leads; the path itself when it is none.
-std::error_code ResolveLink(HANDLE opened, fs::path& path) {
-  const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
+/// The path of what was opened, without links.
+std::error_code FinalPath(HANDLE opened, fs::path& path) {
   const DWORD room = ::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED);
   std::wstring target(room, L'\0');
   const DWORD size = ::GetFinalPathNameByHandleW(opened, target.data(), room, FILE_NAME_NORMALIZED);
@@ -93,6 +91,19 @@ std::error_code ResolveLink(HANDLE opened, fs::path& path) {
   target.resize(size);
   path = target;
   return {};
+}
+
+/// Where a link leads; the path itself when it is none.
+std::error_code ResolveLink(HANDLE opened, fs::path& path) {
+  const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
+  return FinalPath(opened, path);
+}
+
+/// Where the missing file belongs that a link leads to: what is made through the link for a moment tells.
+std::error_code ResolveDanglingLink(fs::path& path) {
+  const OwnedHandle made(Open(path, DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE));
+  return made ? FinalPath(made.get(), path) : LastError();
 }
 
 bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
@@ -139,8 +150,10 @@ std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
                                       : ::MoveFileExW(replacement.c_str(), target.c_str(), kMove) != 0;
     if (done) return {};
     error = ::GetLastError();
+    // Of a file that somebody has open, some calls only say that access is denied.
     const bool may_pass = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
-                          error == ERROR_UNABLE_TO_REMOVE_REPLACED || error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+                          error == ERROR_ACCESS_DENIED || error == ERROR_UNABLE_TO_REMOVE_REPLACED ||
+                          error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
     if (!may_pass) break;
   }
   // That number stands for no portable error; the old file is as it was.
@@ -199,7 +212,8 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   if (!file) {
     const DWORD error = ::GetLastError();
     // A link that leads nowhere is there itself.
-    if (error == ERROR_FILE_NOT_FOUND && !IsThere(LongPath(path))) return std::nullopt;
+    if (error == ERROR_FILE_NOT_FOUND && (!IsThere(LongPath(path)) || !ResolveDanglingLink(target.path)))
+      return std::nullopt;
     return FailureToOpen(error);
   }
   BY_HANDLE_FILE_INFORMATION info{};

@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 
 #include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
 #include "platform/FilePath.h"
 #include "platform/InstanceLink.h"
 #include "platform/RegistryAccess.h"
@@ -412,6 +413,10 @@ void mdform_TMEditor::PrintActiveDocument() {
   DocumentWindow* const document = active_document_;
   if (!document) return;
   CommonDialog& dialog = global_.common_dialog;
+  if (const QString obstacle = dialog.PrintObstacle(); !obstacle.isEmpty()) {
+    global_.dialogs.MsgBox(obstacle, MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    return;
+  }
   dialog.flags = CommonDialog::kNoPageNumbers | CommonDialog::kReturnDc;
   const std::unique_ptr<QPrinter> printer = dialog.ShowPrinter();
   if (!printer) return;
