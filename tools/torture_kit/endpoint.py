@@ -12,7 +12,7 @@ import threading
 import time
 
 from .documents import Text
-from .session import TITLE, Display, Editor, Ended, Home, Stuck
+from .session import TITLE, Display, Editor, Ended, Home, Stuck, wait_for
 
 OPEN_PATHS = 3
 HEADER = 12
@@ -61,10 +61,12 @@ class Flood:
         self.seed = seed
         self.lock = threading.Lock()
         self.sent = collections.Counter()
-        self.refused = self.dropped = 0
+        self.cut_off = self.unreached = self.dropped = 0
         self.over = threading.Event()
 
     def connect(self):
+        """However busy the endpoint is: the system lets a blocking call wait for room in the queue. So a refusal means
+        that nobody listens."""
         connection = socket.socket(socket.AF_UNIX)
         connection.connect(str(self.path))
         connection.settimeout(120)
@@ -81,11 +83,17 @@ class Flood:
         while self._take():
             kind, record = random_record(dice)
             try:
-                with self.connect() as connection:
+                connection = self.connect()
+            except OSError:
+                with self.lock:
+                    self.unreached += 1
+                continue
+            try:
+                with connection:
                     self.send(connection, record, dice)
             except OSError:  # turned away in the middle of what it never wanted
                 with self.lock:
-                    self.refused += 1
+                    self.cut_off += 1
             sent[kind] += 1
         with self.lock:
             self.sent += sent
@@ -158,17 +166,11 @@ def wait_for_quiet(editor):
 
 
 def run(root, records, display_number, seed, log):
-    faults = []
-
-    def say(line):
-        print(line, file=log, flush=True)
-        print(line, flush=True)
+    before = log.faults
 
     def check(holds, what):
         if not holds:
-            faults.append(what)
-            say(f"FAULT {what}")
-            display.picture(root / f"fault-endpoint-{len(faults)}.png")
+            display.picture(root / f"fault-endpoint-{log.fault(what)}.png")
 
     display = Display(display_number)
     home = Home(root / "endpoint")
@@ -187,11 +189,10 @@ def run(root, records, display_number, seed, log):
         helper = threading.Thread(target=flood.put_away_messages, daemon=True)
         for thread in (*senders, helper):
             thread.start()
-        for thread in senders:
-            thread.join(3600)
+        wait_for(lambda: not any(thread.is_alive() for thread in senders), "a sender hangs", 3600, 0.2)
         seconds = time.monotonic() - begun
         check(editor.is_alive(), "the editor ended under the flood")
-        check(not any(thread.is_alive() for thread in senders), "a sender hangs")
+        check(not flood.unreached, f"{flood.unreached} senders found nobody listening")
         check(flood.dropped == SILENT, f"{SILENT - flood.dropped} of {SILENT} silent senders were not dropped")
         wait_for_quiet(editor)
         document = home.files / "after.txt"
@@ -199,8 +200,9 @@ def run(root, records, display_number, seed, log):
         check(editor.hand_over(document), "a real launch is not answered after the flood")
         editor.until(lambda: editor.document() == document.name, "a real path is not opened after the flood")
         kinds = ", ".join(f"{kind} {count}" for kind, count in sorted(flood.sent.items()))
-        say(f"endpoint: {sum(flood.sent.values())} records in {seconds:.0f} s ({kinds}; {flood.refused} cut off while "
-            f"sending), {flood.dropped} silent senders dropped, another user {others}, {len(faults)} faults")
+        log.say(f"endpoint: {sum(flood.sent.values())} records in {seconds:.0f} s ({kinds}; {flood.cut_off} cut off while "
+                f"sending), {flood.unreached} connections failed, {flood.dropped} silent senders dropped, another user "
+                f"{others}, {log.faults - before} faults")
     except (Ended, Stuck) as trouble:
         check(False, f"endpoint: {trouble!r}; in front \"{display.active_title()}\"")
     finally:
@@ -209,4 +211,3 @@ def run(root, records, display_number, seed, log):
         if editor.is_alive():
             editor.kill()
         display.close()
-    return not faults

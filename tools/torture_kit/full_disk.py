@@ -5,7 +5,7 @@ import subprocess
 import time
 
 from .documents import Damaged, KINDS
-from .session import CHANGED, TITLE, Display, Editor, Home, Stuck
+from .session import CHANGED, TITLE, Display, Editor, Ended, Home, Stuck
 
 _SIZE = 2 << 20
 ADDED = 1
@@ -22,16 +22,16 @@ class Mounts:
 
     def __exit__(self, *_):
         for path in reversed(self._mounted):
-            subprocess.run(["umount", "-l", str(path)])
+            subprocess.run(["umount", "-l", str(path)], capture_output=True)
 
     def small_disk(self, path):
         path.mkdir(parents=True, exist_ok=True)
-        self._mount("-t", "tmpfs", "-o", f"size={_SIZE}", "tmpfs", str(path))
         self._mounted.append(path)
+        self._mount("-t", "tmpfs", "-o", f"size={_SIZE}", "tmpfs", str(path))
 
     def make_read_only(self, path):
-        self._mount("--bind", str(path), str(path))
         self._mounted.append(path)
+        self._mount("--bind", str(path), str(path))
         self._mount("-o", "remount,bind,ro", str(path))
 
     def make_writable(self, path):
@@ -56,15 +56,14 @@ def fill(folder):
 
 
 class Disk:
-    def __init__(self, display, home, say):
-        self.display, self.home, self.say = display, home, say
-        self.faults = self.failed_saves = 0
+    def __init__(self, display, home, log):
+        self.display, self.home, self.log = display, home, log
+        self.failed_saves = 0
 
     def check(self, holds, what):
         if not holds:
-            self.faults += 1
-            self.say(f"FAULT {what}")
-            self.display.picture(self.home.root / f"fault-{self.faults}.png")
+            number = self.log.fault(what)
+            self.display.picture(self.home.root / f"fault-{number}.png")
 
     def open_and_type(self, kind):
         """A document with one addition that was not saved."""
@@ -136,12 +135,8 @@ class Disk:
 
 
 def run(root, display_number, log):
-    def say(line):
-        print(line, file=log, flush=True)
-        print(line, flush=True)
-
     display = Display(display_number)
-    faults = failed_saves = 0
+    before, failed_saves = log.faults, 0
     try:
         for number, kind in enumerate(KINDS):
             with Mounts() as mounts:
@@ -149,22 +144,25 @@ def run(root, display_number, log):
                 try:
                     mounts.small_disk(folder / "files")
                     mounts.small_disk(folder / "data")
-                except (OSError, subprocess.CalledProcessError):
-                    say("full disk: left out, since nothing can be mounted here")
-                    return True
+                except (OSError, subprocess.CalledProcessError) as error:
+                    if number == 0:
+                        log.say("full disk: left out, since nothing can be mounted here")
+                        return
+                    log.fault(f"{kind.suffix}: no disk any more: {error}")
+                    continue
                 home = Home(folder)
                 home.write_settings()
-                disk = Disk(display, home, say)
+                disk = Disk(display, home, log)
                 for part in (disk.full_disk, disk.full_history, lambda kind: disk.read_only(kind, mounts)):
                     try:
                         part(kind)
-                    except (Stuck, Damaged) as stuck:
-                        disk.check(False, f"{kind.suffix}: {stuck}; in front \"{display.active_title()}\"")
-                    for editor in list(Editor.running):
-                        editor.kill()
-                faults += disk.faults
+                    except (Ended, Stuck, Damaged, OSError, subprocess.CalledProcessError) as trouble:
+                        disk.check(False, f"{kind.suffix}: {trouble!r}; in front \"{display.active_title()}\"")
+                    finally:
+                        for editor in list(Editor.running):
+                            editor.kill()
                 failed_saves += disk.failed_saves
     finally:
         display.close()
-    say(f"full disk: {failed_saves} saves failed as they must on {len(KINDS)} kinds of documents, {faults} faults")
-    return not faults
+    log.say(f"full disk: {failed_saves} saves failed as they must on {len(KINDS)} kinds of documents, "
+            f"{log.faults - before} faults")

@@ -2,12 +2,13 @@
 
 import collections
 import hashlib
+import math
 import random
 import threading
 import time
 
 from .documents import Damaged, kind_of, KINDS, Text
-from .session import CHANGED, Display, Editor, Ended, Home, Stuck
+from .session import CHANGED, Display, Editor, Ended, Home, Over, Stuck, end_all, wait_for
 
 # What was typed so long before a kill must come back.
 RESCUE_SECONDS = 10
@@ -19,24 +20,22 @@ class Tally:
     """What all workers found."""
 
     def __init__(self, log):
-        self._log, self._lock = log, threading.Lock()
+        self.log, self.say = log, log.say
         self.kills = collections.Counter()
-        self.faults, self.lost, self.temporary, self.older, self.rescued, self.saves = [], 0, 0, 0, 0, 0
-
-    def say(self, line):
-        with self._lock:
-            print(line, file=self._log, flush=True)
-            print(line, flush=True)
+        self.lost, self.temporary, self.older, self.rescued, self.saves = 0, 0, 0, 0, 0
 
     def fault(self, line, lost=0):
-        self.faults.append(line)
+        """Its number."""
         self.lost += lost
-        self.say(f"FAULT {line}" + (f" ({lost} bytes lost)" if lost else ""))
+        return self.log.fault(line + (f" ({lost} bytes lost)" if lost else ""))
+
+    def rounds(self):
+        return sum(self.kills.values())
 
     def summary(self):
         phases = ", ".join(f"{phase} {count}" for phase, count in sorted(self.kills.items()))
-        return (f"kill loop: {sum(self.kills.values())} rounds; killed during {phases}; {self.saves} saves and "
-                f"{self.rescued} rescued documents checked; {len(self.faults)} faults, {self.lost} bytes lost; "
+        return (f"kill loop: {self.rounds()} rounds; killed during {phases}; {self.saves} saves and "
+                f"{self.rescued} rescued documents checked; {self.log.faults} faults, {self.lost} bytes lost; "
                 f"{self.older} rescues older than the file, {self.temporary} temporary files left")
 
 
@@ -64,6 +63,7 @@ class Worker(threading.Thread):
         self.rounds, self.tally = rounds, tally
         self.random = random.Random(f"{seed}/{number}")
         self.phase = ""
+        self.is_done = False
         self.editor = None
         self.killed_at = 0.0
         self.documents = []
@@ -76,10 +76,10 @@ class Worker(threading.Thread):
 
     def run(self):
         try:
-            for number in iter(self.rounds.pop, None):
+            while number := self.next_round():
                 self.round_name = f"round {number} ({self.name})"
                 self.one_round(number)
-        except IndexError:
+        except Over:
             pass
         except Exception as error:  # a fault of the loop itself must not look like a pass
             self.fault(f"the loop broke off: {error!r}")
@@ -88,6 +88,14 @@ class Worker(threading.Thread):
             if self.editor and self.editor.is_alive():
                 self.editor.kill()
             self.display.close()
+            self.is_done = True
+
+    def next_round(self):
+        """The number of one that nobody has taken yet; 0 when there is none."""
+        try:
+            return self.rounds.pop()
+        except IndexError:
+            return 0
 
     def trace(self, what):
         """Each step, for whoever looks into a fault."""
@@ -95,9 +103,8 @@ class Worker(threading.Thread):
             print(f"{self.round_name} {time.monotonic() - self.editor.started:.2f} {what}", file=file)
 
     def fault(self, text, lost=0):
-        self.tally.fault(f"{self.round_name}: {text}", lost)
-        picture = self.home.root / f"fault-{len(self.tally.faults)}.png"
-        self.display.picture(picture)
+        number = self.tally.fault(f"{self.round_name}: {text}", lost)
+        self.display.picture(self.home.root / f"fault-{number}.png")
 
     # One round.
 
@@ -111,6 +118,7 @@ class Worker(threading.Thread):
         seconds = {"early": self.random.uniform(0.05, 7), "save": 90, "autosave": self.random.uniform(58, 66),
                    "any": self.random.uniform(6, 30)}[plan]
         timer = threading.Timer(seconds, self.kill)
+        timer.daemon = True
         timer.start()
         try:
             self.editor.await_window()
@@ -224,6 +232,8 @@ class Worker(threading.Thread):
         self.trace("list")
         for number, caption in self.editor.documents().items():
             self.numbers[self.document_of(caption.removesuffix(CHANGED))] = number
+        if not self.numbers:
+            raise Stuck("no document is listed")
 
     def edit(self, plan):
         self.phase = "edits"
@@ -295,7 +305,7 @@ class Worker(threading.Thread):
 
     def start_over(self, document):
         """So that one fault is not found in every round from here on."""
-        document.path.rename(document.path.with_suffix(f".fault-{len(self.tally.faults)}"))
+        document.path.rename(document.path.with_suffix(f".fault-{self.tally.log.faults}"))
         document.path.write_bytes(document.kind.bytes_of(document.saved))
         for record in self.home.records("aside"):
             record["file"].unlink()
@@ -326,12 +336,22 @@ def run(root, rounds, workers, first_display, seed, log):
     tally = Tally(log)
     left = list(range(rounds, 0, -1))
     started = []
-    for number in range(workers):
-        display = None if first_display is None else first_display + number
-        started.append(Worker(number + 1, root / f"worker{number + 1}", display, left, tally, seed))
-    for worker in started:
-        worker.start()
-    for worker in started:
-        worker.join()
-    tally.say(tally.summary())
-    return not tally.faults
+
+    def wait_for_all():  # not by `join`: one that a signal interrupts takes the thread for ended
+        wait_for(lambda: all(worker.is_done for worker in started), "", math.inf, 0.2)
+
+    try:
+        for number in range(workers):
+            display = None if first_display is None else first_display + number
+            worker = Worker(number + 1, root / f"worker{number + 1}", display, left, tally, seed)
+            worker.start()
+            started.append(worker)
+        wait_for_all()
+    except SystemExit:  # by a signal
+        log.close()
+        end_all()
+        wait_for_all()
+        raise
+    if tally.rounds() != rounds:
+        tally.fault(f"{tally.rounds()} of {rounds} rounds done")
+    log.say(tally.summary())

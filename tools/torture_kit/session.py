@@ -3,10 +3,10 @@
 import json
 import os
 import pathlib
-import shutil
 import signal
 import subprocess
 import tempfile
+import threading
 import time
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
@@ -36,13 +36,77 @@ def wait_for(condition, what, seconds=20.0, pause=0.03):
         time.sleep(pause)
 
 
+class Over(Exception):
+    """The torture is broken off."""
+
+
+class Log:
+    """What is said goes to the terminal and into a file; any thread may."""
+
+    def __init__(self, path):
+        self.faults = 0
+        self._file, self._lock = open(path, "w", encoding="utf-8"), threading.Lock()
+
+    def say(self, line):
+        with self._lock:
+            self._write(line)
+
+    def fault(self, line):
+        """Its number, from 1."""
+        with self._lock:
+            self.faults += not self._file.closed
+            self._write(f"FAULT {line}")
+            return self.faults
+
+    def close(self):
+        """What is said from then on is not heard: it comes from what was broken off."""
+        with self._lock:
+            self._file.close()
+
+    def _write(self, line):
+        if not self._file.closed:
+            print(line, file=self._file, flush=True)
+            print(line, flush=True)
+
+
+class _Processes:
+    """All that were started, so that none outlives the torture."""
+
+    def __init__(self):
+        self._started, self._over, self._lock = [], False, threading.Lock()
+
+    def start(self, arguments, **options):
+        """In a session of its own: Ctrl+C is for the torture alone."""
+        with self._lock:
+            if self._over:
+                raise Over
+            process = subprocess.Popen(arguments, start_new_session=True, **options)
+            self._started = [other for other in self._started if other.returncode is None] + [process]
+        return process
+
+    def end(self):
+        with self._lock:
+            self._over = True
+        for process in reversed(self._started):  # the editors first, their display last
+            process.terminate()
+            try:
+                process.wait(2)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+
+
+_processes = _Processes()
+end_all = _processes.end
+
+
 class Display:
     """An X server of its own with a window manager."""
 
     def __init__(self, number=None):
         read_end, write_end = os.pipe()
         name = [f":{number}"] if number is not None else []
-        self._server = subprocess.Popen(
+        self._server = _processes.start(
             ["Xvfb", *name, "-displayfd", str(write_end), "-screen", "0", "1000x700x24", "-nolisten", "tcp", "-ac"],
             pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
@@ -52,12 +116,12 @@ class Display:
             raise Stuck("Xvfb does not start")
         self.name = f":{shown}"
         self.environment = {**os.environ, "DISPLAY": self.name}
-        marker = pathlib.Path(tempfile.mkdtemp()) / "managing"
-        self._manager = subprocess.Popen(
-            ["openbox", "--sm-disable", "--startup", f"touch '{marker}'"], env=self.environment,
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for(marker.exists, "openbox does not start")
-        shutil.rmtree(marker.parent)
+        with tempfile.TemporaryDirectory() as folder:
+            marker = pathlib.Path(folder) / "managing"
+            self._manager = _processes.start(
+                ["openbox", "--sm-disable", "--startup", f"touch '{marker}'"], env=self.environment,
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            wait_for(marker.exists, "openbox does not start")
 
     def close(self):
         for process in (self._manager, self._server):
@@ -122,7 +186,7 @@ class Editor:
         self.display, self.home = display, home
         self.started = time.monotonic()
         self.log = open(home.root / "stderr.txt", "ab")
-        self.process = subprocess.Popen([str(EDITOR), *map(str, paths)], env=home.environment(display),
+        self.process = _processes.start([str(EDITOR), *map(str, paths)], env=home.environment(display),
                                         stdout=self.log, stderr=self.log)
         self.window = ""
         Editor.running.add(self)
@@ -177,6 +241,9 @@ class Editor:
         """Caption of the active document, the marker for changes included; empty when there is none."""
         self.need_alive()
         title = self.display.run("getwindowname", self.window)
+        if not title:  # the window is gone, and in a moment the process
+            time.sleep(0.1)
+            self.need_alive()
         return title[len(TITLE) + 4:-1] if title.startswith(f"{TITLE} - [") else ""
 
     def await_active(self, title, seconds=20.0):
@@ -231,7 +298,7 @@ class Editor:
     def hand_over(self, path):
         """A second launch; true when the running one took the path."""
         self.need_alive()
-        launch = subprocess.Popen([str(EDITOR), str(path)], env=self.home.environment(self.display),
+        launch = _processes.start([str(EDITOR), str(path)], env=self.home.environment(self.display),
                                   stdout=self.log, stderr=self.log)
         try:
             self.until(lambda: launch.poll() is not None, f"{path} is not taken over", 60)
