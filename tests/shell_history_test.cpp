@@ -71,9 +71,13 @@ TEST_F(HistoryTest, OldestGoFirst) {
   EXPECT_EQ(Blobs(), 6) << "what nobody names may be on its way";
   history.Prune(later_);
   EXPECT_EQ(Blobs(), 4) << "what is put aside stays, and does not count";
+  for (const char* content : {"more than three", "5", "6"}) history.Keep(new_, KeptReason::NotSaved, content, now_);
+  history.Keep(new_, KeptReason::NotSaved, "7", now_);
+  history.Prune(later_);
+  EXPECT_EQ(Contents(history), "7 6 5 4 3 2 ") << "what goes takes no room from what is older";
   history.Keep(new_, KeptReason::NotSaved, "larger than the store may be", now_);
   history.Prune(later_);
-  EXPECT_EQ(Contents(history), "larger than the store may be ");
+  EXPECT_EQ(Contents(history), "larger than the store may be 7 6 4 3 2 ");
 }
 
 TEST_F(HistoryTest, PutsUnsavedContentAside) {

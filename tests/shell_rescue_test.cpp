@@ -224,10 +224,33 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
   EXPECT_EQ(history_.Versions(path).first().reason, KeptReason::NotSaved);
 }
 
+TEST_F(RescueTest, WhatEndedTheProgramTwiceIsKeptInstead) {
+  {
+    History crashed(folder_.filePath(u"history"_s));
+    crashed.PutAside(u"1"_s, {DocumentKind::Txt, {}, u"good"_s}, "good");
+    crashed.PutAside(u"2"_s, {DocumentKind::Txt, {}, u"bad"_s}, "bad");
+  }
+  for (int start = 0; start < 2; ++start) {
+    History crashed(folder_.filePath(u"history"_s));
+    for (const QString& id : {u"1"_s, u"2"_s}) crashed.BeginReopening(id);
+  }
+  dialogs_.ExpectMsgBox(
+      u"The unsaved changes of bad could not be opened again: the program ended over it, at 2 starts. "
+      "Tools, File History has them."_s,
+      kProgramTitle);
+  Start();
+  EXPECT_EQ(Window(DocumentKind::Txt).Content(), "good");
+  EXPECT_EQ(history_.Aside().size(), 1);
+  EXPECT_EQ(history_.Versions().first().reason, KeptReason::Rescued);
+  EXPECT_EQ(history_.BeginReopening(u"1"_s), 0) << "that start did not end over it";
+}
+
 TEST_F(RescueTest, OpeningAndClosingKeepsNothing) {
   QStringList paths;
   for (const Kind& row : kRows) paths.append(File(QString::fromLatin1(row.name), row.old_bytes));
-  Start(paths);
+  const std::string marked = "\xEF\xBB\xBF{\\rtf1 a}";
+  Start(paths << File(u"marked.rtf"_s, marked));
+  EXPECT_EQ(Window(DocumentKind::Rtf, 1).Content(), marked);
   frame_->resize(500, 400);
   QApplication::processEvents();
   frame_->UnsavedContent().Look(Rescue::Clock::now());
@@ -256,6 +279,27 @@ TEST_F(RescueTest, ASavedDocumentIsNotAsideAnyMore) {
       EXPECT_TRUE(history_.Aside().isEmpty()) << row.name << on_its_way;
       window.FileClose();
     }
+}
+
+TEST_F(RescueTest, ASaveUnderANewNameHasTheOldOneMeanwhile) {
+  Start();
+  const QString path = File(u"a.txt"_s, "old"), other = File(u"b.txt"_s, "other");
+  for (const DocumentKind kind : {DocumentKind::Ini, DocumentKind::Txt}) {
+    DocumentWindow& window = Window(kind);
+    window.ShowKept({kind, path, u"a.txt"_s}, "new");
+    common_dialog_.ExpectSave(other);
+    dialogs_.ExpectMsgBox(u"Overwrite existing file?"_s, u"File Exists"_s, MsgButtons::YesNoCancel, MsgAnswer::Cancel);
+    dialogs_.while_asking = [this] {
+      frame_->UnsavedContent().Look(Rescue::Clock::now());
+      frame_->UnsavedContent().WaitForDisk();
+    };
+    QMetaObject::invokeMethod(&window, "SaveAs");
+    ASSERT_EQ(history_.Aside().size(), 1);
+    EXPECT_EQ(history_.Aside().first().origin.path, path);
+    dialogs_.while_asking = [] {};
+    dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::No);
+    window.FileClose();
+  }
 }
 
 TEST_F(RescueTest, AStoreThatCannotBeWrittenStopsNoSave) {

@@ -51,7 +51,7 @@ std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surroga
     if (text.size() < size) return std::nullopt;
     for (std::size_t i = 1; i < size; ++i) {
       const auto byte = static_cast<unsigned char>(text[i]);
-      if ((byte & 0xC0) != 0x80) return std::nullopt;
+      if (!IsContinuation(text[i])) return std::nullopt;
       character = (character << 6) | (byte & 0x3Fu);
     }
     const bool surrogate = character >= 0xD800 && character <= 0xDFFF;

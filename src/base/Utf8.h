@@ -19,6 +19,14 @@ enum class Surrogates : std::uint8_t { Refuse, Accept };
 /// Takes the first character off `text`. Null, with `text` as it was, when it is empty or begins with an invalid byte.
 std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates = Surrogates::Refuse);
 
+constexpr bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+/// Where the character begins that the byte at `at` belongs to; `at` itself at the end of the text and beyond.
+constexpr std::size_t CharacterStart(std::string_view text, std::size_t at) {
+  while (at > 0 && at < text.size() && IsContinuation(text[at])) --at;
+  return at;
+}
+
 /// How many bytes the last character has: 0 of an empty text, 1 of an invalid byte.
 std::size_t LastCharacterBytes(std::string_view text);
 

@@ -8,6 +8,8 @@
 #include <array>
 #include <string>
 
+#include "base/Utf8.h"
+
 using namespace Qt::StringLiterals;
 
 namespace tme {
@@ -20,13 +22,6 @@ constexpr std::string_view kEllipsis = "…";
 
 /// Scintilla's marker numbers.
 enum RowMark : unsigned char { kOnlyNow, kOnlyVersion, kLeftOut, kNoMark };
-
-bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
-std::size_t CharacterStart(std::string_view text, std::size_t at) {
-  while (at > 0 && at < text.size() && IsContinuation(text[at])) --at;
-  return at;
-}
 
 /// Lines become rows: the mark, the text, the line end.
 class Rows {
@@ -92,10 +87,10 @@ class Rows {
     text += ' ';
     const bool fits = line.text.size() <= DifferenceView::kShownLineBytes;
     const std::size_t start =
-        fits || differs_at <= kBytesBefore ? 0 : CharacterStart(line.text, differs_at - kBytesBefore);
+        fits || differs_at <= kBytesBefore ? 0 : utf8::CharacterStart(line.text, differs_at - kBytesBefore);
     const std::size_t end =
         fits ? line.text.size()
-             : CharacterStart(line.text, std::min(start + DifferenceView::kShownLineBytes, line.text.size()));
+             : utf8::CharacterStart(line.text, std::min(start + DifferenceView::kShownLineBytes, line.text.size()));
     if (start > 0) text += kEllipsis;
     text += line.text.substr(start, end - start);
     if (end < line.text.size()) text += kEllipsis;

@@ -48,7 +48,6 @@ class DifferenceView : public TextPad {
     int first_row;
     int end_row;
   };
-  void Fill(std::string text);
   void MarkDifferences(const std::vector<unsigned char>& row_marks);
   int CaretRow() const;
   void GoTo(const Difference& difference);

@@ -11,7 +11,6 @@
 #include "platform/TextFile.h"
 #include "reg/RegAsShown.h"
 #include "shell/DisplayText.h"
-#include "shell/DocumentWindow.h"
 #include "text/rtf/RtfReader.h"
 #include "text/rtf/RtfWriter.h"
 

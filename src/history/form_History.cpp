@@ -15,7 +15,7 @@
 #include <QSplitter>
 #include <QTreeWidget>
 #include <QVBoxLayout>
-#include <algorithm>
+#include <exception>
 #include <new>
 
 #include "history/DifferenceView.h"
@@ -43,6 +43,12 @@ const QString kSizeValue = QStringLiteral("History Size");
 enum Column { kTimeColumn, kReasonColumn, kNameColumn, kSizeColumn, kColumns };
 constexpr int kIndexRole = Qt::UserRole;     ///< place in versions_, newest first
 constexpr int kSortRole = Qt::UserRole + 1;  ///< a number, where the text is none to sort by
+
+std::shared_ptr<VersionComparison> TooLargeToCompare() {
+  auto comparison = std::make_shared<VersionComparison>();
+  comparison->outcome = VersionComparison::Outcome::TooLarge;
+  return comparison;
+}
 
 /// A row of the list; what is equal stays in the order of time.
 class VersionItem : public QTreeWidgetItem {
@@ -297,16 +303,23 @@ void form_History::ShowVersion() {
                  "document that is closed without saving."));
     return;
   }
-  std::optional<std::string> now = UnsavedNow(*version);
-  const qint64 bytes =
-      version->bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version->origin.path).size());
+  try {
+    CompareVersion(*version);
+  } catch (const std::exception&) {  // no memory, no thread
+    ShowComparison(TooLargeToCompare());
+  }
+}
+
+void form_History::CompareVersion(const KeptVersion& version) {
+  std::optional<std::string> now = UnsavedNow(version);
+  const qint64 bytes = version.bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version.origin.path).size());
   if (bytes <= kComparedAtOnce) {
     auto comparison = std::make_shared<VersionComparison>();
-    Compare(global_.history, *version, std::move(now), *comparison);
+    Compare(global_.history, version, std::move(now), *comparison);
     return ShowComparison(std::move(comparison));
   }
   lbl_Difference->setText(tr("Comparing..."));
-  if (!comparing_.valid()) StartComparing(*version, std::move(now));
+  if (!comparing_.valid()) StartComparing(version, std::move(now));
 }
 
 void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
@@ -318,10 +331,7 @@ void form_History::StartComparing(const KeptVersion& version, std::optional<std:
     } catch (const std::bad_alloc&) {
       has_memory = false;
     }
-    if (!has_memory) {
-      comparison = std::make_shared<VersionComparison>();
-      comparison->outcome = VersionComparison::Outcome::TooLarge;
-    }
+    if (!has_memory) comparison = TooLargeToCompare();
     const auto show = [this, comparison, number] {
       comparing_.get();
       // Another one was selected meanwhile; only the last of them counts.
@@ -375,9 +385,8 @@ void form_History::ShowPlace() {
 std::optional<std::string> form_History::SelectedContent() {
   std::optional<std::string> content = global_.history.Content(Selected()->digest);
   if (!content)
-    global_.dialogs.MsgBox(
-        tr("This version can no longer be read: its file in %1 is gone or damaged.").arg(global_.history.Folder()),
-        MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    global_.dialogs.MsgBox(Summary({}, *Selected(), global_.history.Folder()), MsgButtons::Ok, MsgIcon::Warning,
+                           kProgramTitle);
   return content;
 }
 

@@ -44,6 +44,7 @@ class form_History : public QDialog {
   void ShowVersion();
   /// What the version's document holds when no file does; nothing otherwise.
   std::optional<std::string> UnsavedNow(const KeptVersion& version) const;
+  void CompareVersion(const KeptVersion& version);
   /// On a thread of its own; the result is shown when it is there, unless another version is wanted by then.
   void StartComparing(const KeptVersion& version, std::optional<std::string> now);
   void ShowComparison(std::shared_ptr<const VersionComparison> comparison);

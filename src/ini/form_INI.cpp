@@ -273,9 +273,8 @@ void form_INI::SaveAs() { SaveElsewhere(); }
 
 form_INI::SaveOutcome form_INI::SaveElsewhere() {
   DocumentSlot& slot = Slot();
-  const QString path = std::exchange(slot.path, {});
-  const QString title = std::exchange(slot.title, {});
-  const SaveOutcome outcome = Save();
+  const QString path = slot.path, title = slot.title;
+  const SaveOutcome outcome = WithoutName([this] { return Save(); });
   if (outcome == SaveOutcome::Saved) return outcome;
   slot.path = path;
   slot.title = title;
@@ -316,7 +315,7 @@ bool form_INI::WriteTo(const QString& path) {
 
 std::string form_INI::Content() {
   TextFormat format = format_;
-  return BytesOf(format, Producer());
+  return BytesOf(&format, Producer());
 }
 
 void form_INI::PutContent(std::string bytes) {

@@ -172,11 +172,16 @@ DecodedText DecodeText(std::string bytes) {
   return decoded;
 }
 
-std::optional<std::string> EncodeText(std::string_view text, const TextFormat& format) {
+std::string EncodeText(std::string text, TextFormat& format) {
+  const bool stands_for_itself = format.encoding == TextEncoding::Utf8
+                                     ? !text.starts_with(kUtf8Mark)
+                                     : format.encoding == TextEncoding::CodePage && utf8::AsciiRun(text) == text.size();
+  if (stands_for_itself) return text;
   PartEncoder encoder(format);
   std::optional<std::string> bytes = encoder.Encode(text);
-  if (!bytes || !encoder.ReadsBack()) return std::nullopt;
-  return std::move(*bytes) + encoder.Rest();
+  if (bytes && encoder.ReadsBack()) return std::move(*bytes) + encoder.Rest();
+  format = {TextEncoding::Utf8, {}};
+  return EncodeText(std::move(text), format);
 }
 
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes) {

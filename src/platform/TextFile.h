@@ -39,10 +39,10 @@ struct DecodedText {
 /// Takes the bytes over; no copy is made when they are UTF-8 already.
 DecodedText DecodeText(std::string bytes);
 
-/// Null when the bytes would not be read as this text again; nothing is replaced. Only for the 8-bit code page (no byte
-/// for a character, or bytes that look like UTF-8 or begin like a mark) and for UTF-16 (text that is not UTF-8). UTF-8
-/// takes every text.
-std::optional<std::string> EncodeText(std::string_view text, const TextFormat& format);
+/// Where the bytes would not be read as this text again, UTF-8 instead, and `format` says so: the 8-bit code page may
+/// have no byte for a character, or bytes that look like UTF-8 or begin like a mark; UTF-16 takes only what is UTF-8.
+/// Takes the text over; no copy is made when it stands for itself.
+std::string EncodeText(std::string text, TextFormat& format);
 
 /// Why a file could not be read or written, in the system's words ("Permission denied").
 struct FileFailure {

@@ -28,6 +28,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/Rescue.h"
 #include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
@@ -374,7 +375,10 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   document_.SetText(document_.Root(), slot.title.toStdString());
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
   // These are in no file; the content of the whole document joins the history instead.
-  if (document_.UnsavedValues() > 0) KeepUnsaved();
+  if (document_.UnsavedValues() > 0 && !KeepUnsaved()) {
+    global_.frame->UnsavedContent().LeaveForNextStart(*this);
+    AddNotice(tr("Values that the file has no place for could not be kept in the history either."));
+  }
   SetLocation({});
   setWindowTitle(slot.title);
   SetChanged(false);
@@ -409,7 +413,7 @@ bool form_REG::WriteTo(const QString& path) {
 
 std::string form_REG::Content() {
   TextFormat format = format_;
-  return BytesOf(format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
+  return BytesOf(&format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
 }
 
 void form_REG::PutContent(std::string bytes) {

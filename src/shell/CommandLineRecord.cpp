@@ -1,5 +1,6 @@
 #include "shell/CommandLineRecord.h"
 
+#include "base/Utf8.h"
 #include "platform/InstanceLink.h"
 #include "shell/DisplayText.h"
 
@@ -9,9 +10,8 @@ namespace {
 /// At most kMaxCommandLineBytes, never half a character.
 QByteArray CutAtCharacter(QByteArray text) {
   if (text.size() <= kMaxCommandLineBytes) return text;
-  qsizetype end = kMaxCommandLineBytes;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-  text.truncate(end);
+  text.truncate(static_cast<qsizetype>(
+      utf8::CharacterStart({text.constData(), static_cast<std::size_t>(text.size())}, kMaxCommandLineBytes)));
   return text;
 }
 

@@ -8,7 +8,6 @@
 #include <QVBoxLayout>
 #include <new>
 
-#include "base/Utf8.h"
 #include "platform/Dialogs.h"
 #include "platform/FilePath.h"
 #include "shell/DigestingSteps.h"
@@ -22,13 +21,6 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
-namespace {
-
-/// The first of the byte order mark, which a text that begins with it needs twice.
-constexpr char kUtf8MarkByte = '\xEF';
-
-}  // namespace
-
 DocumentWindow::DocumentWindow(Global& global, DocumentKind kind, int slot)
     : global_(global), kind_(kind), slot_number_(slot) {}
 
@@ -143,7 +135,17 @@ void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after) 
                 .arg(QString::fromUtf8(EncodingName(before))));
 }
 
+DocumentWindow::SaveOutcome DocumentWindow::WithoutName(const std::function<SaveOutcome()>& save) {
+  named_ = Origin();
+  Slot().path.clear();
+  Slot().title.clear();
+  const SaveOutcome outcome = save();
+  named_.reset();
+  return outcome;
+}
+
 ContentOrigin DocumentWindow::Origin() const {
+  if (named_) return *named_;
   QString title = Slot().title.isEmpty() ? windowTitle() : Slot().title;
   const QLatin1StringView marker(kChangedMarker);
   if (title.endsWith(marker)) title.chop(marker.size());
@@ -181,20 +183,13 @@ void DocumentWindow::CheckDisk() {
           : tr("The file is no longer on the disk. A save makes it anew."));
 }
 
-std::string DocumentWindow::BytesOf(TextFormat& format, const PartProducer& produce) {
+std::string DocumentWindow::BytesOf(TextFormat* format, const PartProducer& produce) {
   std::string text;
   produce([&text](std::string_view part) {
     text.append(part);
     return true;
   });
-  // What stands for itself needs no second copy: the window waits for that of a large document.
-  const bool is_encoded = format.encoding == TextEncoding::Utf8
-                              ? !text.starts_with(kUtf8MarkByte)
-                              : format.encoding == TextEncoding::CodePage && utf8::AsciiRun(text) == text.size();
-  if (is_encoded) return text;
-  std::optional<std::string> bytes = EncodeText(text, format);
-  if (!bytes) bytes = EncodeText(text, format = {TextEncoding::Utf8, {}});
-  return bytes ? std::move(*bytes) : text;
+  return format ? EncodeText(std::move(text), *format) : text;
 }
 
 FileSteps& DocumentWindow::Steps() const {
@@ -208,8 +203,8 @@ std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& tar
   std::string old_bytes;
   if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
   if (auto failure = global_.history.Keep(target, KeptReason::BeforeSave, old_bytes)) return failure;
-  TextFormat written = format ? *format : TextFormat{TextEncoding::Utf8, {}};
-  const std::string bytes = BytesOf(written, produce);
+  TextFormat written = format ? *format : TextFormat();
+  const std::string bytes = BytesOf(format ? &written : nullptr, produce);
   auto failure = WriteFileInPlace(file, bytes, old_bytes, steps);
   if (!failure && format) *format = written;
   return failure;
@@ -221,7 +216,7 @@ DocumentWindow::Replaced DocumentWindow::KeepReplaced(const ContentOrigin& targe
   if (!now) return {};
   std::string bytes;
   if (auto failure = ReadFileBytes(file, bytes)) return {false, std::move(failure)};
-  const bool is_slots = target.path == Slot().path;
+  const bool is_slots = target.path == Origin().path;
   const bool was_written = is_slots && !own_digest_.isEmpty();
   // Not the stamp: a change in the same step of the file system's clock, or one that puts the time back, has the same.
   if (was_written && History::DigestOf(bytes) == own_digest_) return {};

@@ -103,12 +103,15 @@ class DocumentWindow : public QWidget {
   /// format, the parts as they are. What the file held before joins the history first; where the folder allows no whole
   /// write, the file is then written in place. On a failure: the message.
   bool WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce);
-  /// What a save would write, in memory; the format says what it took.
-  static std::string BytesOf(TextFormat& format, const PartProducer& produce);
+  /// What WriteDocument would write, in memory.
+  static std::string BytesOf(TextFormat* format, const PartProducer& produce);
   /// Says that a save had to change the encoding; nothing when it did not.
   void AddEncodingNotice(TextEncoding before, TextEncoding after);
 
   enum class SaveOutcome { Saved, Cancelled, Failed };
+  /// A save under a new name: the slot has neither path nor title when `save` begins, and the caller puts them back
+  /// when it does not succeed. For the history and the rescue the document has its name all the while.
+  SaveOutcome WithoutName(const std::function<SaveOutcome()>& save);
   /// "Save this file?" when the document is changed; false keeps the window: the answer was Cancel, or the write
   /// failed. A cancelled save dialog does not (intended; the changes are dropped). While the program is being left,
   /// which a failure cannot stop, a failed write is followed by `save_elsewhere` until it succeeds or is cancelled.
@@ -138,6 +141,8 @@ class DocumentWindow : public QWidget {
   Replaced KeepReplaced(const ContentOrigin& target);
   FileSteps& Steps() const;
 
+  /// The document's name while a save under a new one leaves the slot without.
+  std::optional<ContentOrigin> named_;
   /// Of the slot's file, when it was last read or written here; nothing for none.
   std::optional<FileStamp> disk_stamp_;
   /// Of the bytes that this document last wrote to the slot's file; empty before it did. They need not be kept before

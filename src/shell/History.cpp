@@ -19,6 +19,8 @@ constexpr auto kOnlyTheUser = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeO
 const QString kVersions = QStringLiteral("versions");
 const QString kAside = QStringLiteral("aside");
 const QString kBlobs = QStringLiteral("blobs");
+/// Names what is being opened again, and how often that was begun.
+const QString kReopening = QStringLiteral("/reopening");
 const QString kEnding = QStringLiteral(".json");
 
 /// What nothing names yet may be on its way: only what is older goes.
@@ -42,10 +44,13 @@ qint64 MsOfId(const QString& id) {
   return time.isValid() ? time.toMSecsSinceEpoch() : 0;
 }
 
+/// No path begins with a line break.
+QString OriginKey(const ContentOrigin& origin) { return origin.path.isEmpty() ? u'\n' + origin.title : origin.path; }
+
 /// End of the ids of an origin's versions, so that they are found without reading the others.
 QString OriginMark(const ContentOrigin& origin) {
-  const QString text = origin.path.isEmpty() ? u'\n' + origin.title : origin.path;
-  return QString::fromLatin1(QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Blake2b_160).toHex().left(12));
+  const QByteArray text = OriginKey(origin).toUtf8();
+  return QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Blake2b_160).toHex().left(12));
 }
 
 std::optional<FileFailure> MakeFolder(const QString& path) {
@@ -58,17 +63,8 @@ std::optional<FileFailure> MakeFolder(const QString& path) {
   return std::nullopt;
 }
 
-/// One small file that names a content.
-struct Record {
-  QString id;
-  QDateTime time;
-  KeptReason reason = KeptReason::BeforeSave;
-  ContentOrigin origin;
-  QByteArray digest;
-  qint64 bytes = 0;
-};
-
-std::string ToBytes(const Record& record) {
+/// The small file that names a content.
+std::string ToBytes(const KeptVersion& record) {
   QJsonObject object;
   object["time"_L1] = record.time.toString(Qt::ISODateWithMs);
   object["reason"_L1] = QLatin1StringView(kReasonNames[static_cast<std::size_t>(record.reason)]);
@@ -80,11 +76,11 @@ std::string ToBytes(const Record& record) {
   return QJsonDocument(object).toJson().toStdString();
 }
 
-std::optional<Record> ReadRecord(const QFileInfo& file) {
+std::optional<KeptVersion> ReadRecord(const QFileInfo& file) {
   std::string bytes;
   if (ReadFileBytes(FilePath(file.filePath()), bytes)) return std::nullopt;
   const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(bytes)).object();
-  Record record;
+  KeptVersion record;
   record.id = file.completeBaseName();
   record.time = QDateTime::fromString(object["time"_L1].toString(), Qt::ISODateWithMs);
   record.digest = object["digest"_L1].toString().toLatin1();
@@ -109,21 +105,22 @@ QFileInfoList RecordFiles(const QString& folder, const QString& mark = {}) {
   return files;
 }
 
-QList<Record> ReadRecords(const QString& folder, const QString& mark = {}) {
-  QList<Record> records;
+QList<KeptVersion> ReadRecords(const QString& folder, const QString& mark = {}) {
+  QList<KeptVersion> records;
   for (const QFileInfo& file : RecordFiles(folder, mark))
-    if (std::optional<Record> record = ReadRecord(file)) records.append(std::move(*record));
+    if (std::optional<KeptVersion> record = ReadRecord(file)) records.append(std::move(*record));
   return records;
 }
 
-std::optional<Record> NewestRecord(const QString& folder, const ContentOrigin& origin) {
+std::optional<KeptVersion> NewestRecord(const QString& folder, const ContentOrigin& origin) {
   const QFileInfoList files = RecordFiles(folder, OriginMark(origin));
   for (auto file = files.crbegin(); file != files.crend(); ++file)
-    if (std::optional<Record> record = ReadRecord(*file); record && SameOrigin(record->origin, origin)) return record;
+    if (std::optional<KeptVersion> record = ReadRecord(*file); record && SameOrigin(record->origin, origin))
+      return record;
   return std::nullopt;
 }
 
-std::optional<FileFailure> WriteRecord(const QString& folder, const Record& record) {
+std::optional<FileFailure> WriteRecord(const QString& folder, const KeptVersion& record) {
   if (const auto failure = MakeFolder(folder)) return failure;
   return WriteFileBytes(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
 }
@@ -204,14 +201,14 @@ std::optional<FileFailure> History::Store(std::string_view content, const QByteA
 
 std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
                                          const QDateTime& time) {
-  Record record{{}, time, reason, origin, DigestOf(content), static_cast<qint64>(content.size())};
+  KeptVersion record{{}, time, reason, origin, DigestOf(content), static_cast<qint64>(content.size())};
   {
     const std::scoped_lock lock(mutex_);
     kept_.insert(record.digest);
   }
   if (const auto failure = Store(content, record.digest)) return failure;
   const QString folder = folder_ + u'/' + kVersions;
-  const std::optional<Record> newest = NewestRecord(folder, origin);
+  const std::optional<KeptVersion> newest = NewestRecord(folder, origin);
   const bool is_there = newest && newest->digest == record.digest;
   // An old one could soon go for its age; it becomes the newest again.
   if (is_there && newest->time.daysTo(time) < 1) return std::nullopt;
@@ -229,11 +226,10 @@ std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptRe
 }
 
 QList<KeptVersion> History::Versions(const std::optional<QString>& path) const {
-  QList<KeptVersion> versions;
-  for (const Record& record :
-       ReadRecords(folder_ + u'/' + kVersions, path ? OriginMark({DocumentKind::Txt, *path, {}}) : QString()))
-    if (!path || record.origin.path == *path)
-      versions.prepend({record.id, record.time, record.reason, record.origin, record.digest, record.bytes});
+  QList<KeptVersion> versions =
+      ReadRecords(folder_ + u'/' + kVersions, path ? OriginMark({DocumentKind::Txt, *path, {}}) : QString());
+  if (path) versions.removeIf([&](const KeptVersion& version) { return version.origin.path != *path; });
+  std::reverse(versions.begin(), versions.end());
   return versions;
 }
 
@@ -246,7 +242,8 @@ std::optional<std::string> History::Content(const QByteArray& digest) const {
 std::optional<FileFailure> History::PutAside(const QString& id, const ContentOrigin& origin, std::string_view content,
                                              const QDateTime& time) {
   const std::scoped_lock one_at_a_time(aside_mutex_);
-  const Record record{id, time, KeptReason::Rescued, origin, DigestOf(content), static_cast<qint64>(content.size())};
+  const KeptVersion record{
+      id, time, KeptReason::Rescued, origin, DigestOf(content), static_cast<qint64>(content.size())};
   const QByteArray& digest = record.digest;
   bool is_sole = false;
   {
@@ -282,12 +279,22 @@ void History::ForgetAside(const QString& id) {
   DropUnlessKept(sole_.take(id));
 }
 
-QList<AsideContent> History::Aside() const {
-  QList<AsideContent> aside;
-  for (const Record& record : ReadRecords(folder_ + u'/' + kAside))
-    aside.append({record.id, record.time, record.origin, record.digest, record.bytes});
-  return aside;
+int History::BeginReopening(const QString& id) {
+  const std::filesystem::path file = FilePath(folder_ + kReopening);
+  if (!ended_over_) {
+    std::string bytes;
+    const bool was_begun = !ReadFileBytes(file, bytes);
+    const QString text = was_begun ? QString::fromStdString(bytes) : QString();
+    ended_over_ = Reopening{text.section(u' ', 0, 0), text.section(u' ', 1).toInt()};
+  }
+  const int attempts = ended_over_->id == id ? ended_over_->attempts : 0;
+  WriteFileBytes(file, (id + u' ' + QString::number(attempts + 1)).toStdString());
+  return attempts;
 }
+
+void History::EndReopening() { QFile::remove(folder_ + kReopening); }
+
+QList<KeptVersion> History::Aside() const { return ReadRecords(folder_ + u'/' + kAside); }
 
 void History::Prune(const QDateTime& now) {
   if (!Claim()) return;
@@ -296,19 +303,19 @@ void History::Prune(const QDateTime& now) {
     for (const QFileInfo& torn : QDir(folder_ + u'/' + folder).entryInfoList(QDir::Files | QDir::Hidden))
       if (torn.fileName().startsWith(u".tme-") && IsSettled(torn.filePath(), settled)) QFile::remove(torn.filePath());
   QSet<QByteArray> named;
-  for (const Record& record : ReadRecords(folder_ + u'/' + kAside)) named.insert(record.digest);
+  for (const KeptVersion& record : ReadRecords(folder_ + u'/' + kAside)) named.insert(record.digest);
   QHash<QString, int> of_file;
   qint64 total = 0;
   const QList<KeptVersion> versions = Versions();
   const QString newest = versions.isEmpty() ? QString() : versions.first().id;
   for (const KeptVersion& version : versions) {
-    const QString file = version.origin.path.isEmpty() ? u'\n' + version.origin.title : version.origin.path;
-    if (!named.contains(version.digest)) total += version.bytes;
-    const bool within = ++of_file[file] <= limits_.versions_per_file && version.time.daysTo(now) <= limits_.days &&
-                        total <= limits_.total_bytes;
+    const qint64 bytes = named.contains(version.digest) ? 0 : version.bytes;
+    const bool within = ++of_file[OriginKey(version.origin)] <= limits_.versions_per_file &&
+                        version.time.daysTo(now) <= limits_.days && total + bytes <= limits_.total_bytes;
+    // What goes, for whatever reason, takes no room from what is older.
+    if (within) total += bytes;
     // The newest stays, however large: it was kept for a reason a moment ago.
-    const bool stays = within || version.id == newest;
-    if (stays)
+    if (within || version.id == newest)
       named.insert(version.digest);
     else
       QFile::remove(folder_ + u'/' + kVersions + u'/' + version.id + kEnding);

@@ -35,6 +35,8 @@ struct ContentOrigin {
   QString title;  ///< the caption of such a document; else the file's name
 };
 
+/// A content of the store and what names it: a version, or unsaved content of an open document that was put aside so
+/// that a crash does not take it (whose reason says nothing).
 struct KeptVersion {
   QString id;  ///< name in the store; later ones sort after earlier ones
   QDateTime time;
@@ -44,16 +46,8 @@ struct KeptVersion {
   qint64 bytes = 0;
 };
 
-/// Unsaved content of an open document, put aside so that a crash does not take it.
-struct AsideContent {
-  QString id;
-  QDateTime time;
-  ContentOrigin origin;
-  QByteArray digest;
-  qint64 bytes = 0;
-};
-
-/// The one place for the limits of the store. Oldest go first; content that is put aside never goes.
+/// The one place for the limits of the store. Newer versions have the first claim on the room that there is; content
+/// that is put aside never goes.
 struct HistoryLimits {
   int versions_per_file = 40;
   int days = 90;
@@ -91,8 +85,13 @@ class History {
   /// For good, whatever another thread is about to put aside under the id.
   void ForgetAside(const QString& id);
   /// Oldest first.
-  QList<AsideContent> Aside() const;
+  QList<KeptVersion> Aside() const;
   static QString NewId();
+  /// What is aside under the id is about to be opened again. Returns at how many starts, up to the last one, the
+  /// program ended over it.
+  int BeginReopening(const QString& id);
+  /// All is open.
+  void EndReopening();
 
   /// Makes the store this process's own for as long as it lives. False while another process has it, one that is still
   /// asking its last questions: what is put aside is its business then, and nothing is removed. True when there is no
@@ -125,6 +124,12 @@ class History {
   QSet<QByteArray> kept_;
   /// By id, the content that was written for this snapshot and that no other one names.
   QHash<QString, QByteArray> sole_;
+  /// What the last start was opening again when it ended, and at how many starts it did.
+  struct Reopening {
+    QString id;
+    int attempts = 0;
+  };
+  std::optional<Reopening> ended_over_;
   /// Every id that was: a snapshot's thread may not have begun when its document is saved.
   QSet<QString> forgotten_;
   qint64 last_version_ms_ = 0;

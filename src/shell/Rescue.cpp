@@ -6,6 +6,7 @@
 #include <new>
 #include <system_error>
 
+#include "platform/Dialogs.h"
 #include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
@@ -28,6 +29,8 @@ constexpr int kDiskFactor = 20;
 /// between its own, it stays far below.
 constexpr std::chrono::milliseconds kQuick{10};
 constexpr std::chrono::hours kPruneInterval{1};
+/// A content over which the program ended that often must not end it at every start.
+constexpr int kMostAttempts = 2;
 
 }  // namespace
 
@@ -61,14 +64,30 @@ void Rescue::Stop() {
 
 void Rescue::ReopenAfterCrash() {
   if (!global_.history.Claim()) return;
-  for (const AsideContent& aside : global_.history.Aside()) {
+  for (const KeptVersion& aside : global_.history.Aside()) {
+    const int attempts = global_.history.BeginReopening(aside.id);
+    std::optional<std::string> content = global_.history.Content(aside.digest);
     // One that cannot be read stays where it is, for whoever can repair it.
-    if (std::optional<std::string> content = global_.history.Content(aside.digest)) Reopen(aside, std::move(*content));
+    if (!content) continue;
+    if (attempts < kMostAttempts || !KeepInstead(aside, *content)) Reopen(aside, std::move(*content));
   }
+  global_.history.EndReopening();
   if (!watched_.isEmpty()) global_.frame->CascadeAfterOpening();
 }
 
-void Rescue::Reopen(const AsideContent& aside, std::string content) {
+bool Rescue::KeepInstead(const KeptVersion& aside, const std::string& content) {
+  if (global_.history.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return false;
+  global_.history.ForgetAside(aside.id);
+  global_.dialogs.MsgBox(
+      tr("The unsaved changes of %1 could not be opened again: the program ended over it, at %2 starts. "
+         "Tools, File History has them.")
+          .arg(aside.origin.title)
+          .arg(kMostAttempts),
+      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  return true;
+}
+
+void Rescue::Reopen(const KeptVersion& aside, std::string content) {
   std::string in_file;
   const bool is_saved =
       !aside.origin.path.isEmpty() && !ReadFileBytes(FilePath(aside.origin.path), in_file) && in_file == content;

@@ -27,8 +27,8 @@ class Rescue : public QObject {
   ~Rescue() override;
 
   /// Opens each document that the last run left with unsaved changes, as it was, marked changed. What is put aside
-  /// stays so until the document is saved or closed. Windows of a kind that are all taken: the content becomes a
-  /// version of the history.
+  /// stays so until the document is saved or closed. Windows of a kind that are all taken, or a content that ended the
+  /// program at two starts: it becomes a version of the history, which a message says.
   void ReopenAfterCrash();
   /// From now on a look at all documents every two seconds.
   void Start();
@@ -54,8 +54,10 @@ class Rescue : public QObject {
     Clock::time_point not_before;
     Clock::duration cost{};  ///< what the last snapshot kept the window waiting
   };
+  /// Makes it a version and says so; false when it could not.
+  bool KeepInstead(const KeptVersion& aside, const std::string& content);
   /// Opens the content that is aside, or sees to it that it is found in the history.
-  void Reopen(const AsideContent& aside, std::string content);
+  void Reopen(const KeptVersion& aside, std::string content);
   void PutAside(DocumentWindow& window, Watched& watched, Clock::time_point now);
   void Finished();
   void PruneWhenDue(Clock::time_point now);
@@ -64,11 +66,11 @@ class Rescue : public QObject {
   Global& global_;
   QTimer timer_;
   QHash<DocumentWindow*, Watched> watched_;
-  /// The one content on its way to the disk, with its window.
   struct Written {
     std::optional<FileFailure> failure;
     Clock::duration took{};
   };
+  /// The one content on its way to the disk, with its window.
   std::future<Written> writing_;
   DocumentWindow* writing_for_ = nullptr;  ///< null, too, once its document needs no rescue
   /// When all snapshots so far are within their share of the time.

@@ -62,10 +62,10 @@ void PadWindow::SaveAs() { SaveElsewhere(); }
 PadWindow::SaveOutcome PadWindow::SaveElsewhere() {
   DocumentSlot& slot = Slot();
   save_as_ = true;
-  saved_path_ = std::exchange(slot.path, {});
-  saved_title_ = std::exchange(slot.title, {});
+  saved_path_ = slot.path;
+  saved_title_ = slot.title;
   saved_caption_ = windowTitle();
-  const SaveOutcome outcome = Save();
+  const SaveOutcome outcome = WithoutName([this] { return Save(); });
   if (outcome == SaveOutcome::Failed) RestoreNames();
   return outcome;
 }

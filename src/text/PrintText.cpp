@@ -5,6 +5,8 @@
 #include <QPrinter>
 #include <QTextLayout>
 
+#include "base/Utf8.h"
+
 namespace tme {
 namespace {
 
@@ -37,7 +39,7 @@ std::string_view TakeLine(std::string_view& rest) {
 /// The next piece of a line, whole characters.
 std::string_view TakePiece(std::string_view& line) {
   std::size_t end = std::min(kPieceBytes, line.size());
-  while (end < line.size() && (static_cast<unsigned char>(line[end]) & 0xC0) == 0x80) ++end;
+  while (end < line.size() && utf8::IsContinuation(line[end])) ++end;
   const std::string_view piece = line.substr(0, end);
   line.remove_prefix(end);
   return piece;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Utf8.h"
 #include "platform/Twips.h"
 #include "shell/DisplayText.h"
 #include "text/PrintText.h"
@@ -43,8 +44,6 @@ int FirstLineEnd(std::string_view text) {
   if (at == std::string_view::npos || text.substr(at).starts_with("\r\n")) return QsciScintillaBase::SC_EOL_CRLF;
   return text[at] == '\r' ? QsciScintillaBase::SC_EOL_CR : QsciScintillaBase::SC_EOL_LF;
 }
-
-bool IsContinuation(int byte) { return (byte & 0xC0) == 0x80; }
 
 }  // namespace
 
@@ -205,11 +204,15 @@ PadPosition TextPad::Moved(PadPosition from, std::int64_t characters) const {
   PadPosition at = std::clamp<PadPosition>(from, 0, end);
   for (; characters > 0 && at < end; --characters) {
     ++at;
-    for (int count = 0; count < kMostContinuations && at < end && IsContinuation(ByteAt(at)); ++count) ++at;
+    for (int count = 0; count < kMostContinuations && at < end && utf8::IsContinuation(static_cast<char>(ByteAt(at)));
+         ++count)
+      ++at;
   }
   for (; characters < 0 && at > 0; ++characters) {
     --at;
-    for (int count = 0; count < kMostContinuations && at > 0 && IsContinuation(ByteAt(at)); ++count) --at;
+    for (int count = 0; count < kMostContinuations && at > 0 && utf8::IsContinuation(static_cast<char>(ByteAt(at)));
+         ++count)
+      --at;
   }
   return at;
 }

@@ -191,10 +191,9 @@ std::string ToUtf8(std::u16string_view text) {
 /// How many UTF-16 units this UTF-8 stands for. Line separators were made one unit, too.
 std::size_t Utf16Units(std::string_view text) {
   std::size_t units = 0;
-  for (const char byte : text) {
-    const auto lead = static_cast<unsigned char>(byte);
-    units += static_cast<std::size_t>((lead & 0xC0) != 0x80) + static_cast<std::size_t>(lead >= 0xF0);
-  }
+  for (const char byte : text)
+    units += static_cast<std::size_t>(!utf8::IsContinuation(byte)) +
+             static_cast<std::size_t>(static_cast<unsigned char>(byte) >= 0xF0);
   return units;
 }
 

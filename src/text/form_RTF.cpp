@@ -219,10 +219,7 @@ bool form_RTF::WritePlain(const QString& path) {
   return true;
 }
 
-std::string form_RTF::Content() {
-  TextFormat format{TextEncoding::Utf8, {}};
-  return BytesOf(format, Producer());
-}
+std::string form_RTF::Content() { return BytesOf(nullptr, Producer()); }
 
 void form_RTF::PutContent(std::string bytes) {
   rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);

@@ -108,7 +108,7 @@ DocumentWindow::SaveOutcome form_TXT::WriteTo(const QString& path) {
 
 std::string form_TXT::Content() {
   TextFormat format = format_;
-  return BytesOf(format, Producer());
+  return BytesOf(&format, Producer());
 }
 
 void form_TXT::PutContent(std::string bytes) {
