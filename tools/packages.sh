@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2034
-# What a Debian 12 needs from its distribution; sourced by ./run and ./test.
+# What a Debian 12 needs from its distribution; sourced by every script that builds, packs or tries something.
 
 packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev)
 
-# Tests run without a display; they need fonts to lay out text, the two clang tools and what print tests read with.
-packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy fonts-dejavu-core poppler-utils procps)
+# Tests run without a display; they need fonts to lay out text, what looks at the form, and what print tests read with.
+packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck fonts-dejavu-core poppler-utils)
 
 # The compiler that fuzz targets are built with, and its runtimes.
 packages_fuzz=(clang-14 libclang-rt-14-dev llvm-14)
@@ -16,7 +16,7 @@ packages_run=(fonts-dejavu-core)
 packages_wayland=(qt6-wayland)
 
 # A display of our own, a window manager for it, and what finds the window and saves the picture.
-packages_display=(xvfb openbox xdotool x11-utils imagemagick)
+packages_display=(xvfb openbox xdotool imagemagick)
 
 # A display, a session bus and what reads the screen and presses keys there.
 packages_accessibility=(xvfb openbox xdotool x11-utils dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0)
@@ -27,11 +27,24 @@ packages_windows_build=(g++-mingw-w64-x86-64-posix cmake ninja-build ccache qt6-
 packages_windows_pack=(nsis zip)
 
 # What it is tested with: Wine, a display for it, and fonts that look like those of Windows.
-packages_windows_test=(wine wine64 xvfb openbox xdotool x11-utils imagemagick fonts-liberation fonts-wine python3)
+packages_windows_test=(wine wine64 xvfb openbox xdotool imagemagick fonts-liberation fonts-wine python3)
 
 # What the Debian package is made and examined with; the second list tries it on a system of its own.
 packages_deb=(librsvg2-bin file dpkg-dev gzip lintian appstream desktop-file-utils shared-mime-info)
 packages_deb_check=(debootstrap xvfb xdotool)
+
+# apt_get ARGUMENT…: as root, asking nothing, into $log. Waits up to five minutes for another that installs; apt itself
+# waits for one of its two locks only.
+apt_get() {
+  local i
+  for ((i = 0; i < 30; i++)); do
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 apt-get -qq -o DPkg::Lock::Timeout=300 "$@" \
+      </dev/null >"$log" 2>&1 && return 0
+    grep -q '^E: Could not get lock' "$log" || return 1
+    sleep 10
+  done
+  return 1
+}
 
 # Installs those of the named packages that are missing; silent when there are none. 1 when that cannot be done.
 install_missing() {
@@ -53,9 +66,7 @@ install_missing() {
   echo "Installing ${missing[*]}" >&2
   local log
   log=$(mktemp)
-  if ! { "${as_root[@]}" apt-get update -qq &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-      apt-get install -y -qq --no-install-recommends "${missing[@]}"; } </dev/null >"$log" 2>&1; then
+  if ! { apt_get update && apt_get install -y --no-install-recommends "${missing[@]}"; }; then
     cat "$log" >&2
     rm -f "$log"
     return 1
