@@ -1,6 +1,12 @@
+#include <unistd.h>
+
 #include <QDir>
 
 #include "TestSystem.h"
+
+// No test cuts the power, so none waits for a disk: these stand before the system's own.
+int fsync(int /*descriptor*/) { return 0; }
+int fdatasync(int /*descriptor*/) { return 0; }
 
 bool EnterSystem(const QString& /*home*/) { return true; }
 
