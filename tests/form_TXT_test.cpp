@@ -11,6 +11,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
+#include "WaitFor.h"
 #include "platform/Twips.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
@@ -223,8 +224,7 @@ TEST_F(FormTxt, WordWrapIsOneCheckMarkForAllWindows) {
   EXPECT_EQ(PadOf(first).RightMargin(), Pad::kNoWrap);
   first.Form_Activate();
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
-  QTest::qWait(50);
-  EXPECT_GT(PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0), 1);
+  WaitFor([&] { return PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0) > 1; });
   first.SubWindow()->resize(400, 300);
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
   frame_->Menus().Action(u"menu_EditWordWrap"_s)->trigger();
