@@ -4,8 +4,7 @@
 
 #include "TestSystem.h"
 
-// In place of the system's, for all of the process: what a case writes need not outlive a power cut, and thousands of
-// waits for a slow disk are longer than the limit of a case.
+// No test cuts the power, so none waits for a disk: these stand before the system's own.
 extern "C" int fsync(int /*descriptor*/) { return 0; }
 extern "C" int fdatasync(int /*descriptor*/) { return 0; }
 

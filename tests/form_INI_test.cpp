@@ -327,6 +327,6 @@ TEST_F(Editor, PrintsTheDocumentFromTheClipboard) {
   QProcess reader;
   reader.start(pdftotext, {u"-layout"_s, pdf, u"-"_s});
   ASSERT_TRUE(reader.waitForFinished(-1));
-  EXPECT_EQ(QString::fromUtf8(reader.readAllStandardOutput()).simplified().left(23),
-            u"[Alpha] [Beta] x=1 y=2 1"_s.left(23));
+  const QString printed = QString::fromUtf8(reader.readAllStandardOutput()).simplified();
+  EXPECT_TRUE(printed.startsWith(u"[Alpha] [Beta] x=1 y=2 ")) << printed.toStdString();
 }

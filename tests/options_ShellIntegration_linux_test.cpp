@@ -78,8 +78,7 @@ TEST_F(Integration, ProgramOfAnyNameIsStarted) {
 
 TEST_F(Integration, EntrySaysWhatThePackagesSays) {
   ShellIntegration(registry_, u"/opt/tme"_s).Set(ShellHook::SendTo, HookState::On);
-  const QString folder = QDir::cleanPath(QStringLiteral(TME_FIXTURES "/../../packaging/linux"));
-  QByteArray packaged = ReadFile(folder + u"/tamarind-editor.desktop"_s);
+  QByteArray packaged = ReadFile(QStringLiteral(TME_PACKAGING "/linux/tamarind-editor.desktop"));
   packaged.replace("Exec=tme %F\n", "Exec=\"/opt/tme\" %F\n");
   EXPECT_EQ(ReadFile(entry_).toStdString(), packaged.toStdString());
 }

@@ -164,13 +164,6 @@ TEST(RtfView, TablesOfAnyShapeStayAffordable) {
 }
 
 TEST(RtfView, EditsChangeOnlyWhatTheyTouch) {
-  RtfPad pad(nullptr);
-  pad.SetRtf(MixedSource().document);
-  pad.Select(0, 3);
-  pad.SetSelectionBold(false);
-  pad.SetSelectionColor(Qt::red);
-  pad.SetSelectionFontName(QStringLiteral("Nowhere Sans"));
-  std::string rtf;
   RtfStore store;
   QTextDocument view;
   Source source = MixedSource();

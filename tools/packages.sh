@@ -5,7 +5,9 @@
 packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev)
 
 # Tests run without a display; they need fonts to lay out text, what looks at the form, and what print tests read with.
-packages_test=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck fonts-dejavu-core poppler-utils)
+# Benchmarks are only built, so that they do not fall behind.
+packages_test=(libgtest-dev libgmock-dev libbenchmark-dev clang-format clang-tidy shellcheck fonts-dejavu-core
+  poppler-utils)
 
 # The compiler that fuzz targets are built with, and its runtimes.
 packages_fuzz=(clang-14 libclang-rt-14-dev llvm-14)
