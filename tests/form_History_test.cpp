@@ -8,6 +8,7 @@
 #include <QTreeWidget>
 
 #include "Editor.h"
+#include "Patience.h"
 #include "history/DifferenceView.h"
 #include "shell/DocumentWindow.h"
 
@@ -111,7 +112,8 @@ TEST_F(FormHistoryTest, GoesFromDifferenceToDifference) {
   Start({path});
   Keep(DocumentKind::Txt, path, {kept + long_line + "2\n"});
   form_History form(global_);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return View(form).DifferenceCount() == 5; })) << "of more than is compared at once";
+  ASSERT_TRUE(QTest::qWaitFor([&] { return View(form).DifferenceCount() == 5; }, kPatience))
+      << "of more than is compared at once";
   EXPECT_EQ(View(form).CurrentDifference(), 1) << "opens at the first";
   EXPECT_FALSE(View(form).HasPrevious());
   for (int place = 2; place <= 5; ++place) {

@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include "Editor.h"
+#include "Patience.h"
 #include "TestSystem.h"
 #include "options/HelpTexts.h"
 #include "options/ShellIntegration.h"
@@ -34,7 +35,7 @@ class OptionsDialog : public Editor {
     dialog_ = std::make_unique<form_TMEOptions>(global_, integration_, set_timer, frame_.get());
     dialog_->show();
     QApplication::setActiveWindow(dialog_.get());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(dialog_.get()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(dialog_.get(), kPatience));
   }
   template <typename Widget = QPushButton>
   Widget& Find(const char* name) {

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <future>
 
+#include "Patience.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -92,7 +93,7 @@ TEST_F(Instance, HandsOverAndTakesTheEndpointOfADeadProcess) {
   ASSERT_TRUE(link.Listen(kHandle, receive_));
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }) && sent.get());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }, kPatience) && sent.get());
   EXPECT_EQ(received_, QByteArrayList{longest});
   link.StopListening();
   EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "late"_ba}));
@@ -111,7 +112,7 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
     received_ += record.data + " ends";
   }));
   const auto first = Send("1"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first) && IsDone(second); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first) && IsDone(second); }, kPatience));
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
 }
 
@@ -122,7 +123,7 @@ TEST_F(Instance, MayGoWhileItReceives) {
     QTest::qWait(10);
   }));
   auto sent = Send("x"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }, kPatience));
   EXPECT_FALSE(sent.get());
 }
 
@@ -137,10 +138,10 @@ TEST_F(Instance, HostileSendersHarmNobody) {
     QLocalSocket sender;
     Connect(sender, record);
     sender.disconnectFromServer();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sender.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sender.state() == QLocalSocket::UnconnectedState; }, kPatience));
   }
   const auto sent = Send("good"_ba);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }, kPatience));
   EXPECT_EQ(received_, QByteArrayList{"good"_ba});
 }
 

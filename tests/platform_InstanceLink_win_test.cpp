@@ -6,6 +6,7 @@
 #include <future>
 #include <memory>
 
+#include "Patience.h"
 #include "TestSystem.h"
 #include "platform/InstanceLink.h"
 
@@ -57,7 +58,7 @@ TEST_F(Instance, HandsOverToAHookedFrameOnly) {
   EXPECT_FALSE(InstanceLink().Listen(Handle(), receive_)) << "one listens";
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }) && sent.get());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }, kPatience) && sent.get());
   SendRaw(4, "of another meaning");
   SendRaw(3, QByteArray(300, 'y'));
   SendRaw(3, {});
@@ -78,12 +79,13 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
     received_ += record.data + " begins";
     if (record.data == "1") {
       second = Send("2");
-      EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(second); }));  // like a message box that the opening shows
+      EXPECT_TRUE(
+          QTest::qWaitFor([&] { return IsDone(second); }, kPatience));  // like a message box that the opening shows
     }
     received_ += record.data + " ends";
   }));
   const auto first = Send("1");
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first); }, kPatience));
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
 }
 

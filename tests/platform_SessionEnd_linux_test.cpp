@@ -2,6 +2,7 @@
 #include <csignal>
 
 #include "Editor.h"
+#include "Patience.h"
 #include "shell/SessionShutdown.h"
 
 using namespace tme;
@@ -21,6 +22,6 @@ TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   for (const int signal : {SIGTERM, SIGHUP}) std::raise(signal);
   EXPECT_EQ(dialogs.MsgBox(u"A question"_s, MsgButtons::YesNoCancel, MsgIcon::Question, {}), MsgAnswer::Cancel);
   EXPECT_FALSE(frame.IsLeaving()) << "not from within the question";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return global.exiting; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return global.exiting; }, kPatience));
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
 }

@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include "Editor.h"
+#include "Patience.h"
 #include "TestSystem.h"
 #include "shell/CommandLineRecord.h"
 #include "shell/OS_SendMessage.h"
@@ -156,7 +157,7 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
   EXPECT_EQ(again.height(), qRound(screen.height() * 0.75));
 
   again.showMaximized();
-  EXPECT_TRUE(QTest::qWaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; }));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; }, kPatience));
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"70000") << "maximising writes the flag alone";
 }
 
@@ -164,7 +165,7 @@ TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
   registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, kTextType, u"1"_s);
   const QString path = File(u"a.ini"_s, kIni);
   Start({path, path});
-  EXPECT_TRUE(QTest::qWaitFor([this] { return Ini(1).SubWindow()->isMaximized(); }))
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Ini(1).SubWindow()->isMaximized(); }, kPatience))
       << "opened before the frame showed";
   OpenPathList(global_, path);
   EXPECT_TRUE(Ini(2).SubWindow()->isMaximized());
