@@ -13,6 +13,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
+#include "WaitFor.h"
 #include "options/HelpTexts.h"
 #include "options/ShellIntegration.h"
 #include "shell/AutoSave.h"
@@ -34,7 +35,7 @@ class OptionsDialog : public Editor {
     dialog_ = std::make_unique<form_TMEOptions>(global_, integration_, set_timer, frame_.get());
     dialog_->show();
     QApplication::setActiveWindow(dialog_.get());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(dialog_.get()));
+    WaitFor([&] { return dialog_->isActiveWindow(); });
   }
   template <typename Widget = QPushButton>
   Widget& Find(const char* name) {

@@ -125,7 +125,7 @@ TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
   QTest::qWait(200);  // like an import that repaints
   EXPECT_EQ(received_.size(), 0);
   QGuiApplication::restoreOverrideCursor();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  WaitFor([&] { return IsDone(sent); });
   EXPECT_EQ(received_, QByteArrayList{"1"_ba});
 }
 

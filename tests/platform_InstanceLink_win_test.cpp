@@ -98,7 +98,7 @@ TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
   QTest::qWait(200);  // like an import that repaints
   EXPECT_EQ(received_.size(), 0);
   QGuiApplication::restoreOverrideCursor();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return received_ == QByteArrayList{"3:1", "3:2"}; }));
+  WaitFor([&] { return received_ == QByteArrayList{"3:1", "3:2"}; });
 }
 
 TEST_F(Instance, UnhooksBelowAForeignProcedure) {

@@ -49,9 +49,9 @@ QString ExistingFolder(const QString& folder) {
 
 QString WithExtension(const QString& path, const QString& extension) {
   if (QFileInfo(path).fileName().contains(u'.')) return path;
-  // A file of that name in small letters is the one that is meant.
-  const QString small = path + extension.toLower();
-  return QFileInfo::exists(small) ? small : path + extension;
+  // Where there is only a file of that name in small letters, it is the one that is meant.
+  const QString whole = path + extension, small = path + extension.toLower();
+  return !QFileInfo::exists(whole) && QFileInfo::exists(small) ? small : whole;
 }
 
 }  // namespace
