@@ -76,7 +76,6 @@ TEST_F(WriteFile, AFileThatOthersHoldMayBeWrittenInPlace) {
   EXPECT_EQ(Reason(WriteFileInPlace(path, "new", "old", steps)), "none");
   ::CloseHandle(held);
   EXPECT_EQ(Get(path), "new");
-  EXPECT_EQ(FilesInFolder(), 1);
 }
 
 TEST_F(WriteFile, SaysWhyNot) {

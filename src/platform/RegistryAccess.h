@@ -43,7 +43,7 @@ class RegistryAccess {
   void DeleteKey(const QString& key);
   /// Brings to the store what still waits; nothing when the store has got everything.
   std::optional<StoreFailure> Flush();
-  /// Called once, when the first write fails, or now when one has failed already. It must not call back at once.
+  /// Called once, from within the first write that fails, or now when one has failed already.
   void OnFailure(std::function<void()> tell);
   /// Where the program's values lie, for people: the folder of the file; on Windows the key.
   QString Location() const;

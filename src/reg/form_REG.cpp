@@ -293,8 +293,8 @@ void form_REG::ShowProgress(const RegProgress& progress) {
   } else {
     ShowImport(progress);
   }
-  // Repaints, but holds back what would act on a half-read document: keys, clicks and, where they come by a socket,
-  // other launches, which elsewhere wait for the hourglass to go.
+  // Repaints, but holds back what would act on a half-read document: keys and clicks. What other launches hand over
+  // waits for the hourglass to go.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
