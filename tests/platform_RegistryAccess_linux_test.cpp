@@ -76,10 +76,21 @@ TEST_F(Registry, LivesWithAStoreThatCannotBeWritten) {
   QFile in_the_way(Root());
   ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
   RegistryAccess registry;
+  int told = 0;
+  registry.OnFailure([&told] { ++told; });
   for (int attempt = 0; attempt < 2; ++attempt) EXPECT_FALSE(registry.CreateKey(key_));
   registry.WriteValue(key_, u"x"_s, reg_sz_, u"1"_s);
   registry.DeleteKey(key_);
   EXPECT_EQ(registry.ReadValue(key_, u"y"_s), QString());
+  EXPECT_EQ(told, 1);
+  registry.WriteValue(key_, u"x"_s, reg_sz_, u"2"_s);
+  const std::optional<StoreFailure> failure = registry.Flush();
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->place, Root() + "/TamarindEditor/registry.ini"_L1);
+  EXPECT_EQ(failure->reason, u"Not a directory");
+  ASSERT_TRUE(in_the_way.remove());
+  EXPECT_FALSE(registry.Flush()) << "what waited has got there";
+  EXPECT_TRUE(QFile(failure->place).size() > 0);
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
 
@@ -103,11 +104,14 @@ void form_TMEOptions::cmd_OK_Click() {
   SaveTextDisplay();
   SaveDefaultOpenType();
   SaveAutoSave();
+  const std::optional<StoreFailure> unsaved = global_.registry.Flush();
+  if (unsaved) global_.frame->SettingsFailureTold();
   if (!failures.isEmpty()) {
-    const QString text =
-        tr("The integration into the file manager could not be changed completely. All other options are saved.");
+    QString text = tr("The integration into the file manager could not be changed completely.");
+    if (!unsaved) text += u' ' + tr("All other options are saved.");
     global_.dialogs.MsgBox(text + u"\r\r"_s + failures.join(u"\r"_s), MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   }
+  if (unsaved) global_.dialogs.MsgBox(SettingsFailureText(*unsaved), MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   accept();
 }
 

@@ -1,9 +1,17 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace tme {
+
+/// Why the settings store has not got what was written to it. It then holds what it held.
+struct StoreFailure {
+  QString place;   ///< the file or key, for people
+  QString reason;  ///< in the system's words
+};
 
 /// The settings store: a tree of keys with text values. On Windows the registry; elsewhere the same tree in one
 /// per-user file (QSettings, INI format, "TamarindEditor/registry.ini" under the XDG configuration folder).
@@ -20,7 +28,8 @@ class RegistryAccess {
 
   /// Creates every missing key on the path. True when the key exists after the call.
   bool CreateKey(const QString& key);
-  /// type: always "REG_SZ". A store that cannot be written is ignored.
+  /// type: always "REG_SZ". In a store that cannot be written the value is one for as long as the program runs (not so
+  /// on Windows).
   void WriteValue(const QString& key, const QString& name, const QString& type, const QString& data);
   /// Empty for a missing key or value, never an error. Elsewhere than on Windows, "Personal" under
   /// "HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders" is the user's documents
@@ -28,6 +37,10 @@ class RegistryAccess {
   QString ReadValue(const QString& key, const QString& name) const;
   /// The key with its values and the keys below it.
   void DeleteKey(const QString& key);
+  /// Brings to the store what still waits; nothing when the store has got everything.
+  std::optional<StoreFailure> Flush();
+  /// Called once, from within the first write that fails, or now when one has failed already.
+  void OnFailure(std::function<void()> tell);
   /// Where the program's values lie, for people: the folder of the file; on Windows the key.
   QString Location() const;
 

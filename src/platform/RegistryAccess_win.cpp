@@ -7,12 +7,15 @@
 #include <utility>
 
 #include "platform/RegistryAccess.h"
+#include "platform/SystemMessage_win.h"
 
 namespace tme {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+const QString kOwnKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME");
 
 /// Where the system keeps a key of ours.
 struct Place {
@@ -37,21 +40,41 @@ std::optional<Place> PlaceOf(const QString& key) {
 
 }  // namespace
 
-/// Nothing is kept between calls, so that each sees what others have written.
-class RegistryAccess::Store {};
+/// No value is kept between calls, so that each sees what others have written.
+class RegistryAccess::Store {
+ public:
+  /// True when all is well. What the shell integration writes elsewhere is told of by itself.
+  bool Note(const QString& key, LSTATUS status) {
+    if (status == ERROR_SUCCESS) return true;
+    if (!key.startsWith(kOwnKey, Qt::CaseInsensitive)) return false;
+    failure = {key, QString::fromStdString(SystemMessage(static_cast<unsigned long>(status)))};
+    if (tell) std::exchange(tell, {})();
+    return false;
+  }
 
-RegistryAccess::RegistryAccess() = default;
+  std::optional<StoreFailure> failure;
+  std::function<void()> tell;
+};
+
+RegistryAccess::RegistryAccess() : store_(std::make_unique<Store>()) {}
 
 RegistryAccess::~RegistryAccess() = default;
+
+std::optional<StoreFailure> RegistryAccess::Flush() { return store_->failure; }
+
+void RegistryAccess::OnFailure(std::function<void()> tell) {
+  store_->tell = std::move(tell);
+  if (store_->tell && store_->failure) std::exchange(store_->tell, {})();
+}
 
 bool RegistryAccess::CreateKey(const QString& key) {
   const std::optional<Place> place = PlaceOf(key);
   if (!place) return false;
   HKEY opened = nullptr;
   // Asks for no more than a look, which an existing key that is not ours to write allows, too.
-  if (::RegCreateKeyExW(place->hive, place->path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_QUERY_VALUE, nullptr,
-                        &opened, nullptr) != ERROR_SUCCESS)
-    return false;
+  const LSTATUS status = ::RegCreateKeyExW(place->hive, place->path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                           KEY_QUERY_VALUE, nullptr, &opened, nullptr);
+  if (!store_->Note(key, status)) return false;
   ::RegCloseKey(opened);
   return true;
 }
@@ -61,7 +84,8 @@ void RegistryAccess::WriteValue(const QString& key, const QString& name, const Q
   if (!place) return;
   const std::wstring text = data.toStdWString();
   const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-  ::RegSetKeyValueW(place->hive, place->path.c_str(), name.toStdWString().c_str(), REG_SZ, text.c_str(), bytes);
+  store_->Note(key, ::RegSetKeyValueW(place->hive, place->path.c_str(), name.toStdWString().c_str(), REG_SZ,
+                                      text.c_str(), bytes));
 }
 
 QString RegistryAccess::ReadValue(const QString& key, const QString& name) const {
@@ -89,6 +113,6 @@ void RegistryAccess::DeleteKey(const QString& key) {
   ::RegDeleteTreeW(place->hive, place->path.c_str());
 }
 
-QString RegistryAccess::Location() const { return u"HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME"_s; }
+QString RegistryAccess::Location() const { return kOwnKey; }
 
 }  // namespace tme

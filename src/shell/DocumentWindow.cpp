@@ -43,6 +43,7 @@ void DocumentWindow::Form_Activate() {
   global_.frame->RefreshMenus(kind_);
   UpdateCommands();
   CheckDisk();
+  global_.frame->TellSettingsFailure();
 }
 
 void DocumentWindow::TakeSlot() {

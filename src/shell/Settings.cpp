@@ -69,6 +69,11 @@ QString PersonalFolder(const RegistryAccess& registry) {
       u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"_s, u"Personal"_s);
 }
 
+QString SettingsFailureText(const StoreFailure& failure) {
+  return u"The settings could not be saved in %1: %2.  What is stored there is unchanged."_s.arg(failure.place,
+                                                                                                 failure.reason);
+}
+
 void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder) {
   if (!folder.isEmpty() && QFileInfo(folder).isDir())
     registry.WriteValue(SettingsRoot, u"Last Save"_s, kTextType, QDir::toNativeSeparators(folder));

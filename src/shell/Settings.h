@@ -6,6 +6,7 @@
 namespace tme {
 
 class RegistryAccess;
+struct StoreFailure;
 
 /// Keys and value names of the settings store. Values are texts; a flag is true exactly when its text is "1".
 inline const QString kMakerKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan");
@@ -56,6 +57,9 @@ std::optional<int> ParseDefaultOpenType(const QString& text);
 
 /// A number that fits 16 bits, rounded; nothing for anything else.
 std::optional<int> ParseInt16(const QString& text);
+
+/// What the user is told when settings do not reach the store.
+QString SettingsFailureText(const StoreFailure& failure);
 
 /// Remembered folder of the last save. With an existing folder: remembers it.
 void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder);

@@ -71,11 +71,19 @@ mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
   });
 }
 
-mdform_TMEditor::~mdform_TMEditor() { global_.frame = nullptr; }
+mdform_TMEditor::~mdform_TMEditor() {
+  global_.registry.OnFailure({});
+  global_.frame = nullptr;
+}
 
 void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   RegistryAccess& registry = global_.registry;
   setWindowTitle(kProgramTitle);
+  // Later, since the options dialog may be the one that tells.
+  registry.OnFailure([this] {
+    settings_failure_untold_ = true;
+    QTimer::singleShot(0, this, &mdform_TMEditor::TellSettingsFailure);
+  });
   registry.CreateKey(kMakerKey);
   global_.settings.present = registry.CreateKey(SettingsRoot);
   const auto handle = static_cast<quint32>(winId());
@@ -109,6 +117,12 @@ void mdform_TMEditor::ReadSettings() {
   if (settings.present) settings.ReadFrameGroup(global_.registry);
   if (settings.txt_present) settings.ReadTxtGroup(global_.registry);
   if (settings.rtf_present) settings.ReadRtfGroup(global_.registry);
+}
+
+void mdform_TMEditor::TellSettingsFailure() {
+  if (!active_document_ || leaving_ || !std::exchange(settings_failure_untold_, false)) return;
+  if (const std::optional<StoreFailure> failure = global_.registry.Flush())
+    active_document_->AddNotice(SettingsFailureText(*failure));
 }
 
 void mdform_TMEditor::PlaceFrame() {

@@ -42,6 +42,10 @@ class mdform_TMEditor : public QMainWindow {
   /// The document that menu commands go to; null when none is open.
   DocumentWindow* ActiveDocument() const { return active_document_; }
   void SetActiveDocument(DocumentWindow* window) { active_document_ = window; }
+  /// Settings that did not reach their store are a notice in the active document, once; without one it waits.
+  void TellSettingsFailure();
+  /// It was told otherwise.
+  void SettingsFailureTold() { settings_failure_untold_ = false; }
   void RefreshMenus(DocumentKind kind);
   GlobalMenus& Menus() { return *menus_; }
   Rescue& UnsavedContent() { return *rescue_; }
@@ -104,6 +108,7 @@ class mdform_TMEditor : public QMainWindow {
   QTimer geometry_timer_;
   bool leaving_ = false;
   bool unattended_ = false;
+  bool settings_failure_untold_ = false;
   /// Files were opened before the frame had its real size.
   bool cascade_when_shown_ = false;
 };

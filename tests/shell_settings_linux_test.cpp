@@ -1,0 +1,33 @@
+#include <QDir>
+#include <QFile>
+#include <QPushButton>
+
+#include "Editor.h"
+#include "options/ShellIntegration.h"
+#include "options/form_TMEOptions.h"
+#include "shell/NoticeBar.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+TEST_F(Editor, SettingsThatCannotBeSavedAreToldOnceAndAfterOk) {
+  const QString folder = registry_.Location();
+  ASSERT_TRUE(QDir(folder).removeRecursively());
+  QFile in_the_way(folder);
+  ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
+  const QString told = u"The settings could not be saved in "_s + folder +
+                       u"/registry.ini: Not a directory.  What is stored there is unchanged."_s;
+  Start();  // no document that could show it yet
+  DocumentWindow& window = NewIni("[A]\r\n");
+  EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), told);
+  window.findChild<NoticeBar*>()->Clear();
+  window.Form_Activate();
+  EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
+
+  ShellIntegration integration(registry_, u"/tme"_s);
+  form_TMEOptions options(
+      global_, integration, [](int /*minutes*/) {}, frame_.get());
+  dialogs_.ExpectMsgBox(told, kProgramTitle, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  options.findChild<QPushButton*>(u"cmd_OK"_s)->click();
+  EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
+}
