@@ -121,6 +121,7 @@ class SaveRound : public RescueTest {
       const QString target = File(QString::fromLatin1(row.name), row.old_bytes);
       const QString own = flow == Flow::SaveAs ? File(u"own"_s, "own") : target;
       Window(row.kind).ShowKept({row.kind, own, u"a"_s}, row.new_bytes);
+      Window(row.kind).AddNotice(u"It stands."_s);
       contents[row.kind] = Window(row.kind).Content();
     }
     FailingSteps steps(fault, failing_step);
@@ -131,8 +132,11 @@ class SaveRound : public RescueTest {
     dialogs_.AnswerAll(MsgAnswer::No);
     for (const Kind& row : kRows) {
       SCOPED_TRACE(row.name);
-      if (flow != Flow::Exit) Window(row.kind).FileClose();
       const std::string disk = BytesOf(InFolder(QString::fromLatin1(row.name)));
+      if (flow == Flow::Save) {
+        EXPECT_EQ(Notice(Window(row.kind)).contains(u"It stands."_s), disk == row.old_bytes);
+      }
+      if (flow != Flow::Exit) Window(row.kind).FileClose();
       if (failing_step == 0) saved[row.kind] = disk;
       EXPECT_NE(saved[row.kind], row.old_bytes);
       EXPECT_TRUE(disk == row.old_bytes || disk == saved[row.kind]) << disk;
@@ -322,4 +326,7 @@ TEST_F(RescueTest, AChangeOnTheDiskIsToldOnceAndKept) {
   QMetaObject::invokeMethod(&window, "SaveFile");
   EXPECT_EQ(history_.Versions().size(), kept) << "what was ours needs no keeping";
   EXPECT_EQ(Notice(window), u"");
+  QFile::remove(path);
+  QMetaObject::invokeMethod(&window, "SaveFile");
+  EXPECT_EQ(Notice(window), u"The file was no longer on the disk; the save made it anew.");
 }

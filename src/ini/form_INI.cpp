@@ -286,7 +286,6 @@ form_INI::SaveOutcome form_INI::Save() {
   const bool chosen = slot.path.isEmpty();
   const QString path = chosen ? AskForSavePath(u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
-  ClearNotice();
   if (!WriteTo(path)) return SaveOutcome::Failed;
   if (chosen) {
     slot.path = path;

@@ -236,6 +236,7 @@ bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, cons
   const ContentOrigin target{kind_, path, QFileInfo(path).fileName()};
   const std::filesystem::path file = FilePath(path);
   const Replaced replaced = KeepReplaced(target);
+  const bool was_gone = path == Slot().path && disk_stamp_ && !StampOf(file);
   DigestingSteps steps(Steps());
   std::optional<FileFailure> failure =
       format ? WriteTextFile(file, *format, produce, steps) : WriteFileParts(file, produce, steps);
@@ -246,6 +247,8 @@ bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, cons
   }
   disk_stamp_ = StampOf(file);
   own_digest_ = steps.Digest();
+  ClearNotice();  // what stood there was about the document before
+  if (was_gone) AddNotice(tr("The file was no longer on the disk; the save made it anew."));
   if (replaced.is_foreign && !replaced.not_kept)
     AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));
   if (replaced.not_kept)

@@ -90,7 +90,6 @@ PadWindow::SaveOutcome PadWindow::Save() {
       return SaveOutcome::Cancelled;
     }
   }
-  ClearNotice();
   if (const SaveOutcome outcome = WriteTo(path); outcome != SaveOutcome::Saved) return outcome;
   slot.path = path;
   slot.title = QFileInfo(path).fileName();
