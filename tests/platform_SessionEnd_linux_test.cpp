@@ -1,7 +1,10 @@
+#include <sys/resource.h>
+
 #include <QTest>
 #include <csignal>
 
 #include "Editor.h"
+#include "platform/FilePath.h"
 #include "shell/SessionShutdown.h"
 
 using namespace tme;
@@ -23,4 +26,18 @@ TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   EXPECT_FALSE(frame.IsLeaving()) << "not from within the question";
   EXPECT_TRUE(QTest::qWaitFor([&] { return global.exiting; }));
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
+}
+
+TEST_F(Editor, AFileOverItsLimitIsAFailureAndNoEnd) {
+  const SessionEnd session_end([](SessionEnd::Questions /*questions*/) {});
+  const QString path = File(u"a.txt"_s, "old");
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{4096, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  const auto failure = WriteFileBytes(FilePath(path), std::string(10'000, 'x'));
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->reason, "File too large");
+  EXPECT_EQ(BytesOf(path), "old");
 }

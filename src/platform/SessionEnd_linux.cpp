@@ -40,6 +40,8 @@ class SessionEnd::Signals {
       while (::read(pipe_[0], bytes.data(), bytes.size()) > 0) continue;
       end(Questions::Allowed);
     });
+    // A file over the limit of its size, a reader that is gone: the call says so, which is no reason to end.
+    for (const int signal : {SIGXFSZ, SIGPIPE}) std::signal(signal, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = WakeUp;
     action.sa_flags = SA_RESTART;
