@@ -210,7 +210,8 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
     crashed.PutAside(u"4"_s, {DocumentKind::Reg, {}, u"New Registry File"_s},
                      "REGEDIT4\r\n; every key as it was shown\r\n\r\n[Renamed\\K]\r\n\"a=dword:b\"=\"c\"\r\n\r\n");
   }
-  Start();
+  Start({path});
+  EXPECT_EQ(frame_->ActiveDocument(), &Window(DocumentKind::Ini)) << "not the file as it is";
   DocumentWindow& ini = Window(DocumentKind::Ini);
   EXPECT_EQ(Dump(Ini().Tree()), ">a.ini\n ; 1\n ; 2\n A\n  x=2\n A\n  y=3\n");
   EXPECT_TRUE(ini.Slot().changed && ini.IsTouched());

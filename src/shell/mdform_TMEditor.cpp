@@ -103,6 +103,7 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   CreateDocumentWindows();
   rescue_->ReopenAfterCrash();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
+  rescue_->ShowInsteadOfFile();
   OpenWelcomeDocument();
   RefreshMenus(DocumentKind::Mdi);
   show();
