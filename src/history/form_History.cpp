@@ -22,7 +22,6 @@
 #include "history/VersionComparison.h"
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
-#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentWindow.h"
@@ -425,12 +424,12 @@ void form_History::cmd_SaveCopy_Click() {
   const QString path = AskForCopyPath(version.origin);
   if (path.isEmpty()) return;
   // What the copy replaces is kept, too.
-  auto failure = global_.history.KeepFile({version.origin.kind, path, QFileInfo(path).fileName()});
-  if (!failure) failure = WriteFileBytes(FilePath(path), *content);
-  if (failure)
-    global_.dialogs.MsgBox(tr("The copy could not be written to %1: %2.  The file on disk is unchanged.")
-                               .arg(path, QString::fromStdString(failure->reason)),
-                           MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  const ContentOrigin target{version.origin.kind, path, QFileInfo(path).fileName()};
+  if (const auto failure = global_.history.ReplaceFile(target, *content))
+    global_.dialogs.MsgBox(
+        tr("The copy could not be written to %1: %2.  %3")
+            .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(*failure)),
+        MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   else
     RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
 }

@@ -207,13 +207,8 @@ FileSteps& DocumentWindow::Steps() const {
 
 std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& target, TextFormat* format,
                                                         const PartProducer& produce, FileSteps& steps) {
-  const std::filesystem::path file = FilePath(target.path);
-  std::string old_bytes;
-  if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
-  if (auto failure = global_.history.Keep(target, KeptReason::BeforeSave, old_bytes)) return failure;
   TextFormat written = format ? *format : TextFormat{TextEncoding::Utf8, {}};
-  const std::string bytes = BytesOf(written, produce);
-  auto failure = WriteFileInPlace(file, bytes, old_bytes, steps);
+  auto failure = global_.history.Overwrite(target, BytesOf(written, produce), steps);
   if (!failure && format) *format = written;
   return failure;
 }
@@ -263,13 +258,15 @@ void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& fai
       MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
+QString DocumentWindow::WhatIsSafe(const FileFailure& failure) {
+  return failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what it held before.")
+                              : tr("The file on disk is unchanged.");
+}
+
 void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& failure) {
-  global_.dialogs.MsgBox(
-      u"TME could not save the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u".  "_s +
-          (failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what "
-                                     "it held before.")
-                                : tr("The file on disk is unchanged.")),
-      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s +
+                             QString::fromStdString(failure.reason) + u".  "_s + WhatIsSafe(failure),
+                         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
 QString DocumentWindow::AskForSavePath(const QString& title, const QString& filter, const QString& default_ext) {

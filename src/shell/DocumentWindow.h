@@ -65,6 +65,8 @@ class DocumentWindow : public QWidget {
   void Form_Activate();
   void ShowReadFailure(const QString& path, const FileFailure& failure);
   void ShowWriteFailure(const QString& path, const FileFailure& failure);
+  /// The end of each message about a failed write.
+  static QString WhatIsSafe(const FileFailure& failure);
 
   /// Closes the window for the shutdown, with its question about unsaved changes.
   Q_INVOKABLE virtual void ExitForm() = 0;
@@ -128,7 +130,7 @@ class DocumentWindow : public QWidget {
   QString tag_;
   std::uint64_t clean_revision_ = 0;
   bool being_read_ = false;
-  /// For a folder that allows no temporary file: the old bytes join the history, or nothing is written.
+  /// For a folder that allows no temporary file.
   std::optional<FileFailure> WriteInPlace(const ContentOrigin& target, TextFormat* format, const PartProducer& produce,
                                           FileSteps& steps);
   /// What became of the content that a save is about to replace.

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "platform/FilePath.h"
+#include "platform/SystemFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -53,7 +54,8 @@ std::optional<FileFailure> MakeFolder(const QString& path) {
   static std::mutex one_at_a_time;
   const std::scoped_lock lock(one_at_a_time);
   if (QFileInfo(path).isDir()) return std::nullopt;
-  if (!QDir().mkpath(path)) return FileFailure{"The folder " + path.toStdString() + " cannot be made"};
+  if (std::error_code error; std::filesystem::create_directories(FilePath(path), error), error)
+    return FileFailure{"The folder " + path.toStdString() + " cannot be made: " + system_file::Failure(error).reason};
   QFile::setPermissions(path, kOnlyTheUser);
   return std::nullopt;
 }
@@ -126,6 +128,11 @@ std::optional<Record> NewestRecord(const QString& folder, const ContentOrigin& o
 std::optional<FileFailure> WriteRecord(const QString& folder, const Record& record) {
   if (const auto failure = MakeFolder(folder)) return failure;
   return WriteFileBytes(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
+}
+
+FileFailure NotKeptFirst(FileFailure failure) {
+  failure.reason = "What the file holds could not be kept in the history first: " + failure.reason;
+  return failure;
 }
 
 bool IsSettled(const QString& path, const QDateTime& settled) { return QFileInfo(path).lastModified() < settled; }
@@ -226,6 +233,22 @@ std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptRe
   std::string bytes;
   if (auto failure = ReadFileBytes(FilePath(origin.path), bytes)) return failure;
   return Keep(origin, reason, bytes);
+}
+
+std::optional<FileFailure> History::Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps) {
+  const std::filesystem::path file = FilePath(origin.path);
+  std::string old_bytes;
+  if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
+  if (auto failure = Keep(origin, KeptReason::BeforeSave, old_bytes)) return NotKeptFirst(std::move(*failure));
+  return WriteFileInPlace(file, bytes, old_bytes, steps);
+}
+
+std::optional<FileFailure> History::ReplaceFile(const ContentOrigin& origin, std::string_view bytes) {
+  if (auto failure = KeepFile(origin)) return NotKeptFirst(std::move(*failure));
+  auto failure = WriteFileBytes(FilePath(origin.path), bytes);
+  FileSteps steps;
+  if (failure && failure->folder_refused && StampOf(FilePath(origin.path))) failure = Overwrite(origin, bytes, steps);
+  return failure;
 }
 
 QList<KeptVersion> History::Versions(const std::optional<QString>& path) const {

@@ -75,6 +75,11 @@ class History {
                                   const QDateTime& time = QDateTime::currentDateTimeUtc());
   /// Keeps what the origin's file holds, before something else is written there; no file is no failure.
   std::optional<FileFailure> KeepFile(const ContentOrigin& origin, KeptReason reason = KeptReason::BeforeSave);
+  /// Writes over the bytes of the origin's file, for a folder that takes no new file. They join the history first, or
+  /// nothing is written.
+  std::optional<FileFailure> Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps);
+  /// Keeps what the origin's file holds and puts these bytes there: whole or not at all, or by Overwrite.
+  std::optional<FileFailure> ReplaceFile(const ContentOrigin& origin, std::string_view bytes);
   /// Newest first. path: of this file only.
   QList<KeptVersion> Versions(const std::optional<QString>& path = {}) const;
   /// The content that a digest names; nothing when it is gone or was damaged on the disk.

@@ -421,7 +421,8 @@ void mdform_TMEditor::PrintActiveDocument() {
   std::string bytes;
   std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);
   if (!failure && bytes.rfind("%%EOF") == std::string::npos) failure = FileFailure{"The pages could not be prepared"};
-  if (!failure) failure = WriteFileBytes(FilePath(target), bytes);
+  if (!failure)
+    failure = global_.history.ReplaceFile({active_document_->Kind(), target, QFileInfo(target).fileName()}, bytes);
   if (failure) active_document_->ShowWriteFailure(target, *failure);
 }
 
