@@ -58,6 +58,8 @@ TEST_F(FormHistoryTest, ListsShowsAndRestores) {
   EXPECT_EQ(Said(form), "The same as now.");
   ASSERT_EQ(List(form).topLevelItemCount(), 4);
   EXPECT_EQ(List(form).topLevelItem(0)->text(1), u"Before a restore");
+  Click(form, u"cmd_Restore"_s);
+  EXPECT_EQ(List(form).topLevelItemCount(), 4) << "pressed twice";
   Select(form, 0);
   Click(form, u"cmd_Restore"_s);
   EXPECT_EQ(Text().Content(), "one\r\nnow\r\n") << "undone";
@@ -125,6 +127,19 @@ TEST_F(FormHistoryTest, GoesFromDifferenceToDifference) {
   form.findChild<QAbstractButton*>(u"chk_DifferencesOnly"_s)->click();
   EXPECT_EQ(View(form).DifferenceCount(), 5);
   EXPECT_NE(View(form).Text().find("… 9993 lines that are the same …"), std::string::npos) << View(form).Text();
+}
+
+TEST_F(FormHistoryTest, OpensWhereTheFirstDifferenceIs) {
+  std::string text;
+  for (int line = 0; line < 60; ++line) text += "a line\n";
+  const QString path = File(u"a.txt"_s, text);
+  Start({path});
+  Keep(DocumentKind::Txt, path, {text + "more\n"});
+  form_History form(global_);
+  form.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
+  const long first = View(form).SendScintilla(QsciScintillaBase::SCI_GETFIRSTVISIBLELINE);
+  EXPECT_GT(first + View(form).SendScintilla(QsciScintillaBase::SCI_LINESONSCREEN), 60);
 }
 
 TEST_F(FormHistoryTest, WhatASaveReordersIsNoDifference) {

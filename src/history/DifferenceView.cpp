@@ -207,6 +207,12 @@ void DifferenceView::GoTo(const Difference& difference) {
   emit CaretMoved();
 }
 
+void DifferenceView::showEvent(QShowEvent* event) {
+  TextPad::showEvent(event);
+  // How many lines stand around the first difference is known only now.
+  if (!event->spontaneous() && !differences_.empty()) GoTo(differences_.front());
+}
+
 void DifferenceView::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:

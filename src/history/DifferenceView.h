@@ -41,6 +41,7 @@ class DifferenceView : public TextPad {
   void CaretMoved();
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

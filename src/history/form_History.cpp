@@ -442,8 +442,10 @@ void form_History::cmd_Restore_Click() {
   const KindTraits& traits = TraitsOf(version.origin.kind);
   const int slot = global_.documents.FindFreeSlot(static_cast<int>(traits.slot_code));
   if (!window && slot < 0) return ShowNoFreeSlot(global_, QString::fromLatin1(traits.message_name));
-  const auto failure = window ? global_.history.Keep(version.origin, KeptReason::BeforeRestore, window->Content())
-                              : global_.history.KeepFile(version.origin, KeptReason::BeforeRestore);
+  const std::optional<std::string> now = window ? std::optional(window->Content()) : std::nullopt;
+  if (now == content) return;  // pressed twice
+  const auto failure = now ? global_.history.Keep(version.origin, KeptReason::BeforeRestore, *now)
+                           : global_.history.KeepFile(version.origin, KeptReason::BeforeRestore);
   if (failure) {
     global_.dialogs.MsgBox(tr("What stands there now could not be kept: %1.  Nothing was restored.")
                                .arg(QString::fromStdString(failure->reason)),
