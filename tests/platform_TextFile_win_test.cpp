@@ -64,6 +64,20 @@ TEST_F(WriteFile, TakesPathsOfAnyLength) {
   EXPECT_FALSE(StampOf(steps.temporary));
 }
 
+TEST_F(WriteFile, AFileThatOthersHoldMayBeWrittenInPlace) {
+  const fs::path path = In("held");
+  Put(path, "old");
+  const HANDLE held =
+      ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  const auto failure = WriteFileBytes(path, "new");
+  EXPECT_TRUE(failure && failure->folder_refused && !failure->file_damaged) << Reason(failure);
+  FileSteps steps;
+  EXPECT_EQ(Reason(WriteFileInPlace(path, "new", "old", steps)), "none");
+  ::CloseHandle(held);
+  EXPECT_EQ(Get(path), "new");
+}
+
 TEST_F(WriteFile, SaysWhyNot) {
   Put(In("read-only"), "old");
   ::SetFileAttributesW(In("read-only").c_str(), FILE_ATTRIBUTE_READONLY);

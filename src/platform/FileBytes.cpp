@@ -119,15 +119,18 @@ std::optional<FileFailure> PutInPlace(Temporary& temporary, const system_file::T
   const std::error_code error = temporary.Replace(target.path);
   if (!error) return std::nullopt;
   FileFailure failure = Failure(error);
-  // Someone else's file in a folder like /tmp, or a file that is a mount of its own: it may be written all the same.
-  failure.folder_refused =
-      target.exists && (error == std::errc::operation_not_permitted || error == std::errc::device_or_resource_busy);
+  if (!target.exists) return failure;
   system_file::Target left;
-  if (target.exists && !system_file::ResolveTarget(target.path, left) && !left.exists) {
+  if (!system_file::ResolveTarget(target.path, left) && !left.exists) {
     const std::u8string name = temporary.Keep().filename().u8string();
     failure.reason += " (what was written is in " + std::string(name.begin(), name.end()) + " beside it)";
     failure.file_damaged = true;
+    return failure;
   }
+  // A file that may be written but not deleted or renamed (someone else's in a folder like /tmp, on Windows one whose
+  // access list says so), one that is a mount of its own or that another program holds: its bytes may be all the same.
+  failure.folder_refused = error == std::errc::operation_not_permitted || error == std::errc::permission_denied ||
+                           error == std::errc::device_or_resource_busy;
   return failure;
 }
 

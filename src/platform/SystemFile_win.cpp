@@ -144,7 +144,8 @@ std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
                           error == ERROR_UNABLE_TO_REMOVE_REPLACED || error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
     if (!may_pass) break;
   }
-  return Error(error);
+  // That number stands for no portable error; the old file is as it was.
+  return Error(error == ERROR_UNABLE_TO_REMOVE_REPLACED ? ERROR_BUSY : error);
 }
 
 /// The file system's journal keeps names; Replace has asked for no more.

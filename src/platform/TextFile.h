@@ -47,8 +47,8 @@ std::optional<std::string> EncodeText(std::string_view text, const TextFormat& f
 /// Why a file could not be read or written, in the system's words ("Permission denied").
 struct FileFailure {
   std::string reason;
-  /// A write got no temporary file or could not put it in place, because the folder does not allow it, and changed
-  /// nothing; WriteFileInPlace may still work.
+  /// A write got no temporary file or could not put it in place, because the folder or who holds the file does not
+  /// allow it, and changed nothing; WriteFileInPlace may still work.
   bool folder_refused = false;
   /// A write in place failed, and so did putting the old bytes back: the file holds neither these nor the new ones. Or
   /// the system took the old file away and could not put the new one there, which is left beside it then (Windows).
@@ -73,6 +73,7 @@ class FileSteps {
   virtual std::error_code Truncate(FileHandle handle, std::size_t size);
   virtual std::error_code Flush(FileHandle handle);
   virtual std::error_code Close(FileHandle handle);
+  /// On Windows it is tried again for about half a second, which the caller waits, while another program holds a file.
   virtual std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to);
   virtual std::error_code FlushFolder(const std::filesystem::path& folder);
   virtual void Remove(const std::filesystem::path& path);
