@@ -5,9 +5,6 @@
 
 namespace tme {
 
-/// Ends the process, which has nothing left to do, as returning from main does.
-[[noreturn]] void LeaveProcess(int status);
-
 /// Tells when the system wants the program to end: the desktop's session manager (on Windows the question that every
 /// window gets before a log-off or shutdown) and the signals of a log-off or a kill (SIGTERM, SIGINT, SIGHUP; none on
 /// Windows, where ending a program politely closes its frame). One for the process, after QApplication.

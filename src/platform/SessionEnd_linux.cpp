@@ -5,7 +5,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 
 #include "platform/SessionEnd.h"
 
@@ -26,8 +25,6 @@ void WakeUp(int) {
 }
 
 }  // namespace
-
-void LeaveProcess(int status) { std::exit(status); }
 
 class SessionEnd::Signals {
  public:

@@ -101,8 +101,7 @@ std::optional<Record> ReadRecord(const QFileInfo& file) {
   return record;
 }
 
-/// In the order of their names. Not by a pattern: Qt keeps what matching one needs in a thread_local, and a thread of
-/// MinGW's frees that memory before the destructor runs, so that the threads here would end in a crash.
+/// In the order of their names. Not by a pattern: the threads here could end in a crash (EnterProcess of Windows).
 QFileInfoList RecordFiles(const QString& folder, const QString& mark = {}) {
   QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
   files.removeIf([ending = mark + kEnding](const QFileInfo& file) { return !file.fileName().endsWith(ending); });

@@ -11,6 +11,7 @@
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
 #include "platform/InstanceLink.h"
+#include "platform/Process.h"
 #include "platform/RegistryAccess.h"
 #include "platform/SessionEnd.h"
 #include "platform/ShellUtilities.h"
@@ -85,14 +86,12 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
 }  // namespace
 
 int Main(int argc, char** argv) {
+  EnterProcess();
   for (int index = 1; index < argc; ++index) {
     const std::string_view argument = argv[index];
     if (argument == "--help") return std::fputs(kHelp, stdout) < 0;
     if (argument == "--version") return std::puts("Tamarind Editor " TME_VERSION) < 0;
   }
-  // Patterns are not compiled to machine code: the few of the file dialogs do not need it, and the memory which that
-  // keeps for each thread is one that a program built with MinGW frees too early.
-  qputenv("QT_ENABLE_REGEXP_JIT", "0");
   // Desktops find the icon of a window by the name of the desktop entry.
   QGuiApplication::setDesktopFileName(u"tamarind-editor"_s);
   // A launch that only hands over needs no display and no fonts.
