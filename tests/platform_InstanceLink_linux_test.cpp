@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QLocalSocket>
 #include <QTemporaryDir>
 #include <QTest>
@@ -113,6 +114,18 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   const auto first = Send("1"_ba);
   EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first) && IsDone(second); }));
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
+}
+
+TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(kHandle, receive_));
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  const auto sent = Send("1"_ba);
+  QTest::qWait(200);  // like an import that repaints
+  EXPECT_EQ(received_.size(), 0);
+  QGuiApplication::restoreOverrideCursor();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(sent); }));
+  EXPECT_EQ(received_, QByteArrayList{"1"_ba});
 }
 
 TEST_F(Instance, MayGoWhileItReceives) {

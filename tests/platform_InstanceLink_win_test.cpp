@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <QGuiApplication>
 #include <QTest>
 #include <future>
 #include <memory>
@@ -83,6 +84,17 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   const auto first = Send("1");
   EXPECT_TRUE(QTest::qWaitFor([&] { return IsDone(first); }));
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
+}
+
+TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(Handle(), receive_));
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  for (const char* data : {"1", "2"}) SendRaw(3, data);
+  QTest::qWait(200);  // like an import that repaints
+  EXPECT_EQ(received_.size(), 0);
+  QGuiApplication::restoreOverrideCursor();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return received_ == QByteArrayList{"3:1", "3:2"}; }));
 }
 
 TEST_F(Instance, LinkOrWindowMayGoWhileItReceives) {

@@ -46,7 +46,8 @@ class InstanceLink {
 
   /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record of a
   /// process of the same user, one after the other: while it runs, further records wait, also inside a message box
-  /// that it shows. The sender waits until it returns; on Windows, that of a further record until it is in the queue.
+  /// that it shows, and so do all while the pointer is an hourglass (Qt's override cursor). The sender waits until it
+  /// returns; on Windows, that of a record that waits until it is in the queue.
   /// On Windows the window behind the handle is subclassed, of other programs' records more than kMaxCopyDataBytes are
   /// cut, and one window of a process can listen. False when the endpoint cannot be made.
   bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive);

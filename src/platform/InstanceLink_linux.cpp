@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QPointer>
@@ -28,6 +29,8 @@ namespace {
 
 /// A sender that has not sent its record by then is dropped.
 constexpr std::chrono::seconds kRecordPatience{10};
+/// After it, whether the hourglass has gone is asked again.
+constexpr std::chrono::milliseconds kHourglassPause{50};
 /// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
 constexpr mode_t kKeptOwnerOnly = 01600;
 
@@ -60,8 +63,9 @@ bool IsPeerThisUser(int descriptor) {
 
 /// Takes records from other launches. Nothing here waits for a sender.
 ///
-/// Records are delivered one after the other: while `receive` runs, perhaps inside a message box's event loop, records
-/// of further senders queue up, and their senders go on waiting.
+/// Records are delivered one after the other: while `receive` runs, perhaps inside a message box's event loop, or
+/// something else is half done and only lets the windows repaint, records of further senders queue up, and their
+/// senders go on waiting.
 class Listener : public QObject {
  public:
   explicit Listener(std::function<void(const CopyData&)> receive) : receive_(std::move(receive)) {
@@ -127,7 +131,11 @@ class Listener : public QObject {
   }
 
   void Deliver() {
-    if (receiving_) return;
+    if (receiving_ || waiting_.empty()) return;
+    if (QGuiApplication::overrideCursor()) {
+      QTimer::singleShot(kHourglassPause, this, [this] { Deliver(); });
+      return;
+    }
     const QPointer<QObject> alive(this);
     const auto receive = receive_;
     receiving_ = true;

@@ -1,9 +1,11 @@
 #include <windows.h>
 #include <sddl.h>
 
-#include <QString>
+#include <QGuiApplication>
+#include <QTimer>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <deque>
 #include <memory>
 #include <string>
@@ -17,6 +19,8 @@ namespace {
 
 /// Marks a window behind which a frame listens, so that a stale handle that another window got is known as such.
 constexpr const wchar_t* kFrameMark = L"TamarindEditor.Frame";
+/// After it, whether the hourglass has gone is asked again.
+constexpr std::chrono::milliseconds kHourglassPause{50};
 
 HWND WindowOf(std::uint32_t handle) { return reinterpret_cast<HWND>(static_cast<ULONG_PTR>(handle)); }
 
@@ -37,9 +41,10 @@ std::wstring UserId() {
 }
 
 /// A frame whose window procedure is ours. Records are delivered one after the other: while `receive` runs, perhaps
-/// inside a message box's event loop, further ones queue up. Their senders are let go then, since this thread could not
-/// come back to the first before it has answered them.
-class HookedFrame {
+/// inside a message box's event loop, or something else is half done and only lets the windows repaint, further ones
+/// queue up. Their senders are let go then, since this thread could not come back to what it does before it has
+/// answered them.
+class HookedFrame : public std::enable_shared_from_this<HookedFrame> {
  public:
   HookedFrame(HWND window, std::function<void(const CopyData&)> receive)
       : window_(window), receive_(std::move(receive)) {}
@@ -109,10 +114,17 @@ void HookedFrame::Take(const COPYDATASTRUCT& record) {
   const auto size = record.lpData ? std::min<DWORD>(record.cbData, kMaxCopyDataBytes) : 0;
   waiting_.push_back({static_cast<std::uint32_t>(record.dwData),
                       QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size))});
-  if (!receiving_) Deliver();
+  Deliver();
 }
 
 void HookedFrame::Deliver() {
+  if (receiving_ || waiting_.empty()) return;
+  if (QGuiApplication::overrideCursor()) {
+    QTimer::singleShot(kHourglassPause, qApp, [frame = weak_from_this()] {
+      if (const auto still = frame.lock()) still->Deliver();
+    });
+    return;
+  }
   receiving_ = true;
   while (!waiting_.empty()) {
     const CopyData record = std::move(waiting_.front());

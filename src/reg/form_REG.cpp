@@ -292,7 +292,8 @@ void form_REG::ShowProgress(const RegProgress& progress) {
   } else {
     ShowImport(progress);
   }
-  // Repaints, but holds back what would act on a half-read document: keys, clicks and other launches.
+  // Repaints, but holds back what would act on a half-read document: keys and clicks. What other launches hand over
+  // waits for the hourglass to go.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
