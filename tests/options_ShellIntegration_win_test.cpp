@@ -1,8 +1,10 @@
 #include <windows.h>
 
 #include <QDir>
+#include <QFileInfo>
 
 #include "Editor.h"
+#include "TestSystem.h"
 #include "options/ShellIntegration.h"
 
 using namespace tme;
@@ -19,8 +21,9 @@ TEST_F(Editor, HooksAreOfThisCopyAndLeaveNothingBehind) {
     SCOPED_TRACE(static_cast<int>(hook));
     for (int times = 0; times < 2; ++times) EXPECT_TRUE(here.Set(hook, HookState::On).empty());
     EXPECT_EQ(here.State(hook), HookState::On);
-    EXPECT_EQ(copy.State(hook), HookState::Off) << "another copy";
   }
+  EXPECT_EQ(copy.State(ShellHook::ContextMenu), HookState::Off) << "of another copy";
+  EXPECT_EQ(copy.State(ShellHook::SendTo), HookState::On) << "the link is there";
   EXPECT_EQ(registry_.ReadValue(key, {}), u"Tamarind Editor");
   EXPECT_EQ(registry_.ReadValue(key + u"\\Command"_s, {}), folder + u"\\TME.EXE %1"_s);
   registry_.WriteValue(own_key + u"\\Command"_s, {}, kTextType, u"left by a run without the right"_s);
@@ -28,5 +31,11 @@ TEST_F(Editor, HooksAreOfThisCopyAndLeaveNothingBehind) {
     for (int times = 0; times < 2; ++times) EXPECT_TRUE(here.Set(hook, HookState::Off).empty());
     EXPECT_EQ(here.State(hook), HookState::Off);
   }
+  QDir send_to(QFileInfo(SendToEntry()).path());
+  ASSERT_TRUE(send_to.removeRecursively());
+  EXPECT_EQ(here.State(ShellHook::SendTo), HookState::Off);
+  EXPECT_TRUE(here.Set(ShellHook::SendTo, HookState::Off).empty());
+  EXPECT_FALSE(send_to.exists()) << "made for a look";
+  EXPECT_TRUE(here.Set(ShellHook::SendTo, HookState::On).empty());
   for (const QString& gone : {key, own_key}) EXPECT_EQ(registry_.ReadValue(gone + u"\\Command"_s, {}), u"");
 }

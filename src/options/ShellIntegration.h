@@ -27,7 +27,8 @@ class ShellIntegration {
   /// Where the file manager of this system offers the program by the SendTo hook; "&" is before the access key.
   static QString SendToPlace();
 
-  /// Off also when the hook starts another copy of the program.
+  /// Off also when the hook starts another copy of the program; only the link in the SendTo folder of Windows is on
+  /// whenever it is there.
   HookState State(ShellHook hook) const;
   /// Writes or removes everything that belongs to the hook, another copy's included, and the folders that were made for
   /// it. A part that fails is returned and does not keep the others from being done; no file is left half written.

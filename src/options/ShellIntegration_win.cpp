@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -70,23 +69,19 @@ struct ShellLink {
 
 std::wstring NativePath(const QString& path) { return QDir::toNativeSeparators(path).toStdWString(); }
 
-/// The link's whole path; empty when the system has no such folder.
-QString SendToLink() {
+/// The link's whole path; empty when the system has no such folder. flag: whether the folder is made.
+QString SendToLink(KNOWN_FOLDER_FLAG flag = KF_FLAG_DONT_VERIFY) {
   wchar_t* folder = nullptr;
-  const HRESULT result = ::SHGetKnownFolderPath(FOLDERID_SendTo, KF_FLAG_CREATE, nullptr, &folder);
+  const HRESULT result = ::SHGetKnownFolderPath(FOLDERID_SendTo, flag, nullptr, &folder);
   const QString path = SUCCEEDED(result) ? QString::fromWCharArray(folder) + u"\\Tamarind Editor.lnk"_s : QString();
   ::CoTaskMemFree(folder);
   return path;
 }
 
-/// What a link starts; empty when it cannot be read.
-QString ProgramOf(const QString& link_path) {
-  ShellLink shell_link;
-  std::wstring program(32'768, L'\0');  // longest path of the system
-  if (FAILED(shell_link.Make()) || FAILED(shell_link.file->Load(NativePath(link_path).c_str(), STGM_READ)) ||
-      FAILED(shell_link.link->GetPath(program.data(), static_cast<int>(program.size()), nullptr, SLGP_RAWPATH)))
-    return {};
-  return QString::fromWCharArray(program.c_str());
+/// Not by QFileInfo, to which a link is what it leads to.
+bool IsFile(const QString& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.toStdWString().c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 HRESULT WriteLink(const QString& link_path, const QString& program) {
@@ -100,7 +95,7 @@ HRESULT WriteLink(const QString& link_path, const QString& program) {
 }
 
 void SetSendToLink(const QString& program, HookState state, Failures& failures) {
-  const QString link = SendToLink();
+  const QString link = SendToLink(state == HookState::On ? KF_FLAG_CREATE : KF_FLAG_DONT_VERIFY);
   const auto failed = [&](unsigned long error) {
     failures.push_back({link.isEmpty() ? u"SendTo"_s : link, QString::fromStdString(SystemMessage(error))});
   };
@@ -110,7 +105,7 @@ void SetSendToLink(const QString& program, HookState state, Failures& failures) 
     if (FAILED(result)) failed(static_cast<unsigned long>(result));
   } else if (::DeleteFileW(link.toStdWString().c_str()) == 0) {
     const DWORD error = ::GetLastError();
-    if (error != ERROR_FILE_NOT_FOUND) failed(error);
+    if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) failed(error);
   }
 }
 
@@ -152,11 +147,9 @@ ShellIntegration::ShellIntegration(RegistryAccess& registry, QString program)
 QString ShellIntegration::SendToPlace() { return u"S&end To"_s; }
 
 HookState ShellIntegration::State(ShellHook hook) const {
-  const auto same = [](const QString& a, const QString& b) { return a.toUpper() == b.toUpper(); };
-  const QString program = QDir::toNativeSeparators(program_);
-  const bool on = hook == ShellHook::SendTo
-                      ? same(ProgramOf(SendToLink()), program)
-                      : same(registry_.ReadValue(CommandKey(kMenuKey), QString()), MenuCommand(program_));
+  const bool on = hook == ShellHook::SendTo ? IsFile(SendToLink())
+                                            : registry_.ReadValue(CommandKey(kMenuKey), QString()).toUpper() ==
+                                                  MenuCommand(program_).toUpper();
   return on ? HookState::On : HookState::Off;
 }
 
