@@ -97,6 +97,20 @@ TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return received_ == QByteArrayList{"3:1", "3:2"}; }));
 }
 
+TEST_F(Instance, UnhooksBelowAForeignProcedure) {
+  static WNDPROC below = nullptr;
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(Handle(), receive_));
+  const WNDPROC foreign = [](HWND window, UINT message, WPARAM w_param, LPARAM l_param) {
+    return ::CallWindowProcW(below, window, message, w_param, l_param);
+  };
+  below = reinterpret_cast<WNDPROC>(::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(foreign)));
+  link.StopListening();
+  EXPECT_FALSE(link.Listen(Handle(), receive_)) << "would be in the chain twice";
+  EXPECT_NE(::SetWindowTextW(window_, L"passed on"), 0);
+  EXPECT_EQ(::GetWindowTextLengthW(window_), 9);
+}
+
 TEST_F(Instance, LinkOrWindowMayGoWhileItReceives) {
   auto link = std::make_unique<InstanceLink>();
   ASSERT_TRUE(link->Listen(Handle(), [&](const CopyData&) { link.reset(); }));

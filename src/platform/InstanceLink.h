@@ -49,7 +49,8 @@ class InstanceLink {
   /// that it shows, and so do all while the pointer is an hourglass (Qt's override cursor). The sender waits until it
   /// returns; on Windows, that of a record that waits until it is in the queue.
   /// On Windows the window behind the handle is subclassed, of other programs' records more than kMaxCopyDataBytes are
-  /// cut, and one window of a process can listen. False when the endpoint cannot be made.
+  /// cut, and one window of a process can listen, not again if others had subclassed it too by StopListening. False
+  /// when the endpoint cannot be made.
   bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive);
   void StopListening();
 

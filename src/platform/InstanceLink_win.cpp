@@ -75,17 +75,20 @@ WNDPROC left_behind = nullptr;
 /// The frame's window procedure while it is hooked: takes what other launches send, and passes every message on.
 LRESULT CALLBACK FrameWindowProc(HWND window, UINT message, WPARAM w_param, LPARAM l_param) {
   const std::shared_ptr<HookedFrame> frame = hooked_frame;
-  if (!frame || frame->window() != window) {
-    return left_behind ? ::CallWindowProcW(left_behind, window, message, w_param, l_param)
-                       : ::DefWindowProcW(window, message, w_param, l_param);
+  const bool is_hooked = frame && frame->window() == window;
+  const WNDPROC next = is_hooked ? frame->previous() : left_behind ? left_behind : ::DefWindowProcW;
+  if (is_hooked && message == WM_COPYDATA && l_param != 0)
+    frame->Take(*reinterpret_cast<const COPYDATASTRUCT*>(l_param));
+  if (message == WM_NCDESTROY) {  // the last one
+    if (is_hooked) frame->Unhook();
+    left_behind = nullptr;
   }
-  const WNDPROC previous = frame->previous();
-  if (message == WM_COPYDATA && l_param != 0) frame->Take(*reinterpret_cast<const COPYDATASTRUCT*>(l_param));
-  if (message == WM_NCDESTROY) frame->Unhook();
-  return ::CallWindowProcW(previous, window, message, w_param, l_param);
+  return ::CallWindowProcW(next, window, message, w_param, l_param);
 }
 
 bool HookedFrame::Hook(WNDPROC procedure) {
+  // Our procedure still stands in a chain: hooked there again, it would come to itself.
+  if (left_behind != nullptr) return false;
   DWORD process = 0;
   ::GetWindowThreadProcessId(window_, &process);
   if (process != ::GetCurrentProcessId()) return false;
