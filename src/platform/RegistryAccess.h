@@ -28,8 +28,8 @@ class RegistryAccess {
   QString ReadValue(const QString& key, const QString& name) const;
   /// The key with its values and the keys below it.
   void DeleteKey(const QString& key);
-  /// Where the program's values lie, for people: the folder of the file; on Windows the key.
-  QString Location() const;
+  /// Where a key's values lie, for people: the folder of the file; on Windows the key itself.
+  QString Location(const QString& key) const;
 
  private:
   class Store;

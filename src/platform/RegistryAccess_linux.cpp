@@ -106,6 +106,6 @@ void RegistryAccess::DeleteKey(const QString& key) {
   settings.sync();
 }
 
-QString RegistryAccess::Location() const { return QFileInfo(store_->settings.fileName()).path(); }
+QString RegistryAccess::Location(const QString& /*key*/) const { return QFileInfo(store_->settings.fileName()).path(); }
 
 }  // namespace tme

@@ -9,9 +9,6 @@
 #include "platform/RegistryAccess.h"
 
 namespace tme {
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Where the system keeps a key of ours.
@@ -89,6 +86,6 @@ void RegistryAccess::DeleteKey(const QString& key) {
   ::RegDeleteTreeW(place->hive, place->path.c_str());
 }
 
-QString RegistryAccess::Location() const { return u"HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME"_s; }
+QString RegistryAccess::Location(const QString& key) const { return key; }
 
 }  // namespace tme

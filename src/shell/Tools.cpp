@@ -131,7 +131,7 @@ void ShowAbout(Global& global) {
       kProgramTitle + u' ' + QCoreApplication::applicationVersion() +
           u"\r\rFree software under the GNU General Public License, version 3 or any later one (GPL-3.0-or-later)."
           "\r\rSettings: "_s +
-          global.registry.Location() + u"\rQt "_s + QLatin1StringView(qVersion()),
+          global.registry.Location(SettingsRoot) + u"\rQt "_s + QLatin1StringView(qVersion()),
       MsgIcon::Program);
 }
 
