@@ -7,7 +7,6 @@
 namespace tme {
 namespace {
 
-constexpr unsigned kLatinPage = 1252;
 constexpr unsigned kFirstSpecial = 0x80;
 constexpr std::size_t kCharacters = 0x10000;
 /// Private characters that no page uses: this plus the byte stands for a byte of a two-byte page that is no text.

@@ -8,6 +8,9 @@
 
 namespace tme {
 
+/// Taken for a page that the system does not know.
+inline constexpr unsigned kLatinPage = 1252;
+
 /// One of the system's code pages of one or two bytes a character as a bijection: what a page maps twice, or only
 /// roughly, counts as no text of it, and each byte that is no text stands for a character of its own, so that any bytes
 /// come back as they were.

@@ -10,7 +10,6 @@
 namespace tme {
 namespace {
 
-constexpr unsigned kLatinPage = 1252;
 constexpr char32_t kReplacement = 0xFFFD;
 
 const CodePageTable& SystemTable() {
@@ -23,13 +22,14 @@ void Put(char32_t character, std::string& text) {
   text.append(bytes.data(), utf8::PutCharacter(character, bytes.data()));
 }
 
+/// Nothing when there are too many for one call.
 void Put(std::wstring_view units, std::string& text) {
-  for (std::size_t at = 0; at < units.size(); ++at) {
-    char32_t character = units[at];
-    const bool pair = (character & 0xFC00) == 0xD800 && at + 1 < units.size() && (units[at + 1] & 0xFC00) == 0xDC00;
-    if (pair) character = 0x10000 + ((character & 0x3FF) << 10) + (static_cast<char32_t>(units[++at]) & 0x3FF);
-    Put(!pair && (character & 0xF800) == 0xD800 ? kReplacement : character, text);
-  }
+  const int size = static_cast<int>(units.size());
+  const int room = ::WideCharToMultiByte(CP_UTF8, 0, units.data(), size, nullptr, 0, nullptr, nullptr);
+  if (room <= 0) return;
+  const std::size_t before = text.size();
+  text.resize(before + static_cast<std::size_t>(room));
+  ::WideCharToMultiByte(CP_UTF8, 0, units.data(), size, text.data() + before, room, nullptr, nullptr);
 }
 
 /// Some pages take no flags (those with states among them) and convert what they can.
