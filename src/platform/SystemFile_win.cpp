@@ -1,6 +1,5 @@
 #include <windows.h>
 
-#include <array>
 #include <optional>
 #include <string>
 #include <utility>
@@ -46,7 +45,7 @@ class OwnedHandle {
 
 /// The path as the system's calls take it at any length: what would not fit MAX_PATH, with room for a temporary name
 /// beside it, becomes a whole path behind "\\?\".
-std::wstring Native(const fs::path& path) {
+std::wstring LongPath(const fs::path& path) {
   constexpr std::size_t kShort = MAX_PATH - 32;
   const std::wstring& given = path.native();
   if (given.starts_with(LR"(\\?\)") || given.starts_with(LR"(\\.\)")) return given;
@@ -60,7 +59,7 @@ std::wstring Native(const fs::path& path) {
 }
 
 HANDLE Open(const fs::path& path, DWORD access, DWORD disposition, DWORD flags = 0) {
-  return ::CreateFileW(Native(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr);
+  return ::CreateFileW(LongPath(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr);
 }
 
 /// Opens what the path leads to without asking for its bytes, a folder too.
@@ -84,7 +83,7 @@ std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 |
 
 /// Where a link leads; the path itself when it is none.
 std::error_code ResolveLink(HANDLE opened, fs::path& path) {
-  const DWORD attributes = ::GetFileAttributesW(Native(path).c_str());
+  const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
   const DWORD room = ::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED);
   std::wstring target(room, L'\0');
@@ -101,7 +100,7 @@ bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str(
 }  // namespace
 
 std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned /*mode*/, FileHandle& handle) {
-  handle = Portable(Open(path, GENERIC_WRITE | FILE_WRITE_ATTRIBUTES, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
+  handle = Portable(Open(path, GENERIC_WRITE, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
   return handle != kNoFile ? std::error_code() : LastError();
 }
 
@@ -130,7 +129,7 @@ std::error_code FileSteps::Close(FileHandle handle) { return ResultOf(::CloseHan
 
 std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
   constexpr DWORD kMove = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  const std::wstring replacement = Native(from), target = Native(to);
+  const std::wstring replacement = LongPath(from), target = LongPath(to);
   DWORD error = ERROR_SUCCESS;
   for (int attempt = 0; attempt < kReplaceTries; ++attempt) {
     if (attempt > 0) ::Sleep(kPauseMs);
@@ -148,10 +147,11 @@ std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
   return Error(error == ERROR_UNABLE_TO_REMOVE_REPLACED ? ERROR_BUSY : error);
 }
 
-/// The file system's journal keeps names; Replace has asked for no more.
+/// The file system's journal keeps names, and of a new one Replace has asked with MOVEFILE_WRITE_THROUGH to be on the
+/// disk.
 std::error_code FileSteps::FlushFolder(const fs::path& /*folder*/) { return {}; }
 
-void FileSteps::Remove(const fs::path& path) { ::DeleteFileW(Native(path).c_str()); }
+void FileSteps::Remove(const fs::path& path) { ::DeleteFileW(LongPath(path).c_str()); }
 
 std::optional<FileStamp> StampOf(const fs::path& path) {
   constexpr std::int64_t kEpoch = 116'444'736'000'000'000;  // 1970, in the system's units of 100 ns since 1601
@@ -199,7 +199,7 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   if (!file) {
     const DWORD error = ::GetLastError();
     // A link that leads nowhere is there itself.
-    if (error == ERROR_FILE_NOT_FOUND && !IsThere(Native(path))) return std::nullopt;
+    if (error == ERROR_FILE_NOT_FOUND && !IsThere(LongPath(path))) return std::nullopt;
     return FailureToOpen(error);
   }
   BY_HANDLE_FILE_INFORMATION info{};
@@ -214,7 +214,7 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
 
 /// Replace brings the access list, the alternate streams and the time of creation; hidden and system files stay such.
 void TakeOver(const fs::path& target, FileHandle temporary) {
-  const DWORD attributes = ::GetFileAttributesW(Native(target).c_str());
+  const DWORD attributes = ::GetFileAttributesW(LongPath(target).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return;
   FILE_BASIC_INFO info{};  // times of 0 stay as they are
   info.FileAttributes = attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
