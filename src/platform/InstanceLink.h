@@ -44,18 +44,23 @@ class InstanceLink {
   /// From here on a new launch is the only instance.
   void GiveUpClaim();
 
-  /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record of a
-  /// process of the same user, one after the other: while it runs, further records wait, also inside a message box
-  /// that it shows, and so do all while the pointer is an hourglass (Qt's override cursor). The sender waits until it
-  /// returns; on Windows, that of a record that waits until it is in the queue.
+  /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record, one
+  /// after the other: while it runs, further records wait, also inside a message box that it shows, and so do all while
+  /// the pointer is an hourglass (Qt's override cursor). The sender waits until it returns; on Windows, that of a
+  /// record that waits until it is in the queue.
+  ///
+  /// Only processes of the same user reach it; on Windows those of the same desktop that do not run at a lower
+  /// integrity level. The system keeps other log-on sessions out, but not a program that runs as another user in this
+  /// one, and a message does not tell its sender for certain.
+  ///
   /// On Windows the window behind the handle is subclassed, of other programs' records more than kMaxCopyDataBytes are
   /// cut, and one window of a process can listen, not again if others had subclassed it too by StopListening. False
   /// when the endpoint cannot be made.
   bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive);
   void StopListening();
 
-  /// The sending side: returns when the receiver has dealt with the record, or at once with false when there is none
-  /// behind the handle (a stale one).
+  /// The sending side: returns when the receiver has dealt with the record (on Windows, has it waiting), or at once
+  /// with false when there is none behind the handle (a stale one).
   static bool Send(std::uint32_t handle, const CopyData& record);
 
  private:

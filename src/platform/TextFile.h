@@ -60,7 +60,8 @@ using FileHandle = std::intptr_t;
 inline constexpr FileHandle kNoFile = -1;
 
 /// The steps of a whole-or-nothing write, one virtual each, so that a test can fail at any of them. Each returns what
-/// went wrong, as the system numbers it; no error when all is well.
+/// went wrong, as the system numbers it; no error when all is well. After a failed open the handle is kNoFile; after
+/// any other failure but that of Close it is open still.
 class FileSteps {
  public:
   virtual ~FileSteps() = default;
@@ -73,7 +74,8 @@ class FileSteps {
   virtual std::error_code Truncate(FileHandle handle, std::size_t size);
   virtual std::error_code Flush(FileHandle handle);
   virtual std::error_code Close(FileHandle handle);
-  /// On Windows it is tried again for about half a second, which the caller waits, while another program holds a file.
+  /// On Windows it is tried again for about half a second, which the caller waits, while another program holds a file,
+  /// and a failure may leave `to` gone; `from` is there then. Elsewhere both are as they were after a failure.
   virtual std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to);
   virtual std::error_code FlushFolder(const std::filesystem::path& folder);
   virtual void Remove(const std::filesystem::path& path);
