@@ -24,8 +24,8 @@ class ToolsTest : public Editor {
 
 TEST_F(ToolsTest, GatheredListsGoToTheClipboard) {
   EnterProcess();
-  qputenv("TME_B", "2=3");
-  qputenv("TME_A", "1");
+  qputenv("TME_TEST_B", "2=3");
+  qputenv("TME_TEST_A", "1");
   Start();
   File(u"b.txt"_s, std::string(1234567, 'x'));
   File(u".A"_s, "12");
@@ -42,7 +42,7 @@ TEST_F(ToolsTest, GatheredListsGoToTheClipboard) {
                          "               2 File(s)      1,234,569 bytes\n               3 Dir(s) FREE\n"_s);
   dialogs_.ExpectMsgBox(u"Environmental Variable Gathering Complete"_s, u"Tamarind Editor"_s);
   Choose(u"menu_FeatureVars"_s);
-  EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(u"\nTME_A=1\nTME_B=2=3\n"_s));
+  EXPECT_TRUE(QGuiApplication::clipboard()->text().contains(u"\nTME_TEST_A=1\nTME_TEST_B=2=3\n"_s));
   EXPECT_FALSE(QGuiApplication::clipboard()->text().contains(u"REGEXP"_s)) << "not the user's";
   global_.settings.supress_results = true;
   Choose(u"menu_FeatureVars"_s);
