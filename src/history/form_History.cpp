@@ -274,8 +274,10 @@ const KeptVersion* form_History::Selected() const {
 DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
   DocumentWindow* found = nullptr;
   global_.documents.ForEach([&](DocumentSlot& slot) {
-    const bool same = !version.origin.path.isEmpty() && slot.path == version.origin.path;
-    if (same && slot.window->Kind() == version.origin.kind && !slot.window->Tag().isEmpty()) found = slot.window;
+    const bool same = !version.origin.path.isEmpty() && slot.path == version.origin.path &&
+                      slot.window->Kind() == version.origin.kind && !slot.window->Tag().isEmpty();
+    // Of two documents of one file, it is about the one that the user looks at.
+    if (same && (!found || slot.window == global_.frame->ActiveDocument())) found = slot.window;
   });
   return found;
 }

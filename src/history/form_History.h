@@ -55,7 +55,7 @@ class form_History : public QDialog {
   const KeptVersion* Selected() const;
   /// The content of the selected version; a message and nothing when it is gone.
   std::optional<std::string> SelectedContent();
-  /// The window that holds the version's document now; null when it is not open.
+  /// The window that holds the version's document now, the active one if there are several; null when it is not open.
   DocumentWindow* WindowOf(const KeptVersion& version) const;
 
   /// Where the copy goes; empty when cancelled.
