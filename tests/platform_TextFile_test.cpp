@@ -81,6 +81,13 @@ TEST(TextFile, WhatIsWrittenIsReadAsTheSameText) {
   }
 }
 
+TEST(CodePage, LongTextsOfAPageAreWhole) {
+  constexpr int kCharacters = 2'100'000;
+  std::string letters;
+  for (int i = 0; i < kCharacters; ++i) letters += "\u00E9";
+  EXPECT_EQ(BytesToUtf8(1252, std::string(kCharacters, '\xE9')), letters);
+}
+
 /// Fails at the n-th step, after that step has done part of its work. Writes little at a time and is interrupted often.
 class FailingSteps : public FileSteps {
  public:

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -22,14 +23,19 @@ void Put(char32_t character, std::string& text) {
   text.append(bytes.data(), utf8::PutCharacter(character, bytes.data()));
 }
 
-/// Nothing when there are too many for one call.
+/// In pieces, since a call takes no more than an int says.
 void Put(std::wstring_view units, std::string& text) {
-  const int size = static_cast<int>(units.size());
-  const int room = ::WideCharToMultiByte(CP_UTF8, 0, units.data(), size, nullptr, 0, nullptr, nullptr);
-  if (room <= 0) return;
-  const std::size_t before = text.size();
-  text.resize(before + static_cast<std::size_t>(room));
-  ::WideCharToMultiByte(CP_UTF8, 0, units.data(), size, text.data() + before, room, nullptr, nullptr);
+  constexpr std::size_t kPiece = std::size_t{1} << 20, kMostBytes = 3;  // of a unit
+  while (!units.empty()) {
+    std::size_t count = std::min(kPiece, units.size());
+    if (count < units.size() && IS_HIGH_SURROGATE(units[count - 1])) --count;
+    const std::size_t before = text.size(), room = count * kMostBytes;
+    text.resize(before + room);
+    const int used = ::WideCharToMultiByte(CP_UTF8, 0, units.data(), static_cast<int>(count), text.data() + before,
+                                           static_cast<int>(room), nullptr, nullptr);
+    text.resize(before + static_cast<std::size_t>(used));
+    units.remove_prefix(count);
+  }
 }
 
 /// Some pages take no flags (those with states among them) and convert what they can.

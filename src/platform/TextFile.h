@@ -74,7 +74,7 @@ class FileSteps {
   virtual std::error_code Truncate(FileHandle handle, std::size_t size);
   virtual std::error_code Flush(FileHandle handle);
   virtual std::error_code Close(FileHandle handle);
-  /// On Windows it is tried again for about half a second, which the caller waits, while another program holds a file,
+  /// On Windows it is tried again for about a second, which the caller waits, while another program holds a file,
   /// and a failure may leave `to` gone; `from` is there then. Elsewhere both are as they were after a failure.
   virtual std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to);
   virtual std::error_code FlushFolder(const std::filesystem::path& folder);

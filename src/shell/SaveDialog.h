@@ -6,10 +6,11 @@ namespace tme {
 
 struct Global;
 
+/// How a save dialog looks.
 struct SaveDialogTexts {
   QString title;
-  QString filter;
-  QString default_ext;
+  QString filter;       ///< as CommonDialog::filter
+  QString default_ext;  ///< with its dot
   QString file_name{};  ///< proposed name; may be empty
 };
 

@@ -14,7 +14,6 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
-#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/form_SR.h"
 
@@ -82,8 +81,7 @@ PadWindow::SaveOutcome PadWindow::Save() {
   const bool chosen = slot.path.isEmpty();
   QString path = slot.path;
   if (chosen) {
-    const SaveDialogTexts texts = SaveTexts();
-    path = AskForSavePath(global_, {texts.title, texts.filter, texts.default_ext});
+    path = AskForSavePath(global_, SaveTexts());
     if (path.isEmpty()) {
       // A name that was chosen all the same: the question about overwriting was cancelled. That restores also when
       // no SaveAs came before, which leaves a new document without caption; intended.

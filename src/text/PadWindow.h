@@ -1,6 +1,7 @@
 #pragma once
 
 #include "shell/DocumentWindow.h"
+#include "shell/SaveDialog.h"
 #include "text/Pad.h"
 
 class QKeyEvent;
@@ -41,12 +42,6 @@ class PadWindow : public DocumentWindow {
   Q_INVOKABLE void SearchReplace();
 
  protected:
-  /// How a kind's save dialog looks.
-  struct SaveDialogTexts {
-    QString title;
-    QString filter;       ///< as CommonDialog::filter
-    QString default_ext;  ///< with its dot
-  };
   virtual SaveDialogTexts SaveTexts() const = 0;
   /// Writes the content, with notices and, on failure, the message; calls MarkClean when the file holds the content.
   /// Never Cancelled.

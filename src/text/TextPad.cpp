@@ -194,8 +194,8 @@ PadPosition TextPad::SelectionStart() const { return Send(SCI_GETSELECTIONSTART)
 
 PadPosition TextPad::SelectionEnd() const { return Send(SCI_GETSELECTIONEND); }
 
-int TextPad::ByteAt(PadPosition position) const {
-  return static_cast<int>(Send(SCI_GETCHARAT, static_cast<std::uintptr_t>(position))) & 0xFF;
+char TextPad::ByteAt(PadPosition position) const {
+  return static_cast<char>(Send(SCI_GETCHARAT, static_cast<std::uintptr_t>(position)));
 }
 
 PadPosition TextPad::Moved(PadPosition from, std::int64_t characters) const {
@@ -204,15 +204,11 @@ PadPosition TextPad::Moved(PadPosition from, std::int64_t characters) const {
   PadPosition at = std::clamp<PadPosition>(from, 0, end);
   for (; characters > 0 && at < end; --characters) {
     ++at;
-    for (int count = 0; count < kMostContinuations && at < end && utf8::IsContinuation(static_cast<char>(ByteAt(at)));
-         ++count)
-      ++at;
+    for (int count = 0; count < kMostContinuations && at < end && utf8::IsContinuation(ByteAt(at)); ++count) ++at;
   }
   for (; characters < 0 && at > 0; ++characters) {
     --at;
-    for (int count = 0; count < kMostContinuations && at > 0 && utf8::IsContinuation(static_cast<char>(ByteAt(at)));
-         ++count)
-      --at;
+    for (int count = 0; count < kMostContinuations && at > 0 && utf8::IsContinuation(ByteAt(at)); ++count) --at;
   }
   return at;
 }

@@ -76,7 +76,7 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ApplyColors();
   void ApplyWrap();
   void NeedLineIndex() const;
-  int ByteAt(PadPosition position) const;
+  char ByteAt(PadPosition position) const;
   std::string_view BytesBetween(PadPosition start, PadPosition end) const;
   std::string_view SelectedBytes() const;
 

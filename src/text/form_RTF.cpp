@@ -173,7 +173,7 @@ void form_RTF::AddLossNotice(const rtf::Losses& losses) {
                   .arg(named.join(u", "_s)));
 }
 
-PadWindow::SaveDialogTexts form_RTF::SaveTexts() const {
+SaveDialogTexts form_RTF::SaveTexts() const {
   // The second pattern is this text itself and no list of wildcards; intended.
   return {u"Save RTF File"_s, u"RTF File|"_s + global_.settings.rtf_filter + u"|TXT File| & TXTFilter"_s, u".RTF"_s};
 }

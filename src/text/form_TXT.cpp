@@ -84,7 +84,7 @@ bool form_TXT::CloseDocument() {
   return true;
 }
 
-PadWindow::SaveDialogTexts form_TXT::SaveTexts() const {
+SaveDialogTexts form_TXT::SaveTexts() const {
   return {u"Save Text File"_s, u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
 }
 
