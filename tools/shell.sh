@@ -11,6 +11,18 @@ quietly() {
   "$@" >"$log" 2>&1 || { local status=$?; tail -n 200 "$log" >&2; return "$status"; }
 }
 
+# refuse WHAT REGEX FILE…: none of the files may have a line that matches; sets failed=1 and prints those that do.
+refuse() {
+  local what=$1 regex=$2 lines
+  shift 2
+  (($#)) || return 0
+  if lines=$(grep -nHE -- "$regex" "$@"); then
+    printf '%s:\n%s\n' "$what" "$lines" >&2
+    # shellcheck disable=SC2034
+    failed=1
+  fi
+}
+
 # soon COMMAND…: tries for up to 20 seconds until it succeeds.
 soon() {
   local i
