@@ -13,7 +13,6 @@
 #include "shell/DigestingSteps.h"
 #include "shell/Global.h"
 #include "shell/History.h"
-#include "shell/NoticeBar.h"
 #include "shell/RecentFiles.h"
 #include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
@@ -44,10 +43,12 @@ void DocumentWindow::TakeSlot() {
     layout_->setSpacing(0);
     notice_bar_ = new NoticeBar(this);
     layout_->addWidget(notice_bar_);
-    // A pad takes the Tab, so its notice needs a key of its own.
+    // A pad takes the Tab, so its notice needs keys of its own.
     auto* close_notice = new QShortcut(u"Shift+Esc"_s, this);
-    close_notice->setContext(Qt::WidgetWithChildrenShortcut);
+    auto* focus_notice = new QShortcut(u"F6"_s, this);
+    for (QShortcut* key : {close_notice, focus_notice}) key->setContext(Qt::WidgetWithChildrenShortcut);
     connect(close_notice, &QShortcut::activated, notice_bar_, &NoticeBar::Clear);
+    connect(focus_notice, &QShortcut::activated, notice_bar_, &NoticeBar::FocusFirst);
     auto* client = new QWidget(this);
     client->setObjectName(u"client"_s);
     layout_->addWidget(client, 1);
@@ -127,7 +128,9 @@ void DocumentWindow::SetChanged(bool changed) {
   setWindowTitle(caption);
 }
 
-void DocumentWindow::AddNotice(const QString& sentence) { notice_bar_->Add(sentence); }
+void DocumentWindow::AddNotice(const QString& sentence, std::vector<NoticeAction> actions) {
+  notice_bar_->Add(sentence, std::move(actions));
+}
 
 void DocumentWindow::ClearNotice() { notice_bar_->Clear(); }
 

@@ -7,6 +7,7 @@
 #include "platform/TextFile.h"
 #include "shell/DocumentKind.h"
 #include "shell/History.h"
+#include "shell/NoticeBar.h"
 
 class QMdiSubWindow;
 class QVBoxLayout;
@@ -15,7 +16,6 @@ namespace tme {
 
 struct DocumentSlot;
 struct Global;
-class NoticeBar;
 
 /// A document window of any kind. Twenty exist from the start, so construction does next to nothing: the controls are
 /// built when the window gets its first document, and the window is reused after its document is closed.
@@ -54,8 +54,9 @@ class DocumentWindow : public QWidget {
   /// A content that some document had, in a free window: shown as it was, with its name and path, marked changed.
   void ShowKept(const ContentOrigin& origin, std::string content);
 
-  /// The slim bar at the top; an empty text hides it. Several sentences add up until ClearNotice.
-  void AddNotice(const QString& sentence);
+  /// Says a sentence in the slim bar at the top, with buttons to what can be done about it. Several sentences add up
+  /// until ClearNotice.
+  void AddNotice(const QString& sentence, std::vector<NoticeAction> actions = {});
 
   /// Says, once for each change, when the file was changed on the disk after this document was read from it or written
   /// to it.

@@ -1,7 +1,12 @@
 #include "shell/NoticeBar.h"
 
+#include <QAccessible>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QStyle>
 #include <QToolButton>
 
@@ -10,8 +15,26 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+constexpr int kLines = 3;
+/// Characters that a line of text keeps at least when the buttons stand beside it; else they go below.
+constexpr int kCharactersBesideButtons = 40;
 
-NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this)) {
+/// Deletes a button later, because it may be the one whose click does this.
+void TakeAway(QPushButton* button) {
+  button->hide();
+  button->setParent(nullptr);
+  button->deleteLater();
+}
+}  // namespace
+
+NoticeBar::NoticeBar(QWidget* parent)
+    : QFrame(parent),
+      label_(new QLabel),
+      area_(new QScrollArea(this)),
+      more_(new QToolButton(this)),
+      buttons_(new QWidget(this)),
+      rows_(new QBoxLayout(QBoxLayout::LeftToRight)) {
   setObjectName(u"notice_bar"_s);
   setAccessibleName(tr("Notice"));
   setFrameShape(QFrame::StyledPanel);
@@ -29,9 +52,32 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this))
   label_->setObjectName(u"notice_text"_s);
   label_->setTextFormat(Qt::PlainText);
   label_->setWordWrap(true);
+  label_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   label_->setForegroundRole(QPalette::ToolTipText);
-  row->addWidget(label_, 1);
+  label_->setAutoFillBackground(false);
+  area_->setWidget(label_);
+  area_->setWidgetResizable(true);
+  area_->setFrameShape(QFrame::NoFrame);
+  area_->setFocusPolicy(Qt::NoFocus);
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  area_->viewport()->setAutoFillBackground(false);
+  rows_->addWidget(area_, 1);
+
+  auto* button_row = new QHBoxLayout(buttons_);
+  button_row->setContentsMargins(0, 0, 0, 0);
+  more_->setObjectName(u"notice_more"_s);
+  more_->setAutoRaise(true);
+  more_->setFocusPolicy(Qt::StrongFocus);
+  connect(more_, &QToolButton::clicked, this, [this] {
+    is_expanded_ = !is_expanded_;
+    Arrange();
+  });
+  button_row->addWidget(more_);
+  button_row->addStretch(1);
+  rows_->addWidget(buttons_, 0, Qt::AlignTop);
+  rows_->setSpacing(3);
+  row->addLayout(rows_, 1);
 
   auto* close = new QToolButton(this);
   close->setObjectName(u"notice_close"_s);
@@ -44,19 +90,79 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent), label_(new QLabel(this))
   hide();
 }
 
-void NoticeBar::Add(const QString& sentence) {
-  const QString text = Text();
-  if (sentence.isEmpty() || text.contains(sentence)) return;
-  label_->setText(text.isEmpty() ? sentence : text + u' ' + sentence);
-  label_->setAccessibleName(label_->text());
+void NoticeBar::Add(const QString& sentence, std::vector<NoticeAction> actions) {
+  if (sentence.isEmpty()) return;
+  if (!sentences_.contains(sentence)) sentences_.append(sentence);
+  for (NoticeAction& action : actions) AddButton(std::move(action));
+  label_->setText(Text());
   show();
+  Arrange();
+  QAccessibleEvent alert(this, QAccessible::Alert);
+  QAccessible::updateAccessibility(&alert);
+}
+
+void NoticeBar::AddButton(NoticeAction action) {
+  for (QPushButton* old : buttons_->findChildren<QPushButton*>())
+    if (old->text() == action.caption) TakeAway(old);
+  auto* button = new QPushButton(action.caption, buttons_);
+  button->setObjectName(u"notice_action"_s);
+  button->setAutoDefault(false);
+  connect(button, &QPushButton::clicked, this, [run = std::move(action.run)] {
+    const std::function<void()> copy = run;  // what runs may clear the bar, and this function with it
+    copy();
+  });
+  auto* row = static_cast<QHBoxLayout*>(buttons_->layout());
+  row->insertWidget(row->count() - 1, button);
+  button->show();
 }
 
 void NoticeBar::Clear() {
+  sentences_.clear();
   label_->clear();
+  is_expanded_ = false;
+  for (QPushButton* button : buttons_->findChildren<QPushButton*>()) TakeAway(button);
   hide();
 }
 
-QString NoticeBar::Text() const { return label_->text(); }
+void NoticeBar::FocusFirst() {
+  for (QWidget* control : findChildren<QWidget*>())
+    if (control->isVisible() && (control->focusPolicy() & Qt::TabFocus)) return control->setFocus(Qt::TabFocusReason);
+}
+
+void NoticeBar::Arrange() {
+  if (sentences_.isEmpty()) return;
+  more_->setText(is_expanded_ ? tr("less") : tr("more…"));
+  const QMargins margins = layout()->contentsMargins();
+  const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+  // What the picture, the close button and the gaps leave.
+  const int width = contentsRect().width() - margins.left() - margins.right() - 3 * extent;
+  const bool has_actions = !buttons_->findChildren<QPushButton*>().isEmpty();
+  const auto place = [&](bool has_more) {
+    more_->setVisible(has_more);
+    buttons_->setVisible(has_more || has_actions);
+    const int beside = has_more || has_actions ? buttons_->sizeHint().width() + rows_->spacing() : 0;
+    const bool fits = width - beside >= kCharactersBesideButtons * fontMetrics().averageCharWidth();
+    rows_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    return label_->heightForWidth(std::max(1, fits ? width - beside : width));
+  };
+  const int slim = kLines * fontMetrics().lineSpacing() + 2 * label_->margin();
+  int height = place(false);
+  if (height > slim) height = place(true);
+  // Opened, the text may take half of the document; beyond that it scrolls.
+  const int most = is_expanded_ ? std::max(slim, parentWidget()->height() / 2) : slim;
+  area_->setVerticalScrollBarPolicy(is_expanded_ ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+  area_->verticalScrollBar()->setValue(0);
+  area_->setFixedHeight(std::min(height, most));
+}
+
+void NoticeBar::resizeEvent(QResizeEvent* event) {
+  QFrame::resizeEvent(event);
+  Arrange();
+}
+
+void NoticeBar::changeEvent(QEvent* event) {
+  QFrame::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Arrange();
+}
 
 }  // namespace tme
