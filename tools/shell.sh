@@ -11,12 +11,12 @@ quietly() {
   "$@" >"$log" 2>&1 || { local status=$?; tail -n 200 "$log" >&2; return "$status"; }
 }
 
-# refuse WHAT REGEX FILE…: none of the files may have a line that matches; sets failed=1 and prints those that do.
+# refuse WHAT PERL-REGEX FILE…: none of the files may have a line that matches; sets failed=1 and prints those that do.
 refuse() {
   local what=$1 regex=$2 lines
   shift 2
   (($#)) || return 0
-  if lines=$(grep -nHE -- "$regex" "$@"); then
+  if lines=$(grep -nHP -- "$regex" "$@"); then
     printf '%s:\n%s\n' "$what" "$lines" >&2
     # shellcheck disable=SC2034
     failed=1

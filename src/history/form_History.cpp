@@ -27,6 +27,7 @@
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
+#include "shell/PlainText.h"
 #include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
@@ -87,7 +88,7 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
   const QString path = active ? active->Slot().path : QString();
   if (!path.isEmpty()) {
     cb_Scope->addItem(active->Slot().title, path);
-    cb_Scope->setItemData(0, QDir::toNativeSeparators(path), Qt::ToolTipRole);
+    SetItemTip(*cb_Scope, 0, QDir::toNativeSeparators(path));
   }
   cb_Scope->addItem(tr("All files"));
   if (!path.isEmpty() && global_.history.Versions(path).isEmpty()) cb_Scope->setCurrentIndex(cb_Scope->count() - 1);
@@ -99,7 +100,7 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
 form_History::~form_History() = default;
 
 void form_History::BuildControls() {
-  auto* scope_label = new QLabel(tr("&Versions of:"));
+  QLabel* scope_label = PlainLabel(tr("&Versions of:"));
   cb_Scope = new QComboBox;
   cb_Scope->setObjectName(u"cb_Scope"_s);
   cb_Scope->setAccessibleName(tr("Versions of"));
@@ -146,15 +147,14 @@ void form_History::BuildControls() {
 }
 
 QWidget* form_History::BuildTextSide() {
-  lbl_Difference = new QLabel;
+  lbl_Difference = PlainLabel();
   lbl_Difference->setObjectName(u"lbl_Difference"_s);
-  lbl_Difference->setTextFormat(Qt::PlainText);
   lbl_Difference->setWordWrap(true);
-  lbl_Place = new QLabel;
+  lbl_Place = PlainLabel();
   lbl_Place->setObjectName(u"lbl_Place"_s);
   chk_DifferencesOnly = new QCheckBox(tr("&Differences only"));
   chk_DifferencesOnly->setObjectName(u"chk_DifferencesOnly"_s);
-  chk_DifferencesOnly->setToolTip(tr("Without the lines that are the same, but for a few around each difference"));
+  SetTip(*chk_DifferencesOnly, tr("Without the lines that are the same, but for a few around each difference"));
   connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &form_History::ShowLines);
   txt_Version = new DifferenceView;
   txt_Version->setObjectName(u"txt_Version"_s);
@@ -169,7 +169,7 @@ QWidget* form_History::BuildTextSide() {
                        void (DifferenceView::*go)()) {
     auto* button = new QPushButton(caption);
     button->setObjectName(name);
-    button->setToolTip(tr("%1 (%2)").arg(QString(caption).remove(u'&'), key.toString(QKeySequence::NativeText)));
+    SetTip(*button, tr("%1 (%2)").arg(QString(caption).remove(u'&'), key.toString(QKeySequence::NativeText)));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, txt_Version, go);
     auto* action = new QAction(this);
@@ -196,7 +196,7 @@ void form_History::BuildButtons(QDialogButtonBox& box) {
   const auto add = [&](const QString& name, const QString& caption, const QString& tip, void (form_History::*click)()) {
     auto* button = box.addButton(caption, QDialogButtonBox::ActionRole);
     button->setObjectName(name);
-    button->setToolTip(tip);
+    SetTip(*button, tip);
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, click);
     return button;
@@ -232,7 +232,7 @@ void form_History::done(int result) {
 void form_History::ListVersions(const QString& selected_id) {
   const QVariant path = cb_Scope->currentData();
   versions_ = path.isValid() ? global_.history.Versions(path.toString()) : global_.history.Versions();
-  cb_Scope->setToolTip(cb_Scope->currentData(Qt::ToolTipRole).toString());
+  SetTip(*cb_Scope, QDir::toNativeSeparators(path.toString()));
   const QSignalBlocker silent(list_Versions);
   list_Versions->clear();
   list_Versions->setSortingEnabled(false);
@@ -243,13 +243,13 @@ void form_History::ListVersions(const QString& selected_id) {
     item->setData(kTimeColumn, kIndexRole, static_cast<int>(index));
     item->setText(kTimeColumn, TimeText(version.time));
     item->setData(kTimeColumn, kSortRole, version.time.toMSecsSinceEpoch());
-    item->setToolTip(kTimeColumn, QLocale().toString(version.time.toLocalTime(), QLocale::LongFormat));
+    SetItemTip(*item, kTimeColumn, QLocale().toString(version.time.toLocalTime(), QLocale::LongFormat));
     item->setText(kReasonColumn, ReasonText(version.reason));
     item->setText(kNameColumn, NameOf(version.origin));
-    item->setToolTip(kNameColumn, NameOf(version.origin));
+    SetItemTip(*item, kNameColumn, NameOf(version.origin));
     item->setText(kSizeColumn, QLocale().formattedDataSize(version.bytes));
     item->setData(kSizeColumn, kSortRole, version.bytes);
-    item->setToolTip(kSizeColumn, Counted(static_cast<std::uint64_t>(version.bytes), tr("1 byte"), tr("%1 bytes")));
+    SetItemTip(*item, kSizeColumn, Counted(static_cast<std::uint64_t>(version.bytes), tr("1 byte"), tr("%1 bytes")));
     item->setTextAlignment(kSizeColumn, Qt::AlignRight | Qt::AlignVCenter);
     if (version.id == selected_id) selected = item;
   }

@@ -28,6 +28,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/PlainText.h"
 #include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
@@ -141,7 +142,7 @@ void form_INI::BuildButtons(QWidget& client) {
     auto* button = new QPushButton(caption, &client);
     button->setObjectName(name);
     button->setAccessibleName(QString(caption).remove(u'&').replace(u'\n', u' '));
-    button->setToolTip(tip);
+    SetTip(*button, tip);
     button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys with the tree
     connect(button, &QPushButton::clicked, this, command);
     return button;
@@ -293,7 +294,7 @@ form_INI::SaveOutcome form_INI::Save() {
     tree_.SetText(tree_.Root(), slot.title.toStdString());
   }
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
-  setWindowTitle(slot.title);
+  setWindowTitle(CaptionText(slot.title));
   SetChanged(false);
   MarkClean();
   return SaveOutcome::Saved;

@@ -18,6 +18,7 @@
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -59,7 +60,7 @@ form_TMEOptions::form_TMEOptions(Global& global, ShellIntegration& integration, 
 
   for (QWidget* control : findChildren<QWidget*>())
     if (const HelpTopic* topic = FindHelpTopic(control->objectName()))
-      control->setWhatsThis(global_.shell_utilities.FormatHelpText(HelpText(topic->text_id)));
+      SetWhatsThis(*control, global_.shell_utilities.FormatHelpText(HelpText(topic->text_id)));
   Form_Load();
 }
 

@@ -12,6 +12,7 @@
 
 #include "options/ShellIntegration.h"
 #include "options/form_TMEOptions.h"
+#include "shell/PlainText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -63,7 +64,7 @@ void form_TMEOptions::BuildTabs() {
 
   const auto add_empty = [this](const QString& caption, const QString& tool_tip, const QString& text) {
     QVBoxLayout* column = AddTab(caption, tool_tip);
-    auto* label = new QLabel(text);
+    QLabel* label = PlainLabel(text);
     label->setWordWrap(true);
     column->addWidget(label);
     column->addStretch();
@@ -88,7 +89,7 @@ QVBoxLayout* form_TMEOptions::AddTab(const QString& caption, const QString& tool
   const int index = TS->addTab(frame, caption);
   frame->setObjectName(u"frame_Sections"_s + QString::number(index));
   frame->setAccessibleName(caption);
-  TS->setTabToolTip(index, tool_tip);
+  TS->setTabToolTip(index, TipText(tool_tip));
   return new QVBoxLayout(frame);
 }
 
@@ -135,7 +136,7 @@ void form_TMEOptions::BuildDefaultOpenType(QVBoxLayout* column) {
   group->setAccessibleName(tr("Type of file listed first"));
   auto* row = new QHBoxLayout(group);
   row->setContentsMargins(0, 0, 0, 0);
-  row->addWidget(new QLabel(tr("List first:")));
+  row->addWidget(PlainLabel(tr("List first:")));
   opt_DefOpen = new QButtonGroup(this);
   const QStringList captions{tr("&INI"), tr("&Registry"), tr("&Text"), tr("Ric&h text")};
   for (const QString& caption : captions) {
@@ -161,7 +162,7 @@ void form_TMEOptions::BuildAutoSave(QVBoxLayout* column) {
   txt_AutoSave->installEventFilter(this);
   row->addWidget(cb_AutoSave);
   row->addWidget(txt_AutoSave);
-  row->addWidget(new QLabel(tr("minutes")));
+  row->addWidget(PlainLabel(tr("minutes")));
   row->addStretch();
   connect(cb_AutoSave, &QCheckBox::toggled, this, &form_TMEOptions::cb_AutoSave_Click);
   cb_AutoSave_Click();
@@ -176,7 +177,7 @@ void form_TMEOptions::BuildDefaultDisplay(QVBoxLayout* column) {
     box->setReadOnly(true);
     box->installEventFilter(this);
     box->setMinimumWidth(box->fontMetrics().averageCharWidth() * width);
-    auto* label = new QLabel(caption);
+    QLabel* label = PlainLabel(caption);
     label->setBuddy(box);
     row->addWidget(label);
     row->addWidget(box, width);
@@ -193,7 +194,7 @@ void form_TMEOptions::BuildExtensionBox() {
   extension_box_ = new QWidget(this);
   auto* column = new QVBoxLayout(extension_box_);
   column->setContentsMargins(0, 0, 0, 0);
-  auto* label = new QLabel(tr("Define &Filter:"));
+  QLabel* label = PlainLabel(tr("Define &Filter:"));
   txt_ext = MakeBox(extension_box_, u"txt_ext"_s, tr("Define Filter"));
   txt_ext->installEventFilter(this);
   label->setBuddy(txt_ext);
@@ -213,7 +214,7 @@ QGroupBox* form_TMEOptions::BuildFilter(FilterKind kind, const QString& frame_na
   controls.list->setAccessibleName(text ? tr("Extensions of text files") : tr("Extensions of rich-text files"));
   controls.list->setMinimumHeight(controls.list->fontMetrics().lineSpacing() * kListRows);
   controls.list->installEventFilter(this);
-  auto* label = new QLabel(tr("E&xtensions:"));
+  QLabel* label = PlainLabel(tr("E&xtensions:"));
   label->setBuddy(controls.list);
 
   controls.grid = new QGridLayout(frame);

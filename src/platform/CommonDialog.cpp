@@ -1,11 +1,13 @@
 #include "platform/CommonDialog.h"
 
 #include <QApplication>
+#include <QChildEvent>
 #include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontDialog>
+#include <QMessageBox>
 #include <QPrintDialog>
 #include <algorithm>
 
@@ -17,10 +19,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// The dialogs ask questions of their own, about names that were typed or pasted there: as plain text, like ours.
+class PlainQuestions : public QObject {
+ public:
+  explicit PlainQuestions(QDialog& dialog) : QObject(&dialog) { dialog.installEventFilter(this); }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    // Before the box is laid out, which would load what markup names.
+    if (event->type() == QEvent::ChildPolished)
+      if (auto* box = qobject_cast<QMessageBox*>(static_cast<QChildEvent*>(event)->child()))
+        box->setTextFormat(Qt::PlainText);
+    return QObject::eventFilter(watched, event);
+  }
+};
+
 /// Shows the dialog with the fields that opening and saving share. Empty when cancelled; then no field has changed.
 QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
   const QStringList filters = FileDialogFilters(fields.filter);
   dialog.setObjectName("CommonDialog"_L1);
+  new PlainQuestions(dialog);
   dialog.setOption(QFileDialog::HideNameFilterDetails);  // the names say it; the wildcards are not for reading
   if (!filters.isEmpty()) {
     dialog.setNameFilters(filters);
@@ -82,6 +98,7 @@ QString CommonDialog::ShowSave() {
 QString CommonDialog::ShowFolder() {
   QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
   dialog.setObjectName("CommonDialog"_L1);
+  new PlainQuestions(dialog);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
   if (dialog.exec() != QDialog::Accepted) return {};
@@ -122,6 +139,7 @@ bool CommonDialog::ShowColor() {
 std::unique_ptr<QPrinter> CommonDialog::ShowPrinter() {
   auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
   QPrintDialog dialog(printer.get(), QApplication::activeWindow());
+  new PlainQuestions(dialog);
   dialog.setOption(QAbstractPrintDialog::PrintPageRange, (flags & kNoPageNumbers) == 0);
   if (dialog.exec() != QDialog::Accepted) return nullptr;
   return printer;

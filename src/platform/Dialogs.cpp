@@ -137,11 +137,12 @@ QString Dialogs::InputBox(const QString& prompt, const QString& title, const QSt
   box->setObjectName("InputBox"_L1);
   box->setWindowTitle(title);
   box->setInputMode(QInputDialog::TextInput);
+  box->setLabelText({});  // makes the label
+  if (auto* label = box->findChild<QLabel*>()) label->setTextFormat(Qt::PlainText);
   box->setLabelText(prompt);
   // A line of a file may be longer than the 32767 characters that a line edit takes unasked.
   if (auto* edit = box->findChild<QLineEdit*>()) edit->setMaxLength(std::numeric_limits<int>::max());
   box->setTextValue(text);
-  if (auto* label = box->findChild<QLabel*>()) label->setTextFormat(Qt::PlainText);
   box->resize(box->sizeHint().expandedTo({kMinInputWidth, 0}));
   const bool accepted = box->exec() == QDialog::Accepted;
   return accepted && box ? OneLine(box->textValue()) : QString();

@@ -7,6 +7,7 @@
 
 #include "reg/RegDocument.h"
 #include "shell/DisplayText.h"
+#include "shell/PlainText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +23,7 @@ form_AddHK::form_AddHK(QWidget* parent, const QStringList& present) : QDialog(pa
     box->setObjectName(u"cb_"_s + name);
     box->setAccessibleName(name);
     box->setEnabled(!present.contains(name));
-    if (!box->isEnabled()) box->setToolTip(tr("This hive is in the file already."));
+    if (!box->isEnabled()) SetTip(*box, tr("This hive is in the file already."));
     column->addWidget(box);
     boxes_.append(box);
   }

@@ -28,6 +28,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/PlainText.h"
 #include "shell/Rescue.h"
 #include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
@@ -73,10 +74,9 @@ void form_REG::BuildControls(QWidget& client) {
 
   auto* status = new QHBoxLayout;
   status->setContentsMargins(4, 0, 4, 2);
-  lbl_location = new QLabel(&client);
+  lbl_location = PlainLabel({}, &client);
   lbl_location->setObjectName(u"lbl_location"_s);
   lbl_location->setAccessibleName(tr("Path of the selected key"));
-  lbl_location->setTextFormat(Qt::PlainText);
   lbl_location->setTextInteractionFlags(Qt::TextSelectableByMouse);
   lbl_location->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   lbl_location->setMinimumHeight(lbl_location->fontMetrics().height());
@@ -209,7 +209,7 @@ void form_REG::ShowKey() {
 
 void form_REG::SetLocation(const QString& text) {
   lbl_location->setText(text);
-  lbl_location->setToolTip(text);
+  SetTip(*lbl_location, text);
 }
 
 void form_REG::NewREG() {
@@ -381,7 +381,7 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
     AddNotice(tr("Values that the file has no place for could not be kept in the history either."));
   }
   SetLocation({});
-  setWindowTitle(slot.title);
+  setWindowTitle(CaptionText(slot.title));
   SetChanged(false);
   MarkClean();
   return SaveOutcome::Saved;

@@ -13,6 +13,7 @@
 #include "shell/DigestingSteps.h"
 #include "shell/Global.h"
 #include "shell/History.h"
+#include "shell/PlainText.h"
 #include "shell/RecentFiles.h"
 #include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
@@ -75,7 +76,7 @@ std::optional<std::string> DocumentWindow::TakeSlotBytes() {
   TakeSlot();
   being_read_ = true;
   disk_stamp_ = stamp;
-  setWindowTitle(slot.title);
+  setWindowTitle(CaptionText(slot.title));
   return bytes;
 }
 
@@ -171,7 +172,7 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
   Slot().path = origin.path;
   Slot().title = origin.path.isEmpty() ? QString() : origin.title;
   if (!origin.path.isEmpty()) disk_stamp_ = StampOf(FilePath(origin.path));
-  setWindowTitle(origin.title);
+  setWindowTitle(CaptionText(origin.title));
   MarkClean();
   PutContent(std::move(content));
   ShowInFrame();

@@ -11,6 +11,7 @@
 #include <QToolButton>
 
 #include "shell/Icon.h"
+#include "shell/PlainText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,7 +31,7 @@ void TakeAway(QPushButton* button) {
 
 NoticeBar::NoticeBar(QWidget* parent)
     : QFrame(parent),
-      label_(new QLabel),
+      label_(PlainLabel()),
       area_(new QScrollArea(this)),
       more_(new QToolButton(this)),
       buttons_(new QWidget(this)),
@@ -44,13 +45,12 @@ NoticeBar::NoticeBar(QWidget* parent)
 
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(6, 3, 3, 3);
-  auto* icon = new QLabel(this);
+  QLabel* icon = PlainLabel({}, this);
   const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
   icon->setPixmap(Icon(u"notice"_s).pixmap(extent));
   row->addWidget(icon, 0, Qt::AlignTop);
 
   label_->setObjectName(u"notice_text"_s);
-  label_->setTextFormat(Qt::PlainText);
   label_->setWordWrap(true);
   label_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -82,7 +82,7 @@ NoticeBar::NoticeBar(QWidget* parent)
   auto* close = new QToolButton(this);
   close->setObjectName(u"notice_close"_s);
   close->setAccessibleName(tr("Close the notice"));
-  close->setToolTip(tr("Close the notice (Shift+Esc)"));
+  SetTip(*close, tr("Close the notice (Shift+Esc)"));
   close->setAutoRaise(true);
   close->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
   connect(close, &QToolButton::clicked, this, &NoticeBar::Clear);

@@ -11,6 +11,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -21,11 +22,6 @@ namespace {
 QString ValueName(int index) { return u"mru"_s + QString::number(index); }
 
 QString ItemName(int index) { return u"menu_mru"_s + QString::number(index); }
-
-/// A file's name as a menu shows it: "&" would mark an access key, a tab would begin the column of the shortcuts.
-QString Caption(const QString& path) {
-  return QFileInfo(path).fileName().replace(u'&', u"&&"_s).replace(u'\t', QChar(0x2409));
-}
 
 }  // namespace
 
@@ -63,9 +59,8 @@ void RecentFiles::RebuildRecentMenu() {
     const QString& path = Entry(index);
     const bool exists = !path.isEmpty() && global_.shell_utilities.FileExists(path);
     QAction* item = menus.Action(ItemName(index));
-    item->setText(exists ? Caption(path) : QString());
-    // Escaped, since a tip that looks like markup is taken for it.
-    item->setToolTip(exists ? u"<p style='white-space:pre'>"_s + path.toHtmlEscaped() + u"</p>"_s : QString());
+    item->setText(exists ? MenuText(QFileInfo(path).fileName()) : QString());
+    SetTip(*item, exists ? path : QString());
     menus.SetHidden(ItemName(index), !exists);
   }
   menus.SetHidden(u"mrusep"_s, std::all_of(entries_.begin(), entries_.end(), std::mem_fn(&QString::isEmpty)));

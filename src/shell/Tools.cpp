@@ -21,6 +21,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -44,6 +45,7 @@ void ReportCompletion(Global& global, const QString& text) {
 void WatchListing(Global& global, QThread& thread, FolderListingWatch& watch) {
   QProgressDialog progress(global.frame);
   progress.setObjectName(u"FolderListingProgress"_s);
+  progress.setLabel(PlainLabel());
   progress.setWindowTitle(kProgramTitle);
   progress.setAccessibleName(kProgramTitle);
   progress.setWindowModality(Qt::ApplicationModal);

@@ -14,6 +14,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/form_SR.h"
 
@@ -94,7 +95,7 @@ PadWindow::SaveOutcome PadWindow::Save() {
   slot.title = QFileInfo(path).fileName();
   RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
   SetChanged(false);
-  setWindowTitle(slot.title);
+  setWindowTitle(CaptionText(slot.title));
   return SaveOutcome::Saved;
 }
 

@@ -7,10 +7,10 @@
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocumentFragment>
-#include <QToolTip>
 #include <QWheelEvent>
 
 #include "platform/Twips.h"
+#include "shell/PlainText.h"
 #include "text/RtfClipboard.h"
 #include "text/RtfExport.h"
 #include "text/RtfImport.h"
@@ -290,10 +290,7 @@ bool RtfPad::viewportEvent(QEvent* event) {
     tip = objects_->LabelOf(cursor.charFormat());
     if (tip.isEmpty()) tip = cursor.charFormat().anchorHref();
   }
-  if (tip.isEmpty())
-    QToolTip::hideText();
-  else
-    QToolTip::showText(help.globalPos(), u"<qt>"_s + tip.toHtmlEscaped() + u"</qt>"_s, viewport());
+  ShowTip(help.globalPos(), tip, viewport());
   return true;
 }
 

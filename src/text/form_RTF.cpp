@@ -13,6 +13,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/RtfPad.h"
 #include "text/rtf/RtfReader.h"
@@ -68,7 +69,7 @@ void form_RTF::BuildToolbar(QWidget& client) {
   const auto add = [this](const QString& tag, const QString& icon, const QString& name, const QString& tip) {
     QAction* action = Toolbar1->addAction(Icon(icon), name);
     action->setData(tag);
-    action->setToolTip(tip);
+    SetTip(*action, tip);
     QWidget* button = Toolbar1->widgetForAction(action);
     button->setObjectName(tag);
     button->setAccessibleName(name);

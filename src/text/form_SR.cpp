@@ -20,6 +20,7 @@
 #include "platform/Twips.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
+#include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/PadWindow.h"
 
@@ -87,9 +88,7 @@ void form_SR::BuildControls() {
     return widget;
   };
   const auto label = [&](const QString& name, const QString& text) {
-    auto* made = named(new QLabel(text, this), name, QString(text).remove(u'&'));
-    made->setTextFormat(Qt::PlainText);
-    return made;
+    return named(PlainLabel(text, this), name, QString(text).remove(u'&'));
   };
   const auto box = [&](const QString& name, QLabel* its_label) {
     auto* made = named(new QLineEdit(this), name, its_label->accessibleName().chopped(1));

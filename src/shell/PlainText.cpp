@@ -1,0 +1,76 @@
+#include "shell/PlainText.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QTextDocument>
+#include <QToolTip>
+#include <QTreeWidgetItem>
+
+#include "shell/DisplayText.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr qsizetype kMaxCharactersInTip = 1000;
+/// A line of a tip has a place to break after so many characters without a blank.
+constexpr int kLongestRun = 60;
+
+QString Shown(const QString& text) {
+  return DisplayText(text.left(kMaxCharactersInTip + 1).toStdString(), kMaxCharactersInTip);
+}
+
+}  // namespace
+
+QString TipText(const QString& text) {
+  const QString shown = Shown(text);
+  const bool looks_like_markup = shown.contains(u'<') || shown.contains(u'&');
+  if (!looks_like_markup && shown.size() <= kLongestRun) return shown;
+  QString tip;
+  int run = 0;
+  for (const QChar character : shown) {
+    tip += QString(character).toHtmlEscaped();
+    run = character == u' ' ? 0 : run + 1;
+    const bool separator = character == u'/' || character == u'\\';
+    if (run < (separator ? kLongestRun / 2 : kLongestRun) || character.isHighSurrogate()) continue;
+    tip += QChar(0x200B);  // zero width space
+    run = 0;
+  }
+  return u"<p style='white-space:pre-wrap'>"_s + tip + u"</p>"_s;
+}
+
+void SetTip(QWidget& widget, const QString& text) {
+  widget.setToolTip(TipText(text));
+  widget.setAccessibleDescription(Shown(text));
+}
+
+void SetTip(QAction& action, const QString& text) { action.setToolTip(TipText(text)); }
+
+void SetItemTip(QComboBox& box, int index, const QString& text) {
+  box.setItemData(index, TipText(text), Qt::ToolTipRole);
+}
+
+void SetItemTip(QTreeWidgetItem& item, int column, const QString& text) { item.setToolTip(column, TipText(text)); }
+
+void ShowTip(const QPoint& global_position, const QString& text, QWidget* widget) {
+  QToolTip::showText(global_position, TipText(text), widget);
+}
+
+void SetWhatsThis(QWidget& widget, const QString& text) {
+  widget.setWhatsThis(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
+}
+
+QLabel* PlainLabel(const QString& text, QWidget* parent) {
+  auto* label = new QLabel(parent);
+  label->setTextFormat(Qt::PlainText);
+  label->setText(text);
+  return label;
+}
+
+QString MenuText(QString text) { return text.replace(u'&', u"&&"_s).replace(u'\t', QChar(0x2409)); }
+
+QString CaptionText(QString text) { return text.replace(u"[*]"_s, u"[*][*]"_s); }
+
+}  // namespace tme
