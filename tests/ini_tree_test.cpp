@@ -129,12 +129,14 @@ TEST(IniTree, RemovesWhatBeginsWithTheSelectedKey) {
       {"[s]\nKey=1\nkey=2\nKEYS=3\n[t]\nKey\nKey =1\n", "Key=1", remove, "[s|key=2|KEYS=3][t]", "key=2"},
       {"[s]\nab\na=1\nabc\n", "ab", remove, "[s|a=1]", "a=1"},
       {"[b]\n=1\na\n[a]\nc\n", "=1", remove, "[b]", "b"},
-      // The walk goes backwards through the file as long as the selection is on an entry.
+      // All sections, wherever the selected entry stands in its own.
+      {"[a]\nk=1\n[b]\nk=2\n[c]\nk=3\n", "k=1", remove, "[a][b][c]", "a"},
+      {"[a]\nk=1\n[b]\nk=2\n[c]\nk=3\n", "k=3", remove, "[a][b][c]", "c"},
       {"[s]\nk=1\nm\nk=2\n[t]\nk=3\n", "k=2", remove, "[s|m][t]", "m"},
-      {"[s]\nb\nk=1\nk=0\n", "k=1", remove, "[s|b]", "b"},
-      {"[s]\nk=1\n[t]\nk=2\n;c\n", "k=2", remove, "[s|k=1][t|(;c)]", ";c"},
-      {"[s]\nk=1\n[t]\nk=2\n", "k=2", remove, "[s|k=1][t]", "t"},
-      {"[a]\nk1\n[kk]\nb\nk\n", "k", remove, "[a|k1]", "a"},
+      {"[s]\nk=1\n[t]\nk=2\n;c\n", "k=2", remove, "[s][t|(;c)]", ";c"},
+      {"[a]\nk1\n[kk]\nb\nk\n", "k", remove, "[a]", "a"},
+      // The walk goes backwards through the file until no entry is left.
+      {";k\n[kk]\n;k\n[s]\nk=1\n[k]\n;c\nk=0\n", "k=0", remove, "(;k)[kk|(;k)][s]", "kk"},
       // Not on a section or a comment.
       {"[s]\ns=1\n", "s", remove, "[s|s=1]", "s"},
       {"[s]\n;s=1\n", ";s=1", remove, "[s|(;s=1)]", ";s=1"},

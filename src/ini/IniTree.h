@@ -130,9 +130,10 @@ class IniTree {
   /// Every node but the root whose text equals this one.
   void RemoveTextEqualTo(std::string_view text);
   /// Walks all nodes from the last created to the first and removes those (sections and comments too, never the root)
-  /// whose text begins with the key of the selected entry, as long as the selected node is an entry: where the walk
-  /// removes the selected node itself, the node selected next decides whether it goes on. Intended. Does nothing unless
-  /// an entry is selected. Linear, but for ordering the nodes that match.
+  /// whose text begins with the key of the selected entry, as long as the selected node is an entry. Intended. Where
+  /// the walk removes the selected node itself, any entry that is left takes the selection for as long as the walk
+  /// lasts, so only the last entry of the tree ends it. Afterwards a neighbour is selected, as by Remove. Does nothing
+  /// unless an entry is selected. Linear, but for ordering the nodes that match.
   void RemoveStartingWithSelectedKey();
   /// All sections and comments go; the root stays with its text.
   void Clear();

@@ -118,23 +118,23 @@ std::size_t IniTree::MarkTextEqualTo(std::string_view text) {
   return marked;
 }
 
-/// Marks what begins with key, the last created first, until the selection is no longer on an entry.
+/// Marks what begins with key, the last created first, as long as any entry is left that the selection could be on.
 /// Children are younger than their section, so a section goes after those of its entries that go by themselves.
 void IniTree::MarkWalkingBack(std::string_view key) {
   std::vector<std::pair<std::uint32_t, IniNode*>> matches;
+  std::size_t entries_left = 0;
+  const auto is_left = [](const IniNode* node) { return node->tag_ == IniTag::Value && !node->removed_; };
   ForEachNode(*root_, [&](IniNode* node) {
     if (node->Text().starts_with(key)) matches.emplace_back(node->created_, node);
+    if (is_left(node)) ++entries_left;
   });
   std::ranges::sort(matches, std::ranges::greater());
 
-  IniNode* section = selected_->parent_;
-  Neighbours in_section(selected_);
-  Neighbours in_root(section);
   for (const auto& [created, node] : matches) {
-    if (selected_->tag_ != IniTag::Value) return;
+    if (entries_left == 0) return;
+    if (is_left(node)) --entries_left;
     node->removed_ = true;
-    if (node == selected_) MoveSelection(NextSelected(node, in_section));
-    if (node == section) MoveSelection(NextSelected(node, in_root));
+    for (int row = 0; row < node->ChildCount(); ++row) entries_left -= is_left(node->Child(row)) ? 1 : 0;
   }
 }
 
