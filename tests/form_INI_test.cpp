@@ -13,6 +13,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
+#include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
 
@@ -290,6 +291,11 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
       {"blank.ini", "[B]\n\n\nx=1\n[A]",
        "2 blank lines dropped. The file holds its sections in another order. Saving writes only what the tree shows.",
        ">blank.ini\n A\n B\n  x=1\n"},
+      {"order.ini", "[A]\ny=1\nx=2\n\n",
+       "The file holds its entries in another order. Saving writes only what the tree shows.", nullptr},
+      {"header.ini", "[A] ; c\nx=1\n\n",
+       "1 section header does not end in \"]\" and lost its last character. Saving writes only what the tree shows.",
+       ">header.ini\n A] ; \n  x=1\n"},
       {"zero.ini", std::string("[A]\na\0b=1\n", 10), "", nullptr},
       {"long.ini", "[A]\n" + std::string(1 << 20, 'x') + "\n", "", nullptr},
       {"bom.ini", "\xFF\xFE", "", ">bom.ini\n"},
@@ -313,6 +319,56 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
   Ini().OpenINI();
   EXPECT_EQ(Ini().Tag(), u"");
   EXPECT_EQ(frame_->ActiveDocument(), nullptr);
+}
+
+TEST_F(Editor, ASaveSaysWhatItLeftOutAndWhereThatIs) {
+  Start();
+  const std::string bytes = "[B]\nx=1\n\n\n[A]\n;c\n";
+  const QString path = File(u"a.ini"_s, bytes);
+  OpenPathList(global_, path);
+  EXPECT_FALSE(Ini().HoldsWholeFile());
+  Ini().SaveFile();
+  EXPECT_TRUE(Ini().HoldsWholeFile());
+  const QString left_out = u"1 blank line, the order of its sections."_s;
+  const QString said =
+      u"The save left out, or wrote in another form: "_s + left_out + u" File History has the file as it was."_s;
+  EXPECT_EQ(NoticeOf(Ini()), said);
+  EXPECT_EQ(history_.Content(history_.Versions(path).value(0).digest), bytes);
+
+  OpenPathList(global_, File(u"b.ini"_s, bytes));
+  common_dialog_.ExpectSave(InFolder(u"c.ini"_s));
+  Ini(1).SaveAs();
+  EXPECT_EQ(NoticeOf(Ini(1)), u"Not in this file, or in another form: "_s + left_out + u" b.ini has it as it was."_s);
+
+  auto* button = Ini().findChild<QPushButton*>(u"notice_action"_s);
+  ASSERT_NE(button, nullptr);
+  const DocumentWindow* shown = nullptr;
+  frame_->Menus().Handle("menu_ToolsHistory", [&] { shown = frame_->ActiveDocument(); });
+  button->click();
+  EXPECT_EQ(shown, &Ini());
+
+  // What the reader would not take back is said too, and the first sentence stays until it is put away.
+  Select(Ini(), {u"A"_s, u";c"_s});
+  dialogs_.ExpectInputBox(u"Alter the comment:"_s, u"Comments"_s, u";c"_s, u"[c"_s);
+  Ini().findChild<QPushButton*>(u"cmd_Edit"_s)->click();
+  const QString header = u"1 line begins with \"[\" and would be a section when the file is opened again."_s;
+  Ini().SaveFile();
+  EXPECT_EQ(NoticeOf(Ini()), said + u' ' + header);
+  Ini().findChild<NoticeBar*>()->Clear();
+  Ini().SaveFile();
+  EXPECT_EQ(NoticeOf(Ini()), header);
+}
+
+TEST_F(Editor, ACommentAboveTheSectionsHasNoSectionToAddTo) {
+  Start();
+  form_INI& window = NewIni(";c\n[A]\n;d\n");
+  auto* add = window.findChild<QPushButton*>(u"cmd_AddValue"_s);
+  const std::pair<QStringList, bool> rows[] = {
+      {{}, false}, {{u";c"_s}, false}, {{u"A"_s}, true}, {{u"A"_s, u";d"_s}, true}};
+  for (const auto& [path, enabled] : rows) {
+    Select(window, path);
+    EXPECT_EQ(add->isEnabled(), enabled) << path.join(u'/').toStdString();
+  }
 }
 
 TEST_F(Editor, PrintsTheDocumentFromTheClipboard) {

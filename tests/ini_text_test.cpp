@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
+#include <tuple>
+
 #include "IniTreeProbe.h"
 #include "ini/IniReader.h"
 #include "ini/IniWriter.h"
@@ -20,6 +24,7 @@ std::string Told(const IniReadResult& result) {
   tell("lost ", result.lines_not_read);
   tell("blank ", result.blank_lines_dropped);
   tell("overwritten ", result.nodes_overwritten);
+  tell("cut ", result.cut_headers);
   return told + (result.sections_reordered ? "sections " : "") + (result.entries_reordered ? "entries " : "");
 }
 
@@ -55,7 +60,7 @@ TEST(IniReader, ReadsFiles) {
       {"[ a ]\r\n x = 1 \r\n\tb\r\n [b]\r\n \r\n ;c\r\n", "[ a |\tb| | ;c| [b]| x = 1 ]", "entries "},
       {"[s]\n\0\n=\xFF\n\xC3\n"s, "[s|\0|=\xFF|\xC3]"s},
       // A header loses its last character, whatever it is.
-      {"[Boot\n[]\n[b]]\n[c] x\n[d\xC3\xA9\n", "[][b]][Boo][c] ][d]", "sections "},
+      {"[Boot\n[]\n[b]]\n[c] x\n[d\xC3\xA9\n", "[][b]][Boo][c] ][d]", "cut 3 sections "},
       {"[", "[]"},
       // Comments, lines without "=", letter case.
       {"[s]\n;c=1\nplain\n==\n", "[s|(;c=1)|==|plain]", "entries "},
@@ -114,6 +119,39 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
   EXPECT_FALSE(tree.Root()->Expanded());
   EXPECT_EQ(mirror.resets, 2);
   mirror.Check();
+}
+
+TEST(IniWriter, SaysWhatAReaderWouldNotTakeBack) {
+  using T = IniTree&;
+  const auto change = [](const char* from, const char* to) {
+    return [=](T tree) { tree.SetText(FindNode(tree, from), to); };
+  };
+  const std::tuple<const char*, std::function<void(T)>, IniReadBack> cases[] = {
+      {";c\n[a]\nx\n;d\n", [](T) {}, {}},
+      {"[a]\nx\n",
+       [](T t) { t.AddEntry(t.Root(), ";c", IniTag::Comments), t.AddEntry(t.Root(), ";d", IniTag::Comments); },
+       {.ends_at_line = 2}},
+      {";c\n[a]\nx\n", change(";c", "c"), {.ends_at_line = 1}},
+      {";c\n[a]\nx\n", change(";c", "[c"), {.headers = 1}},
+      {"[a]\nx\n;d\n", change("x", "[x=1"), {.headers = 1}},
+      {"[a]\nx\n;d\n", change(";d", "d"), {.other_kinds = 1}},
+      {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), ";p", IniTag::Value); }, {.other_kinds = 1}},
+      {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), "", IniTag::Value); }, {.blank_entries = 1}},
+      {"[a]\n[b]\n[c]\n", change("b", "a"), {.doubles = 1}},
+  };
+  for (const auto& [file, edit, expected] : cases) {
+    IniTree tree;
+    ReadInto(tree, file);
+    edit(tree);
+    const IniReadBack back = ReadBackOf(tree);
+    const auto counts = [](const IniReadBack& b) {
+      return std::array{b.ends_at_line, b.headers, b.doubles, b.other_kinds, b.blank_entries};
+    };
+    EXPECT_EQ(counts(back), counts(expected)) << WriteIni(tree);
+    IniTree again;
+    ReadInto(again, WriteIni(tree));
+    EXPECT_EQ(Dump(again) == Dump(tree), back.IsSame()) << Dump(again);
+  }
 }
 
 TEST(IniWriter, WritesWhatTheTreeShows) {

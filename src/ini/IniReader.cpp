@@ -74,7 +74,10 @@ bool IniReader::TakeLine(std::string_view line) {
     ++blank_lines_;
     return true;
   }
-  if (IsHeader(line)) return StartSection(HeaderName(line));
+  if (IsHeader(line)) {
+    if (line.size() > 1 && !line.ends_with(']')) ++result_.cut_headers;
+    return StartSection(HeaderName(line));
+  }
   if (section_ == nullptr) {
     EndBefore(IniReadEnd::LineNotTaken, lines_.Number());
     return false;

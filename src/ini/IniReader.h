@@ -45,6 +45,8 @@ struct IniReadResult {
   std::uint64_t blank_lines_dropped = 0;
   /// Nodes that the overwrite answer of the duplicate question removed.
   std::uint64_t nodes_overwritten = 0;
+  /// Section headers whose last character was dropped although it was no "]".
+  std::uint64_t cut_headers = 0;
   /// The sections stand in the file in another order than in the tree.
   bool sections_reordered = false;
   /// The entries of at least one section do.

@@ -1,6 +1,7 @@
 #include "ini/IniWriter.h"
 
 #include <string_view>
+#include <unordered_set>
 
 #include "ini/IniTree.h"
 
@@ -44,6 +45,38 @@ std::string WriteIni(const IniTree& tree) {
   }
   AppendSections(out, root);
   return out;
+}
+
+IniReadBack ReadBackOf(const IniTree& tree) {
+  IniReadBack back;
+  const IniNode& root = *tree.Root();
+  std::uint64_t line = 0;
+  std::unordered_set<std::string_view> names;
+  for (int row = 0; row < root.ChildCount() && back.ends_at_line == 0; ++row) {
+    const IniNode& comment = *root.Child(row);
+    if (comment.Tag() != IniTag::Comments) continue;
+    ++line;
+    if (comment.Text().starts_with('['))
+      ++back.headers;
+    else if (back.headers == 0 && (line > 1 || !comment.Text().starts_with(';')))
+      back.ends_at_line = line;
+  }
+  if (back.ends_at_line > 0) return back;
+  for (int row = 0; row < root.ChildCount(); ++row) {
+    const IniNode& section = *root.Child(row);
+    if (section.Tag() != IniTag::Section) continue;
+    if (!names.insert(section.Text()).second) ++back.doubles;
+    for (int entry = 0; entry < section.ChildCount(); ++entry) {
+      const IniNode& node = *section.Child(entry);
+      if (node.Text().empty())
+        ++back.blank_entries;
+      else if (node.Text().front() == '[')
+        ++back.headers;
+      else if ((node.Text().front() == ';') != (node.Tag() == IniTag::Comments))
+        ++back.other_kinds;
+    }
+  }
+  return back;
 }
 
 std::string ClipboardText(const IniNode& node) {

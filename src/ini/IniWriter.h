@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace tme {
@@ -10,6 +11,25 @@ class IniTree;
 /// The whole document as INI text in UTF-8, CR LF: comments of the root first, each on its own line, then each section
 /// as its header, its children and one empty line.
 std::string WriteIni(const IniTree& tree);
+
+/// What the reader would make of a written file otherwise than the tree has it. Reading a file makes none of this;
+/// pasting and editing do.
+struct IniReadBack {
+  /// 1-based line that the read would end at: above the sections, a second comment or a line that is none. 0 for none.
+  /// What comes after it is not counted below.
+  std::uint64_t ends_at_line = 0;
+  /// Entries and comments that begin with "[".
+  std::uint64_t headers = 0;
+  /// Sections with the name of an earlier one.
+  std::uint64_t doubles = 0;
+  /// Entries that begin with ";" and comments that do not.
+  std::uint64_t other_kinds = 0;
+  /// Entries without any text.
+  std::uint64_t blank_entries = 0;
+  bool IsSame() const { return ends_at_line + headers + doubles + other_kinds + blank_entries == 0; }
+};
+/// Linear.
+IniReadBack ReadBackOf(const IniTree& tree);
 
 /// What the clipboard gets for a node. Root: every section as in WriteIni, comments of the root left out. Section: its
 /// header and children, no empty line. Entry: its text, no line end. Comment: empty.

@@ -194,7 +194,8 @@ void form_INI::TV_NodeClick() {
   const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section;
   cmd_DeleteSection->setEnabled(on_section);
   cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
-  cmd_AddValue->setEnabled(tag != IniTag::OpenedFile);
+  const IniNode* parent = tree_.Selected()->Parent();
+  cmd_AddValue->setEnabled(on_section || (parent != nullptr && parent != tree_.Root()));
   cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
   if (global_.frame->ActiveDocument() != this) return;
   GlobalMenus& menus = global_.frame->Menus();
@@ -248,6 +249,7 @@ void form_INI::OpenINI() {
   MarkClean();
   RecordOpened();
   AddNotice(NoticeOf(result, tr("The file")));
+  SetLeftOut(LeftOutOf(result));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();
   if (!sub_window->isMinimized() && !sub_window->isMaximized())
@@ -309,6 +311,7 @@ bool form_INI::WriteTo(const QString& path) {
   TextFormat format = format_;
   if (!WriteDocument(path, &format, Producer())) return false;
   AddEncodingNotice(format_.encoding, format.encoding);
+  AddNotice(NoticeOf(tree_));
   format_ = format;
   return true;
 }

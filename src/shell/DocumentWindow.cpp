@@ -1,5 +1,6 @@
 #include "shell/DocumentWindow.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include "platform/FilePath.h"
 #include "shell/DigestingSteps.h"
 #include "shell/Global.h"
+#include "shell/GlobalMenus.h"
 #include "shell/History.h"
 #include "shell/PlainText.h"
 #include "shell/RecentFiles.h"
@@ -60,6 +62,8 @@ void DocumentWindow::TakeSlot() {
   disk_stamp_.reset();
   own_digest_.clear();
   told_stamp_.reset();
+  left_out_.clear();
+  said_left_out_.clear();
 }
 
 std::optional<std::string> DocumentWindow::TakeSlotBytes() {
@@ -135,6 +139,24 @@ void DocumentWindow::AddNotice(const QString& sentence, std::vector<NoticeAction
 
 void DocumentWindow::ClearNotice() { notice_bar_->Clear(); }
 
+NoticeAction DocumentWindow::FileHistoryButton() {
+  return {tr("File History"), [this] {
+            global_.frame->Activate(*this);
+            global_.frame->Menus().Action(u"menu_ToolsHistory"_s)->trigger();
+          }};
+}
+
+void DocumentWindow::SayLeftOut(const QString& path, bool old_bytes_are_kept) {
+  const QString what = std::exchange(left_out_, {});
+  if (what.isEmpty()) return;
+  if (path != Origin().path)
+    return AddNotice(tr("Not in this file, or in another form: %1. %2 has it as it was.").arg(what, Origin().title));
+  const QString said = tr("The save left out, or wrote in another form: %1.").arg(what);
+  if (!old_bytes_are_kept) return AddNotice(said);
+  said_left_out_ = said + u' ' + tr("File History has the file as it was.");
+  AddNotice(said_left_out_, {FileHistoryButton()});
+}
+
 void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after) {
   if (before == after) return;
   AddNotice(tr("The file is now written as UTF-8, because %1 has no place for some of its characters.")
@@ -158,8 +180,9 @@ ContentOrigin DocumentWindow::Origin() const {
   return {kind_, Slot().path, title};
 }
 
-bool DocumentWindow::KeepUnsaved() {
-  if (tag_.isEmpty() || !IsTouched()) return true;
+bool DocumentWindow::KeepUnsaved() { return tag_.isEmpty() || !IsTouched() || KeepContent(); }
+
+bool DocumentWindow::KeepContent() {
   try {
     return !global_.history.Keep(Origin(), KeptReason::NotSaved, Content());
   } catch (const std::bad_alloc&) {
@@ -240,7 +263,10 @@ bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, cons
   }
   disk_stamp_ = StampOf(file);
   own_digest_ = steps.Digest();
+  const bool says_left_out = !said_left_out_.isEmpty() && notice_bar_->Text().contains(said_left_out_);
   ClearNotice();  // what stood there was about the document before
+  if (says_left_out) AddNotice(said_left_out_, {FileHistoryButton()});
+  SayLeftOut(path, !replaced.not_kept);
   if (was_gone) AddNotice(tr("The file was no longer on the disk; the save made it anew."));
   if (replaced.is_foreign && !replaced.not_kept)
     AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));

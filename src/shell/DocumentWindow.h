@@ -43,6 +43,10 @@ class DocumentWindow : public QWidget {
   /// Not before a file is wholly read, which may take a question to the user.
   bool IsTouched() const { return !being_read_ && Revision() != clean_revision_; }
 
+  /// Whether the document holds all that its file does. Not so where the reader left something out or took it in
+  /// another form, until a save made the file what the document holds.
+  bool HoldsWholeFile() const { return left_out_.isEmpty(); }
+
   /// The bytes that a save would write now; for what the file's form cannot hold, those that make the document again.
   virtual std::string Content() = 0;
   /// Makes the window's document from bytes, as opening a file of them would, and marks it changed. Name and path stay.
@@ -102,6 +106,14 @@ class DocumentWindow : public QWidget {
   void SetChanged(bool changed);
 
   void ClearNotice();
+  /// What reading the slot's file left out, as a list for the middle of a sentence ("1 comment, 2 blank lines"); empty
+  /// for nothing, as after TakeSlot. The first save says it, with the way to the file as it was; that notice outlasts
+  /// later saves.
+  void SetLeftOut(const QString& what) { left_out_ = what; }
+  /// A button that opens File History at this document's file.
+  NoticeAction FileHistoryButton();
+  /// The content joins the history as one that reached no file. False when it could not.
+  bool KeepContent();
   /// Writes the document to a file, whole or not at all, in the given encoding (which may have to change) or, without a
   /// format, the parts as they are. What the file held before joins the history first; where the folder allows no whole
   /// write, the file is then written in place. On a failure: the message.
@@ -143,6 +155,8 @@ class DocumentWindow : public QWidget {
   /// Keeps it in the history, unless it is what this document wrote.
   Replaced KeepReplaced(const ContentOrigin& target);
   FileSteps& Steps() const;
+  /// After a save to a path: what was read from the slot's file and is not in the one that was written.
+  void SayLeftOut(const QString& path, bool old_bytes_are_kept);
 
   /// The document's name while a save under a new one leaves the slot without.
   std::optional<ContentOrigin> named_;
@@ -153,6 +167,10 @@ class DocumentWindow : public QWidget {
   QByteArray own_digest_;
   /// The state of the disk that the user was told of; the inner one is empty for a file that is gone.
   std::optional<std::optional<FileStamp>> told_stamp_;
+  /// As SetLeftOut got it; empty from the first save on.
+  QString left_out_;
+  /// What that save said of it; empty when there was nothing to say.
+  QString said_left_out_;
   QVBoxLayout* layout_ = nullptr;
   NoticeBar* notice_bar_ = nullptr;
 };
