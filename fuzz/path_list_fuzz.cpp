@@ -15,14 +15,16 @@ QString WithoutSpaces(QString text) {
 void Run(std::string_view input) {
   const unsigned files = TakeByte(input);
   const auto exists = [files](const QString& path) { return ((files >> (path.size() % 8)) & 1) != 0; };
-  const QString text = QString::fromUtf8(input.data(), static_cast<qsizetype>(input.size())).trimmed();
+  const QString text = QString::fromUtf8(input.data(), static_cast<qsizetype>(input.size()));
 
   QString rest = text;
   QString taken;
   while (!rest.isEmpty()) {
     const qsizetype before = rest.size();
     const QString path = TakePath(rest, exists);
-    Promise(!path.isEmpty() && !path.front().isSpace(), "a path begins with a character that is seen");
+    const bool is_whole = before == text.size() && path == text && exists(text);
+    Promise(is_whole || path == path.trimmed(), "a path begins and ends with a character that is seen");
+    Promise(!path.isEmpty() || (rest.isEmpty() && WithoutSpaces(text).isEmpty()), "and has one");
     Promise(rest.size() < before && rest == rest.trimmed(), "what is left is shorter, and trimmed");
     if (path.contains(u' ')) Promise(rest.isEmpty() && exists(path), "a path with blanks is a file, and the last one");
     taken += path;

@@ -25,6 +25,9 @@ TEST(CommandLine, IsOneTextUnlessItHoldsQuotationMarks) {
               {"C:\\Program Files\\TME\\TME.EXE", {}},
               {"tme \"C:\\a b.ini\" C:\\c.ini", {u"C:\\a b.ini"_s, u"C:\\c.ini"_s}},
               {"tme C:\\x.ini \"C:\\a\\\\\" \"\" \"half", {u"C:\\x.ini"_s, u"C:\\a\\"_s, u"half"_s}},
+              {"tme -- C:\\a b.ini", {u"C:\\a b.ini"_s}},
+              {"tme -- \"--help\"", {u"--help"_s}},
+              {"tme --", {}},
               {"\"tme", {}}};
   for (const auto& [line, texts] : rows) EXPECT_EQ(CommandLineTexts(QString::fromUtf8(line), program), texts) << line;
 }

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <QLocalSocket>
@@ -11,6 +13,7 @@
 #include <future>
 
 #include "WaitFor.h"
+#include "platform/InstanceClaim_linux.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -23,7 +26,7 @@ constexpr std::uint32_t kHandle = 4000000001u;
 
 class Instance : public testing::Test {
  protected:
-  Instance() { qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime_.path())); }
+  Instance() { qputenv("XDG_CONFIG_HOME", QFile::encodeName(config_.path())); }
 
   /// Runs in a process of its own, which ends with what it returns.
   static pid_t Fork(int (*work)()) {
@@ -31,22 +34,24 @@ class Instance : public testing::Test {
     if (process == 0) ::_exit(work());
     return process;
   }
-  static std::future<bool> Send(const QByteArray& data) {
-    return std::async(std::launch::async, [data] { return InstanceLink::Send(kHandle, {3, data}); });
+  static std::future<Delivery> Send(const QByteArray& data, std::uint32_t meaning = 3) {
+    return std::async(std::launch::async, [data, meaning] { return InstanceLink::Send(kHandle, {meaning, data}); });
   }
-  static bool IsDone(const std::future<bool>& sent) { return sent.wait_for(0s) == std::future_status::ready; }
+  static bool IsDone(const std::future<Delivery>& sent) { return sent.wait_for(0s) == std::future_status::ready; }
 
   /// Sends what it likes.
   void Connect(QLocalSocket& sender, const QByteArray& bytes) const {
-    sender.connectToServer(runtime_.path() + u"/tme/tme-%1"_s.arg(kHandle));
+    sender.connectToServer(Endpoint());
     EXPECT_EQ(sender.write(bytes), bytes.size());
   }
 
   QByteArrayList received_;
   std::function<void(const CopyData&)> receive_ = [this](const CopyData& record) { received_ += record.data; };
 
- private:
-  QTemporaryDir runtime_;
+  QString Settings() const { return config_.filePath(u"TamarindEditor"_s); }
+  QString Endpoint() const { return Settings() + u'/' + EndpointName(Settings(), QString::number(kHandle)); }
+
+  QTemporaryDir config_;
 };
 
 TEST(CopyDataRecord, RefusesWhatIsNotWhole) {
@@ -58,6 +63,8 @@ TEST(CopyDataRecord, RefusesWhatIsNotWhole) {
   EXPECT_TRUE(UnpackCopyData(PackCopyData({3, QByteArray(255, 'x')})));
   EXPECT_FALSE(UnpackCopyData(PackCopyData({3, QByteArray(256, 'x')})));
   EXPECT_FALSE(UnpackCopyData("\x03\0\0\0\0\0\0\0\x0D\0\0\0"_ba));
+  EXPECT_TRUE(UnpackCopyData(PackCopyData({kLongData, QByteArray(kMaxLongDataBytes, 'x')})));
+  EXPECT_FALSE(UnpackCopyData(PackCopyData({kLongData, QByteArray(kMaxLongDataBytes + 1, 'x')})));
 }
 
 TEST_F(Instance, ClaimEndsWithTheProcessThatHoldsIt) {
@@ -80,29 +87,70 @@ TEST_F(Instance, ClaimEndsWithTheProcessThatHoldsIt) {
   ::waitpid(first, nullptr, 0);
 }
 
+TEST_F(Instance, ClaimTellsTheEndpointWhereverItLies) {
+  const auto reach = [](std::optional<std::uint32_t> handle) {
+    auto sent = std::async(std::launch::async, [handle] { return InstanceLink::Send(handle, {3, "x"_ba}); });
+    WaitFor([&] { return IsDone(sent); });
+    return sent.get();
+  };
+  for (const bool settings_are_there : {true, false}) {
+    if (!settings_are_there) {
+      QDir(Settings()).removeRecursively();
+      EXPECT_TRUE(QFile(Settings()).open(QIODevice::WriteOnly));
+    }
+    InstanceLink link;
+    EXPECT_TRUE(link.ClaimOnlyInstance());
+    for (const char* runtime : {"", "/nowhere", "/tmp"}) {
+      qputenv("XDG_RUNTIME_DIR", runtime);
+      EXPECT_FALSE(InstanceLink().ClaimOnlyInstance()) << runtime;
+    }
+    ASSERT_TRUE(link.Listen(kHandle, receive_));
+    EXPECT_EQ(reach(std::nullopt), Delivery::DealtWith);
+    EXPECT_EQ(reach(5), Delivery::DealtWith) << "another machine's handle";
+    const QStringList left = QDir(Settings()).entryList(QDir::Files | QDir::System);
+    EXPECT_EQ(left.size(), settings_are_there ? 2 : 0);
+  }
+  EXPECT_EQ(reach(std::nullopt), Delivery::NobodyThere);
+}
+
+TEST_F(Instance, WhatLiesInTheWayOfTheClaimHoldsNobodyUp) {
+  ASSERT_TRUE(QDir().mkpath(Settings()));
+  QString claim;
+  {
+    InstanceLink link;
+    ASSERT_TRUE(link.ClaimOnlyInstance());
+    claim = Settings() + u'/' + QDir(Settings()).entryList({u"*.lock"_s}).value(0);
+  }
+  EXPECT_FALSE(QFile::exists(claim)) << "nothing is left";
+  ASSERT_EQ(::mkfifo(QFile::encodeName(claim).constData(), 0600), 0);
+  InstanceLink link;
+  EXPECT_TRUE(link.ClaimOnlyInstance());
+  EXPECT_FALSE(InstanceLink().ClaimOnlyInstance()) << "the next folder has it";
+}
+
 TEST_F(Instance, HandsOverAndTakesTheEndpointOfADeadProcess) {
-  EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "early"_ba}));
+  EXPECT_EQ(InstanceLink::Send(kHandle, {3, "early"_ba}), Delivery::NobodyThere);
   const pid_t dead = Fork([] {
     InstanceLink link;
     return link.Listen(kHandle, [](const CopyData&) {}) ? ::raise(SIGKILL) : 1;
   });
   ::waitpid(dead, nullptr, 0);
-  EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "x"_ba})) << "nobody behind it, and no waiting";
+  EXPECT_EQ(InstanceLink::Send(kHandle, {3, "x"_ba}), Delivery::NobodyThere) << "nobody behind it, and no waiting";
 
   InstanceLink link;
   ASSERT_TRUE(link.Listen(kHandle, receive_));
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
   WaitFor([&] { return IsDone(sent); });
-  EXPECT_TRUE(sent.get());
+  EXPECT_EQ(sent.get(), Delivery::DealtWith);
   EXPECT_EQ(received_, QByteArrayList{longest});
   link.StopListening();
-  EXPECT_FALSE(InstanceLink::Send(kHandle, {3, "late"_ba}));
+  EXPECT_EQ(InstanceLink::Send(kHandle, {3, "late"_ba}), Delivery::NobodyThere);
 }
 
 TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   InstanceLink link;
-  std::future<bool> second;
+  std::future<Delivery> second;
   ASSERT_TRUE(link.Listen(kHandle, [&](const CopyData& record) {
     received_ += record.data + " begins";
     if (record.data == "1") {
@@ -129,6 +177,16 @@ TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
   EXPECT_EQ(received_, QByteArrayList{"1"_ba});
 }
 
+TEST_F(Instance, FrameThatHangsIsNobodyAndOpensNothingLater) {
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(kHandle, receive_));
+  EXPECT_EQ(InstanceLink::Send(kHandle, {3, "given up"_ba}), Delivery::NobodyThere) << "no event loop runs meanwhile";
+  const QByteArray text(100'000, 'x');
+  const auto sent = Send(text, kLongData);
+  WaitFor([&] { return IsDone(sent); });
+  EXPECT_EQ(received_, QByteArrayList{text});
+}
+
 TEST_F(Instance, MayGoWhileItReceives) {
   auto link = std::make_unique<InstanceLink>();
   ASSERT_TRUE(link->Listen(kHandle, [&](const CopyData&) {
@@ -137,7 +195,7 @@ TEST_F(Instance, MayGoWhileItReceives) {
   }));
   auto sent = Send("x"_ba);
   WaitFor([&] { return IsDone(sent); });
-  EXPECT_FALSE(sent.get());
+  EXPECT_EQ(sent.get(), Delivery::NobodyThere);
 }
 
 TEST_F(Instance, HostileSendersHarmNobody) {

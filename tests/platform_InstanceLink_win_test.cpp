@@ -19,13 +19,16 @@ using namespace std::chrono_literals;
 /// A window of the system's own, since the tests' frames have none.
 class Instance : public testing::Test {
  protected:
+  Instance() { AwaitSystemTurn(); }  // another's frame would be found
   ~Instance() override { ::DestroyWindow(window_); }
 
   std::uint32_t Handle() const { return static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(window_)); }
-  std::future<bool> Send(const QByteArray& data) const {
-    return std::async(std::launch::async, [data, handle = Handle()] { return InstanceLink::Send(handle, {3, data}); });
+  std::future<Delivery> Send(const QByteArray& data, std::uint32_t meaning = 3) const {
+    return std::async(std::launch::async, [data, meaning, handle = Handle()] {
+      return InstanceLink::Send(handle, {meaning, data});
+    });
   }
-  static bool IsDone(const std::future<bool>& sent) { return sent.wait_for(0s) == std::future_status::ready; }
+  static bool IsDone(const std::future<Delivery>& sent) { return sent.wait_for(0s) == std::future_status::ready; }
   /// As another program may send it.
   LRESULT SendRaw(ULONG_PTR meaning, QByteArray data) const {
     COPYDATASTRUCT record{meaning, static_cast<DWORD>(data.size()), data.data()};
@@ -40,7 +43,6 @@ class Instance : public testing::Test {
 };
 
 TEST_F(Instance, ClaimIsOfOne) {
-  AwaitSystemTurn();
   auto first = std::make_unique<InstanceLink>();
   InstanceLink second;
   EXPECT_TRUE(first->ClaimOnlyInstance() && first->ClaimOnlyInstance());
@@ -51,8 +53,8 @@ TEST_F(Instance, ClaimIsOfOne) {
 
 TEST_F(Instance, HandsOverToAHookedFrameOnly) {
   ASSERT_NE(window_, nullptr);
-  EXPECT_FALSE(InstanceLink::Send(Handle(), {3, "a window without a frame"}));
-  EXPECT_FALSE(InstanceLink::Send(0xFFFFFF0, {3, "no window"}));
+  EXPECT_EQ(InstanceLink::Send(Handle(), {3, "a window without a frame"}), Delivery::NobodyThere);
+  EXPECT_EQ(InstanceLink::Send(0xFFFFFF0, {3, "no window"}), Delivery::NobodyThere);
   const auto before = ::GetWindowLongPtrW(window_, GWLP_WNDPROC);
   InstanceLink link;
   ASSERT_TRUE(link.Listen(Handle(), receive_));
@@ -60,7 +62,7 @@ TEST_F(Instance, HandsOverToAHookedFrameOnly) {
   const QByteArray longest(255, 'x');
   auto sent = Send(longest);
   WaitFor([&] { return IsDone(sent); });
-  EXPECT_TRUE(sent.get());
+  EXPECT_EQ(sent.get(), Delivery::DealtWith);
   SendRaw(4, "of another meaning");
   SendRaw(3, QByteArray(300, 'y'));
   SendRaw(3, {});
@@ -71,12 +73,29 @@ TEST_F(Instance, HandsOverToAHookedFrameOnly) {
   EXPECT_EQ(::GetWindowTextLengthW(window_), 9);
   link.StopListening();
   EXPECT_EQ(::GetWindowLongPtrW(window_, GWLP_WNDPROC), before);
-  EXPECT_FALSE(InstanceLink::Send(Handle(), {3, "late"}));
+  EXPECT_EQ(InstanceLink::Send(Handle(), {3, "late"}), Delivery::NobodyThere);
+}
+
+TEST_F(Instance, LongRecordsArriveWholeAndAFrameIsFoundWithoutItsHandle) {
+  InstanceLink link;
+  ASSERT_TRUE(link.Listen(Handle(), receive_));
+  const QByteArray text(5000, 'x');
+  auto sent = Send(text, kLongData);
+  WaitFor([&] { return IsDone(sent); });
+  EXPECT_EQ(sent.get(), Delivery::DealtWith);
+  auto lost = std::async(std::launch::async, [] { return InstanceLink::Send(std::nullopt, {3, "lost"}); });
+  WaitFor([&] { return IsDone(lost); });
+  EXPECT_EQ(lost.get(), Delivery::DealtWith);
+  EXPECT_EQ(SendRaw(kLongData, QByteArray(kMaxLongDataBytes + 1, 'x')), FALSE);
+  EXPECT_EQ(received_, (QByteArrayList{QByteArray::number(kLongData) + ':' + text, "3:lost"}));
+
+  link.StopListening();
+  EXPECT_EQ(SendRaw(kLongData, text), FALSE) << "who does not know the record does not take it";
 }
 
 TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   InstanceLink link;
-  std::future<bool> second;
+  std::future<Delivery> second;
   ASSERT_TRUE(link.Listen(Handle(), [&](const CopyData& record) {
     received_ += record.data + " begins";
     if (record.data == "1") {

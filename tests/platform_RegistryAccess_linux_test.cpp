@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
 
 #include "platform/RegistryAccess.h"
 
@@ -91,6 +95,42 @@ TEST_F(Registry, LivesWithAStoreThatCannotBeWritten) {
   ASSERT_TRUE(in_the_way.remove());
   EXPECT_FALSE(registry.Flush()) << "what waited has got there";
   EXPECT_TRUE(QFile(failure->place).size() > 0);
+}
+
+TEST_F(Registry, NothingInItsWayMakesItWait) {
+  const QString folder = Root() + "/TamarindEditor"_L1, path = folder + "/registry.ini"_L1;
+  const QByteArray name = QFile::encodeName(path);
+  const auto put = [](const QString& file, const QByteArray& bytes) {
+    QFile out(file);
+    EXPECT_TRUE(out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size());
+  };
+  const struct {
+    std::function<void()> lay;
+    QString reason;
+  } rows[] = {{[&] { ::mkfifo(name.constData(), 0600); },
+               u"It is a pipe or a device and no file, so that nothing was read from it either"_s},
+              {[&] { QDir().mkpath(path); }, u"It is a folder, so that nothing was read from it either"_s},
+              {[&] { EXPECT_TRUE(QFile(path).open(QIODevice::WriteOnly) && QFile(path).resize(200'000'000)); },
+               u"It is larger than 4 MB, so that nothing was read from it either"_s},
+              {[&] { put(path + ".lock"_L1, "4711\ntme\nelsewhere\n\n\n"); },
+               u"Process 4711 of elsewhere has locked it (%1.lock)"_s.arg(path)},
+              {[&] { ::mkfifo((name + ".lock").constData(), 0600); },
+               u"%1.lock is in the way, which is no lock of the editor's"_s.arg(path)}};
+  for (const auto& [lay, reason] : rows) {
+    QDir(folder).removeRecursively();
+    ASSERT_TRUE(QDir().mkpath(folder));
+    lay();
+    const QDeadlineTimer end(3000);
+    RegistryAccess registry;
+    for (const char* key : {"A", "B", "C"}) EXPECT_FALSE(registry.CreateKey(key_ + QLatin1StringView(key)));
+    registry.WriteValue(key_, u"x"_s, reg_sz_, u"1"_s);
+    EXPECT_EQ(registry.ReadValue(key_, u"x"_s), u"1");
+    EXPECT_EQ(registry.ReadValue(key_, u"y"_s), u"");
+    const std::optional<StoreFailure> failure = registry.Flush();
+    ASSERT_TRUE(failure) << reason.toStdString();
+    EXPECT_EQ(failure->reason, reason);
+    EXPECT_FALSE(end.hasExpired()) << reason.toStdString();
+  }
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ TEST_F(Editor, HandedOverTextIsOpened) {
   ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
   EXPECT_EQ(Ini(0).Slot().path, path) << "cut at the zero byte";
   const QString odd_name = u"\xFEFF.ini"_s;
-  EXPECT_EQ(CommandLineOf(CommandLineRecord(odd_name)), odd_name);
+  EXPECT_EQ(CommandLineOf(CommandLineRecord(odd_name))->text, odd_name);
 }
 
 TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {

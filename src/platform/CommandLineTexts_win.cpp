@@ -43,7 +43,8 @@ QStringList SplitBySystem(const QString& arguments) {
 
 QStringList CommandLineTexts(const QString& command_line, const QString& program) {
   const QString rest = command_line.mid(ProgramNameSize(command_line, program));
-  const QString text = rest.trimmed();
+  QString text = rest.trimmed();
+  if (text == "--"_L1 || text.startsWith("-- "_L1)) text = text.mid(2).trimmed();  // what follows is no option
   QStringList texts = text.contains(u'"') ? SplitBySystem(text) : QStringList(text);
   texts.removeAll(QString());
   if (texts.size() == 1 && !IsFile(text)) {

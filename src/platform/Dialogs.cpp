@@ -1,5 +1,6 @@
 #include "platform/Dialogs.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCursor>
 #include <QInputDialog>
@@ -52,6 +53,8 @@ QMessageBox::StandardButtons BoxButtons(MsgButtons buttons) {
       return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
     case MsgButtons::OkCancel:
       return QMessageBox::Ok | QMessageBox::Cancel;
+    case MsgButtons::TryAgainCancel:
+      return QMessageBox::Retry | QMessageBox::Cancel;
   }
   return QMessageBox::Ok;
 }
@@ -64,6 +67,7 @@ QMessageBox::StandardButton EscapeButton(MsgButtons buttons) {
       return QMessageBox::No;
     case MsgButtons::YesNoCancel:
     case MsgButtons::OkCancel:
+    case MsgButtons::TryAgainCancel:
       return QMessageBox::Cancel;
   }
   return QMessageBox::Ok;
@@ -92,6 +96,8 @@ MsgAnswer AnswerOf(int button) {
       return MsgAnswer::No;
     case QMessageBox::Cancel:
       return MsgAnswer::Cancel;
+    case QMessageBox::Retry:
+      return MsgAnswer::TryAgain;
     default:
       return MsgAnswer::Ok;
   }
@@ -125,8 +131,11 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
   // The texts' line breaks are bare carriage returns.
   box->setText(Breakable(QString(text).replace(u'\r', u'\n')));
   box->setStandardButtons(BoxButtons(buttons));
+  if (QAbstractButton* retry = box->button(QMessageBox::Retry))
+    retry->setText(QCoreApplication::translate("Dialogs", "&Try Again"));
   const bool asks = buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel;
   box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
+  if (buttons == MsgButtons::TryAgainCancel) box->setDefaultButton(QMessageBox::Retry);
   box->setEscapeButton(EscapeButton(buttons));
   const int button = box->exec();
   return AnswerOf(box ? button : EscapeButton(buttons));

@@ -5,10 +5,10 @@
 
 namespace tme {
 
-enum class MsgButtons : std::uint8_t { Ok, YesNo, YesNoCancel, OkCancel };
+enum class MsgButtons : std::uint8_t { Ok, YesNo, YesNoCancel, OkCancel, TryAgainCancel };
 /// Program: the program's own icon.
 enum class MsgIcon : std::uint8_t { None, Information, Question, Warning, Program };
-enum class MsgAnswer : std::uint8_t { Ok, Yes, No, Cancel };
+enum class MsgAnswer : std::uint8_t { Ok, Yes, No, Cancel, TryAgain };
 
 /// Modal questions to the user. Virtual, so that a test can answer instead.
 class Dialogs {

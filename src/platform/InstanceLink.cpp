@@ -15,16 +15,18 @@ QByteArray PackCopyData(const CopyData& record) {
 bool IsBeginningOfRecord(const QByteArray& bytes) {
   if (bytes.size() < kCopyDataHeaderBytes) return true;
   const auto data_size = qFromLittleEndian<quint32>(bytes.constData() + 4);
-  return data_size <= kMaxCopyDataBytes && bytes.size() < kCopyDataHeaderBytes + static_cast<qsizetype>(data_size);
+  const auto most = MaxDataBytes(qFromLittleEndian<quint32>(bytes.constData()));
+  return data_size <= most && bytes.size() < kCopyDataHeaderBytes + static_cast<qsizetype>(data_size);
 }
 
 std::optional<CopyData> UnpackCopyData(const QByteArray& bytes) {
   if (bytes.size() < kCopyDataHeaderBytes) return std::nullopt;
   const auto data_size = qFromLittleEndian<quint32>(bytes.constData() + 4);
   const auto offset = qFromLittleEndian<quint32>(bytes.constData() + 8);
-  if (data_size > kMaxCopyDataBytes || offset != kCopyDataHeaderBytes) return std::nullopt;
+  const auto meaning = qFromLittleEndian<quint32>(bytes.constData());
+  if (data_size > MaxDataBytes(meaning) || offset != kCopyDataHeaderBytes) return std::nullopt;
   if (bytes.size() != kCopyDataHeaderBytes + static_cast<qsizetype>(data_size)) return std::nullopt;
-  return CopyData{qFromLittleEndian<quint32>(bytes.constData()), bytes.mid(kCopyDataHeaderBytes)};
+  return CopyData{meaning, bytes.mid(kCopyDataHeaderBytes)};
 }
 
 }  // namespace tme

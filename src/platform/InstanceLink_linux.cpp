@@ -1,10 +1,10 @@
-#include <fcntl.h>
-#include <sys/file.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -14,11 +14,11 @@
 #include <QTimer>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <deque>
 #include <utility>
 
+#include "platform/InstanceClaim_linux.h"
 #include "platform/InstanceLink.h"
 
 namespace tme {
@@ -33,27 +33,11 @@ constexpr std::chrono::seconds kRecordPatience{10};
 constexpr std::chrono::milliseconds kHourglassPause{50};
 /// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
 constexpr mode_t kKeptOwnerOnly = 01600;
-
-/// Owned by this user, and nobody else has any of the rights.
-bool IsOwnFolder(const QString& path, mode_t refused_rights) {
-  struct stat status {};
-  return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
-         status.st_uid == ::geteuid() && (status.st_mode & refused_rights) == 0;
-}
-
-/// A folder that only this user can enter; empty when there is none.
-QString PrivateFolder() {
-  QString folder = QDir::tempPath() + u"/tme-%1"_s.arg(::geteuid());
-  const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-  if (QDir::isAbsolutePath(runtime)) {
-    const QString real = QFileInfo(runtime).canonicalFilePath();
-    if (!real.isEmpty() && IsOwnFolder(real, 0022)) folder = real + "/tme"_L1;
-  }
-  ::mkdir(QFile::encodeName(folder).constData(), 0700);
-  return IsOwnFolder(folder, 0077) ? folder : QString();
-}
-
-QString SocketPath(const QString& folder, std::uint32_t handle) { return u"%1/tme-%2"_s.arg(folder).arg(handle); }
+/// As many launches as a file manager may start at once wait their turn (the system's own bound is 4096).
+constexpr int kBacklog = 4096;
+/// What a sender is told: the record has come whole, it was dealt with.
+constexpr char kTaken = 2;
+constexpr char kDone = 1;
 
 bool IsPeerThisUser(int descriptor) {
   ucred peer{};
@@ -76,6 +60,7 @@ class Listener : public QObject {
   bool Start(const QString& path) {
     QLocalServer::removeServer(path);  // left over from a process that died
     server_.setSocketOptions(QLocalServer::UserAccessOption);
+    server_.setListenBacklogSize(kBacklog);
     if (!server_.listen(path)) return false;
     ::chmod(QFile::encodeName(path).constData(), kKeptOwnerOnly);
     return true;
@@ -124,6 +109,8 @@ class Listener : public QObject {
       return;
     }
     delete sender->findChild<QTimer*>();  // from here on the sender waits for us
+    sender->write(&kTaken, 1);
+    sender->flush();
     waiting_.push_back({sender, *record});
     // Not from inside the socket's signal: `receive` may end this object and the socket with it.
     QMetaObject::invokeMethod(
@@ -145,7 +132,7 @@ class Listener : public QObject {
       receive(next.record);
       if (!alive) return;
       if (next.sender && next.sender->state() == QLocalSocket::ConnectedState) {
-        next.sender->write("\x01", 1);
+        next.sender->write(&kDone, 1);
         next.sender->disconnectFromServer();  // after the byte is written
       }
     }
@@ -158,15 +145,19 @@ class Listener : public QObject {
   bool receiving_ = false;
 };
 
-/// A connected socket of this user's process; -1 when nobody listens.
+bool FitsAddress(const QString& path) {
+  return QFile::encodeName(path).size() < static_cast<qsizetype>(sizeof(sockaddr_un::sun_path));
+}
+
+/// A connected socket of this user's process; -1 when nobody listens, or too many wait already.
 int Connect(const QString& path) {
+  if (!FitsAddress(path)) return -1;
   const QByteArray name = QFile::encodeName(path);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (name.size() >= static_cast<qsizetype>(sizeof address.sun_path)) return -1;
   std::memcpy(address.sun_path, name.constData(), static_cast<std::size_t>(name.size()));
 
-  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (descriptor < 0) return -1;
   if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       !IsPeerThisUser(descriptor)) {
@@ -176,26 +167,52 @@ int Connect(const QString& path) {
   return descriptor;
 }
 
+/// Whether something of `events` is there before the end.
+bool Await(int descriptor, short events, QDeadlineTimer end) {
+  pollfd awaited{descriptor, events, 0};
+  int ready = 0;
+  do {
+    ready = ::poll(&awaited, 1, static_cast<int>(end.remainingTime()));
+  } while (ready < 0 && errno == EINTR);
+  return ready > 0;
+}
+
+/// False when nobody took them all in time.
 bool SendAll(int descriptor, const QByteArray& bytes) {
+  const QDeadlineTimer hung(InstanceLink::kHangPatience);
   qsizetype sent = 0;
   while (sent < bytes.size()) {
     const ssize_t count =
         ::send(descriptor, bytes.constData() + sent, static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL);
+    if (count < 0 && errno == EAGAIN && Await(descriptor, POLLOUT, hung)) continue;
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
+    if (count <= 0) return errno != EAGAIN;  // a receiver that refuses has an answer all the same
     sent += count;
   }
   return true;
 }
 
-/// No time limit: the receiver may have a question to its user open.
-bool AwaitAnswer(int descriptor) {
+/// The next byte that the receiver says; 0 when it hung up.
+char NextAnswer(int descriptor) {
   char answer = 0;
   ssize_t count = 0;
   do {
     count = ::recv(descriptor, &answer, 1, 0);
   } while (count < 0 && errno == EINTR);
-  return count == 1;
+  return count == 1 ? answer : '\0';
+}
+
+Delivery Exchange(int descriptor, const CopyData& record) {
+  if (!SendAll(descriptor, PackCopyData(record))) return Delivery::NobodyThere;
+  if (!Await(descriptor, POLLIN, QDeadlineTimer(InstanceLink::kHangPatience))) {
+    ::send(descriptor, "", 1, MSG_NOSIGNAL | MSG_DONTWAIT);  // a byte too many: the record is none any more
+    return Delivery::NobodyThere;
+  }
+  char answer = NextAnswer(descriptor);
+  if (answer == '\0') return record.dwData == kLongData ? Delivery::NotTaken : Delivery::NobodyThere;
+  // No time limit from here on: the receiver may have a question to its user open.
+  while (answer == kTaken && Await(descriptor, POLLIN, QDeadlineTimer::Forever)) answer = NextAnswer(descriptor);
+  return answer == kDone ? Delivery::DealtWith : Delivery::NobodyThere;
 }
 
 }  // namespace
@@ -207,42 +224,27 @@ class InstanceLink::Endpoint {
     GiveUpClaim();
   }
 
-  void GiveUpClaim() {
-    if (claim_ >= 0) ::close(std::exchange(claim_, -1));
-  }
+  bool Claim() { return claim_.Take(); }
 
-  /// The claim is the system's lock on an open file, which ends with the process however it ends; the process number
-  /// in the file is for people to read.
-  bool Claim() {
-    if (claim_ >= 0) return true;
-    const QString folder = PrivateFolder();
-    const QByteArray path = QFile::encodeName(folder + "/instance.lock"_L1);
-    const int descriptor =
-        folder.isEmpty() ? -1 : ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (descriptor < 0) return true;  // nobody can be found out about: rather a second frame than none
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-      const bool held = errno == EWOULDBLOCK;
-      ::close(descriptor);
-      return !held;
-    }
-    claim_ = descriptor;
-    ::fchmod(descriptor, kKeptOwnerOnly);
-    if (::ftruncate(descriptor, 0) == 0) ::dprintf(descriptor, "%ld\n", static_cast<long>(::getpid()));
-    return true;
-  }
+  void GiveUpClaim() { claim_.GiveUp(); }
 
-  bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
+  bool Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
     StopListening();
-    const QString folder = PrivateFolder();
-    if (folder.isEmpty()) return false;
-    // What lies here was left by processes that died, since only the claim's holder listens.
-    if (claim_ >= 0)
-      for (const QString& name : QDir(folder).entryList({"tme-*"_L1}, QDir::System))
-        QFile::remove(folder + u'/' + name);
-    auto listener = std::make_unique<Listener>(std::move(receive));
-    if (!listener->Start(SocketPath(folder, handle))) return false;
-    listener_ = std::move(listener);
-    return true;
+    const QStringList folders = InstanceFolders();
+    for (const QString& folder : folders) {
+      const QString path = folder + u'/' + EndpointName(folder, QString::number(handle));
+      if (!FitsAddress(path) || !PrepareInstanceFolder(folder)) continue;
+      // What lies here was left by processes that died, since only the claim's holder listens.
+      if (claim_.IsHeld())
+        for (const QString& name : QDir(folder).entryList({EndpointName(folder, u"*"_s)}, QDir::System))
+          QFile::remove(folder + u'/' + name);
+      auto listener = std::make_unique<Listener>(receive);
+      if (!listener->Start(path)) continue;
+      listener_ = std::move(listener);
+      claim_.TellEndpoint(path);
+      return true;
+    }
+    return false;
   }
 
   void StopListening() {
@@ -257,7 +259,7 @@ class InstanceLink::Endpoint {
   }
 
  private:
-  int claim_ = -1;
+  InstanceClaim claim_;
   std::unique_ptr<Listener> listener_;
 };
 
@@ -270,18 +272,27 @@ bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
 void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
 
 bool InstanceLink::Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
-  return endpoint_->Listen(handle, std::move(receive));
+  return endpoint_->Listen(handle, receive);
 }
 
 void InstanceLink::StopListening() { endpoint_->StopListening(); }
 
-bool InstanceLink::Send(std::uint32_t handle, const CopyData& record) {
-  const QString folder = PrivateFolder();
-  const int descriptor = folder.isEmpty() ? -1 : Connect(SocketPath(folder, handle));
-  if (descriptor < 0) return false;
-  const bool dealt_with = SendAll(descriptor, PackCopyData(record)) && AwaitAnswer(descriptor);
-  ::close(descriptor);
-  return dealt_with;
+Delivery InstanceLink::Send(std::optional<std::uint32_t> handle, const CopyData& record) {
+  QStringList endpoints;
+  if (handle) {
+    const QStringList folders = InstanceFolders();
+    for (const QString& folder : folders)
+      endpoints.append(folder + u'/' + EndpointName(folder, QString::number(*handle)));
+  }
+  endpoints += InstanceClaim::ToldEndpoints();
+  for (const QString& endpoint : std::as_const(endpoints)) {
+    const int descriptor = Connect(endpoint);
+    if (descriptor < 0) continue;
+    const Delivery delivery = Exchange(descriptor, record);
+    ::close(descriptor);
+    return delivery;
+  }
+  return Delivery::NobodyThere;
 }
 
 }  // namespace tme

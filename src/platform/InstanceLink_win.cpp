@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <deque>
 #include <memory>
@@ -17,8 +16,6 @@
 namespace tme {
 namespace {
 
-/// Marks a window behind which a frame listens, so that a stale handle that another window got is known as such.
-constexpr const wchar_t* kFrameMark = L"TamarindEditor.Frame";
 /// After it, whether the hourglass has gone is asked again.
 constexpr std::chrono::milliseconds kHourglassPause{50};
 
@@ -40,6 +37,27 @@ std::wstring UserId() {
   return id;
 }
 
+/// Marks a window behind which a frame of this user listens: a stale handle that another window got is known as such,
+/// and the frame is found where the handle is lost.
+const std::wstring& FrameMark() {
+  static const std::wstring mark = L"TamarindEditor.Frame-" + UserId();
+  return mark;
+}
+
+bool IsFrame(HWND window) { return ::IsWindow(window) != 0 && ::GetPropW(window, FrameMark().c_str()) != nullptr; }
+
+/// The frame of this desktop; null when none listens.
+HWND FindFrame() {
+  HWND found = nullptr;
+  const WNDENUMPROC look = [](HWND window, LPARAM result) {
+    if (!IsFrame(window)) return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+  };
+  ::EnumWindows(look, reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
 /// A frame whose window procedure is ours. Records are delivered one after the other: while `receive` runs, perhaps
 /// inside a message box's event loop, or something else is half done and only lets the windows repaint, further ones
 /// queue up. Their senders are let go then, since this thread could not come back to what it does before it has
@@ -51,7 +69,8 @@ class HookedFrame : public std::enable_shared_from_this<HookedFrame> {
 
   bool Hook(WNDPROC procedure);
   void Unhook();
-  void Take(const COPYDATASTRUCT& record);
+  /// Whether it is taken; the result of the message for records that need one.
+  bool Take(const COPYDATASTRUCT& record);
 
   HWND window() const { return window_; }
   WNDPROC previous() const { return previous_; }
@@ -77,13 +96,18 @@ LRESULT CALLBACK FrameWindowProc(HWND window, UINT message, WPARAM w_param, LPAR
   const std::shared_ptr<HookedFrame> frame = hooked_frame;
   const bool is_hooked = frame && frame->window() == window;
   const WNDPROC next = is_hooked ? frame->previous() : left_behind ? left_behind : ::DefWindowProcW;
-  if (is_hooked && message == WM_COPYDATA && l_param != 0)
-    frame->Take(*reinterpret_cast<const COPYDATASTRUCT*>(l_param));
+  bool taken = false;
+  if (is_hooked && message == WM_COPYDATA && l_param != 0) {
+    const auto& record = *reinterpret_cast<const COPYDATASTRUCT*>(l_param);
+    // The result of a command line's is the next procedure's, as it always was.
+    taken = frame->Take(record) && record.dwData == kLongData;
+  }
   if (message == WM_NCDESTROY) {  // the last one
     if (is_hooked) frame->Unhook();
     left_behind = nullptr;
   }
-  return ::CallWindowProcW(next, window, message, w_param, l_param);
+  const LRESULT result = ::CallWindowProcW(next, window, message, w_param, l_param);
+  return taken ? TRUE : result;
 }
 
 bool HookedFrame::Hook(WNDPROC procedure) {
@@ -95,14 +119,14 @@ bool HookedFrame::Hook(WNDPROC procedure) {
   previous_ = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window_, GWLP_WNDPROC));
   if (previous_ == nullptr) return false;
   hooked_ = ::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)) != 0;
-  if (hooked_) ::SetPropW(window_, kFrameMark, window_);
+  if (hooked_) ::SetPropW(window_, FrameMark().c_str(), window_);
   return hooked_;
 }
 
 void HookedFrame::Unhook() {
   if (!std::exchange(hooked_, false)) return;
   waiting_.clear();
-  ::RemovePropW(window_, kFrameMark);
+  ::RemovePropW(window_, FrameMark().c_str());
   const auto now = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window_, GWLP_WNDPROC));
   if (now == FrameWindowProc) {
     ::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous_));
@@ -111,13 +135,17 @@ void HookedFrame::Unhook() {
   }
 }
 
-void HookedFrame::Take(const COPYDATASTRUCT& record) {
-  if (!hooked_ || record.dwData > 0xFFFFFFFF) return;
+bool HookedFrame::Take(const COPYDATASTRUCT& record) {
+  if (!hooked_ || record.dwData > 0xFFFFFFFF) return false;
+  const auto meaning = static_cast<std::uint32_t>(record.dwData);
+  const bool is_cut = record.cbData > MaxDataBytes(meaning);
+  if (is_cut && meaning == kLongData) return false;
   // At most what the buffer of a command line holds, and never more than came.
-  const auto size = record.lpData ? std::min<DWORD>(record.cbData, kMaxCopyDataBytes) : 0;
-  waiting_.push_back({static_cast<std::uint32_t>(record.dwData),
-                      QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size))});
+  const auto size = record.lpData ? std::min<DWORD>(record.cbData, MaxDataBytes(meaning)) : 0;
+  waiting_.push_back(
+      {meaning, QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size)), is_cut});
   Deliver();
+  return true;
 }
 
 void HookedFrame::Deliver() {
@@ -203,23 +231,27 @@ bool InstanceLink::Listen(std::uint32_t handle, std::function<void(const CopyDat
 
 void InstanceLink::StopListening() { endpoint_->StopListening(); }
 
-bool InstanceLink::Send(std::uint32_t handle, const CopyData& record) {
-  const HWND window = WindowOf(handle);
-  if (::IsWindow(window) == 0 || ::GetPropW(window, kFrameMark) == nullptr) return false;
+Delivery InstanceLink::Send(std::optional<std::uint32_t> handle, const CopyData& record) {
+  HWND window = handle ? WindowOf(*handle) : nullptr;
+  if (!IsFrame(window)) window = FindFrame();
+  if (window == nullptr || ::IsHungAppWindow(window) != 0) return Delivery::NobodyThere;
   DWORD process = 0;
   ::GetWindowThreadProcessId(window, &process);
   ::AllowSetForegroundWindow(process);  // else the frame could only blink in the taskbar
 
-  std::array<char, kMaxCopyDataBytes> buffer{};
-  const qsizetype size = std::min<qsizetype>(record.data.size(), kMaxCopyDataBytes);
-  std::copy_n(record.data.constData(), size, buffer.data());
-  COPYDATASTRUCT message{record.dwData, static_cast<DWORD>(size), buffer.data()};
+  // The buffer of a command line is as long as the most that it holds, whatever the record says.
+  QByteArray buffer(record.data.first(std::min<qsizetype>(record.data.size(), MaxDataBytes(record.dwData))));
+  const auto size = static_cast<DWORD>(buffer.size());
+  buffer.resize(std::max<qsizetype>(buffer.size(), kMaxCopyDataBytes));
+  COPYDATASTRUCT message{record.dwData, size, buffer.data()};
   ::SetLastError(ERROR_SUCCESS);
-  // No time limit: the receiver may have a question to its user open. The result says nothing.
-  ::SendMessageW(window, WM_COPYDATA, reinterpret_cast<WPARAM>(::GetModuleHandleW(nullptr)),
-                 reinterpret_cast<LPARAM>(&message));
+  // No time limit: the receiver may have a question to its user open.
+  const LRESULT result = ::SendMessageW(window, WM_COPYDATA, reinterpret_cast<WPARAM>(::GetModuleHandleW(nullptr)),
+                                        reinterpret_cast<LPARAM>(&message));
   const DWORD error = ::GetLastError();
-  return error != ERROR_INVALID_WINDOW_HANDLE && error != ERROR_ACCESS_DENIED;
+  if (error == ERROR_INVALID_WINDOW_HANDLE || error == ERROR_ACCESS_DENIED) return Delivery::NobodyThere;
+  // The result of a command line's says nothing.
+  return record.dwData == kLongData && result == 0 ? Delivery::NotTaken : Delivery::DealtWith;
 }
 
 }  // namespace tme

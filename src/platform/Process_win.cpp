@@ -14,6 +14,8 @@ using namespace Qt::StringLiterals;
 /// to a thread before the destructors that look at it. Qt asks for the variable once, at its first pattern; after that
 /// neither the environment that the user sees nor a program started from here has it.
 void EnterProcess() {
+  // The folder that the program is started in, often that of the file it opens, gives it no libraries.
+  ::SetDllDirectoryW(L"");
   constexpr const char* kCompiles = "QT_ENABLE_REGEXP_JIT";
   const QByteArray before = qgetenv(kCompiles);
   qputenv(kCompiles, "0");

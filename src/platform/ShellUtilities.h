@@ -22,9 +22,10 @@ class ShellUtilities {
   /// True for a network path ("\\...") or a drive path ("x:\..."); elsewhere than on Windows also for "/...".
   bool IsRooted(const QString& path) const;
   /// This process's command line as the texts that are opened one by one. Windows: the raw text after the program name
-  /// as one, or, if it holds quotation marks or nothing but names of files, the arguments as the system splits them.
-  /// Elsewhere each argument. What names an existing file is made absolute.
-  QStringList CommandLineTexts() const;
+  /// as one, or, if it holds quotation marks or nothing but names of files, the arguments as the system splits them;
+  /// without a first "--". Elsewhere each of `paths`, the arguments that are no options. What names an existing file
+  /// (elsewhere than on Windows, also a folder) is made absolute.
+  QStringList CommandLineTexts(const QStringList& paths) const;
   /// A help text as it is shown: one line break for each "#".
   QString FormatHelpText(QString text) const;
 };

@@ -1,4 +1,3 @@
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -20,12 +19,14 @@ bool ShellUtilities::IsRooted(const QString& path) const {
   return path.startsWith("\\\\"_L1) || path.mid(1, 2) == ":\\"_L1 || path.startsWith(u'/');
 }
 
-QStringList ShellUtilities::CommandLineTexts() const {
-  QStringList texts = QCoreApplication::arguments().mid(1);
+QStringList ShellUtilities::CommandLineTexts(const QStringList& paths) const {
+  QStringList texts = paths;
+  texts.removeAll(QString());
   for (QString& text : texts) {
-    // The running instance that gets this text may stand in another folder.
-    const QFileInfo file(text);
-    if (file.isFile()) text = file.absoluteFilePath();
+    // The running instance that gets this text may stand in another folder. Joined by hand: to Qt, a name that begins
+    // with a colon is none of the file system's.
+    const QString whole = text.startsWith(u'/') ? text : QDir::currentPath() + u'/' + text;
+    if (QFileInfo::exists(whole)) text = QDir::cleanPath(whole);
   }
   return texts;
 }

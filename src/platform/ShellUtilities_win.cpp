@@ -37,7 +37,7 @@ bool ShellUtilities::IsRooted(const QString& path) const {
   return path.startsWith("\\\\"_L1) || path.mid(1, 2) == ":\\"_L1;
 }
 
-QStringList ShellUtilities::CommandLineTexts() const {
+QStringList ShellUtilities::CommandLineTexts(const QStringList& /*paths*/) const {
   return tme::CommandLineTexts(QString::fromWCharArray(::GetCommandLineW()),
                                QDir::toNativeSeparators(QCoreApplication::applicationFilePath()));
 }

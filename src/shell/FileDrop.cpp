@@ -46,7 +46,7 @@ bool FileDrop::eventFilter(QObject* watched, QEvent* event) {
   // Later: where the files come from waits for the end of the drop, and opening may ask.
   const auto open = [this, paths] {
     global_.frame->ComeToFront();
-    for (const QString& path : paths) OpenPathList(global_, path);
+    for (const QString& path : paths) OpenWholePath(global_, path);
   };
   QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
   return true;

@@ -14,14 +14,27 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 
+namespace {
+
+Delivery SendOnce(const QString& command_line) {
+  bool numeric = false;
+  const quint32 number = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s).toUInt(&numeric);
+  const std::optional<std::uint32_t> handle = numeric ? std::optional(number) : std::nullopt;
+  if (!FitsCommandLineRecord(command_line)) {
+    const Delivery delivery = InstanceLink::Send(handle, LongCommandLineRecord(command_line));
+    if (delivery != Delivery::NotTaken) return delivery;
+  }
+  return InstanceLink::Send(handle, CommandLineRecord(command_line));
+}
+
+}  // namespace
+
 bool SendCommandLine(const QString& command_line, InstanceLink& own_link, std::chrono::milliseconds patience) {
   if (command_line.isEmpty()) return true;
   constexpr unsigned long kPauseMs = 50;
   const QDeadlineTimer end(patience);
   while (true) {
-    bool numeric = false;
-    const quint32 handle = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s).toUInt(&numeric);
-    if (numeric && InstanceLink::Send(handle, CommandLineRecord(command_line))) return true;
+    if (SendOnce(command_line) == Delivery::DealtWith) return true;
     if (end.hasExpired() || own_link.ClaimOnlyInstance()) return false;
     QThread::msleep(kPauseMs);
   }
@@ -34,11 +47,11 @@ void HookFrameWindow(Global& global, quint32 frame_handle) {
 void UnhookFrameWindow(Global& global) { global.instance_link.StopListening(); }
 
 void ReceiveCommandLine(Global& global, const CopyData& record) {
-  const std::optional<QString> command_line = CommandLineOf(record);
+  const std::optional<ReceivedCommandLine> command_line = CommandLineOf(record);
   if (!command_line) return;
   // First, since opening may ask, and a question belongs before the eyes.
   global.frame->ComeToFront();
-  OpenPathList(global, *command_line);
+  (command_line->is_cut ? OpenWholePath : OpenPathList)(global, command_line->text);
   global.frame->CascadeAfterOpening();
 }
 

@@ -9,12 +9,12 @@ struct CopyData;
 struct Global;
 class InstanceLink;
 
-/// Second instance: hands one text of its command line to the running frame, whose handle stands in "WinRegistration",
-/// and returns when the frame has opened it. Empty text: nothing. A frame that is still starting is waited for, as long
-/// as a slow machine may take, but not once it has gone: false then, and own_link holds the claim, or when the patience
-/// is at its end.
+/// Second instance: hands one text of its command line to the running frame, whose handle stands in "WinRegistration"
+/// or which the claim tells, and returns when the frame has opened it. Empty text: nothing. A frame that is still
+/// starting is waited for, but not once it has gone: false then, and own_link holds the claim, or when the patience is
+/// at its end.
 bool SendCommandLine(const QString& command_line, InstanceLink& own_link,
-                     std::chrono::milliseconds patience = std::chrono::seconds(30));
+                     std::chrono::milliseconds patience = std::chrono::seconds(3));
 
 /// From here on, until UnhookFrameWindow, what later launches send reaches the frame.
 void HookFrameWindow(Global& global, quint32 frame_handle);

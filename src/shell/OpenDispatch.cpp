@@ -94,19 +94,19 @@ QString OpenFilter(const Global& global, int first_type) {
 }
 
 void OpenPathList(Global& global, const QString& text) {
-  const auto exists = [&global](const QString& path) { return global.shell_utilities.FileExists(path); };
-  QString remainder = text.trimmed();
-  while (!remainder.isEmpty()) {
-    const QString path = TakePath(remainder, exists);
-    if (!exists(path)) {
-      ShowNotAFile(global, path);
-      continue;
-    }
-    // A name without a drive or a root is taken for rich text whatever its ending; intended.
-    const bool rooted = global.shell_utilities.IsRooted(path);
-    OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
-    global.frame->CascadeAfterOpening();
-  }
+  // A folder is no file, but one path, and one message.
+  const auto exists = [](const QString& path) { return QFileInfo::exists(path); };
+  QString remainder = text;
+  while (!remainder.isEmpty())
+    if (const QString path = TakePath(remainder, exists); !path.isEmpty()) OpenWholePath(global, path);
+}
+
+void OpenWholePath(Global& global, const QString& path) {
+  if (!global.shell_utilities.FileExists(path)) return ShowNotAFile(global, path);
+  // A name without a drive or a root is taken for rich text whatever its ending; intended.
+  const bool rooted = global.shell_utilities.IsRooted(path);
+  OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
+  global.frame->CascadeAfterOpening();
 }
 
 void OpenFileByName(Global& global, const QString& path) {
@@ -131,8 +131,8 @@ void OpenFileDialog(Global& global) {
   if (paths.size() == 1) {
     OpenDocument(global, paths.first(), CodeOfFilterEntry(global, dialog.filter_index, paths.first()));
   } else {
-    // Each as a text of its own, so that blanks in a path do not split it.
-    for (const QString& path : paths) OpenPathList(global, path);
+    // Each by itself, so that blanks in a path do not split it.
+    for (const QString& path : paths) OpenWholePath(global, path);
   }
   global.frame->CascadeAfterOpening();
 }

@@ -14,6 +14,9 @@ struct Global;
 /// message, and on with the next.
 void OpenPathList(Global& global, const QString& text);
 
+/// The same for a text that is one path, blanks and all, or whose end is lost: never split.
+void OpenWholePath(Global& global, const QString& path);
+
 /// Opens an existing file in a window of the kind that its name tells, whatever blanks stand in it; then cascades.
 void OpenFileByName(Global& global, const QString& path);
 

@@ -4,10 +4,12 @@
 
 namespace tme {
 
-QString TakePath(QString& text, const std::function<bool(const QString&)>& file_exists) {
+QString TakePath(QString& text, const std::function<bool(const QString&)>& exists) {
   QString path = std::exchange(text, {});
+  if (exists(path)) return path;
+  path = path.trimmed();
   const qsizetype blank = path.indexOf(u' ');
-  if (blank < 0 || file_exists(path)) return path;
+  if (blank < 0 || exists(path)) return path;
   text = path.mid(blank).trimmed();
   path.truncate(blank);
   return path;

@@ -5,9 +5,9 @@
 
 namespace tme {
 
-/// Takes the first path off a text of paths parted by blanks. A text that names an existing file as a whole is one
-/// path, so a path with blanks is found only as the last; quotation marks mean nothing. text: trimmed and not empty;
-/// afterwards trimmed again, and empty behind the last path. The path is never empty.
-QString TakePath(QString& text, const std::function<bool(const QString&)>& file_exists);
+/// Takes the first path off a text of paths parted by blanks. A text that names something existing as a whole is one
+/// path, blanks at its end and all, so a path with blanks is found only as the last; quotation marks mean nothing.
+/// text: afterwards trimmed, and empty behind the last path. The path is empty for nothing but blanks.
+QString TakePath(QString& text, const std::function<bool(const QString&)>& exists);
 
 }  // namespace tme

@@ -238,7 +238,10 @@ void mdform_TMEditor::ExitApplication() {
   if (geometry_timer_.isActive()) WriteGeometry();
   auto_save_->SetAutoSaveTimer(0);
   UnhookFrameWindow(global_);
-  global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+  // Another frame may stand there, of another machine with the same settings or of a start that found no claim.
+  const QString registered = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s);
+  if (registered == QString::number(static_cast<quint32>(winId())))
+    global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
   // Later, it would replace what the next instance writes there.
   global_.registry.Flush();
   global_.instance_link.GiveUpClaim();
