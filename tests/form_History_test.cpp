@@ -40,6 +40,7 @@ class FormHistoryTest : public Editor {
 TEST_F(FormHistoryTest, ListsShowsAndRestores) {
   const QString path = File(u"a.txt"_s, "one\r\nnow\r\n");
   Start({path, path});
+  Text().findChild<QPushButton*>(u"notice_action"_s)->click();
   Text().Form_Activate();  // of two documents of the file, the one that the user looks at
   Keep(DocumentKind::Txt, path, {"one\r\nfirst\r\n", "one\r\nnow\r\n", "one\nnow\n"});
   Keep(DocumentKind::Ini, InFolder(u"gone.ini"_s), {"[A]\r\nx=1\r\n"});

@@ -16,8 +16,7 @@ TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) {
     return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
   });
-  const QString path = File(u"a.ini"_s, "[A]\r\n\r\n");
-  frame.MDIForm_Load({path, path});
+  frame.MDIForm_Load({File(u"a.ini"_s, "[A]\r\n\r\n"), File(u"b.ini"_s, "[A]\r\n\r\n")});
   global.documents.ForEach([](DocumentSlot& slot) { slot.changed = !slot.path.isEmpty(); });
   SessionShutdown shutdown(global, std::chrono::milliseconds(1));
   const SessionEnd session_end([&](SessionEnd::Questions questions) { shutdown.EndSession(questions); });

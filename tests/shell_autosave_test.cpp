@@ -84,8 +84,8 @@ TEST_F(SavingTest, TimerCountsAndWaits) {
 }
 
 TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
-  const QString path = File(u"a.ini"_s, kIni);
-  Start({path, path});
+  const QString path = File(u"a.ini"_s, kIni), other = File(u"b.ini"_s, kIni);
+  Start({path, other});
   Touch(Ini(0));
   frame_->Activate(Ini(1));
   Ini(1).SubWindow()->showMaximized();
@@ -98,7 +98,7 @@ TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
   EXPECT_EQ(frame_->ActiveDocument(), &Ini(1));
 
   Ini(1).Slot().changed = true;
-  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel,
+  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + other, u"Document Changed"_s, MsgButtons::YesNoCancel,
                         MsgAnswer::Cancel);
   frame_->Menus().Action(u"menu_FileCloseAll"_s)->trigger();
   EXPECT_EQ(Ini(0).Tag(), u"");

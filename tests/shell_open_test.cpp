@@ -26,25 +26,26 @@ QString NotAFile(const QString& path) {
 
 TEST_F(Editor, PathListFindsFilesAmongBlanks) {
   if (folder_.path().contains(u' ')) GTEST_SKIP() << "in such a folder, only the last path of a list can be found";
-  const QString plain = File(u"a.ini"_s, kIni), blank = File(u"b c.ini"_s, kIni);
+  const QString plain = File(u"a.ini"_s, kIni), blank = File(u"b c.ini"_s, kIni), last = File(u"d  e.ini"_s, kIni);
   dialogs_.ExpectMsgBox(NotAFile(QDir::toNativeSeparators(folder_.path())), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok,
                         MsgIcon::Information);
   dialogs_.ExpectMsgBox(NotAFile(u"nowhere.ini"_s), u"TME"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Information);
   Start({u" "_s + plain + u"  "_s + QDir::toNativeSeparators(folder_.path()) + u" nowhere.ini "_s + blank + u" "_s,
-         blank});
+         last});
   EXPECT_EQ(Ini(0).windowTitle(), u"a.ini");
   EXPECT_EQ(Ini(1).windowTitle(), u"b c.ini");
-  EXPECT_EQ(Ini(2).Slot().path, blank);
+  EXPECT_EQ(Ini(2).Slot().path, last);
   EXPECT_EQ(Ini(3).Tag(), u"");
   EXPECT_EQ(frame_->ActiveDocument(), &Ini(2));
 }
 
 TEST_F(Editor, SixthDocumentOfAKindIsRefused) {
-  const QString path = File(u"a.ini"_s, kIni);
+  QStringList paths;
+  for (int number = 0; number < 6; ++number) paths += File(u"%1.ini"_s.arg(number), kIni);
   dialogs_.ExpectMsgBox(
       u"There are no more INI File documents available to open.  Please close one before opening another."_s,
       u"Reached the limit of 5 type max"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
-  Start({path, path, path, path, path, path});
+  Start(paths);
   Ini(2).FileClose();
   NewDocument(global_, SlotCode::Ini);
   EXPECT_EQ(Ini(2).windowTitle(), u"New INI File");
@@ -98,23 +99,24 @@ TEST_F(Editor, HandedOverTextIsOpened) {
 }
 
 TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {
-  const QString path = File(u"a.ini"_s, kIni);
-  Start({path, path});
+  const QStringList paths{File(u"0.ini"_s, kIni), File(u"1.ini"_s, kIni)};
+  Start(paths);
   Ini(1).setFocus();
   for (const int slot : {0, 1}) {
     Select(Ini(slot), {u"A"_s, u"x=1"_s});
     dialogs_.ExpectMsgBox(u"Are you sure you want to delete Key / Value x=1?"_s, u"Deletion Confirmation"_s,
                           MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
     Ini(slot).DeleteValue();
-    EXPECT_EQ(Ini(slot).windowTitle(), u"a.ini [CHANGED]");
+    EXPECT_EQ(Ini(slot).windowTitle(), u"%1.ini [CHANGED]"_s.arg(slot));
   }
-  const QString question = u"Save this file?\r"_s + path;
-  dialogs_.ExpectMsgBox(question, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::Cancel, MsgIcon::Question);
-  dialogs_.ExpectMsgBox(question, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::Yes, MsgIcon::Question);
+  const QString question = u"Save this file?\r"_s, title = u"Document Changed"_s;
+  dialogs_.ExpectMsgBox(question + paths[0], title, MsgButtons::YesNoCancel, MsgAnswer::Cancel, MsgIcon::Question);
+  dialogs_.ExpectMsgBox(question + paths[1], title, MsgButtons::YesNoCancel, MsgAnswer::Yes, MsgIcon::Question);
   frame_->close();
   EXPECT_TRUE(global_.exiting);
   EXPECT_FALSE(frame_->isVisible());
-  EXPECT_EQ(BytesOf(path), "[A]\r\n\r\n");
+  EXPECT_EQ(BytesOf(paths[0]), kIni);
+  EXPECT_EQ(BytesOf(paths[1]), "[A]\r\n\r\n");
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
 }
 
@@ -173,11 +175,10 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
 
 TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
   registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, kTextType, u"1"_s);
-  const QString path = File(u"a.ini"_s, kIni);
-  Start({path, path});
+  Start({File(u"a.ini"_s, kIni), File(u"b.ini"_s, kIni)});
   // Opened before the frame showed.
   WaitFor([this] { return Ini(1).SubWindow()->isMaximized(); });
-  OpenPathList(global_, path);
+  OpenPathList(global_, File(u"c.ini"_s, kIni));
   EXPECT_TRUE(Ini(2).SubWindow()->isMaximized());
   NewDocument(global_, SlotCode::Ini);
   EXPECT_TRUE(Ini(3).SubWindow()->isMaximized());
@@ -224,8 +225,7 @@ TEST_F(Editor, ArrangementsFillTheFrame) {
   EXPECT_EQ(TileRects(3, {600, 300}, Arrangement::TileHorizontally)[1], QRect(0, 100, 600, 100));
   EXPECT_EQ(TileRects(3, {600, 300}, Arrangement::TileVertically)[1], QRect(200, 0, 200, 300));
 
-  const QString path = File(u"a.ini"_s, kIni);
-  Start({path, path, path});
+  Start({File(u"a.ini"_s, kIni), File(u"b.ini"_s, kIni), File(u"c.ini"_s, kIni)});
   Ini(0).SubWindow()->showMinimized();
   frame_->ArrangeWindows(3);
   QMdiSubWindow* icon = Ini(0).SubWindow();

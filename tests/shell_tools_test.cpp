@@ -49,11 +49,11 @@ TEST_F(ToolsTest, GatheredListsGoToTheClipboard) {
 }
 
 TEST_F(ToolsTest, DroppedFilesOpenAndDroppedTextDoesNot) {
-  const QString path = File(u"a b.ini"_s, "[A]\r\n\r\n");
+  const QString first = File(u"a b.ini"_s, "[A]\r\n\r\n"), path = File(u"c d.ini"_s, "[A]\r\n\r\n");
   Start();
   form_INI& open = NewIni("[A]\n");
   QMimeData files, text;
-  files.setUrls({QUrl::fromLocalFile(path), QUrl::fromLocalFile(path)});
+  files.setUrls({QUrl::fromLocalFile(first), QUrl::fromLocalFile(path)});
   text.setText(path);
   for (const QMimeData* data : {&text, &files}) {
     QDragEnterEvent enter({1, 1}, Qt::CopyAction, data, Qt::LeftButton, Qt::NoModifier);

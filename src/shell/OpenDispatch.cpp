@@ -3,9 +3,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+#include <filesystem>
 
 #include "platform/CommonDialog.h"
 #include "platform/Dialogs.h"
+#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "shell/DocumentWindow.h"
@@ -33,13 +35,51 @@ DocumentWindow* FreeWindow(Global& global, const KindTraits& traits) {
   return nullptr;
 }
 
-void OpenDocument(Global& global, const QString& path, OpenCode code) {
+/// Whether both name one file on the disk, through links or not. What is not there is told apart by its name.
+bool IsSameFile(const QString& path, const QString& other) {
+  std::error_code error;
+  return path == other || std::filesystem::equivalent(FilePath(path), FilePath(other), error);
+}
+
+/// A document that holds the file; one of the kind before others, null for none.
+DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind kind) {
+  DocumentWindow* found = nullptr;
+  global.documents.ForEach([&](const DocumentSlot& slot) {
+    if (slot.window->Tag().isEmpty() || slot.path.isEmpty() || (found && found->Kind() == kind)) return;
+    if ((!found || slot.window->Kind() == kind) && IsSameFile(path, slot.path)) found = slot.window;
+  });
+  return found;
+}
+
+enum class SecondOpen : std::uint8_t { ShowsTheFirst, IsWanted };
+
+void OpenDocument(Global& global, const QString& path, OpenCode code, SecondOpen second = SecondOpen::ShowsTheFirst);
+
+/// The file is there already: its document comes to the front as it is, changed or not, and says so.
+void ShowOpenDocument(Global& global, DocumentWindow& window, const QString& path, OpenCode code) {
+  global.frame->BringToFront(window);
+  const QString said = path == window.Slot().path
+                           ? mdform_TMEditor::tr("The file is open already: this is its document.")
+                           : mdform_TMEditor::tr("%1 is this very file, which is open already.").arg(path);
+  window.AddNotice(said, {{mdform_TMEditor::tr("Open Once More"), [&global, path, code] {
+                             OpenDocument(global, path, code, SecondOpen::IsWanted);
+                             global.frame->CascadeAfterOpening();
+                           }}});
+}
+
+void OpenDocument(Global& global, const QString& path, OpenCode code, SecondOpen second) {
   const KindTraits& traits = TraitsOf(code);
+  DocumentWindow* const first = WindowOfFile(global, path, traits.kind);
+  // Of another kind, it is another view of the file.
+  if (first && first->Kind() == traits.kind && second == SecondOpen::ShowsTheFirst)
+    return ShowOpenDocument(global, *first, path, code);
   DocumentWindow* window = FreeWindow(global, traits);
   if (!window) return;
   window->Slot().path = path;
   window->Slot().title = QFileInfo(path).fileName();
   SendCommand(global, *window, traits.open_command);
+  if (first && !window->Tag().isEmpty())
+    window->AddNotice(mdform_TMEditor::tr("The file is open in another document as well: the later save counts."));
 }
 
 void ShowNotAFile(Global& global, const QString& path) {

@@ -115,16 +115,6 @@ void Rescue::Reopen(const KeptVersion& aside, std::string content) {
   watched_.insert(window, {aside.id, window->Revision(), true, {}, {}});
 }
 
-void Rescue::ShowInsteadOfFile() {
-  DocumentWindow* active = global_.frame->ActiveDocument();
-  if (!active || active->Slot().path.isEmpty() || watched_.contains(active)) return;
-  for (auto watched = watched_.cbegin(); watched != watched_.cend(); ++watched) {
-    if (watched.key()->Slot().path != active->Slot().path) continue;
-    global_.frame->Activate(*watched.key());
-    return global_.frame->SetActiveDocument(watched.key());
-  }
-}
-
 void Rescue::Look(Clock::time_point now) {
   Finished();
   DocumentWindow* next = nullptr;

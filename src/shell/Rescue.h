@@ -30,8 +30,6 @@ class Rescue : public QObject {
   /// stays so until the document is saved or closed. Windows of a kind that are all taken, or a content that ended the
   /// program at two starts: it becomes a version of the history, which a message says.
   void ReopenAfterCrash();
-  /// Whoever starts the program with a file whose changes were just rescued sees these first, not what the file holds.
-  void ShowInsteadOfFile();
   /// From now on a look at all documents every two seconds.
   void Start();
   /// No look any more, and nothing on its way to the disk: before the windows go.

@@ -31,6 +31,7 @@
 #include "shell/Rescue.h"
 #include "shell/Tools.h"
 #include "shell/WindowArrangement.h"
+#include "shell/WindowMenu.h"
 
 using namespace Qt::StringLiterals;
 
@@ -104,7 +105,6 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   CreateDocumentWindows();
   rescue_->ReopenAfterCrash();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
-  rescue_->ShowInsteadOfFile();
   OpenWelcomeDocument();
   RefreshMenus(DocumentKind::Mdi);
   show();
@@ -208,7 +208,7 @@ void mdform_TMEditor::BindItems() {
   menus_->Handle("global_WindowTileH", [this] { ArrangeWindows(1); });
   menus_->Handle("global_WIndowTileV", [this] { ArrangeWindows(2); });
   menus_->Handle("global_WindowIcons", [this] { ArrangeWindows(3); });
-  connect(menus_->Menu(u"md_menu_window"_s), &QMenu::aboutToShow, this, &mdform_TMEditor::ListDocumentsInWindowMenu);
+  window_menu_ = std::make_unique<WindowMenu>(global_, *area_, *menus_->Menu(u"md_menu_window"_s));
   // Beside the area's own Ctrl+Tab, which goes by use, these go round all documents.
   const auto on_key = [this](const QKeySequence& key, void (QMdiArea::*go)()) {
     connect(new QShortcut(key, this), &QShortcut::activated, area_, go);
@@ -345,20 +345,32 @@ void mdform_TMEditor::ShowDocument(DocumentWindow* window) {
     sub_window->setAttribute(Qt::WA_DeleteOnClose, false);
     sub_window->setObjectName(window->objectName() + u"_child"_s);
     sub_window->setWindowIcon(window->windowIcon());
+    window_menu_->Watch(*sub_window);
     // The File menu holds the keys for closing.
     for (QAction* action : sub_window->systemMenu()->actions()) action->setShortcuts({});
   }
   // The next place of the cascade; the area's own choice may lie out of sight.
   const auto place = static_cast<int>((ShownChildren(false) + ShownChildren(true)).size());
+  // Maximised documents stay so: the new one is, too.
+  const QMdiSubWindow* before = area_->activeSubWindow();
+  const bool maximised = global_.settings.start_editors_max || (before && !before->isHidden() && before->isMaximized());
   window->show();
   sub_window->showNormal();
   sub_window->setGeometry(CascadeRect(place, window));
-  if (global_.settings.start_editors_max) sub_window->showMaximized();
+  if (maximised) sub_window->showMaximized();
   area_->setActiveSubWindow(sub_window);
   window->Form_Activate();
 }
 
 void mdform_TMEditor::Activate(const DocumentWindow& window) { area_->setActiveSubWindow(window.SubWindow()); }
+
+void mdform_TMEditor::BringToFront(const DocumentWindow& window) {
+  QMdiSubWindow* sub_window = window.SubWindow();
+  // While it is being read, a question may stand before its window does.
+  if (!sub_window || sub_window->isHidden()) return;
+  if (sub_window->isMinimized()) sub_window->showNormal();
+  area_->setActiveSubWindow(sub_window);
+}
 
 void mdform_TMEditor::CloseAllDocuments() {
   bool stopped = false;
@@ -380,35 +392,6 @@ void mdform_TMEditor::DocumentClosed(DocumentWindow* window) {
   if (children.isEmpty() || leaving_) return;
   area_->setActiveSubWindow(children[std::max<qsizetype>(0, ShownChildren(false).size() - 1)]);
   if (auto* next = qobject_cast<DocumentWindow*>(area_->activeSubWindow()->widget())) next->Form_Activate();
-}
-
-void mdform_TMEditor::ListDocumentsInWindowMenu() {
-  QMenu* menu = menus_->Menu(u"md_menu_window"_s);
-  for (QAction* action : menu->actions())
-    if (action->data().toBool()) menu->removeAction(action);
-  int number = 0;
-  const auto append = [&](QAction* action) {
-    action->setData(true);
-    menu->addAction(action);
-  };
-  for (QMdiSubWindow* child : area_->subWindowList(QMdiArea::CreationOrder)) {
-    if (child->isHidden()) continue;
-    if (number == 0) {
-      auto* separator = new QAction(menu);
-      separator->setSeparator(true);
-      append(separator);
-    }
-    QString title = child->windowTitle();
-    title.replace(u'&', u"&&"_s);
-    auto* item = new QAction(u"&%1 %2"_s.arg(++number).arg(title), menu);
-    item->setCheckable(true);
-    item->setChecked(child->widget() == active_document_);
-    connect(item, &QAction::triggered, child, [this, child] {
-      if (child->isMinimized()) child->showNormal();
-      area_->setActiveSubWindow(child);
-    });
-    append(item);
-  }
 }
 
 void mdform_TMEditor::PrintActiveDocument() {

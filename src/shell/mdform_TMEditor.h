@@ -18,6 +18,7 @@ class FileDrop;
 class GlobalMenus;
 class Rescue;
 class RecentFiles;
+class WindowMenu;
 struct Global;
 
 /// The frame: owns the menus, the document windows and the order of start-up and shutdown.
@@ -63,6 +64,8 @@ class mdform_TMEditor : public QMainWindow {
   bool IsLeaving() const { return leaving_; }
   /// A document that is shown becomes the active child.
   void Activate(const DocumentWindow& window);
+  /// The same, from an icon as well; nothing while the document is not shown yet.
+  void BringToFront(const DocumentWindow& window);
   /// Shows a document window as the active child.
   void ShowDocument(DocumentWindow* window);
   /// A window let its document go: the menus follow what is active now.
@@ -90,7 +93,6 @@ class mdform_TMEditor : public QMainWindow {
   void PrintActiveDocument();
   /// Stops at the first document that stays open.
   void CloseAllDocuments();
-  void ListDocumentsInWindowMenu();
   QList<QMdiSubWindow*> ShownChildren(bool minimised) const;
   /// Where a cascade puts its n-th window, from 0.
   QRect CascadeRect(int place, const QWidget* window) const;
@@ -103,6 +105,7 @@ class mdform_TMEditor : public QMainWindow {
   std::unique_ptr<RecentFiles> recent_files_;
   std::unique_ptr<AutoSave> auto_save_;
   std::unique_ptr<FileDrop> file_drop_;
+  std::unique_ptr<WindowMenu> window_menu_;
   DocumentWindow* active_document_ = nullptr;
   /// Resize events come in bursts, and before the window knows whether it is maximised.
   QTimer geometry_timer_;

@@ -1,0 +1,100 @@
+#include "shell/WindowMenu.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHelpEvent>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QStyle>
+#include <QStyleOptionTitleBar>
+
+#include "shell/DocumentWindow.h"
+#include "shell/Global.h"
+#include "shell/PlainText.h"
+#include "shell/mdform_TMEditor.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kFolderCharacters = 60;
+
+DocumentWindow* DocumentOf(const QMdiSubWindow& child) { return qobject_cast<DocumentWindow*>(child.widget()); }
+
+/// Where the caption bar shows the name, between its picture and its buttons.
+QRect NameRect(const QMdiSubWindow& child) {
+  QStyleOptionTitleBar bar;
+  bar.initFrom(&child);
+  bar.titleBarFlags = child.windowFlags();
+  bar.titleBarState = child.windowState().toInt();
+  bar.subControls = QStyle::SC_All;
+  bar.rect.setHeight(child.style()->pixelMetric(QStyle::PM_TitleBarHeight, &bar, &child));
+  return child.style()->subControlRect(QStyle::CC_TitleBar, &bar, QStyle::SC_TitleBarLabel, &child);
+}
+
+}  // namespace
+
+WindowMenu::WindowMenu(Global& global, QMdiArea& area, QMenu& menu) : global_(global), area_(area), menu_(menu) {
+  connect(&menu, &QMenu::aboutToShow, this, &WindowMenu::ListDocuments);
+}
+
+void WindowMenu::Watch(QMdiSubWindow& child) { child.installEventFilter(this); }
+
+bool WindowMenu::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ToolTip) {
+    const auto& child = *static_cast<QMdiSubWindow*>(watched);
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const DocumentWindow* document = DocumentOf(child);
+    if (document && !document->Slot().path.isEmpty() && NameRect(child).contains(help.pos())) {
+      ShowTip(help.globalPos(), QDir::toNativeSeparators(document->Slot().path), static_cast<QWidget*>(watched));
+      return true;
+    }
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+QString WindowMenu::CaptionOf(const QMdiSubWindow& child) const {
+  QString caption = child.windowTitle().replace(u"[*][*]"_s, u"[*]"_s);
+  const DocumentSlot& slot = DocumentOf(child)->Slot();
+  bool is_ambiguous = false;
+  global_.documents.ForEach([&](const DocumentSlot& other) {
+    is_ambiguous |= &other != &slot && !slot.path.isEmpty() && other.title == slot.title && other.path != slot.path;
+  });
+  if (!is_ambiguous) return caption;
+  const QString folder = QDir::toNativeSeparators(QFileInfo(slot.path).path());
+  const QFontMetrics& metrics = menu_.fontMetrics();
+  return caption + u" - "_s +
+         metrics.elidedText(folder, Qt::ElideMiddle, kFolderCharacters * metrics.averageCharWidth());
+}
+
+void WindowMenu::ListDocuments() {
+  for (QAction* action : menu_.actions()) {
+    if (!action->data().toBool()) continue;
+    menu_.removeAction(action);
+    action->deleteLater();
+  }
+  int number = 0;
+  const auto append = [this](QAction* action) {
+    action->setData(true);
+    menu_.addAction(action);
+  };
+  for (QMdiSubWindow* child : area_.subWindowList(QMdiArea::CreationOrder)) {
+    const DocumentWindow* document = DocumentOf(*child);
+    if (child->isHidden() || !document) continue;
+    if (number == 0) {
+      auto* separator = new QAction(&menu_);
+      separator->setSeparator(true);
+      append(separator);
+    }
+    auto* item = new QAction(u"&%1 %2"_s.arg(++number).arg(MenuText(CaptionOf(*child))), &menu_);
+    SetTip(*item, QDir::toNativeSeparators(document->Slot().path));
+    item->setCheckable(true);
+    item->setChecked(document == global_.frame->ActiveDocument());
+    connect(item, &QAction::triggered, child, [this, document] { global_.frame->BringToFront(*document); });
+    append(item);
+  }
+}
+
+}  // namespace tme
