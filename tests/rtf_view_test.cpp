@@ -47,7 +47,7 @@ struct Source {
 };
 
 /// The text side, a line a paragraph: "cell|format|text" with <n> for the look of a run and {…} for an object.
-std::string Dump(const RtfDocument& document) {
+std::string LinesOf(const RtfDocument& document) {
   std::string dump;
   std::size_t offset = 0;
   for (std::size_t index = 0; index < document.paragraphs.size(); ++index) {
@@ -76,7 +76,7 @@ void ExpectSameAfterView(const RtfDocument& document) {
   QTextDocument view;
   ImportRtf(RtfDocument(document), store, view);
   const RtfExport written(view, store);
-  EXPECT_EQ(Dump(written.Document()), Dump(document));
+  EXPECT_EQ(LinesOf(written.Document()), LinesOf(document));
   EXPECT_EQ(written.Document().char_formats, document.char_formats);
   EXPECT_EQ(written.Document().paragraph_formats, document.paragraph_formats);
   EXPECT_EQ(written.Document().objects.size(), document.objects.size());

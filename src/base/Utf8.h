@@ -8,6 +8,9 @@
 /// UTF-8, byte by byte, as RFC 3629 defines it; made for large, mostly ASCII texts.
 namespace tme::utf8 {
 
+/// U+FFFD, which stands for bytes that are no character.
+inline constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
 /// How many bytes at the start are ASCII.
 std::size_t AsciiRun(std::string_view text);
 

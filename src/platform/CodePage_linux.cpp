@@ -36,7 +36,6 @@ std::optional<char> ByteOf(char32_t character) {
 }
 
 constexpr int kLatinPage = 1252;
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 struct CloseConverter {
   using pointer = iconv_t;
@@ -94,7 +93,7 @@ std::string BytesToUtf8(int code_page, std::string_view bytes) {
       if (left_before == 0) return text;
     } else if (error != E2BIG || (left == left_before && room == part.size())) {
       if (left == 0) return text;
-      text += kReplacement;
+      text += utf8::kReplacement;
       ++from;
       --left;
     }

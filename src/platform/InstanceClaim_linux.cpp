@@ -23,7 +23,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
-constexpr mode_t kKeptOwnerOnly = 01600;
+constexpr mode_t kKeptClaimMode = 01600;
 /// Room for the process number and a path, taken at once: a disk that is full must not show only later.
 constexpr qsizetype kClaimBytes = 512;
 /// So often at most a claim is taken away just when it is opened.
@@ -119,7 +119,7 @@ InstanceClaim::Found InstanceClaim::TakeIn(const QString& folder) {
     if (lock == Lock::Got && may_hold) {
       descriptor_ = descriptor;
       path_ = path;
-      ::fchmod(descriptor, kKeptOwnerOnly);
+      ::fchmod(descriptor, kKeptClaimMode);
       if (Write({})) return Found::Free;
       GiveUp();
       return Found::Unknown;

@@ -10,10 +10,7 @@ namespace tme {
 
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kMarkedHeader = "REGEDIT4\r\n; every key as it was shown\r\n\r\n";
-constexpr std::string_view kHeader = "REGEDIT4\r\n\r\n";
-constexpr std::size_t kPartBytes = std::size_t{1} << 16;
 constexpr std::string_view kDwordMark = "dword:";
 constexpr std::string_view kHexMark = "hex:";
 
@@ -22,7 +19,7 @@ void AppendValue(std::string& out, const RegValueRecord& record) {
   if (record.type == RegType::Dword) out.append(kDwordMark).append(record.data);
   if (record.type == RegType::Hex) out.append(kHexMark).append(record.data);
   if (record.type == RegType::String) out.append("\"").append(record.data).append("\"");
-  out.append(kLineEnd);
+  out.append(kRegLineEnd);
 }
 
 RegNode* FindOrAddKey(RegDocument& document, std::string_view path) {
@@ -67,11 +64,11 @@ bool WriteRegAsShown(const RegDocument& document, const RegSink& sink) {
     const auto records = first ? document.ValuesOfPath(&node) : std::vector<std::size_t>();
     // A key that others are below comes with them; a line for each would grow with the square of the depth.
     if (records.empty() && (node.ChildCount() > 0 || node.Tag() == RegTag::File)) return true;
-    part.append("[").append(path).append("]").append(kLineEnd);
+    part.append("[").append(path).append("]").append(kRegLineEnd);
     for (const std::size_t record : records)
       if (!document.Values()[record].deleted) AppendValue(part, document.Values()[record]);
-    part.append(kLineEnd);
-    if (part.size() < kPartBytes) return true;
+    part.append(kRegLineEnd);
+    if (part.size() < kRegPartBytes) return true;
     const bool going_on = sink(part);
     part.clear();
     return going_on;
@@ -99,7 +96,7 @@ bool ReadRegAsShown(RegDocument& document, std::string_view text) {
 }
 
 std::string WithoutAsShownMark(std::string text) {
-  if (text.starts_with(kMarkedHeader)) text.replace(0, kMarkedHeader.size(), kHeader);
+  if (text.starts_with(kMarkedHeader)) text.replace(0, kMarkedHeader.size(), kRegHeader);
   return text;
 }
 

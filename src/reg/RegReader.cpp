@@ -12,7 +12,7 @@ namespace tme {
 
 namespace {
 
-constexpr std::string_view kHeader = "REGEDIT4";
+constexpr std::string_view kExpectedHeader = "REGEDIT4";
 constexpr std::uint64_t kLargeFileLines = 500;
 constexpr std::size_t kCountBlock = std::size_t{1} << 20;
 constexpr std::uint64_t kLinesPerProgress = 4096;
@@ -81,7 +81,7 @@ RegReadResult RegReader::Read(RegDocument& document, std::string text, const Reg
 bool RegReader::MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result) {
   std::string_view first_line;
   Lines(text).Next(first_line);
-  if (first_line != kHeader && !ask.wrong_header()) {
+  if (first_line != kExpectedHeader && !ask.wrong_header()) {
     result.end = RegReadEnd::HeaderRefused;
     return false;
   }

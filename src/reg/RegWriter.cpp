@@ -12,34 +12,30 @@ namespace tme {
 
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kHeader = "REGEDIT4\r\n\r\n";
-constexpr std::size_t kPartBytes = std::size_t{1} << 16;
-
 using Line = std::array<std::string_view, 6>;
 
 /// Name and data as they are held, nothing escaped. A deleted record is still a line, of an empty name; intended.
 Line ValueLine(const RegValueRecord& record) {
   switch (record.type) {
     case RegType::String:
-      return {"\"", record.name, "\"=\"", record.data, "\"", kLineEnd};
+      return {"\"", record.name, "\"=\"", record.data, "\"", kRegLineEnd};
     case RegType::Dword:
-      return {"\"", record.name, "\"=dword:", record.data, "", kLineEnd};
+      return {"\"", record.name, "\"=dword:", record.data, "", kRegLineEnd};
     case RegType::Hex:
-      return {"\"", record.name, "\"=hex:", record.data, "", kLineEnd};
+      return {"\"", record.name, "\"=hex:", record.data, "", kRegLineEnd};
     case RegType::None:
       break;
   }
-  return {"\"", record.name, "\"=", "", "", kLineEnd};
+  return {"\"", record.name, "\"=", "", "", kRegLineEnd};
 }
 
 /// Gathers lines into parts.
 class Parts {
  public:
-  explicit Parts(const RegSink& sink) : sink_(sink) { part_.reserve(2 * kPartBytes); }
+  explicit Parts(const RegSink& sink) : sink_(sink) { part_.reserve(2 * kRegPartBytes); }
   bool operator()(const Line& line) {
     for (const std::string_view piece : line) part_.append(piece);
-    return part_.size() < kPartBytes || Rest();
+    return part_.size() < kRegPartBytes || Rest();
   }
   /// What is not handed over yet.
   bool Rest() {
@@ -80,12 +76,12 @@ bool WriteReg(const RegDocument& document, RegLayout layout, const RegSink& sink
   const RegValueIndex index(document);
   Parts put(sink);
   const auto block = [&](const std::string& path, std::uint32_t group) {
-    bool going_on = put({"[", path, "]", kLineEnd});
+    bool going_on = put({"[", path, "]", kRegLineEnd});
     const auto put_value = [&](const RegValueRecord& record) { going_on = going_on && put(ValueLine(record)); };
     if (group != RegValueIndex::kNoGroup) index.ForEachRecord(group, put_value);
-    return going_on && put({kLineEnd});
+    return going_on && put({kRegLineEnd});
   };
-  return put({kHeader}) && ForEachBlock(document, index, layout, block) && put.Rest();
+  return put({kRegHeader}) && ForEachBlock(document, index, layout, block) && put.Rest();
 }
 
 std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout) {
@@ -94,9 +90,9 @@ std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout) {
   index.ForEachRecord([&values](std::uint32_t group, const RegValueRecord& record) {
     for (const std::string_view piece : ValueLine(record)) values[group] += piece.size();
   });
-  std::uint64_t bytes = kHeader.size();
+  std::uint64_t bytes = kRegHeader.size();
   ForEachBlock(document, index, layout, [&](const std::string& path, std::uint32_t group) {
-    bytes += 1 + path.size() + 1 + kLineEnd.size() + kLineEnd.size();
+    bytes += 1 + path.size() + 1 + kRegLineEnd.size() + kRegLineEnd.size();
     if (group != RegValueIndex::kNoGroup) bytes += values[group];
     return true;
   });

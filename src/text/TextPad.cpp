@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr int kEdgePixels = 4;
+constexpr int kMarginPixels = 4;
 
 /// The same lines, each ended by `line_end`.
 std::string WithLineEnd(std::string_view text, std::string_view line_end) {
@@ -73,7 +73,7 @@ std::intptr_t TextPad::Send(unsigned message, std::uintptr_t first, std::intptr_
 void TextPad::SetUpView() {
   constexpr int kMargins = 5;
   for (std::uintptr_t margin = 0; margin < kMargins; ++margin) Send(SCI_SETMARGINWIDTHN, margin, 0);
-  Send(SCI_SETMARGINLEFT, 0, kEdgePixels);
+  Send(SCI_SETMARGINLEFT, 0, kMarginPixels);
   Send(SCI_USEPOPUP, SC_POPUP_NEVER);
   Send(SCI_SETRECTANGULARSELECTIONMODIFIER, 0);
   Send(SCI_SETWRAPVISUALFLAGS, SC_WRAPVISUALFLAG_NONE);

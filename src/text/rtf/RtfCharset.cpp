@@ -7,7 +7,6 @@
 namespace tme::rtf {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::size_t kSeveralPlaces = 4096;
 constexpr std::size_t kMaxPages = 64;
 constexpr int kLatinPage = 1252;
@@ -107,12 +106,12 @@ CodePage::CodePage(int number, const DecodeCodePage& decode)
       character = i < 0x20 ? 0 : 0xF000 + i;
     } else if (i >= 0x80) {
       const std::string text = number == kUtf8Page ? std::string() : decode(number, {&byte, 1});
-      Store(singles_[i], Bytes(static_cast<unsigned char>(i)) == 1 && !text.empty() ? text : kReplacement);
+      Store(singles_[i], Bytes(static_cast<unsigned char>(i)) == 1 && !text.empty() ? text : utf8::kReplacement);
       continue;
     }
     std::array<char, utf8::kMaxCharacterBytes> out;
-    Store(singles_[i],
-          character == 0 ? kReplacement : std::string_view(out.data(), utf8::PutCharacter(character, out.data())));
+    Store(singles_[i], character == 0 ? utf8::kReplacement
+                                      : std::string_view(out.data(), utf8::PutCharacter(character, out.data())));
   }
   if (IsDoubleByte(number)) several_.resize(kSeveralPlaces);
 }
@@ -133,21 +132,21 @@ std::string_view CodePage::Single(unsigned char byte) const { return TextOf(sing
 
 std::string_view CodePage::Several(std::string_view bytes) {
   if (number_ == kUtf8Page || several_.empty()) {
-    return number_ == kUtf8Page && utf8::IsValid(bytes) ? bytes : kReplacement;
+    return number_ == kUtf8Page && utf8::IsValid(bytes) ? bytes : utf8::kReplacement;
   }
   const std::uint32_t key = KeyOf(bytes);
   Entry& entry = several_[(key ^ (key >> 12)) % kSeveralPlaces];
   if (entry.key != key) {
     const std::string text = decode_(number_, bytes);
     // A pair that is none comes back as a replacement and whatever its second byte is.
-    Store(entry, text.find(kReplacement) != std::string::npos ? kReplacement : std::string_view(text));
+    Store(entry, text.find(utf8::kReplacement) != std::string::npos ? utf8::kReplacement : std::string_view(text));
     entry.key = key;
   }
   return TextOf(entry);
 }
 
 void CodePage::Store(Entry& entry, std::string_view text) {
-  if (text.size() > entry.text.size()) text = kReplacement;
+  if (text.size() > entry.text.size()) text = utf8::kReplacement;
   entry.size = static_cast<std::uint8_t>(text.size());
   std::copy(text.begin(), text.end(), entry.text.begin());
 }

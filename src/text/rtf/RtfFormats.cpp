@@ -35,7 +35,7 @@ std::string_view Pick(const std::array<std::string_view, count>& words, Choice c
   return words[std::min(static_cast<std::size_t>(choice), count - 1)];
 }
 
-std::string_view Extra(const RtfDocument& document, std::uint32_t number) {
+std::string_view ExtraWords(const RtfDocument& document, std::uint32_t number) {
   return number > 0 && number <= document.extras.size() ? std::string_view(document.extras[number - 1])
                                                         : std::string_view();
 }
@@ -77,14 +77,14 @@ CharFormat PlainFormat(const RtfDocument& document) {
 void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to,
                      RtfOutput& out) {
   const auto shown = [&](std::uint32_t font) { return font < document.fonts.size() ? font : plain.font; };
-  const std::string_view kept = to.extra != from.extra ? Extra(document, to.extra) : std::string_view();
-  const std::string_view kept_before = to.extra != from.extra ? Extra(document, from.extra) : std::string_view();
+  const std::string_view kept = to.extra != from.extra ? ExtraWords(document, to.extra) : std::string_view();
+  const std::string_view kept_before = to.extra != from.extra ? ExtraWords(document, from.extra) : std::string_view();
   // Nothing takes kept control words back one by one, and nothing but \plain names a font that is in no table.
   const bool from_plain = (!kept_before.empty() && kept_before != kept) ||
                           (shown(from.font) != shown(to.font) && shown(to.font) >= document.fonts.size());
   const CharFormat& now = from_plain ? plain : from;
   if (from_plain) out.Words("\\plain");
-  if (from_plain || kept != kept_before) out.Words(Extra(document, to.extra));
+  if (from_plain || kept != kept_before) out.Words(ExtraWords(document, to.extra));
   if (shown(now.font) != shown(to.font)) out.Word("\\f", document.fonts[shown(to.font)].number);
   if (now.half_points != to.half_points) out.Word("\\fs", to.half_points);
   if (now.bold != to.bold) out.Words(to.bold ? "\\b" : "\\b0");
@@ -110,7 +110,7 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
 
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format) {
   std::string text;
-  text.append(Extra(document, format.extra)).append(Pick(kAlignments, format.alignment));
+  text.append(ExtraWords(document, format.extra)).append(Pick(kAlignments, format.alignment));
   AddUnless(text, "\\li", format.left, 0);
   AddUnless(text, "\\ri", format.right, 0);
   AddUnless(text, "\\fi", format.first_line, 0);

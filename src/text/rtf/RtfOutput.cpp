@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kPartBytes = std::size_t{1} << 16;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kDigits = "0123456789abcdef";
-constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 /// Bytes that stand for themselves.
 constexpr std::array<bool, 256> kPlain = [] {
@@ -162,7 +162,7 @@ void RtfOutput::Text(std::string_view text, Alphabet alphabet) {
       Character(*character, alphabet);
     } else {
       text.remove_prefix(1);
-      Character(kReplacement, alphabet);
+      Character(kReplacementCharacter, alphabet);
     }
     HandOnWhenFull();
   }

@@ -8,7 +8,6 @@
 namespace tme::rtf {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kPageBreak = "\f";
 
 bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
@@ -263,7 +262,7 @@ void Parser::ReadByte(unsigned char byte) {
 void Parser::FlushBytes() {
   if (pending_bytes_.empty()) return;
   pending_bytes_.clear();
-  EmitDecoded(kReplacement);
+  EmitDecoded(utf8::kReplacement);
 }
 
 void Parser::ReadUnicode(std::int32_t value) {
@@ -279,11 +278,11 @@ void Parser::ReadUnicode(std::int32_t value) {
     character = 0x10000 + ((pending_surrogate_ - 0xD800) << 10) + (character - 0xDC00);
     pending_surrogate_ = 0;
   } else if (IsHighSurrogate(character)) {
-    if (pending_surrogate_ != 0) EmitDecoded(kReplacement);
+    if (pending_surrogate_ != 0) EmitDecoded(utf8::kReplacement);
     pending_surrogate_ = character;
     return;
   } else if (IsLowSurrogate(character)) {
-    EmitDecoded(kReplacement);
+    EmitDecoded(utf8::kReplacement);
     return;
   }
   // Line ends and page breaks have control words of their own; other controls are kept, as the text of a log has them.
@@ -297,7 +296,7 @@ void Parser::EmitCharacter(char32_t character) {
 
 void Parser::EmitDecoded(std::string_view text) {
   // Names of fonts are often in another page than they say; that is no loss.
-  if (text == kReplacement && Top().destination == Destination::Body) ++document_.losses.unknown_characters;
+  if (text == utf8::kReplacement && Top().destination == Destination::Body) ++document_.losses.unknown_characters;
   Emit(text);
 }
 
@@ -321,7 +320,7 @@ void Parser::Emit(std::string_view text) {
 void Parser::EmitBody(std::string_view text) {
   if (pending_surrogate_ != 0) {  // its other half did not come
     pending_surrogate_ = 0;
-    EmitDecoded(kReplacement);
+    EmitDecoded(utf8::kReplacement);
   }
   if (reading_ == Reading::Label) {
     label_ += text;
