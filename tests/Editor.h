@@ -20,6 +20,9 @@
 /// The whole editor with scripted questions, its settings in the test's own home.
 class Editor : public testing::Test {
  protected:
+  /// A small INI file as a save writes it.
+  static constexpr const char* kIni = "[A]\r\nx=1\r\n\r\n";
+
   Editor();
   ~Editor() override;
 

@@ -12,7 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char* kIniFile = "[A]\r\nx=1\r\n\r\n";
 constexpr const char* kTouched = "[A]\r\nx=1\r\n\r\n[B]\r\n\r\n";
 constexpr const char* kForeign = "changed by another program";
 
@@ -33,7 +32,7 @@ class SavingTest : public Editor {
 }  // namespace
 
 TEST_F(SavingTest, TimerSavesWhatWasTouched) {
-  const QString touched = File(u"a.ini"_s, kIniFile), untouched = File(u"b.ini"_s, kIniFile);
+  const QString touched = File(u"a.ini"_s, kIni), untouched = File(u"b.ini"_s, kIni);
   const QString keys = File(u"c.reg"_s, "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\r\n");
   registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"2"_s);
   Start({touched, untouched, keys});
@@ -45,7 +44,7 @@ TEST_F(SavingTest, TimerSavesWhatWasTouched) {
   QStringList captions;
   QObject::connect(frame_.get(), &QWidget::windowTitleChanged, [&](const QString& caption) { captions += caption; });
   PassMinutes(1);
-  EXPECT_EQ(BytesOf(touched), kIniFile);
+  EXPECT_EQ(BytesOf(touched), kIni);
   PassMinutes(1);
   EXPECT_EQ(BytesOf(touched), kTouched);
   EXPECT_EQ(BytesOf(untouched), kForeign);
@@ -57,7 +56,7 @@ TEST_F(SavingTest, TimerSavesWhatWasTouched) {
 }
 
 TEST_F(SavingTest, TimerCountsAndWaits) {
-  const QString path = File(u"a.ini"_s, kIniFile);
+  const QString path = File(u"a.ini"_s, kIni);
   Start({path});
   // Periods as they are set, the minutes that pass, and whether a save comes in them; the count goes on throughout.
   const std::tuple<int, int, bool> rows[] = {{0, 200, false}, {3, 2, false},   {2, 1, false},
@@ -84,7 +83,7 @@ TEST_F(SavingTest, TimerCountsAndWaits) {
 }
 
 TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
-  const QString path = File(u"a.ini"_s, kIniFile), other = File(u"b.ini"_s, kIniFile);
+  const QString path = File(u"a.ini"_s, kIni), other = File(u"b.ini"_s, kIni);
   Start({path, other});
   Touch(Ini(0));
   frame_->Activate(Ini(1));

@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char* kIni = "[A]\r\nx=1\r\n\r\n";
-
 QString NotAFile(const QString& path) {
   return u"TME was unable to verify that your request was to open a file.\r( "_s + path +
          u" )\rAs such, this action has been canceled."_s;

@@ -19,8 +19,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char* kIni = "[A]\r\nx=1\r\n\r\n";
-
 QString Notice(const DocumentWindow& window) { return window.findChild<NoticeBar*>()->Text(); }
 
 }  // namespace
