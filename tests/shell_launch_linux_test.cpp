@@ -41,18 +41,18 @@ class Launch : public Editor {
 }  // namespace
 
 TEST_F(Launch, OpensInTheRunningFrame) {
-  const QString path = File(u"a.ini"_s, "[A]\r\nx=1\r\n\r\n");
+  const QString paths[] = {File(u"a.ini"_s, kIni), File(u"b.ini"_s, kIni), File(u"c.ini"_s, kIni)};
   ASSERT_TRUE(link_.ClaimOnlyInstance());
   Start();
   EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini(0).Slot().path, path);
+  EXPECT_EQ(Ini(0).Slot().path, paths[0]);
   environment_.remove(u"XDG_RUNTIME_DIR"_s);
-  EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini(1).Slot().path, path) << "su, ssh and cron start without";
+  EXPECT_EQ(Run({u"b.ini"_s}), 0);
+  EXPECT_EQ(Ini(1).Slot().path, paths[1]) << "su, ssh and cron start without";
   registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, u"99999"_s);
   registry_.Flush();
-  EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini(2).Slot().path, path) << "another machine's frame stands there";
+  EXPECT_EQ(Run({u"c.ini"_s}), 0);
+  EXPECT_EQ(Ini(2).Slot().path, paths[2]) << "another machine's frame stands there";
   frame_->ExitApplication();
   EXPECT_EQ(Registered(), u"99999") << "and stays";
 
