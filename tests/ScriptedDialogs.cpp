@@ -32,6 +32,20 @@ tme::MsgAnswer ScriptedDialogs::MsgBox(const QString& text, tme::MsgButtons butt
   return answer.button;
 }
 
+void ScriptedDialogs::ExpectChoice(const QString& text, const QString& title, const QStringList& buttons, int chosen) {
+  Add("Choose " + Shown(title, text, buttons.join(u'|')), {{}, {}, {}, chosen});
+}
+
+int ScriptedDialogs::Choose(const QString& text, const QStringList& buttons, tme::MsgIcon /*icon*/,
+                            const QString& title) {
+  const int last = static_cast<int>(buttons.size()) - 1;
+  if (answer_all_) return *answer_all_ == tme::MsgAnswer::Cancel ? last : 0;
+  const std::string any_text = "Choose " + Shown(title, {}, buttons.join(u'|'));
+  const DialogAnswer answer = Next(IsNext(any_text) ? any_text : "Choose " + Shown(title, text, buttons.join(u'|')));
+  while_asking();
+  return answer.chosen.value_or(last);
+}
+
 QString ScriptedDialogs::InputBox(const QString& prompt, const QString& title, const QString& text) {
   return Next("InputBox " + Shown(title, prompt, text)).input;
 }

@@ -26,6 +26,7 @@ class Script {
 
  protected:
   void Add(const std::string& question, const Answer& answer) { expected_.emplace_back(question, answer); }
+  bool IsNext(const std::string& question) const { return !expected_.empty() && expected_.front().first == question; }
   Answer Next(const std::string& question) {
     if (expected_.empty()) expected_.push_back({"no question", {}});
     const auto [expected, answer] = std::move(expected_.front());
@@ -42,6 +43,7 @@ struct DialogAnswer {
   tme::MsgAnswer button = tme::MsgAnswer::Cancel;
   QString input;
   std::optional<tme::MsgIcon> icon;  ///< the one that the box must show
+  std::optional<int> chosen{};       ///< of buttons of the box's own
 };
 
 class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
@@ -49,6 +51,8 @@ class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
   /// icon: not looked at when absent.
   void ExpectMsgBox(const QString& text, const QString& title, tme::MsgButtons buttons = tme::MsgButtons::Ok,
                     tme::MsgAnswer answer = tme::MsgAnswer::Ok, std::optional<tme::MsgIcon> icon = {});
+  /// text: not looked at when empty. chosen: the index of the button.
+  void ExpectChoice(const QString& text, const QString& title, const QStringList& buttons, int chosen);
   /// answer: empty to cancel.
   void ExpectInputBox(const QString& prompt, const QString& title, const QString& proposed, const QString& answer);
   /// Called while each message is on the screen.
@@ -58,6 +62,8 @@ class ScriptedDialogs : public tme::Dialogs, public Script<DialogAnswer> {
   void AnswerAll(tme::MsgAnswer answer) { answer_all_ = answer; }
 
   tme::MsgAnswer MsgBox(const QString& text, tme::MsgButtons buttons, tme::MsgIcon icon, const QString& title) override;
+  /// Unexpected: the last button.
+  int Choose(const QString& text, const QStringList& buttons, tme::MsgIcon icon, const QString& title) override;
   QString InputBox(const QString& prompt, const QString& title, const QString& text) override;
 
  private:

@@ -5,12 +5,15 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include "WaitFor.h"
 #include "platform/CommonDialog.h"
+#include "platform/Dialogs.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
 
@@ -46,6 +49,19 @@ class FileDialogs : public testing::Test {
  private:
   QTemporaryDir folder_;
 };
+
+TEST(Dialogs, ButtonsOfItsOwnAnswerByTheirPlaceAndEscapeByTheLast) {
+  for (const int chosen : {0, 1, 2}) {
+    WhenShown<QMessageBox>([chosen](QMessageBox* box) {
+      EXPECT_EQ(box->defaultButton()->text(), u"Cancel");
+      EXPECT_EQ(box->text(), u"a\n<b>");
+      if (chosen == 2) return QTest::keyClick(box, Qt::Key_Escape);
+      for (QAbstractButton* button : box->buttons())
+        if (button->text() == (chosen == 0 ? u"&Yes" : u"&No")) button->click();
+    });
+    EXPECT_EQ(Dialogs().Choose(u"a\r<b>"_s, {u"&Yes"_s, u"&No"_s, u"Cancel"_s}, MsgIcon::Warning, u"t"_s), chosen);
+  }
+}
 
 TEST_F(FileDialogs, SaveAddsTheExtensionAndDoesNotAskAboutAnExistingFile) {
   Make("new.TXT"_L1);

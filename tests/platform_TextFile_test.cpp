@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,24 @@ TEST(TextFile, Decodes) {
       {"\xFF\xFE\x41\0\x42"s, "A", Utf16Le, 'B'},
       {"\xFE\xFF\xD8\x3D\xD8\x3D\xDE\x00\xDE\x00"s, "\xED\xA0\xBD\U0001F600\xED\xB8\x80", Utf16Be, {}},
       {"\xFF\xFE\x3D\xD8\x01"s, "\xED\xA0\xBD", Utf16Le, '\x01'},
+      {"Gr\xC3\xBC\xC3\x9F"
+       "e\xFF",
+       "Gr\xC3\xBC\xC3\x9F"
+       "e\xFF",
+       Utf8,
+       {}},
+      {"\xE4\xB8\xAD\xE6\x96\x87\xE5\xAD", "\u4E2D\u6587\xE5\xAD", Utf8, {}},  // cut off: one place
+      {"\x84Spa\xDF\x93", "\u201ESpa\u00DF\u201C", CodePage, {}},
+      {"\xE9\xA0\xBB \xE9t\xE9", "\u00E9\u00A0\u00BB \u00E9t\u00E9", CodePage, {}},
+      {"\xC4\xE3\xBA\xC3\xCA\xC0\xBD\xE7", CodePageToUtf8("\xC4\xE3\xBA\xC3\xCA\xC0\xBD\xE7"), CodePage, {}},  // GBK
+      {"[\0A\0]\0\n\0"s, "[A]\n", Utf16LeUnmarked, {}},
+      {"\0[\0A\0]\0\n"s, "[A]\n", Utf16BeUnmarked, {}},
+      {"[\0-N\x87\x65=\0\0N\n\0"s, "[\u4E2D\u6587=\u4E00\n", Utf16LeUnmarked, {}},
+      {"\x1A\x04;\x04N\x04G\x04=\0"s, "\u041A\u043B\u044E\u0447=", Utf16LeUnmarked, {}},
+      {"abc\0def\0ghi\0"s, "abc\0def\0ghi\0"s, CodePage, {}},                          // a list
+      {"one line\n\0"s, "one line\n\0"s, CodePage, {}},                                // with a NUL at its end
+      {"a\0\0\0b\0c\0d\0e\0"s, "a\0\0\0b\0c\0d\0e\0"s, CodePage, {}},                  // records
+      {"[\0A\0]\0\n\0\0\xD8"s, CodePageToUtf8("[\0A\0]\0\n\0\0\xD8"s), CodePage, {}},  // half a character
   };
   for (const auto& [bytes, text, encoding, stray] : cases) {
     SCOPED_TRACE(testing::PrintToString(bytes));
@@ -70,12 +89,13 @@ TEST(TextFile, WhatIsWrittenIsReadAsTheSameText) {
   const std::vector<std::string> pieces = {"A",      "\r\n",   "\0"s,    "\u00E9", "\u00C3",     "\u00A9",
                                            "\u00EF", "\u00BB", "\u00BF", "\u00FE", "\u00FF",     "\u20AC",
                                            "\u0081", "\u0416", "\uFEFF", "\uFFFE", "\U0001F600", "\U0010FFFF"};
-  for (const TextEncoding encoding : {TextEncoding::CodePage, TextEncoding::Utf8, TextEncoding::Utf8Bom,
-                                      TextEncoding::Utf16Le, TextEncoding::Utf16Be}) {
-    ForEachSequence(pieces, 3, "", [encoding](const std::string& text) {
+  for (int number = 0; number < kTextEncodings; ++number) {
+    const auto encoding = static_cast<TextEncoding>(number);
+    const bool may_change = encoding == TextEncoding::CodePage || encoding >= TextEncoding::Utf16LeUnmarked;
+    ForEachSequence(pieces, 3, "", [&](const std::string& text) {
       TextFormat format{encoding, {}};
       const std::string bytes = EncodeText(text, format);
-      ASSERT_TRUE(format.encoding == encoding || encoding == TextEncoding::CodePage);
+      ASSERT_TRUE(format.encoding == encoding || may_change);
       ASSERT_EQ(DecodeText(bytes).text, text) << EncodingName(encoding) << testing::PrintToString(text);
     });
   }
@@ -161,6 +181,24 @@ TEST_F(WriteFile, OfAnOldFileThatIsGoneTheNewBytesStay) {
   EXPECT_EQ(Get(*fs::directory_iterator(In(""))), "new");
 }
 
+TEST_F(WriteFile, WhatAKilledWriteLeftGoesOnceNobodyWritesIt) {
+  const fs::path left = In(".tme-0123456789abcdef"), young = In(".tme-0123456789abcde0"), other = In(".tme-kept"),
+                 locked = In(".tme-0123456789abcde1");
+  for (const fs::path& path : {left, young, other}) Put(path, "x");
+  FileSteps steps;
+  FileHandle handle = kNoFile;
+  ASSERT_FALSE(steps.OpenTemporary(locked, 0600, handle));
+  for (const fs::path& path : {left, other, locked})
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::minutes(1));
+  RemoveLeftTemporaries(In(""));
+  EXPECT_EQ(FilesInFolder(), 3);
+  EXPECT_FALSE(fs::exists(left));
+  steps.Close(handle);
+  RemoveLeftTemporaries(In(""));
+  EXPECT_FALSE(fs::exists(locked));
+  EXPECT_EQ(FilesInFolder(), 2);
+}
+
 TEST(CodePage, IsABijection) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
@@ -180,6 +218,10 @@ TEST_F(WriteFile, TextInPartsFallsBackToUtf8AsAWhole) {
       {"a\u00E9\n", "\u0416\n", "a\u00E9\n\u0416\n", CodePage, Utf8},
       {"a\n", "\u00C3\u00A9\n", "a\n\u00C3\u00A9\n", CodePage, Utf8},
       {"a\n", "b\n", "\uFEFFa\nb\n", Utf8Bom, Utf8Bom},
+      {"[A", "]\n", std::string_view("\0[\0A\0]\0\n", 8), Utf16BeUnmarked, Utf16BeUnmarked},
+      {"\u4E2D", "\u6587", "\xFF\xFE\x2D\x4E\x87\x65", Utf16LeUnmarked, Utf16Le},
+      {std::string_view("[\0A\0", 4), std::string_view("]\0\n\0", 4), std::string_view("\xEF\xBB\xBF[\0A\0]\0\n\0", 11),
+       CodePage, Utf8Bom},
       {"a", "b", std::string_view("\xFE\xFF\0a\0b", 6), Utf16Be, Utf16Be},
   };
   for (const Row& row : rows) {
@@ -192,7 +234,7 @@ TEST_F(WriteFile, TextInPartsFallsBackToUtf8AsAWhole) {
   TextFormat format;
   EXPECT_EQ(Reason(WriteTextFile(In("text"), format, [](const FilePart& put) { return put("x") && false; })),
             "The file was not completed");
-  EXPECT_EQ(Get(In("text")), rows[4].bytes);
+  EXPECT_EQ(Get(In("text")), std::end(rows)[-1].bytes);
   EXPECT_EQ(FilesInFolder(), 1);
 }
 

@@ -63,6 +63,16 @@ std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surroga
   return character;
 }
 
+std::size_t InvalidBytes(std::string_view text) {
+  if (text.size() < 2) return text.size();
+  const auto lead = static_cast<unsigned char>(text[0]), second = static_cast<unsigned char>(text[1]);
+  // The second bytes of over-long forms, surrogates and what is above U+10FFFF are none of these.
+  const unsigned lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+  const unsigned highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+  if (lead < 0xE0 || lead > 0xF4 || second < lowest || second > highest) return 1;
+  return lead >= 0xF0 && text.size() > 2 && IsContinuation(text[2]) ? 3 : 2;
+}
+
 std::size_t LastCharacterBytes(std::string_view text) {
   if (text.empty()) return 0;
   if (static_cast<unsigned char>(text.back()) < 0x80) return 1;

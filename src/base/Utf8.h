@@ -22,6 +22,10 @@ enum class Surrogates : std::uint8_t { Refuse, Accept };
 /// Takes the first character off `text`. Null, with `text` as it was, when it is empty or begins with an invalid byte.
 std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates = Surrogates::Refuse);
 
+/// How many bytes at the start of `text`, which begin no character, are shown as one U+FFFD: those that a longer
+/// character could begin with (the maximal subpart of the Unicode standard), else one. 0 of an empty text.
+std::size_t InvalidBytes(std::string_view text);
+
 constexpr bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 /// Where the character begins that the byte at `at` belongs to; `at` itself at the end of the text and beyond.

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <limits>
 #include <memory>
 
@@ -119,17 +120,21 @@ QString Breakable(const QString& text) {
   return breakable;
 }
 
+void Fill(QMessageBox& box, const QString& text, MsgIcon icon, const QString& title) {
+  box.setObjectName("MsgBox"_L1);
+  box.setWindowTitle(title);
+  box.setIcon(BoxIcon(icon));
+  if (icon == MsgIcon::Program) box.setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
+  box.setTextFormat(Qt::PlainText);
+  // The texts' line breaks are bare carriage returns.
+  box.setText(Breakable(QString(text).replace(u'\r', u'\n')));
+}
+
 }  // namespace
 
 MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
   const ModalDialog<QMessageBox> box;
-  box->setObjectName("MsgBox"_L1);
-  box->setWindowTitle(title);
-  box->setIcon(BoxIcon(icon));
-  if (icon == MsgIcon::Program) box->setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
-  box->setTextFormat(Qt::PlainText);
-  // The texts' line breaks are bare carriage returns.
-  box->setText(Breakable(QString(text).replace(u'\r', u'\n')));
+  Fill(*box.operator->(), text, icon, title);
   box->setStandardButtons(BoxButtons(buttons));
   if (QAbstractButton* retry = box->button(QMessageBox::Retry))
     retry->setText(QCoreApplication::translate("Dialogs", "&Try Again"));
@@ -139,6 +144,20 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
   box->setEscapeButton(EscapeButton(buttons));
   const int button = box->exec();
   return AnswerOf(box ? button : EscapeButton(buttons));
+}
+
+int Dialogs::Choose(const QString& text, const QStringList& buttons, MsgIcon icon, const QString& title) {
+  const ModalDialog<QMessageBox> box;
+  Fill(*box.operator->(), text, icon, title);
+  const int last = static_cast<int>(buttons.size()) - 1;
+  QList<QAbstractButton*> added;
+  for (int index = 0; index <= last; ++index)
+    added.append(box->addButton(buttons[index], index == last ? QMessageBox::RejectRole : QMessageBox::ActionRole));
+  box->setDefaultButton(static_cast<QPushButton*>(added[last]));
+  box->setEscapeButton(added[last]);
+  box->exec();
+  const auto chosen = box ? added.indexOf(box->clickedButton()) : -1;
+  return chosen < 0 ? last : static_cast<int>(chosen);
 }
 
 QString Dialogs::InputBox(const QString& prompt, const QString& title, const QString& text) {

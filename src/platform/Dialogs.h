@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 
 namespace tme {
@@ -16,6 +17,9 @@ class Dialogs {
   virtual ~Dialogs() = default;
   /// Plain text, never markup. Escape and closing the box answer Cancel where there is one, else No, else Ok.
   virtual MsgAnswer MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title);
+  /// A question with buttons of its own; the index of the one that was chosen. The last one is the default, and what
+  /// Escape and closing the box answer.
+  virtual int Choose(const QString& text, const QStringList& buttons, MsgIcon icon, const QString& title);
   /// Single-line question; empty when cancelled.
   virtual QString InputBox(const QString& prompt, const QString& title, const QString& text = {});
 };

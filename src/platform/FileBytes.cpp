@@ -43,6 +43,18 @@ fs::path TemporaryName(const fs::path& folder) {
   return folder / name.data();
 }
 
+/// Of the system's characters.
+template <typename Name>
+bool IsTemporaryName(const Name& name) {
+  constexpr std::string_view kStart = ".tme-", kDigits = "0123456789abcdef";
+  constexpr std::size_t kRandomDigits = 16;
+  const auto is_digit = [kDigits](auto unit) {
+    return std::find(kDigits.begin(), kDigits.end(), unit) != kDigits.end();
+  };
+  return name.size() == kStart.size() + kRandomDigits && std::equal(kStart.begin(), kStart.end(), name.begin()) &&
+         std::all_of(name.begin() + kStart.size(), name.end(), is_digit);
+}
+
 std::error_code WriteAll(FileSteps& steps, FileHandle handle, std::string_view bytes) {
   while (!bytes.empty()) {
     std::size_t written = 0;
@@ -104,8 +116,14 @@ class Temporary {
     return error;
   }
 
-  /// Leaves the file to the user; its name.
-  fs::path Keep() { return std::exchange(path_, {}); }
+  /// Leaves the file to the user, under a name that is not taken for what a killed save left; that name.
+  fs::path Keep(const fs::path& target) {
+    fs::path temporary = std::exchange(path_, {}), kept = target;
+    kept += temporary.filename();
+    std::error_code error;
+    fs::rename(temporary, kept, error);
+    return error ? temporary : kept;
+  }
 
   FileHandle handle() const { return handle_; }
 
@@ -122,7 +140,7 @@ std::optional<FileFailure> PutInPlace(Temporary& temporary, const system_file::T
   if (!target.exists) return failure;
   system_file::Target left;
   if (!system_file::ResolveTarget(target.path, left) && !left.exists) {
-    const std::u8string name = temporary.Keep().filename().u8string();
+    const std::u8string name = temporary.Keep(target.path).filename().u8string();
     failure.reason += " (what was written is in " + std::string(name.begin(), name.end()) + " beside it)";
     failure.file_damaged = true;
     return failure;
@@ -165,6 +183,25 @@ std::optional<FileFailure> WriteFileInPlace(const fs::path& path, std::string_vi
   return failure;
 }
 
+std::error_code PrivateFileSteps::OpenTemporary(const fs::path& path, unsigned /*mode*/, FileHandle& handle) {
+  return FileSteps::OpenTemporary(path, 0600, handle);
+}
+
+std::optional<FileFailure> WritePrivateFile(const fs::path& path, std::string_view bytes) {
+  PrivateFileSteps steps;
+  MakePrivate(path);
+  return WriteFileParts(
+      path, [bytes](const FilePart& put) { return put(bytes); }, steps);
+}
+
+void RemoveLeftTemporaries(const fs::path& folder) {
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    const fs::path& path = entry->path();
+    if (IsTemporaryName(path.filename().native())) system_file::RemoveIfLeft(path);
+  }
+}
+
 std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProducer& produce, FileSteps& steps) {
   system_file::Target target;
   if (auto failure = system_file::ResolveTarget(path, target)) return failure;
@@ -178,7 +215,9 @@ std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProduc
     return FileFailure{"The folder cannot be written: " + Failure(error).reason, true};
   }
   if (error) return Failure(error);
-  if (target.exists) system_file::TakeOver(target.path, temporary.handle());
+  if (target.exists && !system_file::TakeOver(target.path, temporary.handle())) {
+    return FileFailure{"A new file cannot have the owner, the access rights and the links of the old one", true};
+  }
 
   const bool complete = produce([&temporary, &error](std::string_view bytes) {
     error = temporary.Write(bytes);

@@ -5,6 +5,9 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include "platform/FilePath.h"
+#include "platform/TextFile.h"
+
 namespace tme {
 
 using namespace Qt::StringLiterals;
@@ -18,6 +21,7 @@ QString ShellUtilities::ProgramFolder() const {
 QString ShellUtilities::UserDataFolder() const {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/TamarindEditor"_L1;
   QDir().mkpath(folder);
+  MakePrivate(FilePath(folder));
   return QDir::toNativeSeparators(folder);
 }
 

@@ -22,8 +22,12 @@ struct Target {
 /// Follows links and refuses what is no regular file or must not be written.
 std::optional<FileFailure> ResolveTarget(const std::filesystem::path& path, Target& target);
 
-/// What an existing target has beside its bytes goes over to the file that will replace it, as far as Replace does not
-/// see to it. Nothing here stops a save: a file system without owners or modes has none to keep.
-void TakeOver(const std::filesystem::path& target, FileHandle temporary);
+/// What an existing target has beside its bytes (owner, group, mode, access list, labels) goes over to the file that
+/// will replace it, as far as Replace does not see to it, and nothing else stays there. False when that cannot be done
+/// exactly, or the target has several names: then it has to be written in place.
+bool TakeOver(const std::filesystem::path& target, FileHandle temporary);
+
+/// Removes a temporary file of ours unless a process may still write it.
+void RemoveIfLeft(const std::filesystem::path& temporary);
 
 }  // namespace tme::system_file

@@ -1,11 +1,14 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <ctime>
+#include <map>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "platform/SystemFile.h"
 
@@ -17,6 +20,7 @@ using system_file::Failure;
 
 /// As many as the system follows itself.
 constexpr int kMaxLinks = 40;
+constexpr int kLeftAfterSeconds = 5;
 
 std::error_code Error(int number) { return {number, std::generic_category()}; }
 /// Of the call that failed just now.
@@ -43,26 +47,72 @@ std::error_code ResolveLinks(fs::path& path) {
   return Error(ELOOP);
 }
 
-/// Access lists and labels go over as far as the system lets them.
-void CopyExtendedAttributes(const fs::path& from, int to) {
-  const ssize_t names_size = ::listxattr(from.c_str(), nullptr, 0);
-  if (names_size <= 0) return;
-  std::vector<char> names(static_cast<std::size_t>(names_size) + 1, '\0');
-  if (::listxattr(from.c_str(), names.data(), static_cast<std::size_t>(names_size)) != names_size) return;
-  for (const char* name = names.data(); *name != '\0'; name += std::char_traits<char>::length(name) + 1) {
-    const ssize_t size = ::getxattr(from.c_str(), name, nullptr, 0);
-    if (size < 0) continue;
-    std::vector<char> value(static_cast<std::size_t>(size));
-    if (::getxattr(from.c_str(), name, value.data(), value.size()) != size) continue;
-    ::fsetxattr(to, name, value.data(), value.size(), 0);
+using Attributes = std::map<std::string, std::string>;
+
+// Of a file that may be unreadable, and of an open one.
+ssize_t ListNames(const fs::path& path, char* to, std::size_t room) { return ::listxattr(path.c_str(), to, room); }
+ssize_t ListNames(int file, char* to, std::size_t room) { return ::flistxattr(file, to, room); }
+ssize_t GetValue(const fs::path& path, const char* name, char* to, std::size_t room) {
+  return ::getxattr(path.c_str(), name, to, room);
+}
+ssize_t GetValue(int file, const char* name, char* to, std::size_t room) { return ::fgetxattr(file, name, to, room); }
+
+/// The extended attributes of a file: access lists, labels, what others noted. Nothing when they cannot be told;
+/// a file system that knows none has none.
+template <typename File>
+std::optional<Attributes> ExtendedAttributes(const File& file) {
+  const ssize_t names_size = ListNames(file, nullptr, 0);
+  if (names_size < 0) return errno == ENOTSUP ? std::optional(Attributes()) : std::nullopt;
+  std::string names(static_cast<std::size_t>(names_size), '\0');
+  if (ListNames(file, names.data(), names.size()) != names_size) return std::nullopt;
+  Attributes attributes;
+  for (std::size_t at = 0; at < names.size();) {
+    const std::string name = names.c_str() + at;
+    at += name.size() + 1;
+    const ssize_t size = GetValue(file, name.c_str(), nullptr, 0);
+    if (size < 0) return std::nullopt;
+    std::string value(static_cast<std::size_t>(size), '\0');
+    if (GetValue(file, name.c_str(), value.data(), value.size()) != size) return std::nullopt;
+    attributes.emplace(name, std::move(value));
   }
+  return attributes;
+}
+
+/// Also takes away what the new file has and the old one had not: the access list that its folder gave it.
+bool TakeOverAttributes(const fs::path& from, int to) {
+  const auto wanted = ExtendedAttributes(from), given = ExtendedAttributes(to);
+  if (!wanted || !given) return false;
+  for (const auto& [name, value] : *given)
+    if (!wanted->contains(name) && ::fremovexattr(to, name.c_str()) != 0) return false;
+  for (const auto& [name, value] : *wanted) {
+    const auto same = given->find(name);
+    if (same != given->end() && same->second == value) continue;
+    if (::fsetxattr(to, name.c_str(), value.data(), value.size(), 0) != 0) return false;
+  }
+  return true;
+}
+
+/// Nobody else holds it, and so its writer is gone: one that lives has it locked.
+bool IsLeft(const fs::path& path) {
+  const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+  if (file < 0) return false;
+  struct stat status {};
+  // Young ones may be open and not locked yet, or closed and not yet in place.
+  const bool is_old = ::fstat(file, &status) == 0 && status.st_mtim.tv_sec + kLeftAfterSeconds < ::time(nullptr);
+  const bool is_ours = S_ISREG(status.st_mode) && status.st_uid == ::geteuid() && status.st_nlink == 1;
+  const bool is_left = is_old && is_ours && ::flock(file, LOCK_EX | LOCK_NB) == 0;
+  ::close(file);
+  return is_left;
 }
 
 }  // namespace
 
 std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned mode, FileHandle& handle) {
   handle = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-  return handle != kNoFile ? std::error_code() : LastError();
+  if (handle == kNoFile) return LastError();
+  // Tells RemoveIfLeft of another process that somebody writes it; where there are no locks, none is ever removed.
+  ::flock(Descriptor(handle), LOCK_EX | LOCK_NB);
+  return {};
 }
 
 std::error_code FileSteps::OpenExisting(const fs::path& path, FileHandle& handle) {
@@ -116,6 +166,21 @@ std::optional<FileStamp> StampOf(const fs::path& path) {
                    static_cast<std::uint64_t>(status.st_ino)};
 }
 
+bool IsAbsent(const fs::path& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+TextEncoding SystemUnicode() { return TextEncoding::Utf8; }
+
+void MakePrivate(const fs::path& path) {
+  constexpr mode_t kOthers = 077;
+  struct stat status {};
+  const bool is_wide = ::lstat(path.c_str(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) &&
+                       (status.st_mode & kOthers) != 0;
+  if (is_wide && ::chmod(path.c_str(), status.st_mode & 07777 & ~kOthers) != 0) return;
+}
+
 namespace system_file {
 
 FileFailure Failure(const std::error_code& error) { return FileFailure{error.message()}; }
@@ -161,18 +226,22 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   return std::nullopt;
 }
 
-void TakeOver(const fs::path& target, FileHandle temporary) {
+bool TakeOver(const fs::path& target, FileHandle temporary) {
   const int to = Descriptor(temporary);
-  struct stat old {};
-  if (::stat(target.c_str(), &old) != 0) return;
-  mode_t mode = old.st_mode & 07777;
-  if (::fchown(to, old.st_uid, old.st_gid) != 0) {
-    mode &= 0777;
-    // In another group, members get no more than everybody had.
-    if (::fchown(to, static_cast<uid_t>(-1), old.st_gid) != 0) mode = (mode & ~mode_t{070}) | ((mode & 07) << 3);
-  }
-  CopyExtendedAttributes(target, to);
-  if (::fchmod(to, mode) != 0) return;
+  struct stat old {
+  }, now{};
+  bool is_exact = ::stat(target.c_str(), &old) == 0 && ::fstat(to, &now) == 0 && old.st_nlink == 1;
+  const bool same_owner = old.st_uid == now.st_uid && old.st_gid == now.st_gid;
+  is_exact = is_exact && (same_owner || ::fchown(to, old.st_uid, old.st_gid) == 0);
+  is_exact = is_exact && TakeOverAttributes(target, to);
+  // Last: a new owner takes bits away, and with an access list the mode is part of it.
+  const mode_t mode = old.st_mode & 07777;
+  is_exact = is_exact && ::fchmod(to, mode) == 0 && ::fstat(to, &now) == 0 && (now.st_mode & 07777) == mode;
+  return is_exact;
+}
+
+void RemoveIfLeft(const fs::path& temporary) {
+  if (IsLeft(temporary)) ::unlink(temporary.c_str());
 }
 
 }  // namespace system_file

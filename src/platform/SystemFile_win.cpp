@@ -178,6 +178,16 @@ std::optional<FileStamp> StampOf(const fs::path& path) {
                    Joined(info.nFileIndexHigh, info.nFileIndexLow)};
 }
 
+bool IsAbsent(const fs::path& path) {
+  if (OwnedHandle(OpenToLook(path))) return false;
+  const DWORD error = ::GetLastError();
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+TextEncoding SystemUnicode() { return TextEncoding::Utf16Le; }
+
+void MakePrivate(const fs::path& /*path*/) {}
+
 namespace system_file {
 
 FileFailure Failure(const std::error_code& error) {
@@ -227,14 +237,33 @@ std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
 }
 
 /// Replace brings the access list, the alternate streams and the time of creation; hidden and system files stay such.
-void TakeOver(const fs::path& target, FileHandle temporary) {
-  const DWORD attributes = ::GetFileAttributesW(LongPath(target).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES) return;
+bool TakeOver(const fs::path& target, FileHandle temporary) {
+  const OwnedHandle file(OpenToLook(target));
+  BY_HANDLE_FILE_INFORMATION old{};
+  if (!file || ::GetFileInformationByHandle(file.get(), &old) == 0 || old.nNumberOfLinks > 1) return false;
   FILE_BASIC_INFO info{};  // times of 0 stay as they are
-  info.FileAttributes = attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
-                                      FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
+  info.FileAttributes = old.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                                                FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
   if (info.FileAttributes == 0) info.FileAttributes = FILE_ATTRIBUTE_NORMAL;
   ::SetFileInformationByHandle(Native(temporary), FileBasicInfo, &info, sizeof info);
+  return true;
+}
+
+/// Nobody else has it open, and so its writer is gone. Young ones may be closed and not yet in place.
+void RemoveIfLeft(const fs::path& temporary) {
+  constexpr std::uint64_t kLeftAfter = 50'000'000;  // 5 s, in the system's units of 100 ns
+  const OwnedHandle alone(::CreateFileW(LongPath(temporary).c_str(), DELETE | FILE_READ_ATTRIBUTES, 0, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  BY_HANDLE_FILE_INFORMATION info{};
+  if (!alone || RefuseUnlessRegular(alone.get(), info) || info.nNumberOfLinks != 1) return;
+  FILETIME now{};
+  ::GetSystemTimeAsFileTime(&now);
+  const FILETIME& written = info.ftLastWriteTime;
+  if (Joined(written.dwHighDateTime, written.dwLowDateTime) + kLeftAfter >
+      Joined(now.dwHighDateTime, now.dwLowDateTime))
+    return;
+  FILE_DISPOSITION_INFO gone{TRUE};
+  ::SetFileInformationByHandle(alone.get(), FileDispositionInfo, &gone, sizeof gone);
 }
 
 }  // namespace system_file

@@ -28,9 +28,13 @@ std::optional<TextEncoding> MarkedEncoding(std::string_view bytes) {
   return std::nullopt;
 }
 
+bool IsLittle(TextEncoding encoding) {
+  return encoding == TextEncoding::Utf16Le || encoding == TextEncoding::Utf16LeUnmarked;
+}
+
 /// bytes: without mark; an odd byte at the end is left alone.
 std::string Utf16ToUtf8(std::string_view bytes, TextEncoding encoding) {
-  const std::size_t low_byte = encoding == TextEncoding::Utf16Le ? 0 : 1;
+  const std::size_t low_byte = IsLittle(encoding) ? 0 : 1;
   const auto unit_at = [bytes, low_byte](std::size_t at) {
     const auto low = static_cast<unsigned char>(bytes[at + low_byte]);
     const auto high = static_cast<unsigned char>(bytes[at + 1 - low_byte]);
@@ -60,7 +64,7 @@ std::string Utf16ToUtf8(std::string_view bytes, TextEncoding encoding) {
 }
 
 std::optional<std::string> Utf8ToUtf16(std::string_view text, TextEncoding encoding, bool with_mark) {
-  const bool little = encoding == TextEncoding::Utf16Le;
+  const bool little = IsLittle(encoding);
   const std::string_view mark = !with_mark ? std::string_view() : little ? kUtf16LeMark : kUtf16BeMark;
   std::string bytes(mark.size() + 2 * text.size(), '\0');  // no character takes more than twice its bytes
   std::size_t used = mark.copy(bytes.data(), mark.size());
@@ -84,6 +88,85 @@ std::optional<std::string> Utf8ToUtf16(std::string_view text, TextEncoding encod
   return bytes;
 }
 
+/// Counts what speaks for UTF-8 in bytes without a mark. Parts end where characters do.
+class Utf8Evidence {
+ public:
+  void Add(std::string_view part) {
+    while (true) {
+      part.remove_prefix(utf8::AsciiRun(part));
+      if (part.empty()) return;
+      if (utf8::TakeCharacter(part)) {
+        ++characters_;
+      } else {
+        ++invalid_;
+        part.remove_prefix(utf8::InvalidBytes(part));
+      }
+    }
+  }
+  bool IsAscii() const { return characters_ + invalid_ == 0; }
+  bool IsUtf8() const { return !IsAscii() && characters_ >= 2 * invalid_; }
+
+ private:
+  std::uint64_t characters_ = 0;
+  std::uint64_t invalid_ = 0;
+};
+
+/// Counts what speaks for UTF-16 of one byte order in bytes without a mark. Parts may end anywhere.
+class Utf16Evidence {
+ public:
+  explicit Utf16Evidence(TextEncoding encoding) : little_(IsLittle(encoding)) {}
+
+  void Add(std::string_view part) {
+    for (const char character : part) {
+      const auto byte = static_cast<unsigned char>(character);
+      if (has_first_ = !has_first_; has_first_)
+        first_ = byte;
+      else
+        AddUnit(little_ ? byte : first_, little_ ? first_ : byte);
+      if (refuted_) return;
+    }
+  }
+  bool IsUtf16() const {
+    return !refuted_ && !has_first_ && !after_high_ && units_ >= 4 && 3 * for_ >= units_ && for_ > against_;
+  }
+
+ private:
+  static bool IsPrintable(unsigned byte) { return byte >= 0x20 && byte <= 0x7E; }
+  static bool IsNoTextByte(unsigned byte) { return byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r'; }
+
+  void AddUnit(unsigned high, unsigned low) {
+    const char32_t unit = high << 8 | low;
+    const bool is_private = unit >= 0xE000 && unit <= 0xF8FF;
+    refuted_ = unit == 0 || unit >= 0xFFFE || is_private || IsLowSurrogate(unit) != after_high_;
+    after_high_ = IsHighSurrogate(unit);
+    ++units_;
+    if (IsNoTextByte(high))
+      ++for_;
+    else if (IsNoTextByte(low) || (IsPrintable(high) && IsPrintable(low)))
+      ++against_;
+  }
+
+  const bool little_;
+  bool has_first_ = false;
+  unsigned first_ = 0;
+  bool after_high_ = false;
+  bool refuted_ = false;
+  std::uint64_t units_ = 0, for_ = 0, against_ = 0;
+};
+
+constexpr std::array kUnmarked{TextEncoding::Utf16LeUnmarked, TextEncoding::Utf16BeUnmarked};
+
+/// The byte order of UTF-16 without a mark; null for anything else.
+std::optional<TextEncoding> UnmarkedUtf16(std::string_view bytes) {
+  if (bytes.size() % 2 != 0 || bytes.find('\0') == std::string_view::npos) return std::nullopt;
+  for (const TextEncoding encoding : kUnmarked) {
+    Utf16Evidence evidence(encoding);
+    evidence.Add(bytes);
+    if (evidence.IsUtf16()) return encoding;
+  }
+  return std::nullopt;
+}
+
 /// Encodes a text part by part, and knows in the end whether the bytes will be read as that text again.
 class PartEncoder {
  public:
@@ -92,6 +175,7 @@ class PartEncoder {
   /// Null when the encoding has no place for a character.
   std::optional<std::string> Encode(std::string_view part) {
     const bool first = std::exchange(first_, false);
+    has_nul_ = has_nul_ || part.find('\0') != std::string_view::npos;
     switch (format_.encoding) {
       case TextEncoding::CodePage:
         return ToCodePage(part, first);
@@ -104,29 +188,69 @@ class PartEncoder {
       case TextEncoding::Utf16Le:
       case TextEncoding::Utf16Be:
         return Utf8ToUtf16(part, format_.encoding, first);
+      case TextEncoding::Utf16LeUnmarked:
+      case TextEncoding::Utf16BeUnmarked:
+        return Utf8ToUtf16(part, format_.encoding, false);
     }
     return std::nullopt;
   }
 
   /// After the last part.
   std::string Rest() const { return format_.stray_byte ? std::string(1, *format_.stray_byte) : std::string(); }
-  bool ReadsBack() const { return !beyond_ascii_ || !all_valid_utf8_; }
+  /// all_bytes: hands over what Encode gave, once more; asked for only where NULs make it worth a look.
+  bool ReadsBack(const std::function<bool(const FilePart&)>& all_bytes) const {
+    const TextEncoding encoding = format_.encoding;
+    const bool is_utf16 = encoding == TextEncoding::Utf16LeUnmarked || encoding == TextEncoding::Utf16BeUnmarked;
+    const bool may_look_like_utf16 = has_nul_ && (encoding == TextEncoding::CodePage || encoding == TextEncoding::Utf8);
+    if (encoding == TextEncoding::CodePage && evidence_.IsUtf8()) return false;
+    if (!is_utf16 && !may_look_like_utf16) return true;
+    std::array evidence{Utf16Evidence(kUnmarked[0]), Utf16Evidence(kUnmarked[1])};
+    bool starts = true, is_marked = false, has_nul = false;
+    all_bytes([&](std::string_view part) {
+      if (std::exchange(starts, part.empty() && starts)) is_marked = MarkedEncoding(part).has_value();
+      has_nul = has_nul || part.find('\0') != std::string_view::npos;
+      for (Utf16Evidence& order : evidence) order.Add(part);
+      return true;
+    });
+    const bool first_fits = evidence[0].IsUtf16(), any_fits = first_fits || evidence[1].IsUtf16();
+    if (!is_utf16) return !any_fits;
+    return !is_marked && has_nul && any_fits && first_fits == IsLittle(encoding);
+  }
 
  private:
   std::optional<std::string> ToCodePage(std::string_view part, bool first) {
     if (utf8::AsciiRun(part) == part.size()) return std::string(part);
     auto bytes = Utf8ToCodePage(part);
     if (!bytes || (first && MarkedEncoding(*bytes))) return std::nullopt;
-    beyond_ascii_ = true;
-    all_valid_utf8_ = all_valid_utf8_ && utf8::IsValid(*bytes);
+    evidence_.Add(*bytes);
     return bytes;
   }
 
   const TextFormat format_;
   bool first_ = true;
-  bool beyond_ascii_ = false;
-  bool all_valid_utf8_ = true;
+  bool has_nul_ = false;
+  /// Of bytes of the code page.
+  Utf8Evidence evidence_;
 };
+
+/// What comes next when the format's encoding does not fit.
+TextFormat NextFormat(const TextFormat& format) {
+  switch (format.encoding) {
+    case TextEncoding::CodePage:
+      return {format.fallback, {}, TextEncoding::Utf8};
+    case TextEncoding::Utf16LeUnmarked:
+      return {TextEncoding::Utf16Le, {}, TextEncoding::Utf8};
+    case TextEncoding::Utf16BeUnmarked:
+      return {TextEncoding::Utf16Be, {}, TextEncoding::Utf8};
+    case TextEncoding::Utf16Le:
+    case TextEncoding::Utf16Be:
+      return {TextEncoding::Utf8, {}, TextEncoding::Utf8};
+    case TextEncoding::Utf8:
+    case TextEncoding::Utf8Bom:
+      return {TextEncoding::Utf8Bom, {}, TextEncoding::Utf8};
+  }
+  return {TextEncoding::Utf8Bom, {}, TextEncoding::Utf8};
+}
 
 }  // namespace
 
@@ -142,6 +266,10 @@ std::string_view EncodingName(TextEncoding encoding) {
       return "UTF-16 LE";
     case TextEncoding::Utf16Be:
       return "UTF-16 BE";
+    case TextEncoding::Utf16LeUnmarked:
+      return "UTF-16 LE without byte order mark";
+    case TextEncoding::Utf16BeUnmarked:
+      return "UTF-16 BE without byte order mark";
   }
   return {};
 }
@@ -160,28 +288,30 @@ DecodedText DecodeText(std::string bytes) {
     return decoded;
   }
 
-  const std::string_view rest = std::string_view(bytes).substr(utf8::AsciiRun(bytes));
-  if (rest.empty()) {
-    decoded.text = std::move(bytes);
-  } else if (utf8::IsValid(rest)) {
-    decoded.format.encoding = TextEncoding::Utf8;
-    decoded.text = std::move(bytes);
-  } else {
-    decoded.text = CodePageToUtf8(bytes);
+  if (const auto unmarked = UnmarkedUtf16(bytes)) {
+    decoded.format.encoding = *unmarked;
+    decoded.text = Utf16ToUtf8(bytes, *unmarked);
+    return decoded;
   }
+  Utf8Evidence evidence;
+  evidence.Add(bytes);
+  if (evidence.IsUtf8()) decoded.format.encoding = TextEncoding::Utf8;
+  decoded.text = evidence.IsAscii() || evidence.IsUtf8() ? std::move(bytes) : CodePageToUtf8(bytes);
   return decoded;
 }
 
 std::string EncodeText(std::string text, TextFormat& format) {
-  const bool stands_for_itself = format.encoding == TextEncoding::Utf8
-                                     ? !text.starts_with(kUtf8Mark)
-                                     : format.encoding == TextEncoding::CodePage && utf8::AsciiRun(text) == text.size();
-  if (stands_for_itself) return text;
-  PartEncoder encoder(format);
-  std::optional<std::string> bytes = encoder.Encode(text);
-  if (bytes && encoder.ReadsBack()) return std::move(*bytes) + encoder.Rest();
-  format = {TextEncoding::Utf8, {}};
-  return EncodeText(std::move(text), format);
+  while (true) {
+    const bool may_stand = format.encoding == TextEncoding::Utf8
+                               ? !text.starts_with(kUtf8Mark)
+                               : format.encoding == TextEncoding::CodePage && utf8::AsciiRun(text) == text.size();
+    if (may_stand && !UnmarkedUtf16(text)) return text;
+    PartEncoder encoder(format);
+    std::optional<std::string> bytes = encoder.Encode(text);
+    if (bytes && encoder.ReadsBack([&bytes](const FilePart& put) { return put(*bytes); }))
+      return std::move(*bytes) + encoder.Rest();
+    format = NextFormat(format);
+  }
 }
 
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes) {
@@ -200,21 +330,25 @@ std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, Text
                                          const PartProducer& produce, FileSteps& steps) {
   bool fits = true;
   PartEncoder encoder(format);
+  const auto each_part = [&](PartEncoder& with, const FilePart& put) {
+    return produce([&](std::string_view part) {
+      const std::optional<std::string> bytes = with.Encode(part);
+      fits = bytes.has_value();
+      return fits && put(*bytes);
+    });
+  };
   const auto failure = WriteFileParts(
       path,
       [&](const FilePart& put) {
-        const bool complete = produce([&](std::string_view part) {
-          const std::optional<std::string> bytes = encoder.Encode(part);
-          fits = bytes.has_value();
-          return fits && put(*bytes);
-        });
-        fits = fits && encoder.ReadsBack();
+        const bool complete = each_part(encoder, put);
+        PartEncoder again(format);
+        fits = fits && encoder.ReadsBack([&](const FilePart& look) { return each_part(again, look); });
         // A text without parts has its mark, too.
         return complete && fits && put(encoder.Encode({}).value_or(std::string()) + encoder.Rest());
       },
       steps);
   if (fits) return failure;
-  format = {TextEncoding::Utf8, {}};
+  format = NextFormat(format);
   return WriteTextFile(path, format, produce, steps);
 }
 
