@@ -80,6 +80,15 @@ TEST_F(HistoryTest, OldestGoFirst) {
   EXPECT_EQ(Contents(history), "larger than the store may be 7 6 4 3 2 ");
 }
 
+TEST_F(HistoryTest, AgeIsThatBesideTheNewestOfAFile) {
+  History history(folder_.filePath(u"h"_s));
+  history.Keep(new_, KeptReason::NotSaved, "alone", now_);
+  for (int number = 1; number <= 7; ++number)
+    history.Keep(file_, KeptReason::BeforeSave, std::to_string(number), now_.addDays(number == 7 ? 0 : -100 - number));
+  history.Prune(now_.addDays(120));
+  EXPECT_EQ(Contents(history), "7 6 5 4 3 alone ") << "a clock that is ahead takes nothing, and age spares five";
+}
+
 TEST_F(HistoryTest, PutsUnsavedContentAside) {
   History history(folder_.filePath(u"h"_s));
   history.PutAside(u"2"_s, new_, "second", now_);

@@ -1,6 +1,7 @@
 #include "shell/History.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,13 +17,15 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr auto kOnlyTheUser = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
 const QString kVersions = QStringLiteral("versions");
 const QString kAside = QStringLiteral("aside");
 const QString kBlobs = QStringLiteral("blobs");
 /// Names what is being opened again, and how often that was begun.
 const QString kReopening = QStringLiteral("/reopening");
 const QString kEnding = QStringLiteral(".json");
+
+/// So many of the newest versions of a file never go for their age.
+constexpr int kAlwaysYoung = 5;
 
 /// What nothing names yet may be on its way: only what is older goes.
 constexpr qint64 kSettledSeconds = 3600;
@@ -58,10 +61,10 @@ std::optional<FileFailure> MakeFolder(const QString& path) {
   // Of two threads that make the folders on one way, one would fail at a folder that the other has just made.
   static std::mutex one_at_a_time;
   const std::scoped_lock lock(one_at_a_time);
-  if (QFileInfo(path).isDir()) return std::nullopt;
-  if (std::error_code error; std::filesystem::create_directories(FilePath(path), error), error)
+  const std::filesystem::path folder = FilePath(path);
+  if (std::error_code error; !QFileInfo(path).isDir() && (std::filesystem::create_directories(folder, error), error))
     return FileFailure{"The folder " + path.toStdString() + " cannot be made: " + system_file::Failure(error).reason};
-  QFile::setPermissions(path, kOnlyTheUser);
+  MakePrivate(folder);
   return std::nullopt;
 }
 
@@ -123,12 +126,24 @@ std::optional<KeptVersion> NewestRecord(const QString& folder, const ContentOrig
 
 std::optional<FileFailure> WriteRecord(const QString& folder, const KeptVersion& record) {
   if (const auto failure = MakeFolder(folder)) return failure;
-  return WriteFileBytes(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
+  return WritePrivateFile(FilePath(folder + u'/' + record.id + kEnding), ToBytes(record));
 }
 
 FileFailure NotKeptFirst(FileFailure failure) {
   failure.reason = "What the file holds could not be kept in the history first: " + failure.reason;
   return failure;
+}
+
+/// An earlier version, or a copy from elsewhere, may have left others more rights.
+void MakeAllPrivate(const QString& folder) {
+  MakePrivate(FilePath(folder));
+  constexpr auto kOthers =
+      QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+  constexpr auto kAll = QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot;
+  for (QDirIterator entry(folder, kAll, QDirIterator::Subdirectories); entry.hasNext();) {
+    entry.next();
+    if (entry.fileInfo().permissions().testAnyFlags(kOthers)) MakePrivate(FilePath(entry.filePath()));
+  }
 }
 
 /// Not of one that is gone: what is written there next is young.
@@ -166,10 +181,13 @@ History::History(QString folder, HistoryLimits limits)
 
 bool History::Claim() {
   const std::scoped_lock lock(mutex_);
-  if (claim_.isLocked() || !QFileInfo(folder_).isDir() || claim_.tryLock()) return true;
+  if (claim_.isLocked() || !QFileInfo(folder_).isDir()) return true;
+  MakePrivate(FilePath(folder_));
   // A machine that stopped may leave a claim without a word in it, which never grows stale. The file cannot be taken
   // from a process that lives: the system's own lock is on it.
-  return claim_.removeStaleLockFile() && claim_.tryLock();
+  const bool is_ours = claim_.tryLock() || (claim_.removeStaleLockFile() && claim_.tryLock());
+  if (is_ours) MakePrivate(FilePath(claim_.fileName()));
+  return is_ours;
 }
 
 QString History::NewId() {
@@ -206,8 +224,9 @@ std::optional<FileFailure> History::Store(std::string_view content, const QByteA
     return std::nullopt;
   if (const auto failure = MakeFolder(folder_)) return failure;
   Claim();
-  if (const auto failure = MakeFolder(QFileInfo(path).path())) return failure;
-  return WriteFileBytes(FilePath(path), content);
+  for (const QString& folder : {folder_ + u'/' + kBlobs, QFileInfo(path).path()})
+    if (const auto failure = MakeFolder(folder)) return failure;
+  return WritePrivateFile(FilePath(path), content);
 }
 
 std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
@@ -230,17 +249,19 @@ std::optional<FileFailure> History::Keep(const ContentOrigin& origin, KeptReason
 }
 
 std::optional<FileFailure> History::KeepFile(const ContentOrigin& origin, KeptReason reason) {
-  if (!StampOf(FilePath(origin.path))) return std::nullopt;
   std::string bytes;
-  if (auto failure = ReadFileBytes(FilePath(origin.path), bytes)) return failure;
+  if (auto failure = ReadFileBytes(FilePath(origin.path), bytes))
+    return IsAbsent(FilePath(origin.path)) ? std::nullopt : failure;
   return Keep(origin, reason, bytes);
 }
 
-std::optional<FileFailure> History::Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps) {
+std::optional<FileFailure> History::Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps,
+                                              Unkept unkept) {
   const std::filesystem::path file = FilePath(origin.path);
   std::string old_bytes;
   if (auto failure = ReadFileBytes(file, old_bytes)) return failure;
-  if (auto failure = Keep(origin, KeptReason::BeforeSave, old_bytes)) return NotKeptFirst(std::move(*failure));
+  if (auto failure = Keep(origin, KeptReason::BeforeSave, old_bytes); failure && unkept == Unkept::Refused)
+    return NotKeptFirst(std::move(*failure));
   return WriteFileInPlace(file, bytes, old_bytes, steps);
 }
 
@@ -248,7 +269,7 @@ std::optional<FileFailure> History::ReplaceFile(const ContentOrigin& origin, std
   if (auto failure = KeepFile(origin)) return NotKeptFirst(std::move(*failure));
   auto failure = WriteFileBytes(FilePath(origin.path), bytes);
   FileSteps steps;
-  if (failure && failure->folder_refused && StampOf(FilePath(origin.path))) failure = Overwrite(origin, bytes, steps);
+  if (failure && failure->folder_refused && !IsAbsent(FilePath(origin.path))) failure = Overwrite(origin, bytes, steps);
   return failure;
 }
 
@@ -315,7 +336,7 @@ int History::BeginReopening(const QString& id) {
     ended_over_ = Reopening{text.section(u' ', 0, 0), text.section(u' ', 1).toInt()};
   }
   const int attempts = ended_over_->id == id ? ended_over_->attempts : 0;
-  WriteFileBytes(file, (id + u' ' + QString::number(attempts + 1)).toStdString());
+  WritePrivateFile(file, (id + u' ' + QString::number(attempts + 1)).toStdString());
   return attempts;
 }
 
@@ -325,6 +346,7 @@ QList<KeptVersion> History::Aside() const { return ReadRecords(folder_ + u'/' + 
 
 void History::Prune(const QDateTime& now) {
   if (!Claim()) return;
+  MakeAllPrivate(folder_);
   const QDateTime settled = now.addSecs(-kSettledSeconds);
   for (const QString& folder : {kVersions, kAside})
     for (const QFileInfo& torn : QDir(folder_ + u'/' + folder).entryInfoList(QDir::Files | QDir::Hidden))
@@ -335,10 +357,15 @@ void History::Prune(const QDateTime& now) {
   qint64 total = 0;
   const QList<KeptVersion> versions = Versions();
   const QString newest = versions.isEmpty() ? QString() : versions.first().id;
+  QHash<QString, QDateTime> latest_of;
   for (const KeptVersion& version : versions) {
     const qint64 bytes = named.contains(version.digest) ? 0 : version.bytes;
-    const bool within = ++of_file[OriginKey(version.origin)] <= limits_.versions_per_file &&
-                        version.time.daysTo(now) <= limits_.days && total + bytes <= limits_.total_bytes;
+    const QString key = OriginKey(version.origin);
+    const int number = ++of_file[key];
+    if (number == 1) latest_of.insert(key, version.time);
+    // Beside each other, not by the clock, which may be wrong today.
+    const bool is_young = number <= kAlwaysYoung || version.time.daysTo(latest_of[key]) <= limits_.days;
+    const bool within = number <= limits_.versions_per_file && is_young && total + bytes <= limits_.total_bytes;
     // What goes, for whatever reason, takes no room from what is older.
     if (within) total += bytes;
     // The newest stays, however large: it was kept for a reason a moment ago.

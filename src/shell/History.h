@@ -50,7 +50,7 @@ struct KeptVersion {
 /// that is put aside never goes.
 struct HistoryLimits {
   int versions_per_file = 40;
-  int days = 90;
+  int days = 90;  ///< between a version of a file and its newest one; the newest five never go for their age
   qint64 total_bytes = qint64{1} << 30;
 };
 
@@ -69,9 +69,14 @@ class History {
                                   const QDateTime& time = QDateTime::currentDateTimeUtc());
   /// Keeps what the origin's file holds, before something else is written there; no file is no failure.
   std::optional<FileFailure> KeepFile(const ContentOrigin& origin, KeptReason reason = KeptReason::BeforeSave);
-  /// Writes over the bytes of the origin's file, for a folder that takes no new file. They join the history first, or
-  /// nothing is written.
-  std::optional<FileFailure> Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps);
+  /// What becomes of a write whose old bytes the history cannot take.
+  enum class Unkept : std::uint8_t {
+    Refused,
+    Accepted,  ///< the user was asked
+  };
+  /// Writes over the bytes of the origin's file, for a folder that takes no new file. They join the history first.
+  std::optional<FileFailure> Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps,
+                                       Unkept unkept = Unkept::Refused);
   /// Keeps what the origin's file holds and puts these bytes there: whole or not at all, or by Overwrite.
   std::optional<FileFailure> ReplaceFile(const ContentOrigin& origin, std::string_view bytes);
   /// Newest first. path: of this file only.
