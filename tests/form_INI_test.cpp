@@ -195,15 +195,33 @@ TEST_F(Editor, SavedBytesKeepTheEncodingOrBecomeUtf8) {
     EXPECT_EQ(BytesOf(path), row.saved) << row.name;
     Ini().FileClose();
   }
-  const QString path = File(u"a.ini"_s, "[A]\r\nx=1\r\n\r\n");
-  OpenPathList(global_, path);
-  Select(Ini(), {u"A"_s, u"x=1"_s});
-  OnDialog(u"form_ADE"_s, Fill(u"x"_s, u"\u0416"_s));
-  Ini().findChild<QPushButton*>(u"cmd_Edit"_s)->click();
-  Ini().SaveFile();
-  EXPECT_EQ(BytesOf(path), "[A]\r\nx=\xD0\x96\r\n\r\n") << "no '?' for a character";
-  EXPECT_TRUE(NoticeOf(Ini()).contains(u"UTF-8"));
+  // A character without a place: what becomes of a file, and of the next one after the user chose otherwise.
+  const std::string in_utf8 = "[A]\r\nx=\xD0\x96\r\n\r\n",
+                    in_utf16("\xFF\xFE[\0A\0]\0\r\0\n\0x\0=\0\x16\x04\r\0\n\0\r\0\n\0", 26);
+  const auto save_with_zhe = [&](const std::string& bytes) {
+    const QString path = File(u"a.ini"_s, bytes);
+    OpenPathList(global_, path);
+    Select(Ini(), {u"A"_s, u"x=1"_s});
+    OnDialog(u"form_ADE"_s, Fill(u"x"_s, u"\u0416"_s));
+    Ini().findChild<QPushButton*>(u"cmd_Edit"_s)->click();
+    Ini().SaveFile();
+    return BytesOf(path);
+  };
+  const std::string ascii = "[A]\r\nx=1\r\n\r\n";
+  EXPECT_EQ(save_with_zhe(ascii), SystemUnicode() == TextEncoding::Utf8 ? in_utf8 : in_utf16);
+  EXPECT_TRUE(NoticeOf(Ini()).contains(u"has no place for"));
   EXPECT_EQ(Ini().windowTitle(), u"a.ini");
+  for (const auto& [caption, saved] : {std::pair(u"Write as UTF-8 with byte order mark"_s, "\xEF\xBB\xBF" + in_utf8),
+                                       std::pair(u"Write as UTF-16 LE"_s, in_utf16)}) {
+    for (QPushButton* button : Ini().findChildren<QPushButton*>(u"notice_action"_s))
+      if (button->text() == caption) button->click();
+    EXPECT_EQ(BytesOf(Ini().Slot().path), saved);
+    Ini().FileClose();
+    EXPECT_EQ(save_with_zhe(ascii), saved) << "the last choice";
+  }
+  Ini().FileClose();
+  EXPECT_EQ(save_with_zhe("[A]\r\nx=1\r\ny=\xE9\r\n\r\n").substr(0, 2), "\xFF\xFE")
+      << "who reads 8 bits reads no UTF-8";
 }
 
 TEST_F(Editor, SaveAsAsksAndGoesBackWhenCancelled) {

@@ -149,7 +149,7 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   EXPECT_EQ(BytesOf(other), "old");
 
   common_dialog_.ExpectSave(InFolder(u"no folder/x.txt"_s));
-  dialogs_.ExpectMsgBox(u"TME could not save the file\r( %1 )\r%2.  The file on disk is unchanged."_s.arg(
+  dialogs_.ExpectMsgBox(u"TME could not save the file\r( %1 )\r%2.  Nothing was written."_s.arg(
                             InFolder(u"no folder/x.txt"_s), NothingThere(Missing::Folder)),
                         u"Tamarind Editor"_s);
   window.SaveAs();

@@ -6,6 +6,7 @@
 #include "reg/form_REG.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
+#include "shell/NoticeBar.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -53,6 +54,19 @@ TEST_F(SavingTest, TimerSavesWhatWasTouched) {
   File(u"a.ini"_s, kForeign);
   PassMinutes(2);
   EXPECT_EQ(BytesOf(touched), kForeign) << "written, and not touched since";
+}
+
+TEST_F(SavingTest, TimerPassesOverWhatItWouldHaveToAskAbout) {
+  File(u"history"_s, "a file where the folder should be");
+  const QString cut = File(u"a.ini"_s, "[A]\nx=1\n\ny=2"), whole = File(u"b.ini"_s, kIni);
+  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"1"_s);
+  Start({cut, whole});
+  for (const int slot : {0, 1}) Touch(Ini(slot));
+  PassMinutes(2);
+  EXPECT_EQ(BytesOf(cut), "[A]\nx=1\n\ny=2");
+  EXPECT_EQ(BytesOf(whole), kTouched);
+  EXPECT_EQ(Ini(0).findChild<NoticeBar*>()->Text().count(u"AutoSave passed over"_s), 1);
+  EXPECT_FALSE(global_.saving_unasked);
 }
 
 TEST_F(SavingTest, TimerCountsAndWaits) {

@@ -7,6 +7,7 @@
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
+#include "shell/OpenDispatch.h"
 #include "shell/Rescue.h"
 
 using namespace tme;
@@ -307,7 +308,7 @@ TEST_F(RescueTest, ASaveUnderANewNameHasTheOldOneMeanwhile) {
   }
 }
 
-TEST_F(RescueTest, AStoreThatCannotBeWrittenStopsNoSave) {
+TEST_F(RescueTest, WhatNoCopyHoldsIsReplacedOnlyWhenTheUserSaysSo) {
   File(u"history"_s, "a file where the folder should be");
   Start();
   for (const Kind& row : kRows) {
@@ -317,6 +318,11 @@ TEST_F(RescueTest, AStoreThatCannotBeWrittenStopsNoSave) {
     frame_->UnsavedContent().Look(Rescue::Clock::now());
     frame_->UnsavedContent().WaitForDisk();
     common_dialog_.filter_index = 1;
+    dialogs_.AnswerAll(MsgAnswer::Cancel);
+    QMetaObject::invokeMethod(&window, row.save);
+    EXPECT_EQ(BytesOf(path), row.old_bytes);
+    EXPECT_TRUE(window.IsTouched());
+    dialogs_.AnswerAll(MsgAnswer::Yes);
     QMetaObject::invokeMethod(&window, row.save);
     EXPECT_NE(BytesOf(path), row.old_bytes);
     EXPECT_FALSE(window.IsTouched());
@@ -326,6 +332,65 @@ TEST_F(RescueTest, AStoreThatCannotBeWrittenStopsNoSave) {
     window.FileClose();
     EXPECT_EQ(window.Tag(), u"") << "nor a close";
   }
+}
+
+TEST_F(RescueTest, WithoutAHistoryOnlyWhatADocumentHoldsIsReplacedUnasked) {
+  File(u"history"_s, "a file where the folder should be");
+  const struct {
+    const char *name, *bytes;
+    bool asks;
+  } rows[] = {{"a.ini", "[A]\r\nx=1\r\n\r\n", false},
+              {"b.ini", "[B]\nx=1\n\ny=2\n", true},
+              {"c.reg", "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\"x\"=\"1\"\r\n\r\n", false},
+              {"d.reg", "REGEDIT4\r\n\r\n;c\r\n[HKEY_USERS\\A]\r\n\"x\"=\"1\"\r\n\r\n", true},
+              {"e.txt", "text", false},
+              {"f.rtf", "{\\rtf1 a}", false},
+              {"g.rtf", "no rich text", false}};
+  Start();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const QString path = File(QString::fromLatin1(row.name), row.bytes);
+    OpenPathList(global_, path);
+    DocumentWindow& window = *frame_->ActiveDocument();
+    common_dialog_.filter_index = 1;
+    for (const bool is_foreign : {false, true}) {
+      if (is_foreign) File(QString::fromLatin1(row.name), "theirs");
+      const bool asks = row.asks || is_foreign;
+      int asked = 0;
+      dialogs_.while_asking = [&asked] { ++asked; };
+      if (asks) {
+        // The reason is the system's.
+        dialogs_.ExpectChoice({}, u"Tamarind Editor"_s, {u"Save &Anyway"_s, u"&Save As..."_s, u"Cancel"_s}, 1);
+        common_dialog_.ExpectSave(path + u".copy"_s);
+      }
+      QMetaObject::invokeMethod(&window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
+      EXPECT_EQ(asked, asks ? 1 : 0);
+      EXPECT_EQ(window.Slot().path, asks ? path + u".copy"_s : path);
+      if (!asks) continue;
+      EXPECT_EQ(BytesOf(path), is_foreign ? "theirs" : row.bytes);
+      break;
+    }
+    window.FileClose();
+  }
+}
+
+TEST_F(RescueTest, AFileOfSeveralNamesIsWrittenInPlaceOnceItsBytesAreKept) {
+  const QString path = File(u"a.txt"_s, "old"), other = InFolder(u"b.txt"_s);
+  std::error_code error;
+  std::filesystem::create_hard_link(path.toStdU16String(), other.toStdU16String(), error);
+  if (error) GTEST_SKIP() << error.message();
+  Start({path});
+  Window(DocumentKind::Txt).PutContent("new");
+  QMetaObject::invokeMethod(&Window(DocumentKind::Txt), "SaveFile");
+  EXPECT_EQ(BytesOf(path), "new");
+  EXPECT_EQ(BytesOf(other), "new");
+  EXPECT_TRUE(HistoryHolds("old"));
+}
+
+TEST_F(RescueTest, ARecordWithANameThatIsNoTextOpens) {
+  history_.PutAside(u"1"_s, {DocumentKind::Txt, u"/a"_s + QChar(0xD800) + u".txt"_s, u"a"_s}, "text");
+  Start();
+  EXPECT_EQ(Window(DocumentKind::Txt).Content(), "text");
 }
 
 TEST_F(RescueTest, AChangeOnTheDiskIsToldOnceAndKept) {

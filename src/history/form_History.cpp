@@ -427,7 +427,7 @@ void form_History::cmd_SaveCopy_Click() {
   if (const auto failure = global_.history.ReplaceFile(target, *content))
     global_.dialogs.MsgBox(
         tr("The copy could not be written to %1: %2.  %3")
-            .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(*failure)),
+            .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(path, *failure)),
         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   else
     RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());

@@ -42,6 +42,9 @@ constexpr int kTreeMargin = 100;
 constexpr int kButtonsAboveBottom = 1000;
 constexpr int kOpenedWidth = 6800;
 constexpr int kButtonGapPixels = 4;
+SaveDialogTexts SaveTexts() { return {u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s}; }
+/// The setting that names what the user last chose for a file that was plain ASCII.
+const QString kUnicodeValue = QStringLiteral("INIUnicode");
 /// Text of the root of a document without a file.
 constexpr const char* kNewTitle = "New INI File";
 
@@ -228,7 +231,7 @@ void form_INI::ShowSelection() {
 
 void form_INI::NewINI() {
   TakeSlot();
-  format_ = {};
+  SetFormat({});
   tree_.Reset(kNewTitle);
   tree_.SetExpanded(tree_.Root(), true);
   RestoreView();
@@ -243,10 +246,11 @@ void form_INI::NewINI() {
 void form_INI::OpenINI() {
   std::optional<DecodedText> decoded = TakeSlotFile();
   if (!decoded) return;
-  format_ = decoded->format;
+  SetFormat(*decoded);
   tree_.Reset(Slot().title.toStdString());
   const IniReadResult result = Read(std::move(decoded->text));
   MarkClean();
+  SetTookAll(LeftOutOf(result).isEmpty());
   RecordOpened();
   AddNotice(NoticeOf(result, tr("The file")));
   SetLeftOut(LeftOutOf(result));
@@ -286,11 +290,10 @@ form_INI::SaveOutcome form_INI::SaveElsewhere() {
 
 form_INI::SaveOutcome form_INI::Save() {
   DocumentSlot& slot = Slot();
-  const bool chosen = slot.path.isEmpty();
-  const QString path = chosen ? AskForSavePath(global_, {u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s}) : slot.path;
+  QString path = slot.path.isEmpty() ? AskForSavePath(global_, SaveTexts()) : slot.path;
   if (path.isEmpty()) return SaveOutcome::Cancelled;
   if (!WriteTo(path)) return SaveOutcome::Failed;
-  if (chosen) {
+  if (path != slot.path) {
     slot.path = path;
     slot.title = QFileInfo(path).fileName();
     tree_.SetText(tree_.Root(), slot.title.toStdString());
@@ -306,24 +309,54 @@ PartProducer form_INI::Producer() const {
   return [this](const FilePart& put) { return put(WriteIni(tree_)); };
 }
 
-bool form_INI::WriteTo(const QString& path) {
-  const Hourglass hourglass;
+void form_INI::SetFormat(const DecodedText& decoded) {
+  format_ = decoded.format;
+  is_8bit_ = format_.encoding == TextEncoding::CodePage && utf8::AsciiRun(decoded.text) != decoded.text.size();
+}
+
+TextFormat form_INI::FormatToWrite() const {
   TextFormat format = format_;
-  if (!WriteDocument(path, &format, Producer())) return false;
-  AddEncodingNotice(format_.encoding, format.encoding);
+  const QString last_choice = global_.registry.ReadValue(SettingsRoot, kUnicodeValue);
+  format.fallback = is_8bit_ ? TextEncoding::Utf16Le : SystemUnicode();
+  for (const TextEncoding choice : {TextEncoding::Utf16Le, TextEncoding::Utf8, TextEncoding::Utf8Bom})
+    if (!is_8bit_ && last_choice == QString::fromUtf8(EncodingName(choice))) format.fallback = choice;
+  return format;
+}
+
+bool form_INI::WriteTo(QString& path) {
+  const Hourglass hourglass;
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
+  TextFormat format = FormatToWrite();
+  bool is_ascii = true;
+  const PartProducer produce = [&](const FilePart& put) {
+    return Producer()([&](std::string_view part) {
+      is_ascii = utf8::AsciiRun(part) == part.size();
+      return put(part);
+    });
+  };
+  if (!target || !WriteDocument(*target, &format, produce)) return false;
+  path = target->path;
+  const auto write_as = [this, was_8bit = is_8bit_](TextEncoding encoding) {
+    if (!was_8bit && global_.settings.present)
+      global_.registry.WriteValue(SettingsRoot, kUnicodeValue, kTextType, QString::fromUtf8(EncodingName(encoding)));
+    format_ = {encoding, {}};
+    Save();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
   AddNotice(NoticeOf(tree_));
   format_ = format;
+  is_8bit_ = format.encoding == TextEncoding::CodePage && !is_ascii;
   return true;
 }
 
 std::string form_INI::Content() {
-  TextFormat format = format_;
+  TextFormat format = FormatToWrite();
   return BytesOf(&format, Producer());
 }
 
 void form_INI::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
-  format_ = decoded.format;
+  SetFormat(decoded);
   tree_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
   ReadKept(decoded.text);
   SetChanged(true);

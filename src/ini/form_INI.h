@@ -75,7 +75,9 @@ class form_INI : public DocumentWindow {
 
   SaveOutcome Save();
   SaveOutcome SaveElsewhere();
-  bool WriteTo(const QString& path);
+  bool WriteTo(QString& path);
+  void SetFormat(const DecodedText& decoded);
+  TextFormat FormatToWrite() const;
   PartProducer Producer() const;
 
   void cmd_Edit_Click();
@@ -90,6 +92,8 @@ class form_INI : public DocumentWindow {
 
   IniTree tree_;
   TextFormat format_;
+  /// The file has characters of the 8-bit code page, so who reads it takes it for that or for UTF-16, never for UTF-8.
+  bool is_8bit_ = false;
   std::unique_ptr<IniItemModel> model_;
   QTreeView* TV = nullptr;
   QTextEdit* RTFPrintBox = nullptr;

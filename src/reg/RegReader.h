@@ -69,6 +69,12 @@ struct RegReadResult {
   /// Anything else: lines before the first key (but not the first line, which was asked about), lines that are no
   /// value.
   std::uint64_t other_lines = 0;
+
+  /// The document holds every line.
+  bool TookAll() const {
+    return end == RegReadEnd::EndOfInput &&
+           failed_lines + comment_lines + typed_hex_values + unfinished_last_line + other_lines == 0;
+  }
 };
 
 /// Fills a fresh document from the text of a registry export file.

@@ -45,6 +45,7 @@ constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
 /// Twips, where the settings have none.
 constexpr std::array kColumnWidths{2700, 1100, 4500};
 constexpr const char* kErrorLogName = "REG_ERR.TME";
+SaveDialogTexts SaveTexts() { return {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s}; }
 /// Text of the root of a document without a file.
 constexpr const char* kNewTitle = "New Registry File";
 constexpr const char* kPrintFileName = "~REGPRNT.TMP";
@@ -256,6 +257,7 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
+  SetTookAll(result.TookAll());
   if (result.end != RegReadEnd::LargeFileRefused) RecordOpened();
   AddNotice(NoticeOf(result));
   AddNotice(NoticeOf(document_));
@@ -318,7 +320,9 @@ void form_REG::ReportErrors(const std::string& error_log) {
   const std::string text = "The following entries could not be processed:\r\n\r\n" + error_log + "\r\n";
   const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
     TextFormat format = format_;
-    return WriteTextFile(file, format, [&text](const FilePart& put) { return put(text); });
+    PrivateFileSteps steps;
+    return WriteTextFile(
+        file, format, [&text](const FilePart& put) { return put(text); }, steps);
   });
   if (path.isEmpty()) return;
   global_.dialogs.MsgBox(u"Errors were reported during inport.  Please see "_s + path + u"  for details."_s,
@@ -332,6 +336,7 @@ QString form_REG::WriteOwnFile(
   std::optional<FileFailure> failure;
   for (const QString& folder : {utilities.ProgramFolder(), utilities.UserDataFolder()}) {
     path = QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
+    MakePrivate(FilePath(path));
     failure = write(FilePath(path));
     if (!failure) return path;
   }
@@ -364,8 +369,7 @@ form_REG::SaveOutcome form_REG::WriteRegFile() {
   const QString location = lbl_location->text();
   SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
   QString path = slot.path;
-  if (std::exchange(force_dialog_, false) || path.isEmpty())
-    path = AskForSavePath(global_, {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s});
+  if (std::exchange(force_dialog_, false) || path.isEmpty()) path = AskForSavePath(global_, SaveTexts());
   const bool saved = !path.isEmpty() && WriteTo(path);
   if (!saved) {
     SetLocation(location);
@@ -394,20 +398,29 @@ std::optional<FileFailure> form_REG::CheckGrowth() const {
                      std::to_string(kMaxRegGrowth) + " times the size of the document"};
 }
 
+bool form_REG::HoldsWholeFile() const { return DocumentWindow::HoldsWholeFile() && document_.UnsavedValues() == 0; }
+
 PartProducer form_REG::Producer() const {
   const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
   return [this, layout](const FilePart& put) { return WriteReg(document_, layout, put); };
 }
 
-bool form_REG::WriteTo(const QString& path) {
+bool form_REG::WriteTo(QString& path) {
   const Hourglass hourglass;
   if (const auto failure = CheckGrowth()) {
     ShowWriteFailure(path, *failure);
     return false;
   }
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
   TextFormat format = format_;
-  if (!WriteDocument(path, &format, Producer())) return false;
-  AddEncodingNotice(format_.encoding, format.encoding);
+  format.fallback = TextEncoding::Utf16Le;  // as the system's own registry files
+  if (!target || !WriteDocument(*target, &format, Producer())) return false;
+  path = target->path;
+  const auto write_as = [this](TextEncoding encoding) {
+    format_ = {encoding, {}};
+    WriteRegFile();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
   format_ = format;
   return true;
 }
@@ -452,8 +465,9 @@ void form_REG::PrintDoc(QPrinter* printer) {
   const bool expanded = std::exchange(ExpandedLayout, true);
   const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
     TextFormat format = format_;
+    PrivateFileSteps steps;
     auto failure = CheckGrowth();
-    return failure ? failure : WriteTextFile(file, format, Producer());
+    return failure ? failure : WriteTextFile(file, format, Producer(), steps);
   });
   ExpandedLayout = expanded;
   SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));

@@ -54,6 +54,7 @@ class form_REG : public DocumentWindow {
   const RegDocument& Document() const { return document_; }
 
   std::string Content() override;
+  bool HoldsWholeFile() const override;
   void PutContent(std::string bytes) override;
 
  protected:
@@ -91,7 +92,7 @@ class form_REG : public DocumentWindow {
   std::optional<FileFailure> CheckGrowth() const;
   PartProducer Producer() const;
   /// Writes and reports; false when the file is as it was.
-  bool WriteTo(const QString& path);
+  bool WriteTo(QString& path);
   void SetLocation(const QString& text);
 
   void AddValueOfType(RegType type, const QString& caption);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMdiSubWindow>
+#include <QScopedValueRollback>
 #include <chrono>
 
 #include "shell/DocumentWindow.h"
@@ -69,6 +70,7 @@ void AutoSave::SaveAllDocuments() {
 }
 
 void AutoSave::SaveDocuments() {
+  const QScopedValueRollback unasked(global_.saving_unasked, auto_saving_);
   global_.documents.ForEach([this](const DocumentSlot& slot) {
     DocumentWindow& window = *slot.window;
     if (window.Tag().isEmpty()) return;

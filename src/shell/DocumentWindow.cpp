@@ -23,6 +23,12 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+
+QString ReasonOf(const FileFailure& failure) { return QString::fromStdString(failure.reason); }
+
+}  // namespace
+
 DocumentWindow::DocumentWindow(Global& global, DocumentKind kind, int slot)
     : global_(global), kind_(kind), slot_number_(slot) {}
 
@@ -59,6 +65,7 @@ void DocumentWindow::TakeSlot() {
   }
   ClearNotice();
   being_read_ = false;
+  took_all_ = false;
   disk_stamp_.reset();
   own_digest_.clear();
   told_stamp_.reset();
@@ -157,10 +164,20 @@ void DocumentWindow::SayLeftOut(const QString& path, bool old_bytes_are_kept) {
   AddNotice(said_left_out_, {FileHistoryButton()});
 }
 
-void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after) {
+void DocumentWindow::AddEncodingNotice(TextEncoding before, TextEncoding after,
+                                       const std::function<void(TextEncoding)>& write_as) {
   if (before == after) return;
-  AddNotice(tr("The file is now written as UTF-8, because %1 has no place for some of its characters.")
-                .arg(QString::fromUtf8(EncodingName(before))));
+  const auto name_of = [](TextEncoding encoding) { return QString::fromUtf8(EncodingName(encoding)); };
+  if (before != TextEncoding::CodePage)
+    return AddNotice(tr("The file is now written as %1, since %2 would not be read as the same text.")
+                         .arg(name_of(after), name_of(before)));
+  std::vector<NoticeAction> buttons;
+  for (const TextEncoding other : {TextEncoding::Utf16Le, TextEncoding::Utf8, TextEncoding::Utf8Bom})
+    if (write_as && other != after)
+      buttons.push_back({tr("Write as %1").arg(name_of(other)), [write_as, other] { write_as(other); }});
+  AddNotice(tr("The file is now written as %1, because %2 has no place for some of its characters.")
+                .arg(name_of(after), name_of(before)),
+            std::move(buttons));
 }
 
 DocumentWindow::SaveOutcome DocumentWindow::WithoutName(const std::function<SaveOutcome()>& save) {
@@ -203,7 +220,9 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
 
 void DocumentWindow::CheckDisk() {
   if (!disk_stamp_ || Slot().path.isEmpty()) return;
-  const std::optional<FileStamp> now = StampOf(FilePath(Slot().path));
+  const std::filesystem::path file = FilePath(Slot().path);
+  const std::optional<FileStamp> now = StampOf(file);
+  if (!now && !IsAbsent(file)) return;  // a look that failed says nothing
   if (now == disk_stamp_ || (told_stamp_ && *told_stamp_ == now)) return;
   told_stamp_ = now;
   AddNotice(
@@ -226,70 +245,109 @@ FileSteps& DocumentWindow::Steps() const {
   return global_.file_steps ? *global_.file_steps : system;
 }
 
-std::optional<FileFailure> DocumentWindow::WriteInPlace(const ContentOrigin& target, TextFormat* format,
+ContentOrigin DocumentWindow::OriginAt(const QString& path) const { return {kind_, path, QFileInfo(path).fileName()}; }
+
+std::optional<FileFailure> DocumentWindow::WriteInPlace(const SaveTarget& target, TextFormat* format,
                                                         const PartProducer& produce, FileSteps& steps) {
   TextFormat written = format ? *format : TextFormat();
-  auto failure = global_.history.Overwrite(target, BytesOf(format ? &written : nullptr, produce), steps);
+  const auto unkept = target.may_be_lost ? History::Unkept::Accepted : History::Unkept::Refused;
+  auto failure =
+      global_.history.Overwrite(OriginAt(target.path), BytesOf(format ? &written : nullptr, produce), steps, unkept);
   if (!failure && format) *format = written;
   return failure;
 }
 
-DocumentWindow::Replaced DocumentWindow::KeepReplaced(const ContentOrigin& target) {
-  const std::filesystem::path file = FilePath(target.path);
-  const std::optional<FileStamp> now = StampOf(file);
-  if (!now) return {};
+DocumentWindow::SaveTarget DocumentWindow::KeepReplaced(const QString& path) {
+  const std::filesystem::path file = FilePath(path);
+  SaveTarget target{path};
   std::string bytes;
-  if (auto failure = ReadFileBytes(file, bytes)) return {false, std::move(failure)};
-  const bool is_slots = target.path == Origin().path;
+  if (auto failure = ReadFileBytes(file, bytes)) {
+    if (!IsAbsent(file)) target.not_kept = std::move(failure);
+    return target;
+  }
+  const bool is_slots = path == Origin().path;
   const bool was_written = is_slots && !own_digest_.isEmpty();
   // Not the stamp: a change in the same step of the file system's clock, or one that puts the time back, has the same.
-  if (was_written && History::DigestOf(bytes) == own_digest_) return {};
-  return {was_written || (is_slots && disk_stamp_ && now != disk_stamp_),
-          global_.history.Keep(target, KeptReason::BeforeSave, bytes)};
+  if (was_written && History::DigestOf(bytes) == own_digest_) return target;
+  target.is_foreign = was_written || (is_slots && disk_stamp_ && StampOf(file) != disk_stamp_);
+  target.not_kept = global_.history.Keep(OriginAt(path), KeptReason::BeforeSave, bytes);
+  return target;
 }
 
-bool DocumentWindow::WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce) {
-  const ContentOrigin target{kind_, path, QFileInfo(path).fileName()};
-  const std::filesystem::path file = FilePath(path);
-  const Replaced replaced = KeepReplaced(target);
-  const bool was_gone = path == Slot().path && disk_stamp_ && !StampOf(file);
+bool DocumentWindow::HoldsWhatIsAt(const QString& path) const {
+  const bool is_as_read = path == Origin().path && own_digest_.isEmpty() && disk_stamp_;
+  return is_as_read && StampOf(FilePath(path)) == disk_stamp_ && HoldsWholeFile();
+}
+
+std::optional<DocumentWindow::SaveTarget> DocumentWindow::PrepareTarget(QString path, const SaveDialogTexts& texts) {
+  while (true) {
+    SaveTarget target = KeepReplaced(path);
+    if (!target.not_kept || HoldsWhatIsAt(path)) return target;
+    const QString not_kept =
+        tr("What the file holds now could not be kept in the history: %1.").arg(ReasonOf(*target.not_kept));
+    if (global_.saving_unasked) {
+      AddNotice(tr("AutoSave passed over this document.") + u' ' + not_kept);
+      return std::nullopt;
+    }
+    const QString question = not_kept + u"\r( "_s + path + u" )\r"_s +
+                             tr("This document does not hold all of it: after a save the rest is gone for good.");
+    switch (global_.dialogs.Choose(question, {tr("Save &Anyway"), tr("&Save As..."), tr("Cancel")}, MsgIcon::Warning,
+                                   kProgramTitle)) {
+      case 0:
+        target.may_be_lost = true;
+        return target;
+      case 1:
+        path = AskForSavePath(global_, texts);
+        if (!path.isEmpty()) break;
+        [[fallthrough]];
+      default:
+        return std::nullopt;
+    }
+  }
+}
+
+bool DocumentWindow::WriteDocument(const SaveTarget& target, TextFormat* format, const PartProducer& produce) {
+  const std::filesystem::path file = FilePath(target.path);
+  const bool was_gone = target.path == Slot().path && disk_stamp_ && IsAbsent(file);
   DigestingSteps steps(Steps());
   std::optional<FileFailure> failure =
       format ? WriteTextFile(file, *format, produce, steps) : WriteFileParts(file, produce, steps);
-  if (failure && failure->folder_refused && StampOf(file)) failure = WriteInPlace(target, format, produce, steps);
+  if (failure && failure->folder_refused && !IsAbsent(file)) failure = WriteInPlace(target, format, produce, steps);
   if (failure) {
-    ShowWriteFailure(path, *failure);
+    ShowWriteFailure(target.path, *failure);
     return false;
   }
+  std::error_code error;
+  RemoveLeftTemporaries(std::filesystem::weakly_canonical(file, error).parent_path());
   disk_stamp_ = StampOf(file);
   own_digest_ = steps.Digest();
+  took_all_ = true;
   const bool says_left_out = !said_left_out_.isEmpty() && notice_bar_->Text().contains(said_left_out_);
   ClearNotice();  // what stood there was about the document before
   if (says_left_out) AddNotice(said_left_out_, {FileHistoryButton()});
-  SayLeftOut(path, !replaced.not_kept);
+  SayLeftOut(target.path, !target.not_kept);
   if (was_gone) AddNotice(tr("The file was no longer on the disk; the save made it anew."));
-  if (replaced.is_foreign && !replaced.not_kept)
+  if (target.is_foreign && !target.not_kept)
     AddNotice(tr("The file had been changed on the disk; that content is kept in Tools, File History."));
-  if (replaced.not_kept)
-    AddNotice(tr("What the file held before could not be kept in the history: %1.")
-                  .arg(QString::fromStdString(replaced.not_kept->reason)));
+  if (target.not_kept)
+    AddNotice(tr("What the file held before could not be kept in the history: %1.").arg(ReasonOf(*target.not_kept)));
   return true;
 }
 
 void DocumentWindow::ShowReadFailure(const QString& path, const FileFailure& failure) {
-  global_.dialogs.MsgBox(
-      u"TME could not open the file\r( "_s + path + u" )\r"_s + QString::fromStdString(failure.reason) + u'.',
-      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  global_.dialogs.MsgBox(u"TME could not open the file\r( "_s + path + u" )\r"_s + ReasonOf(failure) + u'.',
+                         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
-QString DocumentWindow::WhatIsSafe(const FileFailure& failure) {
-  return failure.file_damaged ? tr("The file on disk is incomplete now; Tools, File History has what it held before.")
-                              : tr("The file on disk is unchanged.");
+QString DocumentWindow::WhatIsSafe(const QString& path, const FileFailure& failure) {
+  if (failure.file_damaged)
+    return tr("The file on disk is incomplete now; Tools, File History has what it held before.");
+  return StampOf(FilePath(path)) ? tr("The file on disk is unchanged.") : tr("Nothing was written.");
 }
 
 void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& failure) {
-  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s +
-                             QString::fromStdString(failure.reason) + u".  "_s + WhatIsSafe(failure),
+  global_.dialogs.MsgBox(u"TME could not save the file\r( "_s + path + u" )\r"_s + ReasonOf(failure) + u".  "_s +
+                             WhatIsSafe(path, failure),
                          MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 

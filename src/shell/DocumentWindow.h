@@ -8,6 +8,7 @@
 #include "shell/DocumentKind.h"
 #include "shell/History.h"
 #include "shell/NoticeBar.h"
+#include "shell/SaveDialog.h"
 
 class QMdiSubWindow;
 class QVBoxLayout;
@@ -44,8 +45,9 @@ class DocumentWindow : public QWidget {
   bool IsTouched() const { return !being_read_ && Revision() != clean_revision_; }
 
   /// Whether the document holds all that its file does. Not so where the reader left something out or took it in
-  /// another form, until a save made the file what the document holds.
-  bool HoldsWholeFile() const { return left_out_.isEmpty(); }
+  /// another form, until a save made the file what the document holds; nor for a content that came from elsewhere. When
+  /// the file's bytes cannot be kept, the save of such a document asks first.
+  virtual bool HoldsWholeFile() const { return took_all_ && left_out_.isEmpty(); }
 
   /// The bytes that a save would write now; for what the file's form cannot hold, those that make the document again.
   virtual std::string Content() = 0;
@@ -71,7 +73,7 @@ class DocumentWindow : public QWidget {
   void ShowReadFailure(const QString& path, const FileFailure& failure);
   void ShowWriteFailure(const QString& path, const FileFailure& failure);
   /// The end of each message about a failed write.
-  static QString WhatIsSafe(const FileFailure& failure);
+  static QString WhatIsSafe(const QString& path, const FileFailure& failure);
 
   /// Closes the window for the shutdown, with its question about unsaved changes.
   Q_INVOKABLE virtual void ExitForm() = 0;
@@ -114,15 +116,33 @@ class DocumentWindow : public QWidget {
   NoticeAction FileHistoryButton();
   /// The content joins the history as one that reached no file. False when it could not.
   bool KeepContent();
+  /// To be called once the slot's file is read: whether the reader took all of it, in its order.
+  void SetTookAll(bool took_all) { took_all_ = took_all; }
+
+  /// A file that a save is about to replace.
+  struct SaveTarget {
+    QString path;
+    bool is_foreign = false;  ///< changed after this document was read or written
+    std::optional<FileFailure> not_kept{};
+    bool may_be_lost = false;  ///< the user was asked about what could not be kept
+  };
+  /// Before each write: keeps what the file holds. When that fails and this document does not hold all of it, the user
+  /// may save all the same, into another file (texts: of that dialog), or not at all: nothing then. A save that nobody
+  /// asked for ends there, with a notice.
+  std::optional<SaveTarget> PrepareTarget(QString path, const SaveDialogTexts& texts);
   /// Writes the document to a file, whole or not at all, in the given encoding (which may have to change) or, without a
-  /// format, the parts as they are. What the file held before joins the history first; where the folder allows no whole
-  /// write, the file is then written in place. On a failure: the message.
-  bool WriteDocument(const QString& path, TextFormat* format, const PartProducer& produce);
+  /// format, the parts as they are. Where the folder allows no whole write, the file is written in place. On a failure:
+  /// the message.
+  bool WriteDocument(const SaveTarget& target, TextFormat* format, const PartProducer& produce);
   /// What WriteDocument would write, in memory.
   static std::string BytesOf(TextFormat* format, const PartProducer& produce);
-  /// Says that a save had to change the encoding; nothing when it did not.
-  void AddEncodingNotice(TextEncoding before, TextEncoding after);
+  /// Says that a save had to change the encoding, with buttons for the others that hold any text; nothing when it did
+  /// not. write_as: writes the file once more; without it there are no buttons.
+  void AddEncodingNotice(TextEncoding before, TextEncoding after,
+                         const std::function<void(TextEncoding)>& write_as = {});
 
+  /// Failed: also when the user would not have what cannot be kept replaced. Cancelled is the file dialog alone, since
+  /// closing goes on after it.
   enum class SaveOutcome { Saved, Cancelled, Failed };
   /// A save under a new name: the slot has neither path nor title when `save` begins, and the caller puts them back
   /// when it does not succeed. For the history and the rescue the document has its name all the while.
@@ -144,16 +164,15 @@ class DocumentWindow : public QWidget {
   QString tag_;
   std::uint64_t clean_revision_ = 0;
   bool being_read_ = false;
+  bool took_all_ = false;
+  ContentOrigin OriginAt(const QString& path) const;
   /// For a folder that allows no temporary file.
-  std::optional<FileFailure> WriteInPlace(const ContentOrigin& target, TextFormat* format, const PartProducer& produce,
+  std::optional<FileFailure> WriteInPlace(const SaveTarget& target, TextFormat* format, const PartProducer& produce,
                                           FileSteps& steps);
-  /// What became of the content that a save is about to replace.
-  struct Replaced {
-    bool is_foreign = false;  ///< changed after this document was read or written
-    std::optional<FileFailure> not_kept;
-  };
-  /// Keeps it in the history, unless it is what this document wrote.
-  Replaced KeepReplaced(const ContentOrigin& target);
+  /// Keeps what the file holds in the history, unless it is what this document wrote.
+  SaveTarget KeepReplaced(const QString& path);
+  /// Whether this document has what it read from there, and the file is still the same.
+  bool HoldsWhatIsAt(const QString& path) const;
   FileSteps& Steps() const;
   /// After a save to a path: what was read from the slot's file and is not in the one that was written.
   void SayLeftOut(const QString& path, bool old_bytes_are_kept);

@@ -44,8 +44,8 @@ class PadWindow : public DocumentWindow {
  protected:
   virtual SaveDialogTexts SaveTexts() const = 0;
   /// Writes the content, with notices and, on failure, the message; calls MarkClean when the file holds the content.
-  /// Never Cancelled.
-  virtual SaveOutcome WriteTo(const QString& path) = 0;
+  /// path: the user may choose another one meanwhile. Never Cancelled.
+  virtual SaveOutcome WriteTo(QString& path) = 0;
 
   /// To be called at the end of BuildControls, with the pad in place: from then on the pad's keys, focus and right
   /// clicks, and the client area's size, are looked after here.

@@ -134,6 +134,7 @@ void form_RTF::OpenRTF() {
   if (!bytes) return;
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
   AddLossNotice(read.losses);
+  SetTookAll(read.losses == rtf::Losses());
   pad->SetRtf(std::move(read));
   pad->SetBulletIndent(kBulletIndent);
   read_bytes_ = std::move(*bytes);
@@ -179,16 +180,26 @@ SaveDialogTexts form_RTF::SaveTexts() const {
   return {u"Save RTF File"_s, u"RTF File|"_s + global_.settings.rtf_filter + u"|TXT File| & TXTFilter"_s, u".RTF"_s};
 }
 
-DocumentWindow::SaveOutcome form_RTF::WriteTo(const QString& path) {
+bool form_RTF::HoldsWholeFile() const {
+  const bool writes_plain = global_.common_dialog.filter_index == kPlainIndex;
+  const bool is_untouched = !read_bytes_.empty() && read_revision_ == Revision();
+  return !writes_plain && (is_untouched || DocumentWindow::HoldsWholeFile());
+}
+
+DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path) {
   const Hourglass hourglass;
-  const int index = global_.common_dialog.filter_index;
-  if (index != kRichIndex && index != kPlainIndex) {
+  const int& index = global_.common_dialog.filter_index;
+  const auto is_for_rich_text = [&index] { return index == kRichIndex || index == kPlainIndex; };
+  std::optional<SaveTarget> target;
+  if (is_for_rich_text() && !(target = PrepareTarget(path, SaveTexts()))) return SaveOutcome::Failed;
+  if (!is_for_rich_text()) {
     AddNotice(
         tr("Nothing was written: the last file dialog was left on a file type that is not for rich text. To save "
            "the document, choose File, Save As."));
     return SaveOutcome::Saved;
   }
-  if (!(index == kRichIndex ? WriteRich(path) : WritePlain(path))) return SaveOutcome::Failed;
+  if (!(index == kRichIndex ? WriteRich(*target) : WritePlain(*target))) return SaveOutcome::Failed;
+  path = target->path;
   if (index == kRichIndex) {
     MarkClean();
   } else if (path.endsWith(u".rtf"_s, Qt::CaseInsensitive)) {
@@ -207,15 +218,15 @@ PartProducer form_RTF::Producer() {
   };
 }
 
-bool form_RTF::WriteRich(const QString& path) {
-  if (!WriteDocument(path, nullptr, Producer())) return false;
+bool form_RTF::WriteRich(const SaveTarget& target) {
+  if (!WriteDocument(target, nullptr, Producer())) return false;
   if (read_revision_ != Revision()) read_bytes_ = {};
   return true;
 }
 
-bool form_RTF::WritePlain(const QString& path) {
+bool form_RTF::WritePlain(const SaveTarget& target) {
   TextFormat format;
-  if (!WriteDocument(path, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
+  if (!WriteDocument(target, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
   AddEncodingNotice(TextFormat().encoding, format.encoding);
   return true;
 }

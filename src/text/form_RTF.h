@@ -24,6 +24,7 @@ class form_RTF : public PadWindow {
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
   std::string Content() override;
+  bool HoldsWholeFile() const override;
   void PutContent(std::string bytes) override;
 
   Q_INVOKABLE void NewRTF();
@@ -52,7 +53,7 @@ class form_RTF : public PadWindow {
   SaveDialogTexts SaveTexts() const override;
   /// What is written depends on the shared dialog's filter index, whether or not the dialog was shown: 1 rich text,
   /// 2 plain text, anything else nothing. Intended; the notice says so.
-  SaveOutcome WriteTo(const QString& path) override;
+  SaveOutcome WriteTo(QString& path) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -69,8 +70,8 @@ class form_RTF : public PadWindow {
   void PastePlainText(const QString& text);
   void AddLossNotice(const rtf::Losses& losses);
   PartProducer Producer();
-  bool WriteRich(const QString& path);
-  bool WritePlain(const QString& path);
+  bool WriteRich(const SaveTarget& target);
+  bool WritePlain(const SaveTarget& target);
 
   RtfPad* pad = nullptr;
   QToolBar* Toolbar1 = nullptr;

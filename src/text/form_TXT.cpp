@@ -72,6 +72,7 @@ void form_TXT::OpenTXT() {
   pad->SetText(std::move(decoded->text));
   Altered(false);
   MarkClean();
+  SetTookAll(true);
   RecordOpened();
   ShowInFrame();
   ResizeForm();
@@ -96,11 +97,17 @@ PartProducer form_TXT::Producer() const {
   };
 }
 
-DocumentWindow::SaveOutcome form_TXT::WriteTo(const QString& path) {
+DocumentWindow::SaveOutcome form_TXT::WriteTo(QString& path) {
   const Hourglass hourglass;
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
   TextFormat format = format_;
-  if (!WriteDocument(path, &format, Producer())) return SaveOutcome::Failed;
-  AddEncodingNotice(format_.encoding, format.encoding);
+  if (!target || !WriteDocument(*target, &format, Producer())) return SaveOutcome::Failed;
+  path = target->path;
+  const auto write_as = [this](TextEncoding encoding) {
+    format_ = {encoding, {}};
+    SaveFile();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
   format_ = format;
   MarkClean();
   return SaveOutcome::Saved;

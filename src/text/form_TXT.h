@@ -29,7 +29,7 @@ class form_TXT : public PadWindow {
   void BuildControls(QWidget& client) override;
   bool CloseDocument() override;
   SaveDialogTexts SaveTexts() const override;
-  SaveOutcome WriteTo(const QString& path) override;
+  SaveOutcome WriteTo(QString& path) override;
 
  private:
   PartProducer Producer() const;

@@ -151,6 +151,7 @@ struct Losses {
   bool ended_early = false;              ///< the file ends inside a group, or goes on after the last one
   bool not_rtf = false;                  ///< it does not begin with {\rtf; its bytes are shown as text
   std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
+  bool operator==(const Losses&) const = default;
 };
 
 /// Runs, paragraphs and cells stand in the order of the text. There is always at least one paragraph. Line breaks
