@@ -34,7 +34,8 @@ struct Global {
   QString windows_directory{};
   /// Set once documents are gone for good at exit.
   bool exiting = false;
-  /// A save runs that nobody asked for: it shows no question and no dialog, and what would have to be asked is a notice.
+  /// A save runs that nobody asked for: it shows no question and no dialog, and what would have to be asked is a
+  /// notice.
   bool saving_unasked = false;
   /// Cutting deletes what it copied without asking.
   bool skip_confirmation = false;
