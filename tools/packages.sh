@@ -2,7 +2,7 @@
 # shellcheck disable=SC2034
 # What a Debian 12 needs from its distribution; sourced by every script that builds, packs or tries something.
 
-packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev)
+packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev patch)
 
 # Tests run without a display; they need fonts to lay out text, what looks at the form, and what print tests read with.
 # Benchmarks are only built, so that they do not fall behind.
