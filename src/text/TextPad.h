@@ -65,6 +65,8 @@ class TextPad : public QsciScintillaBase, public Pad {
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  /// An input method is told of the text near the caret, within its line.
+  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
   void wheelEvent(QWheelEvent* event) override;
 
  private:

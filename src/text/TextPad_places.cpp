@@ -1,4 +1,4 @@
-// Places in a TextPad as assistive programs count and see them.
+// Places in a TextPad as assistive programs and input methods count and see them.
 #include "shell/DisplayText.h"
 #include "text/TextPad.h"
 
@@ -64,6 +64,24 @@ QRect TextPad::RectOf(PadPosition position) const {
 PadPosition TextPad::PositionAt(const QPoint& global) const {
   const QPoint point = viewport()->mapFromGlobal(global);
   return Send(SCI_POSITIONFROMPOINT, static_cast<std::uintptr_t>(std::max(point.x(), 0)), point.y());
+}
+
+QVariant TextPad::inputMethodQuery(Qt::InputMethodQuery query) const {
+  // The component would answer with the paragraph, which may be all of a file, at each move of the caret.
+  constexpr int kCharacters = 500;
+  const PadPosition caret = Caret();
+  const auto line = static_cast<std::uintptr_t>(Send(SCI_LINEFROMPOSITION, static_cast<std::uintptr_t>(caret)));
+  const PadPosition start = std::max<PadPosition>(Send(SCI_POSITIONFROMLINE, line), Moved(caret, -kCharacters));
+  switch (query) {
+    case Qt::ImSurroundingText:
+      return TextBetween(start, std::min<PadPosition>(Send(SCI_GETLINEENDPOSITION, line), Moved(caret, kCharacters)));
+    case Qt::ImCursorPosition:
+      return static_cast<int>(TextBetween(start, caret).size());
+    case Qt::ImCurrentSelection:
+      return SelectionEnd() - SelectionStart() > kCharacters ? QString() : SelectedText();
+    default:
+      return QsciScintillaBase::inputMethodQuery(query);
+  }
 }
 
 void TextPad::Reveal(PadPosition start, PadPosition end) {
