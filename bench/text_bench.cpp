@@ -1,4 +1,5 @@
-// A text file of 100 MB in its window. Run with QT_QPA_PLATFORM=offscreen and an empty HOME.
+// A text file of 100 MB in its window, and one of 10 MB that is a single line. Run with QT_QPA_PLATFORM=offscreen and
+// an empty HOME.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
@@ -6,6 +7,7 @@
 #include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "ResidentMemory.h"
 #include "Shuffle.h"
@@ -52,19 +54,22 @@ struct Editor {
                         }};
 };
 
-QString InputFile() {
+/// A file of words, in lines that end or as one that does not.
+QString InputFile(std::size_t bytes = kBytes, std::string_view line_end = "\r\n") {
   static const QTemporaryDir folder;
-  static const QString path = [] {
+  static std::map<std::size_t, QString> made;
+  QString& path = made[bytes];
+  if (path.isEmpty()) {
     constexpr std::array kWords{"printer", "driver", "the", "of", "configuration", "value=1", "Window", "path"};
     Shuffle shuffle;
     std::string text;
-    while (text.size() < kBytes) {
+    while (text.size() < bytes) {
       for (unsigned left = 4 + shuffle.Below(14); left > 0; --left) text.append(shuffle.Pick(kWords)).append(" ");
-      text += "\r\n";
+      text += line_end;
     }
-    std::ofstream(folder.filePath(QStringLiteral("large.txt")).toStdString(), std::ios::binary) << text;
-    return folder.filePath(QStringLiteral("large.txt"));
-  }();
+    path = folder.filePath(QStringLiteral("%1.txt").arg(bytes));
+    std::ofstream(path.toStdString(), std::ios::binary) << text;
+  }
   return path;
 }
 
@@ -122,6 +127,56 @@ void BM_Key(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_Key)->Unit(benchmark::kMillisecond)->Iterations(100);
+
+constexpr int kWrapTwips = 6000;
+
+constexpr std::size_t kLineBytes = 10'000'000;
+
+void BM_OpenLongLine(benchmark::State& state) {
+  const QString path = InputFile(kLineBytes, "");
+  Editor editor;
+  for (auto _ : state) {
+    form_TXT& window = editor.Open(path);
+    state.PauseTiming();
+    window.FileClose();
+    QApplication::processEvents();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_OpenLongLine)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+/// A key at the start, in the middle or at the end of the line, without and with word wrap.
+void BM_KeyInLongLine(benchmark::State& state) {
+  Editor editor;
+  auto& pad = static_cast<TextPad&>(editor.Open(InputFile(kLineBytes, "")).EditingArea());
+  if (state.range(1)) pad.SetRightMargin(kWrapTwips);
+  const auto at = static_cast<PadPosition>(kLineBytes / 2) * state.range(0);
+  pad.Select(at, at);
+  pad.viewport()->repaint();
+  for (auto _ : state) {
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+    QApplication::sendEvent(&pad, &press);
+    pad.viewport()->repaint();
+  }
+}
+BENCHMARK(BM_KeyInLongLine)
+    ->ArgNames({"half", "wrap"})
+    ->ArgsProduct({{0, 1, 2}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(20);
+
+/// Word wrap switched on in the large file, and a jump to its end, painted.
+void BM_WrapAndJump(benchmark::State& state) {
+  Editor editor;
+  auto& pad = static_cast<TextPad&>(editor.Open(InputFile()).EditingArea());
+  for (auto _ : state) {
+    pad.SetRightMargin(kWrapTwips);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_End, Qt::ControlModifier);
+    QApplication::sendEvent(&pad, &press);
+    pad.viewport()->repaint();
+  }
+}
+BENCHMARK(BM_WrapAndJump)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 }  // namespace tme
