@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTest>
@@ -234,6 +235,10 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   EXPECT_FALSE(View(u"TV"_s)->isVisible()) << "kept: the import just stops";
   EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"Importing Data:");
   EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3:")) << Notice().toStdString();
+  const QList<QProgressBar*> bars = Reg().findChildren<QProgressBar*>();
+  EXPECT_FALSE(bars[0]->isHidden());
+  Reg().FileClose();
+  for (const QProgressBar* bar : bars) EXPECT_TRUE(bar->isHidden()) << "the next document has none of it";
 }
 
 TEST_F(RegWindow, SharedNamesAreSaidAndCannotFloodTheDisk) {

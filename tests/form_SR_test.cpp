@@ -109,6 +109,17 @@ TEST_F(Search, StepsThroughADocument) {
   }
 }
 
+TEST_F(Search, ALargeFontStaysOnTheScreen) {
+  QFont font = QApplication::font();
+  font.setPointSize(20);
+  QApplication::setFont(font);
+  Start();
+  form_TXT& window = New("text");
+  window.SearchReplace();
+  EXPECT_LT(Dialog()->width(), 1024);
+  EXPECT_LT(Dialog()->height(), 768);
+}
+
 TEST_F(Search, ModesAndKeys) {
   Start();
   form_TXT& window = New("one [two] three two");

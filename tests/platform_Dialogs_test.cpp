@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -61,6 +63,18 @@ TEST(Dialogs, ButtonsOfItsOwnAnswerByTheirPlaceAndEscapeByTheLast) {
     });
     EXPECT_EQ(Dialogs().Choose(u"a\r<b>"_s, {u"&Yes"_s, u"&No"_s, u"Cancel"_s}, MsgIcon::Warning, u"t"_s), chosen);
   }
+}
+
+TEST(MessageBoxes, GiveALongPathAsItIs) {
+  const QString path = u"C:\\"_s + QString(300, u'x') + u"\\"_s + QString(300, u'y');
+  WhenShown<QMessageBox>([&](QMessageBox* box) {
+    EXPECT_NE(box->text(), path) << "it breaks its lines";
+    EXPECT_EQ(box->findChild<QLabel*>(u"qt_msgbox_label"_s)->accessibleName(), path);
+    QTest::keyClick(box, Qt::Key_C, Qt::ControlModifier);
+    box->accept();
+  });
+  Dialogs().MsgBox(path, MsgButtons::Ok, MsgIcon::Information, {});
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), path);
 }
 
 TEST_F(FileDialogs, SaveAddsTheExtensionAndDoesNotAskAboutAnExistingFile) {

@@ -2,8 +2,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QCursor>
 #include <QInputDialog>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -120,20 +122,43 @@ QString Breakable(const QString& text) {
   return breakable;
 }
 
-void Fill(QMessageBox& box, const QString& text, MsgIcon icon, const QString& title) {
+/// What can be copied of it and what a screen reader reads is the text itself, without the places to break.
+class MessageBox : public QMessageBox {
+ public:
+  using QMessageBox::QMessageBox;
+  void ShowText(const QString& text) {
+    text_ = text;
+    setTextFormat(Qt::PlainText);
+    setTextInteractionFlags(Qt::NoTextInteraction);
+    setText(Breakable(text));
+    if (auto* label = findChild<QLabel*>("qt_msgbox_label"_L1)) label->setAccessibleName(text);
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->matches(QKeySequence::Copy))
+      QGuiApplication::clipboard()->setText(text_);
+    else
+      QMessageBox::keyPressEvent(event);
+  }
+
+ private:
+  QString text_;
+};
+
+void Fill(MessageBox& box, const QString& text, MsgIcon icon, const QString& title) {
   box.setObjectName("MsgBox"_L1);
   box.setWindowTitle(title);
   box.setIcon(BoxIcon(icon));
   if (icon == MsgIcon::Program) box.setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
-  box.setTextFormat(Qt::PlainText);
   // The texts' line breaks are bare carriage returns.
-  box.setText(Breakable(QString(text).replace(u'\r', u'\n')));
+  box.ShowText(QString(text).replace(u'\r', u'\n'));
 }
 
 }  // namespace
 
 MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
-  const ModalDialog<QMessageBox> box;
+  const ModalDialog<MessageBox> box;
   Fill(*box.operator->(), text, icon, title);
   box->setStandardButtons(BoxButtons(buttons));
   if (QAbstractButton* retry = box->button(QMessageBox::Retry))
@@ -147,7 +172,7 @@ MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon,
 }
 
 int Dialogs::Choose(const QString& text, const QStringList& buttons, MsgIcon icon, const QString& title) {
-  const ModalDialog<QMessageBox> box;
+  const ModalDialog<MessageBox> box;
   Fill(*box.operator->(), text, icon, title);
   const int last = static_cast<int>(buttons.size()) - 1;
   QList<QAbstractButton*> added;

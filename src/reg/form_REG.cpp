@@ -456,6 +456,7 @@ bool form_REG::CloseDocument() {
     return WriteRegFile();
   };
   if (!ConfirmClose(save, save_elsewhere)) return false;
+  EndProgress();
   ReleaseSlot();
   document_.Reset({});
   return true;

@@ -38,7 +38,8 @@ QString TipText(const QString& text) {
     tip += QChar(0x200B);  // zero width space
     run = 0;
   }
-  return u"<p style='white-space:pre-wrap'>"_s + tip + u"</p>"_s;
+  const QString wraps = shown.size() <= kLongestRun ? u"pre"_s : u"pre-wrap"_s;
+  return u"<p style='white-space:"_s + wraps + u"'>"_s + tip + u"</p>"_s;
 }
 
 void SetTip(QWidget& widget, const QString& text) {

@@ -17,6 +17,7 @@
 #include "platform/Dialogs.h"
 #include "platform/FilePath.h"
 #include "platform/InstanceLink.h"
+#include "platform/MenuKeys.h"
 #include "platform/RegistryAccess.h"
 #include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
@@ -58,6 +59,7 @@ mdform_TMEditor::mdform_TMEditor(Global& global, WindowFactory make_window)
   menuBar()->setObjectName(u"menu_bar"_s);
   menuBar()->setAccessibleName(tr("Menu bar"));
   menus_ = std::make_unique<GlobalMenus>(global_, *menuBar());
+  menu_keys_ = std::make_unique<MenuKeys>(*menuBar());
   rescue_ = std::make_unique<Rescue>(global_);
   recent_files_ = std::make_unique<RecentFiles>(global_);
   auto_save_ = std::make_unique<AutoSave>(global_);

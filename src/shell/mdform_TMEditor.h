@@ -16,6 +16,7 @@ class AutoSave;
 class DocumentWindow;
 class FileDrop;
 class GlobalMenus;
+class MenuKeys;
 class Rescue;
 class RecentFiles;
 class WindowMenu;
@@ -101,6 +102,7 @@ class mdform_TMEditor : public QMainWindow {
   const WindowFactory make_window_;
   QMdiArea* area_;
   std::unique_ptr<GlobalMenus> menus_;
+  std::unique_ptr<MenuKeys> menu_keys_;
   std::unique_ptr<Rescue> rescue_;
   std::unique_ptr<RecentFiles> recent_files_;
   std::unique_ptr<AutoSave> auto_save_;

@@ -110,9 +110,11 @@ void form_SR::BuildControls() {
   Line1->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
   // The spelling is the one that users know; intended.
   Label3 = label(u"Label3"_s, tr("While Searching, Remeber that:"));
+  Label3->setWordWrap(true);
   lbl_Exp = label(u"lbl_Exp"_s, tr("NOTE: ENTER = Find Next;  SHFT+ENTER = Hard Return"));
   lbl_Exp->setWordWrap(true);
   Label2 = label(u"Label2"_s, tr("TAB = Returns focus to here; SHFT+TAB = Tab in Document"));
+  Label2->setWordWrap(true);
 
   connect(cmd_FindNext, &QPushButton::clicked, this, &form_SR::cmd_FindNext_Click);
   connect(cmd_Cance, &QPushButton::clicked, this, &form_SR::cmd_Cance_Click);
@@ -172,8 +174,11 @@ void form_SR::SetMode(SearchMode mode) {
   cmd_FindNext->setText(replaces ? tr("&Replace Next") : tr("&Find Next"));
   cmd_FindNext->setAccessibleName(replaces ? tr("Replace Next") : tr("Find Next"));
   ensurePolished();
+  // A large font on a small screen: the hints break their lines.
+  const int most = screen()->availableSize().width() - 2 * TwipsToPixels(kCornerTwips, logicalDpiX());
   layout()->activate();
-  const int width = std::max(fontMetrics().averageCharWidth() * kWidthCharacters, layout()->totalMinimumSize().width());
+  const int width = std::max(std::min(fontMetrics().averageCharWidth() * kWidthCharacters, most),
+                             layout()->totalMinimumSize().width());
   resize(width, layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height());
 }
 
