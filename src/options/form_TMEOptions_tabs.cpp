@@ -70,10 +70,8 @@ void form_TMEOptions::BuildTabs() {
     column->addStretch();
   };
   BuildGeneralTab(AddTab(u"General"_s, u"General Program Options"_s));
-  add_empty(u"INI Editor"_s, u"Options specific to the INI Editor"_s,
-            tr("The INI editor has no options of its own."));
-  add_empty(u"REG Editor"_s, u"Options specific to the REG Editor"_s,
-            tr("The REG editor has no options of its own."));
+  add_empty(u"INI Editor"_s, u"Options specific to the INI Editor"_s, tr("The INI editor has no options of its own."));
+  add_empty(u"REG Editor"_s, u"Options specific to the REG Editor"_s, tr("The REG editor has no options of its own."));
   BuildExtensionBox();
   QVBoxLayout* txt = AddTab(u"TXT Editor"_s, u"Options specific to the TXT Editor"_s);
   txt->addWidget(BuildFilter(Txt, u"Frame2"_s, tr("Text Files")), 1);
