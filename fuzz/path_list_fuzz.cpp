@@ -23,7 +23,7 @@ void Run(std::string_view input) {
     const qsizetype before = rest.size();
     const QString path = TakePath(rest, exists);
     const bool is_whole = before == text.size() && path == text && exists(text);
-    Promise(is_whole || path == path.trimmed(), "a path begins and ends with a character that is seen");
+    Promise(is_whole || path.isEmpty() || !path.front().isSpace(), "a path begins with a character that is seen");
     Promise(!path.isEmpty() || (rest.isEmpty() && WithoutSpaces(text).isEmpty()), "and has one");
     Promise(rest.size() < before && rest == rest.trimmed(), "what is left is shorter, and trimmed");
     if (path.contains(u' ')) Promise(rest.isEmpty() && exists(path), "a path with blanks is a file, and the last one");

@@ -98,6 +98,22 @@ TEST_F(FileDialogs, SaveAddsTheExtensionAndDoesNotAskAboutAnExistingFile) {
   EXPECT_EQ(dialog_.file_name, In("x.cfg"_L1)) << "a cancelled dialog changes no field";
 }
 
+TEST_F(FileDialogs, OpenGivesBackWhatTheFilterHides) {
+  for (const auto name : {"a.txt"_L1, "b.cfg"_L1, "c d.ini"_L1}) Make(name);
+  dialog_.multi_select = true;
+  WhenShown<QFileDialog>([](QFileDialog* box) {
+    auto* edit = box->findChild<QLineEdit*>();
+    WaitFor([&] { return box->isActiveWindow(); });
+    edit->setFocus();
+    edit->selectAll();
+    QTest::keyClicks(edit, u"\"b.cfg\" \"a.txt\" \"c d.ini\""_s);
+    QMetaObject::invokeMethod(box, "accept");
+  });
+  QStringList chosen = dialog_.ShowOpen();
+  chosen.sort();
+  EXPECT_EQ(chosen, (QStringList{In("a.txt"_L1), In("b.cfg"_L1), In("c d.ini"_L1)}));
+}
+
 TEST(ShellUtilities, PathsAndTwips) {
   const ShellUtilities shell;
   EXPECT_TRUE(shell.IsRooted(u"\\\\host\\x"_s) && shell.IsRooted(u"c:\\x"_s));

@@ -113,9 +113,9 @@ TEST_F(Registry, NothingInItsWayMakesItWait) {
               {[&] { EXPECT_TRUE(QFile(path).open(QIODevice::WriteOnly) && QFile(path).resize(200'000'000)); },
                u"It is larger than 4 MB, so that nothing was read from it either"_s},
               {[&] { put(path + ".lock"_L1, "4711\ntme\nelsewhere\n\n\n"); },
-               u"Process 4711 of elsewhere has locked it (%1.lock)"_s.arg(path)},
+               u"Process 4711 of elsewhere has locked it (registry.ini.lock)"_s},
               {[&] { ::mkfifo((name + ".lock").constData(), 0600); },
-               u"%1.lock is in the way, which is no lock of the editor's"_s.arg(path)}};
+               u"registry.ini.lock is in the way, which is no lock of the editor's"_s}};
   for (const auto& [lay, reason] : rows) {
     QDir(folder).removeRecursively();
     ASSERT_TRUE(QDir().mkpath(folder));

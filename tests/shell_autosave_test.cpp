@@ -1,8 +1,10 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMdiSubWindow>
+#include <QTest>
 
 #include "Editor.h"
+#include "WaitFor.h"
 #include "reg/form_REG.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
@@ -94,6 +96,35 @@ TEST_F(SavingTest, TimerCountsAndWaits) {
   question.hide();
   PassMinutes(1);
   EXPECT_NE(BytesOf(path), "");
+}
+
+TEST_F(SavingTest, TimerAsksForNamesWhenNobodyTypes) {
+  using std::chrono::milliseconds;
+  const QString path = InFolder(u"named.INI"_s);
+  Start();
+  global_.settings.auto_save_period = 1;
+  AutoSave saver(global_, milliseconds(600));
+  saver.SetAutoSaveTimer(1);
+  form_INI& window = NewIni("[A]\r\nx=1\r\n");
+  const auto due = [&saver] {
+    QTimerEvent minute(saver.findChild<QTimer*>(u"AutoSaveTimer"_s)->timerId());
+    QApplication::sendEvent(saver.findChild<QTimer*>(u"AutoSaveTimer"_s), &minute);
+  };
+  auto* bar = window.findChild<NoticeBar*>();
+  due();
+  due();
+  EXPECT_TRUE(bar->Text().startsWith(u"AutoSave asks for the name of this document once"));
+  for (int key = 0; key < 8; ++key) {
+    QTest::keyClick(&window, Qt::Key_Shift);
+    QTest::qWait(150);
+    ASSERT_TRUE(common_dialog_.shown.empty()) << "somebody types";
+  }
+  common_dialog_.ExpectSave(path);
+  WaitFor([this] { return !common_dialog_.shown.empty(); });
+  EXPECT_EQ(common_dialog_.shown.front().title, u"Save File - New INI File");
+  EXPECT_EQ(bar->Text(), u"");
+  EXPECT_NE(BytesOf(path), "");
+  saver.SetAutoSaveTimer(0);
 }
 
 TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {

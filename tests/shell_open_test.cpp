@@ -6,6 +6,7 @@
 #include "TestSystem.h"
 #include "WaitFor.h"
 #include "shell/CommandLineRecord.h"
+#include "shell/NoticeBar.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
 #include "shell/WindowArrangement.h"
@@ -92,6 +93,11 @@ TEST_F(Editor, HandedOverTextIsOpened) {
   EXPECT_EQ(Ini(0).Tag(), u"") << "not a command line";
   ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
   EXPECT_EQ(Ini(0).Slot().path, path) << "cut at the zero byte";
+  const QString cut = u"/many words of a path "_s.repeated(20).left(kMaxCopyDataBytes);
+  dialogs_.ExpectMsgBox(u"TME was unable to verify that your request was to open a file.\r( "_s + cut +
+                            u" )\rAs such, this action has been canceled."_s,
+                        u"TME"_s);
+  ReceiveCommandLine(global_, {kCommandLineData, cut.toUtf8()});  // no zero byte: there was more
   const QString odd_name = u"\xFEFF.ini"_s;
   EXPECT_EQ(CommandLineOf(CommandLineRecord(odd_name))->text, odd_name);
 }
@@ -158,7 +164,7 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
   write(u"MDI Top"_s, u"300"_s);
   write(u"MDI Left"_s, u"450"_s);
   write(u"MDI Width"_s, u"6000"_s);
-  write(u"MDI Height"_s, u"70000"_s);  // does not fit 16 bits: the height stays
+  write(u"MDI Height"_s, u"tall"_s);  // no number: the height stays
   mdform_TMEditor again(global_, [](DocumentKind, int) { return nullptr; });
   again.MDIForm_Load({});
   const double dpi = again.logicalDpiX();
@@ -168,7 +174,43 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
 
   again.showMaximized();
   WaitFor([this] { return registry_.ReadValue(SettingsRoot, u"MDI Max"_s) == u"1"; });
-  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"70000") << "maximising writes the flag alone";
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"MDI Height"_s), u"tall") << "maximising writes the flag alone";
+}
+
+TEST_F(Editor, FrameComesBackOntoAScreen) {
+  Start();
+  const QRect screen = frame_->screen()->geometry();
+  const double twips = 1440 / frame_->logicalDpiX();
+  // Left, top, width, height in pixels, as written and as restored; beyond 2184 pixels no 16 bits hold them.
+  const std::pair<QRect, QRect> rows[] = {
+      {{5000, 3000, 400, 300}, {screen.right() + 1 - 400, screen.bottom() + 1 - 300, 400, 300}},
+      {{-5000, 10, 400, 300}, {0, 10, 400, 300}},
+      {{10, 20, 3000, 300}, {0, 20, screen.width(), 300}},
+      {{100, 50, 400, 300}, {100, 50, 400, 300}}};
+  for (const auto& [written, restored] : rows) {
+    const std::pair<const char*, int> values[] = {{"MDI Left", written.x()},
+                                                  {"MDI Top", written.y()},
+                                                  {"MDI Width", written.width()},
+                                                  {"MDI Height", written.height()}};
+    for (const auto& [name, pixels] : values)
+      registry_.WriteValue(SettingsRoot, QString::fromLatin1(name), kTextType, QString::number(qRound(pixels * twips)));
+    mdform_TMEditor again(global_, [](DocumentKind, int) { return nullptr; });
+    again.MDIForm_Load({});
+    EXPECT_EQ(QRect(again.pos(), again.size()), restored) << written.x();
+  }
+  global_.frame = frame_.get();
+}
+
+TEST_F(Editor, WelcomeDocumentIsGoneAndNobodyMissesIt) {
+  const QString path = File(u"Welcome.RTF"_s, "{\\rtf1 Welcome}");
+  Start();
+  frame_->OpenWelcomeDocument(folder_.path());
+  const DocumentWindow& window = *global_.documents.At(DocumentKind::Rtf, 0).window;
+  frame_->ActiveDocument()->Form_Activate();
+  EXPECT_EQ(window.windowTitle(), u"Welcome.RTF");
+  EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
+  EXPECT_EQ(window.Slot().path, u"") << "saved there, it would be taken away at the next start";
+  EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {

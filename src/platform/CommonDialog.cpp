@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <algorithm>
@@ -56,6 +57,17 @@ QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
   return chosen;
 }
 
+/// What stands in the name field: one name, or several in quotation marks, as whole paths.
+QStringList TypedPaths(const QFileDialog& dialog) {
+  const auto* edit = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s);
+  if (!edit) return {};  // a dialog of the desktop's, which gives back all that was typed
+  QStringList paths;
+  const QStringList parts = edit->text().split(u'"');
+  for (qsizetype index = 1; index < parts.size(); index += 2)
+    if (!parts[index].isEmpty()) paths.append(QDir::cleanPath(dialog.directory().absoluteFilePath(parts[index])));
+  return paths;
+}
+
 /// The folder, or the nearest one above it that exists.
 QString ExistingFolder(const QString& folder) {
   QString above = folder;
@@ -78,6 +90,10 @@ QStringList CommonDialog::ShowOpen() {
   dialog.setFileMode(multi_select ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
   dialog.setDefaultSuffix(default_ext);
   QStringList chosen = Choose(dialog, *this);
+  // The dialog drops typed names that the filter hides.
+  if (!chosen.isEmpty() && multi_select)
+    for (const QString& path : TypedPaths(dialog))
+      if (!chosen.contains(path)) chosen.append(path);
   for (QString& path : chosen) path = QDir::toNativeSeparators(path);
   if (!chosen.isEmpty()) file_name = chosen.first();
   return chosen;

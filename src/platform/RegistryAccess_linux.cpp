@@ -88,14 +88,14 @@ QString ReadObstacle(const QString& path) {
 QString LockObstacle(const QString& path) {
   const QFileInfo file(path + ".lock"_L1);
   if (file.exists() && (!file.isFile() || file.size() > kMostLockBytes))
-    return u"%1 is in the way, which is no lock of the editor's"_s.arg(file.filePath());
+    return u"%1 is in the way, which is no lock of the editor's"_s.arg(file.fileName());
   QLockFile lock(file.filePath());
   if (lock.tryLock(static_cast<int>(kLockPatience.count())) || lock.error() != QLockFile::LockFailedError) return {};
   qint64 process = 0;
   QString host;
   QString program;
-  if (!lock.getLockInfo(&process, &host, &program)) return u"%1 is in the way"_s.arg(file.filePath());
-  return u"Process %1 of %2 has locked it (%3)"_s.arg(QString::number(process), host, file.filePath());
+  if (!lock.getLockInfo(&process, &host, &program)) return u"%1 is in the way"_s.arg(file.fileName());
+  return u"Process %1 of %2 has locked it (%3)"_s.arg(QString::number(process), host, file.fileName());
 }
 
 /// QSettings only says that it did not work. The same bytes once more meet the same cause.

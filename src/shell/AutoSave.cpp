@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QMdiSubWindow>
 #include <QScopedValueRollback>
+#include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
@@ -16,6 +18,14 @@ using namespace std::chrono_literals;
 namespace tme {
 namespace {
 
+QString SavingTitle() { return kProgramTitle + u" - AutoSaving Open Files"_s; }
+
+QString WaitingNotice() {
+  return AutoSave::tr(
+      "AutoSave asks for the name of this document once no key has been pressed for ten seconds. Until "
+      "then its content is kept for the case of a crash.");
+}
+
 /// A question would be covered by another one, or a document is half read.
 bool IsBusy() {
   return QApplication::activeModalWidget() || QApplication::activePopupWidget() || QGuiApplication::overrideCursor();
@@ -23,17 +33,47 @@ bool IsBusy() {
 
 }  // namespace
 
-AutoSave::AutoSave(Global& global) : global_(global) {
+AutoSave::AutoSave(Global& global, std::chrono::milliseconds quiet) : global_(global), quiet_(quiet) {
+  looks_.setInterval(std::min<std::chrono::milliseconds>(1s, quiet));
+  connect(&looks_, &QTimer::timeout, this, &AutoSave::AskWhenQuiet);
+  qApp->installEventFilter(this);
   AutoSaveTimer.setObjectName(u"AutoSaveTimer"_s);
   AutoSaveTimer.setInterval(1min);
   connect(&AutoSaveTimer, &QTimer::timeout, this, &AutoSave::AutoSaveTimer_Timer);
 }
 
 void AutoSave::SetAutoSaveTimer(int period) {
-  if (period == 0)
+  if (period == 0) {
     AutoSaveTimer.stop();
-  else if (!AutoSaveTimer.isActive())
+    looks_.stop();
+    for (DocumentWindow* window : std::exchange(waiting_, {})) window->WithdrawNotice(WaitingNotice());
+  } else if (!AutoSaveTimer.isActive())
     AutoSaveTimer.start();
+}
+
+bool AutoSave::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress || event->type() == QEvent::InputMethod)
+    last_key_ = std::chrono::steady_clock::now();
+  return QObject::eventFilter(watched, event);
+}
+
+void AutoSave::AskWhenQuiet() {
+  if (IsBusy() || std::chrono::steady_clock::now() - last_key_ < quiet_) return;
+  DocumentWindow* next = nullptr;
+  global_.documents.ForEach([&](const DocumentSlot& slot) {
+    if (next || !waiting_.remove(slot.window)) return;
+    slot.window->WithdrawNotice(WaitingNotice());
+    // Saved or closed meanwhile, it needs no name any more.
+    if (!slot.window->Tag().isEmpty() && slot.path.isEmpty() && slot.window->IsTouched()) next = slot.window;
+  });
+  if (waiting_.isEmpty()) looks_.stop();
+  if (!next) return;
+  global_.frame->Activate(*next);  // so that it is seen, too
+  global_.frame->setWindowTitle(SavingTitle());
+  global_.asked_for = next->Origin().title;
+  SaveDocument(*next);
+  global_.asked_for.clear();
+  global_.frame->setWindowTitle(kProgramTitle);
 }
 
 void AutoSave::AutoSaveTimer_Timer() {
@@ -50,7 +90,7 @@ void AutoSave::AutoSaveTimer_Timer() {
 void AutoSave::SaveAllDocuments() {
   mdform_TMEditor& frame = *global_.frame;
   if (auto_saving_) {
-    frame.setWindowTitle(kProgramTitle + u" - AutoSaving Open Files"_s);
+    frame.setWindowTitle(SavingTitle());
     SaveDocuments();
     frame.setWindowTitle(kProgramTitle);
     auto_saving_ = false;
@@ -76,8 +116,16 @@ void AutoSave::SaveDocuments() {
     if (window.Tag().isEmpty()) return;
     // A mark without an edit is no reason to write a file unasked, but Save All leaves none behind.
     if (!window.IsTouched() && (auto_saving_ || !slot.changed)) return;
-    SendCommand(global_, window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
+    if (!auto_saving_ || !slot.path.isEmpty()) return SaveDocument(window);
+    if (waiting_.contains(&window)) return;
+    waiting_.insert(&window);
+    window.AddNotice(WaitingNotice());
+    looks_.start();
   });
+}
+
+void AutoSave::SaveDocument(DocumentWindow& window) {
+  SendCommand(global_, window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
 }
 
 }  // namespace tme

@@ -32,7 +32,7 @@ std::optional<ReceivedCommandLine> CommandLineOf(const CopyData& record) {
   const std::string_view text(record.data.constData(), static_cast<std::size_t>(record.data.size()));
   const std::size_t end = text.find('\0');
   // A buffer without an end was full.
-  const bool is_full = end == std::string_view::npos && text.size() == kMaxCopyDataBytes;
+  const bool is_full = end == std::string_view::npos && text.size() == MaxDataBytes(record.dwData);
   return ReceivedCommandLine{TextOf(text.substr(0, end)), record.is_cut || is_full};
 }
 

@@ -144,6 +144,13 @@ void DocumentWindow::AddNotice(const QString& sentence, std::vector<NoticeAction
   notice_bar_->Add(sentence, std::move(actions));
 }
 
+void DocumentWindow::WithdrawNotice(const QString& sentence) { notice_bar_->Remove(sentence); }
+
+void DocumentWindow::LoseFile() {
+  Slot().path.clear();
+  disk_stamp_.reset();
+}
+
 void DocumentWindow::ClearNotice() { notice_bar_->Clear(); }
 
 NoticeAction DocumentWindow::FileHistoryButton() {

@@ -64,6 +64,12 @@ class DocumentWindow : public QWidget {
   /// until ClearNotice.
   void AddNotice(const QString& sentence, std::vector<NoticeAction> actions = {});
 
+  /// What AddNotice said no longer holds.
+  void WithdrawNotice(const QString& sentence);
+
+  /// The file goes away, and the document stays without a path, like a new one that keeps its caption.
+  void LoseFile();
+
   /// Says, once for each change, when the file was changed on the disk after this document was read from it or written
   /// to it.
   void CheckDisk();

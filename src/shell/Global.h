@@ -39,6 +39,8 @@ struct Global {
   bool saving_unasked = false;
   /// Cutting deletes what it copied without asking.
   bool skip_confirmation = false;
+  /// The document that a save dialog is for which the user did not call up, for its title; empty for all others.
+  QString asked_for{};
   /// The next file that is opened does not join the recent files.
   bool skip_recent_once = false;
   /// The frame; set by its constructor, null before.

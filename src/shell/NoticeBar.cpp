@@ -116,6 +116,13 @@ void NoticeBar::AddButton(NoticeAction action) {
   button->show();
 }
 
+void NoticeBar::Remove(const QString& sentence) {
+  if (sentences_.removeAll(sentence) == 0) return;
+  if (sentences_.isEmpty()) return Clear();
+  label_->setText(Text());
+  Arrange();
+}
+
 void NoticeBar::Clear() {
   sentences_.clear();
   label_->clear();

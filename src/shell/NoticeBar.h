@@ -30,6 +30,8 @@ class NoticeBar : public QFrame {
   /// not said twice, and of two buttons with one caption the later one counts. An empty sentence is ignored with its
   /// buttons.
   void Add(const QString& sentence, std::vector<NoticeAction> actions = {});
+  /// Takes a sentence away that no longer holds; the bar hides with the last one. Buttons stay until then.
+  void Remove(const QString& sentence);
   /// Takes sentences and buttons away and hides the bar.
   void Clear();
   QString Text() const { return sentences_.join(u' '); }

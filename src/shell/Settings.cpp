@@ -64,6 +64,13 @@ std::optional<int> ParseInt16(const QString& text) {
   return static_cast<int>(rounded);
 }
 
+std::optional<int> ParseTwips(const QString& text) {
+  constexpr double kMost = 10'000'000;
+  const std::optional<double> number = ParseNumber(text);
+  if (!number || std::abs(*number) > kMost) return std::nullopt;
+  return static_cast<int>(std::lround(*number));
+}
+
 QString PersonalFolder(const RegistryAccess& registry) {
   return registry.ReadValue(
       u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"_s, u"Personal"_s);

@@ -55,6 +55,10 @@ std::optional<int> ParseDefaultOpenType(const QString& text);
 /// A number that fits 16 bits, rounded; nothing for anything else.
 std::optional<int> ParseInt16(const QString& text);
 
+/// A length or place on the screens, rounded: not bound to 16 bits, in which 2184 pixels fit; nothing for what is no
+/// number or beyond any screen.
+std::optional<int> ParseTwips(const QString& text);
+
 /// What the user is told when settings do not reach the store.
 QString SettingsFailureText(const StoreFailure& failure);
 

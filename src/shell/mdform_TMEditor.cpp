@@ -107,7 +107,7 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   CreateDocumentWindows();
   rescue_->ReopenAfterCrash();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
-  OpenWelcomeDocument();
+  OpenWelcomeDocument(global_.shell_utilities.ProgramFolder());
   RefreshMenus(DocumentKind::Mdi);
   show();
   rescue_->Start();
@@ -146,7 +146,7 @@ void mdform_TMEditor::ApplyStoredPlacement() {
   if (top.isEmpty() || left.isEmpty() || width.isEmpty() || height.isEmpty()) return;
   // Each that can be read is applied; the first that cannot ends it, and the frame keeps what it has by then.
   const auto apply = [this](const QString& text, const std::function<void(int)>& place) {
-    const std::optional<int> twips = ParseInt16(text);
+    const std::optional<int> twips = ParseTwips(text);
     if (twips) place(TwipsToPixels(*twips, logicalDpiX()));
     return twips.has_value();
   };
@@ -155,9 +155,15 @@ void mdform_TMEditor::ApplyStoredPlacement() {
                     apply(left, [&](int pixels) { placement.moveLeft(pixels); }) &&
                     apply(width, [&](int pixels) { placement.setWidth(std::max(pixels, 0)); }) &&
                     apply(height, [&](int pixels) { placement.setHeight(std::max(pixels, 0)); }));
-  resize(placement.size().boundedTo(screen()->availableSize()));
-  // A screen that is gone must not take the frame with it.
-  if (QGuiApplication::screenAt(placement.center())) move(placement.topLeft());
+  // A screen that is gone must not take the frame with it: off every one, it comes back onto the first.
+  const QScreen* on = QGuiApplication::screenAt(placement.center());
+  const QRect room = (on ? on : screen())->availableGeometry();
+  // One that stretches over several screens is as large as they are.
+  if (!screen()->virtualGeometry().contains(placement)) placement.setSize(placement.size().boundedTo(room.size()));
+  resize(placement.size());
+  move(on ? placement.topLeft()
+          : QPoint(std::clamp(placement.x(), room.x(), room.right() + 1 - placement.width()),
+                   std::clamp(placement.y(), room.y(), room.bottom() + 1 - placement.height())));
 }
 
 void mdform_TMEditor::WriteGeometry() {
@@ -219,19 +225,22 @@ void mdform_TMEditor::BindItems() {
   on_key(Qt::CTRL | Qt::SHIFT | Qt::Key_F6, &QMdiArea::activatePreviousSubWindow);
 }
 
-void mdform_TMEditor::OpenWelcomeDocument() {
-  const QDir folder(global_.shell_utilities.ProgramFolder());
+void mdform_TMEditor::OpenWelcomeDocument(const QString& folder_path) {
+  const QDir folder(folder_path);
   for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
     if (name.toUpper() != u"WELCOME.RTF") continue;
     // Shown once, and only where there is a window for it.
     if (!global_.documents.Offers(DocumentKind::Rtf)) return;
-    const QString path = folder.absoluteFilePath(name);
+    const QString path = QDir::toNativeSeparators(folder.absoluteFilePath(name));
     // Gone at once, it would be no use among the recent files.
     global_.skip_recent_once = true;
-    OpenPathList(global_, QDir::toNativeSeparators(path));
+    OpenWholePath(global_, path);
     global_.skip_recent_once = false;
-    QFile::remove(path);
-    return;
+    if (!QFile::remove(path)) return;
+    // Saved under that name, it would be shown once more and then be gone with all that was written.
+    return global_.documents.ForEach([&path](const DocumentSlot& slot) {
+      if (!slot.window->Tag().isEmpty() && slot.path == path) slot.window->LoseFile();
+    });
   }
 }
 

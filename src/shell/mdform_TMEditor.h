@@ -48,6 +48,8 @@ class mdform_TMEditor : public QMainWindow {
   void TellSettingsFailure();
   /// It was told otherwise.
   void SettingsFailureTold() { settings_failure_untold_ = false; }
+  /// Shows the welcome document of a folder once: the file is gone afterwards.
+  void OpenWelcomeDocument(const QString& folder_path);
   void RefreshMenus(DocumentKind kind);
   GlobalMenus& Menus() { return *menus_; }
   Rescue& UnsavedContent() { return *rescue_; }
@@ -90,7 +92,6 @@ class mdform_TMEditor : public QMainWindow {
   void ApplyStoredPlacement();
   void WriteGeometry();
   void CreateDocumentWindows();
-  void OpenWelcomeDocument();
   void PrintActiveDocument();
   /// Stops at the first document that stays open.
   void CloseAllDocuments();
