@@ -14,6 +14,7 @@
 #include "ResidentMemory.h"
 #include "platform/TextFile.h"
 #include "reg/RegDocument.h"
+#include "reg/RegLosses.h"
 #include "reg/RegReader.h"
 #include "reg/RegWriter.h"
 
@@ -116,14 +117,11 @@ void BM_RegOutputBytes(benchmark::State& state) {
 }
 BENCHMARK(BM_RegOutputBytes)->Unit(benchmark::kMillisecond);
 
-/// What opening asks for the notices.
+/// What opening and each save ask for the notices.
 void BM_RegNoticeCounts(benchmark::State& state) {
   RegDocument document;
   ReadInto(document, Input());
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(document.KeysSharingAName());
-    benchmark::DoNotOptimize(document.UnsavedValues());
-  }
+  for (auto _ : state) benchmark::DoNotOptimize(LossesOf(document, RegLayout::Regular).fingerprint);
 }
 BENCHMARK(BM_RegNoticeCounts)->Unit(benchmark::kMillisecond);
 

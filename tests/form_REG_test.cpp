@@ -1,18 +1,23 @@
 #include "reg/form_REG.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
+#include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 #include "Editor.h"
+#include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
@@ -80,7 +85,7 @@ class RegWindow : public Editor {
 TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
   Open(kFile);
   EXPECT_EQ(Reg().windowTitle(), u"a.reg");
-  EXPECT_EQ(Notice(), u"");
+  EXPECT_EQ(Notice(), u"Saved otherwise: 1 default value (@), which gets the name \"[default]\"."_s);
   SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
   EXPECT_EQ(Rows(), u"[default]|REG_SZ|dft\ns|REG_SZ|a\\\\b\nn|DWORD|0000000a\nh|HEX|01,02");
   EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"HKEY_CURRENT_USER\\Alpha");
@@ -217,6 +222,12 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   dialogs_.while_asking = [] {};
   EXPECT_EQ(Reg().Document().NodeCount(), 1U);
   EXPECT_TRUE(View(u"TV"_s)->isVisible());
+  EXPECT_EQ(Notice(), u"Nothing of the file was read. A save would put an empty document in its place.");
+  Reg().FileSaveRegular();
+  EXPECT_EQ(
+      Notice(),
+      u"The save left out, or wrote in another form: all that the file held. File History has the file as it was.");
+  EXPECT_EQ(history_.Content(history_.Versions(InFolder(u"large.reg"_s))[0].digest), large);
   Reg().FileClose();
 
   // Whoever built the tests may be another one than who runs them.
@@ -234,31 +245,126 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   OpenPathList(global_, File(u"hive.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n[HKLM\\A]\r\n\"k\"=\"v\"\r\n"));
   EXPECT_FALSE(View(u"TV"_s)->isVisible()) << "kept: the import just stops";
   EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"Importing Data:");
-  EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3:")) << Notice().toStdString();
+  EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3: its key belongs to no known hive"));
+  OpenPathList(global_, File(u"minus.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n[-HKEY_USERS\\B]\r\n\r\n"));
+  EXPECT_TRUE(global_.documents.At(DocumentKind::Reg, 1)
+                  .window->findChild<NoticeBar*>()
+                  ->Text()
+                  .startsWith(u"The file ended early at line 3: it deletes a key"));
   const QList<QProgressBar*> bars = Reg().findChildren<QProgressBar*>();
   EXPECT_FALSE(bars[0]->isHidden());
   Reg().FileClose();
   for (const QProgressBar* bar : bars) EXPECT_TRUE(bar->isHidden()) << "the next document has none of it";
 }
 
-TEST_F(RegWindow, SharedNamesAreSaidAndCannotFloodTheDisk) {
+TEST_F(RegWindow, SharedNamesAreSaidAndOnlyAnEnormousFileIsAskedAbout) {
   std::string text = "REGEDIT4\r\n";
-  for (int key = 0; key < 300; ++key)
+  for (int key = 0; key < 230; ++key)
     text +=
         "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"value of a length\"=\"" + std::string(40, 'x') + "\"\r\n";
-  dialogs_.ExpectMsgBox(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
-                        u"Large Registry File"_s, MsgButtons::YesNo, MsgAnswer::Yes);
   Open(text + "\r\n");
-  EXPECT_EQ(Notice(), u"300 keys share a name with another key: saving writes the values of all of them under each.");
-  dialogs_.ExpectMsgBox(u"TME could not save the file\r( "_s + InFolder(u"a.reg"_s) +
-                            u" )\rSo many keys share their names that the file would grow to more than 100 times the "
-                            "size of the document.  The file on disk is unchanged."_s,
-                        u"Tamarind Editor"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  EXPECT_EQ(Notice(), u"230 keys share a name with another key: saving writes the values of all of them under each.");
   Reg().FileSaveRegular();
-  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), text + "\r\n");
+  EXPECT_GT(BytesOf(InFolder(u"a.reg"_s)).size(), 230U * 230 * 60) << "more than a hundredfold, and unasked";
+
+  text = "REGEDIT4\r\n";
+  const std::string data(80'000, 'x');
+  for (int key = 0; key < 130; ++key)
+    text += "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"v\"=\"" + data + "\"\r\n";
+  OpenPathList(global_, File(u"b.reg"_s, text + "\r\n"));
+  auto& large = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1).window);
+  const QString size = QLocale().formattedDataSize(130LL * 130 * (80'000 + 8) + 4000);
+  const auto ask = [&] {
+    dialogs_.ExpectMsgBox(
+        u"So many keys share their names that the file would have "_s + size + u".  Save it nevertheless?"_s,
+        u"Tamarind Editor"_s, MsgButtons::YesNo, MsgAnswer::No, MsgIcon::Question);
+  };
+  ask();
+  large.FileSaveRegular();
+  EXPECT_EQ(BytesOf(InFolder(u"b.reg"_s)), text + "\r\n");
+  dialogs_.ExpectMsgBox(
+      u"So many keys share their names that the printout would have "_s + size + u".  That is too much to print."_s,
+      u"Tamarind Editor"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  QPrinter printer;
+  large.PrintDoc(&printer);
+
+  auto* keys = large.findChild<QTreeView*>(u"TV"_s);
+  keys->setCurrentIndex(keys->model()->index(0, 0, keys->model()->index(0, 0)));
+  dialogs_.ExpectInputBox(u"Enter Desired Branch Name:"_s, u"Add Branch / Key"_s, {}, u"new"_s);
+  large.EditNewKey();
+  frame_->Saver().SetAutoSaveTimer(global_.settings.auto_save_period = 1);
+  auto* timer = frame_->Saver().findChild<QTimer*>(u"AutoSaveTimer"_s);
+  QTimerEvent minute(timer->timerId());
+  QApplication::sendEvent(timer, &minute);
+  EXPECT_TRUE(large.findChild<NoticeBar*>()->Text().contains(u"AutoSave passed over this document"));
+
+  // Answered No while leaving, the document goes into the history, and nothing asks again.
+  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + InFolder(u"b.reg"_s), u"Document Changed"_s, MsgButtons::YesNoCancel,
+                        MsgAnswer::Yes);
+  ask();
+  frame_->close();
+  EXPECT_EQ(history_.Versions(InFolder(u"b.reg"_s)).value(0).reason, KeptReason::NotSaved);
 }
 
-TEST_F(RegWindow, PrintsExpandedAndKeepsColumnWidths) {
+TEST_F(RegWindow, ASaveSaysWhatItLeftOutAndKeepsIt) {
+  Open(
+      "REGEDIT4\r\n[HKEY_USERS\\A]\r\n\"x\"=-\r\n@=\"d\"\r\n[HKEY_USERS\\B\\C]\r\n[HKEY_USERS\\]\r\n\"h\"="
+      "\"1\"\r\n\r\n");
+  const QString otherwise =
+      u"1 default value (@), which gets the name \"[default]\", 1 deletion of a value (=-), which becomes the text \"-\""_s;
+  EXPECT_EQ(Notice(),
+            u"Saved otherwise: "_s + otherwise +
+                u". A save does not write: 1 value that stands directly under the file, a hive or such a key."_s);
+  SelectKey({u"HKEY_USERS"_s});
+  SelectValue(0);
+  OnDialog(u"form_REGEdit"_s, Fill({}, u"2"_s, u"cmd_OK"_s));
+  Reg().EditModify();
+  EXPECT_TRUE(Notice().endsWith(u"What stands directly under the file or a hive is not saved."));
+  Reg().FileSaveRegular();
+  EXPECT_EQ(Notice(),
+            u"The save left out, or wrote in another form: "_s + otherwise +
+                u". File History has the file as it was. Not written: 2 keys without values, 1 value that stands "
+                "directly under the file, a hive or such a key. File History has the whole document."_s);
+  const QString path = InFolder(u"a.reg"_s);
+  ASSERT_EQ(history_.Versions(path).size(), 2);
+  EXPECT_NE(history_.Content(history_.Versions(path)[0].digest)->find("\"h\"=\"2\""), std::string::npos);
+  Reg().FileSaveRegular();
+  EXPECT_EQ(history_.Versions(path).size(), 2) << "what is there already is not kept again";
+  for (QPushButton* button : Reg().findChildren<QPushButton*>(u"notice_action"_s))
+    if (button->text() == u"Save Expanded") return button->click();
+  ADD_FAILURE() << "no way to the keys";
+}
+
+TEST_F(RegWindow, ARenamedRootKeepsItsTextAndWhatItsNameDropsIsKept) {
+  Open("REGEDIT4\r\n[HKEY_USERS\\Alpha]\r\n\"x\"=\"1\"\r\n\r\n");
+  SelectKey({});
+  dialogs_.ExpectInputBox(u"Rename this Key"_s, u"Branch Rename"_s, u"a.reg"_s, u"Alpha"_s);
+  Reg().EditRename();
+  Reg().FileSaveExpanded();
+  EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), "REGEDIT4\r\n\r\n");
+  EXPECT_TRUE(Notice().contains(u"Not written: 1 key that has the name of the tree's root, 1 value"))
+      << Notice().toStdString();
+  EXPECT_NE(history_.Content(history_.Versions(InFolder(u"a.reg"_s))[0].digest)->find("\"x\"=\"1\""),
+            std::string::npos);
+  EXPECT_EQ(Reg().Document().Root()->Text(), "Alpha");
+
+  NewDocument(global_, SlotCode::Reg);
+  auto& fresh = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1).window);
+  common_dialog_.ExpectSave(InFolder(u"n.reg"_s));
+  fresh.FileSaveRegular();
+  EXPECT_EQ(fresh.Document().Root()->Text(), "n.reg") << "a name that nobody gave follows the file";
+}
+
+TEST_F(RegWindow, EditsThatShareANameAreSaid) {
+  Open("REGEDIT4\r\n[HKEY_USERS\\A\\S]\r\n\"x\"=\"1\"\r\n[HKEY_USERS\\B]\r\n\"y\"=\"1\"\r\n\r\n");
+  EXPECT_EQ(Notice(), u"");
+  SelectKey({u"HKEY_USERS"_s, u"B"_s});
+  dialogs_.ExpectInputBox(u"Enter Desired Branch Name:"_s, u"Add Branch / Key"_s, {}, u"S"_s);
+  Reg().EditNewKey();
+  EXPECT_EQ(Notice(), u"Other keys are named \"S\" too: saving writes the values of all of them under each.");
+}
+
+TEST_F(RegWindow, PrintsExpanded) {
   Open(kFile);
   SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
   SelectValue(0);
@@ -279,8 +385,28 @@ TEST_F(RegWindow, PrintsExpandedAndKeepsColumnWidths) {
     EXPECT_TRUE(text.contains(u"printed"));
   }
   EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), kFile);
+}
 
+TEST_F(RegWindow, ColumnsComeFromTheSettingsAtEachResizeAndAllAreInSightWithout) {
+  Open(kFile);
+  SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
+  EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->accessibleName(), u"HKEY_CURRENT_USER\\Alpha");
+  const auto width = [this](int column) { return View(u"LV"_s)->columnWidth(column); };
+  for (const QSize size : {QSize(420, 300), QSize(900, 500)}) {
+    Reg().SubWindow()->resize(size);
+    QApplication::processEvents();
+    EXPECT_EQ(width(0) + width(1) + width(2), View(u"LV"_s)->viewport()->width());
+    EXPECT_GE(width(2), width(1));
+  }
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot + u"\\REG Editor"_s, u"LVC3"_s), u"") << "nobody set them";
   View(u"LV"_s)->setColumnWidth(2, 321);
   NewDocument(global_, SlotCode::Reg);
-  EXPECT_EQ(global_.documents.At(DocumentKind::Reg, 1).window->findChild<QTreeView*>(u"LV"_s)->columnWidth(2), 321);
+  auto* other = global_.documents.At(DocumentKind::Reg, 1).window->findChild<QTreeView*>(u"LV"_s);
+  EXPECT_EQ(other->columnWidth(2), 321);
+  other->setColumnWidth(1, 111);
+  EXPECT_NE(width(1), 111);
+  Reg().SubWindow()->resize(800, 400);
+  QApplication::processEvents();
+  EXPECT_EQ(width(1), 111);
+  EXPECT_EQ(width(2), 321);
 }

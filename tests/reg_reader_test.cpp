@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "RegProbe.h"
+#include "reg/RegLosses.h"
 
 using namespace std::string_literals;
 
@@ -18,12 +19,12 @@ struct ReadCase {
 // clang-format off
 const std::vector<ReadCase> kReads = {
     {"all types, nothing decoded", "|[$/a]|@='d'|'s'='C://x /'q/''|'w'=dword:0000000a|'h'=hex:0a,0b||",
-     "{${a([default]:S=d s:S=C://x /'q/' w:D=0000000a h:H=0a,0b)}}"},
+     "{${a([default]:S=d s:S=C://x /'q/' w:D=0000000a h:H=0a,0b)}}", {.default_values = 1}},
     {"keys come back, a part of a path is another key, case counts",
      "[$/a/b]|'1'=''|[$/a]|'2'=''|[$/ab/c]|[%/x]|[$/A]|[$/a/b]|'3'=''|", "{${a(2:S=){b(1:S= 3:S=)} ab{c} A} %{x}}"},
     {"paths: backslash at the end, two in a row, no bracket at the end, blanks",
      "[$/]|'h'=''|[$/a/]|[$//a]|[$//]|'e'=''|[$///]|[$/bc|[$/ d ]]|[$/d] |[$/\xC3\xA9\xC3\xA9|",
-     "{$(h:S=){a (e:S=){a } b  d ] d] \xC3\xA9}}"},
+     "{$(h:S=){a (e:S=){a } b  d ] d] \xC3\xA9}}", {.cut_keys = 3}},
     {"a bare hive leaves the root selected; only the first is accepted",
      "[%]|'r'=''|[$/a]|[$]|'s'=''|[$/a]|[%]|'t'=''|", "(r:S= s:S= t:S=){% ${a}}",
      {.error_log = "T: [$]\r", .failed_lines = 1}},
@@ -34,23 +35,24 @@ const std::vector<ReadCase> kReads = {
     {"an unknown hive ends it without a log", "[$/a]|'x|[$x/b]||;c|[$/c]|'x", "{${a}}",
      {.end = RegReadEnd::UnknownHive, .ended_at_line = 4, .failed_lines = 1, .after_unknown_hive = 4}},
     {"removed keys of newer files too", "[-$/a]|[$/b]|", "",
-     {.end = RegReadEnd::UnknownHive, .ended_at_line = 2, .after_unknown_hive = 2}},
+     {.end = RegReadEnd::UnknownHive, .ended_at_line = 2, .ended_at_deletion = true, .after_unknown_hive = 2}},
     {"before the first key", ";c|'a'=''|  |[$/a]|", "{${a}}", {.comment_lines = 1, .other_lines = 1}},
     {"no key", "'a'=''|x|", "", {.other_lines = 2}},
     {"names end before the character before the first '='",
      "[$/a]|'n=m'='c'|'x=1|'='y'|'no'|''='e'|'\xC3\xA9=2|'b' = '3'|", "{${a(:S=m'='c' :S=1 :S=e :S=2 b':S= '3')}}",
-     {.error_log = "a: '='y'\ra: 'no'\r", .failed_lines = 2}},
+     {.error_log = "a: '='y'\ra: 'no'\r", .failed_lines = 2, .other_forms = 4}},
     {"a name in quotes of its own moves its data back by two",
      "[$/a]|''q''='x'|''q''=dword:12|'''='x'|''\xC3\xA9\xC3\xA9=hex:1|", "{${a(q:S=='x q:D=d:12 :H=x:1)}}",
-     {.error_log = "a: '''='x'\r", .failed_lines = 1}},
+     {.error_log = "a: '''='x'\r", .failed_lines = 1, .other_forms = 3}},
     {"the type is looked for in the whole line",
      "[$/a]|'s'='b=dword:c'|'h'=hex:1=dword:2|'k=hex:'='x'|'\xC3\xA9'=\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9=hex:7|",
-     "{${a(s:D=rd:c' h:D=dword:2 :H='='x' \xC3\xA9:H=\xC3\xA9=hex:7)}}"},
+     "{${a(s:D=rd:c' h:D=dword:2 :H='='x' \xC3\xA9:H=\xC3\xA9=hex:7)}}", {.other_forms = 4}},
     {"strings without quotes, with one, with something after",
      "[$/a]|'1'=x|'2'='x|'3'='x' |'4'='|'5'=|'6'='\xC3\xA9|", "{${a(1:S=x 2:S= 3:S=x' 5:S= 6:S=)}}",
-     {.error_log = "a: '4'='\r", .failed_lines = 1}},
+     {.error_log = "a: '4'='\r", .failed_lines = 1, .other_forms = 5}},
+    {"deletions", "[$/a]|'1'=-|@=-|'2'='-'|", "{${a(1:S=- [default]:S=- 2:S=-)}}", {.default_values = 1, .value_deletions = 2}},
     {"default values", "[$/a]|@=hex:1,/| 2|@|@x=dword:1|@yz=1|@='|",
-     "{${a([default]:H=1,2 [default]':D=1 [default]'y:S=1)}}", {.error_log = "a: @\ra: @='\r", .failed_lines = 2}},
+     "{${a([default]:H=1,2 [default]':D=1 [default]'y:S=1)}}", {.error_log = "a: @\ra: @='\r", .failed_lines = 2, .default_values = 3, .other_forms = 2}},
     {"hex lines: blanks go, tabs do not; anything is joined",
      "[$/a]|'1'=hex:1,/|  2,/  |\t3|'2'=hex:1,/\r|  2,/\r|   3,4  \r|'3'=hex://||[$/b]|'4'=hex:/|[x]|",
      "{${a(1:H=1,2,\t3 2:H=1,2,3,4 3:H=[$/b] 4:H=[x])}}"},
@@ -63,7 +65,7 @@ const std::vector<ReadCase> kReads = {
     {"typed hex values and what else is passed over",
      "[$/a]|'1'=hex(2):61,/|  62,/|\t63|  64|;c|'2'=hex(7):00|'3'='hex(2):/|  1| x|q|",
      "{${a(1:S=hex(2):61,/ 2:S=hex(7):00 3:S=hex(2):)}}",
-     {.comment_lines = 1, .typed_hex_values = 2, .typed_hex_lines = 2, .other_lines = 4}},
+     {.comment_lines = 1, .typed_hex_values = 2, .typed_hex_lines = 2, .other_lines = 4, .other_forms = 1}},
     {"line ends of all kinds; NUL and invalid bytes pass through",
      "\r|[$/a]\r'1'='\0'|\r'\xFF'='\xC3'\r|'\xA9\xC3'='\xE2\x82'\r\r"s,
      "{${a(1:S=\0 \xFF:S=\xC3 \xA9\xC3:S=\xE2\x82)}}"s},
@@ -81,6 +83,11 @@ void ExpectResult(const RegReadResult& result, const RegReadResult& expected) {
   EXPECT_EQ(result.after_unknown_hive, expected.after_unknown_hive);
   EXPECT_EQ(result.unfinished_last_line, expected.unfinished_last_line);
   EXPECT_EQ(result.other_lines, expected.other_lines);
+  EXPECT_EQ(result.ended_at_deletion, expected.ended_at_deletion);
+  EXPECT_EQ(result.default_values, expected.default_values);
+  EXPECT_EQ(result.value_deletions, expected.value_deletions);
+  EXPECT_EQ(result.other_forms, expected.other_forms);
+  EXPECT_EQ(result.cut_keys, expected.cut_keys);
 }
 
 TEST(RegReader, ReadsFiles) {
@@ -190,7 +197,7 @@ TEST(RegReader, TakesHostileFiles) {
     EXPECT_LE(result.error_log.size(), kMaxErrorLog);
     EXPECT_GT(RegOutputBytes(document, RegLayout::Expanded), 0U);
     EXPECT_TRUE(WriteReg(document, RegLayout::Regular, [](std::string_view) { return true; }));
-    EXPECT_LE(document.KeysSharingAName() + document.UnsavedValues(), std::max(nodes, values));
+    EXPECT_LE(document.KeysSharingAName() + LossesOf(document, RegLayout::Regular).values, std::max(nodes, values));
     if (document.Root()->ChildCount() > 0) document.RemoveKey(document.Root()->Child(0));
     EXPECT_EQ(document.NodeCount(), 1U);
   }

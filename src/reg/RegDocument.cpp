@@ -22,10 +22,6 @@ struct SilentObserver : SilentTreeObserver<RegNode, RegDocumentObserver> {
 };
 SilentObserver silent_observer;
 
-/// What a line needs beside the text: "[", "]" and two line ends; two quotes, "=", two quotes or a type, a line end.
-constexpr std::uint64_t kMarksOfKey = 6;
-constexpr std::uint64_t kMarksOfValue = 8;
-
 bool IsBelow(const RegNode* node, const RegNode* top) {
   while (node != nullptr && node != top) node = node->Parent();
   return node == top;
@@ -85,17 +81,6 @@ std::size_t RegDocument::NodeCount() const { return node_count_; }
 
 std::uint64_t RegDocument::Revision() const { return revision_; }
 
-std::uint64_t RegDocument::ContentBytes() const {
-  std::uint64_t bytes = 0;
-  const auto add = [&bytes](const RegNode& node) {
-    bytes += node.size_ + kMarksOfKey;
-    return true;
-  };
-  WalkKeys(*root_, add, [](const RegNode&) {});
-  for (const RegValueRecord& record : values_) bytes += record.name.size() + record.data.size() + kMarksOfValue;
-  return bytes;
-}
-
 const std::vector<RegValueRecord>& RegDocument::Values() const { return values_; }
 
 RegNode* RegDocument::FindChild(const RegNode* parent, std::string_view text) const {
@@ -139,17 +124,17 @@ std::size_t RegDocument::KeysSharingAName() const {
   return sharing;
 }
 
-std::size_t RegDocument::UnsavedValues() const {
-  std::size_t unsaved = 0;
-  const auto count = [&](const RegNode& node) {
-    if (node.tag_ == RegTag::Branch && node.Text() != root_->Text()) return true;
-    std::vector<std::size_t> records;
-    CollectRecords(&node, records);
-    for (const std::size_t record : records) unsaved += values_[record].deleted ? 0 : 1;
-    return true;
+bool RegDocument::SharesItsName(const RegNode* node) const {
+  const auto is_namesake = [this, node](const RegNode& other) {
+    return &other != node && other.tag_ == RegTag::Branch && other.Text() == node->Text();
   };
-  WalkKeys(*root_, count, [](const RegNode&) {});
-  return unsaved;
+  if (node->tag_ != RegTag::Branch || node->Text() == root_->Text()) return false;
+  if (std::ranges::any_of(runs_,
+                          [&](const Run& run) { return run.owner != node && run.owner->Text() == node->Text(); }))
+    return true;
+  if (node->first_run_ == RegNode::kNoRun) return false;
+  return !WalkKeys(
+      *root_, [&](const RegNode& other) { return !is_namesake(other); }, [](const RegNode&) {});
 }
 
 RegNode* RegDocument::AddHiveNode(std::string_view name) { return Add(root_.get(), name, RegTag::Hive); }

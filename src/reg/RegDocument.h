@@ -120,10 +120,6 @@ class RegDocument {
   std::size_t NodeCount() const;
   /// Grows with every change of content.
   std::uint64_t Revision() const;
-  /// Bytes of all key texts, names and data, with a few for the marks around each: about what a file of this content
-  /// needs at least. Linear.
-  std::uint64_t ContentBytes() const;
-
   /// The table, in order of creation.
   const std::vector<RegValueRecord>& Values() const;
 
@@ -140,9 +136,14 @@ class RegDocument {
   /// Keys that a save gives values of other keys, removed ones included, because their last component is the same.
   /// Linear.
   std::size_t KeysSharingAName() const;
-  /// Records that no save writes: under the root, a hive or a key that bears the root's text. Deleted records and those
-  /// of removed keys do not count. Linear.
-  std::size_t UnsavedValues() const;
+  /// Whether a save gives this branch values of other keys, or other keys the values of this one. Linear.
+  bool SharesItsName(const RegNode* node) const;
+  /// Calls visit(record) for the node's own records, deleted ones included, in table order.
+  template <typename Visit>
+  void ForEachValueOf(const RegNode* node, Visit visit) const {
+    for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next)
+      for (std::uint32_t i = 0; i < runs_[at].count; ++i) visit(values_[runs_[at].first + i]);
+  }
 
   // Edits.
   // Neither checks the text, or whether there is such a child already.

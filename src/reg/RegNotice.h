@@ -1,15 +1,21 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 
 namespace tme {
 
-class RegDocument;
+struct RegLosses;
 struct RegReadResult;
 
 /// What a read left out, as sentences; empty when every line found its place.
 QString NoticeOf(const RegReadResult& result);
-/// What a save of the document would do to its values; empty when it writes each where it stands.
-QString NoticeOf(const RegDocument& document);
+/// The same as a list for the middle of a sentence.
+QString LeftOutOf(const RegReadResult& result);
+
+enum class RegNoticeTime : std::uint8_t { BeforeSave, AfterSave };
+/// What a save leaves out or writes otherwise, as sentences; empty when it writes each key and value where it stands.
+/// Before a save it says nothing of keys and hives without values.
+QString NoticeOf(const RegLosses& losses, RegNoticeTime time);
 
 }  // namespace tme

@@ -81,7 +81,8 @@ RegReadResult RegReader::Read(RegDocument& document, std::string text, const Reg
 bool RegReader::MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result) {
   std::string_view first_line;
   Lines(text).Next(first_line);
-  if (first_line != kExpectedHeader && !ask.wrong_header()) {
+  result.other_header = first_line != kExpectedHeader;
+  if (result.other_header && !ask.wrong_header()) {
     result.end = RegReadEnd::HeaderRefused;
     return false;
   }
@@ -179,9 +180,10 @@ bool RegReader::TakeKeyLine(std::string_view line) {
     return true;
   }
   if (!IsHiveName(path.substr(0, backslash))) {
-    EndAtUnknownHive();
+    EndAtUnknownHive(path.substr(0, backslash));
     return false;
   }
+  if (!line.ends_with(']')) ++result_.cut_keys;
   if (path.ends_with('\\')) path.remove_suffix(1);
   SelectKey(path);
   progress_.stage = kKeyTaken;
@@ -229,12 +231,12 @@ void RegReader::TakeValueLine(std::string_view line) {
   RegValueLine value;
   const bool parsed =
       line.front() == '"' ? ParseValueLine(line, value) : ParseDefaultLine(line, document_.texts_, value);
-  in_typed_hex_ = parsed && value.typed_hex && line.ends_with('\\');
+  in_typed_hex_ = parsed && value.form == RegLineForm::TypedHex && line.ends_with('\\');
   if (!parsed) {
     LogFailure(line);
     return;
   }
-  if (value.typed_hex) ++result_.typed_hex_values;
+  if (value.form == RegLineForm::TypedHex) ++result_.typed_hex_values;
   if (value.type == RegType::Hex && value.data.ends_with('\\')) {
     // Joining writes over the backslashes at the end of the line, but over nothing before them.
     const std::size_t kept = line.find_last_not_of('\\') + 1;
@@ -244,6 +246,9 @@ void RegReader::TakeValueLine(std::string_view line) {
     }
   }
   document_.AppendRecord(current_, value.type, value.name, value.data);
+  if (line.front() == '@') ++result_.default_values;
+  if (value.form == RegLineForm::Deletion) ++result_.value_deletions;
+  if (value.form == RegLineForm::Other) ++result_.other_forms;
   progress_.stage = kValueTaken;
 }
 
@@ -284,9 +289,10 @@ void RegReader::LogFailure(std::string_view line) {
   result_.error_log.append(key).append(": ").append(line).append("\r");
 }
 
-void RegReader::EndAtUnknownHive() {
+void RegReader::EndAtUnknownHive(std::string_view hive) {
   result_.end = RegReadEnd::UnknownHive;
   result_.ended_at_line = lines_.Number();
+  result_.ended_at_deletion = hive.starts_with('-') && IsHiveName(hive.substr(1));
   result_.error_log.clear();
   std::string_view line;
   for (result_.after_unknown_hive = 1; lines_.Next(line);) {

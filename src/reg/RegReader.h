@@ -51,6 +51,8 @@ struct RegReadResult {
   std::uint64_t line_count = 0;
   /// UnknownHive: 1-based number of the line that ended it.
   std::uint64_t ended_at_line = 0;
+  /// UnknownHive: that line deletes a key of a known hive ("[-HKEY_USERS\\Alpha]").
+  bool ended_at_deletion = false;
   /// Failed lines as the error log wants them: the current key's text, ": ", the line, a bare CR each. Empty after
   /// UnknownHive: nothing is logged then; intended. No entry is added beyond kMaxErrorLog.
   std::string error_log = {};
@@ -66,15 +68,21 @@ struct RegReadResult {
   std::uint64_t after_unknown_hive = 0;
   /// The last line of a file is never processed; 1 when it held something.
   std::uint64_t unfinished_last_line = 0;
-  /// Anything else: lines before the first key (but not the first line, which was asked about), lines that are no
-  /// value.
+  /// Anything else that was not taken: lines before the first key (but not the first line, which was asked about),
+  /// lines that are no value.
   std::uint64_t other_lines = 0;
 
-  /// The document holds every line.
-  bool TookAll() const {
-    return end == RegReadEnd::EndOfInput &&
-           failed_lines + comment_lines + typed_hex_values + unfinished_last_line + other_lines == 0;
-  }
+  // What was taken, but a save writes it otherwise.
+  /// The first line was none of a REGEDIT4 file.
+  bool other_header = false;
+  /// "@=" lines, whose values are named "[default]" from then on.
+  std::uint64_t default_values = 0;
+  /// "name"=- lines, taken for the text "-".
+  std::uint64_t value_deletions = 0;
+  /// Values in another form than a save gives them (RegLineForm::Other).
+  std::uint64_t other_forms = 0;
+  /// Key lines whose last character was dropped although it was no "]".
+  std::uint64_t cut_keys = 0;
 };
 
 /// Fills a fresh document from the text of a registry export file.
@@ -107,7 +115,7 @@ class RegReader {
   bool JoinHexLines(std::string_view& data);
   void PassOver(std::string_view line);
   void LogFailure(std::string_view line);
-  void EndAtUnknownHive();
+  void EndAtUnknownHive(std::string_view hive);
 
   RegDocument& document_;
   const RegQuestions& ask_;

@@ -1,5 +1,6 @@
 #include "reg/RegValueLine.h"
 
+#include <algorithm>
 #include <string>
 
 #include "base/TextStore.h"
@@ -13,6 +14,8 @@ constexpr std::string_view kDefaultName = "[default]";
 constexpr std::string_view kDword = "=dword:";
 constexpr std::string_view kHex = "=hex:";
 constexpr std::string_view kTypedHex = "hex(";
+constexpr std::string_view kString = "=\"";
+constexpr std::string_view kDeletion = "-";
 
 std::string_view WithoutLast(std::string_view text) {
   text.remove_suffix(utf8::LastCharacterBytes(text));
@@ -49,7 +52,6 @@ RegType TypeOf(std::string_view line, std::size_t equals) {
 bool TakeData(std::string_view line, std::size_t equals, std::size_t data, RegValueLine& value) {
   value.type = TypeOf(line, equals);
   value.data = line.substr(data);
-  value.typed_hex = false;
   switch (value.type) {
     case RegType::Dword:
       value.data = WithoutFirst(value.data, kDword.size() - 1);
@@ -60,10 +62,22 @@ bool TakeData(std::string_view line, std::size_t equals, std::size_t data, RegVa
     case RegType::None:
     case RegType::String:
       if (value.data.starts_with('"')) return TakeOffQuotes(value.data);
-      value.typed_hex = value.data.starts_with(kTypedHex);
       break;
   }
   return true;
+}
+
+/// assignment: the line from behind the name's closing quote on.
+RegLineForm FormOf(std::string_view assignment, const RegValueLine& value) {
+  const bool is_string = value.type == RegType::String;
+  const std::string_view mark = is_string ? kString : value.type == RegType::Dword ? kDword : kHex;
+  std::string_view data = assignment.substr(std::min(mark.size(), assignment.size()));
+  const bool has_quotes = !is_string || (data.ends_with('"') && assignment.starts_with(kString));
+  if (is_string && has_quotes) data.remove_suffix(1);
+  if (has_quotes && assignment.starts_with(mark) && data == value.data) return RegLineForm::Same;
+  if (!is_string || assignment.substr(1) != value.data) return RegLineForm::Other;
+  if (value.data == kDeletion) return RegLineForm::Deletion;
+  return value.data.starts_with(kTypedHex) ? RegLineForm::TypedHex : RegLineForm::Other;
 }
 
 }  // namespace
@@ -74,7 +88,12 @@ bool ParseValueLine(std::string_view line, RegValueLine& value) {
   // One character is passed over before "=", whether it is a quote or not.
   const std::string_view before_quote = WithoutLast(line.substr(0, equals));
   value.name = before_quote.substr(1);
-  if (!value.name.starts_with('"')) return TakeData(line, equals, equals + 1, value);
+  if (!value.name.starts_with('"')) {
+    if (!TakeData(line, equals, equals + 1, value)) return false;
+    value.form = line[equals - 1] == '"' ? FormOf(line.substr(equals), value) : RegLineForm::Other;
+    return true;
+  }
+  value.form = RegLineForm::Other;
   return TakeOffQuotes(value.name) && TakeData(line, equals, before_quote.size(), value);
 }
 
@@ -85,7 +104,9 @@ bool ParseDefaultLine(std::string_view line, TextStore& texts, RegValueLine& val
   if (equals > 1) {
     value.name = texts.Copy(std::string(kDefaultName).append("\"").append(WithoutLast(line.substr(1, equals - 1))));
   }
-  return TakeData(line, equals, equals + 1, value);
+  if (!TakeData(line, equals, equals + 1, value)) return false;
+  value.form = equals == 1 ? FormOf(line.substr(equals), value) : RegLineForm::Other;
+  return true;
 }
 
 }  // namespace tme

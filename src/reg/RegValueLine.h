@@ -1,10 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "reg/RegDocument.h"
 
 namespace tme {
+
+/// Whether a save writes a value line as it stood.
+enum class RegLineForm : std::uint8_t {
+  Same,
+  /// A type that is not known here ("hex(2):"), taken for a string and written between quotes.
+  TypedHex,
+  /// The deletion of a value ("name"=-), taken for the string "-".
+  Deletion,
+  /// Anything else: data without quotes, something behind the closing one, a name with "=".
+  Other,
+};
 
 /// A value line taken apart; views into the line.
 struct RegValueLine {
@@ -12,8 +24,8 @@ struct RegValueLine {
   std::string_view name;
   /// Hex: of the first line, with the "\" that announces another one.
   std::string_view data;
-  /// A type that is not known here ("hex(2):"), taken for a string.
-  bool typed_hex = false;
+  /// But for the name of a default value.
+  RegLineForm form = RegLineForm::Same;
 };
 
 /// line: begins with a double quote. False when it is no value line: no "=" after the second character, or a quote

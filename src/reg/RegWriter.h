@@ -28,7 +28,4 @@ bool WriteReg(const RegDocument& document, RegLayout layout, const RegSink& sink
 /// Bytes that WriteReg would give, without writing them.
 std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout);
 
-/// Larger results than this many times RegDocument::ContentBytes are not written.
-inline constexpr std::uint64_t kMaxRegGrowth = 100;
-
 }  // namespace tme

@@ -1,36 +1,29 @@
 #include "reg/form_REG.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QEvent>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QShortcut>
 #include <QSplitter>
-#include <QTextEdit>
 #include <array>
 
 #include "platform/Dialogs.h"
-#include "platform/FilePath.h"
 #include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
 #include "platform/Twips.h"
 #include "reg/RegAsShown.h"
 #include "reg/RegKeyModel.h"
+#include "reg/RegLosses.h"
 #include "reg/RegNotice.h"
 #include "reg/RegValueModel.h"
-#include "reg/RegWriter.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
-#include "shell/Rescue.h"
-#include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -43,12 +36,9 @@ constexpr int kStages = 7;
 constexpr int kStageOfHive = 4;
 constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
 /// Twips, where the settings have none.
-constexpr std::array kColumnWidths{2700, 1100, 4500};
+constexpr std::array kColumnWidths{2700, 1100, 0};
+constexpr int kLeastDataWidth = 1100;  // twips
 constexpr const char* kErrorLogName = "REG_ERR.TME";
-SaveDialogTexts SaveTexts() { return {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s}; }
-/// Text of the root of a document without a file.
-constexpr const char* kNewTitle = "New Registry File";
-constexpr const char* kPrintFileName = "~REGPRNT.TMP";
 
 }  // namespace
 
@@ -77,7 +67,7 @@ void form_REG::BuildControls(QWidget& client) {
   status->setContentsMargins(4, 0, 4, 2);
   lbl_location = PlainLabel({}, &client);
   lbl_location->setObjectName(u"lbl_location"_s);
-  lbl_location->setAccessibleName(tr("Path of the selected key"));
+  lbl_location->setAccessibleDescription(tr("Path of the selected key"));
   lbl_location->setTextInteractionFlags(Qt::TextSelectableByMouse);
   lbl_location->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   lbl_location->setMinimumHeight(lbl_location->fontMetrics().height());
@@ -157,6 +147,10 @@ bool form_REG::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyPress:
       SetFocusMarker(watched == LV || watched == LV->viewport() ? Focus::LV : Focus::TV);
       break;
+    case QEvent::Resize:
+      // Another window may have changed them.
+      if (watched == LV->viewport()) ReadColumnWidths();
+      break;
     default:
       break;
   }
@@ -178,15 +172,24 @@ void form_REG::UpdateCommands() {
 int form_REG::SelectedRow() const { return LV->currentIndex().isValid() ? LV->currentIndex().row() : -1; }
 
 void form_REG::ReadColumnWidths() {
+  if (std::exchange(is_placing_columns_, true)) return;
+  const auto pixels = [this](int twips) { return TwipsToPixels(twips, logicalDpiX()); };
+  int room = LV->viewport()->width();
   for (std::size_t column = 0; column < kColumnNames.size(); ++column) {
     const QString text = global_.registry.ReadValue(kRegKey, QString::fromLatin1(kColumnNames[column]));
     const int twips = ParseInt16(text).value_or(0);
-    LV->header()->resizeSection(static_cast<int>(column),
-                                TwipsToPixels(twips > 0 ? twips : kColumnWidths[column], logicalDpiX()));
+    // Without a setting the last column gets the room that the others leave, so that it is in sight.
+    int width = pixels(twips > 0 ? twips : kColumnWidths[column]);
+    if (twips <= 0 && column == RegValueModel::Name) width = std::min(width, room * 2 / 5);
+    if (twips <= 0 && column == RegValueModel::Data) width = std::max(room, pixels(kLeastDataWidth));
+    LV->header()->resizeSection(static_cast<int>(column), width);
+    room -= width;
   }
+  is_placing_columns_ = false;
 }
 
 void form_REG::WriteColumnWidth(int column, int pixels) {
+  if (is_placing_columns_) return;
   global_.registry.WriteValue(kRegKey, QString::fromLatin1(kColumnNames.at(static_cast<std::size_t>(column))),
                               kTextType, QString::number(PixelsToTwips(pixels, logicalDpiX())));
 }
@@ -210,6 +213,8 @@ void form_REG::ShowKey() {
 
 void form_REG::SetLocation(const QString& text) {
   lbl_location->setText(text);
+  // A screen reader reads the name of a label in place of its text.
+  lbl_location->setAccessibleName(text.isEmpty() ? tr("Path of the selected key") : text);
   SetTip(*lbl_location, text);
 }
 
@@ -217,7 +222,7 @@ void form_REG::NewREG() {
   TakeSlot();
   format_ = {};
   ExpandedLayout = false;
-  document_.Reset(kNewTitle);
+  document_.Reset(kNewTitle.toStdString());
   TV->show();
   EndProgress();
   Slot().path.clear();
@@ -245,6 +250,7 @@ void form_REG::OpenREG() {
     case RegReadEnd::LargeFileRefused:
       TV->show();
       SetLocation({});
+      AddNotice(tr("Nothing of the file was read. A save would put an empty document in its place."));
       break;
     case RegReadEnd::UnknownHive:
       // Intended: the import just stops; the bars, the label and the hidden tree stay as they are.
@@ -257,10 +263,11 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
-  SetTookAll(result.TookAll());
+  SetTookAll(result.end == RegReadEnd::EndOfInput && LeftOutOf(result).isEmpty());
   if (result.end != RegReadEnd::LargeFileRefused) RecordOpened();
   AddNotice(NoticeOf(result));
-  AddNotice(NoticeOf(document_));
+  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
+  SetLeftOut(result.end == RegReadEnd::LargeFileRefused ? tr("all that the file held") : LeftOutOf(result));
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
 }
 
@@ -329,102 +336,6 @@ void form_REG::ReportErrors(const std::string& error_log) {
                          MsgButtons::Ok, MsgIcon::Information, u"Errors:"_s);
 }
 
-QString form_REG::WriteOwnFile(
-    const char* name, const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write) {
-  const ShellUtilities& utilities = global_.shell_utilities;
-  QString path;
-  std::optional<FileFailure> failure;
-  for (const QString& folder : {utilities.ProgramFolder(), utilities.UserDataFolder()}) {
-    path = QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
-    MakePrivate(FilePath(path));
-    failure = write(FilePath(path));
-    if (!failure) return path;
-  }
-  ShowWriteFailure(path, *failure);
-  return {};
-}
-
-void form_REG::FileSaveRegular() {
-  ExpandedLayout = false;
-  WriteRegFile();
-}
-
-void form_REG::FileSaveExpanded() {
-  ExpandedLayout = true;
-  WriteRegFile();
-}
-
-void form_REG::FileSaveAsRegular() {
-  force_dialog_ = true;
-  FileSaveRegular();
-}
-
-void form_REG::FileSaveAsExpanded() {
-  force_dialog_ = true;
-  FileSaveExpanded();
-}
-
-form_REG::SaveOutcome form_REG::WriteRegFile() {
-  DocumentSlot& slot = Slot();
-  const QString location = lbl_location->text();
-  SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
-  QString path = slot.path;
-  if (std::exchange(force_dialog_, false) || path.isEmpty()) path = AskForSavePath(global_, SaveTexts());
-  const bool saved = !path.isEmpty() && WriteTo(path);
-  if (!saved) {
-    SetLocation(location);
-    return path.isEmpty() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
-  }
-  slot.path = path;
-  slot.title = QFileInfo(path).fileName();
-  document_.SetText(document_.Root(), slot.title.toStdString());
-  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
-  // These are in no file; the content of the whole document joins the history instead.
-  if (document_.UnsavedValues() > 0 && !KeepUnsaved()) {
-    global_.frame->UnsavedContent().LeaveForNextStart(*this);
-    AddNotice(tr("Values that the file has no place for could not be kept in the history either."));
-  }
-  SetLocation({});
-  setWindowTitle(CaptionText(slot.title));
-  SetChanged(false);
-  MarkClean();
-  return SaveOutcome::Saved;
-}
-
-std::optional<FileFailure> form_REG::CheckGrowth() const {
-  const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
-  if (RegOutputBytes(document_, layout) <= kMaxRegGrowth * document_.ContentBytes()) return std::nullopt;
-  return FileFailure{"So many keys share their names that the file would grow to more than " +
-                     std::to_string(kMaxRegGrowth) + " times the size of the document"};
-}
-
-bool form_REG::HoldsWholeFile() const { return DocumentWindow::HoldsWholeFile() && document_.UnsavedValues() == 0; }
-
-PartProducer form_REG::Producer() const {
-  const RegLayout layout = ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular;
-  return [this, layout](const FilePart& put) { return WriteReg(document_, layout, put); };
-}
-
-bool form_REG::WriteTo(QString& path) {
-  const Hourglass hourglass;
-  if (const auto failure = CheckGrowth()) {
-    ShowWriteFailure(path, *failure);
-    return false;
-  }
-  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
-  TextFormat format = format_;
-  format.fallback = TextEncoding::Utf16Le;  // as the system's own registry files
-  if (!target || !WriteDocument(*target, &format, Producer())) return false;
-  path = target->path;
-  const auto write_as = [this](TextEncoding encoding) {
-    format_ = {encoding, {}};
-    WriteRegFile();
-  };
-  AddEncodingNotice(format_.encoding, format.encoding, write_as);
-  format_ = format;
-  return true;
-}
-
 std::string form_REG::Content() {
   TextFormat format = format_;
   return BytesOf(&format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
@@ -433,7 +344,7 @@ std::string form_REG::Content() {
 void form_REG::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
   format_ = decoded.format;
-  document_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
+  document_.Reset((Slot().title.isEmpty() ? kNewTitle : Slot().title).toStdString());
   if (!ReadRegAsShown(document_, decoded.text)) {
     const RegQuestions take_all{.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}};
     AddNotice(NoticeOf(RegReader::Read(document_, std::move(decoded.text), take_all)));
@@ -441,7 +352,7 @@ void form_REG::PutContent(std::string bytes) {
   EndProgress();
   TV->show();
   RestoreView();
-  AddNotice(NoticeOf(document_));
+  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
   SetChanged(true);
 }
 
@@ -459,33 +370,9 @@ bool form_REG::CloseDocument() {
   EndProgress();
   ReleaseSlot();
   document_.Reset({});
+  kept_losses_ = 0;
+  large_output_is_allowed_ = false;
   return true;
-}
-
-void form_REG::PrintDoc(QPrinter* printer) {
-  const bool expanded = std::exchange(ExpandedLayout, true);
-  const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
-    TextFormat format = format_;
-    PrivateFileSteps steps;
-    auto failure = CheckGrowth();
-    return failure ? failure : WriteTextFile(file, format, Producer(), steps);
-  });
-  ExpandedLayout = expanded;
-  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
-  std::string bytes;
-  if (path.isEmpty()) return;
-  if (const auto failure = ReadFileBytes(FilePath(path), bytes)) return ShowReadFailure(path, *failure);
-  const Hourglass hourglass;
-  if (!RTFPrint2) {
-    RTFPrint2 = new QTextEdit(this);
-    RTFPrint2->setObjectName(u"RTFPrint2"_s);
-    RTFPrint2->setUndoRedoEnabled(false);
-    RTFPrint2->hide();
-  }
-  RTFPrint2->setPlainText(QString::fromStdString(DecodeText(std::move(bytes)).text));
-  RTFPrint2->print(printer);
-  RTFPrint2->clear();
-  SetChanged(false);
 }
 
 }  // namespace tme

@@ -6,6 +6,7 @@
 
 #include "reg/RegDocument.h"
 #include "reg/RegReader.h"
+#include "reg/RegWriter.h"
 #include "shell/DocumentWindow.h"
 
 class QLabel;
@@ -16,6 +17,7 @@ class QTreeView;
 namespace tme {
 
 class RegKeyModel;
+struct RegLosses;
 class RegValueModel;
 
 /// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
@@ -64,6 +66,9 @@ class form_REG : public DocumentWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  /// Text of the root of a document without a file.
+  static inline const QString kNewTitle = QStringLiteral("New Registry File");
+
   /// The control that the user last worked in; deleting and modifying go by it.
   enum class Focus { TV, LV };
 
@@ -87,13 +92,20 @@ class form_REG : public DocumentWindow {
   /// message when neither can be written.
   QString WriteOwnFile(const char* name,
                        const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
-  /// In the layout that is set; `format` says the encoding that was taken.
-  /// What a save writes, in the layout that is set; the failure when that would grow beyond all measure.
-  std::optional<FileFailure> CheckGrowth() const;
+  RegLayout Layout() const;
+  /// Saved when the result is no larger than a file may be unasked, or the user wants it so; asks once for a document.
+  SaveOutcome MayBeThatLarge();
+  /// Keeps what a save left out and says so.
+  void TellLosses(const RegLosses& losses);
+  /// What a save writes, in the layout that is set.
   PartProducer Producer() const;
+  /// The same, with a dialog that can stop it.
+  PartProducer ProducerWithProgress();
   /// Writes and reports; false when the file is as it was.
   bool WriteTo(QString& path);
   void SetLocation(const QString& text);
+  /// After an edit of a key or its values: what a save makes of it otherwise than it is shown.
+  void TellWhatASaveMakesOf(const RegNode& node);
 
   void AddValueOfType(RegType type, const QString& caption);
   /// -1 without a selected row.
@@ -105,6 +117,10 @@ class form_REG : public DocumentWindow {
   std::unique_ptr<RegValueModel> values_;
   bool ExpandedLayout = false;
   bool force_dialog_ = false;
+  /// RegLosses::fingerprint of what the history has of this document.
+  std::uint64_t kept_losses_ = 0;
+  bool large_output_is_allowed_ = false;
+  bool is_placing_columns_ = false;
   Focus FocusMarker = Focus::TV;
   QElapsedTimer since_progress_;
 

@@ -4,6 +4,7 @@
 
 #include "platform/Dialogs.h"
 #include "reg/RegKeyModel.h"
+#include "reg/RegLosses.h"
 #include "reg/RegValueModel.h"
 #include "reg/form_AddHK.h"
 #include "reg/form_REG.h"
@@ -37,6 +38,7 @@ void form_REG::EditNewKey() {
   const RegNode* branch = document_.AddBranch(node, text);
   TV->expand(keys_->IndexOf(node));
   TV->scrollTo(keys_->IndexOf(branch));
+  TellWhatASaveMakesOf(*branch);
   SetChanged(true);
 }
 
@@ -66,6 +68,7 @@ void form_REG::AddValueOfType(RegType type, const QString& caption) {
   }
   values_->Append(document_.AddValueRecord(node, type, name, dialog.Data().toStdString()));
   LV->scrollToBottom();
+  TellWhatASaveMakesOf(*node);
   SetChanged(true);
 }
 
@@ -83,7 +86,18 @@ void form_REG::EditModify() {
   if (dialog.Data() == form_REGEdit::kCancelled) return;
   // The same text again changes nothing, bytes that are not text included.
   if (dialog.Data() != before) document_.SetValueData(index, dialog.Data().toStdString());
+  if (record.owner->Tag() != RegTag::Branch) TellWhatASaveMakesOf(*record.owner);
   SetChanged(true);
+}
+
+void form_REG::TellWhatASaveMakesOf(const RegNode& node) {
+  if (document_.SharesItsName(&node))
+    AddNotice(tr("Other keys are named \"%1\" too: saving writes the values of all of them under each.")
+                  .arg(DisplayText(node.Text(), kMaxCharactersInMessage)));
+  if (node.Tag() != RegTag::Branch && !document_.ValuesOfPath(&node).empty())
+    AddNotice(tr("What stands directly under the file or a hive is not saved."));
+  if (LossesOf(document_, RegLayout::Expanded).keys_of_title > 0)
+    AddNotice(tr("A key that has the name of the tree's root is not saved, nor are its values."));
 }
 
 void form_REG::EditDelete() {
@@ -115,6 +129,7 @@ void form_REG::EditRename() {
   if (name.isEmpty()) return;
   if (name != old_name) document_.SetText(node, name.toStdString());
   ShowKey();
+  TellWhatASaveMakesOf(*node);
   SetChanged(true);
 }
 
