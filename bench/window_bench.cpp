@@ -22,6 +22,8 @@
 #include "shell/OpenDispatch.h"
 #include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
+#include "text/RtfPad.h"
+#include "text/form_RTF.h"
 #include "text/form_TXT.h"
 
 namespace tme {
@@ -38,6 +40,7 @@ struct Editor {
   Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
   mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
                           if (kind == DocumentKind::Txt) return new form_TXT(global, slot);
+                          if (kind == DocumentKind::Rtf) return new form_RTF(global, slot);
                           return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
                         }};
 };
@@ -188,6 +191,89 @@ void BM_SnapshotShare(benchmark::State& state, DocumentKind kind) {
 }
 BENCHMARK_CAPTURE(BM_SnapshotShare, text, DocumentKind::Txt)->Unit(benchmark::kSecond)->Iterations(1);
 BENCHMARK_CAPTURE(BM_SnapshotShare, ini, DocumentKind::Ini)->Unit(benchmark::kSecond)->Iterations(1);
+
+/// Rich text of shapes that no letter has. Opening is to take less than a second but for the last two, which show
+/// progress; a key less than 50 ms.
+struct OddShape {
+  const char* name;
+  std::string (*body)();
+};
+
+std::string Repeated(int count, const std::string& text) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string NestedTables() {
+  std::string text;
+  for (int level = 1; level < 20; ++level) text += "\\itap" + std::to_string(level) + " a\\nestcell ";
+  return text;
+}
+
+constexpr OddShape kOddShapes[] = {
+    {"nested_tables", [] { return NestedTables(); }},
+    {"rows",
+     [] {
+       return Repeated(20'000, "\\trowd\\cellx2000\\cellx4000\\cellx6000 \\pard\\intbl a\\cell b\\cell c\\cell\\row\n");
+     }},
+    {"cells", [] { return "\\trowd\\pard\\intbl " + Repeated(20'000, "c\\cell ") + "\\row"; }},
+    {"objects", [] { return Repeated(50'000, "{\\object\\objemb{\\*\\objclass X}{\\result x}} ") + "\\par"; }},
+    {"paragraph", [] { return Repeated(1'000'000, "the letter of a win ") + "\\par"; }},
+    {"letter", [] { return Repeated(60'000, Repeated(20, "the letter of ") + "{\\b the window}\\par\n"); }},
+};
+
+form_RTF& OddDocument(Editor& editor, const OddShape& shape) {
+  static const QTemporaryDir folder;
+  const QString path = folder.filePath(QLatin1StringView(shape.name) + QStringLiteral(".rtf"));
+  std::ofstream(path.toStdString(), std::ios::binary) << "{\\rtf1\\ansi " << shape.body() << "}";
+  OpenPathList(editor.global, path);
+  QApplication::processEvents();
+  return static_cast<form_RTF&>(*editor.global.documents.At(DocumentKind::Rtf, 0).window);
+}
+
+/// From the choice of the file to the painted text.
+void BM_OpenOddRtf(benchmark::State& state) {
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  for (auto _ : state) {
+    form_RTF& window = OddDocument(editor, kOddShapes[state.range(0)]);
+    static_cast<RtfPad&>(window.EditingArea()).viewport()->repaint();
+    state.PauseTiming();
+    window.FileClose();
+    state.ResumeTiming();
+  }
+  state.SetLabel(kOddShapes[state.range(0)].name);
+}
+BENCHMARK(BM_OpenOddRtf)->DenseRange(0, std::size(kOddShapes) - 1)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+/// A character typed in the middle, with all that follows it.
+void BM_KeyInOddRtf(benchmark::State& state) {
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  Pad& pad = OddDocument(editor, kOddShapes[state.range(0)]).EditingArea();
+  pad.Select(pad.End() / 2, pad.End() / 2);
+  for (auto _ : state) {
+    pad.ReplaceSelection(QStringLiteral("x"));
+    static_cast<RtfPad&>(pad).viewport()->repaint();
+  }
+  state.SetLabel(kOddShapes[state.range(0)].name);
+}
+BENCHMARK(BM_KeyInOddRtf)->DenseRange(0, std::size(kOddShapes) - 1)->Unit(benchmark::kMillisecond)->Iterations(10);
+
+/// Select all and Bold, up to where the window answers again.
+void BM_BoldInOddRtf(benchmark::State& state) {
+  Editor editor;
+  editor.frame.MDIForm_Load({});
+  form_RTF& window = OddDocument(editor, kOddShapes[state.range(0)]);
+  for (auto _ : state) {
+    window.EditSelectAll();
+    window.FormatBold();
+    static_cast<RtfPad&>(window.EditingArea()).viewport()->repaint();
+  }
+  state.SetLabel(kOddShapes[state.range(0)].name);
+}
+BENCHMARK(BM_BoldInOddRtf)->DenseRange(0, std::size(kOddShapes) - 1)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 /// A store of 2,000 versions of 100 files.
 class Store : public benchmark::Fixture {

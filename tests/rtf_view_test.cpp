@@ -74,7 +74,8 @@ std::string LinesOf(const RtfDocument& document) {
 void ExpectSameAfterView(const RtfDocument& document) {
   RtfStore store;
   QTextDocument view;
-  ImportRtf(RtfDocument(document), store, view);
+  RtfSimplified simplified;
+  ASSERT_TRUE(ImportRtf(RtfDocument(document), store, view, simplified));
   const RtfExport written(view, store);
   EXPECT_EQ(LinesOf(written.Document()), LinesOf(document));
   EXPECT_EQ(written.Document().char_formats, document.char_formats);
@@ -167,7 +168,8 @@ TEST(RtfView, EditsChangeOnlyWhatTheyTouch) {
   RtfStore store;
   QTextDocument view;
   Source source = MixedSource();
-  ImportRtf(std::move(source.document), store, view);
+  RtfSimplified simplified;
+  ASSERT_TRUE(ImportRtf(std::move(source.document), store, view, simplified));
   QTextCursor cursor(&view);
   cursor.movePosition(QTextCursor::Right, QTextCursor::KeepAnchor, 3);
   QTextCharFormat change;

@@ -7,101 +7,111 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <set>
 #include <string_view>
 
 #include "shell/DisplayText.h"
+#include "text/RtfGrid.h"
+#include "text/RtfShape.h"
 
 namespace tme {
 namespace {
 
 using rtf::RtfDocument;
 
-// A table is laid out on the edges of all its rows; one that would need far more places than it has cells is not.
-constexpr std::size_t kMaxPlacesPerCell = 4;
-constexpr std::size_t kPlacesAlwaysTaken = 4000;
-constexpr int kMaxTableDepth = 30;
-
-/// Where a cell stands in the view's table.
-struct Place {
-  int row = 0;
-  int column = 0;
-  int rows = 1;
-  int columns = 1;
-};
+constexpr std::size_t kEndless = ~std::size_t{0};
+/// Between two parts of one table.
+constexpr double kSeamUnits = 1;
+const QColor kFlatBackground(0xF3, 0xF5, 0xF7);
+// Short enough to answer a click on Cancel at once.
+constexpr std::size_t kParagraphsBetweenSteps = 256;
 
 class Importer {
  public:
   /// source: texts, runs, paragraphs, cells, rows, tables; their numbers name parts of the store.
-  Importer(const RtfDocument& source, RtfStore& store, QTextDocument& target)
+  Importer(const RtfDocument& source, RtfStore& store, QTextDocument& target, const RtfImportStep& step)
       : source_(source),
         store_(store),
+        step_(step),
+        shape_(source),
         looks_(store),
         cursor_(&target),
-        char_formats_(store.document.char_formats.size()),
-        rows_of_table_(source.tables.size()),
-        cells_of_row_(source.rows.size()) {
-    for (std::size_t row = 0; row < source.rows.size(); ++row)
-      rows_of_table_[source.rows[row].table].push_back(static_cast<std::uint32_t>(row));
-    for (std::size_t cell = 0; cell < source.cells.size(); ++cell)
-      cells_of_row_[source.cells[cell].row].push_back(static_cast<std::uint32_t>(cell));
-  }
+        char_formats_(store.document.char_formats.size()) {}
 
-  void Run() {
+  /// False when it was given up.
+  bool Run(RtfSimplified& simplified) {
     cursor_.beginEditBlock();
     offset_ = 0;
-    InsertParagraphs(0, source_.paragraphs.size(), -1, 0);
+    InsertParagraphs(0, source_.paragraphs.size(), -1);
     cursor_.endEditBlock();
+    simplified = {shape_.FlatTables(), long_paragraphs_};
+    return !given_up_;
   }
 
  private:
   enum class At : std::uint8_t { EmptyBlock, EmptyCell, EndOfBlock, AfterTable };
-  using Range = std::pair<std::size_t, std::size_t>;
+  /// The paragraphs of each cell: the first one, and the one behind the last.
+  using CellRanges = std::map<std::int32_t, std::pair<std::size_t, std::size_t>>;
 
   /// The cell right inside `parent` that holds a paragraph; -1 when it stands in `parent` itself.
   std::int32_t CellInside(std::int32_t parent, const rtf::Paragraph& paragraph) const {
     std::int32_t cell = paragraph.cell;
-    for (int depth = 0; cell >= 0 && cell != parent && depth < kMaxTableDepth * 2; ++depth) {
-      const std::int32_t above = TableOf(cell).parent_cell;
-      if (above == parent) return cell;
-      cell = above;
+    while (cell >= 0 && cell != parent) {
+      const std::int32_t around = shape_.CellAround(cell);
+      if (around == parent) return cell;
+      cell = around;
     }
     return -1;
   }
-  std::uint32_t TableNumberOf(std::int32_t cell) const {
-    return source_.rows[source_.cells[static_cast<std::size_t>(cell)].row].table;
-  }
-  const rtf::Table& TableOf(std::int32_t cell) const { return source_.tables[TableNumberOf(cell)]; }
 
   /// The cursor stands in an empty block: the first of a document or a cell.
-  void InsertParagraphs(std::size_t first, std::size_t last, std::int32_t parent, int depth) {
+  void InsertParagraphs(std::size_t first, std::size_t last, std::int32_t parent) {
     At at = parent < 0 ? At::EmptyBlock : At::EmptyCell;
-    for (std::size_t index = first; index < last;) {
-      const std::int32_t cell = depth < kMaxTableDepth ? CellInside(parent, source_.paragraphs[index]) : -1;
-      if (cell < 0) {
-        InsertParagraph(index++, at);
+    for (std::size_t index = first; index < last && !given_up_;) {
+      const std::int32_t cell = CellInside(parent, source_.paragraphs[index]);
+      if (cell < 0 || shape_.IsFlat(shape_.TableOf(cell))) {
+        InsertParagraph(index, at, cell < 0 ? 0 : FlatNumber(source_.paragraphs[index].cell));
+        ++index;
         at = At::EndOfBlock;
         continue;
       }
-      const std::uint32_t table = TableNumberOf(cell);
-      std::map<std::int32_t, Range> cells;
+      const std::uint32_t table = shape_.TableOf(cell);
+      CellRanges cells;
       std::int32_t inside = cell;
-      const std::size_t start = index;
       do {
         const auto [place, is_new] = cells.try_emplace(inside, index, index + 1);
         place->second.second = ++index;
         if (index == last) break;
         inside = CellInside(parent, source_.paragraphs[index]);
-      } while (inside >= 0 && TableNumberOf(inside) == table);
+      } while (inside >= 0 && shape_.TableOf(inside) == table);
       if (at != At::EndOfBlock) MarkFiller();
-      if (!InsertTable(table, cells, depth)) InsertRest(start, index, at);
+      InsertTable(table, cells);
       at = At::AfterTable;
     }
     if (at == At::AfterTable) MarkFiller();
   }
 
-  void InsertRest(std::size_t first, std::size_t last, At at) {
-    for (; first < last; ++first, at = At::EndOfBlock) InsertParagraph(first, at);
+  /// The store's number of a cell of a table that is not shown as one, plus 1; all of the table joins the store with
+  /// its first cell.
+  int FlatNumber(std::int32_t cell) {
+    if (flat_numbers_.empty()) flat_numbers_.resize(source_.cells.size(), 0);
+    int& number = flat_numbers_[static_cast<std::size_t>(cell)];
+    if (number > 0) return number;
+    const std::int32_t around = shape_.CellAround(cell);
+    const bool is_inside_flat = around >= 0 && shape_.IsFlat(shape_.TableOf(around));
+    const std::int32_t parent = is_inside_flat ? FlatNumber(around) - 1 : -1;
+    RtfStore::FlatTables& flat = store_.flat;
+    for (const std::uint32_t row : shape_.RowsOf(shape_.TableOf(cell))) {
+      const auto begin = static_cast<std::uint32_t>(flat.cells.size());
+      for (const std::uint32_t each : shape_.CellsOf(row)) {
+        flat.cells.push_back(source_.cells[each]);
+        flat.cells.back().row = static_cast<std::uint32_t>(flat.rows.size());
+        flat_numbers_[each] = static_cast<int>(flat.cells.size());
+      }
+      const auto end = static_cast<std::uint32_t>(flat.cells.size());
+      flat.rows.push_back({static_cast<std::uint32_t>(flat.parents.size()), begin, end, source_.rows[row].definition});
+    }
+    flat.parents.push_back(parent);
+    return number;
   }
 
   void MarkFiller() {
@@ -110,7 +120,17 @@ class Importer {
     cursor_.setBlockFormat(format);
   }
 
-  void InsertParagraph(std::size_t index, At at) {
+  /// The block between two parts of a table, as good as not there.
+  void MarkSeam() {
+    MarkFiller();
+    QTextBlockFormat format = cursor_.blockFormat();
+    format.setLineHeight(kSeamUnits, QTextBlockFormat::FixedHeight);
+    cursor_.setBlockFormat(format);
+  }
+
+  /// flat: of the cell that it stands in although the view shows no table there.
+  void InsertParagraph(std::size_t index, At at, int flat) {
+    if (++since_step_ >= kParagraphsBetweenSteps) Step();
     const rtf::Paragraph& paragraph = source_.paragraphs[index];
     const std::size_t last =
         index + 1 < source_.paragraphs.size() ? source_.paragraphs[index + 1].first_run : source_.runs.size();
@@ -119,11 +139,19 @@ class Importer {
 
     QTextList* list = ListOf(paragraph);
     QTextBlockFormat format = BlockFormat(paragraph.format, list);
+    if (flat > 0) {
+      format.setProperty(kFlatCell, flat);
+      format.setBackground(kFlatBackground);
+    }
+    const bool is_long = shape_.IsLong(index);
+    if (is_long) BeginPieces(format, paragraph.mark_format);
     if (at == At::EmptyCell) format.setProperty(kMarkLook, static_cast<int>(paragraph.mark_format) + 1);
+    int attached = 0;
     if (shown_end < last) {
       std::uint32_t offset = offset_;
       for (std::size_t run = paragraph.first_run; run < shown_end; ++run) offset += source_.runs[run].bytes;
-      format.setProperty(kAttached, Attach(shown_end, last, offset));
+      attached = Attach(shown_end, last, offset);
+      if (!is_long) format.setProperty(kAttached, attached);
     }
     if (at == At::EndOfBlock) {
       cursor_.insertBlock(format, CharFormat(paragraph.mark_format));
@@ -134,7 +162,58 @@ class Importer {
     }
     if (!list) StartList(paragraph);
     InsertRuns(paragraph.first_run, shown_end);
+    if (is_long) EndPieces(attached);
     for (; shown_end < last; ++shown_end) offset_ += source_.runs[shown_end].bytes;
+  }
+
+  void Step() {
+    since_step_ = 0;
+    if (step_ && !step_(offset_, source_.text.size())) given_up_ = true;
+  }
+
+  /// format: of the first block, and made that of a piece.
+  void BeginPieces(QTextBlockFormat& format, std::uint32_t mark) {
+    piece_mark_ = mark;
+    ++long_paragraphs_;
+    format.setProperty(kLongParagraph, ++store_.long_paragraphs);
+    format.setProperty(kPiece, 1);
+    RtfLooks::ShowAsPiece(format, 1);
+    next_piece_ = format;
+    next_piece_.setObjectIndex(-1);
+    room_ = kBytesOfPiece;
+    room_runs_ = kRunsOfPiece;
+  }
+
+  void NextPiece() {
+    const int piece = next_piece_.intProperty(kPiece) + 1;
+    next_piece_.setProperty(kPiece, piece);
+    RtfLooks::ShowAsPiece(next_piece_, piece);
+    cursor_.insertBlock(next_piece_, CharFormat(piece_mark_));
+    room_ = kBytesOfPiece;
+    room_runs_ = kRunsOfPiece;
+    Step();
+  }
+
+  void EndPieces(int attached) {
+    room_ = room_runs_ = kEndless;
+    if (attached == 0) return;
+    QTextBlockFormat format = cursor_.blockFormat();
+    format.setProperty(kAttached, attached);
+    cursor_.setBlockFormat(format);
+  }
+
+  void TakeRoomForRun() {
+    if (room_runs_ == kEndless) return;
+    if (room_runs_ == 0) NextPiece();
+    --room_runs_;
+  }
+
+  /// Where a text that is longer than the room of its piece is cut: behind a blank, or between characters.
+  static std::size_t CutOf(std::string_view text, std::size_t room) {
+    const std::size_t blank = text.rfind(' ', room);
+    if (blank != std::string_view::npos && blank < room && room - blank < kBytesOfPiece / 4) return blank + 1;
+    while (room > 0 && (static_cast<unsigned char>(text[room]) & 0xC0) == 0x80) --room;
+    return room;
   }
 
   bool IsUnseen(const rtf::Run& run) const {
@@ -156,7 +235,7 @@ class Importer {
 
   void InsertRuns(std::size_t first, std::size_t last) {
     int attached = 0;
-    while (first < last) {
+    while (first < last && !given_up_) {
       const rtf::Run& run = source_.runs[first];
       if (IsUnseen(run)) {
         std::size_t end = first + 1;
@@ -187,10 +266,20 @@ class Importer {
       InsertObject(kPageBreak, format);
       text.remove_prefix(page_end + 1);
     }
-    if (!text.empty()) cursor_.insertText(TextOf(text), format);
+    if (text.empty()) return;
+    TakeRoomForRun();
+    while (text.size() > room_ && !given_up_) {
+      const std::size_t cut = CutOf(text, room_);
+      if (cut > 0) cursor_.insertText(TextOf(text.substr(0, cut)), format);
+      text.remove_prefix(cut);
+      NextPiece();
+    }
+    cursor_.insertText(TextOf(text), format);
+    if (room_ != kEndless) room_ -= text.size();
   }
 
   void InsertObject(int object, QTextCharFormat format) {
+    TakeRoomForRun();
     format.setObjectType(kRtfObjectType);
     format.setProperty(kObject, object);
     cursor_.insertText(QString(QChar::ObjectReplacementCharacter), format);
@@ -239,35 +328,43 @@ class Importer {
     lists_[{look.list_id, look.list_level, look.list}] = cursor_.createList(format);
   }
 
-  /// Leaves the cursor in the block behind the table. False for a table without cells.
-  bool InsertTable(std::uint32_t number, const std::map<std::int32_t, Range>& cells, int depth) {
-    RtfStore::KeptTable kept;
-    std::vector<std::pair<std::uint32_t, Place>> places;
-    std::vector<int> edges;
-    const int columns = PlaceCells(number, kept, places, edges);
-    if (columns == 0) return false;
-    kept.columns = columns;
-    const bool has_borders = std::any_of(kept.rows.begin(), kept.rows.end(), [](const RtfStore::KeptRow& row) {
-      return row.definition.empty() || row.definition.find("brdrs") != std::string::npos;
-    });
-    const auto rows = static_cast<int>(kept.rows.size());
-    store_.tables.push_back(std::move(kept));
-    QTextTable* table = cursor_.insertTable(rows, columns, TableFormat(edges, has_borders));
-    for (const auto& [cell, place] : places)
+  /// Leaves the cursor in the block behind the table.
+  void InsertTable(std::uint32_t table, const CellRanges& cells) {
+    const std::vector<std::size_t> parts = shape_.PartsOf(table);
+    const int group = parts.size() > 1 ? ++store_.parted_tables : 0;
+    std::size_t first = 0;
+    for (std::size_t part = 0; part < parts.size() && !given_up_; ++part) {
+      if (part > 0) MarkSeam();
+      RtfGrid grid(source_, shape_, table, std::exchange(first, parts[part]), parts[part]);
+      grid.kept.group = group;
+      grid.kept.part = static_cast<int>(part);
+      InsertGrid(std::move(grid), cells);
+    }
+    std::size_t end = 0;
+    for (const auto& [cell, range] : cells) end = std::max(end, range.second);
+    offset_ = OffsetOf(end);
+  }
+
+  void InsertGrid(RtfGrid&& grid, const CellRanges& cells) {
+    const bool has_borders =
+        std::any_of(grid.kept.rows.begin(), grid.kept.rows.end(), [](const RtfStore::KeptRow& row) {
+          return row.definition.empty() || row.definition.find("brdrs") != std::string::npos;
+        });
+    const auto rows = static_cast<int>(grid.kept.rows.size());
+    const int columns = grid.kept.columns;
+    store_.tables.push_back(std::move(grid.kept));
+    QTextTable* table = cursor_.insertTable(rows, columns, TableFormat(grid.edges, has_borders));
+    for (const auto& [cell, place] : grid.places)
       if (place.rows > 1 || place.columns > 1) table->mergeCells(place.row, place.column, place.rows, place.columns);
-    for (const auto& [cell, place] : places) {
+    for (const auto& [cell, place] : grid.places) {
       const auto range = cells.find(static_cast<std::int32_t>(cell));
       if (range == cells.end()) continue;
       // Paragraphs come in the order of the cells, but a merged-away cell has some, too, that are not shown.
       offset_ = OffsetOf(range->second.first);
       cursor_ = table->cellAt(place.row, place.column).firstCursorPosition();
-      InsertParagraphs(range->second.first, range->second.second, static_cast<std::int32_t>(cell), depth + 1);
+      InsertParagraphs(range->second.first, range->second.second, static_cast<std::int32_t>(cell));
     }
-    std::size_t end = 0;
-    for (const auto& [cell, range] : cells) end = std::max(end, range.second);
-    offset_ = OffsetOf(end);
     cursor_.setPosition(table->lastPosition() + 1);
-    return true;
   }
 
   /// Where the text of a paragraph begins; paragraphs are asked for in about their order.
@@ -298,67 +395,10 @@ class Importer {
     return format;
   }
 
-  /// Lays a table's cells out; the number of columns, and their right edges where the cells have them.
-  int PlaceCells(std::uint32_t table, RtfStore::KeptTable& kept, std::vector<std::pair<std::uint32_t, Place>>& places,
-                 std::vector<int>& edges) const {
-    std::set<int> all_edges;
-    std::size_t cell_count = 0, longest = 0;
-    bool ordered = true;
-    for (const std::uint32_t row : rows_of_table_[table]) {
-      const auto& cells = cells_of_row_[row];
-      if (cells.empty()) continue;
-      RtfStore::KeptRow& kept_row = kept.rows.emplace_back();
-      kept_row.definition = source_.rows[row].definition;
-      int left = 0;
-      for (const std::uint32_t cell : cells) {
-        kept_row.cells.push_back(source_.cells[cell]);
-        ordered = ordered && source_.cells[cell].right_edge > left;
-        left = source_.cells[cell].right_edge;
-        all_edges.insert(left);
-      }
-      cell_count += cells.size();
-      longest = std::max(longest, cells.size());
-    }
-    const std::size_t room = all_edges.size() * kept.rows.size();
-    if (ordered && room <= std::max(cell_count * kMaxPlacesPerCell, kPlacesAlwaysTaken))
-      edges.assign(all_edges.begin(), all_edges.end());
-    const auto columns = static_cast<int>(edges.empty() ? longest : edges.size());
-    int row_number = 0;
-    std::vector<int> taken_to(static_cast<std::size_t>(columns), 0);  // by merged cells, per column: the first free row
-    for (const std::uint32_t row : rows_of_table_[table]) {
-      if (cells_of_row_[row].empty()) continue;
-      PlaceRow(cells_of_row_[row], row_number++, edges, columns, static_cast<int>(kept.rows.size()), taken_to, places);
-    }
-    return columns;
-  }
-
-  void PlaceRow(const std::vector<std::uint32_t>& cells, int row, const std::vector<int>& edges, int columns, int rows,
-                std::vector<int>& taken_to, std::vector<std::pair<std::uint32_t, Place>>& places) const {
-    int column = 0;
-    for (std::size_t index = 0; index < cells.size(); ++index) {
-      const rtf::Cell& cell = source_.cells[cells[index]];
-      if (cell.column_span == 0) continue;  // its place is the one before's
-      const std::size_t last = std::min(index + cell.column_span, cells.size()) - 1;
-      int end = column + static_cast<int>(last - index) + 1;
-      if (!edges.empty()) {
-        const int edge = source_.cells[cells[last]].right_edge;
-        end = static_cast<int>(std::lower_bound(edges.begin(), edges.end(), edge) - edges.begin()) + 1;
-      } else if (last + 1 == cells.size()) {
-        end = columns;
-      }
-      const bool is_free =
-          std::all_of(taken_to.begin() + column, taken_to.begin() + end, [row](int free) { return free <= row; });
-      if (cell.row_span > 0 && is_free) {
-        const int span = std::clamp<int>(cell.row_span, 1, rows - row);
-        places.push_back({cells[index], {row, column, span, end - column}});
-        std::fill(taken_to.begin() + column, taken_to.begin() + end, row + span);
-      }
-      column = end;
-    }
-  }
-
   const RtfDocument& source_;
   RtfStore& store_;
+  const RtfImportStep& step_;
+  const RtfShape shape_;
   RtfLooks looks_;
   QTextCursor cursor_;
   std::uint32_t offset_ = 0;  ///< in the text, of the next run
@@ -367,12 +407,20 @@ class Importer {
   std::vector<std::optional<QTextCharFormat>> char_formats_;
   std::map<std::pair<std::uint32_t, const QTextList*>, QTextBlockFormat> block_formats_;
   std::map<std::tuple<std::int32_t, std::uint8_t, rtf::ListKind>, QTextList*> lists_;
-  std::vector<std::vector<std::uint32_t>> rows_of_table_;
-  std::vector<std::vector<std::uint32_t>> cells_of_row_;
+  std::vector<int> flat_numbers_;  ///< of the cells, where they are known
+  std::size_t long_paragraphs_ = 0;
+  // Of the piece that is being filled; endless outside long paragraphs.
+  std::size_t room_ = kEndless;
+  std::size_t room_runs_ = kEndless;
+  QTextBlockFormat next_piece_;
+  std::uint32_t piece_mark_ = 0;
+  std::size_t since_step_ = 0;
+  bool given_up_ = false;
 };
 
-/// The text and its structure, out of a document that keeps the rest.
-RtfDocument TakeText(RtfDocument& from) {
+}  // namespace
+
+RtfDocument TakeRtfText(RtfDocument& from) {
   RtfDocument text;
   text.text.swap(from.text);
   text.runs.swap(from.runs);
@@ -383,57 +431,17 @@ RtfDocument TakeText(RtfDocument& from) {
   return text;
 }
 
-}  // namespace
-
-void ImportRtf(RtfDocument&& source, RtfStore& store, QTextDocument& target) {
-  const RtfDocument text = TakeText(source);
-  store.document = std::move(source);
+bool ShowRtf(const RtfDocument& text, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
+             const RtfImportStep& step) {
   target.setUndoRedoEnabled(false);
-  Importer(text, store, target).Run();
+  return Importer(text, store, target, step).Run(simplified);
 }
 
-void ImportRtfPart(RtfDocument&& source, RtfStore& store, QTextDocument& target) {
-  RtfDocument text = TakeText(source);
-  RtfDocument& kept = store.document;
-  RtfLooks looks(store);
-  const auto objects = static_cast<std::uint32_t>(kept.objects.size());
-  const auto fields = static_cast<std::uint32_t>(kept.fields.size());
-  std::move(source.objects.begin(), source.objects.end(), std::back_inserter(kept.objects));
-  for (rtf::Field& field : source.fields) {
-    if (field.parent) field.parent += fields;
-    kept.fields.push_back(std::move(field));
-  }
-
-  const auto color_of = [&](std::uint32_t color) {
-    return color == 0 || color >= source.colors.size() ? 0 : looks.ColorOf(source.colors[color]);
-  };
-  std::vector<std::uint32_t> char_numbers, paragraph_numbers;
-  for (rtf::CharFormat look : source.char_formats) {
-    look.font = look.font < source.fonts.size() ? looks.FontOf(source.fonts[look.font]) : 0;
-    look.color = color_of(look.color);
-    look.background = color_of(look.background);
-    look.field = look.field ? look.field + fields : 0;
-    look.extra = 0;
-    char_numbers.push_back(looks.Add(look));
-  }
-  for (rtf::ParagraphFormat look : source.paragraph_formats) {
-    look.list_id = 0;
-    look.extra = 0;
-    paragraph_numbers.push_back(looks.Add(look));
-  }
-  const auto number_of = [](const std::vector<std::uint32_t>& numbers, std::uint32_t number) {
-    return number < numbers.size() ? numbers[number] : 0;
-  };
-  for (rtf::Run& run : text.runs) {
-    run.format = number_of(char_numbers, run.format);
-    run.object = run.object ? run.object + objects : 0;
-  }
-  for (rtf::Paragraph& paragraph : text.paragraphs) {
-    paragraph.format = number_of(paragraph_numbers, paragraph.format);
-    paragraph.mark_format = number_of(char_numbers, paragraph.mark_format);
-  }
-  target.setUndoRedoEnabled(false);
-  Importer(text, store, target).Run();
+bool ImportRtf(RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
+               const RtfImportStep& step) {
+  const RtfDocument text = TakeRtfText(source);
+  store.document = std::move(source);
+  return ShowRtf(text, store, target, simplified, step);
 }
 
 }  // namespace tme

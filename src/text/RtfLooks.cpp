@@ -120,6 +120,12 @@ rtf::RtfDocument EmptyRtfDocument() {
   return document;
 }
 
+bool GoesOn(const QTextBlockFormat& before, const QTextBlockFormat& format) {
+  const int paragraph = format.intProperty(kLongParagraph);
+  return paragraph > 0 && paragraph == before.intProperty(kLongParagraph) &&
+         format.intProperty(kPiece) > before.intProperty(kPiece);
+}
+
 qreal TwipsToUnits(int twips) { return twips * UnitsPerInch() / kTwipsPerInch; }
 
 int UnitsToTwips(qreal units) { return static_cast<int>(std::lround(units * kTwipsPerInch / UnitsPerInch())); }
@@ -214,6 +220,14 @@ QTextBlockFormat RtfLooks::Show(const rtf::ParagraphFormat& look, std::uint32_t 
   return shown;
 }
 
+void RtfLooks::ShowAsPiece(QTextBlockFormat& shown, int piece) {
+  shown.clearProperty(QTextFormat::BlockBottomMargin);
+  if (piece <= 1) return;
+  shown.clearProperty(QTextFormat::BlockTopMargin);
+  shown.clearProperty(QTextFormat::TextIndent);
+  shown.clearProperty(QTextFormat::PageBreakPolicy);
+}
+
 std::uint32_t RtfLooks::Add(const rtf::CharFormat& look) {
   auto& looks = store_.document.char_formats;
   const auto [place, is_new] = char_numbers_.try_emplace(look, static_cast<std::uint32_t>(looks.size()));
@@ -306,7 +320,9 @@ void RtfLooks::ReadIndents(const QTextBlockFormat& shown, const QTextBlockFormat
 std::uint32_t RtfLooks::Read(const QTextBlockFormat& shown, const QTextList* list) {
   const auto number = static_cast<std::size_t>(std::max(shown.intProperty(kParagraphLook), 1)) - 1;
   rtf::ParagraphFormat look = store_.document.paragraph_formats[number];
-  const QTextBlockFormat was = Show(look, static_cast<std::uint32_t>(number));
+  QTextBlockFormat was = Show(look, static_cast<std::uint32_t>(number));
+  const int piece = shown.intProperty(kPiece);
+  if (piece > 0) ShowAsPiece(was, piece);
   ReadIndents(shown, was, look);
   TakeChange(kAlignments, Qt::AlignmentFlag(int(shown.alignment() & Qt::AlignHorizontal_Mask)),
              Qt::AlignmentFlag(int(was.alignment() & Qt::AlignHorizontal_Mask)), look.alignment);
@@ -317,7 +333,8 @@ std::uint32_t RtfLooks::Read(const QTextBlockFormat& shown, const QTextList* lis
   }
   const QTextListFormat::Style style = list ? list->format().style() : QTextListFormat::ListStyleUndefined;
   const ListKind kind = look.list;
-  TakeChange(kListStyles, style, StyleOf(kind), look.list);
+  // Only the first piece of a paragraph shows its marker.
+  TakeChange(kListStyles, style, piece > 1 ? QTextListFormat::ListStyleUndefined : StyleOf(kind), look.list);
   if (look.list != kind) {
     look.list_id = 0;
     look.list_level = 0;

@@ -22,6 +22,9 @@ enum RtfProperty : int {
   kMarkLook,                                  ///< of the first block of a cell, whose char format is the cell's own
   kFiller,                                    ///< of a block that stands only because the view needs one beside a table
   kTable,                                     ///< of table formats: RtfStore::tables
+  kFlatCell,       ///< of block formats: RtfStore::flat.cells, the cell of a table that is shown as lines
+  kLongParagraph,  ///< of block formats: one number for all blocks that show a long paragraph
+  kPiece,          ///< of these: grows from block to block
 };
 inline constexpr int kPageBreak = -1;
 /// Type of the one kind of inline object: pictures, placeholders and page breaks.
@@ -44,13 +47,34 @@ struct RtfStore {
   struct KeptTable {
     int columns = 0;  ///< of the view's table
     std::vector<KeptRow> rows;
+    // Of the view's tables that are one in the file: the same number, and which of them it is. 0: it is one alone.
+    int group = 0;
+    int part = 0;
+  };
+  /// Tables whose cells are shown as lines. A table's rows and a row's cells stand side by side, in their order.
+  struct FlatTables {
+    struct Row {
+      std::uint32_t table = 0;  ///< index into parents
+      std::uint32_t first_cell = 0;
+      std::uint32_t end_cell = 0;
+      std::string definition;
+    };
+    std::vector<rtf::Cell> cells;  ///< their `row` is an index into rows
+    std::vector<Row> rows;
+    std::vector<std::int32_t> parents;  ///< by table: index into cells; -1 where what is around is shown
   };
 
   /// Without text, runs, paragraphs, cells, rows and tables, but while it is written.
   rtf::RtfDocument document;
   std::vector<std::vector<Attached>> attached;
   std::vector<KeptTable> tables;
+  FlatTables flat;
+  int long_paragraphs = 0;  ///< the last number given
+  int parted_tables = 0;    ///< the same
 };
+
+/// Whether a block goes on with the paragraph of the one right before it.
+bool GoesOn(const QTextBlockFormat& before, const QTextBlockFormat& format);
 
 /// A document without text in the editor's default font.
 rtf::RtfDocument EmptyRtfDocument();
@@ -67,6 +91,8 @@ class RtfLooks {
   QTextCharFormat Show(std::uint32_t char_format) const;
   QTextBlockFormat Show(const rtf::ParagraphFormat& look, std::uint32_t number) const;
   static QTextListFormat::Style StyleOf(rtf::ListKind kind);
+  /// For a block that shows a piece of a paragraph (kPiece): without what belongs to the paragraph's ends.
+  static void ShowAsPiece(QTextBlockFormat& shown, int piece);
 
   /// Index into the store's char_formats; new looks, fonts and colours are added.
   std::uint32_t Read(const QTextCharFormat& shown);

@@ -6,6 +6,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QTextDocument>
+#include <utility>
 
 #include "platform/Twips.h"
 
@@ -45,6 +46,7 @@ void RtfObjectView::Reset(const RtfStore& store) {
   pictures_.clear();
   pictures_.setMaxCost(kPictureCacheKilobytes);
   sizes_.clear();
+  label_sizes_.clear();
 }
 
 const rtf::Object* RtfObjectView::ObjectOf(const QTextFormat& format) const {
@@ -85,10 +87,14 @@ QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFor
     const QSize size = PictureSize(format.intProperty(kObject), *object);
     if (!size.isEmpty()) return QSizeF(size) * Resolution(*document) / kTwipsPerInch;
   }
+  const QString label = LabelOf(format);
+  if (std::exchange(label_resolution_, Resolution(*document)) != Resolution(*document)) label_sizes_.clear();
+  if (const auto known = label_sizes_.constFind(label); known != label_sizes_.cend()) return *known;
   const QFontMetricsF metrics(LabelFont(*document));
   const double em = metrics.height();
-  if (format.intProperty(kObject) == kPageBreak) return {em * kPageBreakEms, em * 1.2};
-  return {std::min(metrics.horizontalAdvance(LabelOf(format)), em * kMaxLabelEms) + em, em * 1.3};
+  QSizeF size(std::min(metrics.horizontalAdvance(label), em * kMaxLabelEms) + em, em * 1.3);
+  if (format.intProperty(kObject) == kPageBreak) size = {em * kPageBreakEms, em * 1.2};
+  return *label_sizes_.insert(label, size);
 }
 
 const QPixmap* RtfObjectView::PictureOf(int number, const rtf::Object& object, QSize pixels) {

@@ -36,6 +36,9 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
   const RtfStore* store_ = nullptr;
   QCache<int, QPixmap> pictures_;
   mutable QHash<int, QSize> sizes_;
+  /// Of the labels at one resolution: a file may have fifty thousand of one kind.
+  QHash<QString, QSizeF> label_sizes_;
+  double label_resolution_ = 0;
 };
 
 }  // namespace tme

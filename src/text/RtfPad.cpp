@@ -16,6 +16,7 @@
 #include "text/RtfImport.h"
 #include "text/RtfObjectView.h"
 #include "text/RtfPrint.h"
+#include "text/RtfShape.h"
 #include "text/TextSearch.h"
 #include "text/rtf/RtfWriter.h"
 
@@ -28,6 +29,7 @@ constexpr int kDefaultTabTwips = 720;
 constexpr int kEdgePixels = 10;  ///< between the window's edge and the text
 constexpr int kLeastZoom = 20, kMostZoom = 500;
 constexpr double kZoomStep = 1.1;
+constexpr PadPosition kLargeText = 200'000;
 constexpr int kLeastWrapPixels = 40;
 
 /// A text of marked-up pages that fetches nothing, neither files nor pages.
@@ -72,6 +74,7 @@ void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
   view->documentLayout()->registerHandler(kRtfObjectType, objects_);
   objects_->Reset(*store_);
   connect(view.get(), &QTextDocument::contentsChange, this, [this] { ++revision_; });
+  large_steps_.clear();
   view->setParent(this);
   const QTextDocument* old = document();
   // The edit deletes only what it made itself.
@@ -97,14 +100,17 @@ void RtfPad::Clear() {
   setCurrentCharFormat(looks.Show(0));
 }
 
-void RtfPad::SetRtf(rtf::RtfDocument&& read) {
-  store_ = std::make_unique<RtfStore>();
+std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
+  auto store = std::make_unique<RtfStore>();
   auto view = std::make_unique<QTextDocument>();
-  ImportRtf(std::move(read), *store_, *view);
+  RtfSimplified simplified;
+  if (!ImportRtf(std::move(read), *store, *view, simplified, step)) return std::nullopt;
+  store_ = std::move(store);
   view->setDefaultFont(RtfLooks(*store_).Show(0).font());
   Show(std::move(view));
   // The edit's own cursor would type on in the format of the document before.
   setTextCursor(QTextCursor(document()));
+  return simplified;
 }
 
 bool RtfPad::WriteRtf(const Part& put) {
@@ -125,41 +131,70 @@ PadPosition RtfPad::Moved(PadPosition from, std::int64_t characters) const {
 
 void RtfPad::Select(PadPosition start, PadPosition end) {
   QTextCursor cursor = textCursor();
-  cursor.setPosition(static_cast<int>(Moved(start, 0)));
-  cursor.setPosition(static_cast<int>(Moved(end, 0)), QTextCursor::KeepAnchor);
+  start = Moved(start, 0);
+  end = Moved(end, 0);
+  // The layout goes on to both ends.
+  if (!LayOutTo(static_cast<int>(std::max(start, end)))) return;
+  // Who selects all of a large text stays at its beginning: to keep a place at its end, a command would have to wait
+  // for the whole layout.
+  if (start == 0 && end == End() && end > kLargeText) std::swap(start, end);
+  cursor.setPosition(static_cast<int>(start));
+  cursor.setPosition(static_cast<int>(end), QTextCursor::KeepAnchor);
   setTextCursor(cursor);
   ensureCursorVisible();
 }
 
 QString RtfPad::SelectedText() const {
-  QString text = textCursor().selectedText();
+  const QTextCursor cursor = textCursor();
+  QString text = cursor.selectedText();
+  if (store_->long_paragraphs > 0 && !cursor.hasComplexSelection()) {
+    const JoinedText all(*document(), true);
+    const PadPosition start = all.IndexOf(SelectionStart());
+    text = all.text.mid(start, all.IndexOf(SelectionEnd()) - start);
+  }
   for (const char16_t line_end : {u'\u2029', u'\u2028', u'\uFDD0', u'\uFDD1'}) text.replace(line_end, u'\n');
   return text.remove(QChar::ObjectReplacementCharacter);
 }
 
 void RtfPad::ReplaceSelection(const QString& text) {
-  textCursor().insertText(text);
-  ensureCursorVisible();
+  const int first = textCursor().selectionStart();
+  {
+    const LargeEdit edit(
+        *this, static_cast<std::size_t>(text.size()) + static_cast<std::size_t>(text.count(u'\n')) * kCostOfCell);
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertText(text);
+    AfterInsertion(first);
+    cursor.endEditBlock();
+  }
+  ShowCaret();
 }
 
 std::optional<PadPosition> RtfPad::Find(const QString& text, PadPosition from, PadPosition to, unsigned options) {
   const TextSearch search(text.toStdString(), options & kFindMatchCase ? SearchCase::Match : SearchCase::Ignore,
                           options & kFindWholeWord ? SearchWords::Whole : SearchWords::Any);
   // Its units are the document's positions.
-  const QString all = document()->toRawText();
-  const std::u16string_view units(reinterpret_cast<const char16_t*>(all.utf16()), static_cast<std::size_t>(all.size()));
-  const std::optional<TextMatch> match =
-      search.Find(units, static_cast<std::size_t>(Moved(from, 0)), static_cast<std::size_t>(Moved(to, 0)));
+  const JoinedText all(*document(), store_->long_paragraphs > 0);
+  const std::u16string_view units(reinterpret_cast<const char16_t*>(all.text.utf16()),
+                                  static_cast<std::size_t>(all.text.size()));
+  const std::optional<TextMatch> match = search.Find(units, static_cast<std::size_t>(all.IndexOf(Moved(from, 0))),
+                                                     static_cast<std::size_t>(all.IndexOf(Moved(to, 0))));
   if (!match) return std::nullopt;
-  Select(static_cast<PadPosition>(match->start), static_cast<PadPosition>(match->end));
-  return static_cast<PadPosition>(match->start);
+  const PadPosition start = all.PositionOf(static_cast<PadPosition>(match->start));
+  Select(start, all.PositionOf(static_cast<PadPosition>(match->end)));
+  return start;
 }
 
 void RtfPad::SetRightMargin(int twips) {
   if (std::exchange(right_margin_, twips) == twips) return;
-  if (twips >= kNoWrap) return setLineWrapMode(NoWrap);
-  setLineWrapColumnOrWidth(std::max(TwipsToPixels(twips, logicalDpiX()), kLeastWrapPixels));
-  setLineWrapMode(FixedPixelWidth);
+  const int place = LeavePlace();
+  if (twips >= kNoWrap) {
+    setLineWrapMode(NoWrap);
+  } else {
+    setLineWrapColumnOrWidth(std::max(TwipsToPixels(twips, logicalDpiX()), kLeastWrapPixels));
+    setLineWrapMode(FixedPixelWidth);
+  }
+  ShowFrom(place);
 }
 
 void RtfPad::Print(QPrinter& printer) {
@@ -196,20 +231,44 @@ std::string RtfPad::SelectedRtf() const {
   return rtf;
 }
 
-void RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read) {
-  QTextDocument part;
-  ImportRtfPart(std::move(read), *store_, part);
-  textCursor().insertFragment(QTextDocumentFragment(&part));
-  ensureCursorVisible();
+void RtfPad::InsertFragment(const QTextDocument& part) {
+  const int first = textCursor().selectionStart();
+  {
+    const LargeEdit edit(*this, static_cast<std::size_t>(part.characterCount()) +
+                                    static_cast<std::size_t>(part.blockCount()) * kCostOfCell);
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertFragment(QTextDocumentFragment(&part));
+    AfterInsertion(first);
+    cursor.endEditBlock();
+  }
+  ShowCaret();
 }
 
-void RtfPad::ReplaceSelectionWithHtml(const QString& html) {
+std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
+  QTextDocument part;
+  RtfSimplified simplified;
+  if (!ImportRtfPart(std::move(read), *store_, part, simplified, step)) return std::nullopt;
+  InsertFragment(part);
+  return simplified;
+}
+
+std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step) {
   ClosedDocument part;
   part.setUndoRedoEnabled(false);
   part.setHtml(html);
   RemovePictures(part);
-  textCursor().insertFragment(QTextDocumentFragment(&part));
-  ensureCursorVisible();
+  RtfStore store;
+  store.document = EmptyRtfDocument();
+  rtf::RtfDocument text;
+  {
+    const RtfExport written(part, store);
+    text = written.Document();
+  }
+  // Tables that the view could not bear are simplified as those of a file.
+  if (RtfShape(text).FlatTables() > 0) return ReplaceSelectionWithRtf(std::move(text), step);
+  InsertFragment(part);
+  return RtfSimplified();
 }
 
 void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {
@@ -239,8 +298,25 @@ bool RtfPad::event(QEvent* event) {
 }
 
 void RtfPad::keyPressEvent(QKeyEvent* event) {
-  if (IsRedo(*event)) return redo();
-  QTextEdit::keyPressEvent(event);
+  if (IsRedo(*event) || event->matches(QKeySequence::Redo)) return Redo();
+  if (event->matches(QKeySequence::Undo)) return Undo();
+  const bool deletes = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
+  const bool edits = deletes || (!event->text().isEmpty() && !event->modifiers().testFlag(Qt::ControlModifier));
+  if (edits && textCursor().hasSelection()) {
+    {
+      const LargeEdit edit(*this);
+      QTextEdit::keyPressEvent(event);
+    }
+    ShowCaret();
+    return;
+  }
+  const bool to_end =
+      event->matches(QKeySequence::MoveToEndOfDocument) || event->matches(QKeySequence::SelectEndOfDocument);
+  // A key alone does not move the caret.
+  const bool is_modifier = event->key() == Qt::Key_Shift || event->key() == Qt::Key_Control ||
+                           event->key() == Qt::Key_Alt || event->key() == Qt::Key_Meta;
+  if (is_modifier || LayOutTo(to_end ? static_cast<int>(End()) : textCursor().position()))
+    QTextEdit::keyPressEvent(event);
 }
 
 void RtfPad::resizeEvent(QResizeEvent* event) {
@@ -251,7 +327,10 @@ void RtfPad::resizeEvent(QResizeEvent* event) {
 
 void RtfPad::SetZoom(int percent) {
   percent = std::clamp(percent, kLeastZoom, kMostZoom);
-  if (std::exchange(zoom_, percent) != percent) ApplyZoom();
+  if (std::exchange(zoom_, percent) == percent) return;
+  const int place = LeavePlace();
+  ApplyZoom();
+  ShowFrom(place);
 }
 
 /// The layout measures on a device of another resolution; the document knows nothing of it.

@@ -4,9 +4,11 @@
 #include <QTextEdit>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string_view>
 
 #include "text/Pad.h"
+#include "text/RtfImport.h"
 #include "text/RtfLooks.h"
 
 namespace tme {
@@ -39,17 +41,34 @@ class RtfPad : public QTextEdit, public Pad {
   void Print(QPrinter& printer) override;
   std::uint64_t Revision() const override { return revision_; }
 
+  /// Without layout while it lives, when it edits many characters; afterwards all is laid out anew, what is in sight
+  /// first and the rest while nobody waits. One inside another does nothing.
+  class LargeEdit {
+   public:
+    /// cost: of what is inserted, as in RtfShape.h; the selection's own is known.
+    explicit LargeEdit(RtfPad& pad, std::size_t cost = 0);
+    ~LargeEdit();
+    LargeEdit(const LargeEdit&) = delete;
+    LargeEdit& operator=(const LargeEdit&) = delete;
+
+   private:
+    RtfPad* pad_ = nullptr;  ///< null for a small edit
+    int place_ = 0;
+  };
+
   /// An empty document in the editor's default font, or one that was read. Undo begins anew.
   void Clear();
-  void SetRtf(rtf::RtfDocument&& read);
+  /// Null when `step` gave up: the pad is as it was.
+  std::optional<RtfSimplified> SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
   /// The whole document; false when `put` gave up.
   bool WriteRtf(const Part& put);
   /// Without formats, lines ended by CR LF.
   bool WriteText(const Part& put);
   std::string SelectedRtf() const;
-  void ReplaceSelectionWithRtf(rtf::RtfDocument&& read);
+  /// Null when `step` gave up: the text is as it was.
+  std::optional<RtfSimplified> ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
   /// Marked-up text; pictures and whatever else it refers to are left out.
-  void ReplaceSelectionWithHtml(const QString& html);
+  std::optional<RtfSimplified> ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step = {});
   /// The bytes of a PNG or JPEG file.
   void ReplaceSelectionWithPicture(const QByteArray& bytes);
 
@@ -74,6 +93,12 @@ class RtfPad : public QTextEdit, public Pad {
   /// Twips between a bullet that is set from now on and its text.
   void SetBulletIndent(int twips) { bullet_indent_ = twips; }
 
+  /// Of one step, however large it is.
+  void Undo();
+  void Redo();
+  /// Of laying it out, as in RtfShape.h.
+  std::size_t SelectionCost() const;
+
   /// 100 is the size of the document. For the display only.
   int Zoom() const { return zoom_; }
   void SetZoom(int percent);
@@ -93,7 +118,37 @@ class RtfPad : public QTextEdit, public Pad {
   bool viewportEvent(QEvent* event) override;
 
  private:
+  /// The document's text as one searches it: a long paragraph in one piece.
+  struct JoinedText {
+    JoinedText(const QTextDocument& document, bool has_long_paragraphs);
+    PadPosition IndexOf(PadPosition position) const;
+    PadPosition PositionOf(PadPosition index) const;
+
+    QString text;
+
+   private:
+    std::vector<PadPosition> seams_;  ///< between pieces
+  };
+
   void Show(std::unique_ptr<QTextDocument> view);
+  /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
+  /// no longer there.
+  bool LayOutTo(int position);
+  /// Position of what stands in the view's corner.
+  int FirstShown() const;
+  /// FirstShown; goes to the beginning, where a new layout begins, when that is far away.
+  int LeavePlace();
+  void ShowFrom(int position);
+  /// Scrolls to it, unless the user does not wait for that.
+  bool ShowCaret();
+  void Step(const std::function<void()>& step, int number);
+  /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
+  /// long.
+  void AfterInsertion(int first);
+  void SplitLongParagraphs(int first, int last);
+  /// end: behind the paragraph. The block there.
+  QTextBlock SplitParagraph(QTextBlock block, const QTextBlock& end);
+  void InsertFragment(const QTextDocument& part);
   void ApplyZoom();
   void MergeFormat(const QTextCharFormat& format);
   std::unique_ptr<QTextDocument> SelectionAsDocument() const;
@@ -108,6 +163,7 @@ class RtfPad : public QTextEdit, public Pad {
   int right_margin_ = kNoWrap;
   int bullet_indent_ = 0;
   std::uint64_t revision_ = 0;
+  std::set<int> large_steps_;  ///< by how many steps could be undone after each
 };
 
 }  // namespace tme

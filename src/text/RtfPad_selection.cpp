@@ -92,6 +92,7 @@ std::optional<bool> RtfPad::SelectionBullet() const {
 
 void RtfPad::MergeFormat(const QTextCharFormat& format) {
   // Without a selection this sets what is typed next, and marks nothing.
+  const LargeEdit edit(*this);
   mergeCurrentCharFormat(format);
 }
 
@@ -140,6 +141,7 @@ void RtfPad::SetSelectionFontSize(double points) {
 void RtfPad::SetSelectionBullet(bool bullet) {
   QTextCursor cursor = textCursor();
   const int end = cursor.selectionEnd();
+  const LargeEdit edit(*this);
   cursor.beginEditBlock();
   QTextList* list = nullptr;
   QTextBlock block = document()->findBlock(cursor.selectionStart());

@@ -9,10 +9,12 @@
 #include "platform/CodePage.h"
 #include "platform/CommonDialog.h"
 #include "platform/Twips.h"
+#include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/LongWork.h"
 #include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
 #include "text/RtfPad.h"
@@ -135,7 +137,13 @@ void form_RTF::OpenRTF() {
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
   AddLossNotice(read.losses);
   SetTookAll(read.losses == rtf::Losses());
-  pad->SetRtf(std::move(read));
+  {
+    LongWork work(global_.frame, tr("Opening %1").arg(Slot().title));
+    const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
+    if (Tag().isEmpty()) return;  // the program was left meanwhile
+    if (!simplified) return ReleaseSlot();
+    AddSimplifiedNotice(*simplified);
+  }
   pad->SetBulletIndent(kBulletIndent);
   read_bytes_ = std::move(*bytes);
   read_revision_ = Revision();
@@ -168,11 +176,29 @@ void form_RTF::AddLossNotice(const rtf::Losses& losses) {
   if (losses.limits)
     AddNotice(tr("%n part(s) of the file are too large or nested too deeply and were left out.", nullptr,
                  static_cast<int>(losses.limits)));
+  if (losses.deep_tables)
+    AddNotice(tr("Tables are nested more than %1 deep. Once the text is edited, saving moves what is deeper into the "
+                 "innermost of these.")
+                  .arg(rtf::kMaxTableLevel));
   QStringList named;
   for (const std::string& name : losses.named) named.append(QString::fromStdString(name));
   if (!named.isEmpty())
     AddNotice(tr("Once the text is edited, saving does not keep: %1. Use Save As to keep the original file.")
                   .arg(named.join(u", "_s)));
+}
+
+void form_RTF::AddSimplifiedNotice(const RtfSimplified& simplified) {
+  if (simplified.tables > 0)
+    AddNotice(
+        Counted(simplified.tables,
+                tr("1 table is nested too deeply or too large to be shown as one: each paragraph of its cells is a "
+                   "line on grey. Saving keeps the table."),
+                tr("%1 tables are nested too deeply or too large to be shown as such: each paragraph of their "
+                   "cells is a line on grey. Saving keeps the tables.")));
+  if (simplified.paragraphs > 0)
+    AddNotice(Counted(simplified.paragraphs,
+                      tr("1 paragraph is so long that it is shown in several lines. Saving keeps it as one."),
+                      tr("%1 paragraphs are so long that they are shown in several lines. Saving keeps each as one.")));
 }
 
 SaveDialogTexts form_RTF::SaveTexts() const {
@@ -236,7 +262,7 @@ std::string form_RTF::Content() { return BytesOf(nullptr, Producer()); }
 void form_RTF::PutContent(std::string bytes) {
   rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
   AddLossNotice(read.losses);
-  pad->SetRtf(std::move(read));
+  AddSimplifiedNotice(*pad->SetRtf(std::move(read)));
   pad->SetBulletIndent(kBulletIndent);
   read_bytes_ = {};
   Altered(true);

@@ -9,6 +9,7 @@ class QToolBar;
 namespace tme {
 
 class RtfPad;
+struct RtfSimplified;
 namespace rtf {
 struct Losses;
 }
@@ -69,6 +70,7 @@ class form_RTF : public PadWindow {
   void Paste(const QMimeData& source);
   void PastePlainText(const QString& text);
   void AddLossNotice(const rtf::Losses& losses);
+  void AddSimplifiedNotice(const RtfSimplified& simplified);
   PartProducer Producer();
   bool WriteRich(const SaveTarget& target);
   bool WritePlain(const SaveTarget& target);

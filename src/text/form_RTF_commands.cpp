@@ -8,6 +8,8 @@
 #include "platform/CommonDialog.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
+#include "shell/LongWork.h"
+#include "shell/mdform_TMEditor.h"
 #include "text/RtfClipboard.h"
 #include "text/RtfPad.h"
 #include "text/form_RTF.h"
@@ -23,18 +25,6 @@ constexpr int kScreenAndPrinterFonts = 3;
 constexpr int kSizeStep = 2;
 /// Marked-up text beyond this is pasted as plain text: laying it out would take minutes.
 constexpr qsizetype kMaxHtml = qsizetype{8} << 20;
-/// A paragraph is laid out as a whole, with about 40 bytes a character.
-constexpr qsizetype kMaxParagraph = qsizetype{4} << 20;
-
-bool HasEndlessLine(const QString& text) {
-  for (qsizetype start = 0; text.size() - start > kMaxParagraph;) {
-    const qsizetype line_end = text.lastIndexOf(u'\n', start + kMaxParagraph);
-    if (line_end < start) return true;
-    start = line_end + 1;
-  }
-  return false;
-}
-
 }  // namespace
 
 void form_RTF::EditCopy() {
@@ -53,22 +43,24 @@ void form_RTF::EditPaste() {
 void form_RTF::Paste(const QMimeData& source) {
   if (const QByteArray rtf = RtfOf(source); !rtf.isEmpty()) {
     const std::string_view bytes(rtf.constData(), static_cast<std::size_t>(rtf.size()));
-    pad->ReplaceSelectionWithRtf(rtf::ReadRtf(bytes, BytesToUtf8));
+    rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
+    LongWork work(global_.frame, tr("Pasting"));
+    const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithRtf(std::move(read), StepOf(work));
+    if (simplified) AddSimplifiedNotice(*simplified);
     return;
   }
   const QString html = source.hasHtml() ? source.html() : QString();
-  if (!html.isEmpty() && html.size() <= kMaxHtml) return pad->ReplaceSelectionWithHtml(html);
+  if (!html.isEmpty() && html.size() <= kMaxHtml) {
+    LongWork work(global_.frame, tr("Pasting"));
+    const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithHtml(html, StepOf(work));
+    if (simplified) AddSimplifiedNotice(*simplified);
+    return;
+  }
   if (source.hasText()) return PastePlainText(source.text());
   if (const QByteArray picture = PictureOf(source); !picture.isEmpty()) pad->ReplaceSelectionWithPicture(picture);
 }
 
 void form_RTF::PastePlainText(const QString& text) {
-  if (HasEndlessLine(text)) {
-    AddNotice(
-        tr("Nothing was pasted: the clipboard holds a line of more than four million characters. A text document "
-           "takes it."));
-    return;
-  }
   if (!text.isEmpty()) pad->ReplaceSelection(text);
 }
 
@@ -107,6 +99,7 @@ void form_RTF::FormatFont() {
   dialog.title = u"Select Font and Attributes"_s;
   dialog.flags = kScreenAndPrinterFonts;
   dialog.ShowFont();
+  const RtfPad::LargeEdit edit(*pad);
   QTextCursor one_step = pad->textCursor();
   one_step.beginEditBlock();
   if (!dialog.font_name.isEmpty()) pad->SetSelectionFontName(dialog.font_name);

@@ -4,6 +4,8 @@
 #include <functional>
 #include <utility>
 
+#include "text/rtf/RtfReader.h"
+
 namespace tme::rtf {
 namespace {
 
@@ -12,7 +14,6 @@ constexpr std::size_t kMaxFormats = 65'536;
 constexpr std::size_t kMaxExtraBytes = 512;
 constexpr std::size_t kExtraOverhead = 64;
 constexpr std::size_t kSmallInput = std::size_t{64} << 10;
-constexpr std::size_t kMaxLevels = 32;
 constexpr std::size_t kBytesPerObject = 32;
 constexpr std::size_t kTransitions = 4096;
 constexpr std::int32_t kDefaultCellWidth = 1440;
@@ -161,7 +162,7 @@ void Builder::EndParagraph(const ParagraphFormat& format, std::uint32_t mark_for
 
 // Closes what is deeper than `level`, and opens tables, rows and cells down to it.
 std::int32_t Builder::OpenCell(int level) {
-  std::size_t wanted = std::min(static_cast<std::size_t>(std::max(level, 0)), kMaxLevels);
+  std::size_t wanted = static_cast<std::size_t>(std::clamp(level, 0, kMaxTableLevel));
   if (wanted > std::max<std::size_t>(levels_.size(), 1) &&
       document_.tables.size() > input_bytes_ / kBytesPerObject + 1024) {
     ++document_.losses.limits;

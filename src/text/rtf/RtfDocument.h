@@ -148,8 +148,9 @@ struct Paragraph {
 struct Losses {
   std::uint32_t unknown_characters = 0;  ///< bytes that the file's code page has no character for
   std::uint32_t limits = 0;              ///< parts over a limit (RtfReader.h), left out
-  bool ended_early = false;              ///< the file ends inside a group, or goes on after the last one
-  bool not_rtf = false;                  ///< it does not begin with {\rtf; its bytes are shown as text
+  bool deep_tables = false;        ///< over RtfReader.h's limit; their text stands in the innermost that is within
+  bool ended_early = false;        ///< the file ends inside a group, or goes on after the last one
+  bool not_rtf = false;            ///< it does not begin with {\rtf; its bytes are shown as text
   std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
   bool operator==(const Losses&) const = default;
 };

@@ -12,7 +12,6 @@ constexpr std::int32_t kMaxHalfPoints = 3276;
 constexpr std::uint32_t kDefaultHalfPoints = 24;
 constexpr std::size_t kMaxTabs = 64;
 constexpr std::size_t kMaxRowCells = 1024;
-constexpr int kMaxTableLevel = 32;
 constexpr std::size_t kMaxColors = 65'536;
 constexpr std::size_t kMaxUnknownDocumentWords = 256;
 constexpr std::int32_t kMaxFontNumber = 65'535;
@@ -265,6 +264,7 @@ bool Parser::ReadParagraphWord(const ControlWord& word) {
       return true;
     case Control::TableDepth:
       paragraph.table_depth = std::clamp(value, 0, kMaxTableLevel);
+      document_.losses.deep_tables = document_.losses.deep_tables || value > kMaxTableLevel;
       return true;
     default:
       return false;

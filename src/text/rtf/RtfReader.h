@@ -16,6 +16,8 @@ using DecodeCodePage = std::function<std::string(int code_page, std::string_view
 inline constexpr int kMaxGroupDepth = 1000;
 inline constexpr std::size_t kMaxPictureBytes = std::size_t{64} << 20;
 inline constexpr std::size_t kMaxFonts = 10'000;
+/// Tables inside each other; what is deeper stands in the innermost of these, and Losses::deep_tables is set.
+inline constexpr int kMaxTableLevel = 100;
 
 /// Reads any bytes without failing; what makes no sense is passed over and told in `losses`. One pass, never more than
 /// 20 times the size of the bytes in memory.
