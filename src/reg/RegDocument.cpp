@@ -125,7 +125,7 @@ std::size_t RegDocument::KeysSharingAName() const {
 }
 
 bool RegDocument::SharesItsName(const RegNode* node) const {
-  const auto is_namesake = [this, node](const RegNode& other) {
+  const auto is_namesake = [node](const RegNode& other) {
     return &other != node && other.tag_ == RegTag::Branch && other.Text() == node->Text();
   };
   if (node->tag_ != RegTag::Branch || node->Text() == root_->Text()) return false;
