@@ -6,6 +6,8 @@
 #include <QTextLayout>
 
 #include "base/Utf8.h"
+#include "platform/Twips.h"
+#include "text/RtfLooks.h"
 
 namespace tme {
 namespace {
@@ -52,7 +54,9 @@ class PagePrinter {
     const QFontMetricsF metrics(font_, &printer_);
     line_height_ = metrics.lineSpacing();
     option_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    option_.setTabStopDistance(kTabColumns * metrics.horizontalAdvance(QLatin1Char(' ')));
+    // The layout takes this one length in the screen's units and scales it to the font's resolution itself.
+    const double units_per_dot = TwipsToUnits(kTwipsPerInch) / printer.logicalDpiY();
+    option_.setTabStopDistance(kTabColumns * metrics.horizontalAdvance(QLatin1Char(' ')) * units_per_dot);
     painter_.begin(&printer_);
   }
 
