@@ -82,6 +82,28 @@ class RegWindow : public Editor {
 
 }  // namespace
 
+TEST_F(RegWindow, CtrlPlusMinusAndZeroZoomTreeAndList) {
+  Open(kFile);
+  QTreeView* tree = View(u"TV"_s);
+  QTreeView* list = View(u"LV"_s);
+  tree->setCurrentIndex(tree->model()->index(0, 0));
+  tree->collapse(tree->currentIndex());
+  const double usual = tree->fontInfo().pointSizeF();
+  for (int time = 0; time < 3; ++time) QTest::keyClick(list, Qt::Key_Plus, Qt::ControlModifier | Qt::KeypadModifier);
+  QTest::keyClick(tree, Qt::Key_Equal, Qt::ControlModifier);
+  EXPECT_NEAR(tree->fontInfo().pointSizeF(), usual * 1.46, 0.5);
+  EXPECT_EQ(list->fontInfo().pointSizeF(), tree->fontInfo().pointSizeF());
+  EXPECT_GT(list->iconSize().width(), 16);
+  QTest::keyClick(tree, Qt::Key_Minus, Qt::ControlModifier);
+  EXPECT_LT(list->fontInfo().pointSizeF(), usual * 1.4);
+  QTest::keyClick(tree, Qt::Key_0, Qt::ControlModifier);
+  EXPECT_EQ(list->fontInfo().pointSizeF(), usual);
+  EXPECT_FALSE(list->iconSize().isValid());
+  EXPECT_FALSE(tree->isExpanded(tree->currentIndex())) << "plus opens keys, but not with Ctrl";
+  QTest::keyClick(tree, Qt::Key_Space, Qt::ControlModifier);
+  EXPECT_TRUE(tree->selectionModel()->isSelected(tree->currentIndex()));
+}
+
 TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
   Open(kFile);
   EXPECT_EQ(Reg().windowTitle(), u"a.reg");

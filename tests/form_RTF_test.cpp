@@ -1,17 +1,22 @@
 #include "text/form_RTF.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QMdiSubWindow>
 #include <QMimeData>
 #include <QPrinter>
 #include <QProgressDialog>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 
 #include "Editor.h"
+#include "WaitFor.h"
 #include "shell/GlobalMenus.h"
 #include "shell/LongWork.h"
 #include "shell/NoticeBar.h"
@@ -125,10 +130,91 @@ TEST_F(FormRtf, ALargeEditIsLaidOutBitByBitAndIsOneStep) {
 TEST_F(FormRtf, OpensReadyToTypeInTheFormatOfItsFirstCharacter) {
   form_RTF& window = Open("{\\rtf1\\b one\\b0  two}");
   EXPECT_EQ(PadOf(window).SelectionBold(), true);
-  EXPECT_EQ(PadOf(window).lineWrapMode(), QTextEdit::NoWrap);
+  EXPECT_EQ(PadOf(window).wordWrapMode(), QTextOption::NoWrap);
   PadOf(window).selectAll();
   QTest::keyClick(&PadOf(window), 'j', Qt::AltModifier);
   EXPECT_EQ(PadOf(window).toPlainText(), u"one two"_s);
+}
+
+TEST_F(FormRtf, KeysWithCtrlOrSuperThatNobodyHasDoNothing) {
+  form_RTF& window = Open("{\\rtf1 one two}");
+  RtfPad& pad = PadOf(window);
+  pad.Select(0, 3);
+  const double before = pad.document()->documentLayout()->documentSize().height();
+  const auto height = [&] { return pad.document()->documentLayout()->documentSize().height(); };
+  QTest::keyClick(&pad, Qt::Key_Plus, Qt::ControlModifier);
+  EXPECT_GT(height(), before);
+  QTest::keyClick(&pad, Qt::Key_0, Qt::ControlModifier | Qt::KeypadModifier);
+  EXPECT_EQ(height(), before);
+  EXPECT_FALSE(window.Slot().changed) << "zooming is no edit";
+  for (const Qt::Key key : {Qt::Key_K, Qt::Key_D, Qt::Key_E, Qt::Key_5})
+    for (const Qt::KeyboardModifier with : {Qt::ControlModifier, Qt::MetaModifier})
+      QTest::keyClick(&pad, key, with | (key == Qt::Key_5 ? Qt::KeypadModifier : Qt::NoModifier));
+  EXPECT_EQ(pad.toPlainText(), u"one two"_s);
+  EXPECT_EQ(pad.textCursor().position(), 3);
+}
+
+TEST_F(FormRtf, WithoutWrapParagraphsStandWhereTheirAlignmentPutsThem) {
+  constexpr int kBefore = 400;  // more than what is laid out at once
+  std::string bytes = "{\\rtf1 ";
+  for (int line = 0; line < kBefore; ++line) bytes += "left\\par ";
+  form_RTF& window = Open(bytes + "\\qr right\\par\\pard\\qc centre\\par\\pard\\rtlpar\\u1513?\\par\\rtlpar" +
+                          std::string(1500, '.') + "}");
+  RtfPad& pad = PadOf(window);
+  const auto expect_in_place = [&] {
+    QApplication::processEvents();
+    pad.document()->documentLayout()->documentSize();  // lays out the rest
+    WaitFor([&] { return pad.horizontalScrollBar()->maximum() > 0; });
+    const double width = pad.viewport()->width();
+    const auto text = [&](int number) {
+      const QTextLayout& line = *pad.document()->findBlockByNumber(number).layout();
+      return line.lineAt(0).naturalTextRect().translated(line.position());
+    };
+    EXPECT_LT(text(kBefore - 1).left(), 60);
+    EXPECT_NEAR(text(kBefore).right(), width, 60);
+    EXPECT_NEAR(text(kBefore + 1).center().x(), width / 2, 5);
+    EXPECT_NEAR(text(kBefore + 2).right(), width, 60);
+    EXPECT_GT(text(kBefore + 3).right(), 2 * width);
+    EXPECT_GT(pad.horizontalScrollBar()->maximum(), width);
+  };
+  expect_in_place();
+  window.SubWindow()->resize(500, 300);
+  expect_in_place();
+  pad.verticalScrollBar()->setValue(pad.verticalScrollBar()->maximum() / 2);
+  const auto top = [&] { return pad.cursorForPosition({}).blockNumber(); };
+  const int before = top();
+  QTest::keyClick(&pad, Qt::Key_Plus, Qt::ControlModifier);
+  expect_in_place();
+  EXPECT_NEAR(top(), before, 1);
+  window.EditWW();
+  window.EditWW();
+  expect_in_place();
+  window.FileClose();
+  // Where the caret stands in a long one is no reason to open with the others out of sight.
+  PadOf(Open("{\\rtf1\\rtlpar " + std::string(1500, '.') + "\\par\\qr short}"));
+  QApplication::processEvents();
+  EXPECT_EQ(pad.horizontalScrollBar()->value(), 0);
+}
+
+TEST_F(FormRtf, AssistiveProgramsToggleTheButtons) {
+  form_RTF& window = New();
+  RtfPad& pad = PadOf(window);
+  pad.ReplaceSelection(u"one"_s);
+  pad.Select(0, 3);
+  const auto toggle = [&](const char* tag) {
+    auto* button = window.findChild<QToolButton*>(QLatin1StringView(tag));
+    QAccessible::queryAccessibleInterface(button)->actionInterface()->doAction(
+        QAccessibleActionInterface::toggleAction());
+    return button->isChecked();
+  };
+  for (const bool on : {true, false}) {
+    for (const char* tag : {"bold", "italic", "underline", "list"}) EXPECT_EQ(toggle(tag), on) << tag;
+    EXPECT_EQ(pad.SelectionBold(), on);
+    EXPECT_EQ(pad.SelectionItalic(), on);
+    EXPECT_EQ(pad.SelectionUnderline(), on);
+    EXPECT_EQ(pad.SelectionBullet(), on);
+    EXPECT_EQ(IsChecked("menu_FormatBold"), on);
+  }
 }
 
 TEST_F(FormRtf, PrintsInsideThePageAndBreaksIt) {
@@ -254,7 +340,7 @@ TEST_F(FormRtf, NamesThatAreNoCommands) {
 
 TEST_F(FormRtf, RedoAndWordWrapAsInThePlainPad) {
   RtfPad& pad = PadOf(New());
-  EXPECT_EQ(pad.lineWrapMode(), QTextEdit::NoWrap);
+  EXPECT_EQ(pad.wordWrapMode(), QTextOption::NoWrap);
   QTest::keyClicks(&pad, u"one"_s);
   QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(pad.toPlainText(), QString());

@@ -115,6 +115,39 @@ TEST_F(FormTxt, CutCopyDeleteSelectAllAndTab) {
   window.Altered(false);
 }
 
+TEST_F(FormTxt, KeysWithCtrlOrSuperTypeNothing) {
+  form_TXT& window = Open("word");
+  TextPad& pad = PadOf(window);
+  const auto press = [&](int key, const QString& text, Qt::KeyboardModifiers modifiers) {
+    QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
+    QApplication::sendEvent(&pad, &event);
+  };
+  window.EditSelectAll();
+  const auto zoom = [&] { return pad.SendScintilla(QsciScintillaBase::SCI_GETZOOM); };
+  const struct {
+    QChar key;
+    int zoom_by_ctrl;
+  } keys[] = {{u'1', 0}, {u'5', 0}, {u'.', 0}, {u',', 0}, {u';', 0}, {u'\'', 0},
+              {u'j', 0}, {u'+', 1}, {u'=', 2}, {u'-', 1}, {u'0', 0}};
+  for (const auto& [key, zoomed] : keys) {
+    const int code = key.toUpper().unicode();
+    for (const Qt::KeyboardModifiers with : {Qt::MetaModifier | Qt::NoModifier, Qt::MetaModifier | Qt::ControlModifier})
+      press(code, key, with);
+    press(code, key, Qt::ControlModifier);
+    EXPECT_EQ(zoom(), zoomed) << key.toLatin1();
+    press(code, key, Qt::ControlModifier | Qt::KeypadModifier);
+    pad.SendScintilla(QsciScintillaBase::SCI_SETZOOM, zoomed);
+    EXPECT_EQ(TextOf(window), "word") << key.toLatin1();
+  }
+  EXPECT_FALSE(window.Slot().changed);
+  // AltGr is Ctrl+Alt on some systems; a character beyond 16 bits and one without width are typed like any other.
+  press(Qt::Key_E, u"\u20AC"_s, Qt::ControlModifier | Qt::AltModifier);
+  press(0, u"\U0001F600"_s, Qt::NoModifier);
+  press(Qt::Key_2, u"\u200D"_s, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(TextOf(window), "\xE2\x82\xAC\xF0\x9F\x98\x80\xE2\x80\x8D");
+  window.Altered(false);
+}
+
 TEST_F(FormTxt, TimeComesBeforeTheDate) {
   form_TXT& window = New();
   const QDate before = QDate::currentDate();

@@ -30,6 +30,7 @@
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
 #include "shell/SaveDialog.h"
+#include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -110,6 +111,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
   TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   TV->setModel(model_.get());
+  new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 
   connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);

@@ -24,6 +24,7 @@
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
+#include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -85,6 +86,7 @@ void form_REG::BuildControls(QWidget& client) {
   PB2 = make_bar(u"PB2"_s, tr("Stage within the line"));
   PB2->setMaximum(kStages);
   column->addLayout(status);
+  new ViewZoom({TV, LV}, this);
   setFocusProxy(TV);
 }
 

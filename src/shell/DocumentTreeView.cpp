@@ -31,6 +31,19 @@ void DocumentTreeView::reset() {
 }
 
 void DocumentTreeView::keyPressEvent(QKeyEvent* event) {
+  constexpr Qt::KeyboardModifiers kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+  const bool command = event->modifiers().testAnyFlags(kCommands);
+  switch (event->key()) {
+    case Qt::Key_Asterisk:
+    case Qt::Key_Plus:
+    case Qt::Key_Minus:
+    case Qt::Key_Space:
+      // With Ctrl, a blank would leave nothing selected.
+      if (command) return event->ignore();
+      break;
+    default:
+      break;
+  }
   if (event->key() != Qt::Key_Asterisk) return QTreeView::keyPressEvent(event);
   expandRecursively(currentIndex(), kMaxDepth);
 }

@@ -16,6 +16,7 @@
 #include "shell/Hourglass.h"
 #include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
+#include "text/PadKeys.h"
 #include "text/form_SR.h"
 
 using namespace Qt::StringLiterals;
@@ -196,11 +197,10 @@ bool PadWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool PadWindow::PadKeyPressed(const QKeyEvent& key) {
-  // AltGr is Ctrl+Alt on some systems and types a character.
-  const bool types = key.modifiers().testFlag(Qt::AltModifier) && !key.text().isEmpty() && key.text().at(0).isPrint();
-  const bool control = key.modifiers().testFlag(Qt::ControlModifier) && !types;
+  const bool control = key.modifiers().testFlag(Qt::ControlModifier) && !TypesText(key);
+  const bool alt_alone = (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::AltModifier;
   // One that no menu took must not replace the selection with its letter.
-  const bool for_a_menu = types && !key.modifiers().testFlag(Qt::ControlModifier);
+  const bool for_a_menu = alt_alone && !key.text().isEmpty() && key.text().at(0).isPrint();
   if ((control && key.key() == Qt::Key_V) || key.matches(QKeySequence::Paste)) {
     EditPaste();
   } else if ((control && key.key() == Qt::Key_C) || key.matches(QKeySequence::Copy)) {
@@ -221,7 +221,8 @@ bool PadWindow::SearchKeyPressed(const QKeyEvent& key) {
   form_SR* dialog = form_SR::Opened(global_);
   if (!dialog || !dialog->isVisible()) return false;
   const bool shift_held = (IsEnter(key) || IsTab(key)) && key.modifiers().testFlag(Qt::ShiftModifier);
-  if (shift_held || key.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier)) return false;
+  if (shift_held || key.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+    return false;
   if (IsEnter(key)) {
     dialog->cmd_FindNext_Click();
     return true;

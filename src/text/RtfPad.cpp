@@ -11,6 +11,7 @@
 
 #include "platform/Twips.h"
 #include "shell/PlainText.h"
+#include "text/PadKeys.h"
 #include "text/RtfClipboard.h"
 #include "text/RtfExport.h"
 #include "text/RtfImport.h"
@@ -27,8 +28,6 @@ namespace {
 
 constexpr int kDefaultTabTwips = 720;
 constexpr int kEdgePixels = 10;  ///< between the window's edge and the text
-constexpr int kLeastZoom = 20, kMostZoom = 500;
-constexpr double kZoomStep = 1.1;
 constexpr PadPosition kLargeText = 200'000;
 constexpr int kLeastWrapPixels = 40;
 
@@ -55,7 +54,7 @@ RtfPad::RtfPad(QWidget* parent)
   setAccessibleName(tr("Text of the document"));
   setAcceptRichText(true);
   setFrameShape(QFrame::NoFrame);
-  setLineWrapMode(NoWrap);  // as right_margin_ says
+  LayOutUnwrapped();  // as right_margin_ says
   setCursorWidth(2);
   // A page is white on every desktop: the colours of the text are the document's.
   QPalette palette = this->palette();
@@ -189,12 +188,20 @@ void RtfPad::SetRightMargin(int twips) {
   if (std::exchange(right_margin_, twips) == twips) return;
   const int place = LeavePlace();
   if (twips >= kNoWrap) {
-    setLineWrapMode(NoWrap);
+    LayOutUnwrapped();
   } else {
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     setLineWrapColumnOrWidth(std::max(TwipsToPixels(twips, logicalDpiX()), kLeastWrapPixels));
     setLineWrapMode(FixedPixelWidth);
   }
   ShowFrom(place);
+}
+
+/// Not NoWrap: that lays out to no width at all while it knows of no paragraph that needs one, and what is
+/// right-aligned or centred then ends up to the left of the page. Longer paragraphs widen the page here too.
+void RtfPad::LayOutUnwrapped() {
+  setLineWrapMode(WidgetWidth);
+  setWordWrapMode(QTextOption::NoWrap);
 }
 
 void RtfPad::Print(QPrinter& printer) {
@@ -300,6 +307,11 @@ bool RtfPad::event(QEvent* event) {
 void RtfPad::keyPressEvent(QKeyEvent* event) {
   if (IsRedo(*event) || event->matches(QKeySequence::Redo)) return Redo();
   if (event->matches(QKeySequence::Undo)) return Undo();
+  if (const std::optional<Zoom> zoom = ZoomOf(*event)) {
+    if (zoom_.Apply(*zoom)) ZoomInPlace();
+    return;
+  }
+  if (IsUnboundKey(*event)) return event->ignore();
   const bool deletes = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
   const bool edits = deletes || (!event->text().isEmpty() && !event->modifiers().testFlag(Qt::ControlModifier));
   if (edits && textCursor().hasSelection()) {
@@ -325,24 +337,28 @@ void RtfPad::resizeEvent(QResizeEvent* event) {
   if (event->oldSize().height() < 3 * cursorRect().height() && textCursor().atStart()) verticalScrollBar()->setValue(0);
 }
 
+void RtfPad::showEvent(QShowEvent* event) {
+  // The first time, the edit shows its caret, which OpenRTF has left out of sight in a long right-to-left paragraph.
+  const int left = horizontalScrollBar()->value();
+  QTextEdit::showEvent(event);
+  horizontalScrollBar()->setValue(left);
+}
+
 void RtfPad::SetZoom(int percent) {
-  percent = std::clamp(percent, kLeastZoom, kMostZoom);
-  if (std::exchange(zoom_, percent) == percent) return;
-  const int place = LeavePlace();
-  ApplyZoom();
-  ShowFrom(place);
+  if (zoom_.Set(percent)) ZoomInPlace();
 }
 
 /// The layout measures on a device of another resolution; the document knows nothing of it.
 void RtfPad::ApplyZoom() {
   QAbstractTextDocumentLayout* layout = document()->documentLayout();
-  if (zoom_ == 100) {
+  const int percent = zoom_.Value();
+  if (percent == 100) {
     if (layout->paintDevice() == viewport()) return;
     layout->setPaintDevice(viewport());
   } else {
     zoom_device_ = QImage(1, 1, QImage::Format_RGB32);
-    zoom_device_.setDotsPerMeterX(qRound(logicalDpiX() * zoom_ / 100.0 / 0.0254));
-    zoom_device_.setDotsPerMeterY(qRound(logicalDpiY() * zoom_ / 100.0 / 0.0254));
+    zoom_device_.setDotsPerMeterX(qRound(logicalDpiX() * percent / 100.0 / 0.0254));
+    zoom_device_.setDotsPerMeterY(qRound(logicalDpiY() * percent / 100.0 / 0.0254));
     layout->setPaintDevice(&zoom_device_);
   }
   // As after a new page size: all is laid out anew, what is in sight first.
@@ -350,10 +366,16 @@ void RtfPad::ApplyZoom() {
   viewport()->update();
 }
 
+void RtfPad::ZoomInPlace() {
+  const int place = LeavePlace();
+  ApplyZoom();
+  ShowFrom(place);
+}
+
 void RtfPad::wheelEvent(QWheelEvent* event) {
-  if (!event->modifiers().testFlag(Qt::ControlModifier)) return QTextEdit::wheelEvent(event);
-  const double steps = event->angleDelta().y() / 120.0;
-  SetZoom(qRound(zoom_ * std::pow(kZoomStep, steps)));
+  const std::optional<double> notches = ZoomNotchesOf(*event);
+  if (!notches) return QTextEdit::wheelEvent(event);
+  if (zoom_.Turn(*notches)) ZoomInPlace();
   event->accept();
 }
 

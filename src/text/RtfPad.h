@@ -7,6 +7,7 @@
 #include <set>
 #include <string_view>
 
+#include "shell/Zoom.h"
 #include "text/Pad.h"
 #include "text/RtfImport.h"
 #include "text/RtfLooks.h"
@@ -100,7 +101,6 @@ class RtfPad : public QTextEdit, public Pad {
   std::size_t SelectionCost() const;
 
   /// 100 is the size of the document. For the display only.
-  int Zoom() const { return zoom_; }
   void SetZoom(int percent);
 
  signals:
@@ -114,6 +114,7 @@ class RtfPad : public QTextEdit, public Pad {
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   bool viewportEvent(QEvent* event) override;
 
@@ -149,7 +150,10 @@ class RtfPad : public QTextEdit, public Pad {
   /// end: behind the paragraph. The block there.
   QTextBlock SplitParagraph(QTextBlock block, const QTextBlock& end);
   void InsertFragment(const QTextDocument& part);
+  void LayOutUnwrapped();
   void ApplyZoom();
+  /// What stands at the top stays there.
+  void ZoomInPlace();
   void MergeFormat(const QTextCharFormat& format);
   std::unique_ptr<QTextDocument> SelectionAsDocument() const;
   template <typename Value, typename Of>
@@ -159,7 +163,7 @@ class RtfPad : public QTextEdit, public Pad {
   std::unique_ptr<RtfStore> store_;
   RtfObjectView* objects_;
   QImage zoom_device_;
-  int zoom_ = 100;
+  ZoomPercent zoom_;
   int right_margin_ = kNoWrap;
   int bullet_indent_ = 0;
   std::uint64_t revision_ = 0;

@@ -10,6 +10,7 @@
 #include "base/Utf8.h"
 #include "platform/Twips.h"
 #include "shell/DisplayText.h"
+#include "text/PadKeys.h"
 #include "text/PrintText.h"
 #include "text/TextPadAccessible.h"
 #include "text/TextSearch.h"
@@ -292,7 +293,24 @@ void TextPad::changeEvent(QEvent* event) {
 
 void TextPad::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Tab && event->modifiers() == Qt::NoModifier) return ReplaceSelection(u"\t"_s);
+  if (const std::optional<Zoom> zoom = ZoomOf(*event)) return ApplyZoom(*zoom);
+  if (TypesText(*event)) return Type(event->text());
+  if (IsUnboundKey(*event)) return event->ignore();
   QsciScintillaBase::keyPressEvent(event);
+}
+
+void TextPad::Type(const QString& text) {
+  // As from an input method: of a key itself, the base takes only what begins with a printable UTF-16 unit.
+  QInputMethodEvent typed;
+  typed.setCommitString(text);
+  inputMethodEvent(&typed);
+}
+
+void TextPad::ApplyZoom(Zoom zoom) {
+  if (zoom == Zoom::Reset)
+    Send(SCI_SETZOOM, 0);
+  else
+    Send(zoom == Zoom::In ? SCI_ZOOMIN : SCI_ZOOMOUT);
 }
 
 void TextPad::resizeEvent(QResizeEvent* event) {
@@ -301,8 +319,9 @@ void TextPad::resizeEvent(QResizeEvent* event) {
 }
 
 void TextPad::wheelEvent(QWheelEvent* event) {
-  if (!event->modifiers().testFlag(Qt::ControlModifier)) return QsciScintillaBase::wheelEvent(event);
-  if (event->angleDelta().y() != 0) Send(event->angleDelta().y() > 0 ? SCI_ZOOMIN : SCI_ZOOMOUT);
+  const std::optional<double> notches = ZoomNotchesOf(*event);
+  if (!notches) return QsciScintillaBase::wheelEvent(event);
+  if (*notches != 0) ApplyZoom(*notches > 0 ? Zoom::In : Zoom::Out);
   event->accept();
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "shell/Zoom.h"
 #include "text/Pad.h"
 
 namespace tme {
@@ -77,6 +78,8 @@ class TextPad : public QsciScintillaBase, public Pad {
   void AssignKeys();
   void ApplyColors();
   void ApplyWrap();
+  void ApplyZoom(Zoom zoom);
+  void Type(const QString& text);
   void NeedLineIndex() const;
   char ByteAt(PadPosition position) const;
   std::string_view BytesBetween(PadPosition start, PadPosition end) const;

@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QToolBar>
 
 #include "platform/CodePage.h"
@@ -76,7 +78,14 @@ void form_RTF::BuildToolbar(QWidget& client) {
     button->setObjectName(tag);
     button->setAccessibleName(name);
     button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys with the text
-    connect(action, &QAction::triggered, this, [this, action] { ButtonClick(action->data().toString()); });
+    const auto click = [this, action] { ButtonClick(action->data().toString()); };
+    connect(action, &QAction::triggered, this, [action, click] {
+      if (!action->isCheckable()) click();
+    });
+    // Assistive programs toggle a button without clicking it, which triggers nothing.
+    connect(action, &QAction::toggled, this, [this, click] {
+      if (!showing_format_) click();
+    });
     return action;
   };
   add(u"cut"_s, u"edit-cut"_s, tr("Cut"), tr("Cut (Ctrl+X)"));
@@ -154,6 +163,8 @@ void form_RTF::OpenRTF() {
   ShowInFrame();
   ResizeForm();
   pad->Select(0, 0);
+  // In a long paragraph from right to left the caret is far off, and every other paragraph would be out of sight.
+  pad->horizontalScrollBar()->setValue(0);
   pad->setFocus();
 }
 
@@ -280,7 +291,8 @@ bool form_RTF::eventFilter(QObject* watched, QEvent* event) {
   if (watched == pad && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
     const bool searched = swallowed && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);
-    if (!searched && !IsModifier(key) && !keys_down_.contains(key)) keys_down_.append(key);
+    const bool command = searched || ZoomOf(*static_cast<QKeyEvent*>(event));
+    if (!command && !IsModifier(key) && !keys_down_.contains(key)) keys_down_.append(key);
   }
   if (watched == pad && event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat())
     PadKeyReleased(static_cast<QKeyEvent*>(event)->key());
@@ -292,7 +304,7 @@ bool form_RTF::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void form_RTF::PadKeyReleased(int key) {
-  // Not the keys of a menu's shortcut: saving by one would mark the document changed at once.
+  // Not the keys of a command: saving by one would mark the document changed at once.
   if (!keys_down_.removeOne(key)) return;
   // Any other key marks the document changed, an arrow key, too; intended.
   TextChanged();
@@ -301,6 +313,7 @@ void form_RTF::PadKeyReleased(int key) {
 }
 
 void form_RTF::UpdateFormatState() {
+  const QScopedValueRollback showing(showing_format_, true);
   const auto show = [this](const char* item, QAction* button, const std::optional<bool>& state) {
     const bool is_set = state == true;
     button->setChecked(is_set);

@@ -81,12 +81,13 @@ class form_RTF : public PadWindow {
   QAction* button_italic_ = nullptr;
   QAction* button_underline_ = nullptr;
   QAction* button_list_ = nullptr;
+  bool showing_format_ = false;  ///< the buttons take the selection's state, rather than give it theirs
   /// Size in points for the buttons when the selection mixes sizes; 0 in a document that was never opened.
   int fallback_font_size_ = 0;
   /// The file as it was read, and the revision that it belongs to; empty once it is of no more use.
   std::string read_bytes_;
   std::uint64_t read_revision_ = 0;
-  /// Keys that went down in the pad and not to a menu.
+  /// Keys that went down in the pad and are no command's.
   QList<int> keys_down_;
 };
 
