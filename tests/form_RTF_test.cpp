@@ -344,8 +344,12 @@ TEST_F(FormRtf, RedoAndWordWrapAsInThePlainPad) {
   QTest::keyClicks(&pad, u"one"_s);
   QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(pad.toPlainText(), QString());
+  EXPECT_FALSE(frame_->Menus().Action(u"menu_EditUndo"_s)->isEnabled());
   QTest::keyClick(&pad, Qt::Key_Y, Qt::ControlModifier);
   EXPECT_EQ(pad.toPlainText(), u"one"_s);
+  EXPECT_FALSE(frame_->Menus().Action(u"menu_EditRedo"_s)->isEnabled());
+  frame_->Menus().Action(u"menu_EditUndo"_s)->trigger();
+  EXPECT_EQ(pad.toPlainText(), QString());
 }
 
 TEST_F(FormRtf, PrintsInsideThePagesMargins) {

@@ -148,6 +148,63 @@ TEST_F(FormTxt, KeysWithCtrlOrSuperTypeNothing) {
   window.Altered(false);
 }
 
+TEST_F(FormTxt, CaretGoesByWhatReadersTakeForACharacter) {
+  const std::string accented = "e\xCC\x81\xCC\xA3", flag = "\xF0\x9F\x87\xA9\xF0\x9F\x87\xAA",
+                    family = "\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7";
+  form_TXT& window = Open("a" + accented + "b" + flag + flag + family + "\r\nz" + accented);
+  TextPad& pad = PadOf(window);
+  std::vector<PadPosition> right, left;
+  const auto walk = [&](Qt::Key key, std::vector<PadPosition>& stops) {
+    for (PadPosition before = -1; pad.Caret() != before;) {
+      before = pad.Caret();
+      stops.push_back(before);
+      QTest::keyClick(&pad, key);
+    }
+  };
+  walk(Qt::Key_Right, right);
+  walk(Qt::Key_Left, left);
+  EXPECT_EQ(right, (std::vector<PadPosition>{0, 1, 6, 7, 15, 23, 34, 36, 37, 42}));
+  EXPECT_EQ(std::vector(left.rbegin(), left.rend()), right);
+  // Straight below, inside of the first line's accented letter.
+  pad.Select(37, 37);
+  QTest::keyClick(&pad, Qt::Key_Right, Qt::ShiftModifier);
+  EXPECT_EQ(pad.SelectedText().size(), 3);
+  QTest::mouseClick(pad.viewport(), Qt::LeftButton, {}, pad.viewport()->mapFromGlobal(pad.RectOf(4).center()));
+  EXPECT_TRUE(pad.Caret() == 1 || pad.Caret() == 6) << pad.Caret();
+  // Delete takes all of it, Backspace an accent alone but a picture whole.
+  pad.Select(1, 1);
+  QTest::keyClick(&pad, Qt::Key_Delete);
+  pad.Select(10, 10);
+  QTest::keyClick(&pad, Qt::Key_Backspace);
+  pad.Select(pad.End(), pad.End());
+  QTest::keyClick(&pad, Qt::Key_Backspace);
+  EXPECT_EQ(TextOf(window), "ab" + flag + family + "\r\nze\xCC\x81");
+  window.Altered(false);
+}
+
+TEST_F(FormTxt, UndoAndRedoAreOfferedWhenThereIsSomething) {
+  form_TXT& window = Open("word");
+  const auto offered = [&] {
+    QTest::qWait(0);
+    return std::pair(frame_->Menus().Action(u"menu_EditUndo"_s)->isEnabled(),
+                     frame_->Menus().Action(u"menu_EditRedo"_s)->isEnabled());
+  };
+  EXPECT_EQ(offered(), std::pair(false, false));
+  QTest::keyClicks(&PadOf(window), u"ab"_s);
+  WaitFor([&] { return offered() == std::pair(true, false); });
+  frame_->Menus().Action(u"menu_EditUndo"_s)->trigger();
+  EXPECT_EQ(TextOf(window), "word");
+  EXPECT_EQ(offered(), std::pair(false, true));
+  Open("other", 1);
+  EXPECT_EQ(offered(), std::pair(false, false));
+  window.Form_Activate();
+  frame_->Menus().Action(u"menu_EditRedo"_s)->trigger();
+  EXPECT_EQ(TextOf(window), "abword");
+  QTest::keyClick(&PadOf(window), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(TextOf(window), "word") << "the key undoes once";
+  window.Altered(false);
+}
+
 TEST_F(FormTxt, TimeComesBeforeTheDate) {
   form_TXT& window = New();
   const QDate before = QDate::currentDate();
@@ -258,6 +315,9 @@ TEST_F(FormTxt, WordWrapIsOneCheckMarkForAllWindows) {
   EXPECT_TRUE(frame_->Menus().IsChecked("menu_EditWordWrap"));
   EXPECT_EQ(PadOf(second).RightMargin(), wrapped(second));
   EXPECT_EQ(PadOf(first).RightMargin(), Pad::kNoWrap);
+  Settings next_start;
+  next_start.ReadFrameGroup(registry_);
+  EXPECT_TRUE(next_start.word_wrap);
   first.Form_Activate();
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
   WaitFor([&] { return PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0) > 1; });

@@ -45,8 +45,8 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     DocumentKind kind;
   } kinds[] = {{"File Edit View Tools Window Help", 16, DocumentKind::Ini},
                {"File Edit Tools Window Help", 12, DocumentKind::Reg},
-               {"File Edit Search Tools Window Help", 13, DocumentKind::Txt},
-               {"File Edit Search Format Tools Window Help", 19, DocumentKind::Rtf}};
+               {"File Edit Search Tools Window Help", 15, DocumentKind::Txt},
+               {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {
     const KindTraits& traits = TraitsOf(expected.kind);
     SCOPED_TRACE(traits.name);

@@ -77,6 +77,9 @@ constexpr std::array kRows{
     Row{"TME_Edit", "TME_EditPasteTXT", "Paste to new &TXT", kMdi, nullptr},
 
     OpenMenu("", "menu_Edit", "&Edit"),
+    Row{"menu_Edit", "menu_EditUndo", "&Undo", kPads, "EditUndo", "edit-undo", "Ctrl+Z"},
+    Row{"menu_Edit", "menu_EditRedo", "R&edo", kPads, "EditRedo", "edit-redo", "Ctrl+Y; Ctrl+Shift+Z"},
+    Separator("menu_Edit"),
     Row{"menu_Edit", "menu_EditCut", "&Cut", kIni | kPads, "EditCut", "edit-cut", "Ctrl+X"},
     Row{"menu_Edit", "menu_EditCopy", "C&opy", kIni | kPads, "EditCopy", "edit-copy", "Ctrl+C"},
     Row{"menu_Edit", "menu_EditPaste", "&Paste", kIni | kPads, "EditPaste", "edit-paste", "Ctrl+V"},

@@ -31,6 +31,7 @@ void Settings::ReadFrameGroup(const RegistryAccess& registry) {
   contain_srd = flag(u"Contain SRD"_s);
   start_editors_max = flag(u"Start Editors Max"_s);
   multi_select = flag(u"MultiSelect"_s);
+  word_wrap = flag(u"Word Wrap"_s);
 }
 
 void Settings::ReadTxtGroup(const RegistryAccess& registry) {

@@ -25,6 +25,8 @@ struct Settings {
   bool contain_srd = false;
   bool start_editors_max = false;
   bool multi_select = false;
+  /// Of all text and rich-text windows.
+  bool word_wrap = false;
   /// Minutes, 0 to 99; 0 is off.
   int auto_save_period = 0;
   QString font_name = QStringLiteral("Courier");
@@ -34,7 +36,7 @@ struct Settings {
   QString txt_filter = QStringLiteral("*.TXT;*.INF;*.BAT;*.KIX;*.REXX;*.HTM;*.HTML");
   QString rtf_filter = QStringLiteral("*.RTF;*.WRI");
 
-  /// The four flags of the frame, when the root key is present.
+  /// The flags, when the root key is present.
   void ReadFrameGroup(const RegistryAccess& registry);
   void ReadTxtGroup(const RegistryAccess& registry);
   void ReadRtfGroup(const RegistryAccess& registry);

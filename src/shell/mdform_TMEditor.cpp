@@ -119,6 +119,7 @@ void mdform_TMEditor::ReadSettings() {
   settings.txt_present = global_.registry.CreateKey(kTxtKey);
   settings.rtf_present = global_.registry.CreateKey(kRtfKey);
   if (settings.present) settings.ReadFrameGroup(global_.registry);
+  menus_->SetChecked("menu_EditWordWrap", settings.word_wrap);
   if (settings.txt_present) settings.ReadTxtGroup(global_.registry);
   if (settings.rtf_present) settings.ReadRtfGroup(global_.registry);
 }

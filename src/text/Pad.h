@@ -46,6 +46,11 @@ class Pad {
   /// The selection if there is one, else all.
   virtual void Print(QPrinter& printer) = 0;
 
+  virtual bool CanUndo() const = 0;
+  virtual bool CanRedo() const = 0;
+  virtual void Undo() = 0;
+  virtual void Redo() = 0;
+
   /// Counts the edits of the content: another number than before means that something was changed.
   virtual std::uint64_t Revision() const = 0;
 };

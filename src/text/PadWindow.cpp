@@ -105,6 +105,22 @@ void PadWindow::PrintDoc(QPrinter* printer) {
   EditingArea().Print(*printer);
 }
 
+void PadWindow::EditUndo() {
+  EditingArea().Undo();
+  ShowUndoState();
+}
+
+void PadWindow::EditRedo() {
+  EditingArea().Redo();
+  ShowUndoState();
+}
+
+void PadWindow::ShowUndoState() {
+  if (global_.frame->ActiveDocument() != this || Tag().isEmpty()) return;
+  global_.frame->Menus().SetAvailable("menu_EditUndo", EditingArea().CanUndo());
+  global_.frame->Menus().SetAvailable("menu_EditRedo", EditingArea().CanRedo());
+}
+
 void PadWindow::EditCut() {
   EditCopy();
   EditDelete();
@@ -136,6 +152,9 @@ void PadWindow::EditTimeDate() {
 void PadWindow::EditWW() {
   GlobalMenus& menus = global_.frame->Menus();
   menus.SetChecked(kWordWrapItem, !menus.IsChecked(kWordWrapItem));
+  global_.settings.word_wrap = menus.IsChecked(kWordWrapItem);
+  if (global_.settings.present)
+    global_.registry.WriteValue(SettingsRoot, u"Word Wrap"_s, kTextType, global_.settings.word_wrap ? u"1"_s : u"0"_s);
   ApplyWordWrap();
   EditingArea().Widget().update();
 }
@@ -144,6 +163,7 @@ void PadWindow::UpdateCommands() {
   GlobalMenus& menus = global_.frame->Menus();
   menus.SetChecked(kWordWrapItem, menus.IsChecked(kWordWrapItem));  // off too, it looks like a check mark
   ApplyWordWrap();
+  ShowUndoState();
 }
 
 void PadWindow::ApplyWordWrap() {

@@ -29,6 +29,8 @@ class PadWindow : public DocumentWindow {
   Q_INVOKABLE void SaveFile();
   /// printer: not null, not kept.
   Q_INVOKABLE void PrintDoc(QPrinter* printer);
+  Q_INVOKABLE void EditUndo();
+  Q_INVOKABLE void EditRedo();
   Q_INVOKABLE void EditCut();
   /// Empties the clipboard even when nothing is selected; intended.
   Q_INVOKABLE virtual void EditCopy();
@@ -36,7 +38,7 @@ class PadWindow : public DocumentWindow {
   Q_INVOKABLE void EditSelectAll();
   Q_INVOKABLE void EditDelete();
   Q_INVOKABLE void EditTimeDate();
-  /// Inverts the check mark that all text windows share.
+  /// Inverts the check mark that all text windows share and the next start takes over.
   Q_INVOKABLE void EditWW();
   Q_INVOKABLE void SearchFind();
   Q_INVOKABLE void SearchReplace();
@@ -52,6 +54,8 @@ class PadWindow : public DocumentWindow {
   void WatchPad(QWidget& client);
   /// The right margin from the check mark of the word wrap item.
   void ApplyWordWrap();
+  /// Whether Undo and Redo can be chosen; to be called when that may have changed.
+  void ShowUndoState();
   /// Opens the search dialog and repeats the last search.
   void SearchForLast();
 

@@ -41,6 +41,8 @@ class RtfPad : public QTextEdit, public Pad {
   int RightMargin() const override { return right_margin_; }
   void Print(QPrinter& printer) override;
   std::uint64_t Revision() const override { return revision_; }
+  bool CanUndo() const override { return document()->isUndoAvailable(); }
+  bool CanRedo() const override { return document()->isRedoAvailable(); }
 
   /// Without layout while it lives, when it edits many characters; afterwards all is laid out anew, what is in sight
   /// first and the rest while nobody waits. One inside another does nothing.
@@ -95,8 +97,8 @@ class RtfPad : public QTextEdit, public Pad {
   void SetBulletIndent(int twips) { bullet_indent_ = twips; }
 
   /// Of one step, however large it is.
-  void Undo();
-  void Redo();
+  void Undo() override;
+  void Redo() override;
   /// Of laying it out, as in RtfShape.h.
   std::size_t SelectionCost() const;
 

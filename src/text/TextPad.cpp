@@ -296,7 +296,29 @@ void TextPad::keyPressEvent(QKeyEvent* event) {
   if (const std::optional<Zoom> zoom = ZoomOf(*event)) return ApplyZoom(*zoom);
   if (TypesText(*event)) return Type(event->text());
   if (IsUnboundKey(*event)) return event->ignore();
+  if (DeleteGrapheme(*event)) return;
+  const PadPosition caret = Caret();
+  const std::uint64_t revision = revision_;
   QsciScintillaBase::keyPressEvent(event);
+  if (revision_ != revision || Caret() == caret) return;
+  KeepCaretOutsideGraphemes(caret);
+  // Up and down go on to where the caret was, others come from where it is.
+  if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) Send(SCI_CHOOSECARETX);
+}
+
+void TextPad::mousePressEvent(QMouseEvent* event) {
+  QsciScintillaBase::mousePressEvent(event);
+  if (event->button() == Qt::LeftButton) KeepCaretOutsideGraphemes(End());
+}
+
+void TextPad::mouseReleaseEvent(QMouseEvent* event) {
+  QsciScintillaBase::mouseReleaseEvent(event);
+  if (event->button() == Qt::LeftButton) KeepCaretOutsideGraphemes(End());
+}
+
+void TextPad::mouseMoveEvent(QMouseEvent* event) {
+  QsciScintillaBase::mouseMoveEvent(event);
+  if (event->buttons().testFlag(Qt::LeftButton)) KeepCaretOutsideGraphemes(End());
 }
 
 void TextPad::Type(const QString& text) {

@@ -43,6 +43,10 @@ class TextPad : public QsciScintillaBase, public Pad {
   int RightMargin() const override { return right_margin_; }
   void Print(QPrinter& printer) override;
   std::uint64_t Revision() const override { return revision_; }
+  bool CanUndo() const override { return Send(SCI_CANUNDO) != 0; }
+  bool CanRedo() const override { return Send(SCI_CANREDO) != 0; }
+  void Undo() override { Send(SCI_UNDO); }
+  void Redo() override { Send(SCI_REDO); }
 
   // For TextPadAccessible. Offsets are UTF-16 units; one behind the text stands for its end.
   struct Range {
@@ -53,7 +57,7 @@ class TextPad : public QsciScintillaBase, public Pad {
   PadPosition PositionOf(int offset) const;
   PadPosition Caret() const;
   QString TextBetween(PadPosition start, PadPosition end) const;
-  /// The character, word or line around a position.
+  /// The character as readers see it, the word or the line around a position.
   Range UnitAround(PadPosition position, QAccessible::TextBoundaryType type) const;
   /// On the screen.
   QRect RectOf(PadPosition position) const;
@@ -65,6 +69,9 @@ class TextPad : public QsciScintillaBase, public Pad {
   bool canInsertFromMimeData(const QMimeData* source) const override;
   void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   /// An input method is told of the text near the caret, within its line.
   QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
@@ -80,6 +87,12 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ApplyWrap();
   void ApplyZoom(Zoom zoom);
   void Type(const QString& text);
+  /// Empty at the end of the text. CR LF is one.
+  Range GraphemeAround(PadPosition position) const;
+  /// After the caret has moved from there.
+  void KeepCaretOutsideGraphemes(PadPosition caret_before);
+  /// False: the key is not for that, or the component does the same.
+  bool DeleteGrapheme(const QKeyEvent& key);
   void NeedLineIndex() const;
   char ByteAt(PadPosition position) const;
   std::string_view BytesBetween(PadPosition start, PadPosition end) const;

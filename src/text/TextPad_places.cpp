@@ -35,7 +35,7 @@ TextPad::Range TextPad::UnitAround(PadPosition position, QAccessible::TextBounda
   const auto at = static_cast<std::uintptr_t>(position);
   switch (type) {
     case QAccessible::CharBoundary:
-      return {position, Moved(position, 1)};
+      return GraphemeAround(position);
     case QAccessible::WordBoundary: {
       const PadPosition start = Send(SCI_WORDSTARTPOSITION, at, 0), end = Send(SCI_WORDENDPOSITION, at, 0);
       return {start, end > position ? end : Moved(position, 1)};
@@ -54,7 +54,7 @@ PadPosition TextPad::Caret() const { return Send(SCI_GETCURRENTPOS); }
 
 QRect TextPad::RectOf(PadPosition position) const {
   const auto left = static_cast<int>(Send(SCI_POINTXFROMPOSITION, 0, position));
-  const auto right = static_cast<int>(Send(SCI_POINTXFROMPOSITION, 0, Moved(position, 1)));
+  const auto right = static_cast<int>(Send(SCI_POINTXFROMPOSITION, 0, GraphemeAround(position).end));
   const auto top = static_cast<int>(Send(SCI_POINTYFROMPOSITION, 0, position));
   const auto line = static_cast<std::uintptr_t>(Send(SCI_LINEFROMPOSITION, static_cast<std::uintptr_t>(position)));
   const QPoint corner = viewport()->mapToGlobal(QPoint(left, top));

@@ -54,6 +54,8 @@ void form_RTF::BuildControls(QWidget& client) {
   pad = new RtfPad(&client);
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::TextChanged);
   connect(pad, &RtfPad::PasteRequested, this, &form_RTF::Paste);
+  connect(pad, &QTextEdit::undoAvailable, this, &form_RTF::ShowUndoState);
+  connect(pad, &QTextEdit::redoAvailable, this, &form_RTF::ShowUndoState);
   WatchPad(client);
   // Who comes to the window without saying where goes to the first in the order: to the text, not to a button.
   QWidget* before = pad;

@@ -40,6 +40,10 @@ void form_TXT::BuildControls(QWidget& client) {
   setWindowIcon(Icon(u"txt-file"_s));
   pad = new TextPad(&client);
   connect(pad, &QsciScintillaBase::SCEN_CHANGE, this, [this] { Altered(true); });
+  // SCEN_CHANGE comes just before the edit.
+  connect(pad, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+    if (updated & QsciScintillaBase::SC_UPDATE_CONTENT) ShowUndoState();
+  });
   WatchPad(client);
 }
 
