@@ -123,21 +123,23 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
 
 TEST(IniWriter, SaysWhatAReaderWouldNotTakeBack) {
   using T = IniTree&;
-  const auto change = [](const char* from, const char* to) {
-    return [=](T tree) { tree.SetText(FindNode(tree, from), to); };
+  struct Case {
+    const char* file;
+    void (*edit)(T);
+    IniReadBack expected;
   };
-  const std::tuple<const char*, std::function<void(T)>, IniReadBack> cases[] = {
+  const Case cases[] = {
       {";c\n[a]\nx\n;d\n", [](T) {}, {}},
       {"[a]\nx\n",
        [](T t) { t.AddEntry(t.Root(), ";c", IniTag::Comments), t.AddEntry(t.Root(), ";d", IniTag::Comments); },
        {.ends_at_line = 2}},
-      {";c\n[a]\nx\n", change(";c", "c"), {.ends_at_line = 1}},
-      {";c\n[a]\nx\n", change(";c", "[c"), {.headers = 1}},
-      {"[a]\nx\n;d\n", change("x", "[x=1"), {.headers = 1}},
-      {"[a]\nx\n;d\n", change(";d", "d"), {.other_kinds = 1}},
+      {";c\n[a]\nx\n", [](T t) { t.SetText(FindNode(t, ";c"), "c"); }, {.ends_at_line = 1}},
+      {";c\n[a]\nx\n", [](T t) { t.SetText(FindNode(t, ";c"), "[c"); }, {.headers = 1}},
+      {"[a]\nx\n;d\n", [](T t) { t.SetText(FindNode(t, "x"), "[x=1"); }, {.headers = 1}},
+      {"[a]\nx\n;d\n", [](T t) { t.SetText(FindNode(t, ";d"), "d"); }, {.other_kinds = 1}},
       {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), ";p", IniTag::Value); }, {.other_kinds = 1}},
       {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), "", IniTag::Value); }, {.blank_entries = 1}},
-      {"[a]\n[b]\n[c]\n", change("b", "a"), {.doubles = 1}},
+      {"[a]\n[b]\n[c]\n", [](T t) { t.SetText(FindNode(t, "b"), "a"); }, {.doubles = 1}},
   };
   for (const auto& [file, edit, expected] : cases) {
     IniTree tree;
