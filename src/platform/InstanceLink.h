@@ -77,7 +77,7 @@ class InstanceLink {
   /// On Windows the window behind the handle is subclassed, of other programs' records more than kMaxCopyDataBytes are
   /// cut, and one window of a process can listen, not again if others had subclassed it too by StopListening. False
   /// when the endpoint cannot be made.
-  bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive);
+  bool Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive);
   void StopListening();
 
   /// The sending side: returns when the receiver has dealt with the record (on Windows, has it waiting). Nobody there

@@ -225,8 +225,8 @@ bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
 
 void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
 
-bool InstanceLink::Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
-  return endpoint_->Listen(handle, std::move(receive));
+bool InstanceLink::Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
+  return endpoint_->Listen(handle, receive);
 }
 
 void InstanceLink::StopListening() { endpoint_->StopListening(); }

@@ -150,8 +150,8 @@ class RegistryAccess::Store {
   }
 
   /// Null removes.
-  void Set(const QString& name, std::optional<QString> value) {
-    waiting_.insert(name, std::move(value));
+  void Set(const QString& name, const std::optional<QString>& value) {
+    waiting_.insert(name, value);
     if (std::exchange(write_is_due_, true)) return;
     QMetaObject::invokeMethod(
         &turn_, [this] { Write(); }, Qt::QueuedConnection);
