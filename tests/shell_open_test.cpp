@@ -180,7 +180,7 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
 TEST_F(Editor, FrameComesBackOntoAScreen) {
   Start();
   const QRect screen = frame_->screen()->geometry();
-  const double twips = 1440 / frame_->logicalDpiX();
+  const double twips = 1440.0 / frame_->logicalDpiX();
   // Left, top, width, height in pixels, as written and as restored; beyond 2184 pixels no 16 bits hold them.
   const std::pair<QRect, QRect> rows[] = {
       {{5000, 3000, 400, 300}, {screen.right() + 1 - 400, screen.bottom() + 1 - 300, 400, 300}},

@@ -120,6 +120,24 @@ TEST_F(TextPadLines, LongLinesAreLaidOutAsShortOnesAre) {
   }
 }
 
+TEST_F(TextPadLines, AWrappedLongLineTakesKeysAtItsEnd) {
+  pad_.SetRightMargin(Wrapped());
+  for (const std::size_t bytes : {8500UL, 30'000UL}) {
+    const std::string text(bytes, 'w');
+    pad_.SetText(text);
+    QApplication::processEvents();
+    QTest::keyClick(&pad_, Qt::Key_End, Qt::ControlModifier);
+    // The room for the line grows more than once.
+    for (std::size_t count = 0; count < bytes / 2; count += 500) {
+      QTest::keyClick(&pad_, Qt::Key_Q);
+      pad_.ReplaceSelection(QString(499, u'q'));
+      QApplication::processEvents();
+    }
+    EXPECT_EQ(pad_.Text().size(), bytes + bytes / 2 / 500 * 500 + (bytes / 2 % 500 ? 500 : 0));
+    EXPECT_GT(Ask(Scintilla::SCI_WRAPCOUNT), 100);
+  }
+}
+
 TEST_F(TextPadLines, AJumpToTheEndDoesNotWaitForTheLinesBeforeIt) {
   constexpr long kLines = 20'000;
   std::string text;
