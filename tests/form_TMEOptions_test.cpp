@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTest>
 
@@ -175,6 +176,22 @@ TEST_F(OptionsDialog, ContextHelpBelongsToTheControl) {
     while (explained->whatsThis().isEmpty()) explained = explained->parentWidget();
     EXPECT_EQ(explained->whatsThis(), text) << "Shift+F1";
   }
+}
+
+TEST_F(OptionsDialog, ALargeFontStaysOnTheScreen) {
+  QFont font = QApplication::font();
+  font.setPointSize(32);
+  QApplication::setFont(font);
+  Open();
+  const int room = dialog_->screen()->availableGeometry().height();
+  EXPECT_LE(dialog_->height(), room);
+  EXPECT_GT(Find<QWidget>("frame_Sections0").height() + Find<>("cmd_OK").height(), room) << "a smaller screen, then";
+  auto &before_last = Find<QCheckBox>("cb_SendTo"), &last = Find<QCheckBox>("Check1");
+  EXPECT_TRUE(last.visibleRegion().isEmpty());
+  before_last.setFocus();
+  QTest::keyClick(&before_last, Qt::Key_Tab);
+  EXPECT_TRUE(last.hasFocus());
+  EXPECT_FALSE(last.visibleRegion().isEmpty()) << "the page scrolls to the focus";
 }
 
 TEST_F(OptionsDialog, TabWalksInTheOrderOfReading) {

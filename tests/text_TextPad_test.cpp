@@ -13,11 +13,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Scintilla = QsciScintillaBase;
+constexpr bool kPatched = TME_PATCHED_QSCINTILLA;
 
 class TextPadLines : public testing::Test {
  protected:
   void SetUp() override {
-    if (!TME_PATCHED_QSCINTILLA) GTEST_SKIP() << "built with the system's QScintilla as it is";
+    if (!kPatched) GTEST_SKIP() << "built with the system's QScintilla as it is";
     pad_.SetTextFont(u"DejaVu Sans Mono"_s, 10);
     pad_.resize(600, 400);
     pad_.show();

@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -62,6 +63,10 @@ form_TMEOptions::form_TMEOptions(Global& global, ShellIntegration& integration, 
     if (const HelpTopic* topic = FindHelpTopic(control->objectName()))
       SetWhatsThis(*control, global_.shell_utilities.FormatHelpText(HelpText(topic->text_id)));
   Form_Load();
+  // The pages scroll where the screen is too low for them; the frame's decoration is like this dialog's.
+  const mdform_TMEditor& frame = *global_.frame;
+  const QSize decoration = frame.frameGeometry().size() - frame.size();
+  resize(sizeHint().boundedTo(frame.screen()->availableGeometry().size() - decoration));
 }
 
 void form_TMEOptions::Form_Load() {

@@ -7,6 +7,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -82,9 +84,30 @@ void form_TMEOptions::BuildTabs() {
   MoveExtensionBox(Txt);
 }
 
+namespace {
+/// A page that scrolls where the screen has no place for all of it, and asks for the place of all.
+class Page : public QScrollArea {
+ public:
+  explicit Page(QWidget* content) {
+    setWidget(content);
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+  }
+  QSize sizeHint() const override { return widget()->sizeHint(); }
+  QSize minimumSizeHint() const override {
+    const int with_scroll_bar = widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    return {with_scroll_bar, QScrollArea::minimumSizeHint().height()};
+  }
+};
+}  // namespace
+
 QVBoxLayout* form_TMEOptions::AddTab(const QString& caption, const QString& tool_tip) {
   auto* frame = new QWidget;
-  const int index = TS->addTab(frame, caption);
+  const int index = TS->addTab(new Page(frame), caption);
   frame->setObjectName(u"frame_Sections"_s + QString::number(index));
   frame->setAccessibleName(caption);
   TS->setTabToolTip(index, TipText(tool_tip));
