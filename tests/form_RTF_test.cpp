@@ -158,7 +158,7 @@ TEST_F(FormRtf, WithoutWrapParagraphsStandWhereTheirAlignmentPutsThem) {
   constexpr int kBefore = 400;  // more than what is laid out at once
   std::string bytes = "{\\rtf1 ";
   for (int line = 0; line < kBefore; ++line) bytes += "left\\par ";
-  form_RTF& window = Open(bytes + "\\qr right\\par\\pard\\qc centre\\par\\pard\\rtlpar\\u1513?\\par\\rtlpar" +
+  form_RTF& window = Open(bytes + "\\qr\\u1513?\\par\\pard\\qc centre\\par\\pard\\rtlpar\\u1513?\\par\\rtlpar" +
                           std::string(1500, '.') + "}");
   RtfPad& pad = PadOf(window);
   const auto expect_in_place = [&] {

@@ -36,8 +36,16 @@ constexpr Pair<Underline, QTextCharFormat::UnderlineStyle> kUnderlines[] = {
     {Underline::Dash, QTextCharFormat::DashUnderline},        {Underline::DashDot, QTextCharFormat::DashDotLine},
     {Underline::DashDotDot, QTextCharFormat::DashDotDotLine}, {Underline::Wave, QTextCharFormat::WaveUnderline},
 };
+/// The edge of the page, whichever way the text runs.
+constexpr Qt::AlignmentFlag Absolute(Qt::AlignmentFlag edge) {
+  return static_cast<Qt::AlignmentFlag>((edge | Qt::AlignAbsolute).toInt());
+}
+
+// Left is also what a paragraph has that says nothing: there the text begins where it runs from.
 constexpr Pair<Alignment, Qt::AlignmentFlag> kAlignments[] = {
     {Alignment::Left, Qt::AlignLeft},
+    {Alignment::Left, Absolute(Qt::AlignLeft)},
+    {Alignment::Right, Absolute(Qt::AlignRight)},
     {Alignment::Right, Qt::AlignRight},
     {Alignment::Center, Qt::AlignHCenter},
     {Alignment::Justify, Qt::AlignJustify},
