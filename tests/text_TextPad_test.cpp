@@ -23,8 +23,8 @@ class TextPadLines : public testing::Test {
     pad_.resize(600, 400);
     pad_.show();
   }
-  long Ask(unsigned message, unsigned long first = 0, long second = 0) {
-    return pad_.SendScintilla(message, first, second);
+  long Ask(unsigned message, unsigned long first = 0, PadPosition second = 0) {
+    return pad_.SendScintilla(message, first, static_cast<long>(second));
   }
   /// Without the way that the view is scrolled.
   long X(PadPosition position) {
