@@ -180,7 +180,7 @@ TEST_F(OptionsDialog, ContextHelpBelongsToTheControl) {
 
 TEST_F(OptionsDialog, ALargeFontStaysOnTheScreen) {
   QFont font = QApplication::font();
-  font.setPointSize(32);
+  font.setPointSize(48);
   QApplication::setFont(font);
   Open();
   const int room = dialog_->screen()->availableGeometry().height();
