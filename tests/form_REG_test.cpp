@@ -89,6 +89,7 @@ TEST_F(RegWindow, CtrlPlusMinusAndZeroZoomTreeAndList) {
   tree->setCurrentIndex(tree->model()->index(0, 0));
   tree->collapse(tree->currentIndex());
   const double usual = tree->fontInfo().pointSizeF();
+  if (usual <= 0) GTEST_SKIP() << "no fonts here";
   for (int time = 0; time < 3; ++time) QTest::keyClick(list, Qt::Key_Plus, Qt::ControlModifier | Qt::KeypadModifier);
   QTest::keyClick(tree, Qt::Key_Equal, Qt::ControlModifier);
   EXPECT_NEAR(tree->fontInfo().pointSizeF(), usual * 1.46, 0.5);

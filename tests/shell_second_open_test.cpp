@@ -13,6 +13,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
+#include "shell/PlainText.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -62,10 +63,9 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
   QMenu* menu = frame_->Menus().Menu(u"md_menu_window"_s);
   emit menu->aboutToShow();
   const QList<QAction*> items = menu->actions().last(3);
-  const QString folder = InFolder(u"one&two"_s);
-  EXPECT_EQ(items[1]->text(), u"&2 a.ini - "_s + QString(folder).replace(u'&', u"&&"_s));
+  EXPECT_TRUE(items[1]->text().startsWith(u"&2 a.ini - "_s) && items[1]->text().endsWith(u"one&&two"_s));
   EXPECT_EQ(items[2]->text(), u"&3 b.ini");
-  EXPECT_EQ(items[0]->toolTip(), first);
+  EXPECT_EQ(items[0]->toolTip(), TipText(first));
   EXPECT_TRUE(items[1]->toolTip().contains(u"one&amp;two"_s));
 
   QMdiSubWindow* child = Ini(0).SubWindow();
@@ -76,7 +76,7 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
     return QToolTip::text();
   };
   EXPECT_EQ(tip_at({child->width() / 3, child->height() / 2}), u"");
-  EXPECT_EQ(tip_at({child->width() / 3, 8}), first);
+  EXPECT_EQ(tip_at({child->width() / 3, 8}), TipText(first));
 }
 
 TEST_F(Editor, ANewDocumentBesideAMaximisedOneIsMaximised) {
