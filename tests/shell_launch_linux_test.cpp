@@ -66,10 +66,10 @@ TEST_F(Launch, FindsTheFrameWithoutSettings) {
   QFile in_the_way(settings);
   ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
   ASSERT_TRUE(link_.ClaimOnlyInstance());
-  Start();
+  Start({File(u"b.ini"_s, kIni)});
   environment_.remove(u"XDG_RUNTIME_DIR"_s);
   EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini().Slot().path, path);
+  EXPECT_EQ(Ini(1).Slot().path, path);
   ASSERT_TRUE(in_the_way.remove());
 }
 

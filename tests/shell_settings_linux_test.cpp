@@ -17,8 +17,8 @@ TEST_F(Editor, SettingsThatCannotBeSavedAreToldOnceAndAfterOk) {
   ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
   const QString told = u"The settings could not be saved in "_s + folder +
                        u"/registry.ini: Not a directory.  What is stored there is unchanged."_s;
-  Start();  // no document that could show it yet
-  DocumentWindow& window = NewIni("[A]\r\n");
+  Start({File(u"a.ini"_s, kIni)});
+  DocumentWindow& window = Ini();
   EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), told);
   window.findChild<NoticeBar*>()->Clear();
   window.Form_Activate();
@@ -30,4 +30,14 @@ TEST_F(Editor, SettingsThatCannotBeSavedAreToldOnceAndAfterOk) {
   dialogs_.ExpectMsgBox(told, kProgramTitle, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
   options.findChild<QPushButton*>(u"cmd_OK"_s)->click();
   EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
+}
+
+TEST_F(Editor, SettingsThatCannotBeReadAreToldWithoutADocumentToo) {
+  const QString folder = registry_.Location();
+  ASSERT_TRUE(QDir(folder).removeRecursively());
+  ASSERT_TRUE(QFile(folder).open(QIODevice::WriteOnly));
+  dialogs_.ExpectMsgBox(u"The settings could not be saved in "_s + folder +
+                            u"/registry.ini: Not a directory.  What is stored there is unchanged."_s,
+                        kProgramTitle, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  Start();
 }

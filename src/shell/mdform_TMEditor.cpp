@@ -112,6 +112,7 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   show();
   rescue_->Start();
   if (active_document_) active_document_->Form_Activate();
+  QTimer::singleShot(0, this, &mdform_TMEditor::TellSettingsFailure);
 }
 
 void mdform_TMEditor::ReadSettings() {
@@ -125,9 +126,14 @@ void mdform_TMEditor::ReadSettings() {
 }
 
 void mdform_TMEditor::TellSettingsFailure() {
-  if (!active_document_ || leaving_ || !std::exchange(settings_failure_untold_, false)) return;
-  if (const std::optional<StoreFailure> failure = global_.registry.Flush())
+  const bool has_place = active_document_ || isVisible();
+  if (!has_place || leaving_ || !std::exchange(settings_failure_untold_, false)) return;
+  const std::optional<StoreFailure> failure = global_.registry.Flush();
+  if (!failure) return;
+  if (active_document_)
     active_document_->AddNotice(SettingsFailureText(*failure));
+  else
+    global_.dialogs.MsgBox(SettingsFailureText(*failure), MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
 }
 
 void mdform_TMEditor::PlaceFrame() {
