@@ -9,10 +9,10 @@
 
 #include "IniInput.h"
 #include "ResidentMemory.h"
-#include "ini/IniReader.h"
-#include "ini/IniTree.h"
-#include "ini/IniWriter.h"
-#include "platform/TextFile.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniTree.h"
+#include "documents/ini/IniWriter.h"
+#include "files/TextFile.h"
 
 #ifdef BENCH_INIH
 #include <ini.h>

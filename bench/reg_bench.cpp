@@ -12,11 +12,11 @@
 
 #include "RegInput.h"
 #include "ResidentMemory.h"
-#include "platform/TextFile.h"
-#include "reg/RegDocument.h"
-#include "reg/RegLosses.h"
-#include "reg/RegReader.h"
-#include "reg/RegWriter.h"
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegLosses.h"
+#include "documents/reg/RegReader.h"
+#include "documents/reg/RegWriter.h"
+#include "files/TextFile.h"
 
 namespace tme {
 namespace {

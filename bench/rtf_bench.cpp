@@ -12,9 +12,9 @@
 
 #include "ResidentMemory.h"
 #include "RtfInput.h"
-#include "platform/CodePage.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfWriter.h"
+#include "files/CodePage.h"
 
 namespace tme {
 namespace {

@@ -4,9 +4,9 @@
 #include <iterator>
 #include <string>
 
-#include "platform/CodePage.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfWriter.h"
+#include "files/CodePage.h"
 
 namespace {
 

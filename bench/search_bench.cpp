@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "text/TextSearch.h"
+#include "documents/search/TextSearch.h"
 
 namespace tme {
 namespace {

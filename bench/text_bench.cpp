@@ -11,17 +11,17 @@
 
 #include "ResidentMemory.h"
 #include "Shuffle.h"
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/InstanceLink.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
+#include "history/History.h"
 #include "shell/Global.h"
-#include "shell/History.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
-#include "text/TextPad.h"
-#include "text/form_TXT.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/InstanceLink.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
+#include "windows/text/TextPad.h"
+#include "windows/text/form_TXT.h"
 
 namespace tme {
 namespace {

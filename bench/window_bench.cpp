@@ -10,21 +10,21 @@
 #include <fstream>
 
 #include "IniInput.h"
-#include "ini/IniReader.h"
-#include "ini/form_INI.h"
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/InstanceLink.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
+#include "documents/ini/IniReader.h"
+#include "history/History.h"
 #include "shell/Global.h"
-#include "shell/History.h"
 #include "shell/OpenDispatch.h"
 #include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
-#include "text/RtfPad.h"
-#include "text/form_RTF.h"
-#include "text/form_TXT.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/InstanceLink.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
+#include "windows/ini/form_INI.h"
+#include "windows/rich/RtfPad.h"
+#include "windows/rich/form_RTF.h"
+#include "windows/text/form_TXT.h"
 
 namespace tme {
 namespace {

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "Fuzz.h"
-#include "platform/InstanceLink.h"
 #include "shell/CommandLineRecord.h"
+#include "system/InstanceLink.h"
 
 namespace tme::fuzz {
 namespace {

@@ -7,10 +7,10 @@
 #include "Fuzz.h"
 #include "base/Lines.h"
 #include "base/Utf8.h"
-#include "ini/IniOrder.h"
-#include "ini/IniReader.h"
-#include "ini/IniTree.h"
-#include "ini/IniWriter.h"
+#include "documents/ini/IniOrder.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniTree.h"
+#include "documents/ini/IniWriter.h"
 
 namespace tme::fuzz {
 namespace {

@@ -6,11 +6,11 @@
 
 #include "Fuzz.h"
 #include "base/Utf8.h"
-#include "reg/RegDocument.h"
-#include "reg/RegKeyWalk.h"
-#include "reg/RegLosses.h"
-#include "reg/RegReader.h"
-#include "reg/RegWriter.h"
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegKeyWalk.h"
+#include "documents/reg/RegLosses.h"
+#include "documents/reg/RegReader.h"
+#include "documents/reg/RegWriter.h"
 
 namespace tme::fuzz {
 namespace {

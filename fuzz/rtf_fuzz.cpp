@@ -7,9 +7,9 @@
 
 #include "Fuzz.h"
 #include "base/Utf8.h"
-#include "platform/CodePage.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfWriter.h"
+#include "files/CodePage.h"
 
 namespace tme::fuzz {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "Fuzz.h"
 #include "base/Utf8.h"
-#include "platform/CodePage.h"
-#include "platform/TextFile.h"
+#include "files/CodePage.h"
+#include "files/TextFile.h"
 
 namespace tme::fuzz {
 namespace {

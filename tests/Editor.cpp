@@ -6,10 +6,10 @@
 #include <QTimer>
 #include <QTreeView>
 
-#include "ini/IniItemModel.h"
-#include "reg/form_REG.h"
-#include "text/form_RTF.h"
-#include "text/form_TXT.h"
+#include "windows/ini/IniItemModel.h"
+#include "windows/reg/form_REG.h"
+#include "windows/rich/form_RTF.h"
+#include "windows/text/form_TXT.h"
 
 using namespace tme;
 

@@ -9,13 +9,13 @@
 #include <string>
 
 #include "ScriptedDialogs.h"
-#include "ini/form_INI.h"
-#include "platform/InstanceLink.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
+#include "history/History.h"
 #include "shell/Global.h"
-#include "shell/History.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/InstanceLink.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
+#include "windows/ini/form_INI.h"
 
 /// The whole editor with scripted questions, its settings in the test's own home.
 class Editor : public testing::Test {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "TreeMirror.h"
-#include "ini/IniReader.h"
-#include "ini/IniTree.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniTree.h"
 
 namespace tme {
 

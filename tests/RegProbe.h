@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "TreeMirror.h"
-#include "reg/RegDocument.h"
-#include "reg/RegKeyWalk.h"
-#include "reg/RegReader.h"
-#include "reg/RegWriter.h"
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegKeyWalk.h"
+#include "documents/reg/RegReader.h"
+#include "documents/reg/RegWriter.h"
 
 namespace tme {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "text/rtf/RtfDocument.h"
+#include "documents/rtf/RtfDocument.h"
 
 namespace tme::rtf {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/CodePage.h"
-#include "text/rtf/RtfDocument.h"
-#include "text/rtf/RtfReader.h"
+#include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfReader.h"
+#include "files/CodePage.h"
 
 namespace tme::rtf {
 

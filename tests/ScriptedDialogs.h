@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
 
 /// Answers the questions that a test expects, in their order. A question that was not expected, or with another text,
 /// fails the test and gets Answer{}, a cancel; one left over when this goes fails it too.

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "TestSystem.h"
-#include "platform/SystemMessage_win.h"
+#include "files/SystemMessage_win.h"
 
 namespace {
 

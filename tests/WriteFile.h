@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string>
 
-#include "platform/FilePath.h"
-#include "platform/TextFile.h"
+#include "files/TextFile.h"
+#include "system/FilePath.h"
 
 namespace tme {
 

@@ -3,7 +3,7 @@
 #include <random>
 #include <string>
 
-#include "base/LineDiff.h"
+#include "documents/diff/LineDiff.h"
 
 namespace {
 

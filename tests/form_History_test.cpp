@@ -1,4 +1,4 @@
-#include "history/form_History.h"
+#include "windows/history/form_History.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -8,8 +8,8 @@
 
 #include "Editor.h"
 #include "WaitFor.h"
-#include "history/DifferenceView.h"
 #include "shell/DocumentWindow.h"
+#include "windows/history/DifferenceView.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -1,4 +1,4 @@
-#include "ini/form_INI.h"
+#include "windows/ini/form_INI.h"
 
 #include <QClipboard>
 #include <QDir>

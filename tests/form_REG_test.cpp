@@ -1,4 +1,4 @@
-#include "reg/form_REG.h"
+#include "windows/reg/form_REG.h"
 
 #include <QApplication>
 #include <QCheckBox>

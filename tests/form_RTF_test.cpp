@@ -1,4 +1,4 @@
-#include "text/form_RTF.h"
+#include "windows/rich/form_RTF.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QAccessible>
@@ -21,8 +21,8 @@
 #include "shell/LongWork.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
-#include "text/RtfPad.h"
-#include "text/RtfPrint.h"
+#include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfPrint.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -1,4 +1,4 @@
-#include "text/form_SR.h"
+#include "windows/text/form_SR.h"
 
 #include <QCheckBox>
 #include <QLayout>
@@ -8,9 +8,9 @@
 #include <algorithm>
 
 #include "Editor.h"
-#include "platform/Twips.h"
-#include "text/TextPad.h"
-#include "text/form_TXT.h"
+#include "system/Twips.h"
+#include "windows/text/TextPad.h"
+#include "windows/text/form_TXT.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

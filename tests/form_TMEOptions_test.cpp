@@ -1,4 +1,4 @@
-#include "options/form_TMEOptions.h"
+#include "windows/options/form_TMEOptions.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -15,9 +15,9 @@
 #include "Editor.h"
 #include "TestSystem.h"
 #include "WaitFor.h"
-#include "options/HelpTexts.h"
-#include "options/ShellIntegration.h"
 #include "shell/AutoSave.h"
+#include "windows/options/HelpTexts.h"
+#include "windows/options/ShellIntegration.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -1,4 +1,4 @@
-#include "text/form_TXT.h"
+#include "windows/text/form_TXT.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -12,11 +12,11 @@
 #include "Editor.h"
 #include "TestSystem.h"
 #include "WaitFor.h"
-#include "platform/Twips.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
-#include "text/TextPad.h"
+#include "system/Twips.h"
+#include "windows/text/TextPad.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "IniTreeProbe.h"
-#include "ini/IniReader.h"
-#include "ini/IniWriter.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniWriter.h"
 
 using namespace std::string_literals;
 

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "IniTreeProbe.h"
-#include "ini/IniOrder.h"
-#include "ini/IniTree.h"
+#include "documents/ini/IniOrder.h"
+#include "documents/ini/IniTree.h"
 
 using namespace std::string_literals;
 

@@ -4,7 +4,7 @@
 #include <QProcess>
 
 #include "Editor.h"
-#include "options/ShellIntegration.h"
+#include "windows/options/ShellIntegration.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

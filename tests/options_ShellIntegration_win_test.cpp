@@ -5,7 +5,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
-#include "options/ShellIntegration.h"
+#include "windows/options/ShellIntegration.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

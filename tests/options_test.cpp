@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "options/FilterList.h"
-#include "options/HelpTexts.h"
+#include "windows/options/FilterList.h"
+#include "windows/options/HelpTexts.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -4,8 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "platform/CommandLineTexts_win.h"
-#include "platform/ShellUtilities.h"
+#include "system/CommandLineTexts_win.h"
+#include "system/ShellUtilities.h"
 
 namespace tme {
 namespace {

@@ -14,10 +14,10 @@
 #include <QTimer>
 
 #include "WaitFor.h"
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/ShellUtilities.h"
-#include "platform/Twips.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/ShellUtilities.h"
+#include "system/Twips.h"
 
 namespace tme {
 namespace {

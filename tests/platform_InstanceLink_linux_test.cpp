@@ -13,8 +13,8 @@
 #include <future>
 
 #include "WaitFor.h"
-#include "platform/InstanceClaim_linux.h"
-#include "platform/InstanceLink.h"
+#include "system/InstanceClaim_linux.h"
+#include "system/InstanceLink.h"
 
 namespace tme {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "TestSystem.h"
 #include "WaitFor.h"
-#include "platform/InstanceLink.h"
+#include "system/InstanceLink.h"
 
 namespace tme {
 namespace {

@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 #include <functional>
 
-#include "platform/RegistryAccess.h"
+#include "system/RegistryAccess.h"
 
 namespace tme {
 namespace {

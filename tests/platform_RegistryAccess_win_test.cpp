@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <string_view>
 
-#include "platform/RegistryAccess.h"
+#include "system/RegistryAccess.h"
 
 namespace tme {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "Editor.h"
 #include "WaitFor.h"
-#include "platform/FilePath.h"
 #include "shell/SessionShutdown.h"
+#include "system/FilePath.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

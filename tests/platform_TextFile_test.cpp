@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "WriteFile.h"
-#include "platform/CodePage.h"
+#include "files/CodePage.h"
 
 namespace tme {
 namespace {

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include "WriteFile.h"
-#include "platform/CodePageTable_win.h"
+#include "files/CodePageTable_win.h"
 
 namespace tme {
 namespace {

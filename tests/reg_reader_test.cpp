@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "RegProbe.h"
-#include "reg/RegLosses.h"
+#include "documents/reg/RegLosses.h"
 
 using namespace std::string_literals;
 

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "RegProbe.h"
-#include "reg/RegLosses.h"
+#include "documents/reg/RegLosses.h"
 
 using namespace std::string_literals;
 

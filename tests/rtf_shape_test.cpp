@@ -8,11 +8,11 @@
 #include <algorithm>
 
 #include "RtfProbe.h"
-#include "text/RtfExport.h"
-#include "text/RtfImport.h"
-#include "text/RtfPad.h"
-#include "text/RtfShape.h"
-#include "text/rtf/RtfWriter.h"
+#include "documents/rtf/RtfWriter.h"
+#include "windows/rich/RtfExport.h"
+#include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfShape.h"
 
 using namespace tme;
 using rtf::RtfDocument;

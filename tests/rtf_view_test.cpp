@@ -4,9 +4,9 @@
 #include <QTextDocument>
 #include <QTextTable>
 
-#include "text/RtfExport.h"
-#include "text/RtfImport.h"
-#include "text/RtfPad.h"
+#include "windows/rich/RtfExport.h"
+#include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfPad.h"
 
 using namespace tme;
 using rtf::RtfDocument;

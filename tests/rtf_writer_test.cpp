@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "RtfDescription.h"
-#include "text/rtf/RtfReader.h"
-#include "text/rtf/RtfWriter.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfWriter.h"
 
 namespace tme::rtf {
 namespace {

@@ -5,10 +5,10 @@
 
 #include "Editor.h"
 #include "WaitFor.h"
-#include "reg/form_REG.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
+#include "windows/reg/form_REG.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "shell/History.h"
+#include "history/History.h"
 
 namespace tme {
 namespace {

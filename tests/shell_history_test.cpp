@@ -7,7 +7,7 @@
 #include <memory>
 #include <thread>
 
-#include "shell/History.h"
+#include "history/History.h"
 
 namespace tme {
 namespace {

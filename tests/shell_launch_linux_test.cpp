@@ -8,9 +8,9 @@
 
 #include "Editor.h"
 #include "WaitFor.h"
-#include "platform/InstanceClaim_linux.h"
 #include "shell/CommandLineRecord.h"
 #include "shell/OS_SendMessage.h"
+#include "system/InstanceClaim_linux.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

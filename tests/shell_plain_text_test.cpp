@@ -12,12 +12,12 @@
 #include <QTreeWidget>
 
 #include "Editor.h"
-#include "history/form_History.h"
-#include "platform/CommonDialog.h"
-#include "reg/form_REG.h"
 #include "shell/DisplayText.h"
 #include "shell/GlobalMenus.h"
 #include "shell/PlainText.h"
+#include "system/CommonDialog.h"
+#include "windows/history/form_History.h"
+#include "windows/reg/form_REG.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

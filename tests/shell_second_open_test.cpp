@@ -9,11 +9,11 @@
 #include <filesystem>
 
 #include "Editor.h"
-#include "platform/FilePath.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
 #include "shell/PlainText.h"
+#include "system/FilePath.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

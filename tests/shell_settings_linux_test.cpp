@@ -3,9 +3,9 @@
 #include <QPushButton>
 
 #include "Editor.h"
-#include "options/ShellIntegration.h"
-#include "options/form_TMEOptions.h"
 #include "shell/NoticeBar.h"
+#include "windows/options/ShellIntegration.h"
+#include "windows/options/form_TMEOptions.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

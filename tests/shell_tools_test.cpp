@@ -7,8 +7,8 @@
 #include <QUrl>
 
 #include "Editor.h"
-#include "platform/Process.h"
 #include "shell/GlobalMenus.h"
+#include "system/Process.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

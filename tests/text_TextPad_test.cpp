@@ -4,8 +4,8 @@
 #include <QTest>
 
 #include "WaitFor.h"
-#include "platform/Twips.h"
-#include "text/TextPad.h"
+#include "system/Twips.h"
+#include "windows/text/TextPad.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

@@ -6,7 +6,7 @@
 
 #include "base/CaseFold.h"
 #include "base/Utf8.h"
-#include "text/TextSearch.h"
+#include "documents/search/TextSearch.h"
 
 using namespace tme;
 

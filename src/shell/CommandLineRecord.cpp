@@ -1,8 +1,8 @@
 #include "shell/CommandLineRecord.h"
 
 #include "base/Utf8.h"
-#include "platform/InstanceLink.h"
 #include "shell/DisplayText.h"
+#include "system/InstanceLink.h"
 
 namespace tme {
 namespace {

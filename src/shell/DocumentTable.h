@@ -4,7 +4,7 @@
 #include <array>
 #include <functional>
 
-#include "shell/DocumentKind.h"
+#include "documents/DocumentKind.h"
 
 namespace tme {
 

@@ -9,16 +9,16 @@
 #include <QVBoxLayout>
 #include <new>
 
-#include "platform/Dialogs.h"
-#include "platform/FilePath.h"
-#include "shell/DigestingSteps.h"
+#include "history/DigestingSteps.h"
+#include "history/History.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/History.h"
 #include "shell/PlainText.h"
 #include "shell/RecentFiles.h"
 #include "shell/Rescue.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "system/FilePath.h"
 
 using namespace Qt::StringLiterals;
 

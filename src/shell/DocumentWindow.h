@@ -4,9 +4,9 @@
 #include <functional>
 #include <optional>
 
-#include "platform/TextFile.h"
-#include "shell/DocumentKind.h"
-#include "shell/History.h"
+#include "documents/DocumentKind.h"
+#include "files/TextFile.h"
+#include "history/History.h"
 #include "shell/NoticeBar.h"
 #include "shell/SaveDialog.h"
 

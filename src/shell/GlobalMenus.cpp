@@ -6,11 +6,11 @@
 #include <QMetaMethod>
 #include <array>
 
-#include "platform/Dialogs.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/Icon.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
 
 using namespace Qt::StringLiterals;
 

@@ -5,7 +5,7 @@
 #include <QSet>
 #include <functional>
 
-#include "shell/DocumentKind.h"
+#include "documents/DocumentKind.h"
 
 class QAction;
 class QMenu;

@@ -3,12 +3,12 @@
 #include <QDeadlineTimer>
 #include <QThread>
 
-#include "platform/InstanceLink.h"
-#include "platform/RegistryAccess.h"
 #include "shell/CommandLineRecord.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/InstanceLink.h"
+#include "system/RegistryAccess.h"
 
 using namespace Qt::StringLiterals;
 

@@ -5,16 +5,16 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/FilePath.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/PathList.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/FilePath.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "shell/DocumentKind.h"
+#include "documents/DocumentKind.h"
 
 namespace tme {
 

@@ -5,14 +5,14 @@
 #include <algorithm>
 #include <functional>
 
-#include "platform/Dialogs.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
 #include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
 
 using namespace Qt::StringLiterals;
 

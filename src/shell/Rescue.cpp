@@ -6,11 +6,11 @@
 #include <new>
 #include <system_error>
 
-#include "platform/Dialogs.h"
-#include "platform/FilePath.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "system/FilePath.h"
 
 using namespace Qt::StringLiterals;
 

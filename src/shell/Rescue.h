@@ -7,7 +7,7 @@
 #include <chrono>
 #include <future>
 
-#include "shell/History.h"
+#include "history/History.h"
 
 namespace tme {
 

@@ -1,9 +1,9 @@
 #include "shell/SaveDialog.h"
 
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/ShellUtilities.h"
 #include "shell/Global.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/ShellUtilities.h"
 
 using namespace Qt::StringLiterals;
 

@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <chrono>
 
-#include "platform/SessionEnd.h"
+#include "system/SessionEnd.h"
 
 namespace tme {
 

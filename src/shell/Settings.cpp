@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/RegistryAccess.h"
+#include "system/RegistryAccess.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,7 +3,7 @@
 #include <QString>
 #include <optional>
 
-#include "platform/RegistryAccess.h"
+#include "system/RegistryAccess.h"
 
 namespace tme {
 

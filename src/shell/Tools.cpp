@@ -12,10 +12,6 @@
 #include <QTimer>
 #include <memory>
 
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
 #include "shell/DisplayText.h"
 #include "shell/FolderListing.h"
 #include "shell/Global.h"
@@ -23,6 +19,10 @@
 #include "shell/OpenDispatch.h"
 #include "shell/PlainText.h"
 #include "shell/mdform_TMEditor.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
 
 using namespace Qt::StringLiterals;
 

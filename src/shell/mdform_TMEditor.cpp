@@ -13,14 +13,6 @@
 #include <QStyle>
 #include <QTemporaryDir>
 
-#include "platform/CommonDialog.h"
-#include "platform/Dialogs.h"
-#include "platform/FilePath.h"
-#include "platform/InstanceLink.h"
-#include "platform/MenuKeys.h"
-#include "platform/RegistryAccess.h"
-#include "platform/ShellUtilities.h"
-#include "platform/Twips.h"
 #include "shell/AutoSave.h"
 #include "shell/DocumentWindow.h"
 #include "shell/FileDrop.h"
@@ -33,6 +25,14 @@
 #include "shell/Tools.h"
 #include "shell/WindowArrangement.h"
 #include "shell/WindowMenu.h"
+#include "system/CommonDialog.h"
+#include "system/Dialogs.h"
+#include "system/FilePath.h"
+#include "system/InstanceLink.h"
+#include "system/MenuKeys.h"
+#include "system/RegistryAccess.h"
+#include "system/ShellUtilities.h"
+#include "system/Twips.h"
 
 using namespace Qt::StringLiterals;
 

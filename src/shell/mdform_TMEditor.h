@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "shell/DocumentKind.h"
+#include "documents/DocumentKind.h"
 
 class QMdiArea;
 class QMdiSubWindow;

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "base/Lines.h"
+#include "documents/ini/IniOrder.h"
+
+namespace tme {
+
+class IniNode;
+class IniTree;
+
+/// Where the lines come from: it decides nothing about the rules, only who is told what.
+struct IniQuestions {
+  /// Asked for a section that the tree already has: true overwrites it, false ends the read at once. The tree is
+  /// consistent while the question stands. Must be set.
+  std::function<bool(std::string_view name)> duplicate_section;
+};
+
+/// Why a read ended.
+enum class IniReadEnd : std::uint8_t {
+  EndOfInput,
+  /// A line that has no place: the first line outside any section, or a line after a comment outside any section.
+  LineNotTaken,
+  /// The answer to the duplicate question was no.
+  DuplicateRefused,
+  /// Pasting a line without a header on a section: only the first line is taken.
+  OneEntryOnly,
+  /// An entry was selected: its section is selected now. Or a comment: nothing happens.
+  NothingAdded,
+};
+
+struct IniReadResult {
+  IniReadEnd end = IniReadEnd::EndOfInput;
+  /// 1-based number of the first line that was not taken; 0 when every line was.
+  std::uint64_t ended_at_line = 0;
+  /// Lines from there to the end of the input.
+  std::uint64_t lines_not_read = 0;
+  /// Blank lines that a save does not write back: all but one after each section.
+  std::uint64_t blank_lines_dropped = 0;
+  /// Nodes that the overwrite answer of the duplicate question removed.
+  std::uint64_t nodes_overwritten = 0;
+  /// Section headers whose last character was dropped although it was no "]".
+  std::uint64_t cut_headers = 0;
+  /// The sections stand in the file in another order than in the tree.
+  bool sections_reordered = false;
+  /// The entries of at least one section do.
+  bool entries_reordered = false;
+};
+
+/// Turns lines of INI text into nodes below the selected node of a tree: the same rules for a file (root selected) and
+/// for a paste. Lines may end in CR LF, LF or CR; nothing is trimmed; NUL is a character like any other.
+class IniReader {
+ public:
+  /// text: UTF-8, taken over by the tree, so that its nodes need no copy. Linear but for sorting each list of children.
+  static IniReadResult Read(IniTree& tree, std::string text, const IniQuestions& ask);
+
+ private:
+  IniReader(IniTree& tree, std::string_view text, const IniQuestions& ask);
+
+  void Run();
+  void ReadSections(std::string_view first_line);
+  /// False where the read ends.
+  bool TakeLine(std::string_view line);
+  bool StartSection(std::string_view name);
+  bool MayOverwrite(std::string_view name);
+  void FinishSection();
+  void FinishRoot();
+  void EndBefore(IniReadEnd end, std::uint64_t line_number);
+  bool SectionsReordered() const;
+
+  IniTree& tree_;
+  const IniQuestions& ask_;
+  Lines lines_;
+  IniReadResult result_;
+  /// Nodes from here on were created by this read.
+  std::uint32_t first_created_;
+  /// Texts of the root's children.
+  std::unordered_set<std::string_view> names_;
+  /// Null before the first header.
+  IniNode* section_ = nullptr;
+  /// Children of section_ so far: the tree gets them together, sorted, when the section ends.
+  std::vector<IniNode*> entries_;
+  IniSorter sorter_;
+  /// Directly before the current line.
+  std::uint64_t blank_lines_ = 0;
+};
+
+}  // namespace tme

@@ -1,0 +1,230 @@
+#include "documents/ini/IniTree.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "documents/ini/IniOrder.h"
+
+namespace tme {
+
+static_assert(sizeof(IniNode) <= 40);
+static_assert(std::is_trivially_destructible_v<IniNode>, "nodes are given up by the chunk");
+
+namespace {
+
+SilentTreeObserver<IniNode> silent_observer;
+
+/// Where a new text belongs among sorted children: after those that are equal.
+std::size_t RowFor(const IniNode& parent, std::string_view text) {
+  int first = 0;
+  int last = parent.ChildCount();
+  while (first < last) {
+    const int middle = first + (last - first) / 2;
+    if (CompareFolded(text, parent.Child(middle)->Text()) < 0) {
+      last = middle;
+    } else {
+      first = middle + 1;
+    }
+  }
+  return static_cast<std::size_t>(first);
+}
+
+bool StandsInOrder(const IniNode& node) {
+  const IniNode& parent = *node.Parent();
+  const int row = node.Row();
+  if (row > 0 && CompareFolded(parent.Child(row - 1)->Text(), node.Text()) > 0) return false;
+  return row + 1 == parent.ChildCount() || CompareFolded(node.Text(), parent.Child(row + 1)->Text()) <= 0;
+}
+
+}  // namespace
+
+std::string_view TagText(IniTag tag) {
+  switch (tag) {
+    case IniTag::OpenedFile:
+      return "OPENEDFILE";
+    case IniTag::Section:
+      return "SECTION";
+    case IniTag::Value:
+      return "VALUE";
+    case IniTag::Comments:
+      return "COMMENTS";
+  }
+  return {};
+}
+
+std::string IniNode::Key() const {
+  if (tag_ == IniTag::OpenedFile) return "Primary";
+  return tag_ == IniTag::Section ? "Section" + std::to_string(created_) : std::string();
+}
+
+std::string_view IniNode::EntryKey() const { return Text().substr(0, Text().find('=')); }
+
+std::string_view IniNode::EntryValue() const {
+  const std::size_t equals = Text().find('=');
+  return equals == std::string_view::npos ? std::string_view() : Text().substr(equals + 1);
+}
+
+IniTree::IniTree(std::string_view root_text)
+    : observer_(&silent_observer),
+      root_(new IniNode(nullptr, texts_.Copy(root_text), IniTag::OpenedFile, 0)),
+      selected_(root_.get()) {}
+
+IniTree::~IniTree() = default;
+
+void IniTree::SetObserver(IniTreeObserver* observer) { observer_ = observer == nullptr ? &silent_observer : observer; }
+
+IniNode* IniTree::Root() const { return root_.get(); }
+
+IniNode* IniTree::Selected() const { return selected_; }
+
+void IniTree::Select(IniNode* node) { selected_ = node == nullptr ? root_.get() : node; }
+
+bool IniTree::IsUniqueSectionName(std::string_view name) const {
+  return root_->children_ == nullptr ||
+         std::ranges::none_of(*root_->children_, [name](const IniNode* child) { return child->Text() == name; });
+}
+
+std::size_t IniTree::SectionCount() const { return section_count_; }
+
+std::size_t IniTree::NodeCount() const { return node_count_; }
+
+std::uint64_t IniTree::Revision() const { return revision_; }
+
+IniNode* IniTree::AddSection(std::string_view name) {
+  root_->expanded_ = true;
+  return Add(root_.get(), texts_.Copy(name), IniTag::Section);
+}
+
+IniNode* IniTree::AddEntry(IniNode* parent, std::string_view text, IniTag tag) {
+  return Add(parent, texts_.Copy(text), tag);
+}
+
+void IniTree::AddEntryToAllSections(std::string_view text, IniTag tag) {
+  if (section_count_ == 0) return;
+  observer_->BeforeReset();
+  const std::string_view shared = texts_.Copy(text);
+  for (IniNode* section : *root_->children_) {
+    if (section->tag_ != IniTag::Section) continue;
+    section->expanded_ = true;
+    if (section->children_sorted_) {
+      InsertAt(section, RowFor(*section, shared), shared, tag);
+    } else {
+      AppendAndSort(section, shared, tag);
+    }
+  }
+  ++revision_;
+  EndReset();
+}
+
+void IniTree::SetText(IniNode* node, std::string_view text) {
+  if (node->Text() == text) return;
+  node->SetTextView(texts_.Copy(text));
+  if (node->parent_ != nullptr) {
+    // The root's text is the file's name, not content.
+    ++revision_;
+    if (!StandsInOrder(*node)) node->parent_->children_sorted_ = false;
+  }
+  observer_->TextChanged(*node);
+}
+
+IniNode* IniTree::ReplaceWithComment(IniNode* node, std::string_view text) {
+  IniNode* comment = AddEntry(node->parent_, text, IniTag::Comments);
+  if (selected_ == node) MoveSelection(comment);
+  Remove(node);
+  return comment;
+}
+
+void IniTree::SetExpanded(IniNode* node, bool expanded) { node->expanded_ = expanded; }
+
+void IniTree::ExpandAll() {
+  root_->expanded_ = true;
+  if (root_->children_ == nullptr) return;
+  for (IniNode* child : *root_->children_) child->expanded_ = true;
+}
+
+void IniTree::CollapseAll() {
+  root_->expanded_ = true;
+  if (root_->children_ == nullptr) return;
+  for (IniNode* child : *root_->children_) child->expanded_ = false;
+}
+
+IniNode* IniTree::NewNode(IniNode* parent, std::string_view text, IniTag tag) {
+  ++node_count_;
+  if (tag == IniTag::Section) ++section_count_;
+  return new (nodes_.Take()) IniNode(parent, text, tag, next_created_++);
+}
+
+IniNode::Children& IniTree::ChildrenOf(IniNode* parent) {
+  if (parent->children_ == nullptr) {
+    void* memory = lists_.allocate(sizeof(IniNode::Children), alignof(IniNode::Children));
+    parent->children_ = new (memory) IniNode::Children(&lists_);
+  }
+  return *parent->children_;
+}
+
+IniNode* IniTree::Append(IniNode* parent, std::string_view text, IniTag tag) {
+  IniNode* node = NewNode(parent, text, tag);
+  IniNode::Children& children = ChildrenOf(parent);
+  node->row_ = static_cast<std::uint32_t>(children.size());
+  children.push_back(node);
+  parent->children_sorted_ = false;
+  return node;
+}
+
+IniNode* IniTree::InsertAt(IniNode* parent, std::size_t row, std::string_view text, IniTag tag) {
+  IniNode* node = NewNode(parent, text, tag);
+  IniNode::Children& children = ChildrenOf(parent);
+  children.insert(children.begin() + static_cast<std::ptrdiff_t>(row), node);
+  NumberChildren(parent, row);
+  return node;
+}
+
+IniNode* IniTree::AppendAndSort(IniNode* parent, std::string_view text, IniTag tag) {
+  IniNode* node = Append(parent, text, tag);
+  IniSorter sorter;
+  SortChildren(parent, sorter);
+  return node;
+}
+
+IniNode* IniTree::Add(IniNode* parent, std::string_view text, IniTag tag) {
+  ++revision_;
+  if (!parent->children_sorted_) {
+    observer_->BeforeReset();
+    IniNode* node = AppendAndSort(parent, text, tag);
+    EndReset();
+    return node;
+  }
+  const std::size_t row = RowFor(*parent, text);
+  observer_->BeforeInsert(*parent, static_cast<int>(row));
+  IniNode* node = InsertAt(parent, row, text, tag);
+  observer_->AfterInsert();
+  return node;
+}
+
+bool IniTree::SortChildren(IniNode* parent, IniSorter& sorter) {
+  parent->children_sorted_ = true;
+  if (parent->children_ == nullptr || !sorter.Sort(*parent->children_)) return false;
+  NumberChildren(parent, 0);
+  return true;
+}
+
+void IniTree::NumberChildren(IniNode* parent, std::size_t first_row) {
+  IniNode::Children& children = *parent->children_;
+  for (std::size_t row = first_row; row < children.size(); ++row) children[row]->row_ = static_cast<std::uint32_t>(row);
+}
+
+void IniTree::MoveSelection(IniNode* node) {
+  selected_ = node;
+  selection_moved_ = true;
+}
+
+void IniTree::EndReset() {
+  observer_->AfterReset();
+  TellIfSelectionMoved();
+}
+
+void IniTree::TellIfSelectionMoved() {
+  if (std::exchange(selection_moved_, false)) observer_->SelectionMoved();
+}
+
+}  // namespace tme

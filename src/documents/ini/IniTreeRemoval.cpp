@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "documents/ini/IniTree.h"
+
+namespace tme {
+
+namespace {
+
+/// Calls visit for every node but the root.
+template <typename Visit>
+void ForEachNode(const IniNode& root, Visit visit) {
+  for (int row = 0; row < root.ChildCount(); ++row) {
+    IniNode* child = root.Child(row);
+    visit(child);
+    for (int entry = 0; entry < child->ChildCount(); ++entry) visit(child->Child(entry));
+  }
+}
+
+}  // namespace
+
+/// Rows around a selected node whose siblings are being removed: those between are marked. They only ever move
+/// outwards, so that following the selection through a long list stays linear.
+struct IniTree::Neighbours {
+  explicit Neighbours(const IniNode* node) : before(node->row_), after(before + 1) {}
+
+  std::size_t before;
+  std::size_t after;
+};
+
+/// Next sibling that is not marked, else the previous one, else the parent.
+IniNode* IniTree::NextSelected(const IniNode* node, Neighbours& neighbours) {
+  const IniNode::Children& siblings = *node->parent_->children_;
+  std::size_t& after = neighbours.after;
+  while (after < siblings.size() && siblings[after]->removed_) ++after;
+  if (after < siblings.size()) return siblings[after];
+  std::size_t& before = neighbours.before;
+  while (before > 0 && siblings[before - 1]->removed_) --before;
+  return before > 0 ? siblings[before - 1] : node->parent_;
+}
+
+void IniTree::Remove(IniNode* node) {
+  if (node == root_.get()) return;
+  IniNode* parent = node->parent_;
+  const std::size_t row = node->row_;
+  observer_->BeforeRemove(*node);
+  if (selected_ == node || selected_->parent_ == node) {
+    Neighbours neighbours(node);
+    MoveSelection(NextSelected(node, neighbours));
+  }
+  parent->children_->erase(parent->children_->begin() + static_cast<std::ptrdiff_t>(row));
+  NumberChildren(parent, row);
+  Discard(node);
+  ++revision_;
+  observer_->AfterRemove();
+  TellIfSelectionMoved();
+}
+
+void IniTree::RemoveTextEqualTo(std::string_view text) {
+  if (MarkTextEqualTo(text) == 0) return;
+  observer_->BeforeReset();
+  RemoveMarked();
+  EndReset();
+}
+
+void IniTree::RemoveStartingWithSelectedKey() {
+  if (selected_->tag_ != IniTag::Value) return;
+  observer_->BeforeReset();
+  MarkWalkingBack(selected_->EntryKey());
+  RemoveMarked();
+  EndReset();
+}
+
+void IniTree::Clear() { Reset(root_->Text()); }
+
+void IniTree::Reset(std::string_view root_text) {
+  const std::string kept(root_text);
+  observer_->BeforeReset();
+  if (selected_ != root_.get()) MoveSelection(root_.get());
+  DiscardAll();
+  root_->SetTextView(texts_.Copy(kept));
+  ++revision_;
+  EndReset();
+}
+
+/// The node's memory and its children's become free; the list that held it is the caller's.
+void IniTree::Discard(IniNode* node) {
+  --node_count_;
+  if (node->tag_ == IniTag::Section) --section_count_;
+  if (node->children_ != nullptr) {
+    for (IniNode* child : *node->children_) Discard(child);
+    std::destroy_at(node->children_);
+    lists_.deallocate(node->children_, sizeof(IniNode::Children), alignof(IniNode::Children));
+  }
+  nodes_.GiveBack(node);
+}
+
+void IniTree::DiscardAll() {
+  root_->children_ = nullptr;
+  root_->children_sorted_ = true;
+  root_->expanded_ = false;
+  nodes_.Clear();
+  lists_.release();
+  texts_.Clear();
+  node_count_ = 1;
+  section_count_ = 0;
+  next_created_ = 1;
+}
+
+std::size_t IniTree::MarkTextEqualTo(std::string_view text) {
+  std::size_t marked = 0;
+  ForEachNode(*root_, [&](IniNode* node) {
+    if (node->Text() != text) return;
+    node->removed_ = true;
+    ++marked;
+  });
+  return marked;
+}
+
+/// Marks what begins with key, the last created first, as long as any entry is left that the selection could be on.
+/// Children are younger than their section, so a section goes after those of its entries that go by themselves.
+void IniTree::MarkWalkingBack(std::string_view key) {
+  std::vector<std::pair<std::uint32_t, IniNode*>> matches;
+  std::size_t entries_left = 0;
+  const auto is_left = [](const IniNode* node) { return node->tag_ == IniTag::Value && !node->removed_; };
+  ForEachNode(*root_, [&](IniNode* node) {
+    if (node->Text().starts_with(key)) matches.emplace_back(node->created_, node);
+    if (is_left(node)) ++entries_left;
+  });
+  std::ranges::sort(matches, std::ranges::greater());
+
+  for (const auto& [created, node] : matches) {
+    if (entries_left == 0) return;
+    if (is_left(node)) --entries_left;
+    node->removed_ = true;
+    for (int row = 0; row < node->ChildCount(); ++row) entries_left -= is_left(node->Child(row)) ? 1 : 0;
+  }
+}
+
+void IniTree::RemoveMarked() {
+  IniNode* parent = selected_->parent_;
+  IniNode* gone = parent != nullptr && parent->removed_ ? parent : selected_;
+  if (gone->removed_) {
+    Neighbours neighbours(gone);
+    MoveSelection(NextSelected(gone, neighbours));
+  }
+  for (IniNode* child : *root_->children_) {
+    if (!child->removed_) CompactChildren(child);
+  }
+  CompactChildren(root_.get());
+  ++revision_;
+}
+
+void IniTree::CompactChildren(IniNode* parent) {
+  if (parent->children_ == nullptr) return;
+  IniNode::Children& children = *parent->children_;
+  const auto is_removed = [](const IniNode* child) { return child->removed_; };
+  const auto first = std::ranges::find_if(children, is_removed);
+  if (first == children.end()) return;
+  const auto first_row = static_cast<std::size_t>(first - children.begin());
+  std::erase_if(children, [this](IniNode* child) {
+    if (!child->removed_) return false;
+    Discard(child);
+    return true;
+  });
+  NumberChildren(parent, first_row);
+}
+
+}  // namespace tme

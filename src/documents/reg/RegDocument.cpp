@@ -1,0 +1,287 @@
+#include "documents/reg/RegDocument.h"
+
+#include <algorithm>
+#include <iterator>
+#include <type_traits>
+#include <utility>
+
+#include "documents/reg/RegKeyWalk.h"
+#include "documents/reg/RegValueIndex.h"
+
+namespace tme {
+
+static_assert(sizeof(RegNode) <= 56);
+static_assert(sizeof(RegValueRecord) <= 48);
+static_assert(std::is_trivially_destructible_v<RegNode>, "nodes are given up by the chunk");
+
+namespace {
+
+struct SilentObserver : SilentTreeObserver<RegNode, RegDocumentObserver> {
+  void ValueAdded(std::size_t) override {}
+  void ValueChanged(std::size_t) override {}
+};
+SilentObserver silent_observer;
+
+bool IsBelow(const RegNode* node, const RegNode* top) {
+  while (node != nullptr && node != top) node = node->Parent();
+  return node == top;
+}
+
+}  // namespace
+
+std::string_view TypeText(RegType type) {
+  switch (type) {
+    case RegType::None:
+      return {};
+    case RegType::String:
+      return "REG_SZ";
+    case RegType::Dword:
+      return "DWORD";
+    case RegType::Hex:
+      return "HEX";
+  }
+  return {};
+}
+
+bool IsHiveName(std::string_view text) { return std::ranges::find(HiveNames, text) != std::end(HiveNames); }
+
+std::string RegNode::Key() const { return parent_ == nullptr ? "PRIMARY" : "Key" + std::to_string(created_); }
+
+std::string RegNode::KeyPath() const {
+  if (parent_ == nullptr) return {};
+  std::size_t size = 0;
+  for (const RegNode* node = this; node->parent_ != nullptr; node = node->parent_) size += node->size_ + 1;
+  std::string path(size - 1, '\\');
+  std::size_t at = size;
+  for (const RegNode* node = this; node->parent_ != nullptr; node = node->parent_) {
+    at -= node->size_ + 1;
+    node->Text().copy(path.data() + at, node->size_);
+  }
+  return path;
+}
+
+RegDocument::RegDocument(std::string_view title)
+    : observer_(&silent_observer),
+      root_(new RegNode(nullptr, texts_.Copy(title), RegTag::File, 0)),
+      selected_(root_.get()) {}
+
+RegDocument::~RegDocument() = default;
+
+void RegDocument::SetObserver(RegDocumentObserver* observer) {
+  observer_ = observer == nullptr ? &silent_observer : observer;
+}
+
+RegNode* RegDocument::Root() const { return root_.get(); }
+
+RegNode* RegDocument::Selected() const { return selected_; }
+
+void RegDocument::Select(RegNode* node) { selected_ = node == nullptr ? root_.get() : node; }
+
+std::size_t RegDocument::NodeCount() const { return node_count_; }
+
+std::uint64_t RegDocument::Revision() const { return revision_; }
+
+const std::vector<RegValueRecord>& RegDocument::Values() const { return values_; }
+
+RegNode* RegDocument::FindChild(const RegNode* parent, std::string_view text) const {
+  return parent->children_ == nullptr ? nullptr : parent->children_->Find(text);
+}
+
+std::vector<std::size_t> RegDocument::ValuesOfPath(const RegNode* node) const {
+  std::vector<std::size_t> records;
+  if (paths_are_unique_ || node == root_.get()) {
+    CollectRecords(node, records);
+    return records;
+  }
+  for (const RegNode* same : NodesOfPath(node->KeyPath())) CollectRecords(same, records);
+  std::ranges::sort(records);
+  return records;
+}
+
+bool RegDocument::KeyHasValues(const RegNode* node) const {
+  return std::ranges::any_of(runs_, [node](const Run& run) { return run.owner->Text() == node->Text(); });
+}
+
+bool RegDocument::HasValueNamed(const RegNode* node, std::string_view name) const {
+  return std::ranges::any_of(runs_, [this, node, name](const Run& run) {
+    if (run.owner->Text() != node->Text()) return false;
+    const RegValueRecord* first = &values_[run.first];
+    return std::any_of(first, first + run.count, [name](const RegValueRecord& record) { return record.name == name; });
+  });
+}
+
+std::size_t RegDocument::KeysSharingAName() const {
+  const RegValueIndex index(*this);
+  const std::vector<const RegNode*> sole_owners = index.SoleOwners();
+  std::size_t sharing = 0;
+  const auto count = [&](const RegNode& node) {
+    const bool written = node.tag_ == RegTag::Branch && node.Text() != root_->Text();
+    const std::uint32_t group = written ? index.GroupOf(node) : RegValueIndex::kNoGroup;
+    if (group != RegValueIndex::kNoGroup && sole_owners[group] != &node) ++sharing;
+    return true;
+  };
+  WalkKeys(*root_, count, [](const RegNode&) {});
+  return sharing;
+}
+
+bool RegDocument::SharesItsName(const RegNode* node) const {
+  const auto is_namesake = [node](const RegNode& other) {
+    return &other != node && other.tag_ == RegTag::Branch && other.Text() == node->Text();
+  };
+  if (node->tag_ != RegTag::Branch || node->Text() == root_->Text()) return false;
+  if (std::ranges::any_of(runs_,
+                          [&](const Run& run) { return run.owner != node && run.owner->Text() == node->Text(); }))
+    return true;
+  if (node->first_run_ == RegNode::kNoRun) return false;
+  return !WalkKeys(
+      *root_, [&](const RegNode& other) { return !is_namesake(other); }, [](const RegNode&) {});
+}
+
+RegNode* RegDocument::AddHiveNode(std::string_view name) { return Add(root_.get(), name, RegTag::Hive); }
+
+RegNode* RegDocument::AddBranch(RegNode* parent, std::string_view text) { return Add(parent, text, RegTag::Branch); }
+
+std::size_t RegDocument::AddValueRecord(RegNode* node, RegType type, std::string_view name, std::string_view data) {
+  const std::size_t record = values_.size();
+  AppendRecord(node, type, texts_.Copy(name), texts_.Copy(data));
+  ++revision_;
+  observer_->ValueAdded(record);
+  return record;
+}
+
+void RegDocument::SetValueData(std::size_t record, std::string_view data) {
+  if (values_[record].data == data) return;
+  values_[record].data = texts_.Copy(data);
+  ValueHasChanged(record);
+}
+
+void RegDocument::DeleteValue(std::size_t record) {
+  values_[record] = {.owner = values_[record].owner, .name = {}, .data = {}, .type = RegType::None, .deleted = true};
+  ValueHasChanged(record);
+}
+
+void RegDocument::SetText(RegNode* node, std::string_view text) {
+  if (node->Text() == text) return;
+  if (node->parent_ != nullptr) {
+    // The root's text is the file's name, not content.
+    ++revision_;
+    NoteSibling(node->parent_, text);
+    node->parent_->children_->ForgetTexts();
+  }
+  node->SetTextView(texts_.Copy(text));
+  observer_->TextChanged(*node);
+}
+
+void RegDocument::RemoveKey(RegNode* node) {
+  if (node == root_.get()) return;
+  RegNode* parent = node->parent_;
+  RegChildren& siblings = *parent->children_;
+  const std::size_t row = node->row_;
+  observer_->BeforeRemove(*node);
+  const auto count = [this](const RegNode&) {
+    --node_count_;
+    return true;
+  };
+  WalkKeys(*node, count, [](const RegNode&) {});
+  const bool selection_moves = IsBelow(selected_, node);
+  siblings.Erase(row);
+  for (std::size_t after = row; after < siblings.Count(); ++after) {
+    siblings.At(after)->row_ = static_cast<std::uint32_t>(after);
+  }
+  if (selection_moves) selected_ = siblings.Count() == 0 ? parent : siblings.At(std::min(row, siblings.Count() - 1));
+  ++revision_;
+  observer_->AfterRemove();
+  if (selection_moves) observer_->SelectionMoved();
+}
+
+void RegDocument::Reset(std::string_view title) {
+  observer_->BeforeReset();
+  const std::string kept(title);
+  values_ = {};
+  runs_ = {};
+  nodes_.Clear();
+  lists_.release();
+  texts_.Clear();
+  *root_ = RegNode(nullptr, texts_.Copy(kept), RegTag::File, 0);
+  selected_ = root_.get();
+  node_count_ = 1;
+  next_created_ = 1;
+  paths_are_unique_ = true;
+  ++revision_;
+  observer_->AfterReset();
+}
+
+RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag) {
+  if (parent->children_ == nullptr) {
+    void* memory = lists_.allocate(sizeof(RegChildren), alignof(RegChildren));
+    parent->children_ = new (memory) RegChildren(&lists_);
+  }
+  auto* node = new (nodes_.Take()) RegNode(parent, text, tag, next_created_++);
+  node->row_ = static_cast<std::uint32_t>(parent->children_->Count());
+  parent->children_->Append(node);
+  ++node_count_;
+  return node;
+}
+
+void RegDocument::StartRun(RegNode* owner) {
+  const auto run = static_cast<std::uint32_t>(runs_.size());
+  if (owner->first_run_ == RegNode::kNoRun) {
+    owner->first_run_ = run;
+  } else {
+    runs_[owner->last_run_].next = run;
+  }
+  owner->last_run_ = run;
+  runs_.push_back({owner, static_cast<std::uint32_t>(values_.size()), 0, RegNode::kNoRun});
+}
+
+RegNode* RegDocument::Add(RegNode* parent, std::string_view text, RegTag tag) {
+  NoteSibling(parent, text);
+  observer_->BeforeInsert(*parent, parent->ChildCount());
+  RegNode* node = Append(parent, texts_.Copy(text), tag);
+  ++revision_;
+  observer_->AfterInsert();
+  return node;
+}
+
+/// A child of this text is about to come.
+void RegDocument::NoteSibling(const RegNode* parent, std::string_view text) {
+  if (text.find('\\') != std::string_view::npos || FindChild(parent, text) != nullptr) paths_are_unique_ = false;
+}
+
+void RegDocument::CollectRecords(const RegNode* node, std::vector<std::size_t>& records) const {
+  for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next) {
+    for (std::uint32_t i = 0; i < runs_[at].count; ++i) records.push_back(runs_[at].first + i);
+  }
+}
+
+/// Every node in the tree with this KeyPath: with equal siblings, or texts that hold a backslash, more than one.
+std::vector<const RegNode*> RegDocument::NodesOfPath(std::string_view path) const {
+  struct Reached {
+    const RegNode* node;
+    std::string_view rest;
+  };
+  std::vector<const RegNode*> found;
+  std::vector<Reached> open = {{root_.get(), path}};
+  while (!open.empty()) {
+    const auto [parent, rest] = open.back();
+    open.pop_back();
+    for (int row = 0; row < parent->ChildCount(); ++row) {
+      const RegNode* child = parent->Child(row);
+      const std::string_view text = child->Text();
+      if (!rest.starts_with(text)) continue;
+      if (rest.size() == text.size()) {
+        found.push_back(child);
+      } else if (rest[text.size()] == '\\') {
+        open.push_back({child, rest.substr(text.size() + 1)});
+      }
+    }
+  }
+  return found;
+}
+
+void RegDocument::ValueHasChanged(std::size_t record) {
+  ++revision_;
+  observer_->ValueChanged(record);
+}
+
+}  // namespace tme

@@ -1,0 +1,209 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <memory_resource>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/NodePool.h"
+#include "base/TextStore.h"
+#include "base/TreeObserver.h"
+#include "documents/reg/RegChildren.h"
+
+namespace tme {
+
+/// Kind of a node.
+enum class RegTag : std::uint8_t { File, Hive, Branch };
+
+/// Type of a value; None for a deleted record.
+enum class RegType : std::uint8_t { None, String, Dword, Hex };
+
+/// "REG_SZ", "DWORD", "HEX"; empty for None.
+std::string_view TypeText(RegType type);
+
+/// The hives of a registry, in the order in which they are offered. Compared with regard to letter case.
+inline constexpr std::string_view HiveNames[] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",   "HKEY_LOCAL_MACHINE",
+                                                 "HKEY_USERS",        "HKEY_CURRENT_CONFIG", "HKEY_DYN_DATA"};
+bool IsHiveName(std::string_view text);
+
+/// One key of the tree. Nodes belong to their RegDocument and stay at one address; a removed node lives on unseen,
+/// since its values still count for saving.
+class RegNode {
+ public:
+  /// The root: the document's title; a hive: its name; a branch: one component of the path. UTF-8; bytes that are not
+  /// valid UTF-8 pass through.
+  std::string_view Text() const { return {text_, size_}; }
+  RegTag Tag() const { return tag_; }
+  /// Null for the root only.
+  RegNode* Parent() const { return parent_; }
+  /// Position among the parent's children, in order of creation, from 0.
+  int Row() const { return static_cast<int>(row_); }
+  int ChildCount() const { return children_ == nullptr ? 0 : static_cast<int>(children_->Count()); }
+  RegNode* Child(int row) const { return children_->At(static_cast<std::size_t>(row)); }
+  /// "PRIMARY" for the root, else a text unique within the document. Never shown, never written.
+  std::string Key() const;
+  /// The path without the root ("HKEY_USERS\\Alpha\\Beta"); empty for the root. A walk up the tree, without recursion.
+  std::string KeyPath() const;
+
+ private:
+  friend class RegDocument;
+  friend class RegValueIndex;
+
+  static constexpr std::uint32_t kNoRun = UINT32_MAX;
+
+  RegNode(RegNode* parent, std::string_view text, RegTag tag, std::uint32_t created)
+      : parent_(parent), created_(created), tag_(tag) {
+    SetTextView(text);
+  }
+
+  void SetTextView(std::string_view text) {
+    text_ = text.data();
+    size_ = static_cast<std::uint32_t>(text.size());
+  }
+
+  /// In memory of the document.
+  const char* text_ = nullptr;
+  /// Kept when the node is removed.
+  RegNode* parent_;
+  /// In memory of the document; null until the first child comes.
+  RegChildren* children_ = nullptr;
+  std::uint32_t size_ = 0;
+  std::uint32_t row_ = 0;
+  /// Grows from node to node.
+  std::uint32_t created_;
+  /// The node's records, as a chain of runs of the document.
+  std::uint32_t first_run_ = kNoRun;
+  std::uint32_t last_run_ = kNoRun;
+  RegTag tag_;
+};
+
+/// One value of the flat table. Records are never removed or moved; a deleted one has no type, name and data.
+struct RegValueRecord {
+  RegNode* owner = nullptr;
+  /// Without quotes; "[default]" for the default value.
+  std::string_view name;
+  /// As in the file, not decoded: text between the quotes, eight hexadecimal digits, or bytes separated by commas.
+  std::string_view data;
+  RegType type = RegType::None;
+  bool deleted = false;
+};
+
+/// Told of changes of the values beside those of the tree.
+class RegDocumentObserver : public TreeObserver<RegNode> {
+ public:
+  /// A record was appended (its index), or one changed.
+  virtual void ValueAdded(std::size_t record) = 0;
+  virtual void ValueChanged(std::size_t record) = 0;
+};
+
+/// The document of a registry window: the tree of keys and one table of values. Every edit is one call with a name.
+/// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
+class RegDocument {
+ public:
+  explicit RegDocument(std::string_view title = "New Registry File");
+  ~RegDocument();
+  RegDocument(const RegDocument&) = delete;
+  RegDocument& operator=(const RegDocument&) = delete;
+
+  /// Not owned; null for none.
+  void SetObserver(RegDocumentObserver* observer);
+
+  RegNode* Root() const;
+  /// Never null.
+  RegNode* Selected() const;
+  /// Null selects the root.
+  void Select(RegNode* node);
+  /// Every node in the tree, the root included.
+  std::size_t NodeCount() const;
+  /// Grows with every change of content.
+  std::uint64_t Revision() const;
+  /// The table, in order of creation.
+  const std::vector<RegValueRecord>& Values() const;
+
+  /// First child with exactly this text, or null. Constant time on average.
+  RegNode* FindChild(const RegNode* parent, std::string_view text) const;
+  /// For display: indices of the records whose owner, in the tree, has the same full path as the node, in table order;
+  /// deleted ones included. Costs the records found and the siblings along the path, never the whole table.
+  std::vector<std::size_t> ValuesOfPath(const RegNode* node) const;
+  /// Intended asymmetry: saving goes by the last component alone. True when any record's owner (removed keys and
+  /// deleted records included) has this node's text.
+  bool KeyHasValues(const RegNode* node) const;
+  /// By the same rule: whether a record of this name exists for the node's text.
+  bool HasValueNamed(const RegNode* node, std::string_view name) const;
+  /// Keys that a save gives values of other keys, removed ones included, because their last component is the same.
+  /// Linear.
+  std::size_t KeysSharingAName() const;
+  /// Whether a save gives this branch values of other keys, or other keys the values of this one. Linear.
+  bool SharesItsName(const RegNode* node) const;
+  /// Calls visit(record) for the node's own records, deleted ones included, in table order.
+  template <typename Visit>
+  void ForEachValueOf(const RegNode* node, Visit visit) const {
+    for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next)
+      for (std::uint32_t i = 0; i < runs_[at].count; ++i) visit(values_[runs_[at].first + i]);
+  }
+
+  // Edits.
+  // Neither checks the text, or whether there is such a child already.
+  RegNode* AddHiveNode(std::string_view name);
+  RegNode* AddBranch(RegNode* parent, std::string_view text);
+  /// Returns the record's index. No check of names.
+  std::size_t AddValueRecord(RegNode* node, RegType type, std::string_view name, std::string_view data);
+  void SetValueData(std::size_t record, std::string_view data);
+  /// The record stays, empty and marked.
+  void DeleteValue(std::size_t record);
+  void SetText(RegNode* node, std::string_view text);
+  /// The node with its subtree leaves the tree; never the root. Its records stay. If the selected node goes too, its
+  /// next sibling is selected, else the previous one, else the parent. No recursion: 100,000 levels are fine.
+  void RemoveKey(RegNode* node);
+  /// Empty document with this title.
+  void Reset(std::string_view title);
+
+ private:
+  friend class RegReader;
+  friend class RegValueIndex;
+
+  /// Records that follow one another and have one owner. A file gives one run for nearly every key.
+  struct Run {
+    RegNode* owner;
+    std::uint32_t first;
+    std::uint32_t count;
+    /// The owner's next run, or RegNode::kNoRun.
+    std::uint32_t next;
+  };
+
+  // Building, without a word to the observer. Views must lie in texts_.
+  RegNode* Append(RegNode* parent, std::string_view text, RegTag tag);
+  void AppendRecord(RegNode* owner, RegType type, std::string_view name, std::string_view data) {
+    if (runs_.empty() || runs_.back().owner != owner) StartRun(owner);
+    ++runs_.back().count;
+    values_.push_back({.owner = owner, .name = name, .data = data, .type = type});
+  }
+  void StartRun(RegNode* owner);
+
+  RegNode* Add(RegNode* parent, std::string_view text, RegTag tag);
+  void NoteSibling(const RegNode* parent, std::string_view text);
+  void CollectRecords(const RegNode* node, std::vector<std::size_t>& records) const;
+  std::vector<const RegNode*> NodesOfPath(std::string_view path) const;
+  void ValueHasChanged(std::size_t record);
+
+  TextStore texts_;
+  std::pmr::unsynchronized_pool_resource lists_;
+  NodePool nodes_{sizeof(RegNode)};
+
+  /// Never null: without an observer, one that does nothing.
+  RegDocumentObserver* observer_;
+  std::unique_ptr<RegNode> root_;
+  RegNode* selected_;
+  std::vector<RegValueRecord> values_;
+  std::vector<Run> runs_;
+  std::size_t node_count_ = 1;
+  std::uint64_t revision_ = 0;
+  std::uint32_t next_created_ = 1;
+  /// No two nodes have had one path so far: neither equal siblings nor texts with a backslash, which only edits make.
+  bool paths_are_unique_ = true;
+};
+
+}  // namespace tme

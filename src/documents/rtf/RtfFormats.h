@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "documents/rtf/RtfOutput.h"
+
+namespace tme::rtf {
+
+/// Look of text after \plain.
+CharFormat PlainFormat(const RtfDocument& document);
+
+/// Writes what leads from one look to another; fields are none of its business. `plain`: PlainFormat.
+void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to,
+                     RtfOutput& out);
+
+/// Control words of a paragraph's look, those after \pard; a group among them says how a list without an entry in the
+/// file's tables counts.
+std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format);
+
+/// From \trowd to the last \cellx, made from the cells' edges.
+std::string RowControls(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
+
+/// A row's definition as it came, with an edge for each cell that it left out: word processors drop those.
+std::string CompletedDefinition(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
+
+/// Font and colour table.
+void WriteTables(const RtfDocument& document, RtfOutput& out);
+
+/// For each font, and one more for numbers past the end.
+std::vector<Alphabet> AlphabetsOf(const std::vector<Font>& fonts);
+
+}  // namespace tme::rtf

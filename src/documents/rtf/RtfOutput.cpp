@@ -1,0 +1,245 @@
+#include "documents/rtf/RtfOutput.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <map>
+
+#include "base/Utf8.h"
+#include "documents/rtf/RtfCharset.h"
+
+namespace tme::rtf {
+
+namespace {
+
+constexpr std::size_t kPartBytes = std::size_t{1} << 16;
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kDigits = "0123456789abcdef";
+constexpr char32_t kReplacementCharacter = 0xFFFD;
+
+/// Bytes that stand for themselves.
+constexpr std::array<bool, 256> kPlain = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = 0x20; byte < 0x7F; ++byte) plain[byte] = byte != '\\' && byte != '{' && byte != '}';
+  return plain;
+}();
+
+/// Bytes that a control word before them would take in.
+constexpr std::array<bool, 256> kRunsIntoWords = [] {
+  std::array<bool, 256> bytes{};
+  for (const char byte : std::string_view(" -0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"))
+    bytes[static_cast<unsigned char>(byte)] = true;
+  return bytes;
+}();
+
+std::size_t PlainRun(std::string_view text) {
+  std::size_t run = 0;
+  while (run < text.size() && kPlain[static_cast<unsigned char>(text[run])]) ++run;
+  return run;
+}
+
+/// The byte of a symbol font that shows the character; 0 when it has none.
+unsigned SymbolByte(char32_t character, Alphabet alphabet) {
+  if (alphabet == Alphabet::Unicode) return 0;
+  const bool is_numbered = character >= 0xF020 && character <= 0xF0FF;
+  if (alphabet == Alphabet::Symbols) return is_numbered ? character & 0xFF : 0;
+  if (is_numbered) return SymbolCharacter(static_cast<unsigned char>(character & 0xFF)) != 0 ? character & 0xFF : 0;
+  static const std::map<char32_t, unsigned char> bytes = [] {
+    std::map<char32_t, unsigned char> all;
+    for (unsigned byte = 0x20; byte <= 0xFF; ++byte)
+      all.emplace(SymbolCharacter(static_cast<unsigned char>(byte)), static_cast<unsigned char>(byte));
+    all.erase(0);
+    return all;
+  }();
+  const auto found = bytes.find(character);
+  return found != bytes.end() ? found->second : 0;
+}
+
+/// Base letters of U+00C0 to U+017F.
+constexpr std::string_view kLetters =
+    "AAAAAAACEEEEIIIIDNOOOOOxOUUUUYTsaaaaaaaceeeeiiiidnooooo/ouuuuyty"
+    "AaAaAaCcCcCcCcDdDdEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIiIiJjKkkLlLlLlLlLlNnNnNnnNnOoOoOoOoRrRrRrSsSsSsSsTtTtTtUuUuUuUuUu"
+    "Uu"
+    "WwYyYZzZzZzs";
+static_assert(kLetters.size() == 0x180 - 0xC0);
+
+/// What a reader without Unicode shows.
+char FallbackOf(char32_t character) {
+  if (character < 0x80 && kPlain[character]) return static_cast<char>(character);
+  if (character >= 0xC0 && character < 0x180) return kLetters[character - 0xC0];
+  if (character >= 0x2000 && character <= 0x200A) return ' ';
+  if (character >= 0x2010 && character <= 0x2015) return '-';
+  if (character == 0x2032) return '\'';
+  if (character == 0x2026) return '.';
+  return '?';
+}
+
+/// Characters that have a control of their own; empty for others.
+std::string_view ControlOf(char32_t character) {
+  switch (character) {
+    case U'\t':
+      return "\\tab";
+    case U'\n':
+    case U'\r':
+    case U'\v':
+    case 0x2028:
+      return "\\line";
+    case U'\f':
+      return "\\page";
+    case U'\\':
+      return "\\\\";
+    case U'{':
+      return "\\{";
+    case U'}':
+      return "\\}";
+    case 0xA0:
+      return "\\~";
+    case 0xAD:
+      return "\\-";
+    case 0x2011:
+      return "\\_";
+    case 0x2013:
+      return "\\endash";
+    case 0x2014:
+      return "\\emdash";
+    case 0x2018:
+      return "\\lquote";
+    case 0x2019:
+      return "\\rquote";
+    case 0x201C:
+      return "\\ldblquote";
+    case 0x201D:
+      return "\\rdblquote";
+    case 0x2022:
+      return "\\bullet";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+RtfOutput::RtfOutput(const RtfPart& put) : put_(put) { part_.reserve(2 * kPartBytes); }
+
+void RtfOutput::Words(std::string_view controls) {
+  if (controls.empty()) return;
+  part_.append(controls);
+  after_word_ = controls.back() != '}';
+}
+
+void RtfOutput::Word(std::string_view control, std::int64_t number) {
+  std::array<char, 24> digits;
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  part_.append(control).append(digits.data(), static_cast<std::size_t>(result.ptr - digits.data()));
+  after_word_ = true;
+}
+
+void RtfOutput::Syntax(char brace) {
+  part_.push_back(brace);
+  after_word_ = false;
+  HandOnWhenFull();
+}
+
+void RtfOutput::LineEnd() {
+  part_.append(kLineEnd);
+  after_word_ = false;
+  HandOnWhenFull();
+}
+
+void RtfOutput::Delimit(char next) {
+  if (after_word_ && kRunsIntoWords[static_cast<unsigned char>(next)]) part_.push_back(' ');
+  after_word_ = false;
+}
+
+void RtfOutput::Text(std::string_view text, Alphabet alphabet) {
+  while (!text.empty()) {
+    const std::size_t run = alphabet == Alphabet::Unicode ? PlainRun(text.substr(0, kPartBytes)) : 0;
+    if (run > 0) {
+      Delimit(text.front());
+      part_.append(text.substr(0, run));
+      text.remove_prefix(run);
+    } else if (const auto character = utf8::TakeCharacter(text)) {
+      Character(*character, alphabet);
+    } else {
+      text.remove_prefix(1);
+      Character(kReplacementCharacter, alphabet);
+    }
+    HandOnWhenFull();
+  }
+}
+
+void RtfOutput::Character(char32_t character, Alphabet alphabet) {
+  if (const unsigned byte = SymbolByte(character, alphabet); byte != 0) return Byte(byte);
+  // A brace or backslash of its own is one more byte of the font.
+  const bool is_escaped = character == U'\\' || character == U'{' || character == U'}';
+  if (is_escaped && alphabet != Alphabet::Unicode) return CodeUnit(character, '?');
+  if (const std::string_view control = ControlOf(character); !control.empty()) {
+    part_.append(control);
+    after_word_ = control.size() > 2;
+    return;
+  }
+  if (character < 0x10000) return CodeUnit(character, FallbackOf(character));
+  CodeUnit(0xD800 + ((character - 0x10000) >> 10), '?');
+  CodeUnit(0xDC00 + (character & 0x3FF), '?');
+}
+
+/// As the signed 16-bit number that the format wants.
+void RtfOutput::CodeUnit(std::uint32_t unit, char fallback) {
+  Word("\\u", unit < 0x8000 ? static_cast<std::int64_t>(unit) : static_cast<std::int64_t>(unit) - 0x10000);
+  Delimit(fallback);
+  part_.push_back(fallback);
+  after_word_ = false;
+}
+
+void RtfOutput::Byte(unsigned byte) {
+  part_.append("\\'").append(1, kDigits[byte / 16]).append(1, kDigits[byte % 16]);
+  after_word_ = false;
+}
+
+void RtfOutput::Kept(std::string_view groups) {
+  if (groups.empty()) return;
+  Delimit(groups.front());
+  if (groups.size() <= kPartBytes) {
+    part_.append(groups);
+    return HandOnWhenFull();
+  }
+  HandOn(part_);
+  part_.clear();
+  for (; !groups.empty(); groups.remove_prefix(std::min(groups.size(), kPartBytes)))
+    HandOn(groups.substr(0, kPartBytes));
+}
+
+void RtfOutput::Hex(std::string_view bytes) {
+  constexpr std::size_t kBytesInLine = 64;
+  std::array<char, 2 * kBytesInLine> line;
+  while (!bytes.empty() && !stopped_) {
+    const std::size_t count = std::min(bytes.size(), kBytesInLine);
+    for (std::size_t i = 0; i < count; ++i) {
+      const auto byte = static_cast<unsigned char>(bytes[i]);
+      line[2 * i] = kDigits[byte / 16];
+      line[2 * i + 1] = kDigits[byte % 16];
+    }
+    part_.append(kLineEnd).append(line.data(), 2 * count);
+    bytes.remove_prefix(count);
+    HandOnWhenFull();
+  }
+  after_word_ = false;
+}
+
+void RtfOutput::HandOn(std::string_view part) {
+  if (!stopped_ && !part.empty()) stopped_ = !put_(part);
+}
+
+void RtfOutput::HandOnWhenFull() {
+  if (part_.size() < kPartBytes) return;
+  HandOn(part_);
+  part_.clear();
+}
+
+bool RtfOutput::Finish() {
+  HandOn(part_);
+  part_.clear();
+  return !stopped_;
+}
+
+}  // namespace tme::rtf

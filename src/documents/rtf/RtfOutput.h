@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "documents/rtf/RtfWriter.h"
+
+namespace tme::rtf {
+
+/// How the characters of a font are numbered in the file.
+enum class Alphabet : std::uint8_t {
+  Unicode,
+  Symbols,      ///< U+F020 to U+F0FF are the bytes 20 to FF
+  GreekSymbol,  ///< the same, and the font is "Symbol", whose characters have Unicode numbers of their own
+};
+
+/// The file in the making: joins control words, groups and text, and hands them on in parts of about 64 KB.
+class RtfOutput {
+ public:
+  explicit RtfOutput(const RtfPart& put);
+
+  /// Control words with their backslashes.
+  void Words(std::string_view controls);
+  void Word(std::string_view control, std::int64_t number);
+  void Open() { Syntax('{'); }
+  void Close() { Syntax('}'); }
+  void LineEnd();
+  /// UTF-8, escaped; invalid bytes as U+FFFD.
+  void Text(std::string_view text, Alphabet alphabet = Alphabet::Unicode);
+  /// Whole groups as they came.
+  void Kept(std::string_view groups);
+  void Hex(std::string_view bytes);
+
+  bool Stopped() const { return stopped_; }
+  /// Hands on what is left. False when the receiver gave up, now or before.
+  bool Finish();
+
+ private:
+  void Syntax(char brace);
+  void Delimit(char next);
+  void Character(char32_t character, Alphabet alphabet);
+  void CodeUnit(std::uint32_t unit, char fallback);
+  void Byte(unsigned byte);
+  void HandOn(std::string_view part);
+  void HandOnWhenFull();
+
+  const RtfPart& put_;
+  std::string part_;
+  bool after_word_ = false;  ///< text would run into the control word before it
+  bool stopped_ = false;
+};
+
+}  // namespace tme::rtf

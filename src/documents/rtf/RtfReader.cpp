@@ -1,0 +1,51 @@
+#include "documents/rtf/RtfReader.h"
+
+#include <utility>
+
+#include "base/Utf8.h"
+#include "documents/rtf/RtfParser.h"
+
+namespace tme::rtf {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+void ReadAsText(std::string_view bytes, const DecodeCodePage& decode, RtfDocument& document) {
+  document.losses.not_rtf = true;
+  std::string decoded;
+  if (!utf8::IsValid(bytes)) {
+    decoded = decode(document.ansi_code_page, bytes);
+    bytes = decoded;
+  } else if (bytes.starts_with(kByteOrderMark)) {
+    bytes.remove_prefix(kByteOrderMark.size());
+  }
+  Builder builder(document, bytes.size());
+  const std::uint32_t format = builder.Intern(CharFormat{});
+  while (true) {
+    const std::size_t end = bytes.find_first_of("\r\n\v");
+    if (end != 0 && !bytes.empty()) builder.AddText(bytes.substr(0, end), format);
+    if (end == std::string_view::npos) break;
+    builder.EndParagraph(ParagraphFormat{}, format, 0);
+    bytes.remove_prefix(end + (bytes.substr(end).starts_with("\r\n") ? 2 : 1));
+  }
+  if (builder.HasPending() || document.paragraphs.empty()) builder.EndParagraph(ParagraphFormat{}, format, 0);
+  builder.Finish();
+}
+
+}  // namespace
+
+RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode) {
+  RtfDocument document;
+  std::string_view rtf = bytes;
+  if (rtf.starts_with(kByteOrderMark)) rtf.remove_prefix(kByteOrderMark.size());
+  rtf.remove_prefix(std::min(rtf.find_first_not_of(" \t\r\n"), rtf.size()));
+  if (rtf.starts_with("{\\rtf")) {
+    FontContext fonts(decode);
+    Parser(rtf, document, fonts, Reading::Document).ReadDocument();
+  } else {
+    ReadAsText(bytes, decode, document);
+  }
+  return document;
+}
+
+}  // namespace tme::rtf

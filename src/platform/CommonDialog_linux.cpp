@@ -1,8 +1,0 @@
-#include "platform/CommonDialog.h"
-
-namespace tme {
-
-/// Without a printer, the dialog offers to print into a file.
-QString CommonDialog::PrintObstacle() const { return {}; }
-
-}  // namespace tme

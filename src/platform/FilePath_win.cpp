@@ -1,8 +1,0 @@
-#include "platform/FilePath.h"
-
-namespace tme {
-
-/// Unit by unit: a name here may hold lone surrogates.
-std::filesystem::path FilePath(const QString& path) { return path.toStdWString(); }
-
-}  // namespace tme

@@ -1,0 +1,164 @@
+#include "system/CommonDialog.h"
+
+#include <QApplication>
+#include <QChildEvent>
+#include <QColorDialog>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFontDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <algorithm>
+
+#include "system/FileDialogFilters.h"
+
+namespace tme {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The dialogs ask questions of their own, about names that were typed or pasted there: as plain text, like ours.
+class PlainQuestions : public QObject {
+ public:
+  explicit PlainQuestions(QDialog& dialog) : QObject(&dialog) { dialog.installEventFilter(this); }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    // Before the box is laid out, which would load what markup names.
+    if (event->type() == QEvent::ChildPolished)
+      if (auto* box = qobject_cast<QMessageBox*>(static_cast<QChildEvent*>(event)->child()))
+        box->setTextFormat(Qt::PlainText);
+    return QObject::eventFilter(watched, event);
+  }
+};
+
+/// Shows the dialog with the fields that opening and saving share. Empty when cancelled; then no field has changed.
+QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
+  const QStringList filters = FileDialogFilters(fields.filter);
+  dialog.setObjectName("CommonDialog"_L1);
+  new PlainQuestions(dialog);
+  dialog.setOption(QFileDialog::HideNameFilterDetails);  // the names say it; the wildcards are not for reading
+  if (!filters.isEmpty()) {
+    dialog.setNameFilters(filters);
+    dialog.selectNameFilter(filters.value(fields.filter_index - 1, filters.first()));
+  }
+  if (!fields.file_name.isEmpty()) dialog.selectFile(fields.file_name);
+  if (dialog.exec() != QDialog::Accepted) return {};
+
+  const QStringList chosen = dialog.selectedFiles();
+  if (chosen.isEmpty()) return {};
+  // With hidden wildcards, some of the dialogs give back the name alone.
+  const QString name = dialog.selectedNameFilter();
+  const auto selected = std::find_if(filters.begin(), filters.end(), [&name](const QString& filter) {
+    return filter == name || filter.startsWith(name + " ("_L1);
+  });
+  if (selected != filters.end()) fields.filter_index = static_cast<int>(selected - filters.begin()) + 1;
+  return chosen;
+}
+
+/// What stands in the name field: one name, or several in quotation marks, as whole paths.
+QStringList TypedPaths(const QFileDialog& dialog) {
+  const auto* edit = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s);
+  if (!edit) return {};  // a dialog of the desktop's, which gives back all that was typed
+  QStringList paths;
+  const QStringList parts = edit->text().split(u'"');
+  for (qsizetype index = 1; index < parts.size(); index += 2)
+    if (!parts[index].isEmpty()) paths.append(QDir::cleanPath(dialog.directory().absoluteFilePath(parts[index])));
+  return paths;
+}
+
+/// The folder, or the nearest one above it that exists.
+QString ExistingFolder(const QString& folder) {
+  QString above = folder;
+  while (!QFileInfo(above).isDir() && above != QFileInfo(above).path()) above = QFileInfo(above).path();
+  return above;
+}
+
+QString WithExtension(const QString& path, const QString& extension) {
+  if (QFileInfo(path).fileName().contains(u'.')) return path;
+  // Where there is only a file of that name in small letters, it is the one that is meant.
+  const QString whole = path + extension, small = path + extension.toLower();
+  return !QFileInfo::exists(whole) && QFileInfo::exists(small) ? small : whole;
+}
+
+}  // namespace
+
+QStringList CommonDialog::ShowOpen() {
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(multi_select ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+  dialog.setDefaultSuffix(default_ext);
+  QStringList chosen = Choose(dialog, *this);
+  // The dialog drops typed names that the filter hides.
+  if (!chosen.isEmpty() && multi_select)
+    for (const QString& path : TypedPaths(dialog))
+      if (!chosen.contains(path)) chosen.append(path);
+  for (QString& path : chosen) path = QDir::toNativeSeparators(path);
+  if (!chosen.isEmpty()) file_name = chosen.first();
+  return chosen;
+}
+
+QString CommonDialog::ShowSave() {
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite);
+  // The extension is added below: a system's dialog may do so to a name that has another one, or the same in small.
+  const QStringList chosen = Choose(dialog, *this);
+  if (chosen.isEmpty()) return {};
+  file_name = QDir::toNativeSeparators(WithExtension(chosen.first(), default_ext));
+  return file_name;
+}
+
+QString CommonDialog::ShowFolder() {
+  QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
+  dialog.setObjectName("CommonDialog"_L1);
+  new PlainQuestions(dialog);
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return QDir::toNativeSeparators(dialog.selectedFiles().value(0));
+}
+
+bool CommonDialog::ShowFont() {
+  QFont font = QApplication::font();
+  if (!font_name.isEmpty()) font.setFamily(font_name);
+  if (font_size > 0) font.setPointSize(font_size);
+  font.setBold(font_bold);
+  font.setItalic(font_italic);
+  font.setUnderline(font_underline);
+  font.setStrikeOut(font_strikethru);
+  QFontDialog dialog(font, QApplication::activeWindow());
+  dialog.setObjectName("FontDialog"_L1);
+  dialog.setWindowTitle(title);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  const QFont chosen = dialog.selectedFont();
+  font_name = chosen.family();
+  font_size = chosen.pointSize();
+  font_bold = chosen.bold();
+  font_italic = chosen.italic();
+  font_underline = chosen.underline();
+  font_strikethru = chosen.strikeOut();
+  return true;
+}
+
+bool CommonDialog::ShowColor() {
+  QColorDialog dialog(color, QApplication::activeWindow());
+  dialog.setObjectName("ColorDialog"_L1);
+  dialog.setWindowTitle(title);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  color = dialog.selectedColor();
+  return true;
+}
+
+std::unique_ptr<QPrinter> CommonDialog::ShowPrinter() {
+  auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+  QPrintDialog dialog(printer.get(), QApplication::activeWindow());
+  new PlainQuestions(dialog);
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange, (flags & kNoPageNumbers) == 0);
+  if (dialog.exec() != QDialog::Accepted) return nullptr;
+  return printer;
+}
+
+}  // namespace tme

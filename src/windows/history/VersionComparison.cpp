@@ -1,0 +1,146 @@
+#include "windows/history/VersionComparison.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "base/Lines.h"
+#include "documents/reg/RegAsShown.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfWriter.h"
+#include "files/CodePage.h"
+#include "files/TextFile.h"
+#include "shell/DisplayText.h"
+#include "system/FilePath.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// More would take the memory several times over.
+constexpr qint64 kComparedBytes = qint64{200} << 20;
+
+QString Tr(const char* text) { return QCoreApplication::translate("form_History", text); }
+
+/// What people read in a content: without its formatting, as UTF-8.
+std::string ReadableText(DocumentKind kind, std::string content) {
+  std::string text;
+  if (kind == DocumentKind::Rtf) {
+    rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
+      text.append(part);
+      return true;
+    });
+    return text;
+  }
+  text = DecodeText(std::move(content)).text;
+  return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
+}
+
+/// A save sorts sections and entries: so that only what changed differs, both sides are brought into one order.
+std::string SortedIni(std::string_view text) {
+  std::vector<std::vector<std::string_view>> sections(1);
+  Lines lines(text);
+  for (std::string_view line; lines.Next(line);) {
+    if (line.starts_with('[')) sections.emplace_back();
+    if (!line.empty()) sections.back().push_back(line);
+  }
+  const auto heading = [](const auto& section) { return section.empty() ? std::string_view() : section.front(); };
+  std::stable_sort(sections.begin() + 1, sections.end(),
+                   [&](const auto& a, const auto& b) { return heading(a) < heading(b); });
+  std::string sorted;
+  sorted.reserve(text.size());
+  for (std::vector<std::string_view>& section : sections) {
+    const bool has_heading = &section != &sections.front();
+    if (section.size() > 1) std::stable_sort(section.begin() + (has_heading ? 1 : 0), section.end());
+    if (has_heading && !sorted.empty()) sorted += '\n';
+    for (const std::string_view line : section) sorted.append(line).append("\n");
+  }
+  return sorted;
+}
+
+void CompareTexts(VersionComparison& result) {
+  result.lines = DiffLines(result.now_text, result.text);
+  const auto count = [&](LineChange change) {
+    return static_cast<std::uint64_t>(std::count_if(result.lines.begin(), result.lines.end(),
+                                                    [change](const DiffLine& line) { return line.change == change; }));
+  };
+  result.only_here = count(LineChange::Added);
+  result.only_now = count(LineChange::Removed);
+}
+
+void CompareSorted(VersionComparison& result) {
+  VersionComparison sorted;
+  sorted.text = SortedIni(result.text);
+  sorted.now_text = SortedIni(result.now_text);
+  CompareTexts(sorted);
+  if (sorted.only_here + sorted.only_now >= result.only_here + result.only_now) return;
+  if (sorted.only_here + sorted.only_now == 0) {
+    result.outcome = VersionComparison::Outcome::SameButOrder;
+    result.now_text.clear();
+    result.lines = DiffLines(result.text, result.text);
+    return;
+  }
+  result.in_sorted_order = true;
+  // Short strings live in themselves, so the lines are made anew.
+  result.text = std::move(sorted.text);
+  result.now_text = std::move(sorted.now_text);
+  CompareTexts(result);
+}
+
+}  // namespace
+
+void Compare(const History& history, const KeptVersion& version, std::optional<std::string> now,
+             VersionComparison& result) {
+  using Outcome = VersionComparison::Outcome;
+  const QString& path = version.origin.path;
+  const qint64 now_bytes = now ? static_cast<qint64>(now->size()) : path.isEmpty() ? 0 : QFileInfo(path).size();
+  if (std::max(version.bytes, now_bytes) > kComparedBytes) {
+    result.outcome = Outcome::TooLarge;
+    return;
+  }
+  std::optional<std::string> content = history.Content(version.digest);
+  if (!content) return;
+  if (std::string bytes; !now && !path.isEmpty() && !ReadFileBytes(FilePath(path), bytes)) now = std::move(bytes);
+  const bool same_bytes = now && *now == *content;
+  result.text = ReadableText(version.origin.kind, std::move(*content));
+  if (!now || same_bytes) {
+    result.outcome = now ? Outcome::SameBytes : Outcome::NothingThere;
+    result.lines = DiffLines(result.text, result.text);
+    return;
+  }
+  result.now_text = ReadableText(version.origin.kind, std::move(*now));
+  CompareTexts(result);
+  result.outcome = result.only_here + result.only_now == 0 ? Outcome::SameLines : Outcome::Different;
+  if (result.outcome == Outcome::Different && version.origin.kind == DocumentKind::Ini) CompareSorted(result);
+}
+
+QString Summary(const VersionComparison& comparison, const KeptVersion& version, const QString& history_folder) {
+  using Outcome = VersionComparison::Outcome;
+  switch (comparison.outcome) {
+    case Outcome::Unreadable:
+      return Tr("This version can no longer be read: its file in %1 is gone or damaged.")
+          .arg(QDir::toNativeSeparators(history_folder));
+    case Outcome::TooLarge:
+      return Tr("This is too large to be compared here. Open as New Document and Save a Copy have all of it.");
+    case Outcome::NothingThere:
+      return Tr("The version's text. There is no document or file to compare it with.");
+    case Outcome::SameBytes:
+      return Tr("The same as now.");
+    case Outcome::SameLines:
+      return version.origin.kind == DocumentKind::Rtf
+                 ? Tr("The text is the same as now; its formatting or the way it is written differs.")
+                 : Tr("The lines are the same as now; line ends or the encoding differ.");
+    case Outcome::SameButOrder:
+      return Tr("The same lines as now, in another order.");
+    case Outcome::Different:
+      break;
+  }
+  const QString counts = Tr("%1 only in this version (+), %2 only in what is there now (-).")
+                             .arg(Counted(comparison.only_here, Tr("1 line"), Tr("%1 lines")),
+                                  Counted(comparison.only_now, Tr("1 line"), Tr("%1 lines")));
+  return comparison.in_sorted_order ? counts + u' ' + Tr("Both sorted, as a save sorts them.") : counts;
+}
+
+}  // namespace tme

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "documents/diff/LineDiff.h"
+#include "history/History.h"
+
+namespace tme {
+
+/// A kept content beside what stands there now, line by line.
+struct VersionComparison {
+  enum class Outcome : std::uint8_t {
+    Unreadable,  ///< the kept content is gone or damaged
+    TooLarge,
+    NothingThere,  ///< no document or file to compare with: the lines are those of the version
+    SameBytes,
+    SameLines,     ///< the bytes differ all the same
+    SameButOrder,  ///< of an INI file, whose saves sort it; the lines are as they stand in the version
+    Different
+  };
+
+  Outcome outcome = Outcome::Unreadable;
+  bool in_sorted_order = false;  ///< both sides were sorted before they were compared
+  std::uint64_t only_here = 0;
+  std::uint64_t only_now = 0;
+  std::vector<DiffLine> lines;  ///< point into the texts below
+  std::string text;
+  std::string now_text;
+
+  VersionComparison() = default;
+  VersionComparison(const VersionComparison&) = delete;
+  VersionComparison& operator=(const VersionComparison&) = delete;
+};
+
+/// Compares; `now` is what the document holds, without it the file is read. Needs no window, any thread may call.
+void Compare(const History& history, const KeptVersion& version, std::optional<std::string> now,
+             VersionComparison& result);
+
+/// What is to be said about it, in a sentence.
+QString Summary(const VersionComparison& comparison, const KeptVersion& version, const QString& history_folder);
+
+}  // namespace tme

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QIcon>
+
+#include "documents/ini/IniTree.h"
+#include "shell/TreeItemModel.h"
+
+namespace tme {
+
+/// Shows an IniTree: texts, and an icon by the kind of the node.
+class IniItemModel : public TreeItemModel<IniTree, IniNode> {
+ public:
+  explicit IniItemModel(IniTree& tree, QObject* parent = nullptr);
+
+  QVariant data(const QModelIndex& index, int role) const override;
+
+ private:
+  QIcon root_icon_, section_icon_, entry_icon_, comment_icon_;
+};
+
+}  // namespace tme

@@ -1,0 +1,415 @@
+#include "windows/ini/form_INI.h"
+
+#include <QContextMenuEvent>
+#include <QEvent>
+#include <QFileInfo>
+#include <QLocale>
+#include <QMdiSubWindow>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QStyleOptionSlider>
+#include <QTextEdit>
+#include <QTreeView>
+
+#include "base/Lines.h"
+#include "base/Utf8.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniWriter.h"
+#include "shell/DisplayText.h"
+#include "shell/DocumentTreeView.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/Hourglass.h"
+#include "shell/Icon.h"
+#include "shell/PlainText.h"
+#include "shell/SaveDialog.h"
+#include "shell/Zoom.h"
+#include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "system/Twips.h"
+#include "windows/ini/IniItemModel.h"
+#include "windows/ini/IniNotice.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+// Twips. The tree takes the client area less the margin; the buttons stand on it, their tops this far above the bottom.
+constexpr int kTreeMargin = 100;
+constexpr int kButtonsAboveBottom = 1000;
+constexpr int kOpenedWidth = 6800;
+constexpr int kButtonGapPixels = 4;
+SaveDialogTexts SaveTexts() { return {u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s}; }
+/// The setting that names what the user last chose for a file that was plain ASCII.
+const QString kUnicodeValue = QStringLiteral("INIUnicode");
+/// Text of the root of a document without a file.
+constexpr const char* kNewTitle = "New INI File";
+
+/// A horizontal scroll bar with a strip above it, on which the buttons stand: so the tree view reaches down to the
+/// bottom and yet no row of it hides under them.
+class ScrollBarUnderStrip : public QScrollBar {
+ public:
+  explicit ScrollBarUnderStrip(QWidget* parent) : QScrollBar(Qt::Horizontal, parent) {}
+  void SetStrip(int pixels) {
+    if (std::exchange(strip_, pixels) != pixels) updateGeometry();
+  }
+  QSize sizeHint() const override { return QScrollBar::sizeHint() + QSize(0, strip_); }
+
+ protected:
+  /// The style lays the bar out from the top, so it is drawn, and the mouse is read, shifted by the strip.
+  void initStyleOption(QStyleOptionSlider* option) const override {
+    QScrollBar::initStyleOption(option);
+    option->rect = QRect(0, 0, width(), height() - strip_);
+  }
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
+    if (minimum() == maximum()) return;
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    option.subControls = QStyle::SC_All;
+    painter.translate(0, strip_);
+    style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
+  }
+  void mousePressEvent(QMouseEvent* event) override { QScrollBar::mousePressEvent(Shifted(*event).get()); }
+  void mouseMoveEvent(QMouseEvent* event) override { QScrollBar::mouseMoveEvent(Shifted(*event).get()); }
+  void mouseReleaseEvent(QMouseEvent* event) override { QScrollBar::mouseReleaseEvent(Shifted(*event).get()); }
+  void contextMenuEvent(QContextMenuEvent* event) override { event->accept(); }
+
+ private:
+  std::unique_ptr<QMouseEvent> Shifted(const QMouseEvent& event) const {
+    return std::make_unique<QMouseEvent>(event.type(), event.position() - QPointF(0, strip_), event.globalPosition(),
+                                         event.button(), event.buttons(), event.modifiers());
+  }
+
+  int strip_ = 0;
+};
+
+}  // namespace
+
+form_INI::form_INI(Global& global, int slot) : DocumentWindow(global, DocumentKind::Ini, slot) {}
+
+form_INI::~form_INI() = default;
+
+int form_INI::PreferredWidth() const { return TwipsToPixels(kOpenedWidth, logicalDpiX()); }
+
+void form_INI::BuildControls(QWidget& client) {
+  setWindowIcon(Icon(u"ini-file"_s));
+  model_ = std::make_unique<IniItemModel>(tree_);
+  BuildTreeView(client);
+  BuildButtons(client);
+  client.installEventFilter(this);
+}
+
+void form_INI::BuildTreeView(QWidget& client) {
+  TV = new DocumentTreeView(&client);
+  TV->setAccessibleName(tr("Sections and entries"));
+  TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
+  TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  TV->setModel(model_.get());
+  new ViewZoom({TV}, TV);
+  setFocusProxy(TV);
+
+  connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
+  connect(model_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_INI::ShowSelection);
+  connect(TV, &QTreeView::expanded, this,
+          [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), true); });
+  connect(TV, &QTreeView::collapsed, this,
+          [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), false); });
+  connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+    if (model_->IsChanging() || !current.isValid()) return;
+    tree_.Select(IniItemModel::NodeOf(current));
+    TV_NodeClick();
+  });
+  connect(TV, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
+    if (IniItemModel::NodeOf(index)->Tag() == IniTag::Value) cmd_Edit_Click();
+  });
+  connect(TV, &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+  const auto on_key = [this](QWidget* where, const QKeySequence& key, void (form_INI::*command)()) {
+    auto* shortcut = new QShortcut(key, where);
+    shortcut->setContext(where == TV ? Qt::WidgetShortcut : Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, command);
+  };
+  on_key(&client, Qt::Key_F2, &form_INI::cmd_Edit_Click);
+  on_key(&client, Qt::Key_Insert, &form_INI::AddValue);
+  // On a button, Enter is the button's.
+  on_key(TV, Qt::Key_Return, &form_INI::cmd_Edit_Click);
+  on_key(TV, Qt::Key_Enter, &form_INI::cmd_Edit_Click);
+}
+
+void form_INI::BuildButtons(QWidget& client) {
+  const auto make = [&](const QString& name, const QString& caption, const QString& tip, void (form_INI::*command)()) {
+    auto* button = new QPushButton(caption, &client);
+    button->setObjectName(name);
+    button->setAccessibleName(QString(caption).remove(u'&').replace(u'\n', u' '));
+    SetTip(*button, tip);
+    button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys with the tree
+    connect(button, &QPushButton::clicked, this, command);
+    return button;
+  };
+  cmd_AddSection =
+      make(u"cmd_AddSection"_s, tr("Add\nSectio&n"), tr("Add a section to the file"), &form_INI::AddSection);
+  cmd_DeleteSection = make(u"cmd_DeleteSection"_s, tr("Delete\nSe&ction"),
+                           tr("Delete the selected section with its entries (Del)"), &form_INI::DeleteSection);
+  cmd_Edit =
+      make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (F2)"), &form_INI::cmd_Edit_Click);
+  cmd_AddValue =
+      make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"), &form_INI::AddValue);
+  cmd_DeleteValue = make(u"cmd_DeleteValue"_s, tr("De&lete\nValue"), tr("Delete the selected entry or comment (Del)"),
+                         &form_INI::DeleteValue);
+}
+
+bool form_INI::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize && watched == TV->parentWidget()) Form_Resize();
+  return DocumentWindow::eventFilter(watched, event);
+}
+
+void form_INI::Form_Resize() {
+  if (SubWindow() && SubWindow()->isMinimized()) return;
+  const QSize client = TV->parentWidget()->size();
+  const auto pixels = [this](int twips) { return TwipsToPixels(twips, logicalDpiY()); };
+  const int tree_height = client.height() - pixels(kTreeMargin);
+  // Between the tree's rows and its scroll bar; taller than the given strip where a large font needs it.
+  const int bar_height = TV->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, TV);
+  const int below = pixels(kTreeMargin) + bar_height + kButtonGapPixels;
+  const int button_height = std::max(pixels(kButtonsAboveBottom) - below, cmd_AddSection->sizeHint().height());
+  const int top = client.height() - std::max(pixels(kButtonsAboveBottom), below + button_height);
+  static_cast<ScrollBarUnderStrip*>(TV->horizontalScrollBar())
+      ->SetStrip(tree_height - bar_height - top + kButtonGapPixels);
+  TV->setGeometry(0, 0, client.width(), tree_height);
+
+  const std::array buttons{cmd_AddSection, cmd_DeleteSection, cmd_Edit, cmd_AddValue, cmd_DeleteValue};
+  const auto count = static_cast<int>(buttons.size());
+  const int room = client.width() - kButtonGapPixels;
+  for (int index = 0; index < count; ++index) {
+    const int left = kButtonGapPixels + room * index / count;
+    const int right = room * (index + 1) / count;
+    buttons[static_cast<std::size_t>(index)]->setGeometry(left, top, right - left, button_height);
+  }
+}
+
+void form_INI::TV_NodeClick() {
+  const IniTag tag = tree_.Selected()->Tag();
+  const bool has_sections = tree_.SectionCount() > 0;
+  const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section;
+  cmd_DeleteSection->setEnabled(on_section);
+  cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
+  const IniNode* parent = tree_.Selected()->Parent();
+  cmd_AddValue->setEnabled(on_section || (parent != nullptr && parent != tree_.Root()));
+  cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
+  if (global_.frame->ActiveDocument() != this) return;
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetAvailable("menu_EditAddToAll", has_sections);
+  // A comment leaves the other items as they were; intended.
+  if (tag == IniTag::Comments) return;
+  menus.SetAvailable("menu_EditAddKeyValue", on_section || on_entry);
+  menus.SetAvailable("menu_EditDeleteValue", on_entry);
+  menus.SetAvailable("menu_EditRemovefromAll", on_entry);
+  menus.SetAvailable("menu_SectionsDelete", on_section);
+}
+
+void form_INI::UpdateCommands() { TV_NodeClick(); }
+
+void form_INI::RestoreView() {
+  const IniNode* root = tree_.Root();
+  TV->setExpanded(model_->IndexOf(root), root->Expanded());
+  for (int row = 0; row < root->ChildCount(); ++row) {
+    const IniNode* child = root->Child(row);
+    if (child->Expanded()) TV->setExpanded(model_->IndexOf(child), true);
+  }
+  ShowSelection();
+}
+
+void form_INI::ShowSelection() {
+  TV->setCurrentIndex(model_->IndexOf(tree_.Selected()));
+  TV->scrollTo(TV->currentIndex());
+  TV_NodeClick();
+}
+
+void form_INI::NewINI() {
+  TakeSlot();
+  SetFormat({});
+  tree_.Reset(kNewTitle);
+  tree_.SetExpanded(tree_.Root(), true);
+  RestoreView();
+  Slot().path.clear();
+  Slot().title.clear();
+  SetChanged(false);
+  MarkClean();
+  ShowInFrame();
+  TV->setFocus();
+}
+
+void form_INI::OpenINI() {
+  std::optional<DecodedText> decoded = TakeSlotFile();
+  if (!decoded) return;
+  SetFormat(*decoded);
+  tree_.Reset(Slot().title.toStdString());
+  const IniReadResult result = Read(std::move(decoded->text));
+  MarkClean();
+  SetTookAll(LeftOutOf(result).isEmpty());
+  RecordOpened();
+  AddNotice(NoticeOf(result, tr("The file")));
+  SetLeftOut(LeftOutOf(result));
+  ShowInFrame();
+  QMdiSubWindow* sub_window = SubWindow();
+  if (!sub_window->isMinimized() && !sub_window->isMaximized())
+    sub_window->resize(PreferredWidth(), sub_window->height());
+  TV->setFocus();
+}
+
+IniReadResult form_INI::Read(std::string text) {
+  const Hourglass hourglass;
+  const IniQuestions ask{[this](std::string_view) {
+    return global_.dialogs.MsgBox(
+               u"You have asked to paste a section into this INI file, but that section already exists.  Would you "
+               "like to overwrite the existing section with the clipboard data?"_s,
+               MsgButtons::YesNo, MsgIcon::Question, u"Duplicate Section"_s) == MsgAnswer::Yes;
+  }};
+  const IniReadResult result = IniReader::Read(tree_, std::move(text), ask);
+  RestoreView();
+  return result;
+}
+
+void form_INI::SaveFile() { Save(); }
+
+void form_INI::SaveAs() { SaveElsewhere(); }
+
+form_INI::SaveOutcome form_INI::SaveElsewhere() {
+  DocumentSlot& slot = Slot();
+  const QString path = slot.path, title = slot.title;
+  const SaveOutcome outcome = WithoutName([this] { return Save(); });
+  if (outcome == SaveOutcome::Saved) return outcome;
+  slot.path = path;
+  slot.title = title;
+  return outcome;
+}
+
+form_INI::SaveOutcome form_INI::Save() {
+  DocumentSlot& slot = Slot();
+  QString path = slot.path.isEmpty() ? AskForSavePath(global_, SaveTexts()) : slot.path;
+  if (path.isEmpty()) return SaveOutcome::Cancelled;
+  if (!WriteTo(path)) return SaveOutcome::Failed;
+  if (path != slot.path) {
+    slot.path = path;
+    slot.title = QFileInfo(path).fileName();
+    tree_.SetText(tree_.Root(), slot.title.toStdString());
+  }
+  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  setWindowTitle(CaptionText(slot.title));
+  SetChanged(false);
+  MarkClean();
+  return SaveOutcome::Saved;
+}
+
+PartProducer form_INI::Producer() const {
+  return [this](const FilePart& put) { return put(WriteIni(tree_)); };
+}
+
+void form_INI::SetFormat(const DecodedText& decoded) {
+  format_ = decoded.format;
+  is_8bit_ = format_.encoding == TextEncoding::CodePage && utf8::AsciiRun(decoded.text) != decoded.text.size();
+}
+
+TextFormat form_INI::FormatToWrite() const {
+  TextFormat format = format_;
+  const QString last_choice = global_.registry.ReadValue(SettingsRoot, kUnicodeValue);
+  format.fallback = is_8bit_ ? TextEncoding::Utf16Le : SystemUnicode();
+  for (const TextEncoding choice : {TextEncoding::Utf16Le, TextEncoding::Utf8, TextEncoding::Utf8Bom})
+    if (!is_8bit_ && last_choice == QString::fromUtf8(EncodingName(choice))) format.fallback = choice;
+  return format;
+}
+
+bool form_INI::WriteTo(QString& path) {
+  const Hourglass hourglass;
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
+  TextFormat format = FormatToWrite();
+  bool is_ascii = true;
+  const PartProducer produce = [&](const FilePart& put) {
+    return Producer()([&](std::string_view part) {
+      is_ascii = utf8::AsciiRun(part) == part.size();
+      return put(part);
+    });
+  };
+  if (!target || !WriteDocument(*target, &format, produce)) return false;
+  path = target->path;
+  const auto write_as = [this, was_8bit = is_8bit_](TextEncoding encoding) {
+    if (!was_8bit && global_.settings.present)
+      global_.registry.WriteValue(SettingsRoot, kUnicodeValue, kTextType, QString::fromUtf8(EncodingName(encoding)));
+    format_ = {encoding, {}};
+    Save();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
+  AddNotice(NoticeOf(tree_));
+  format_ = format;
+  is_8bit_ = format.encoding == TextEncoding::CodePage && !is_ascii;
+  return true;
+}
+
+std::string form_INI::Content() {
+  TextFormat format = FormatToWrite();
+  return BytesOf(&format, Producer());
+}
+
+void form_INI::PutContent(std::string bytes) {
+  DecodedText decoded = DecodeText(std::move(bytes));
+  SetFormat(decoded);
+  tree_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
+  ReadKept(decoded.text);
+  SetChanged(true);
+}
+
+void form_INI::ReadKept(const std::string& text) {
+  bool clash = false;
+  const IniQuestions never{[&clash](std::string_view) { return !(clash = true); }};
+  const IniReadResult result = IniReader::Read(tree_, text, never);
+  if (clash || result.lines_not_read > 0) {
+    // An edit can make what the reader of files would not take: equal names, several comments at the top.
+    tree_.Reset(std::string(tree_.Root()->Text()));
+    IniNode* section = tree_.Root();
+    std::string_view line;
+    for (Lines lines(text); lines.Next(line);) {
+      if (line.size() > 1 && line.front() == '[')
+        section = tree_.AddSection(line.substr(1, line.size() - 1 - utf8::LastCharacterBytes(line)));
+      else if (!line.empty())
+        tree_.AddEntry(section, line, line.front() == ';' ? IniTag::Comments : IniTag::Value);
+    }
+    tree_.SetExpanded(tree_.Root(), true);
+  }
+  tree_.Select(tree_.Root());
+  RestoreView();
+}
+
+void form_INI::FileClose() { CloseDocument(); }
+
+void form_INI::ExitForm() { CloseDocument(); }
+
+bool form_INI::CloseDocument() {
+  if (!ConfirmClose([this] { return Save(); }, [this] { return SaveElsewhere(); })) return false;
+  ReleaseSlot();
+  tree_.Reset({});
+  return true;
+}
+
+void form_INI::PrintDoc(QPrinter* printer) {
+  tree_.Select(tree_.Root());
+  ShowSelection();
+  EditCopy();
+  const Hourglass hourglass;
+  if (!RTFPrintBox) {
+    RTFPrintBox = new QTextEdit(this);
+    RTFPrintBox->setObjectName(u"RTFPrintBox"_s);
+    RTFPrintBox->setUndoRedoEnabled(false);
+    RTFPrintBox->hide();
+  }
+  RTFPrintBox->setPlainText(QString::fromStdString(ClipboardText(*tree_.Root())));
+  RTFPrintBox->print(printer);
+  RTFPrintBox->clear();
+}
+
+}  // namespace tme

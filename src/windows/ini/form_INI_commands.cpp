@@ -1,0 +1,241 @@
+// The commands of form_INI that edit its document, and its clipboard.
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTreeView>
+
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniWriter.h"
+#include "shell/DisplayText.h"
+#include "shell/Global.h"
+#include "shell/Hourglass.h"
+#include "system/Dialogs.h"
+#include "windows/ini/IniItemModel.h"
+#include "windows/ini/IniNotice.h"
+#include "windows/ini/form_ADE.h"
+#include "windows/ini/form_INI.h"
+#include "windows/ini/form_INIAddValue.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+IniTag TagOfKey(const QString& key) { return key.startsWith(u';') ? IniTag::Comments : IniTag::Value; }
+
+std::string EntryText(const QString& key, const QString& value) { return (key + u'=' + value).toStdString(); }
+
+/// Lines end in CR LF, LF or CR; the last one may have no end.
+QStringList LinesOf(QString text) {
+  text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+  if (text.endsWith(u'\n')) text.chop(1);
+  return text.split(u'\n');
+}
+
+}  // namespace
+
+void form_INI::AddSection() {
+  QString prompt = u"Enter the name for the new section."_s;
+  QString name;
+  while (true) {
+    name = global_.dialogs.InputBox(prompt, u"Add New Section"_s);
+    if (name.isEmpty()) return;
+    if (tree_.IsUniqueSectionName(name.toStdString())) break;
+    prompt = u"This name already exists in the INI file.  Please enter a unique name for the new section."_s;
+  }
+  tree_.Select(tree_.AddSection(name.toStdString()));
+  TV->expand(model_->IndexOf(tree_.Root()));
+  ShowSelection();
+  SetChanged(true);
+}
+
+void form_INI::AddEntryTo(IniNode* section, const QString& key, const QString& value) {
+  tree_.Select(tree_.AddEntry(section, EntryText(key, value), TagOfKey(key)));
+  TV->expand(model_->IndexOf(section));
+  ShowSelection();
+  SetChanged(true);
+}
+
+void form_INI::AddValue() {
+  IniNode* section = tree_.Selected();
+  if (section->Tag() == IniTag::Value || section->Tag() == IniTag::Comments) section = section->Parent();
+  if (section->Tag() != IniTag::Section) return;
+  form_ADE dialog(this, u"Add Key/Value to section "_s + DisplayText(section->Text(), kMaxCharactersInMessage),
+                  form_ADE::DeleteButton::Hidden);
+  dialog.exec();
+  if (dialog.Key().isEmpty() || dialog.Value() == form_ADE::kCancelled) return;
+  AddEntryTo(section, dialog.Key(), dialog.Value());
+}
+
+void form_INI::AddSectionToAll() {
+  form_INIAddValue dialog(this);
+  dialog.exec();
+  if (dialog.Key().isEmpty()) return;
+  const Hourglass hourglass;
+  tree_.AddEntryToAllSections(EntryText(dialog.Key(), dialog.Value()), TagOfKey(dialog.Key()));
+  SetChanged(true);
+}
+
+void form_INI::cmd_Edit_Click() {
+  IniNode* node = tree_.Selected();
+  switch (node->Tag()) {
+    case IniTag::Value:
+      return EditEntry(node);
+    case IniTag::Section:
+      return RenameSection(node);
+    case IniTag::Comments:
+      return EditComment(node);
+    case IniTag::OpenedFile:
+      return;
+  }
+}
+
+void form_INI::EditEntry(IniNode* node) {
+  form_ADE dialog(this, u"Edit "_s + DisplayText(node->Parent()->Text(), kMaxCharactersInMessage) + u" Section"_s,
+                  form_ADE::DeleteButton::Shown);
+  const QString old_key = TextOf(node->EntryKey()), old_value = TextOf(node->EntryValue());
+  dialog.SetEntry(old_key, old_value);
+  dialog.exec();
+  const QString value = dialog.Value();
+  if (value.isEmpty()) {
+    if (global_.dialogs.MsgBox(u"There is no value listed for the Key.  Delete this entry?"_s, MsgButtons::YesNo,
+                               MsgIcon::Question, u"Entry Delete"_s) != MsgAnswer::Yes)
+      return;
+    tree_.Remove(node);
+    SetChanged(true);
+    return;
+  }
+  if (value == form_ADE::kCancelled) return;
+  if (value == form_ADE::kDelete) return DeleteValue();
+  const QString new_key = TrimBlanks(dialog.Key()), new_value = TrimBlanks(value);
+  // The same boxes again change nothing, bytes that are not text included.
+  if (new_key == old_key && new_value == old_value) return;
+  const auto bytes = [](const QString& now, const QString& before, std::string_view old) {
+    return now == before ? std::string(old) : now.toStdString();
+  };
+  const std::string text =
+      bytes(new_key, old_key, node->EntryKey()) + '=' + bytes(new_value, old_value, node->EntryValue());
+  if (TagOfKey(new_key) == IniTag::Comments)
+    tree_.ReplaceWithComment(node, text);
+  else
+    tree_.SetText(node, text);
+  SetChanged(true);
+  ShowSelection();
+}
+
+void form_INI::RenameSection(IniNode* node) {
+  const QString old_name = TextOf(node->Text());
+  const QString name = global_.dialogs.InputBox(u"New name for this section"_s, u"Section Name Change"_s, old_name);
+  if (name.isEmpty() || name == old_name) return;
+  tree_.SetText(node, name.toStdString());
+  SetChanged(true);
+}
+
+void form_INI::EditComment(IniNode* node) {
+  const QString old_text = TextOf(node->Text());
+  const QString text = global_.dialogs.InputBox(u"Alter the comment:"_s, u"Comments"_s, old_text);
+  if (text.isEmpty() || text == old_text) return;
+  tree_.SetText(node, text.toStdString());
+  SetChanged(true);
+}
+
+bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
+  if (global_.skip_confirmation) return true;
+  const QString question =
+      u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text(), kMaxCharactersInMessage) + u'?';
+  return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, u"Deletion Confirmation"_s) ==
+         MsgAnswer::Yes;
+}
+
+void form_INI::DeleteValue() {
+  IniNode* node = tree_.Selected();
+  const bool comment = node->Tag() == IniTag::Comments;
+  if (!comment && node->Tag() != IniTag::Value) return;
+  if (!ConfirmDeletion(comment ? u"Comment"_s : u"Key / Value"_s, *node)) return;
+  tree_.Remove(node);
+  SetChanged(true);
+}
+
+void form_INI::DeleteSection() {
+  IniNode* node = tree_.Selected();
+  if (node->Tag() != IniTag::Section) {
+    global_.dialogs.MsgBox(u"You must first select (highlight) a section before you can delete it."_s, MsgButtons::Ok,
+                           MsgIcon::None, u"Section Deletion"_s);
+    return;
+  }
+  if (!ConfirmDeletion(u"Section"_s, *node)) return;
+  tree_.Remove(node);
+  SetChanged(true);
+}
+
+void form_INI::EditDelete() {
+  const IniTag tag = tree_.Selected()->Tag();
+  if (tag == IniTag::OpenedFile || tag == IniTag::Section)
+    DeleteSection();
+  else
+    DeleteValue();
+}
+
+void form_INI::DeleteAllNodes() {
+  if (tree_.Selected()->Tag() != IniTag::Value) return;
+  const Hourglass hourglass;
+  tree_.RemoveStartingWithSelectedKey();
+  SetChanged(true);
+}
+
+void form_INI::ExpandAll() {
+  const Hourglass hourglass;
+  tree_.ExpandAll();
+  TV->expandAll();
+}
+
+void form_INI::CollapseAll() {
+  // What is selected stays in sight.
+  if (const IniNode* selected = tree_.Selected(); selected->Parent() && selected->Parent() != tree_.Root())
+    tree_.Select(selected->Parent());
+  tree_.CollapseAll();
+  TV->collapseAll();
+  TV->expand(model_->IndexOf(tree_.Root()));
+  ShowSelection();
+}
+
+void form_INI::EditCopy() {
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  clipboard->clear();
+  const QString text = QString::fromStdString(ClipboardText(*tree_.Selected()));
+  if (!text.isEmpty()) clipboard->setText(text);
+}
+
+void form_INI::EditCut() {
+  EditCopy();
+  const IniTag tag = tree_.Selected()->Tag();
+  // A comment is neither copied nor removed; intended.
+  if (tag == IniTag::Value || tag == IniTag::Section) {
+    global_.skip_confirmation = true;
+    EditDelete();
+    global_.skip_confirmation = false;
+  } else if (tag == IniTag::OpenedFile && tree_.SectionCount() > 0) {
+    tree_.Clear();
+    SetChanged(true);
+  }
+}
+
+void form_INI::EditPaste() {
+  const QString text = QGuiApplication::clipboard()->text();
+  if (text.isEmpty()) return;
+  IniReadResult result = Read(text.toStdString());
+  // Whoever refused a section knows.
+  if (result.end == IniReadEnd::DuplicateRefused) result.ended_at_line = 0;
+  AddNotice(NoticeOf(result, tr("The pasted text")));
+}
+
+void form_INI::PasteNewSection() {
+  const QStringList lines = LinesOf(QGuiApplication::clipboard()->text());
+  if (lines.first().startsWith(u'[')) return;
+  const QString name = global_.dialogs.InputBox(u"Enter New Section Name"_s, u"Paste as New Section"_s);
+  if (name.isEmpty()) return;
+  QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);
+  EditPaste();
+  SetChanged(true);
+}
+
+}  // namespace tme

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QIcon>
+
+#include "documents/reg/RegDocument.h"
+#include "shell/TreeItemModel.h"
+
+namespace tme {
+
+/// Shows the keys of a RegDocument, and passes on what happens to its values.
+class RegKeyModel : public TreeItemModel<RegDocument, RegNode, RegDocumentObserver> {
+  Q_OBJECT
+
+ public:
+  explicit RegKeyModel(RegDocument& document, QObject* parent = nullptr);
+
+  QVariant data(const QModelIndex& index, int role) const override;
+
+ signals:
+  void ValueAddedToTable(std::size_t record);
+  void ValueChangedInTable(std::size_t record);
+
+ private:
+  void ValueAdded(std::size_t record) override { emit ValueAddedToTable(record); }
+  void ValueChanged(std::size_t record) override { emit ValueChangedInTable(record); }
+
+  QIcon file_icon_, hive_icon_, key_icon_;
+};
+
+}  // namespace tme

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QIcon>
+#include <vector>
+
+#include "documents/reg/RegDocument.h"
+
+namespace tme {
+
+/// The values of one key, a row a record in table order: name, type, data. Each row knows the index of its record.
+class RegValueModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  enum Column { Name, Type, Data, ColumnCount };
+
+  explicit RegValueModel(const RegDocument& document, QObject* parent = nullptr);
+
+  /// Fills the list anew; null empties it.
+  void ShowKey(const RegNode* node);
+  /// A record that now belongs to the key that is shown.
+  void Append(std::size_t record);
+  void Refresh(std::size_t record);
+  /// Takes the row away; the record stays in the table.
+  void TakeRow(int row);
+  std::size_t RecordOf(const QModelIndex& index) const { return records_[static_cast<std::size_t>(index.row())]; }
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  const RegDocument& document_;
+  std::vector<std::size_t> records_;
+  QIcon string_icon_, dword_icon_, hex_icon_;
+};
+
+}  // namespace tme

@@ -1,0 +1,135 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPrinter>
+#include <memory>
+
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegReader.h"
+#include "documents/reg/RegWriter.h"
+#include "shell/DocumentWindow.h"
+
+class QLabel;
+class QProgressBar;
+class QTextEdit;
+class QTreeView;
+
+namespace tme {
+
+class RegKeyModel;
+struct RegLosses;
+class RegValueModel;
+
+/// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
+/// key's path. Everything that changes the document is a call of RegDocument; the views follow through their models.
+class form_REG : public DocumentWindow {
+  Q_OBJECT
+
+ public:
+  form_REG(Global& global, int slot);
+  ~form_REG() override;
+
+  std::uint64_t Revision() const override { return document_.Revision(); }
+
+  Q_INVOKABLE void NewREG();
+  /// Reads the file at the slot's path; lines that fail go to the error log.
+  Q_INVOKABLE void OpenREG();
+  Q_INVOKABLE void FileSaveRegular();
+  Q_INVOKABLE void FileSaveExpanded();
+  Q_INVOKABLE void FileSaveAsRegular();
+  Q_INVOKABLE void FileSaveAsExpanded();
+  Q_INVOKABLE void FileClose() override;
+  Q_INVOKABLE void ExitForm() override;
+  /// Writes the expanded layout into a file of its own and prints that. The document counts as unchanged afterwards,
+  /// although its own file was not written; intended.
+  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+
+  Q_INVOKABLE void EditModify();
+  Q_INVOKABLE void EditNewKey();
+  Q_INVOKABLE void EditNewString();
+  Q_INVOKABLE void EditNewDword();
+  Q_INVOKABLE void EditNewBinary();
+  Q_INVOKABLE void EditDelete();
+  Q_INVOKABLE void EditRename();
+
+  /// The document as it stands.
+  const RegDocument& Document() const { return document_; }
+
+  std::string Content() override;
+  bool HoldsWholeFile() const override;
+  void PutContent(std::string bytes) override;
+
+ protected:
+  void BuildControls(QWidget& client) override;
+  void UpdateCommands() override;
+  bool CloseDocument() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  /// Text of the root of a document without a file.
+  static inline const QString kNewTitle = QStringLiteral("New Registry File");
+
+  /// The control that the user last worked in; deleting and modifying go by it.
+  enum class Focus { TV, LV };
+
+  void BuildKeyTree(QWidget* parent);
+  void BuildValueList(QWidget* parent);
+  void RestoreView();
+  void ShowSelection();
+  /// The list and the path of the selected key.
+  void ShowKey();
+  void SetFocusMarker(Focus focus);
+  void ReadColumnWidths();
+  void WriteColumnWidth(int column, int pixels);
+
+  RegReadResult Read(std::string text);
+  void ShowProgress(const RegProgress& progress);
+  void ShowImport(const RegProgress& progress);
+  void EndProgress();
+  void ReportErrors(const std::string& error_log);
+  SaveOutcome WriteRegFile();
+  /// Writes a file of the program's own into its folder, or else into the user's data folder. Its path; empty after a
+  /// message when neither can be written.
+  QString WriteOwnFile(const char* name,
+                       const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
+  RegLayout Layout() const;
+  /// Saved when the result is no larger than a file may be unasked, or the user wants it so; asks once for a document.
+  SaveOutcome MayBeThatLarge();
+  /// Keeps what a save left out and says so.
+  void TellLosses(const RegLosses& losses);
+  /// What a save writes, in the layout that is set.
+  PartProducer Producer() const;
+  /// The same, with a dialog that can stop it.
+  PartProducer ProducerWithProgress();
+  /// Writes and reports; false when the file is as it was.
+  bool WriteTo(QString& path);
+  void SetLocation(const QString& text);
+  /// After an edit of a key or its values: what a save makes of it otherwise than it is shown.
+  void TellWhatASaveMakesOf(const RegNode& node);
+
+  void AddValueOfType(RegType type, const QString& caption);
+  /// -1 without a selected row.
+  int SelectedRow() const;
+
+  RegDocument document_;
+  TextFormat format_;
+  std::unique_ptr<RegKeyModel> keys_;
+  std::unique_ptr<RegValueModel> values_;
+  bool ExpandedLayout = false;
+  bool force_dialog_ = false;
+  /// RegLosses::fingerprint of what the history has of this document.
+  std::uint64_t kept_losses_ = 0;
+  bool large_output_is_allowed_ = false;
+  bool is_placing_columns_ = false;
+  Focus FocusMarker = Focus::TV;
+  QElapsedTimer since_progress_;
+
+  QTreeView* TV = nullptr;
+  QTreeView* LV = nullptr;
+  QLabel* lbl_location = nullptr;
+  QProgressBar* PB = nullptr;
+  QProgressBar* PB2 = nullptr;
+  QTextEdit* RTFPrint2 = nullptr;
+};
+
+}  // namespace tme

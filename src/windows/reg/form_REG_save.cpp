@@ -1,0 +1,218 @@
+// Saving and printing a registry document.
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLocale>
+#include <QProgressDialog>
+#include <QTextEdit>
+
+#include "documents/reg/RegLosses.h"
+#include "documents/reg/RegWriter.h"
+#include "shell/DisplayText.h"
+#include "shell/Global.h"
+#include "shell/Hourglass.h"
+#include "shell/PlainText.h"
+#include "shell/Rescue.h"
+#include "shell/SaveDialog.h"
+#include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "system/FilePath.h"
+#include "system/ShellUtilities.h"
+#include "windows/reg/RegNotice.h"
+#include "windows/reg/form_REG.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// Bytes. Values are written under every key of their name, so a small document may make a file of any size.
+constexpr std::uint64_t kLargeOutput = std::uint64_t{1} << 30;
+constexpr const char* kPrintFileName = "~REGPRNT.TMP";
+
+SaveDialogTexts SaveTexts() { return {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s}; }
+
+QString SizeText(std::uint64_t bytes) { return QLocale().formattedDataSize(static_cast<qint64>(bytes)); }
+
+}  // namespace
+
+QString form_REG::WriteOwnFile(
+    const char* name, const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write) {
+  const ShellUtilities& utilities = global_.shell_utilities;
+  QString path;
+  std::optional<FileFailure> failure;
+  for (const QString& folder : {utilities.ProgramFolder(), utilities.UserDataFolder()}) {
+    path = QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
+    MakePrivate(FilePath(path));
+    failure = write(FilePath(path));
+    if (!failure) return path;
+  }
+  ShowWriteFailure(path, *failure);
+  return {};
+}
+
+void form_REG::FileSaveRegular() {
+  ExpandedLayout = false;
+  WriteRegFile();
+}
+
+void form_REG::FileSaveExpanded() {
+  ExpandedLayout = true;
+  WriteRegFile();
+}
+
+void form_REG::FileSaveAsRegular() {
+  force_dialog_ = true;
+  FileSaveRegular();
+}
+
+void form_REG::FileSaveAsExpanded() {
+  force_dialog_ = true;
+  FileSaveExpanded();
+}
+
+form_REG::SaveOutcome form_REG::WriteRegFile() {
+  DocumentSlot& slot = Slot();
+  const QString location = lbl_location->text();
+  SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
+  QString path = slot.path;
+  if (std::exchange(force_dialog_, false) || path.isEmpty()) path = AskForSavePath(global_, SaveTexts());
+  // Before the root gets another text, which decides what is written.
+  const RegLosses losses = LossesOf(document_, Layout());
+  SaveOutcome outcome = path.isEmpty() ? SaveOutcome::Cancelled : MayBeThatLarge();
+  if (outcome == SaveOutcome::Saved && !WriteTo(path)) outcome = SaveOutcome::Failed;
+  if (outcome != SaveOutcome::Saved) {
+    SetLocation(location);
+    return outcome;
+  }
+  const bool has_own_text = TextOf(document_.Root()->Text()) != (slot.path.isEmpty() ? kNewTitle : slot.title);
+  slot.path = path;
+  slot.title = QFileInfo(path).fileName();
+  // A root that the user renamed keeps that text.
+  if (!has_own_text) document_.SetText(document_.Root(), slot.title.toStdString());
+  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  TellLosses(losses);
+  SetLocation({});
+  setWindowTitle(CaptionText(slot.title));
+  SetChanged(false);
+  MarkClean();
+  return SaveOutcome::Saved;
+}
+
+RegLayout form_REG::Layout() const { return ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular; }
+
+form_REG::SaveOutcome form_REG::MayBeThatLarge() {
+  if (large_output_is_allowed_) return SaveOutcome::Saved;
+  const std::uint64_t bytes = RegOutputBytes(document_, Layout());
+  if (bytes <= kLargeOutput) return SaveOutcome::Saved;
+  if (global_.saving_unasked) {
+    AddNotice(tr("AutoSave passed over this document: so many keys share their names that its file would have %1. "
+                 "File, Save asks whether it may.")
+                  .arg(SizeText(bytes)));
+    return SaveOutcome::Cancelled;
+  }
+  QString question = tr("So many keys share their names that the file would have %1.").arg(SizeText(bytes));
+  if (bytes > kMaxFileBytes) question += u"  "_s + tr("A file of that size cannot be opened here again.");
+  question += u"  "_s + tr("Save it nevertheless?");
+  if (global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, kProgramTitle) == MsgAnswer::Yes) {
+    large_output_is_allowed_ = true;
+    return SaveOutcome::Saved;
+  }
+  // While the program is being left a failure would ask for another file, for ever.
+  return global_.frame->IsLeaving() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
+}
+
+void form_REG::TellLosses(const RegLosses& losses) {
+  std::vector<NoticeAction> actions;
+  if (losses.fingerprint != 0) {
+    // What is in no line of the file joins the history with the whole document, once as long as it stays the same.
+    if (losses.fingerprint == kept_losses_ || KeepContent()) {
+      kept_losses_ = losses.fingerprint;
+      actions.push_back(FileHistoryButton());
+    } else {
+      global_.frame->UnsavedContent().LeaveForNextStart(*this);
+    }
+  }
+  const bool is_kept = !actions.empty();
+  if (losses.empty_keys > 0) actions.push_back({tr("Save Expanded"), [this] { FileSaveExpanded(); }});
+  AddNotice(NoticeOf(losses, RegNoticeTime::AfterSave), std::move(actions));
+  if (losses.fingerprint == 0) return;
+  AddNotice(is_kept ? tr("File History has the whole document.")
+                    : tr("What was not written could not be kept in the history either."));
+}
+
+PartProducer form_REG::Producer() const {
+  return [this](const FilePart& put) { return WriteReg(document_, Layout(), put); };
+}
+
+bool form_REG::WriteTo(QString& path) {
+  const Hourglass hourglass;
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
+  TextFormat format = format_;
+  format.fallback = TextEncoding::Utf16Le;  // as the system's own registry files
+  if (!target || !WriteDocument(*target, &format, large_output_is_allowed_ ? ProducerWithProgress() : Producer()))
+    return false;
+  path = target->path;
+  const auto write_as = [this](TextEncoding encoding) {
+    format_ = {encoding, {}};
+    WriteRegFile();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
+  format_ = format;
+  return true;
+}
+
+bool form_REG::HoldsWholeFile() const {
+  return DocumentWindow::HoldsWholeFile() && LossesOf(document_, Layout()).fingerprint == 0;
+}
+
+PartProducer form_REG::ProducerWithProgress() {
+  constexpr int kSteps = 1000;  // a progress dialog counts in int
+  auto dialog = std::make_shared<QProgressDialog>(tr("Saving…"), tr("Cancel"), 0, kSteps, this);
+  dialog->setObjectName(u"SaveProgress"_s);
+  dialog->setWindowModality(Qt::ApplicationModal);
+  const std::uint64_t bytes = std::max<std::uint64_t>(RegOutputBytes(document_, Layout()), 1);
+  return [this, dialog, bytes](const FilePart& put) {
+    std::uint64_t written = 0;
+    return WriteReg(document_, Layout(), [&](std::string_view part) {
+      written += part.size();
+      dialog->setValue(static_cast<int>(kSteps * std::min(written, bytes) / bytes));
+      return !dialog->wasCanceled() && put(part);
+    });
+  };
+}
+
+void form_REG::PrintDoc(QPrinter* printer) {
+  if (const std::uint64_t size = RegOutputBytes(document_, RegLayout::Expanded); size > kLargeOutput) {
+    global_.dialogs.MsgBox(
+        tr("So many keys share their names that the printout would have %1.  That is too much to print.")
+            .arg(SizeText(size)),
+        MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+    return;
+  }
+  const bool expanded = std::exchange(ExpandedLayout, true);
+  const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
+    TextFormat format = format_;
+    PrivateFileSteps steps;
+    return WriteTextFile(file, format, Producer(), steps);
+  });
+  ExpandedLayout = expanded;
+  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
+  std::string bytes;
+  if (path.isEmpty()) return;
+  if (const auto failure = ReadFileBytes(FilePath(path), bytes)) return ShowReadFailure(path, *failure);
+  const Hourglass hourglass;
+  if (!RTFPrint2) {
+    RTFPrint2 = new QTextEdit(this);
+    RTFPrint2->setObjectName(u"RTFPrint2"_s);
+    RTFPrint2->setUndoRedoEnabled(false);
+    RTFPrint2->hide();
+  }
+  RTFPrint2->setPlainText(QString::fromStdString(DecodeText(std::move(bytes)).text));
+  RTFPrint2->print(printer);
+  RTFPrint2->clear();
+  SetChanged(false);
+}
+
+}  // namespace tme

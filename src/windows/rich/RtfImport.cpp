@@ -1,0 +1,448 @@
+#include "windows/rich/RtfImport.h"
+
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextList>
+#include <QTextTable>
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string_view>
+
+#include "shell/DisplayText.h"
+#include "system/Twips.h"
+#include "windows/rich/RtfGrid.h"
+#include "windows/rich/RtfShape.h"
+
+namespace tme {
+namespace {
+
+using rtf::RtfDocument;
+
+constexpr std::size_t kEndless = ~std::size_t{0};
+/// Between two parts of one table.
+constexpr double kSeamUnits = 1;
+const QColor kFlatBackground(0xF3, 0xF5, 0xF7);
+// Short enough to answer a click on Cancel at once.
+constexpr std::size_t kParagraphsBetweenSteps = 256;
+
+class Importer {
+ public:
+  /// source: texts, runs, paragraphs, cells, rows, tables; their numbers name parts of the store.
+  Importer(const RtfDocument& source, RtfStore& store, QTextDocument& target, const RtfImportStep& step)
+      : source_(source),
+        store_(store),
+        step_(step),
+        shape_(source),
+        looks_(store),
+        cursor_(&target),
+        char_formats_(store.document.char_formats.size()) {}
+
+  /// False when it was given up.
+  bool Run(RtfSimplified& simplified) {
+    cursor_.beginEditBlock();
+    offset_ = 0;
+    InsertParagraphs(0, source_.paragraphs.size(), -1);
+    cursor_.endEditBlock();
+    simplified = {shape_.FlatTables(), long_paragraphs_};
+    return !given_up_;
+  }
+
+ private:
+  enum class At : std::uint8_t { EmptyBlock, EmptyCell, EndOfBlock, AfterTable };
+  /// The paragraphs of each cell: the first one, and the one behind the last.
+  using CellRanges = std::map<std::int32_t, std::pair<std::size_t, std::size_t>>;
+
+  /// The cell right inside `parent` that holds a paragraph; -1 when it stands in `parent` itself.
+  std::int32_t CellInside(std::int32_t parent, const rtf::Paragraph& paragraph) const {
+    std::int32_t cell = paragraph.cell;
+    while (cell >= 0 && cell != parent) {
+      const std::int32_t around = shape_.CellAround(cell);
+      if (around == parent) return cell;
+      cell = around;
+    }
+    return -1;
+  }
+
+  /// The cursor stands in an empty block: the first of a document or a cell.
+  void InsertParagraphs(std::size_t first, std::size_t last, std::int32_t parent) {
+    At at = parent < 0 ? At::EmptyBlock : At::EmptyCell;
+    for (std::size_t index = first; index < last && !given_up_;) {
+      const std::int32_t cell = CellInside(parent, source_.paragraphs[index]);
+      if (cell < 0 || shape_.IsFlat(shape_.TableOf(cell))) {
+        InsertParagraph(index, at, cell < 0 ? 0 : FlatNumber(source_.paragraphs[index].cell));
+        ++index;
+        at = At::EndOfBlock;
+        continue;
+      }
+      const std::uint32_t table = shape_.TableOf(cell);
+      CellRanges cells;
+      std::int32_t inside = cell;
+      do {
+        const auto [place, is_new] = cells.try_emplace(inside, index, index + 1);
+        place->second.second = ++index;
+        if (index == last) break;
+        inside = CellInside(parent, source_.paragraphs[index]);
+      } while (inside >= 0 && shape_.TableOf(inside) == table);
+      if (at != At::EndOfBlock) MarkFiller();
+      InsertTable(table, cells);
+      at = At::AfterTable;
+    }
+    if (at == At::AfterTable) MarkFiller();
+  }
+
+  /// The store's number of a cell of a table that is not shown as one, plus 1; all of the table joins the store with
+  /// its first cell.
+  int FlatNumber(std::int32_t cell) {
+    if (flat_numbers_.empty()) flat_numbers_.resize(source_.cells.size(), 0);
+    int& number = flat_numbers_[static_cast<std::size_t>(cell)];
+    if (number > 0) return number;
+    const std::int32_t around = shape_.CellAround(cell);
+    const bool is_inside_flat = around >= 0 && shape_.IsFlat(shape_.TableOf(around));
+    const std::int32_t parent = is_inside_flat ? FlatNumber(around) - 1 : -1;
+    RtfStore::FlatTables& flat = store_.flat;
+    for (const std::uint32_t row : shape_.RowsOf(shape_.TableOf(cell))) {
+      const auto begin = static_cast<std::uint32_t>(flat.cells.size());
+      for (const std::uint32_t each : shape_.CellsOf(row)) {
+        flat.cells.push_back(source_.cells[each]);
+        flat.cells.back().row = static_cast<std::uint32_t>(flat.rows.size());
+        flat_numbers_[each] = static_cast<int>(flat.cells.size());
+      }
+      const auto end = static_cast<std::uint32_t>(flat.cells.size());
+      flat.rows.push_back({static_cast<std::uint32_t>(flat.parents.size()), begin, end, source_.rows[row].definition});
+    }
+    flat.parents.push_back(parent);
+    return number;
+  }
+
+  void MarkFiller() {
+    QTextBlockFormat format = BlockFormat(0, nullptr);
+    format.setProperty(kFiller, 1);
+    cursor_.setBlockFormat(format);
+  }
+
+  /// The block between two parts of a table, as good as not there.
+  void MarkSeam() {
+    MarkFiller();
+    QTextBlockFormat format = cursor_.blockFormat();
+    format.setLineHeight(kSeamUnits, QTextBlockFormat::FixedHeight);
+    cursor_.setBlockFormat(format);
+  }
+
+  /// flat: of the cell that it stands in although the view shows no table there.
+  void InsertParagraph(std::size_t index, At at, int flat) {
+    if (++since_step_ >= kParagraphsBetweenSteps) Step();
+    const rtf::Paragraph& paragraph = source_.paragraphs[index];
+    const std::size_t last =
+        index + 1 < source_.paragraphs.size() ? source_.paragraphs[index + 1].first_run : source_.runs.size();
+    std::size_t shown_end = last;
+    while (shown_end > paragraph.first_run && IsUnseen(source_.runs[shown_end - 1])) --shown_end;
+
+    QTextList* list = ListOf(paragraph);
+    QTextBlockFormat format = BlockFormat(paragraph.format, list);
+    if (flat > 0) {
+      format.setProperty(kFlatCell, flat);
+      format.setBackground(kFlatBackground);
+    }
+    const bool is_long = shape_.IsLong(index);
+    if (is_long) BeginPieces(format, paragraph.mark_format);
+    if (at == At::EmptyCell) format.setProperty(kMarkLook, static_cast<int>(paragraph.mark_format) + 1);
+    int attached = 0;
+    if (shown_end < last) {
+      std::uint32_t offset = offset_;
+      for (std::size_t run = paragraph.first_run; run < shown_end; ++run) offset += source_.runs[run].bytes;
+      attached = Attach(shown_end, last, offset);
+      if (!is_long) format.setProperty(kAttached, attached);
+    }
+    if (at == At::EndOfBlock) {
+      cursor_.insertBlock(format, CharFormat(paragraph.mark_format));
+    } else {
+      cursor_.setBlockFormat(format);
+      if (at == At::EmptyBlock) cursor_.setBlockCharFormat(CharFormat(paragraph.mark_format));
+      if (list) list->add(cursor_.block());
+    }
+    if (!list) StartList(paragraph);
+    InsertRuns(paragraph.first_run, shown_end);
+    if (is_long) EndPieces(attached);
+    for (; shown_end < last; ++shown_end) offset_ += source_.runs[shown_end].bytes;
+  }
+
+  void Step() {
+    since_step_ = 0;
+    if (step_ && !step_(offset_, source_.text.size())) given_up_ = true;
+  }
+
+  /// format: of the first block, and made that of a piece.
+  void BeginPieces(QTextBlockFormat& format, std::uint32_t mark) {
+    piece_mark_ = mark;
+    ++long_paragraphs_;
+    format.setProperty(kLongParagraph, ++store_.long_paragraphs);
+    format.setProperty(kPiece, 1);
+    RtfLooks::ShowAsPiece(format, 1);
+    next_piece_ = format;
+    next_piece_.setObjectIndex(-1);
+    room_ = kBytesOfPiece;
+    room_runs_ = kRunsOfPiece;
+  }
+
+  void NextPiece() {
+    const int piece = next_piece_.intProperty(kPiece) + 1;
+    next_piece_.setProperty(kPiece, piece);
+    RtfLooks::ShowAsPiece(next_piece_, piece);
+    cursor_.insertBlock(next_piece_, CharFormat(piece_mark_));
+    room_ = kBytesOfPiece;
+    room_runs_ = kRunsOfPiece;
+    Step();
+  }
+
+  void EndPieces(int attached) {
+    room_ = room_runs_ = kEndless;
+    if (attached == 0) return;
+    QTextBlockFormat format = cursor_.blockFormat();
+    format.setProperty(kAttached, attached);
+    cursor_.setBlockFormat(format);
+  }
+
+  void TakeRoomForRun() {
+    if (room_runs_ == kEndless) return;
+    if (room_runs_ == 0) NextPiece();
+    --room_runs_;
+  }
+
+  /// Where a text that is longer than the room of its piece is cut: behind a blank, or between characters.
+  static std::size_t CutOf(std::string_view text, std::size_t room) {
+    const std::size_t blank = text.rfind(' ', room);
+    if (blank != std::string_view::npos && blank < room && room - blank < kBytesOfPiece / 4) return blank + 1;
+    while (room > 0 && (static_cast<unsigned char>(text[room]) & 0xC0) == 0x80) --room;
+    return room;
+  }
+
+  bool IsUnseen(const rtf::Run& run) const {
+    if (run.object) return store_.document.objects[run.object - 1].kind == rtf::ObjectKind::Invisible;
+    return store_.document.char_formats[run.format].hidden;
+  }
+
+  /// What a view does not show, from run to run; the number of kAttached.
+  int Attach(std::size_t first, std::size_t last, std::uint32_t offset) {
+    std::vector<RtfStore::Attached> parts;
+    for (; first < last; ++first) {
+      const rtf::Run& run = source_.runs[first];
+      parts.push_back({run.object, run.format, run.object ? std::string() : source_.text.substr(offset, run.bytes)});
+      offset += run.bytes;
+    }
+    store_.attached.push_back(std::move(parts));
+    return static_cast<int>(store_.attached.size());
+  }
+
+  void InsertRuns(std::size_t first, std::size_t last) {
+    int attached = 0;
+    while (first < last && !given_up_) {
+      const rtf::Run& run = source_.runs[first];
+      if (IsUnseen(run)) {
+        std::size_t end = first + 1;
+        while (end < last && IsUnseen(source_.runs[end])) ++end;
+        attached = Attach(first, end, offset_);
+        for (; first < end; ++first) offset_ += source_.runs[first].bytes;
+        continue;
+      }
+      if (attached == 0 && !run.object) {
+        InsertText(std::string_view(source_.text).substr(offset_, run.bytes), CharFormat(run.format));
+      } else {
+        QTextCharFormat format = CharFormat(run.format);
+        if (attached) format.setProperty(kAttached, attached);
+        if (run.object)
+          InsertObject(static_cast<int>(run.object), format);
+        else
+          InsertText(std::string_view(source_.text).substr(offset_, run.bytes), format);
+        attached = 0;
+      }
+      offset_ += run.bytes;
+      ++first;
+    }
+  }
+
+  void InsertText(std::string_view text, const QTextCharFormat& format) {
+    for (std::size_t page_end = text.find('\f'); page_end != std::string_view::npos; page_end = text.find('\f')) {
+      InsertText(text.substr(0, page_end), format);
+      InsertObject(kPageBreak, format);
+      text.remove_prefix(page_end + 1);
+    }
+    if (text.empty()) return;
+    TakeRoomForRun();
+    while (text.size() > room_ && !given_up_) {
+      const std::size_t cut = CutOf(text, room_);
+      if (cut > 0) cursor_.insertText(TextOf(text.substr(0, cut)), format);
+      text.remove_prefix(cut);
+      NextPiece();
+    }
+    cursor_.insertText(TextOf(text), format);
+    if (room_ != kEndless) room_ -= text.size();
+  }
+
+  void InsertObject(int object, QTextCharFormat format) {
+    TakeRoomForRun();
+    format.setObjectType(kRtfObjectType);
+    format.setProperty(kObject, object);
+    cursor_.insertText(QString(QChar::ObjectReplacementCharacter), format);
+  }
+
+  const QTextCharFormat& CharFormat(std::uint32_t number) {
+    if (number >= char_formats_.size()) number = 0;
+    std::optional<QTextCharFormat>& format = char_formats_[number];
+    if (!format) format = looks_.Show(number);
+    return *format;
+  }
+
+  const QTextBlockFormat& BlockFormat(std::uint32_t number, const QTextList* list) {
+    if (number >= store_.document.paragraph_formats.size()) number = 0;
+    const auto [place, is_new] = block_formats_.try_emplace({number, list});
+    if (is_new) {
+      place->second = looks_.Show(store_.document.paragraph_formats[number], number);
+      if (list) place->second.setObjectIndex(list->objectIndex());
+    }
+    return place->second;
+  }
+
+  /// The list that a paragraph goes on with; null when it is in none or begins one.
+  QTextList* ListOf(const rtf::Paragraph& paragraph) {
+    const rtf::ParagraphFormat& look = store_.document.paragraph_formats[paragraph.format];
+    if (look.list == rtf::ListKind::None) {
+      // Lists of the file's tables go on behind other text, others end.
+      std::erase_if(lists_, [](const auto& entry) { return std::get<0>(entry.first) == 0; });
+      return nullptr;
+    }
+    std::erase_if(lists_, [&look](const auto& entry) {
+      return std::get<0>(entry.first) == look.list_id && std::get<1>(entry.first) > look.list_level;
+    });
+    const auto found = lists_.find({look.list_id, look.list_level, look.list});
+    return found == lists_.end() ? nullptr : found->second;
+  }
+
+  void StartList(const rtf::Paragraph& paragraph) {
+    const rtf::ParagraphFormat& look = store_.document.paragraph_formats[paragraph.format];
+    if (look.list == rtf::ListKind::None) return;
+    QTextListFormat format;
+    format.setStyle(RtfLooks::StyleOf(look.list));
+    if (look.list == rtf::ListKind::Bullet && look.list_level % 3 != 0)
+      format.setStyle(look.list_level % 3 == 1 ? QTextListFormat::ListCircle : QTextListFormat::ListSquare);
+    format.setIndent(0);
+    lists_[{look.list_id, look.list_level, look.list}] = cursor_.createList(format);
+  }
+
+  /// Leaves the cursor in the block behind the table.
+  void InsertTable(std::uint32_t table, const CellRanges& cells) {
+    const std::vector<std::size_t> parts = shape_.PartsOf(table);
+    const int group = parts.size() > 1 ? ++store_.parted_tables : 0;
+    std::size_t first = 0;
+    for (std::size_t part = 0; part < parts.size() && !given_up_; ++part) {
+      if (part > 0) MarkSeam();
+      RtfGrid grid(source_, shape_, table, std::exchange(first, parts[part]), parts[part]);
+      grid.kept.group = group;
+      grid.kept.part = static_cast<int>(part);
+      InsertGrid(std::move(grid), cells);
+    }
+    std::size_t end = 0;
+    for (const auto& [cell, range] : cells) end = std::max(end, range.second);
+    offset_ = OffsetOf(end);
+  }
+
+  void InsertGrid(RtfGrid&& grid, const CellRanges& cells) {
+    const bool has_borders =
+        std::any_of(grid.kept.rows.begin(), grid.kept.rows.end(), [](const RtfStore::KeptRow& row) {
+          return row.definition.empty() || row.definition.find("brdrs") != std::string::npos;
+        });
+    const auto rows = static_cast<int>(grid.kept.rows.size());
+    const int columns = grid.kept.columns;
+    store_.tables.push_back(std::move(grid.kept));
+    QTextTable* table = cursor_.insertTable(rows, columns, TableFormat(grid.edges, has_borders));
+    for (const auto& [cell, place] : grid.places)
+      if (place.rows > 1 || place.columns > 1) table->mergeCells(place.row, place.column, place.rows, place.columns);
+    for (const auto& [cell, place] : grid.places) {
+      const auto range = cells.find(static_cast<std::int32_t>(cell));
+      if (range == cells.end()) continue;
+      // Paragraphs come in the order of the cells, but a merged-away cell has some, too, that are not shown.
+      offset_ = OffsetOf(range->second.first);
+      cursor_ = table->cellAt(place.row, place.column).firstCursorPosition();
+      InsertParagraphs(range->second.first, range->second.second, static_cast<std::int32_t>(cell));
+    }
+    cursor_.setPosition(table->lastPosition() + 1);
+  }
+
+  /// Where the text of a paragraph begins; paragraphs are asked for in about their order.
+  std::uint32_t OffsetOf(std::size_t paragraph) {
+    const std::size_t run =
+        paragraph < source_.paragraphs.size() ? source_.paragraphs[paragraph].first_run : source_.runs.size();
+    for (; known_run_ < run; ++known_run_) known_offset_ += source_.runs[known_run_].bytes;
+    for (; known_run_ > run; --known_run_) known_offset_ -= source_.runs[known_run_ - 1].bytes;
+    return known_offset_;
+  }
+
+  QTextTableFormat TableFormat(const std::vector<int>& edges, bool has_borders) const {
+    QTextTableFormat format;
+    format.setProperty(kTable, static_cast<int>(store_.tables.size()));
+    format.setCellSpacing(0);
+    format.setCellPadding(TwipsToUnits(70));
+    format.setBorder(1);
+    format.setBorderCollapse(true);
+    format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+    format.setBorderBrush(has_borders ? QColor(0x40, 0x48, 0x50) : QColor(0xd8, 0xdc, 0xe0));
+    QList<QTextLength> widths;
+    int left = 0;
+    for (const int edge : edges) {
+      widths.append(QTextLength(QTextLength::FixedLength, std::max(TwipsToUnits(edge - left), 8.0)));
+      left = edge;
+    }
+    if (!widths.isEmpty()) format.setColumnWidthConstraints(widths);
+    return format;
+  }
+
+  const RtfDocument& source_;
+  RtfStore& store_;
+  const RtfImportStep& step_;
+  const RtfShape shape_;
+  RtfLooks looks_;
+  QTextCursor cursor_;
+  std::uint32_t offset_ = 0;  ///< in the text, of the next run
+  std::size_t known_run_ = 0;
+  std::uint32_t known_offset_ = 0;
+  std::vector<std::optional<QTextCharFormat>> char_formats_;
+  std::map<std::pair<std::uint32_t, const QTextList*>, QTextBlockFormat> block_formats_;
+  std::map<std::tuple<std::int32_t, std::uint8_t, rtf::ListKind>, QTextList*> lists_;
+  std::vector<int> flat_numbers_;  ///< of the cells, where they are known
+  std::size_t long_paragraphs_ = 0;
+  // Of the piece that is being filled; endless outside long paragraphs.
+  std::size_t room_ = kEndless;
+  std::size_t room_runs_ = kEndless;
+  QTextBlockFormat next_piece_;
+  std::uint32_t piece_mark_ = 0;
+  std::size_t since_step_ = 0;
+  bool given_up_ = false;
+};
+
+}  // namespace
+
+RtfDocument TakeRtfText(RtfDocument& from) {
+  RtfDocument text;
+  text.text.swap(from.text);
+  text.runs.swap(from.runs);
+  text.paragraphs.swap(from.paragraphs);
+  text.cells.swap(from.cells);
+  text.rows.swap(from.rows);
+  text.tables.swap(from.tables);
+  return text;
+}
+
+bool ShowRtf(const RtfDocument& text, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
+             const RtfImportStep& step) {
+  target.setUndoRedoEnabled(false);
+  return Importer(text, store, target, step).Run(simplified);
+}
+
+bool ImportRtf(RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
+               const RtfImportStep& step) {
+  const RtfDocument text = TakeRtfText(source);
+  store.document = std::move(source);
+  return ShowRtf(text, store, target, simplified, step);
+}
+
+}  // namespace tme

@@ -1,0 +1,149 @@
+#include "windows/rich/RtfObjectView.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QImageReader>
+#include <QPainter>
+#include <QTextDocument>
+#include <utility>
+
+#include "system/Twips.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kPictureCacheKilobytes = 64 * 1024;
+constexpr int kMaxPicturePixels = 8192;   // an edge as drawn
+constexpr int kMaxPictureTwips = 31'680;  // the longest edge of a page that word processors know
+constexpr int kTwipsPerPixel = 15;
+constexpr double kMaxLabelEms = 24;
+constexpr double kPageBreakEms = 30;
+
+QBuffer& OpenedBuffer(QBuffer& buffer, const std::string& bytes) {
+  buffer.setData(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+  buffer.open(QIODevice::ReadOnly);
+  return buffer;
+}
+
+double Resolution(const QTextDocument& document) {
+  const QPaintDevice* device = document.documentLayout()->paintDevice();
+  return device ? device->logicalDpiY() : 96;
+}
+
+QFont LabelFont(const QTextDocument& document) {
+  QFont font;
+  font.setPixelSize(std::max(6, static_cast<int>(Resolution(document) / 8)));
+  return font;
+}
+
+}  // namespace
+
+void RtfObjectView::Reset(const RtfStore& store) {
+  store_ = &store;
+  pictures_.clear();
+  pictures_.setMaxCost(kPictureCacheKilobytes);
+  sizes_.clear();
+  label_sizes_.clear();
+}
+
+const rtf::Object* RtfObjectView::ObjectOf(const QTextFormat& format) const {
+  const int number = format.intProperty(kObject);
+  if (!store_ || number <= 0 || static_cast<std::size_t>(number) > store_->document.objects.size()) return nullptr;
+  return &store_->document.objects[static_cast<std::size_t>(number) - 1];
+}
+
+QSize RtfObjectView::PictureSize(int number, const rtf::Object& object) const {
+  if (object.kind != rtf::ObjectKind::Picture) return {};
+  const auto known = sizes_.constFind(number);
+  if (known != sizes_.cend()) return *known;
+  QBuffer buffer;
+  const QSize own = QImageReader(&OpenedBuffer(buffer, object.picture)).size();
+  QSize size;
+  if (own.width() > 0 && own.height() > 0) {
+    size = {object.width > 0 ? object.width : own.width() * kTwipsPerPixel,
+            object.height > 0 ? object.height : own.height() * kTwipsPerPixel};
+    if (std::max(size.width(), size.height()) > kMaxPictureTwips)
+      size.scale(kMaxPictureTwips, kMaxPictureTwips, Qt::KeepAspectRatio);
+  }
+  return *sizes_.insert(number, size);
+}
+
+QString RtfObjectView::LabelOf(const QTextFormat& format) const {
+  if (format.objectType() != kRtfObjectType) return {};
+  if (format.intProperty(kObject) == kPageBreak) return tr("Page break");
+  const rtf::Object* object = ObjectOf(format);
+  if (!object) return tr("Object");
+  if (object->kind == rtf::ObjectKind::Picture)
+    return PictureSize(format.intProperty(kObject), *object).isEmpty() ? tr("Picture that cannot be shown") : QString();
+  return object->label.empty() ? tr("Object") : QString::fromStdString(object->label);
+}
+
+QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {
+  const rtf::Object* object = ObjectOf(format);
+  if (object) {
+    const QSize size = PictureSize(format.intProperty(kObject), *object);
+    if (!size.isEmpty()) return QSizeF(size) * Resolution(*document) / kTwipsPerInch;
+  }
+  const QString label = LabelOf(format);
+  if (std::exchange(label_resolution_, Resolution(*document)) != Resolution(*document)) label_sizes_.clear();
+  if (const auto known = label_sizes_.constFind(label); known != label_sizes_.cend()) return *known;
+  const QFontMetricsF metrics(LabelFont(*document));
+  const double em = metrics.height();
+  QSizeF size(std::min(metrics.horizontalAdvance(label), em * kMaxLabelEms) + em, em * 1.3);
+  if (format.intProperty(kObject) == kPageBreak) size = {em * kPageBreakEms, em * 1.2};
+  return *label_sizes_.insert(label, size);
+}
+
+const QPixmap* RtfObjectView::PictureOf(int number, const rtf::Object& object, QSize pixels) {
+  pixels = pixels.boundedTo({kMaxPicturePixels, kMaxPicturePixels});
+  if (const QPixmap* known = pictures_.object(number); known && known->size() == pixels) return known;
+  QBuffer buffer;
+  QImageReader reader(&OpenedBuffer(buffer, object.picture));
+  reader.setScaledSize(pixels);
+  const QImage image = reader.read();
+  // One that the cache will not hold is drawn as a placeholder.
+  if (image.isNull()) return nullptr;
+  auto* picture = new QPixmap(QPixmap::fromImage(image));
+  const auto cost = static_cast<int>(std::min<qsizetype>(image.sizeInBytes() / 1024, kPictureCacheKilobytes));
+  return pictures_.insert(number, picture, cost) ? picture : nullptr;
+}
+
+void RtfObjectView::drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int,
+                               const QTextFormat& format) {
+  const rtf::Object* object = ObjectOf(format);
+  if (object && !PictureSize(format.intProperty(kObject), *object).isEmpty()) {
+    const QSize pixels = painter->combinedTransform().mapRect(rect).size().toSize();
+    if (const QPixmap* picture = PictureOf(format.intProperty(kObject), *object, pixels)) {
+      painter->drawPixmap(rect, *picture, QRectF(picture->rect()));
+      return;
+    }
+  }
+  QString label = LabelOf(format);
+  if (label.isEmpty()) label = tr("Picture that cannot be shown");
+  painter->save();
+  QFont font = LabelFont(*document);
+  painter->setFont(font);
+  const QColor grey(0x7b, 0x87, 0x94);
+  painter->setPen(QPen(grey, 1, format.intProperty(kObject) == kPageBreak ? Qt::DashLine : Qt::SolidLine));
+  if (format.intProperty(kObject) == kPageBreak) {
+    const double middle = rect.center().y();
+    painter->drawLine(QPointF(rect.left(), middle), QPointF(rect.right(), middle));
+    const double width = QFontMetricsF(font).horizontalAdvance(label) * 1.2;
+    const QRectF place(rect.center().x() - width / 2, rect.top(), width, rect.height());
+    painter->fillRect(place, Qt::white);
+    painter->drawText(place, Qt::AlignCenter, label);
+  } else {
+    const double em = QFontMetricsF(font).height();
+    painter->setBrush(QColor(0xf3, 0xf5, 0xf7));
+    painter->drawRoundedRect(rect.adjusted(1, 1, -1, -1), 3, 3);
+    painter->setPen(QColor(0x3a, 0x44, 0x4e));
+    painter->drawText(rect, Qt::AlignCenter,
+                      QFontMetricsF(font).elidedText(label, Qt::ElideRight, rect.width() - em * 0.8));
+  }
+  painter->restore();
+}
+
+}  // namespace tme

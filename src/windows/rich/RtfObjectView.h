@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QCache>
+#include <QObject>
+#include <QPixmap>
+#include <QTextObjectInterface>
+
+#include "windows/rich/RtfLooks.h"
+
+namespace tme {
+
+/// Draws the inline objects of a rich-text view: pictures, page breaks, and a labelled box for anything else and for a
+/// picture that cannot be shown.
+class RtfObjectView : public QObject, public QTextObjectInterface {
+  Q_OBJECT
+  Q_INTERFACES(QTextObjectInterface)
+
+ public:
+  /// store: not owned; Reset takes another one.
+  explicit RtfObjectView(QObject* parent) : QObject(parent) {}
+  void Reset(const RtfStore& store);
+
+  /// What stands in a place of the text, for people; empty for a picture that is shown and for text.
+  QString LabelOf(const QTextFormat& format) const;
+
+  QSizeF intrinsicSize(QTextDocument* document, int position, const QTextFormat& format) override;
+  void drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int position,
+                  const QTextFormat& format) override;
+
+ private:
+  const rtf::Object* ObjectOf(const QTextFormat& format) const;
+  /// In twips; empty when it cannot be shown.
+  QSize PictureSize(int number, const rtf::Object& object) const;
+  const QPixmap* PictureOf(int number, const rtf::Object& object, QSize pixels);
+
+  const RtfStore* store_ = nullptr;
+  QCache<int, QPixmap> pictures_;
+  mutable QHash<int, QSize> sizes_;
+  /// Of the labels at one resolution: a file may have fifty thousand of one kind.
+  QHash<QString, QSizeF> label_sizes_;
+  double label_resolution_ = 0;
+};
+
+}  // namespace tme

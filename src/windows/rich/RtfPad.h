@@ -1,0 +1,175 @@
+#pragma once
+
+#include <QTextCursor>
+#include <QTextEdit>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string_view>
+
+#include "shell/Zoom.h"
+#include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfLooks.h"
+#include "windows/text/Pad.h"
+
+namespace tme {
+
+class RtfObjectView;
+
+/// The editing area of a rich-text window. Positions are those of its QTextDocument. Attributes of the selection are
+/// null when it mixes them; without a selection they are those that the next typed character gets.
+class RtfPad : public QTextEdit, public Pad {
+  Q_OBJECT
+
+ public:
+  /// Takes the next part of what is written; false to stop.
+  using Part = std::function<bool(std::string_view)>;
+
+  explicit RtfPad(QWidget* parent);
+  ~RtfPad() override;
+
+  QWidget& Widget() override { return *this; }
+  PadPosition End() const override;
+  PadPosition SelectionStart() const override { return textCursor().selectionStart(); }
+  PadPosition SelectionEnd() const override { return textCursor().selectionEnd(); }
+  PadPosition Moved(PadPosition from, std::int64_t characters) const override;
+  void Select(PadPosition start, PadPosition end) override;
+  QString SelectedText() const override;
+  void ReplaceSelection(const QString& text) override;
+  std::optional<PadPosition> Find(const QString& text, PadPosition from, PadPosition to, unsigned options) override;
+  void SetRightMargin(int twips) override;
+  int RightMargin() const override { return right_margin_; }
+  void Print(QPrinter& printer) override;
+  std::uint64_t Revision() const override { return revision_; }
+  bool CanUndo() const override { return document()->isUndoAvailable(); }
+  bool CanRedo() const override { return document()->isRedoAvailable(); }
+
+  /// Without layout while it lives, when it edits many characters; afterwards all is laid out anew, what is in sight
+  /// first and the rest while nobody waits. One inside another does nothing.
+  class LargeEdit {
+   public:
+    /// cost: of what is inserted, as in RtfShape.h; the selection's own is known.
+    explicit LargeEdit(RtfPad& pad, std::size_t cost = 0);
+    ~LargeEdit();
+    LargeEdit(const LargeEdit&) = delete;
+    LargeEdit& operator=(const LargeEdit&) = delete;
+
+   private:
+    RtfPad* pad_ = nullptr;  ///< null for a small edit
+    int place_ = 0;
+  };
+
+  /// An empty document in the editor's default font, or one that was read. Undo begins anew.
+  void Clear();
+  /// Null when `step` gave up: the pad is as it was.
+  std::optional<RtfSimplified> SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
+  /// The whole document; false when `put` gave up.
+  bool WriteRtf(const Part& put);
+  /// Without formats, lines ended by CR LF.
+  bool WriteText(const Part& put);
+  std::string SelectedRtf() const;
+  /// Null when `step` gave up: the text is as it was.
+  std::optional<RtfSimplified> ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
+  /// Marked-up text; pictures and whatever else it refers to are left out.
+  std::optional<RtfSimplified> ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step = {});
+  /// The bytes of a PNG or JPEG file.
+  void ReplaceSelectionWithPicture(const QByteArray& bytes);
+
+  std::optional<bool> SelectionBold() const;
+  std::optional<bool> SelectionItalic() const;
+  std::optional<bool> SelectionUnderline() const;
+  std::optional<bool> SelectionStrikeThru() const;
+  std::optional<QColor> SelectionColor() const;
+  std::optional<QString> SelectionFontName() const;
+  /// Points; 0 stands for the smallest size, half a point.
+  std::optional<double> SelectionFontSize() const;
+  std::optional<bool> SelectionBullet() const;
+  void SetSelectionBold(bool bold);
+  void SetSelectionItalic(bool italic);
+  void SetSelectionUnderline(bool underline);
+  void SetSelectionStrikeThru(bool strike);
+  void SetSelectionColor(const QColor& color);
+  void SetSelectionFontName(const QString& name);
+  /// Sizes of 0 and below become 0, which is shown as half a point.
+  void SetSelectionFontSize(double points);
+  void SetSelectionBullet(bool bullet);
+  /// Twips between a bullet that is set from now on and its text.
+  void SetBulletIndent(int twips) { bullet_indent_ = twips; }
+
+  /// Of one step, however large it is.
+  void Undo() override;
+  void Redo() override;
+  /// Of laying it out, as in RtfShape.h.
+  std::size_t SelectionCost() const;
+
+  /// 100 is the size of the document. For the display only.
+  void SetZoom(int percent);
+
+ signals:
+  /// The user pastes, copies or drops; the window knows the clipboard's forms.
+  void PasteRequested(const QMimeData& data);
+
+ protected:
+  QMimeData* createMimeDataFromSelection() const override;
+  bool canInsertFromMimeData(const QMimeData* source) const override;
+  void insertFromMimeData(const QMimeData* source) override;
+  bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+
+ private:
+  /// The document's text as one searches it: a long paragraph in one piece.
+  struct JoinedText {
+    JoinedText(const QTextDocument& document, bool has_long_paragraphs);
+    PadPosition IndexOf(PadPosition position) const;
+    PadPosition PositionOf(PadPosition index) const;
+
+    QString text;
+
+   private:
+    std::vector<PadPosition> seams_;  ///< between pieces
+  };
+
+  void Show(std::unique_ptr<QTextDocument> view);
+  /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
+  /// no longer there.
+  bool LayOutTo(int position);
+  /// Position of what stands in the view's corner.
+  int FirstShown() const;
+  /// FirstShown; goes to the beginning, where a new layout begins, when that is far away.
+  int LeavePlace();
+  void ShowFrom(int position);
+  /// Scrolls to it, unless the user does not wait for that.
+  bool ShowCaret();
+  void Step(const std::function<void()>& step, int number);
+  /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
+  /// long.
+  void AfterInsertion(int first);
+  void SplitLongParagraphs(int first, int last);
+  /// end: behind the paragraph. The block there.
+  QTextBlock SplitParagraph(QTextBlock block, const QTextBlock& end);
+  void InsertFragment(const QTextDocument& part);
+  void LayOutUnwrapped();
+  void ApplyZoom();
+  /// What stands at the top stays there.
+  void ZoomInPlace();
+  void MergeFormat(const QTextCharFormat& format);
+  std::unique_ptr<QTextDocument> SelectionAsDocument() const;
+  template <typename Value, typename Of>
+  std::optional<Value> Uniform(Of of) const;
+
+  // `store_` changes when a selection is written: fonts and looks that are new join its tables.
+  std::unique_ptr<RtfStore> store_;
+  RtfObjectView* objects_;
+  QImage zoom_device_;
+  ZoomPercent zoom_;
+  int right_margin_ = kNoWrap;
+  int bullet_indent_ = 0;
+  std::uint64_t revision_ = 0;
+  std::set<int> large_steps_;  ///< by how many steps could be undone after each
+};
+
+}  // namespace tme

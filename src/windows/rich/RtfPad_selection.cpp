@@ -1,0 +1,176 @@
+// The attributes of the selection of RtfPad.
+
+#include <QTextBlock>
+#include <QTextList>
+#include <algorithm>
+#include <cmath>
+
+#include "system/Twips.h"
+#include "windows/rich/RtfPad.h"
+
+namespace tme {
+namespace {
+
+constexpr double kSmallestPoints = 0.5;  ///< as 0 is shown and kept
+constexpr double kLargestPoints = 16'383;
+
+bool IsBulleted(const QTextBlock& block) {
+  const QTextList* list = block.textList();
+  // The styles above that of the numbers are bullets.
+  return list && list->format().style() > QTextListFormat::ListDecimal;
+}
+
+}  // namespace
+
+template <typename Value, typename Of>
+std::optional<Value> RtfPad::Uniform(Of of) const {
+  const QTextCursor cursor = textCursor();
+  if (!cursor.hasSelection()) return of(currentCharFormat());
+  std::optional<Value> value;
+  int known_format = -1;
+  const int start = cursor.selectionStart(), end = cursor.selectionEnd();
+  for (QTextBlock block = document()->findBlock(start); block.isValid() && block.position() < end;
+       block = block.next()) {
+    for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
+      const QTextFragment fragment = it.fragment();
+      if (fragment.position() >= end) break;
+      if (fragment.position() + fragment.length() <= start) continue;
+      if (std::exchange(known_format, fragment.charFormatIndex()) == fragment.charFormatIndex()) continue;
+      const Value here = of(fragment.charFormat());
+      if (value && *value != here) return std::nullopt;
+      value = here;
+    }
+  }
+  return value ? value : of(currentCharFormat());
+}
+
+std::optional<bool> RtfPad::SelectionBold() const {
+  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontWeight() > QFont::Medium; });
+}
+
+std::optional<bool> RtfPad::SelectionItalic() const {
+  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontItalic(); });
+}
+
+std::optional<bool> RtfPad::SelectionUnderline() const {
+  return Uniform<bool>(
+      [](const QTextCharFormat& format) { return format.underlineStyle() != QTextCharFormat::NoUnderline; });
+}
+
+std::optional<bool> RtfPad::SelectionStrikeThru() const {
+  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontStrikeOut(); });
+}
+
+std::optional<QColor> RtfPad::SelectionColor() const {
+  return Uniform<QColor>([](const QTextCharFormat& format) {
+    return format.foreground().style() == Qt::NoBrush ? QColor(Qt::black) : format.foreground().color();
+  });
+}
+
+std::optional<QString> RtfPad::SelectionFontName() const {
+  return Uniform<QString>([this](const QTextCharFormat& format) {
+    const QString name = format.fontFamilies().toStringList().value(0);
+    return name.isEmpty() ? document()->defaultFont().family() : name;
+  });
+}
+
+std::optional<double> RtfPad::SelectionFontSize() const {
+  return Uniform<double>([this](const QTextCharFormat& format) {
+    double points = format.fontPointSize();
+    if (points <= 0) points = document()->defaultFont().pointSizeF();
+    return points <= kSmallestPoints ? 0 : points;
+  });
+}
+
+std::optional<bool> RtfPad::SelectionBullet() const {
+  const QTextCursor cursor = textCursor();
+  QTextBlock block = document()->findBlock(cursor.selectionStart());
+  const bool first = IsBulleted(block);
+  for (block = block.next(); block.isValid() && block.position() < cursor.selectionEnd(); block = block.next())
+    if (IsBulleted(block) != first) return std::nullopt;
+  return first;
+}
+
+void RtfPad::MergeFormat(const QTextCharFormat& format) {
+  // Without a selection this sets what is typed next, and marks nothing.
+  const LargeEdit edit(*this);
+  mergeCurrentCharFormat(format);
+}
+
+void RtfPad::SetSelectionBold(bool bold) {
+  QTextCharFormat format;
+  format.setFontWeight(bold ? QFont::Bold : QFont::Normal);
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionItalic(bool italic) {
+  QTextCharFormat format;
+  format.setFontItalic(italic);
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionUnderline(bool underline) {
+  QTextCharFormat format;
+  format.setUnderlineStyle(underline ? QTextCharFormat::SingleUnderline : QTextCharFormat::NoUnderline);
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionStrikeThru(bool strike) {
+  QTextCharFormat format;
+  format.setFontStrikeOut(strike);
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionColor(const QColor& color) {
+  QTextCharFormat format;
+  format.setForeground(color);
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionFontName(const QString& name) {
+  QTextCharFormat format;
+  format.setFontFamilies({name});
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionFontSize(double points) {
+  QTextCharFormat format;
+  format.setFontPointSize(std::clamp(points, kSmallestPoints, kLargestPoints));
+  MergeFormat(format);
+}
+
+void RtfPad::SetSelectionBullet(bool bullet) {
+  QTextCursor cursor = textCursor();
+  const int end = cursor.selectionEnd();
+  const LargeEdit edit(*this);
+  cursor.beginEditBlock();
+  QTextList* list = nullptr;
+  QTextBlock block = document()->findBlock(cursor.selectionStart());
+  do {
+    if (IsBulleted(block) != bullet) {
+      QTextCursor at(block);
+      QTextBlockFormat format = block.blockFormat();
+      const double indent = TwipsToUnits(bullet_indent_);
+      if (bullet) {
+        format.setLeftMargin(format.leftMargin() + indent);
+        format.setTextIndent(0);
+      } else {
+        block.textList()->remove(block);
+        format.setObjectIndex(-1);
+        format.setLeftMargin(std::max(format.leftMargin() - indent, 0.0));
+      }
+      at.setBlockFormat(format);
+      QTextListFormat list_format;
+      list_format.setStyle(QTextListFormat::ListDisc);
+      list_format.setIndent(0);
+      if (bullet && list)
+        list->add(block);
+      else if (bullet)
+        list = at.createList(list_format);
+    }
+    block = block.next();
+  } while (block.isValid() && block.position() < end);
+  cursor.endEditBlock();
+}
+
+}  // namespace tme

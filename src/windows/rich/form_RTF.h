@@ -1,0 +1,94 @@
+#pragma once
+
+#include "windows/text/PadWindow.h"
+
+class QAction;
+class QMimeData;
+class QToolBar;
+
+namespace tme {
+
+class RtfPad;
+struct RtfSimplified;
+namespace rtf {
+struct Losses;
+}
+
+/// The window of a rich-text document: `Toolbar1` above `pad`.
+class form_RTF : public PadWindow {
+  Q_OBJECT
+
+ public:
+  form_RTF(Global& global, int slot);
+  ~form_RTF() override;
+
+  Pad& EditingArea() override;
+  std::uint64_t Revision() const override;
+  std::string Content() override;
+  bool HoldsWholeFile() const override;
+  void PutContent(std::string bytes) override;
+
+  Q_INVOKABLE void NewRTF();
+  /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  Q_INVOKABLE void OpenRTF();
+  Q_INVOKABLE void ResizeForm() override;
+  /// As rich and as plain text.
+  Q_INVOKABLE void EditCopy() override;
+  /// Rich text, marked-up text or a picture where the clipboard holds one, else plain text.
+  Q_INVOKABLE void EditPaste() override;
+  Q_INVOKABLE void EditPasteSpecialPlainText();
+  /// A cancelled dialog applies the values that it had; intended. While no font was ever chosen, name and size stay.
+  Q_INVOKABLE void FormatFont();
+  /// Applies the dialog's colour also after a cancel; intended.
+  Q_INVOKABLE void FormatColor();
+  Q_INVOKABLE void FormatBold();
+  Q_INVOKABLE void FormatItalic();
+  Q_INVOKABLE void FormatUnderline();
+  Q_INVOKABLE void FormatBulleted();
+  // No repeated search by name: it is not a command of this kind; intended.
+
+ protected:
+  void BuildControls(QWidget& client) override;
+  void UpdateCommands() override;
+  bool CloseDocument() override;
+  SaveDialogTexts SaveTexts() const override;
+  /// What is written depends on the shared dialog's filter index, whether or not the dialog was shown: 1 rich text,
+  /// 2 plain text, anything else nothing. Intended; the notice says so.
+  SaveOutcome WriteTo(QString& path) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void Altered(bool changed) { SetChanged(changed); }
+  void BuildToolbar(QWidget& client);
+  void ButtonClick(const QString& tag);
+  void FontSizeDown();
+  void FontSizeUp();
+  /// Check marks and pressed buttons from the selection; a mixed one counts as not set.
+  void UpdateFormatState();
+  void TextChanged();
+  void PadKeyReleased(int key);
+  void Paste(const QMimeData& source);
+  void PastePlainText(const QString& text);
+  void AddLossNotice(const rtf::Losses& losses);
+  void AddSimplifiedNotice(const RtfSimplified& simplified);
+  PartProducer Producer();
+  bool WriteRich(const SaveTarget& target);
+  bool WritePlain(const SaveTarget& target);
+
+  RtfPad* pad = nullptr;
+  QToolBar* Toolbar1 = nullptr;
+  QAction* button_bold_ = nullptr;
+  QAction* button_italic_ = nullptr;
+  QAction* button_underline_ = nullptr;
+  QAction* button_list_ = nullptr;
+  bool showing_format_ = false;  ///< the buttons take the selection's state, rather than give it theirs
+  /// Size in points for the buttons when the selection mixes sizes; 0 in a document that was never opened.
+  int fallback_font_size_ = 0;
+  /// The file as it was read, and the revision that it belongs to; empty once it is of no more use.
+  std::string read_bytes_;
+  std::uint64_t read_revision_ = 0;
+  /// Keys that went down in the pad and are no command's.
+  QList<int> keys_down_;
+};
+
+}  // namespace tme

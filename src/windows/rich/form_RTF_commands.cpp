@@ -1,0 +1,144 @@
+// The editing and format commands of form_RTF.
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
+#include "documents/rtf/RtfReader.h"
+#include "files/CodePage.h"
+#include "shell/Global.h"
+#include "shell/Hourglass.h"
+#include "shell/LongWork.h"
+#include "shell/mdform_TMEditor.h"
+#include "system/CommonDialog.h"
+#include "windows/rich/RtfClipboard.h"
+#include "windows/rich/RtfPad.h"
+#include "windows/rich/form_RTF.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// Font dialog: screen and printer fonts (CF_BOTH of commdlg.h).
+constexpr int kScreenAndPrinterFonts = 3;
+constexpr int kSizeStep = 2;
+/// Marked-up text beyond this is pasted as plain text: laying it out would take minutes.
+constexpr qsizetype kMaxHtml = qsizetype{8} << 20;
+}  // namespace
+
+void form_RTF::EditCopy() {
+  const Hourglass hourglass;
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  clipboard->clear();
+  if (pad->textCursor().hasSelection())
+    clipboard->setMimeData(RtfMimeData(pad->SelectedRtf(), pad->SelectedText()).release());
+}
+
+void form_RTF::EditPaste() {
+  const Hourglass hourglass;
+  if (const QMimeData* held = QGuiApplication::clipboard()->mimeData()) Paste(*held);
+}
+
+void form_RTF::Paste(const QMimeData& source) {
+  if (const QByteArray rtf = RtfOf(source); !rtf.isEmpty()) {
+    const std::string_view bytes(rtf.constData(), static_cast<std::size_t>(rtf.size()));
+    rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
+    LongWork work(global_.frame, tr("Pasting"));
+    const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithRtf(std::move(read), StepOf(work));
+    if (simplified) AddSimplifiedNotice(*simplified);
+    return;
+  }
+  const QString html = source.hasHtml() ? source.html() : QString();
+  if (!html.isEmpty() && html.size() <= kMaxHtml) {
+    LongWork work(global_.frame, tr("Pasting"));
+    const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithHtml(html, StepOf(work));
+    if (simplified) AddSimplifiedNotice(*simplified);
+    return;
+  }
+  if (source.hasText()) return PastePlainText(source.text());
+  if (const QByteArray picture = PictureOf(source); !picture.isEmpty()) pad->ReplaceSelectionWithPicture(picture);
+}
+
+void form_RTF::PastePlainText(const QString& text) {
+  if (!text.isEmpty()) pad->ReplaceSelection(text);
+}
+
+void form_RTF::EditPasteSpecialPlainText() {
+  const Hourglass hourglass;
+  PastePlainText(QGuiApplication::clipboard()->text());
+}
+
+void form_RTF::ButtonClick(const QString& tag) {
+  if (tag == u"bold") FormatBold();
+  if (tag == u"italic") FormatItalic();
+  if (tag == u"underline") FormatUnderline();
+  if (tag == u"color") FormatColor();
+  if (tag == u"cut") EditCut();
+  if (tag == u"copy") EditCopy();
+  if (tag == u"paste") EditPaste();
+  if (tag == u"list") FormatBulleted();
+  if (tag == u"FD") FontSizeDown();
+  if (tag == u"FU") FontSizeUp();
+  UpdateFormatState();
+}
+
+void form_RTF::FontSizeDown() {
+  if (const std::optional<double> size = pad->SelectionFontSize())
+    pad->SetSelectionFontSize(*size - kSizeStep);
+  else if (fallback_font_size_ >= 3)
+    pad->SetSelectionFontSize(fallback_font_size_ - kSizeStep);
+}
+
+void form_RTF::FontSizeUp() {
+  pad->SetSelectionFontSize(pad->SelectionFontSize().value_or(fallback_font_size_) + kSizeStep);
+}
+
+void form_RTF::FormatFont() {
+  CommonDialog& dialog = global_.common_dialog;
+  dialog.title = u"Select Font and Attributes"_s;
+  dialog.flags = kScreenAndPrinterFonts;
+  dialog.ShowFont();
+  const RtfPad::LargeEdit edit(*pad);
+  QTextCursor one_step = pad->textCursor();
+  one_step.beginEditBlock();
+  if (!dialog.font_name.isEmpty()) pad->SetSelectionFontName(dialog.font_name);
+  if (dialog.font_size > 0) pad->SetSelectionFontSize(dialog.font_size);
+  pad->SetSelectionBold(dialog.font_bold);
+  pad->SetSelectionItalic(dialog.font_italic);
+  pad->SetSelectionUnderline(dialog.font_underline);
+  pad->SetSelectionStrikeThru(dialog.font_strikethru);
+  one_step.endEditBlock();
+  UpdateFormatState();
+}
+
+void form_RTF::FormatColor() {
+  CommonDialog& dialog = global_.common_dialog;
+  dialog.title = u"Choose Color for Font"_s;
+  dialog.ShowColor();
+  pad->SetSelectionColor(dialog.color);
+}
+
+// The negation of a selection that mixes both sets it.
+
+void form_RTF::FormatBold() {
+  pad->SetSelectionBold(pad->SelectionBold() != true);
+  UpdateFormatState();
+}
+
+void form_RTF::FormatItalic() {
+  pad->SetSelectionItalic(pad->SelectionItalic() != true);
+  UpdateFormatState();
+}
+
+void form_RTF::FormatUnderline() {
+  pad->SetSelectionUnderline(pad->SelectionUnderline() != true);
+  UpdateFormatState();
+}
+
+void form_RTF::FormatBulleted() {
+  pad->SetSelectionBullet(pad->SelectionBullet() != true);
+  UpdateFormatState();
+}
+
+}  // namespace tme

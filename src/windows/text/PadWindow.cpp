@@ -1,0 +1,264 @@
+#include "windows/text/PadWindow.h"
+
+#include <QAbstractScrollArea>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLocale>
+
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/Hourglass.h"
+#include "shell/PlainText.h"
+#include "shell/mdform_TMEditor.h"
+#include "system/CommonDialog.h"
+#include "system/Twips.h"
+#include "windows/text/PadKeys.h"
+#include "windows/text/form_SR.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr const char* kWordWrapItem = "menu_EditWordWrap";
+/// Twips between the place where lines wrap and the right edge of the editing area.
+constexpr int kWrapMargin = 500;
+
+bool IsEnter(const QKeyEvent& key) { return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter; }
+bool IsTab(const QKeyEvent& key) { return key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab; }
+
+/// Menus have these keys too; whoever gets the key first, the command runs once.
+bool IsClipboardKey(const QKeyEvent& key) {
+  return key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy) || key.matches(QKeySequence::Paste);
+}
+
+}  // namespace
+
+void PadWindow::ExitForm() { FileClose(); }
+
+void PadWindow::FileClose() {
+  if (!global_.exiting) CloseDocument();
+}
+
+bool PadWindow::CloseDocument() {
+  if (!ConfirmClose([this] { return Save(); }, [this] { return SaveElsewhere(); })) return false;
+  if (form_SR* search = form_SR::Opened(global_); search && search->IsBoundTo(*this)) search->cmd_Cance_Click();
+  ReleaseSlot();
+  // The window's next document must not be given this one's name by a cancelled dialog: it would overwrite its file.
+  save_as_ = false;
+  saved_path_.clear();
+  saved_title_.clear();
+  saved_caption_.clear();
+  return true;
+}
+
+void PadWindow::SaveFile() { Save(); }
+
+void PadWindow::SaveAs() { SaveElsewhere(); }
+
+PadWindow::SaveOutcome PadWindow::SaveElsewhere() {
+  DocumentSlot& slot = Slot();
+  save_as_ = true;
+  saved_path_ = slot.path;
+  saved_title_ = slot.title;
+  saved_caption_ = windowTitle();
+  const SaveOutcome outcome = WithoutName([this] { return Save(); });
+  if (outcome == SaveOutcome::Failed) RestoreNames();
+  return outcome;
+}
+
+void PadWindow::RestoreNames() {
+  save_as_ = false;
+  Slot().path = saved_path_;
+  Slot().title = saved_title_;
+  setWindowTitle(saved_caption_);
+}
+
+PadWindow::SaveOutcome PadWindow::Save() {
+  DocumentSlot& slot = Slot();
+  const bool chosen = slot.path.isEmpty();
+  QString path = slot.path;
+  if (chosen) {
+    path = AskForSavePath(global_, SaveTexts());
+    if (path.isEmpty()) {
+      // A name that was chosen all the same: the question about overwriting was cancelled. That restores also when
+      // no SaveAs came before, which leaves a new document without caption; intended.
+      if (save_as_ || !global_.common_dialog.file_name.isEmpty()) RestoreNames();
+      return SaveOutcome::Cancelled;
+    }
+  }
+  if (const SaveOutcome outcome = WriteTo(path); outcome != SaveOutcome::Saved) return outcome;
+  slot.path = path;
+  slot.title = QFileInfo(path).fileName();
+  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
+  SetChanged(false);
+  setWindowTitle(CaptionText(slot.title));
+  return SaveOutcome::Saved;
+}
+
+void PadWindow::PrintDoc(QPrinter* printer) {
+  const Hourglass hourglass;
+  EditingArea().Print(*printer);
+}
+
+void PadWindow::EditUndo() {
+  EditingArea().Undo();
+  ShowUndoState();
+}
+
+void PadWindow::EditRedo() {
+  EditingArea().Redo();
+  ShowUndoState();
+}
+
+void PadWindow::ShowUndoState() {
+  if (global_.frame->ActiveDocument() != this || Tag().isEmpty()) return;
+  global_.frame->Menus().SetAvailable("menu_EditUndo", EditingArea().CanUndo());
+  global_.frame->Menus().SetAvailable("menu_EditRedo", EditingArea().CanRedo());
+}
+
+void PadWindow::EditCut() {
+  EditCopy();
+  EditDelete();
+}
+
+void PadWindow::EditCopy() {
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  clipboard->clear();
+  const QString text = EditingArea().SelectedText();
+  if (!text.isEmpty()) clipboard->setText(text);
+}
+
+void PadWindow::EditPaste() {
+  const QString text = QGuiApplication::clipboard()->text();
+  if (!text.isEmpty()) EditingArea().ReplaceSelection(text);
+}
+
+void PadWindow::EditSelectAll() { EditingArea().Select(0, EditingArea().End()); }
+
+void PadWindow::EditDelete() { EditingArea().ReplaceSelection({}); }
+
+void PadWindow::EditTimeDate() {
+  const QLocale locale = QLocale::system();
+  const QDateTime now = QDateTime::currentDateTime();
+  EditingArea().ReplaceSelection(locale.toString(now.time(), QLocale::ShortFormat) + u" - "_s +
+                                 locale.toString(now.date(), QLocale::ShortFormat));
+}
+
+void PadWindow::EditWW() {
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetChecked(kWordWrapItem, !menus.IsChecked(kWordWrapItem));
+  global_.settings.word_wrap = menus.IsChecked(kWordWrapItem);
+  if (global_.settings.present)
+    global_.registry.WriteValue(SettingsRoot, u"Word Wrap"_s, kTextType, global_.settings.word_wrap ? u"1"_s : u"0"_s);
+  ApplyWordWrap();
+  EditingArea().Widget().update();
+}
+
+void PadWindow::UpdateCommands() {
+  GlobalMenus& menus = global_.frame->Menus();
+  menus.SetChecked(kWordWrapItem, menus.IsChecked(kWordWrapItem));  // off too, it looks like a check mark
+  ApplyWordWrap();
+  ShowUndoState();
+}
+
+void PadWindow::ApplyWordWrap() {
+  Pad& pad = EditingArea();
+  const bool wraps = global_.frame->Menus().IsChecked(kWordWrapItem);
+  pad.SetRightMargin(wraps ? PixelsToTwips(pad.Widget().width(), logicalDpiX()) - kWrapMargin : Pad::kNoWrap);
+}
+
+void PadWindow::SearchFind() { form_SR::Open(global_, *this, SearchMode::Find); }
+
+void PadWindow::SearchReplace() { form_SR::Open(global_, *this, SearchMode::Replace); }
+
+void PadWindow::SearchForLast() { form_SR::Open(global_, *this, SearchMode::Again); }
+
+void PadWindow::WatchPad(QWidget& client) {
+  client_ = &client;
+  client.installEventFilter(this);
+  QWidget& pad = EditingArea().Widget();
+  pad.installEventFilter(this);
+  if (auto* area = qobject_cast<QAbstractScrollArea*>(&pad)) area->viewport()->installEventFilter(this);
+  setFocusProxy(&pad);
+}
+
+bool PadWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == client_) {
+    if (event->type() == QEvent::Resize) ResizeForm();
+    return DocumentWindow::eventFilter(watched, event);
+  }
+  switch (event->type()) {
+    case QEvent::ShortcutOverride:
+      if (IsClipboardKey(*static_cast<QKeyEvent*>(event))) event->accept();
+      return false;
+    case QEvent::KeyPress:
+      return PadKeyPressed(*static_cast<QKeyEvent*>(event));
+    case QEvent::FocusIn:
+      CloseForeignSearch();
+      return false;
+    case QEvent::MouseButtonRelease: {
+      const auto& mouse = *static_cast<QMouseEvent*>(event);
+      if (mouse.button() == Qt::RightButton) global_.frame->PopUpEditMenu(mouse.globalPosition().toPoint());
+      return false;
+    }
+    case QEvent::ContextMenu: {
+      const auto& menu = *static_cast<QContextMenuEvent*>(event);
+      if (menu.reason() == QContextMenuEvent::Keyboard) global_.frame->PopUpEditMenu(menu.globalPos());
+      return true;
+    }
+    default:
+      return DocumentWindow::eventFilter(watched, event);
+  }
+}
+
+bool PadWindow::PadKeyPressed(const QKeyEvent& key) {
+  const bool control = key.modifiers().testFlag(Qt::ControlModifier) && !TypesText(key);
+  const bool alt_alone = (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::AltModifier;
+  // One that no menu took must not replace the selection with its letter.
+  const bool for_a_menu = alt_alone && !key.text().isEmpty() && key.text().at(0).isPrint();
+  if ((control && key.key() == Qt::Key_V) || key.matches(QKeySequence::Paste)) {
+    EditPaste();
+  } else if ((control && key.key() == Qt::Key_C) || key.matches(QKeySequence::Copy)) {
+    EditCopy();
+  } else if ((control && key.key() == Qt::Key_X) || key.matches(QKeySequence::Cut)) {
+    EditCut();
+  } else if (for_a_menu || SearchKeyPressed(key)) {
+    return true;
+  } else if (key.key() == Qt::Key_Backtab && !control) {
+    EditingArea().ReplaceSelection(u"\t"_s);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool PadWindow::SearchKeyPressed(const QKeyEvent& key) {
+  form_SR* dialog = form_SR::Opened(global_);
+  if (!dialog || !dialog->isVisible()) return false;
+  const bool shift_held = (IsEnter(key) || IsTab(key)) && key.modifiers().testFlag(Qt::ShiftModifier);
+  if (shift_held || key.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+    return false;
+  if (IsEnter(key)) {
+    dialog->cmd_FindNext_Click();
+    return true;
+  }
+  if (key.key() == Qt::Key_Escape) {
+    dialog->cmd_Cance_Click();
+    return true;
+  }
+  // The pad gets the Tab all the same; intended.
+  if (key.key() == Qt::Key_Tab) dialog->FocusSearchBox();
+  return false;
+}
+
+void PadWindow::CloseForeignSearch() {
+  form_SR* dialog = form_SR::Opened(global_);
+  if (dialog && dialog->isVisible() && !dialog->IsBoundTo(*this)) dialog->cmd_Cance_Click();
+}
+
+}  // namespace tme

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <Qsci/qsciscintillabase.h>
+
+#include <QAccessible>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "shell/Zoom.h"
+#include "windows/text/Pad.h"
+
+namespace tme {
+
+/// The editing area of a plain-text window: one font, no margins or markers. Positions are bytes of the UTF-8 text;
+/// bytes that are no UTF-8 and control characters are kept and shown as marks.
+class TextPad : public QsciScintillaBase, public Pad {
+  Q_OBJECT
+
+ public:
+  explicit TextPad(QWidget* parent);
+
+  /// Replaces the document; its first line end becomes that of typed and pasted lines (CR LF without one). The caret
+  /// stands at the start, there is nothing to undo, and SCEN_CHANGE, which tells of edits just before they happen, is
+  /// not emitted.
+  void SetText(std::string utf8);
+  /// The document as it stands; an edit invalidates it.
+  std::string_view Text() const;
+  /// points: 1 or more.
+  void SetTextFont(const QString& family, int points);
+
+  QWidget& Widget() override { return *this; }
+  PadPosition End() const override;
+  PadPosition SelectionStart() const override;
+  PadPosition SelectionEnd() const override;
+  /// A line end of CR LF is two characters.
+  PadPosition Moved(PadPosition from, std::int64_t characters) const override;
+  void Select(PadPosition start, PadPosition end) override;
+  QString SelectedText() const override;
+  void ReplaceSelection(const QString& text) override;
+  std::optional<PadPosition> Find(const QString& text, PadPosition from, PadPosition to, unsigned options) override;
+  void SetRightMargin(int twips) override;
+  int RightMargin() const override { return right_margin_; }
+  void Print(QPrinter& printer) override;
+  std::uint64_t Revision() const override { return revision_; }
+  bool CanUndo() const override { return Send(SCI_CANUNDO) != 0; }
+  bool CanRedo() const override { return Send(SCI_CANREDO) != 0; }
+  void Undo() override { Send(SCI_UNDO); }
+  void Redo() override { Send(SCI_REDO); }
+
+  // For TextPadAccessible. Offsets are UTF-16 units; one behind the text stands for its end.
+  struct Range {
+    PadPosition start;
+    PadPosition end;
+  };
+  int OffsetOf(PadPosition position) const;
+  PadPosition PositionOf(int offset) const;
+  PadPosition Caret() const;
+  QString TextBetween(PadPosition start, PadPosition end) const;
+  /// The character as readers see it, the word or the line around a position.
+  Range UnitAround(PadPosition position, QAccessible::TextBoundaryType type) const;
+  /// On the screen.
+  QRect RectOf(PadPosition position) const;
+  PadPosition PositionAt(const QPoint& global) const;
+  void Reveal(PadPosition start, PadPosition end);
+
+ protected:
+  bool event(QEvent* event) override;
+  bool canInsertFromMimeData(const QMimeData* source) const override;
+  void changeEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  /// An input method is told of the text near the caret, within its line.
+  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  /// SendScintilla without its conversions: positions and pointers are not cut where `long` has 32 bits.
+  std::intptr_t Send(unsigned message, std::uintptr_t first = 0, std::intptr_t second = 0) const;
+  void SetUpView();
+  void SetUpDocument();
+  void AssignKeys();
+  void ApplyColors();
+  void ApplyWrap();
+  void ApplyZoom(Zoom zoom);
+  void Type(const QString& text);
+  /// Empty at the end of the text. CR LF is one.
+  Range GraphemeAround(PadPosition position) const;
+  /// After the caret has moved from there.
+  void KeepCaretOutsideGraphemes(PadPosition caret_before);
+  /// False: the key is not for that, or the component does the same.
+  bool DeleteGrapheme(const QKeyEvent& key);
+  void NeedLineIndex() const;
+  char ByteAt(PadPosition position) const;
+  std::string_view BytesBetween(PadPosition start, PadPosition end) const;
+  std::string_view SelectedBytes() const;
+
+  using DirectFunction = std::intptr_t (*)(std::intptr_t, unsigned, std::uintptr_t, std::intptr_t);
+  const DirectFunction send_;
+  const std::intptr_t editor_;
+  std::uint64_t revision_ = 0;
+  int right_margin_ = kNoWrap;
+  QFont font_;
+};
+
+}  // namespace tme

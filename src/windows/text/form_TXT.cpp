@@ -1,0 +1,133 @@
+#include "windows/text/form_TXT.h"
+
+#include <QMdiSubWindow>
+
+#include "shell/Global.h"
+#include "shell/Hourglass.h"
+#include "shell/Icon.h"
+#include "windows/text/TextPad.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kPartBytes = std::size_t{1} << 18;
+
+/// The next part of a text: up to a line end, else, within a longer line, up to an ASCII character, which is one in
+/// every encoding.
+std::string_view TakePart(std::string_view& rest) {
+  std::size_t size = rest.size();
+  if (size > kPartBytes) {
+    const std::size_t line_end = rest.rfind('\n', kPartBytes - 1);
+    size = line_end == std::string_view::npos ? kPartBytes : line_end + 1;
+    while (size < rest.size() && static_cast<unsigned char>(rest[size - 1]) >= 0x80) ++size;
+  }
+  const std::string_view part = rest.substr(0, size);
+  rest.remove_prefix(size);
+  return part;
+}
+
+}  // namespace
+
+form_TXT::form_TXT(Global& global, int slot) : PadWindow(global, DocumentKind::Txt, slot) {}
+
+Pad& form_TXT::EditingArea() { return *pad; }
+
+std::uint64_t form_TXT::Revision() const { return pad ? pad->Revision() : 0; }
+
+void form_TXT::BuildControls(QWidget& client) {
+  setWindowIcon(Icon(u"txt-file"_s));
+  pad = new TextPad(&client);
+  connect(pad, &QsciScintillaBase::SCEN_CHANGE, this, [this] { Altered(true); });
+  // SCEN_CHANGE comes just before the edit.
+  connect(pad, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+    if (updated & QsciScintillaBase::SC_UPDATE_CONTENT) ShowUndoState();
+  });
+  WatchPad(client);
+}
+
+void form_TXT::ResizeForm() {
+  if (SubWindow() && SubWindow()->isMinimized()) return;
+  // The whole client area; the frame's child, not this window, has the decoration around it.
+  pad->setGeometry(pad->parentWidget()->rect());
+  ApplyWordWrap();
+}
+
+void form_TXT::NewTXT() {
+  TakeSlot();
+  format_ = {};
+  pad->SetText({});
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  Slot().path.clear();
+  Slot().title.clear();
+  Altered(false);
+  MarkClean();
+  ShowInFrame();
+  pad->setFocus();
+}
+
+void form_TXT::OpenTXT() {
+  const Hourglass hourglass;
+  std::optional<DecodedText> decoded = TakeSlotFile();
+  if (!decoded) return;
+  format_ = decoded->format;
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  pad->SetText(std::move(decoded->text));
+  Altered(false);
+  MarkClean();
+  SetTookAll(true);
+  RecordOpened();
+  ShowInFrame();
+  ResizeForm();
+  pad->setFocus();
+}
+
+bool form_TXT::CloseDocument() {
+  if (!PadWindow::CloseDocument()) return false;
+  pad->SetText({});
+  return true;
+}
+
+SaveDialogTexts form_TXT::SaveTexts() const {
+  return {u"Save Text File"_s, u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
+}
+
+PartProducer form_TXT::Producer() const {
+  return [this](const FilePart& put) {
+    for (std::string_view rest = pad->Text(); !rest.empty();)
+      if (!put(TakePart(rest))) return false;
+    return true;
+  };
+}
+
+DocumentWindow::SaveOutcome form_TXT::WriteTo(QString& path) {
+  const Hourglass hourglass;
+  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
+  TextFormat format = format_;
+  if (!target || !WriteDocument(*target, &format, Producer())) return SaveOutcome::Failed;
+  path = target->path;
+  const auto write_as = [this](TextEncoding encoding) {
+    format_ = {encoding, {}};
+    SaveFile();
+  };
+  AddEncodingNotice(format_.encoding, format.encoding, write_as);
+  format_ = format;
+  MarkClean();
+  return SaveOutcome::Saved;
+}
+
+std::string form_TXT::Content() {
+  TextFormat format = format_;
+  return BytesOf(&format, Producer());
+}
+
+void form_TXT::PutContent(std::string bytes) {
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  pad->SetText(std::move(decoded.text));
+  Altered(true);
+}
+
+}  // namespace tme

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "windows/text/PadWindow.h"
+
+namespace tme {
+
+class TextPad;
+
+/// The window of a plain-text document: `pad`, and nothing else.
+class form_TXT : public PadWindow {
+  Q_OBJECT
+
+ public:
+  form_TXT(Global& global, int slot);
+
+  Pad& EditingArea() override;
+  std::uint64_t Revision() const override;
+  std::string Content() override;
+  void PutContent(std::string bytes) override;
+
+  Q_INVOKABLE void NewTXT();
+  /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  Q_INVOKABLE void OpenTXT();
+  Q_INVOKABLE void ResizeForm() override;
+  Q_INVOKABLE void SearchAgain() { SearchForLast(); }
+  Q_INVOKABLE void Altered(bool changed) { SetChanged(changed); }
+
+ protected:
+  void BuildControls(QWidget& client) override;
+  bool CloseDocument() override;
+  SaveDialogTexts SaveTexts() const override;
+  SaveOutcome WriteTo(QString& path) override;
+
+ private:
+  PartProducer Producer() const;
+
+  TextPad* pad = nullptr;
+  TextFormat format_;
+};
+
+}  // namespace tme
