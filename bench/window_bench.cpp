@@ -279,7 +279,8 @@ BENCHMARK(BM_BoldInOddRtf)->DenseRange(0, std::size(kOddShapes) - 1)->Unit(bench
 class Store : public benchmark::Fixture {
  public:
   void SetUp(benchmark::State& /*state*/) override {
-    for (; count_ < 2'000; ++count_) history_.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
+    for (; count_ < 2'000; ++count_)
+      history_.versions.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
   }
 
  protected:
@@ -292,21 +293,21 @@ class Store : public benchmark::Fixture {
 };
 BENCHMARK_F(Store, Keep)(benchmark::State& state) {
   for (auto _ : state) {
-    history_.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
+    history_.versions.Keep(OriginOf(count_), KeptReason::BeforeSave, std::to_string(count_));
     ++count_;
   }
 }
 BENCHMARK_F(Store, PutAside)(benchmark::State& state) {
-  for (auto _ : state) history_.PutAside(QStringLiteral("1"), OriginOf(0), std::to_string(count_++));
+  for (auto _ : state) history_.snapshots.Put(QStringLiteral("1"), OriginOf(0), std::to_string(count_++));
 }
 BENCHMARK_F(Store, Versions)(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(history_.Versions());
+  for (auto _ : state) benchmark::DoNotOptimize(history_.versions.List());
 }
 BENCHMARK_F(Store, VersionsOfAFile)(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(history_.Versions(OriginOf(0).path));
+  for (auto _ : state) benchmark::DoNotOptimize(history_.versions.List(OriginOf(0).path));
 }
 BENCHMARK_F(Store, Prune)(benchmark::State& state) {
-  for (auto _ : state) history_.Prune();
+  for (auto _ : state) history_.pruner.Prune();
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ class FormHistoryTest : public Editor {
   /// Keeps contents of a file, the last one last.
   void Keep(DocumentKind kind, const QString& path, const std::vector<std::string>& contents) {
     for (const std::string& content : contents)
-      ASSERT_FALSE(history_.Keep({kind, path, u"a.txt"_s}, KeptReason::BeforeSave, content));
+      ASSERT_FALSE(history_.versions.Keep({kind, path, u"a.txt"_s}, KeptReason::BeforeSave, content));
   }
   template <typename T>
   static T& Child(form_History& form, const QString& name) {
@@ -90,10 +90,11 @@ TEST_F(FormHistoryTest, OpensAsNewAndSavesCopies) {
   }
   EXPECT_EQ(common_dialog_.shown.back().file_name, u"a (kept).txt");
   EXPECT_EQ(BytesOf(copy), "kept");
-  EXPECT_EQ(history_.Content(history_.Versions(copy).first().digest), "replaced");
+  EXPECT_EQ(history_.contents.Read(history_.versions.List(copy).first().digest), "replaced");
 
-  const QByteArray digest = history_.Versions(path).last().digest;
-  ASSERT_TRUE(QFile::remove(history_.Folder() + u"/blobs/"_s + QString::fromLatin1(digest.left(2) + '/' + digest)));
+  const QByteArray digest = history_.versions.List(path).last().digest;
+  ASSERT_TRUE(
+      QFile::remove(history_.folder.Path() + u"/blobs/"_s + QString::fromLatin1(digest.left(2) + '/' + digest)));
   Select(form, 1);
   EXPECT_NE(Said(form).find("can no longer be read"), std::string::npos);
   for (const QString& button : {u"cmd_OpenAsNew"_s, u"cmd_SaveCopy"_s, u"cmd_Restore"_s})

@@ -351,7 +351,7 @@ TEST_F(Editor, ASaveSaysWhatItLeftOutAndWhereThatIs) {
   const QString said =
       u"The save left out, or wrote in another form: "_s + left_out + u" File History has the file as it was."_s;
   EXPECT_EQ(NoticeOf(Ini()), said);
-  EXPECT_EQ(history_.Content(history_.Versions(path).value(0).digest), bytes);
+  EXPECT_EQ(history_.contents.Read(history_.versions.List(path).value(0).digest), bytes);
 
   OpenPathList(global_, File(u"b.ini"_s, bytes));
   common_dialog_.ExpectSave(InFolder(u"c.ini"_s));

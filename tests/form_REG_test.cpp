@@ -250,7 +250,7 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   EXPECT_EQ(
       Notice(),
       u"The save left out, or wrote in another form: all that the file held. File History has the file as it was.");
-  EXPECT_EQ(history_.Content(history_.Versions(InFolder(u"large.reg"_s))[0].digest), large);
+  EXPECT_EQ(history_.contents.Read(history_.versions.List(InFolder(u"large.reg"_s))[0].digest), large);
   Reg().FileClose();
 
   // Whoever built the tests may be another one than who runs them.
@@ -326,7 +326,7 @@ TEST_F(RegWindow, SharedNamesAreSaidAndOnlyAnEnormousFileIsAskedAbout) {
                         MsgAnswer::Yes);
   ask();
   frame_->close();
-  EXPECT_EQ(history_.Versions(InFolder(u"b.reg"_s)).value(0).reason, KeptReason::NotSaved);
+  EXPECT_EQ(history_.versions.List(InFolder(u"b.reg"_s)).value(0).reason, KeptReason::NotSaved);
 }
 
 TEST_F(RegWindow, ASaveSaysWhatItLeftOutAndKeepsIt) {
@@ -349,10 +349,10 @@ TEST_F(RegWindow, ASaveSaysWhatItLeftOutAndKeepsIt) {
                 u". File History has the file as it was. Not written: 2 keys without values, 1 value that stands "
                 "directly under the file, a hive or such a key. File History has the whole document."_s);
   const QString path = InFolder(u"a.reg"_s);
-  ASSERT_EQ(history_.Versions(path).size(), 2);
-  EXPECT_NE(history_.Content(history_.Versions(path)[0].digest)->find("\"h\"=\"2\""), std::string::npos);
+  ASSERT_EQ(history_.versions.List(path).size(), 2);
+  EXPECT_NE(history_.contents.Read(history_.versions.List(path)[0].digest)->find("\"h\"=\"2\""), std::string::npos);
   Reg().FileSaveRegular();
-  EXPECT_EQ(history_.Versions(path).size(), 2) << "what is there already is not kept again";
+  EXPECT_EQ(history_.versions.List(path).size(), 2) << "what is there already is not kept again";
   for (QPushButton* button : Reg().findChildren<QPushButton*>(u"notice_action"_s))
     if (button->text() == u"Save Expanded") return button->click();
   ADD_FAILURE() << "no way to the keys";
@@ -367,7 +367,7 @@ TEST_F(RegWindow, ARenamedRootKeepsItsTextAndWhatItsNameDropsIsKept) {
   EXPECT_EQ(BytesOf(InFolder(u"a.reg"_s)), "REGEDIT4\r\n\r\n");
   EXPECT_TRUE(Notice().contains(u"Not written: 1 key that has the name of the tree's root, 1 value"))
       << Notice().toStdString();
-  EXPECT_NE(history_.Content(history_.Versions(InFolder(u"a.reg"_s))[0].digest)->find("\"x\"=\"1\""),
+  EXPECT_NE(history_.contents.Read(history_.versions.List(InFolder(u"a.reg"_s))[0].digest)->find("\"x\"=\"1\""),
             std::string::npos);
   EXPECT_EQ(Reg().Document().Root()->Text(), "Alpha");
 

@@ -163,6 +163,6 @@ TEST_F(Editor, LaunchThatWaitsBecomesTheInstanceOnceTheOtherHasGone) {
 }
 
 TEST_F(Editor, HistoryIsForItsUserOnly) {
-  EXPECT_FALSE(history_.Keep({DocumentKind::Txt, u"/a.txt"_s, u"a.txt"_s}, KeptReason::BeforeSave, "text"));
-  EXPECT_EQ(QFileInfo(history_.Folder()).permissions() & 0x0077, 0) << "neither group nor others";
+  EXPECT_FALSE(history_.versions.Keep({DocumentKind::Txt, u"/a.txt"_s, u"a.txt"_s}, KeptReason::BeforeSave, "text"));
+  EXPECT_EQ(QFileInfo(history_.folder.Path()).permissions() & 0x0077, 0) << "neither group nor others";
 }

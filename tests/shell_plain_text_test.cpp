@@ -93,7 +93,7 @@ TEST_F(PlainTextTest, NamesFromFilesAreNoMarkupAnywhere) {
   emit window_menu->aboutToShow();
   EXPECT_EQ(window_menu->actions().last()->text(), u"&1 &&lt;b&&gt; a&&b.reg"_s);
 
-  history_.Keep({DocumentKind::Reg, path, title}, KeptReason::BeforeSave, "a");
+  history_.versions.Keep({DocumentKind::Reg, path, title}, KeptReason::BeforeSave, "a");
   form_History form(global_);
   auto* scope = form.findChild<QComboBox*>(u"cb_Scope"_s);
   EXPECT_EQ(Read(scope->toolTip()), path);

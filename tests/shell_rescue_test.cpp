@@ -94,8 +94,8 @@ class RescueTest : public Editor {
   DocumentWindow& Window(DocumentKind kind, int slot = 0) { return *global_.documents.At(kind, slot).window; }
   static QString Notice(const DocumentWindow& window) { return window.findChild<NoticeBar*>()->Text(); }
   bool HistoryHolds(const std::string& content) const {
-    for (const KeptVersion& version : history_.Versions())
-      if (history_.Content(version.digest) == content) return true;
+    for (const KeptVersion& version : history_.versions.List())
+      if (history_.contents.Read(version.digest) == content) return true;
     return false;
   }
 };
@@ -115,7 +115,7 @@ class SaveRound : public RescueTest {
   /// saved: by kind, what a save writes; filled in the round without a fault. Returns the number of steps.
   int Run(Flow flow, const Fault& fault, int failing_step, std::map<DocumentKind, std::string>& saved) {
     // But for the claim on it, which this process holds.
-    for (const QFileInfo& part : QDir(history_.Folder()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
+    for (const QFileInfo& part : QDir(history_.folder.Path()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
       QDir(part.filePath()).removeRecursively();
     std::map<DocumentKind, std::string> contents;
     for (const Kind& row : kRows) {
@@ -147,7 +147,7 @@ class SaveRound : public RescueTest {
       EXPECT_EQ(BytesOf(InFolder(u"own"_s)), "own");
     }
     EXPECT_TRUE(QDir(folder_.path()).entryList({u".tme-*"_s}, QDir::Files | QDir::Hidden).isEmpty());
-    EXPECT_TRUE(history_.Aside().isEmpty());
+    EXPECT_TRUE(history_.snapshots.List().isEmpty());
     return steps.Count();
   }
 
@@ -205,11 +205,11 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
   {
     History crashed(folder_.filePath(u"history"_s));
     // What the reader of files would not take whole, and what has no file.
-    crashed.PutAside(u"1"_s, {DocumentKind::Ini, path, u"a.ini"_s}, "; 1\r\n; 2\r\n[A]\r\nx=2\r\n[A]\r\ny=3\r\n");
-    crashed.PutAside(u"2"_s, {DocumentKind::Txt, {}, u"New Text Document"_s}, "never saved");
-    crashed.PutAside(u"3"_s, {DocumentKind::Txt, saved, u"b.txt"_s}, "saved");
-    crashed.PutAside(u"4"_s, {DocumentKind::Reg, {}, u"New Registry File"_s},
-                     "REGEDIT4\r\n; every key as it was shown\r\n\r\n[Renamed\\K]\r\n\"a=dword:b\"=\"c\"\r\n\r\n");
+    crashed.snapshots.Put(u"1"_s, {DocumentKind::Ini, path, u"a.ini"_s}, "; 1\r\n; 2\r\n[A]\r\nx=2\r\n[A]\r\ny=3\r\n");
+    crashed.snapshots.Put(u"2"_s, {DocumentKind::Txt, {}, u"New Text Document"_s}, "never saved");
+    crashed.snapshots.Put(u"3"_s, {DocumentKind::Txt, saved, u"b.txt"_s}, "saved");
+    crashed.snapshots.Put(u"4"_s, {DocumentKind::Reg, {}, u"New Registry File"_s},
+                          "REGEDIT4\r\n; every key as it was shown\r\n\r\n[Renamed\\K]\r\n\"a=dword:b\"=\"c\"\r\n\r\n");
   }
   Start({path});
   EXPECT_EQ(frame_->ActiveDocument(), &Window(DocumentKind::Ini)) << "not the file as it is";
@@ -222,23 +222,23 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
   EXPECT_EQ(Window(DocumentKind::Txt).Content(), "never saved");
   EXPECT_EQ(Window(DocumentKind::Txt, 1).Tag(), u"") << "what the file holds by now needs no rescue";
   EXPECT_NE(Window(DocumentKind::Reg).Content().find("[Renamed\\K]\r\n\"a=dword:b\"=\"c\""), std::string::npos);
-  EXPECT_EQ(history_.Aside().size(), 3) << "a second crash loses nothing";
+  EXPECT_EQ(history_.snapshots.List().size(), 3) << "a second crash loses nothing";
 
   dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::No);
   ini.FileClose();
-  EXPECT_EQ(history_.Aside().size(), 2);
-  EXPECT_EQ(history_.Versions(path).first().reason, KeptReason::NotSaved);
+  EXPECT_EQ(history_.snapshots.List().size(), 2);
+  EXPECT_EQ(history_.versions.List(path).first().reason, KeptReason::NotSaved);
 }
 
 TEST_F(RescueTest, WhatEndedTheProgramTwiceIsKeptInstead) {
   {
     History crashed(folder_.filePath(u"history"_s));
-    crashed.PutAside(u"1"_s, {DocumentKind::Txt, {}, u"good"_s}, "good");
-    crashed.PutAside(u"2"_s, {DocumentKind::Txt, {}, u"bad"_s}, "bad");
+    crashed.snapshots.Put(u"1"_s, {DocumentKind::Txt, {}, u"good"_s}, "good");
+    crashed.snapshots.Put(u"2"_s, {DocumentKind::Txt, {}, u"bad"_s}, "bad");
   }
   for (int start = 0; start < 2; ++start) {
     History crashed(folder_.filePath(u"history"_s));
-    for (const QString& id : {u"1"_s, u"2"_s}) crashed.BeginReopening(id);
+    for (const QString& id : {u"1"_s, u"2"_s}) crashed.snapshots.BeginReopening(id);
   }
   dialogs_.ExpectMsgBox(
       u"The unsaved changes of bad could not be opened again: the program ended over it, at 2 starts. "
@@ -246,9 +246,9 @@ TEST_F(RescueTest, WhatEndedTheProgramTwiceIsKeptInstead) {
       kProgramTitle);
   Start();
   EXPECT_EQ(Window(DocumentKind::Txt).Content(), "good");
-  EXPECT_EQ(history_.Aside().size(), 1);
-  EXPECT_EQ(history_.Versions().first().reason, KeptReason::Rescued);
-  EXPECT_EQ(history_.BeginReopening(u"1"_s), 0) << "that start did not end over it";
+  EXPECT_EQ(history_.snapshots.List().size(), 1);
+  EXPECT_EQ(history_.versions.List().first().reason, KeptReason::Rescued);
+  EXPECT_EQ(history_.snapshots.BeginReopening(u"1"_s), 0) << "that start did not end over it";
 }
 
 TEST_F(RescueTest, OpeningAndClosingKeepsNothing) {
@@ -261,7 +261,7 @@ TEST_F(RescueTest, OpeningAndClosingKeepsNothing) {
   QApplication::processEvents();
   frame_->UnsavedContent().Look(Rescue::Clock::now());
   for (const Kind& row : kRows) Window(row.kind).FileClose();
-  EXPECT_FALSE(QDir(history_.Folder()).exists());
+  EXPECT_FALSE(QDir(history_.folder.Path()).exists());
 }
 
 TEST_F(RescueTest, ASavedDocumentIsNotAsideAnyMore) {
@@ -277,12 +277,12 @@ TEST_F(RescueTest, ASavedDocumentIsNotAsideAnyMore) {
       rescue.Look(now += std::chrono::hours(1));
       if (!on_its_way) {
         rescue.WaitForDisk();
-        EXPECT_EQ(history_.Aside().size(), 1) << row.name;
+        EXPECT_EQ(history_.snapshots.List().size(), 1) << row.name;
       }
       QMetaObject::invokeMethod(&window, row.save);
       rescue.WaitForDisk();
       QApplication::processEvents();
-      EXPECT_TRUE(history_.Aside().isEmpty()) << row.name << on_its_way;
+      EXPECT_TRUE(history_.snapshots.List().isEmpty()) << row.name << on_its_way;
       window.FileClose();
     }
 }
@@ -300,8 +300,8 @@ TEST_F(RescueTest, ASaveUnderANewNameHasTheOldOneMeanwhile) {
       frame_->UnsavedContent().WaitForDisk();
     };
     QMetaObject::invokeMethod(&window, "SaveAs");
-    ASSERT_EQ(history_.Aside().size(), 1);
-    EXPECT_EQ(history_.Aside().first().origin.path, path);
+    ASSERT_EQ(history_.snapshots.List().size(), 1);
+    EXPECT_EQ(history_.snapshots.List().first().origin.path, path);
     dialogs_.while_asking = [] {};
     dialogs_.ExpectMsgBox(u"Save this file?\r"_s + path, u"Document Changed"_s, MsgButtons::YesNoCancel, MsgAnswer::No);
     window.FileClose();
@@ -388,7 +388,7 @@ TEST_F(RescueTest, AFileOfSeveralNamesIsWrittenInPlaceOnceItsBytesAreKept) {
 }
 
 TEST_F(RescueTest, ARecordWithANameThatIsNoTextOpens) {
-  history_.PutAside(u"1"_s, {DocumentKind::Txt, u"/a"_s + QChar(0xD800) + u".txt"_s, u"a"_s}, "text");
+  history_.snapshots.Put(u"1"_s, {DocumentKind::Txt, u"/a"_s + QChar(0xD800) + u".txt"_s, u"a"_s}, "text");
   Start();
   EXPECT_EQ(Window(DocumentKind::Txt).Content(), "text");
 }
@@ -431,10 +431,10 @@ TEST_F(RescueTest, AChangeOnTheDiskIsToldOnceAndKept) {
   QMetaObject::invokeMethod(&window, "SaveFile");
   EXPECT_EQ(count(u"that content is kept"_s), 1);
   EXPECT_TRUE(HistoryHolds("evil"));
-  const auto kept = history_.Versions().size();
+  const auto kept = history_.versions.List().size();
   window.PutContent("mine 3");
   QMetaObject::invokeMethod(&window, "SaveFile");
-  EXPECT_EQ(history_.Versions().size(), kept) << "what was ours needs no keeping";
+  EXPECT_EQ(history_.versions.List().size(), kept) << "what was ours needs no keeping";
   EXPECT_EQ(Notice(window), u"");
   QFile::remove(path);
   QMetaObject::invokeMethod(&window, "SaveFile");

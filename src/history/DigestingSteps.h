@@ -4,7 +4,7 @@
 #include <QCryptographicHash>
 
 #include "files/TextFile.h"
-#include "history/History.h"
+#include "history/ContentStore.h"
 
 namespace tme {
 
@@ -13,7 +13,7 @@ class DigestingSteps : public FileSteps {
  public:
   explicit DigestingSteps(FileSteps& steps) : steps_(steps) {}
 
-  /// Of all that was written since a file was opened, as History::DigestOf.
+  /// Of all that was written since a file was opened, as ContentStore::DigestOf.
   QByteArray Digest() const { return hash_.result().toHex(); }
 
   std::error_code OpenExisting(const std::filesystem::path& path, FileHandle& handle) override {
@@ -40,7 +40,7 @@ class DigestingSteps : public FileSteps {
 
  private:
   FileSteps& steps_;
-  QCryptographicHash hash_{History::kDigest};
+  QCryptographicHash hash_{ContentStore::kDigest};
 };
 
 }  // namespace tme

@@ -51,7 +51,7 @@ void Rescue::PruneWhenDue(Clock::time_point now) {
   prune_at_ = now + kPruneInterval;
   if (pruning_.valid() && pruning_.wait_for(seconds(0)) != std::future_status::ready) return;
   try {
-    pruning_ = std::async(std::launch::async, [&history = global_.history] { history.Prune(); });
+    pruning_ = std::async(std::launch::async, [&history = global_.history] { history.pruner.Prune(); });
   } catch (const std::system_error&) {
     return;  // no thread: the next time will do
   }
@@ -63,21 +63,21 @@ void Rescue::Stop() {
 }
 
 void Rescue::ReopenAfterCrash() {
-  if (!global_.history.Claim()) return;
-  for (const KeptVersion& aside : global_.history.Aside()) {
-    const int attempts = global_.history.BeginReopening(aside.id);
-    std::optional<std::string> content = global_.history.Content(aside.digest);
+  if (!global_.history.folder.Claim()) return;
+  for (const KeptVersion& aside : global_.history.snapshots.List()) {
+    const int attempts = global_.history.snapshots.BeginReopening(aside.id);
+    std::optional<std::string> content = global_.history.contents.Read(aside.digest);
     // One that cannot be read stays where it is, for whoever can repair it.
     if (!content) continue;
     if (attempts < kMostAttempts || !KeepInstead(aside, *content)) Reopen(aside, std::move(*content));
   }
-  global_.history.EndReopening();
+  global_.history.snapshots.EndReopening();
   if (!watched_.isEmpty()) global_.frame->CascadeAfterOpening();
 }
 
 bool Rescue::KeepInstead(const KeptVersion& aside, const std::string& content) {
-  if (global_.history.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return false;
-  global_.history.ForgetAside(aside.id);
+  if (global_.history.versions.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return false;
+  global_.history.snapshots.Forget(aside.id);
   global_.dialogs.MsgBox(
       tr("The unsaved changes of %1 could not be opened again: the program ended over it, at %2 starts. "
          "Tools, File History has them.")
@@ -92,11 +92,11 @@ void Rescue::Reopen(const KeptVersion& aside, std::string content) {
   const bool is_saved =
       !aside.origin.path.isEmpty() && !ReadFileBytes(FilePath(aside.origin.path), in_file) && in_file == content;
   // The crash came between the save and the look after it.
-  if (is_saved) return global_.history.ForgetAside(aside.id);
+  if (is_saved) return global_.history.snapshots.Forget(aside.id);
   const int slot = global_.documents.FindFreeSlot(static_cast<int>(TraitsOf(aside.origin.kind).slot_code));
   if (slot < 0) {
-    if (global_.history.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return;
-    global_.history.ForgetAside(aside.id);
+    if (global_.history.versions.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return;
+    global_.history.snapshots.Forget(aside.id);
     const auto tell = [&](DocumentSlot& shown) {
       if (watched_.contains(shown.window) && shown.window->Kind() == aside.origin.kind)
         shown.window->AddNotice(
@@ -125,7 +125,7 @@ void Rescue::Look(Clock::time_point now) {
     const bool unsaved = !slot.window->Tag().isEmpty() && slot.window->IsTouched();
     if (!unsaved) return Forget(slot.window);
     auto watched = watched_.find(slot.window);
-    if (watched == watched_.end()) watched = watched_.insert(slot.window, {History::NewId(), 0, false, {}, {}});
+    if (watched == watched_.end()) watched = watched_.insert(slot.window, {SnapshotStore::NewId(), 0, false, {}, {}});
     const bool is_new = !watched->is_aside || watched->revision != slot.window->Revision();
     const bool is_due = now >= watched->not_before && (watched->cost <= kQuick || now >= within_share_);
     if (!is_new || !is_due || watched->not_before >= due_since) return;
@@ -140,18 +140,18 @@ void Rescue::Forget(DocumentWindow* window) {
   const auto found = watched_.find(window);
   if (found == watched_.end()) return;
   if (writing_for_ == window) writing_for_ = nullptr;
-  global_.history.ForgetAside(found->id);
+  global_.history.snapshots.Forget(found->id);
   watched_.erase(found);
 }
 
 void Rescue::LeaveForNextStart(DocumentWindow& window) {
   WaitForDisk();
   const auto found = watched_.constFind(&window);
-  const QString id = found != watched_.constEnd() ? found->id : History::NewId();
+  const QString id = found != watched_.constEnd() ? found->id : SnapshotStore::NewId();
   watched_.remove(&window);
   try {
     // Without room for it, what the last look put aside has to do.
-    global_.history.PutAside(id, window.Origin(), window.Content());
+    global_.history.snapshots.Put(id, window.Origin(), window.Content());
   } catch (const std::bad_alloc&) {
     return;
   }
@@ -169,7 +169,7 @@ void Rescue::PutAside(DocumentWindow& window, Watched& watched, Clock::time_poin
       const std::string content = std::move(gathered);  // so that its memory is given back on this thread
       std::optional<FileFailure> failure;
       try {
-        failure = global_.history.PutAside(id, origin, content);
+        failure = global_.history.snapshots.Put(id, origin, content);
       } catch (const std::bad_alloc& error) {
         failure = FileFailure{error.what()};
       }

@@ -100,7 +100,7 @@ void Compare(const History& history, const KeptVersion& version, std::optional<s
     result.outcome = Outcome::TooLarge;
     return;
   }
-  std::optional<std::string> content = history.Content(version.digest);
+  std::optional<std::string> content = history.contents.Read(version.digest);
   if (!content) return;
   if (std::string bytes; !now && !path.isEmpty() && !ReadFileBytes(FilePath(path), bytes)) now = std::move(bytes);
   const bool same_bytes = now && *now == *content;

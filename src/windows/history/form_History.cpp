@@ -91,7 +91,8 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
     SetItemTip(*cb_Scope, 0, QDir::toNativeSeparators(path));
   }
   cb_Scope->addItem(tr("All files"));
-  if (!path.isEmpty() && global_.history.Versions(path).isEmpty()) cb_Scope->setCurrentIndex(cb_Scope->count() - 1);
+  if (!path.isEmpty() && global_.history.versions.List(path).isEmpty())
+    cb_Scope->setCurrentIndex(cb_Scope->count() - 1);
   connect(cb_Scope, &QComboBox::currentIndexChanged, this, [this] { ListVersions(); });
   ListVersions();
   list_Versions->setFocus();
@@ -231,7 +232,7 @@ void form_History::done(int result) {
 
 void form_History::ListVersions(const QString& selected_id) {
   const QVariant path = cb_Scope->currentData();
-  versions_ = path.isValid() ? global_.history.Versions(path.toString()) : global_.history.Versions();
+  versions_ = path.isValid() ? global_.history.versions.List(path.toString()) : global_.history.versions.List();
   SetTip(*cb_Scope, QDir::toNativeSeparators(path.toString()));
   const QSignalBlocker silent(list_Versions);
   list_Versions->clear();
@@ -351,7 +352,7 @@ void form_History::ShowComparison(std::shared_ptr<const VersionComparison> compa
   comparison_ = std::move(comparison);
   EnableCommands(comparison_->outcome != VersionComparison::Outcome::Unreadable);
   ShowLines();
-  QString said = Summary(*comparison_, version, global_.history.Folder());
+  QString said = Summary(*comparison_, version, global_.history.folder.Path());
   if (txt_Version->HasCutLines())
     said += u' ' + tr("Lines of more than %1 bytes are shown in part, from where they differ.")
                        .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)));
@@ -385,9 +386,9 @@ void form_History::ShowPlace() {
 }
 
 std::optional<std::string> form_History::SelectedContent() {
-  std::optional<std::string> content = global_.history.Content(Selected()->digest);
+  std::optional<std::string> content = global_.history.contents.Read(Selected()->digest);
   if (!content)
-    global_.dialogs.MsgBox(Summary({}, *Selected(), global_.history.Folder()), MsgButtons::Ok, MsgIcon::Warning,
+    global_.dialogs.MsgBox(Summary({}, *Selected(), global_.history.folder.Path()), MsgButtons::Ok, MsgIcon::Warning,
                            kProgramTitle);
   return content;
 }
@@ -424,7 +425,7 @@ void form_History::cmd_SaveCopy_Click() {
   if (path.isEmpty()) return;
   // What the copy replaces is kept, too.
   const ContentOrigin target{version.origin.kind, path, QFileInfo(path).fileName()};
-  if (const auto failure = global_.history.ReplaceFile(target, *content))
+  if (const auto failure = global_.history.files.Replace(target, *content))
     global_.dialogs.MsgBox(
         tr("The copy could not be written to %1: %2.  %3")
             .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(path, *failure)),
@@ -443,8 +444,8 @@ void form_History::cmd_Restore_Click() {
   if (!window && slot < 0) return ShowNoFreeSlot(global_, QString::fromLatin1(traits.message_name));
   const std::optional<std::string> now = window ? std::optional(window->Content()) : std::nullopt;
   if (now == content) return;  // pressed twice
-  const auto failure = now ? global_.history.Keep(version.origin, KeptReason::BeforeRestore, *now)
-                           : global_.history.KeepFile(version.origin, KeptReason::BeforeRestore);
+  const auto failure = now ? global_.history.versions.Keep(version.origin, KeptReason::BeforeRestore, *now)
+                           : global_.history.files.KeepFile(version.origin, KeptReason::BeforeRestore);
   if (failure) {
     global_.dialogs.MsgBox(tr("What stands there now could not be kept: %1.  Nothing was restored.")
                                .arg(QString::fromStdString(failure->reason)),

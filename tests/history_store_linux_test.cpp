@@ -23,15 +23,15 @@ TEST(HistoryFiles, AreTheUsersAloneAlsoWhenTheyWereNot) {
       use(entry.next());
   };
   History history(folder);
-  EXPECT_FALSE(history.Keep(origin, KeptReason::BeforeSave, "1"));
-  EXPECT_FALSE(history.PutAside(u"1"_s, origin, "2"));
-  history.BeginReopening(u"1"_s);
+  EXPECT_FALSE(history.versions.Keep(origin, KeptReason::BeforeSave, "1"));
+  EXPECT_FALSE(history.snapshots.Put(u"1"_s, origin, "2"));
+  history.snapshots.BeginReopening(u"1"_s);
   const auto expect_private = [&] {
     each_path([&](const QString& path) { EXPECT_FALSE(QFile::permissions(path) & others) << path.toStdString(); });
   };
   expect_private();
   each_path([&](const QString& path) { QFile::setPermissions(path, all); });
-  history.Prune();
+  history.pruner.Prune();
   expect_private();
 }
 

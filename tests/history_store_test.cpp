@@ -25,8 +25,8 @@ class HistoryTest : public testing::Test {
   }
   static std::string Contents(const History& history) {
     std::string contents;
-    for (const KeptVersion& version : history.Versions())
-      contents += history.Content(version.digest).value_or("?") + ' ';
+    for (const KeptVersion& version : history.versions.List())
+      contents += history.contents.Read(version.digest).value_or("?") + ' ';
     return contents;
   }
 
@@ -40,14 +40,14 @@ class HistoryTest : public testing::Test {
 
 TEST_F(HistoryTest, KeepsEachContentOnceAndOnlyForTheUser) {
   History history(folder_.filePath(u"h"_s));
-  EXPECT_TRUE(history.Versions().isEmpty());
-  EXPECT_FALSE(QFileInfo::exists(history.Folder())) << "nothing to keep, nothing on the disk";
+  EXPECT_TRUE(history.versions.List().isEmpty());
+  EXPECT_FALSE(QFileInfo::exists(history.folder.Path())) << "nothing to keep, nothing on the disk";
   for (const char* content : {"one", "one", "two", "one"})
-    EXPECT_FALSE(history.Keep(file_, KeptReason::BeforeSave, content, now_));
-  EXPECT_FALSE(history.Keep(new_, KeptReason::NotSaved, "two", now_));
+    EXPECT_FALSE(history.versions.Keep(file_, KeptReason::BeforeSave, content, now_));
+  EXPECT_FALSE(history.versions.Keep(new_, KeptReason::NotSaved, "two", now_));
   EXPECT_EQ(Contents(history), "two one two one ");
   EXPECT_EQ(Blobs(), 2);
-  const KeptVersion newest = history.Versions().first(), oldest = history.Versions(file_.path).last();
+  const KeptVersion newest = history.versions.List().first(), oldest = history.versions.List(file_.path).last();
   EXPECT_EQ(newest.origin.title, new_.title);
   EXPECT_EQ(newest.reason, KeptReason::NotSaved);
   EXPECT_EQ(oldest.origin.path, file_.path);
@@ -63,96 +63,99 @@ TEST_F(HistoryTest, KeepsEachContentOnceAndOnlyForTheUser) {
 
 TEST_F(HistoryTest, OldestGoFirst) {
   History history(folder_.filePath(u"h"_s), {3, 90, 20});
-  history.Keep(file_, KeptReason::BeforeSave, "too old", now_.addDays(-91));
-  for (const char* content : {"1", "2", "3", "4"}) history.Keep(file_, KeptReason::BeforeSave, content, now_);
-  history.PutAside(u"aside"_s, new_, "0123456789012345678901234567890", now_);
-  history.Prune(now_);
+  history.versions.Keep(file_, KeptReason::BeforeSave, "too old", now_.addDays(-91));
+  for (const char* content : {"1", "2", "3", "4"}) history.versions.Keep(file_, KeptReason::BeforeSave, content, now_);
+  history.snapshots.Put(u"aside"_s, new_, "0123456789012345678901234567890", now_);
+  history.pruner.Prune(now_);
   EXPECT_EQ(Contents(history), "4 3 2 ");
   EXPECT_EQ(Blobs(), 6) << "what nobody names may be on its way";
-  history.Prune(later_);
+  history.pruner.Prune(later_);
   EXPECT_EQ(Blobs(), 4) << "what is put aside stays, and does not count";
-  for (const char* content : {"more than three", "5", "6"}) history.Keep(new_, KeptReason::NotSaved, content, now_);
-  history.Keep(new_, KeptReason::NotSaved, "7", now_);
-  history.Prune(later_);
+  for (const char* content : {"more than three", "5", "6"})
+    history.versions.Keep(new_, KeptReason::NotSaved, content, now_);
+  history.versions.Keep(new_, KeptReason::NotSaved, "7", now_);
+  history.pruner.Prune(later_);
   EXPECT_EQ(Contents(history), "7 6 5 4 3 2 ") << "what goes takes no room from what is older";
-  history.Keep(new_, KeptReason::NotSaved, "larger than the store may be", now_);
-  history.Prune(later_);
+  history.versions.Keep(new_, KeptReason::NotSaved, "larger than the store may be", now_);
+  history.pruner.Prune(later_);
   EXPECT_EQ(Contents(history), "larger than the store may be 7 6 4 3 2 ");
 }
 
 TEST_F(HistoryTest, AgeIsThatBesideTheNewestOfAFile) {
   History history(folder_.filePath(u"h"_s));
-  history.Keep(new_, KeptReason::NotSaved, "alone", now_);
+  history.versions.Keep(new_, KeptReason::NotSaved, "alone", now_);
   for (int number = 1; number <= 7; ++number)
-    history.Keep(file_, KeptReason::BeforeSave, std::to_string(number), now_.addDays(number == 7 ? 0 : -100 - number));
-  history.Prune(now_.addDays(120));
+    history.versions.Keep(file_, KeptReason::BeforeSave, std::to_string(number),
+                          now_.addDays(number == 7 ? 0 : -100 - number));
+  history.pruner.Prune(now_.addDays(120));
   EXPECT_EQ(Contents(history), "7 6 5 4 3 alone ") << "a clock that is ahead takes nothing, and age spares five";
 }
 
 TEST_F(HistoryTest, PutsUnsavedContentAside) {
   History history(folder_.filePath(u"h"_s));
-  history.PutAside(u"2"_s, new_, "second", now_);
-  history.PutAside(u"1"_s, file_, "first", now_);
-  history.PutAside(u"1"_s, file_, "first, changed", now_);
-  ASSERT_EQ(history.Aside().size(), 2);
-  EXPECT_EQ(history.Content(history.Aside().first().digest), "first, changed");
+  history.snapshots.Put(u"2"_s, new_, "second", now_);
+  history.snapshots.Put(u"1"_s, file_, "first", now_);
+  history.snapshots.Put(u"1"_s, file_, "first, changed", now_);
+  ASSERT_EQ(history.snapshots.List().size(), 2);
+  EXPECT_EQ(history.contents.Read(history.snapshots.List().first().digest), "first, changed");
   EXPECT_EQ(Blobs(), 2) << "a snapshot's predecessor goes";
-  history.PutAside(u"3"_s, new_, "second", now_);
-  history.ForgetAside(u"3"_s);
-  history.PutAside(u"4"_s, new_, "kept", now_);
-  history.Keep(file_, KeptReason::NotSaved, "kept", now_);
-  history.PutAside(u"4"_s, new_, "fourth", now_);
-  history.ForgetAside(u"4"_s);
+  history.snapshots.Put(u"3"_s, new_, "second", now_);
+  history.snapshots.Forget(u"3"_s);
+  history.snapshots.Put(u"4"_s, new_, "kept", now_);
+  history.versions.Keep(file_, KeptReason::NotSaved, "kept", now_);
+  history.snapshots.Put(u"4"_s, new_, "fourth", now_);
+  history.snapshots.Forget(u"4"_s);
   EXPECT_EQ(Contents(history), "kept ");
-  EXPECT_EQ(history.Content(history.Aside().last().digest), "second") << "what another one has stays";
+  EXPECT_EQ(history.contents.Read(history.snapshots.List().last().digest), "second") << "what another one has stays";
   EXPECT_EQ(Blobs(), 3);
   // What a crash in the middle of a write leaves must not hide the rest.
   QFile torn(folder_.filePath(u"h/aside/0.json"_s));
   ASSERT_TRUE(torn.open(QIODevice::WriteOnly));
   torn.write("{\"time\": \"20");
   torn.close();
-  history.ForgetAside(u"1"_s);
-  ASSERT_EQ(history.Aside().size(), 1);
-  EXPECT_EQ(history.Aside().first().origin.title, new_.title);
-  history.ForgetAside(u"5"_s);
-  history.PutAside(u"5"_s, new_, "saved before the snapshot's thread began", now_);
-  EXPECT_EQ(history.Aside().size(), 1);
+  history.snapshots.Forget(u"1"_s);
+  ASSERT_EQ(history.snapshots.List().size(), 1);
+  EXPECT_EQ(history.snapshots.List().first().origin.title, new_.title);
+  history.snapshots.Forget(u"5"_s);
+  history.snapshots.Put(u"5"_s, new_, "saved before the snapshot's thread began", now_);
+  EXPECT_EQ(history.snapshots.List().size(), 1);
   EXPECT_EQ(Blobs(), 2);
 }
 
 TEST_F(HistoryTest, OneOwnsTheStoreAndOthersOnlyAdd) {
   auto owner = std::make_unique<History>(folder_.filePath(u"h"_s), HistoryLimits{1, 90, 100});
   History other(folder_.filePath(u"h"_s), {1, 90, 100});
-  EXPECT_TRUE(other.Claim()) << "there is no store yet";
-  for (const char* content : {"1", "2"}) EXPECT_FALSE(owner->Keep(file_, KeptReason::BeforeSave, content, now_));
-  EXPECT_FALSE(other.Claim());
-  EXPECT_FALSE(other.Keep(file_, KeptReason::BeforeSave, "3", now_));
-  other.Prune(later_);
+  EXPECT_TRUE(other.folder.Claim()) << "there is no store yet";
+  for (const char* content : {"1", "2"})
+    EXPECT_FALSE(owner->versions.Keep(file_, KeptReason::BeforeSave, content, now_));
+  EXPECT_FALSE(other.folder.Claim());
+  EXPECT_FALSE(other.versions.Keep(file_, KeptReason::BeforeSave, "3", now_));
+  other.pruner.Prune(later_);
   EXPECT_EQ(Contents(*owner), "3 2 1 ");
   owner.reset();
-  other.Prune(later_);
+  other.pruner.Prune(later_);
   EXPECT_EQ(Contents(other), "3 ");
   EXPECT_EQ(Blobs(), 1);
 
   QFile claim(folder_.filePath(u"k/in-use"_s));
   ASSERT_TRUE(QDir(folder_.path()).mkdir(u"k"_s) && claim.open(QIODevice::WriteOnly));
   claim.close();
-  EXPECT_TRUE(History(folder_.filePath(u"k"_s)).Claim()) << "left empty by a machine that stopped";
+  EXPECT_TRUE(History(folder_.filePath(u"k"_s)).folder.Claim()) << "left empty by a machine that stopped";
 }
 
 TEST_F(HistoryTest, OrderOutlivesAClockThatGoesBack) {
   const QString folder = folder_.filePath(u"h"_s);
-  History(folder).Keep(file_, KeptReason::BeforeSave, "1", now_);
-  const QString id = History(folder).Versions().first().id, ahead = u"2999"_s + id.mid(4);
+  History(folder).versions.Keep(file_, KeptReason::BeforeSave, "1", now_);
+  const QString id = History(folder).versions.List().first().id, ahead = u"2999"_s + id.mid(4);
   ASSERT_TRUE(QFile::rename(folder + u"/versions/"_s + id + u".json"_s, folder + u"/versions/"_s + ahead + u".json"_s));
   History history(folder);
-  for (const char* content : {"2", "3"}) history.Keep(new_, KeptReason::NotSaved, content, now_);
-  history.Keep(file_, KeptReason::BeforeSave, "4", now_.addYears(-1));
+  for (const char* content : {"2", "3"}) history.versions.Keep(new_, KeptReason::NotSaved, content, now_);
+  history.versions.Keep(file_, KeptReason::BeforeSave, "4", now_.addYears(-1));
   EXPECT_EQ(Contents(history), "4 3 2 1 ");
   // What was kept long ago counts as kept now, or its age would take it.
-  history.Keep(file_, KeptReason::BeforeSave, "4", now_);
+  history.versions.Keep(file_, KeptReason::BeforeSave, "4", now_);
   EXPECT_EQ(Contents(history), "4 3 2 1 ");
-  EXPECT_EQ(history.Versions().first().time, now_);
+  EXPECT_EQ(history.versions.List().first().time, now_);
 }
 
 TEST_F(HistoryTest, WhatIsNamedStaysWhileOthersWork) {
@@ -160,23 +163,23 @@ TEST_F(HistoryTest, WhatIsNamedStaysWhileOthersWork) {
   constexpr int kRounds = 20;
   const auto content = [](int round) { return std::to_string(round % 4); };
   std::thread snapshots([&] {
-    for (int round = 0; round < kRounds; ++round) history.PutAside(u"1"_s, new_, content(round), now_);
+    for (int round = 0; round < kRounds; ++round) history.snapshots.Put(u"1"_s, new_, content(round), now_);
   });
   std::thread cleaning([&] {
-    for (int round = 0; round < kRounds; ++round) history.Prune(now_);
+    for (int round = 0; round < kRounds; ++round) history.pruner.Prune(now_);
   });
   for (int round = 0; round < kRounds; ++round) {
-    const auto failure = history.Keep(file_, KeptReason::BeforeSave, content(round), now_);
+    const auto failure = history.versions.Keep(file_, KeptReason::BeforeSave, content(round), now_);
     EXPECT_FALSE(failure) << failure->reason;
   }
-  history.PutAside(u"2"_s, new_, "2", now_);
-  history.ForgetAside(u"2"_s);
+  history.snapshots.Put(u"2"_s, new_, "2", now_);
+  history.snapshots.Forget(u"2"_s);
   snapshots.join();
   cleaning.join();
-  EXPECT_EQ(history.Versions().size(), kRounds);
+  EXPECT_EQ(history.versions.List().size(), kRounds);
   EXPECT_EQ(Contents(history).find('?'), std::string::npos);
-  ASSERT_EQ(history.Aside().size(), 1);
-  EXPECT_EQ(history.Content(history.Aside().first().digest), content(kRounds - 1));
+  ASSERT_EQ(history.snapshots.List().size(), 1);
+  EXPECT_EQ(history.contents.Read(history.snapshots.List().first().digest), content(kRounds - 1));
 }
 
 }  // namespace

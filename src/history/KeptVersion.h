@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include "documents/DocumentKind.h"
+
+namespace tme {
+
+/// Why a version was kept.
+enum class KeptReason : std::uint8_t {
+  BeforeSave,     ///< the file's bytes before a save put others in their place
+  NotSaved,       ///< a document that was closed without its changes reaching a file
+  BeforeRestore,  ///< what stood there before an older version was put back
+  Rescued,        ///< unsaved content that a crash left and that no window had room for
+};
+/// For people: "Before a save".
+QString ReasonText(KeptReason reason);
+
+/// What a content belongs to.
+struct ContentOrigin {
+  DocumentKind kind = DocumentKind::Txt;
+  QString path;   ///< empty for a document that never had a file
+  QString title;  ///< the caption of such a document; else the file's name
+};
+
+/// Two contents of equal origin are versions of one thing.
+bool SameOrigin(const ContentOrigin& a, const ContentOrigin& b);
+/// Path of the file, or a text that is no path and holds the title; kinds that share a path share it.
+QString OriginKey(const ContentOrigin& origin);
+
+/// A content of the store and what names it: a version, or a recovery snapshot of an open document (whose reason says
+/// nothing).
+struct KeptVersion {
+  QString id;  ///< name in the store; later ones sort after earlier ones
+  QDateTime time;
+  KeptReason reason = KeptReason::BeforeSave;
+  ContentOrigin origin;
+  QByteArray digest;  ///< of the content, in hex
+  qint64 bytes = 0;
+};
+
+}  // namespace tme
