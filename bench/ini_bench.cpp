@@ -12,7 +12,7 @@
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniTree.h"
 #include "documents/ini/IniWriter.h"
-#include "files/TextFile.h"
+#include "files/TextEncoding.h"
 
 #ifdef BENCH_INIH
 #include <ini.h>

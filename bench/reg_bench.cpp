@@ -16,7 +16,7 @@
 #include "documents/reg/RegLosses.h"
 #include "documents/reg/RegReader.h"
 #include "documents/reg/RegWriter.h"
-#include "files/TextFile.h"
+#include "files/TextEncoding.h"
 
 namespace tme {
 namespace {

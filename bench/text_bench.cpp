@@ -11,6 +11,8 @@
 
 #include "ResidentMemory.h"
 #include "Shuffle.h"
+#include "files/FileBytes.h"
+#include "files/TextEncoding.h"
 #include "history/History.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"

@@ -11,6 +11,8 @@
 
 #include "IniInput.h"
 #include "documents/ini/IniReader.h"
+#include "files/FileBytes.h"
+#include "files/TextEncoding.h"
 #include "history/History.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"

@@ -5,7 +5,7 @@
 #include "Fuzz.h"
 #include "base/Utf8.h"
 #include "files/CodePage.h"
-#include "files/TextFile.h"
+#include "files/TextEncoding.h"
 
 namespace tme::fuzz {
 namespace {

@@ -7,7 +7,8 @@
 #include <iterator>
 #include <string>
 
-#include "files/TextFile.h"
+#include "files/FileBytes.h"
+#include "files/FileFailure.h"
 #include "system/FilePath.h"
 
 namespace tme {

@@ -13,6 +13,7 @@
 
 #include "Editor.h"
 #include "TestSystem.h"
+#include "files/TextEncoding.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"

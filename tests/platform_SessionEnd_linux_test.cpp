@@ -4,6 +4,7 @@
 
 #include "Editor.h"
 #include "WaitFor.h"
+#include "files/FileBytes.h"
 #include "shell/SessionShutdown.h"
 #include "system/FilePath.h"
 

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "Editor.h"
+#include "files/FileSteps.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"

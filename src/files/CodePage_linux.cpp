@@ -11,6 +11,7 @@
 
 #include "base/Utf8.h"
 #include "files/CodePage.h"
+#include "files/TextEncoding.h"
 
 namespace tme {
 namespace {
@@ -69,6 +70,8 @@ iconv_t ConverterOf(int code_page) {
 }
 
 }  // namespace
+
+TextEncoding SystemUnicode() { return TextEncoding::Utf8; }
 
 std::string BytesToUtf8(int code_page, std::string_view bytes) {
   static std::mutex one_at_a_time;  // a converter has a state

@@ -7,6 +7,7 @@
 #include "base/Utf8.h"
 #include "files/CodePage.h"
 #include "files/CodePageTable_win.h"
+#include "files/TextEncoding.h"
 
 namespace tme {
 namespace {
@@ -80,6 +81,8 @@ std::string FromUtf8(std::string_view bytes) {
 }
 
 }  // namespace
+
+TextEncoding SystemUnicode() { return TextEncoding::Utf16Le; }
 
 std::string BytesToUtf8(int code_page, std::string_view bytes) {
   auto page = static_cast<unsigned>(code_page);

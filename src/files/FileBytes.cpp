@@ -1,23 +1,17 @@
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <new>
-#include <random>
-#include <stdexcept>
-#include <string>
-#include <utility>
+#include "files/FileBytes.h"
 
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+#include "files/FileSteps.h"
 #include "files/SystemFile.h"
+#include "files/TemporaryFile.h"
 
 namespace tme {
 namespace {
 
 namespace fs = std::filesystem;
-using system_file::Failure;
-
-/// One call never moves more, so that its count fits every type on the way.
-constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
-constexpr int kNameAttempts = 16;
 
 /// expected: the size of the file when it was opened; it may be another by now.
 std::error_code ReadToEnd(FileHandle handle, std::size_t expected, std::string& bytes) {
@@ -36,37 +30,6 @@ std::error_code ReadToEnd(FileHandle handle, std::size_t expected, std::string& 
   return {};
 }
 
-fs::path TemporaryName(const fs::path& folder) {
-  std::random_device random;
-  std::array<char, 32> name{};
-  std::snprintf(name.data(), name.size(), ".tme-%08x%08x", random(), random());
-  return folder / name.data();
-}
-
-/// Of the system's characters.
-template <typename Name>
-bool IsTemporaryName(const Name& name) {
-  constexpr std::string_view kStart = ".tme-", kDigits = "0123456789abcdef";
-  constexpr std::size_t kRandomDigits = 16;
-  const auto is_digit = [kDigits](auto unit) {
-    return std::find(kDigits.begin(), kDigits.end(), unit) != kDigits.end();
-  };
-  return name.size() == kStart.size() + kRandomDigits && std::equal(kStart.begin(), kStart.end(), name.begin()) &&
-         std::all_of(name.begin() + kStart.size(), name.end(), is_digit);
-}
-
-std::error_code WriteAll(FileSteps& steps, FileHandle handle, std::string_view bytes) {
-  while (!bytes.empty()) {
-    std::size_t written = 0;
-    const auto error = steps.Write(handle, bytes.data(), std::min(bytes.size(), kMaxTransfer), written);
-    if (error == std::errc::interrupted) continue;
-    if (error) return error;
-    if (written == 0) return std::make_error_code(std::errc::io_error);
-    bytes.remove_prefix(written);
-  }
-  return {};
-}
-
 /// opened: whether the file may have other bytes now.
 std::error_code Overwrite(FileSteps& steps, const fs::path& path, std::string_view bytes, bool& opened) {
   FileHandle handle = kNoFile;
@@ -79,64 +42,10 @@ std::error_code Overwrite(FileSteps& steps, const fs::path& path, std::string_vi
   return error ? error : close_error;
 }
 
-/// The temporary file, gone with this object unless it was put in place.
-class Temporary {
- public:
-  explicit Temporary(FileSteps& steps) : steps_(steps) {}
-  Temporary(const Temporary&) = delete;
-  Temporary& operator=(const Temporary&) = delete;
-  ~Temporary() {
-    if (handle_ != kNoFile) steps_.Close(handle_);
-    if (!path_.empty()) steps_.Remove(path_);
-  }
-
-  std::error_code Open(const fs::path& folder, unsigned mode) {
-    std::error_code error;
-    for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-      const fs::path path = TemporaryName(folder);
-      error = steps_.OpenTemporary(path, mode, handle_);
-      if (!error) path_ = path;
-      if (error != std::errc::file_exists) break;
-    }
-    return error;
-  }
-
-  std::error_code Write(std::string_view bytes) { return WriteAll(steps_, handle_, bytes); }
-
-  std::error_code FlushAndClose() {
-    const std::error_code flush_error = steps_.Flush(handle_);
-    const std::error_code close_error = steps_.Close(handle_);  // a network file system tells of a full disk only here
-    handle_ = kNoFile;
-    return flush_error ? flush_error : close_error;
-  }
-
-  std::error_code Replace(const fs::path& target) {
-    const std::error_code error = steps_.Replace(path_, target);
-    if (!error) path_.clear();
-    return error;
-  }
-
-  /// Leaves the file to the user, under a name that is not taken for what a killed save left; that name.
-  fs::path Keep(const fs::path& target) {
-    fs::path temporary = std::exchange(path_, {}), kept = target;
-    kept += temporary.filename();
-    std::error_code error;
-    fs::rename(temporary, kept, error);
-    return error ? temporary : kept;
-  }
-
-  FileHandle handle() const { return handle_; }
-
- private:
-  FileSteps& steps_;
-  fs::path path_;
-  FileHandle handle_ = kNoFile;
-};
-
-std::optional<FileFailure> PutInPlace(Temporary& temporary, const system_file::Target& target) {
+std::optional<FileFailure> PutInPlace(TemporaryFile& temporary, const system_file::Target& target) {
   const std::error_code error = temporary.Replace(target.path);
   if (!error) return std::nullopt;
-  FileFailure failure = Failure(error);
+  FileFailure failure = FailureOf(error);
   if (!target.exists) return failure;
   system_file::Target left;
   if (!system_file::ResolveTarget(target.path, left) && !left.exists) {
@@ -170,7 +79,7 @@ std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& byte
   system_file::CloseReading(handle);
   if (!error) return std::nullopt;
   std::string().swap(bytes);
-  return Failure(error);
+  return FailureOf(error);
 }
 
 std::optional<FileFailure> WriteFileInPlace(const fs::path& path, std::string_view bytes, std::string_view old_bytes,
@@ -178,28 +87,9 @@ std::optional<FileFailure> WriteFileInPlace(const fs::path& path, std::string_vi
   bool opened = false;
   const std::error_code error = Overwrite(steps, path, bytes, opened);
   if (!error) return std::nullopt;
-  FileFailure failure = Failure(error);
+  FileFailure failure = FailureOf(error);
   failure.file_damaged = opened && Overwrite(steps, path, old_bytes, opened);
   return failure;
-}
-
-std::error_code PrivateFileSteps::OpenTemporary(const fs::path& path, unsigned /*mode*/, FileHandle& handle) {
-  return FileSteps::OpenTemporary(path, 0600, handle);
-}
-
-std::optional<FileFailure> WritePrivateFile(const fs::path& path, std::string_view bytes) {
-  PrivateFileSteps steps;
-  MakePrivate(path);
-  return WriteFileParts(
-      path, [bytes](const FilePart& put) { return put(bytes); }, steps);
-}
-
-void RemoveLeftTemporaries(const fs::path& folder) {
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    const fs::path& path = entry->path();
-    if (IsTemporaryName(path.filename().native())) system_file::RemoveIfLeft(path);
-  }
 }
 
 std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProducer& produce, FileSteps& steps) {
@@ -207,15 +97,15 @@ std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProduc
   if (auto failure = system_file::ResolveTarget(path, target)) return failure;
 
   const fs::path folder = target.path.has_parent_path() ? target.path.parent_path() : fs::path(".");
-  Temporary temporary(steps);
+  TemporaryFile temporary(steps);
   // The old file's mode comes after its owner; until then nobody else may open it.
   std::error_code error = temporary.Open(folder, target.exists ? 0600 : 0666);
   if (error == std::errc::permission_denied || error == std::errc::read_only_file_system ||
       error == std::errc::operation_not_permitted) {
-    return FileFailure{"The folder cannot be written: " + Failure(error).reason, true};
+    return FileFailure{"The folder cannot be written: " + FailureOf(error).reason, true};
   }
-  if (error) return Failure(error);
-  if (target.exists && !system_file::TakeOver(target.path, temporary.handle())) {
+  if (error) return FailureOf(error);
+  if (target.exists && !system_file::TakeOver(target.path, temporary.Handle())) {
     return FileFailure{"A new file cannot have the owner, the access rights and the links of the old one", true};
   }
 
@@ -225,11 +115,17 @@ std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProduc
   });
   if (!complete && !error) return FileFailure{"The file was not completed"};
   if (!error) error = temporary.FlushAndClose();
-  if (error) return Failure(error);
+  if (error) return FailureOf(error);
   if (auto failure = PutInPlace(temporary, target)) return failure;
   // The new bytes are in place and readable; whether the folder's entry outlives a power cut is all that is open.
   steps.FlushFolder(folder);
   return std::nullopt;
+}
+
+std::optional<FileFailure> WriteFileBytes(const fs::path& path, std::string_view bytes) {
+  FileSteps steps;
+  return WriteFileParts(
+      path, [bytes](const PartSink& put) { return put(bytes); }, steps);
 }
 
 }  // namespace tme

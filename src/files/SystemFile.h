@@ -1,12 +1,15 @@
 #pragma once
 
-#include "files/TextFile.h"
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "files/FileFailure.h"
+#include "files/FileSteps.h"
 
 /// What reading and writing whole files needs of the system, beside FileSteps.
 namespace tme::system_file {
-
-/// In the system's words, without a line end.
-FileFailure Failure(const std::error_code& error);
 
 /// A regular file of this size, to be read from its start and closed by CloseReading.
 std::optional<FileFailure> OpenForReading(const std::filesystem::path& path, FileHandle& handle, std::uint64_t& size);

@@ -10,28 +10,26 @@
 #include <string>
 #include <utility>
 
+#include "files/NativeFile_linux.h"
+#include "files/PrivateFile.h"
 #include "files/SystemFile.h"
 
 namespace tme {
 namespace {
 
 namespace fs = std::filesystem;
-using system_file::Failure;
+using native::Descriptor;
+using native::Error;
+using native::LastError;
+using native::ResultOf;
 
 /// As many as the system follows itself.
 constexpr int kMaxLinks = 40;
 constexpr int kLeftAfterSeconds = 5;
 
-std::error_code Error(int number) { return {number, std::generic_category()}; }
-/// Of the call that failed just now.
-std::error_code LastError() { return Error(errno); }
-/// Of a call that returns 0 when all is well.
-std::error_code ResultOf(int result) { return result == 0 ? std::error_code() : LastError(); }
-int Descriptor(FileHandle handle) { return static_cast<int>(handle); }
-
 std::optional<FileFailure> RefuseUnlessRegular(const struct stat& status) {
   if (S_ISREG(status.st_mode)) return std::nullopt;
-  if (S_ISDIR(status.st_mode)) return Failure(Error(EISDIR));
+  if (S_ISDIR(status.st_mode)) return FailureOf(Error(EISDIR));
   return FileFailure{"Not a regular file"};
 }
 
@@ -107,72 +105,6 @@ bool IsLeft(const fs::path& path) {
 
 }  // namespace
 
-std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned mode, FileHandle& handle) {
-  handle = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-  if (handle == kNoFile) return LastError();
-  // Tells RemoveIfLeft of another process that somebody writes it; where there are no locks, none is ever removed.
-  ::flock(Descriptor(handle), LOCK_EX | LOCK_NB);
-  return {};
-}
-
-std::error_code FileSteps::OpenExisting(const fs::path& path, FileHandle& handle) {
-  handle = ::open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
-  return handle != kNoFile ? std::error_code() : LastError();
-}
-
-std::error_code FileSteps::Truncate(FileHandle handle, std::size_t size) {
-  return ResultOf(::ftruncate(Descriptor(handle), static_cast<off_t>(size)));
-}
-
-std::error_code FileSteps::Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) {
-  const ssize_t count = ::write(Descriptor(handle), data, size);
-  written = count > 0 ? static_cast<std::size_t>(count) : 0;
-  return count >= 0 ? std::error_code() : LastError();
-}
-
-std::error_code FileSteps::Flush(FileHandle handle) {
-  while (::fsync(Descriptor(handle)) != 0) {
-    if (errno == EINVAL) return {};  // a file system that cannot flush
-    if (errno != EINTR) return LastError();
-  }
-  return {};
-}
-
-std::error_code FileSteps::Close(FileHandle handle) {
-  // After EINTR the handle is closed all the same on this system.
-  return ::close(Descriptor(handle)) == 0 || errno == EINTR ? std::error_code() : LastError();
-}
-
-std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
-  return ResultOf(::rename(from.c_str(), to.c_str()));
-}
-
-std::error_code FileSteps::FlushFolder(const fs::path& folder) {
-  const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (handle < 0) return LastError();
-  const std::error_code error = ResultOf(::fsync(handle));
-  ::close(handle);
-  return error;
-}
-
-void FileSteps::Remove(const fs::path& path) { ::unlink(path.c_str()); }
-
-std::optional<FileStamp> StampOf(const fs::path& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  constexpr std::int64_t kNanoseconds = 1'000'000'000;
-  return FileStamp{static_cast<std::uint64_t>(status.st_size),
-                   status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec,
-                   static_cast<std::uint64_t>(status.st_ino)};
-}
-
-bool IsAbsent(const fs::path& path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
-}
-
-TextEncoding SystemUnicode() { return TextEncoding::Utf8; }
-
 void MakePrivate(const fs::path& path) {
   constexpr mode_t kOthers = 077;
   struct stat status {};
@@ -181,17 +113,17 @@ void MakePrivate(const fs::path& path) {
   if (is_wide && ::chmod(path.c_str(), status.st_mode & 07777 & ~kOthers) != 0) return;
 }
 
-namespace system_file {
+FileFailure FailureOf(const std::error_code& error) { return FileFailure{error.message()}; }
 
-FileFailure Failure(const std::error_code& error) { return FileFailure{error.message()}; }
+namespace system_file {
 
 std::optional<FileFailure> OpenForReading(const fs::path& path, FileHandle& handle, std::uint64_t& size) {
   // Without O_NONBLOCK the open itself would wait for the other end of a pipe.
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (descriptor < 0) return Failure(LastError());
+  if (descriptor < 0) return FailureOf(LastError());
   struct stat status {};
   std::optional<FileFailure> failure =
-      ::fstat(descriptor, &status) != 0 ? Failure(LastError()) : RefuseUnlessRegular(status);
+      ::fstat(descriptor, &status) != 0 ? FailureOf(LastError()) : RefuseUnlessRegular(status);
   if (failure) {
     ::close(descriptor);
     return failure;
@@ -215,14 +147,16 @@ void CloseReading(FileHandle handle) { ::close(Descriptor(handle)); }
 
 std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   target.path = path;
-  if (const auto error = ResolveLinks(target.path)) return Failure(error);
+  if (const auto error = ResolveLinks(target.path)) return FailureOf(error);
   struct stat status {};
-  target.exists = ::stat(target.path.c_str(), &status) == 0;
-  if (!target.exists) return errno == ENOENT ? std::nullopt : std::optional(Failure(LastError()));
+  const std::error_code error = ResultOf(::stat(target.path.c_str(), &status));
+  if (error == std::errc::no_such_file_or_directory) return std::nullopt;
+  if (error) return FailureOf(error);
+  target.exists = true;
   if (auto failure = RefuseUnlessRegular(status)) return failure;
   // Putting another file in place needs no right to write this one, so the wish is asked for here.
   if ((status.st_mode & 0222) == 0) return FileFailure{"The file is read-only"};
-  if (::faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return Failure(LastError());
+  if (::faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return FailureOf(LastError());
   return std::nullopt;
 }
 

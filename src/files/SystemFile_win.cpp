@@ -1,9 +1,5 @@
-#include <windows.h>
-
-#include <optional>
-#include <string>
-#include <utility>
-
+#include "files/NativeFile_win.h"
+#include "files/PrivateFile.h"
 #include "files/SystemFile.h"
 #include "files/SystemMessage_win.h"
 
@@ -11,199 +7,51 @@ namespace tme {
 namespace {
 
 namespace fs = std::filesystem;
-using system_file::Failure;
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-/// Indexers and virus scanners hold a new file for a moment; for so long a replacement is tried again.
-constexpr int kReplaceTries = 20;
-constexpr DWORD kPauseMs = 50;
-
-std::error_code Error(DWORD number) { return {static_cast<int>(number), std::system_category()}; }
-/// Of the call that failed just now.
-std::error_code LastError() { return Error(::GetLastError()); }
-/// Of a call that returns nonzero when all is well.
-std::error_code ResultOf(BOOL result) { return result != 0 ? std::error_code() : LastError(); }
-
-HANDLE Native(FileHandle handle) { return reinterpret_cast<HANDLE>(handle); }
-FileHandle Portable(HANDLE handle) { return reinterpret_cast<FileHandle>(handle); }
-
-class OwnedHandle {
- public:
-  explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
-  OwnedHandle(const OwnedHandle&) = delete;
-  OwnedHandle& operator=(const OwnedHandle&) = delete;
-  ~OwnedHandle() {
-    if (*this) ::CloseHandle(handle_);
-  }
-  explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE get() const { return handle_; }
-  HANDLE release() { return std::exchange(handle_, INVALID_HANDLE_VALUE); }
-
- private:
-  HANDLE handle_;
-};
-
-/// The path as the system's calls take it at any length: what would not fit MAX_PATH, with room for a temporary name
-/// beside it, becomes a whole path behind "\\?\".
-std::wstring LongPath(const fs::path& path) {
-  constexpr std::size_t kShort = MAX_PATH - 32;
-  const std::wstring& given = path.native();
-  if (given.starts_with(LR"(\\?\)") || given.starts_with(LR"(\\.\)")) return given;
-  const DWORD room = ::GetFullPathNameW(given.c_str(), 0, nullptr, nullptr);
-  if (room <= kShort) return given;
-  std::wstring whole(room, L'\0');
-  const DWORD size = ::GetFullPathNameW(given.c_str(), room, whole.data(), nullptr);
-  if (size == 0 || size >= room) return given;
-  whole.resize(size);
-  return whole.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + whole.substr(1) : LR"(\\?\)" + whole;
-}
-
-HANDLE Open(const fs::path& path, DWORD access, DWORD disposition, DWORD flags = 0) {
-  return ::CreateFileW(LongPath(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr);
-}
-
-/// Opens what the path leads to without asking for its bytes, a folder too.
-HANDLE OpenToLook(const fs::path& path) {
-  return Open(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
-}
-
-std::optional<FileFailure> RefuseUnlessRegular(HANDLE handle, BY_HANDLE_FILE_INFORMATION& info) {
-  if (::GetFileType(handle) != FILE_TYPE_DISK) return FileFailure{"Not a regular file"};
-  if (::GetFileInformationByHandle(handle, &info) == 0) return Failure(LastError());
-  if ((info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
-  return Failure(std::make_error_code(std::errc::is_a_directory));
-}
+using native::Joined;
+using native::LongPath;
+using native::Native;
+using native::ResultOf;
 
 /// Why a path could not be opened. A device such as CON is told by that, in a program without a console.
-FileFailure FailureToOpen(DWORD error) {
-  return error == ERROR_INVALID_HANDLE ? FileFailure{"Not a regular file"} : Failure(Error(error));
-}
-
-std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
-
-/// The path of what was opened, without links.
-std::error_code FinalPath(HANDLE opened, fs::path& path) {
-  const DWORD room = ::GetFinalPathNameByHandleW(opened, nullptr, 0, FILE_NAME_NORMALIZED);
-  std::wstring target(room, L'\0');
-  const DWORD size = ::GetFinalPathNameByHandleW(opened, target.data(), room, FILE_NAME_NORMALIZED);
-  if (size == 0) return LastError();
-  if (size >= room) return Error(ERROR_INSUFFICIENT_BUFFER);
-  target.resize(size);
-  path = target;
-  return {};
+FileFailure FailureToOpen(const std::error_code& error) {
+  return error == native::Error(ERROR_INVALID_HANDLE) ? FileFailure{"Not a regular file"} : FailureOf(error);
 }
 
 /// Where a link leads; the path itself when it is none.
-std::error_code ResolveLink(HANDLE opened, fs::path& path) {
+std::error_code ResolveLink(const native::File& opened, fs::path& path) {
   const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
-  return FinalPath(opened, path);
+  return opened.FinalPath(path);
 }
 
 /// Where the missing file belongs that a link leads to: what is made through the link for a moment tells.
 std::error_code ResolveDanglingLink(fs::path& path) {
-  const OwnedHandle made(Open(path, DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE));
-  return made ? FinalPath(made.get(), path) : LastError();
+  native::File made;
+  const std::error_code error = made.Open(path, DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
+  return error ? error : made.FinalPath(path);
 }
-
-bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 }  // namespace
 
-std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned /*mode*/, FileHandle& handle) {
-  handle = Portable(Open(path, GENERIC_WRITE, CREATE_NEW, FILE_ATTRIBUTE_NORMAL));
-  return handle != kNoFile ? std::error_code() : LastError();
-}
-
-std::error_code FileSteps::OpenExisting(const fs::path& path, FileHandle& handle) {
-  handle = Portable(Open(path, GENERIC_WRITE, OPEN_EXISTING));
-  return handle != kNoFile ? std::error_code() : LastError();
-}
-
-std::error_code FileSteps::Truncate(FileHandle handle, std::size_t size) {
-  LARGE_INTEGER end{};
-  end.QuadPart = static_cast<LONGLONG>(size);
-  if (::SetFilePointerEx(Native(handle), end, nullptr, FILE_BEGIN) == 0) return LastError();
-  return ResultOf(::SetEndOfFile(Native(handle)));
-}
-
-std::error_code FileSteps::Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) {
-  DWORD count = 0;
-  const std::error_code error = ResultOf(::WriteFile(Native(handle), data, static_cast<DWORD>(size), &count, nullptr));
-  written = count;
-  return error;
-}
-
-std::error_code FileSteps::Flush(FileHandle handle) { return ResultOf(::FlushFileBuffers(Native(handle))); }
-
-std::error_code FileSteps::Close(FileHandle handle) { return ResultOf(::CloseHandle(Native(handle))); }
-
-std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
-  constexpr DWORD kMove = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  const std::wstring replacement = LongPath(from), target = LongPath(to);
-  DWORD error = ERROR_SUCCESS;
-  for (int attempt = 0; attempt < kReplaceTries; ++attempt) {
-    if (attempt > 0) ::Sleep(kPauseMs);
-    // ReplaceFile may fail with the old file gone already; what is left to do then is what a new file needs, too.
-    const bool done = IsThere(target) ? ::ReplaceFileW(target.c_str(), replacement.c_str(), nullptr,
-                                                       REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0
-                                      : ::MoveFileExW(replacement.c_str(), target.c_str(), kMove) != 0;
-    if (done) return {};
-    error = ::GetLastError();
-    // Of a file that somebody has open, some calls only say that access is denied.
-    const bool may_pass = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
-                          error == ERROR_ACCESS_DENIED || error == ERROR_UNABLE_TO_REMOVE_REPLACED ||
-                          error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
-    if (!may_pass) break;
-  }
-  // That number stands for no portable error; the old file is as it was.
-  return Error(error == ERROR_UNABLE_TO_REMOVE_REPLACED ? ERROR_BUSY : error);
-}
-
-/// The file system's journal keeps names, and of a new one Replace has asked with MOVEFILE_WRITE_THROUGH to be on the
-/// disk.
-std::error_code FileSteps::FlushFolder(const fs::path& /*folder*/) { return {}; }
-
-void FileSteps::Remove(const fs::path& path) { ::DeleteFileW(LongPath(path).c_str()); }
-
-std::optional<FileStamp> StampOf(const fs::path& path) {
-  constexpr std::int64_t kEpoch = 116'444'736'000'000'000;  // 1970, in the system's units of 100 ns since 1601
-  constexpr std::int64_t kUnit = 100;
-  const OwnedHandle file(OpenToLook(path));
-  BY_HANDLE_FILE_INFORMATION info{};
-  if (!file || RefuseUnlessRegular(file.get(), info)) return std::nullopt;
-  const FILETIME& time = info.ftLastWriteTime;
-  const auto units = static_cast<std::int64_t>(Joined(time.dwHighDateTime, time.dwLowDateTime));
-  return FileStamp{Joined(info.nFileSizeHigh, info.nFileSizeLow), (units - kEpoch) * kUnit,
-                   Joined(info.nFileIndexHigh, info.nFileIndexLow)};
-}
-
-bool IsAbsent(const fs::path& path) {
-  if (OwnedHandle(OpenToLook(path))) return false;
-  const DWORD error = ::GetLastError();
-  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-}
-
-TextEncoding SystemUnicode() { return TextEncoding::Utf16Le; }
-
 void MakePrivate(const fs::path& /*path*/) {}
 
-namespace system_file {
-
-FileFailure Failure(const std::error_code& error) {
+FileFailure FailureOf(const std::error_code& error) {
   if (error.category() == std::system_category())
     return FileFailure{SystemMessage(static_cast<unsigned long>(error.value()))};
   return FileFailure{error.message()};
 }
 
+namespace system_file {
+
 std::optional<FileFailure> OpenForReading(const fs::path& path, FileHandle& handle, std::uint64_t& size) {
   // A folder would be refused without its reason.
-  OwnedHandle file(Open(path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_SEQUENTIAL_SCAN));
-  if (!file) return FailureToOpen(::GetLastError());
+  native::File file;
+  constexpr DWORD kFlags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_SEQUENTIAL_SCAN;
+  if (const auto error = file.Open(path, GENERIC_READ, OPEN_EXISTING, kFlags)) return FailureToOpen(error);
   BY_HANDLE_FILE_INFORMATION info{};
-  if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
+  if (auto failure = file.RefuseUnlessRegular(info)) return failure;
   size = Joined(info.nFileSizeHigh, info.nFileSizeLow);
-  handle = Portable(file.release());
+  handle = native::Portable(file.Release());
   return std::nullopt;
 }
 
@@ -218,29 +66,29 @@ void CloseReading(FileHandle handle) { ::CloseHandle(Native(handle)); }
 
 std::optional<FileFailure> ResolveTarget(const fs::path& path, Target& target) {
   target.path = path;
-  const OwnedHandle file(OpenToLook(path));
-  if (!file) {
-    const DWORD error = ::GetLastError();
+  native::File file;
+  if (const auto error = file.OpenAttributes(path)) {
+    const bool is_missing = error == native::Error(ERROR_FILE_NOT_FOUND);
     // A link that leads nowhere is there itself.
-    if (error == ERROR_FILE_NOT_FOUND && (!IsThere(LongPath(path)) || !ResolveDanglingLink(target.path)))
-      return std::nullopt;
+    if (is_missing && (!native::IsThere(LongPath(path)) || !ResolveDanglingLink(target.path))) return std::nullopt;
     return FailureToOpen(error);
   }
   BY_HANDLE_FILE_INFORMATION info{};
-  if (auto failure = RefuseUnlessRegular(file.get(), info)) return failure;
+  if (auto failure = file.RefuseUnlessRegular(info)) return failure;
   if ((info.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return FileFailure{"The file is read-only"};
-  if (const auto error = ResolveLink(file.get(), target.path)) return Failure(error);
+  if (const auto error = ResolveLink(file, target.path)) return FailureOf(error);
   // Putting another file in place needs no right to write this one, so the wish is asked for here.
-  if (!OwnedHandle(Open(target.path, GENERIC_WRITE, OPEN_EXISTING))) return Failure(LastError());
+  if (const auto error = native::File().Open(target.path, GENERIC_WRITE, OPEN_EXISTING)) return FailureOf(error);
   target.exists = true;
   return std::nullopt;
 }
 
 /// Replace brings the access list, the alternate streams and the time of creation; hidden and system files stay such.
 bool TakeOver(const fs::path& target, FileHandle temporary) {
-  const OwnedHandle file(OpenToLook(target));
+  native::File file;
   BY_HANDLE_FILE_INFORMATION old{};
-  if (!file || ::GetFileInformationByHandle(file.get(), &old) == 0 || old.nNumberOfLinks > 1) return false;
+  if (file.OpenAttributes(target) || ::GetFileInformationByHandle(file.Handle(), &old) == 0 || old.nNumberOfLinks > 1)
+    return false;
   FILE_BASIC_INFO info{};  // times of 0 stay as they are
   info.FileAttributes = old.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                                                 FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
@@ -252,10 +100,11 @@ bool TakeOver(const fs::path& target, FileHandle temporary) {
 /// Nobody else has it open, and so its writer is gone. Young ones may be closed and not yet in place.
 void RemoveIfLeft(const fs::path& temporary) {
   constexpr std::uint64_t kLeftAfter = 50'000'000;  // 5 s, in the system's units of 100 ns
-  const OwnedHandle alone(::CreateFileW(LongPath(temporary).c_str(), DELETE | FILE_READ_ATTRIBUTES, 0, nullptr,
-                                        OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  native::File alone;
   BY_HANDLE_FILE_INFORMATION info{};
-  if (!alone || RefuseUnlessRegular(alone.get(), info) || info.nNumberOfLinks != 1) return;
+  if (alone.Open(temporary, DELETE | FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, 0) ||
+      alone.RefuseUnlessRegular(info) || info.nNumberOfLinks != 1)
+    return;
   FILETIME now{};
   ::GetSystemTimeAsFileTime(&now);
   const FILETIME& written = info.ftLastWriteTime;
@@ -263,7 +112,7 @@ void RemoveIfLeft(const fs::path& temporary) {
       Joined(now.dwHighDateTime, now.dwLowDateTime))
     return;
   FILE_DISPOSITION_INFO gone{TRUE};
-  ::SetFileInformationByHandle(alone.get(), FileDispositionInfo, &gone, sizeof gone);
+  ::SetFileInformationByHandle(alone.Handle(), FileDispositionInfo, &gone, sizeof gone);
 }
 
 }  // namespace system_file

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QCryptographicHash>
 
-#include "files/TextFile.h"
+#include "files/FileSteps.h"
 #include "history/ContentStore.h"
 
 namespace tme {

@@ -1,5 +1,8 @@
 #include "history/FileReplacer.h"
 
+#include "files/FileBytes.h"
+#include "files/FileStamp.h"
+#include "files/FileSteps.h"
 #include "system/FilePath.h"
 
 namespace tme {

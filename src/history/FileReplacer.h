@@ -4,6 +4,8 @@
 
 namespace tme {
 
+class FileSteps;
+
 /// Puts bytes in the place of a file's, once the versions have what the file holds.
 class FileReplacer {
   Q_DECLARE_TR_FUNCTIONS(FileReplacer)

@@ -4,7 +4,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
-#include "files/SystemFile.h"
+#include "files/FileBytes.h"
+#include "files/PrivateFile.h"
 #include "system/FilePath.h"
 
 using namespace Qt::StringLiterals;
@@ -33,7 +34,7 @@ std::optional<FileFailure> StoreFolder::Make(const QString& folder) {
   const std::filesystem::path path = FilePath(folder);
   if (std::error_code error; !QFileInfo(folder).isDir() && (std::filesystem::create_directories(path, error), error))
     return FileFailure{tr("The folder %1 cannot be made: %2")
-                           .arg(folder, QString::fromStdString(system_file::Failure(error).reason))
+                           .arg(folder, QString::fromStdString(FailureOf(error).reason))
                            .toStdString()};
   MakePrivate(path);
   return std::nullopt;

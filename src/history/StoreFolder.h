@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "files/TextFile.h"
+#include "files/FileFailure.h"
 
 namespace tme {
 

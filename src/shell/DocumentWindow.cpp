@@ -9,6 +9,9 @@
 #include <QVBoxLayout>
 #include <new>
 
+#include "files/FileBytes.h"
+#include "files/TemporaryFile.h"
+#include "files/TextFile.h"
 #include "history/DigestingSteps.h"
 #include "history/History.h"
 #include "shell/Global.h"

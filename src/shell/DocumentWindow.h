@@ -5,7 +5,11 @@
 #include <optional>
 
 #include "documents/DocumentKind.h"
-#include "files/TextFile.h"
+#include "base/Parts.h"
+#include "files/FileFailure.h"
+#include "files/FileStamp.h"
+#include "files/FileSteps.h"
+#include "files/TextEncoding.h"
 #include "history/History.h"
 #include "shell/NoticeBar.h"
 #include "shell/SaveDialog.h"

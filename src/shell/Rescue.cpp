@@ -6,6 +6,8 @@
 #include <new>
 #include <system_error>
 
+#include "files/FileBytes.h"
+#include "files/FileStamp.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/mdform_TMEditor.h"

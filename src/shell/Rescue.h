@@ -7,6 +7,7 @@
 #include <chrono>
 #include <future>
 
+#include "files/FileFailure.h"
 #include "history/History.h"
 
 namespace tme {

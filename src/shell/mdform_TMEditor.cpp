@@ -13,6 +13,8 @@
 #include <QStyle>
 #include <QTemporaryDir>
 
+#include "files/FileBytes.h"
+#include "files/FileFailure.h"
 #include "shell/AutoSave.h"
 #include "shell/DocumentWindow.h"
 #include "shell/FileDrop.h"

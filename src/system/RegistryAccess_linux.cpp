@@ -15,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-#include "files/TextFile.h"
+#include "files/FileBytes.h"
 #include "system/FilePath.h"
 #include "system/RegistryAccess.h"
 #include "system/SettingsFolder_linux.h"

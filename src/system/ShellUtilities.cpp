@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
-#include "files/TextFile.h"
+#include "files/PrivateFile.h"
 #include "system/FilePath.h"
 
 namespace tme {

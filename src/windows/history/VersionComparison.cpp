@@ -10,7 +10,8 @@
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfWriter.h"
 #include "files/CodePage.h"
-#include "files/TextFile.h"
+#include "files/FileBytes.h"
+#include "files/TextEncoding.h"
 #include "shell/DisplayText.h"
 #include "system/FilePath.h"
 

@@ -18,6 +18,7 @@
 #include "base/Utf8.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
+#include "files/FileBytes.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "documents/ini/IniTree.h"
+#include "files/TextEncoding.h"
 #include "shell/DocumentWindow.h"
 
 class QPushButton;

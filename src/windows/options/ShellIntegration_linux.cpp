@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "files/TextFile.h"
+#include "files/FileBytes.h"
 #include "shell/Settings.h"
 #include "system/FilePath.h"
 #include "system/RegistryAccess.h"

@@ -12,6 +12,9 @@
 
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
+#include "files/FileBytes.h"
+#include "files/PrivateFile.h"
+#include "files/TextFile.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"

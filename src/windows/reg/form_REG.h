@@ -7,6 +7,8 @@
 #include "documents/reg/RegDocument.h"
 #include "documents/reg/RegReader.h"
 #include "documents/reg/RegWriter.h"
+#include "files/FileFailure.h"
+#include "files/TextEncoding.h"
 #include "shell/DocumentWindow.h"
 
 class QLabel;

@@ -9,6 +9,9 @@
 
 #include "documents/reg/RegLosses.h"
 #include "documents/reg/RegWriter.h"
+#include "files/FileBytes.h"
+#include "files/PrivateFile.h"
+#include "files/TextFile.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"

@@ -10,6 +10,8 @@
 
 #include "documents/rtf/RtfReader.h"
 #include "files/CodePage.h"
+#include "files/FileBytes.h"
+#include "files/TextEncoding.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"

@@ -2,6 +2,7 @@
 
 #include <QMdiSubWindow>
 
+#include "files/FileBytes.h"
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
 #include "shell/Icon.h"

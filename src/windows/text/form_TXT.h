@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/TextEncoding.h"
 #include "windows/text/PadWindow.h"
 
 namespace tme {

@@ -4,6 +4,8 @@
 
 #include "WriteFile.h"
 #include "files/CodePageTable_win.h"
+#include "files/FileStamp.h"
+#include "files/FileSteps.h"
 
 namespace tme {
 namespace {
@@ -58,7 +60,7 @@ TEST_F(WriteFile, TakesPathsOfAnyLength) {
     fs::path temporary;
   } steps;
   const auto failure = WriteFileParts(
-      path, [](const FilePart& put) { return put("lost"); }, steps);
+      path, [](const PartSink& put) { return put("lost"); }, steps);
   EXPECT_TRUE(failure && !failure->file_damaged);
   EXPECT_EQ(Get(path), "replaced");
   EXPECT_FALSE(StampOf(steps.temporary));

@@ -7,6 +7,10 @@
 
 #include "WriteFile.h"
 #include "files/CodePage.h"
+#include "files/FileSteps.h"
+#include "files/TemporaryFile.h"
+#include "files/TextEncoding.h"
+#include "files/TextFile.h"
 
 namespace tme {
 namespace {
@@ -21,7 +25,7 @@ void ForEachSequence(const std::vector<std::string>& pieces, int length, const s
   for (const std::string& piece : pieces) ForEachSequence(pieces, length - 1, start + piece, use);
 }
 
-TEST(TextFile, Decodes) {
+TEST(TextEncoding, Decodes) {
   using enum TextEncoding;
   const struct {
     std::string bytes, text;
@@ -73,7 +77,7 @@ TEST(TextFile, Decodes) {
   }
 }
 
-TEST(TextFile, UntouchedTextGivesTheSameBytes) {
+TEST(TextEncoding, UntouchedTextGivesTheSameBytes) {
   const std::vector<std::string> pieces = {"A",    "\r",   "\n",   "\0"s,  "\xC3", "\xA9", "\xED",
                                            "\xA0", "\x80", "\xF0", "\x9F", "\xD8", "\xDC", "\xEF",
                                            "\xBB", "\xBF", "\xFE", "\xFF", "\x81"};
@@ -85,7 +89,7 @@ TEST(TextFile, UntouchedTextGivesTheSameBytes) {
   }
 }
 
-TEST(TextFile, WhatIsWrittenIsReadAsTheSameText) {
+TEST(TextEncoding, WhatIsWrittenIsReadAsTheSameText) {
   const std::vector<std::string> pieces = {"A",      "\r\n",   "\0"s,    "\u00E9", "\u00C3",     "\u00A9",
                                            "\u00EF", "\u00BB", "\u00BF", "\u00FE", "\u00FF",     "\u20AC",
                                            "\u0081", "\u0416", "\uFEFF", "\uFFFE", "\U0001F600", "\U0010FFFF"};
@@ -155,7 +159,7 @@ TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
       if (exists) Put(path, "old");
       FailingSteps steps(step);
       const auto failure = WriteFileParts(
-          path, [](const FilePart& put) { return put("new ") && put("bytes"); }, steps);
+          path, [](const PartSink& put) { return put("new ") && put("bytes"); }, steps);
       done = !steps.HasFailed();
       const bool written = done || steps.folder_flush_failed;
       EXPECT_EQ(Reason(failure), written ? "none" : "No space left on device");
@@ -175,7 +179,7 @@ TEST_F(WriteFile, OfAnOldFileThatIsGoneTheNewBytesStay) {
   } steps;
   Put(In("a.ini"), "old");
   const auto failure = WriteFileParts(
-      In("a.ini"), [](const FilePart& put) { return put("new"); }, steps);
+      In("a.ini"), [](const PartSink& put) { return put("new"); }, steps);
   ASSERT_TRUE(failure && failure->file_damaged);
   ASSERT_EQ(FilesInFolder(), 1);
   EXPECT_EQ(Get(*fs::directory_iterator(In(""))), "new");
@@ -224,16 +228,17 @@ TEST_F(WriteFile, TextInPartsFallsBackToUtf8AsAWhole) {
        CodePage, Utf8Bom},
       {"a", "b", std::string_view("\xFE\xFF\0a\0b", 6), Utf16Be, Utf16Be},
   };
+  FileSteps steps;
   for (const Row& row : rows) {
     TextFormat format{row.encoding, {}};
-    const auto produce = [&row](const FilePart& put) { return put(row.first) && put(row.second); };
-    EXPECT_EQ(Reason(WriteTextFile(In("text"), format, produce)), "none");
+    const auto produce = [&row](const PartSink& put) { return put(row.first) && put(row.second); };
+    EXPECT_EQ(Reason(WriteTextFile(In("text"), format, produce, steps)), "none");
     EXPECT_EQ(Get(In("text")), row.bytes);
     EXPECT_EQ(format.encoding, row.written);
   }
   TextFormat format;
-  EXPECT_EQ(Reason(WriteTextFile(In("text"), format, [](const FilePart& put) { return put("x") && false; })),
-            "The file was not completed");
+  const auto give_up = [](const PartSink& put) { return put("x") && false; };
+  EXPECT_EQ(Reason(WriteTextFile(In("text"), format, give_up, steps)), "The file was not completed");
   EXPECT_EQ(Get(In("text")), std::end(rows)[-1].bytes);
   EXPECT_EQ(FilesInFolder(), 1);
 }

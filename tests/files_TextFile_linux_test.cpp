@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include "WriteFile.h"
+#include "files/FileSteps.h"
+#include "files/PrivateFile.h"
 
 namespace tme {
 namespace {
@@ -125,7 +127,7 @@ TEST_F(WriteFile, SaysWhyNot) {
       return std::make_error_code(std::errc::permission_denied);
     }
   } steps;
-  const auto put_new = [](const FilePart& put) { return put("new"); };
+  const auto put_new = [](const PartSink& put) { return put("new"); };
   EXPECT_EQ(Reason(WriteFileParts(In("new"), put_new, steps)), "The folder cannot be written: Permission denied");
 
   EXPECT_NE(Get("/proc/self/cmdline"), "") << "larger than its size says";
