@@ -36,9 +36,9 @@ struct Editor {
     QApplication::processEvents();
   }
   form_TXT& Open(const QString& path) {
-    OpenPathList(global, path);
+    OpenPathList(frame.Shared(), path);
     QApplication::processEvents();
-    auto& window = static_cast<form_TXT&>(*global.documents.At(DocumentKind::Txt, 0).window);
+    auto& window = static_cast<form_TXT&>(*frame.Shared().documents.At(DocumentKind::Txt, 0).window);
     static_cast<TextPad&>(window.EditingArea()).viewport()->repaint();
     return window;
   }
@@ -50,8 +50,8 @@ struct Editor {
   InstanceLink link;
   const QTemporaryDir history_folder;
   History history{history_folder.path()};
-  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
-  mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
+  mdform_TMEditor frame{{registry, shell_utilities, dialogs, common_dialog, link, history},
+                        [](Global& global, DocumentKind kind, int slot) -> DocumentWindow* {
                           return kind == DocumentKind::Txt ? new form_TXT(global, slot) : nullptr;
                         }};
 };

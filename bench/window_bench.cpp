@@ -39,8 +39,8 @@ struct Editor {
   InstanceLink link;
   const QTemporaryDir history_folder;
   History history{history_folder.path()};
-  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
-  mdform_TMEditor frame{global, [this](DocumentKind kind, int slot) -> DocumentWindow* {
+  mdform_TMEditor frame{{registry, shell_utilities, dialogs, common_dialog, link, history},
+                        [](Global& global, DocumentKind kind, int slot) -> DocumentWindow* {
                           if (kind == DocumentKind::Txt) return new form_TXT(global, slot);
                           if (kind == DocumentKind::Rtf) return new form_RTF(global, slot);
                           return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
@@ -78,9 +78,9 @@ void BM_OpenToPaintedTree(benchmark::State& state) {
   Editor editor;
   editor.frame.MDIForm_Load({});
   QApplication::processEvents();
-  auto& window = static_cast<form_INI&>(*editor.global.documents.At(DocumentKind::Ini, 0).window);
+  auto& window = static_cast<form_INI&>(*editor.frame.Shared().documents.At(DocumentKind::Ini, 0).window);
   for (auto _ : state) {
-    OpenPathList(editor.global, path);
+    OpenPathList(editor.frame.Shared(), path);
     QApplication::processEvents();
     window.findChild<QTreeView*>()->viewport()->repaint();
     state.PauseTiming();
@@ -124,7 +124,7 @@ DocumentWindow& LargeDocument(Editor& editor, DocumentKind kind, const QString& 
   } else {
     while (content.size() < 100'000'000) content += "A line of the length that lines have, give or take.\r\n";
   }
-  DocumentWindow& window = *editor.global.documents.At(kind, 0).window;
+  DocumentWindow& window = *editor.frame.Shared().documents.At(kind, 0).window;
   window.ShowKept({kind, path, QStringLiteral("large")}, std::move(content));
   return window;
 }
@@ -155,7 +155,7 @@ void BM_Snapshot(benchmark::State& state, DocumentKind kind) {
   Editor editor;
   editor.frame.MDIForm_Load({});
   DocumentWindow& window = LargeDocument(editor, kind);
-  Rescue& rescue = editor.frame.UnsavedContent();
+  Rescue& rescue = editor.frame.Shared().rescue;
   for (auto _ : state) {
     rescue.Look(Rescue::Clock::now());
     rescue.Forget(&window);
@@ -173,7 +173,7 @@ void BM_SnapshotShare(benchmark::State& state, DocumentKind kind) {
   Editor editor;
   editor.frame.MDIForm_Load({});
   DocumentWindow& window = LargeDocument(editor, kind);
-  Rescue& rescue = editor.frame.UnsavedContent();
+  Rescue& rescue = editor.frame.Shared().rescue;
   constexpr std::chrono::minutes kWork{30};
   for (auto _ : state) {
     Rescue::Clock::duration waited{};
@@ -229,9 +229,9 @@ form_RTF& OddDocument(Editor& editor, const OddShape& shape) {
   static const QTemporaryDir folder;
   const QString path = folder.filePath(QLatin1StringView(shape.name) + QStringLiteral(".rtf"));
   std::ofstream(path.toStdString(), std::ios::binary) << "{\\rtf1\\ansi " << shape.body() << "}";
-  OpenPathList(editor.global, path);
+  OpenPathList(editor.frame.Shared(), path);
   QApplication::processEvents();
-  return static_cast<form_RTF&>(*editor.global.documents.At(DocumentKind::Rtf, 0).window);
+  return static_cast<form_RTF&>(*editor.frame.Shared().documents.At(DocumentKind::Rtf, 0).window);
 }
 
 /// From the choice of the file to the painted text.

@@ -13,14 +13,21 @@
 
 using namespace tme;
 
-Editor::Editor() {
-  frame_ = std::make_unique<mdform_TMEditor>(global_, [this](DocumentKind kind, int slot) -> DocumentWindow* {
-    if (kind == DocumentKind::Ini) return new form_INI(global_, slot);
-    if (kind == DocumentKind::Txt) return new form_TXT(global_, slot);
-    if (kind == DocumentKind::Rtf) return new form_RTF(global_, slot);
-    return kind == DocumentKind::Reg ? new form_REG(global_, slot) : nullptr;
-  });
+namespace {
+
+DocumentWindow* MakeWindow(Global& global, DocumentKind kind, int slot) {
+  if (kind == DocumentKind::Ini) return new form_INI(global, slot);
+  if (kind == DocumentKind::Txt) return new form_TXT(global, slot);
+  if (kind == DocumentKind::Rtf) return new form_RTF(global, slot);
+  return kind == DocumentKind::Reg ? new form_REG(global, slot) : nullptr;
 }
+
+}  // namespace
+
+Editor::Editor()
+    : frame_(std::make_unique<mdform_TMEditor>(
+          Services{registry_, shell_utilities_, dialogs_, common_dialog_, link_, history_}, MakeWindow)),
+      global_(frame_->Shared()) {}
 
 Editor::~Editor() {
   dialogs_.ExpectAllAsked();
@@ -37,7 +44,7 @@ form_INI& Editor::Ini(int slot) {
 }
 
 form_INI& Editor::NewIni(const std::string& text) {
-  const int slot = global_.documents.FindFreeSlot(static_cast<int>(SlotCode::Ini));
+  const int slot = global_.documents.FindFreeSlot(DocumentKind::Ini);
   form_INI& window = Ini(slot);
   window.setWindowTitle(QStringLiteral("New INI File"));
   window.NewINI();

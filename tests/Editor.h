@@ -51,6 +51,6 @@ class Editor : public testing::Test {
   ScriptedCommonDialog common_dialog_;
   tme::InstanceLink link_;
   tme::History history_{folder_.filePath(QStringLiteral("history"))};
-  tme::Global global_{registry_, shell_utilities_, dialogs_, common_dialog_, link_, history_};
   std::unique_ptr<tme::mdform_TMEditor> frame_;
+  tme::Global& global_;
 };

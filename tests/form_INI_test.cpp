@@ -14,6 +14,7 @@
 #include "Editor.h"
 #include "TestSystem.h"
 #include "files/TextEncoding.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
@@ -285,7 +286,7 @@ TEST_F(Editor, ClosingAsksAndAFailedWriteKeepsTheWindow) {
   EXPECT_EQ(BytesOf(path), "[A]\r\nx=1\r\n\r\n[New]\r\n\r\n");
   EXPECT_EQ(Ini().Tag(), u"");
 
-  NewDocument(global_, SlotCode::Ini);
+  NewDocument(global_, DocumentKind::Ini);
   change();
   ask(MsgAnswer::Yes);
   common_dialog_.ExpectSave({});
@@ -337,7 +338,7 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
       u"Tamarind Editor"_s);
   Ini().OpenINI();
   EXPECT_EQ(Ini().Tag(), u"");
-  EXPECT_EQ(frame_->ActiveDocument(), nullptr);
+  EXPECT_EQ(global_.area.ActiveDocument(), nullptr);
 }
 
 TEST_F(Editor, ASaveSaysWhatItLeftOutAndWhereThatIs) {
@@ -362,7 +363,7 @@ TEST_F(Editor, ASaveSaysWhatItLeftOutAndWhereThatIs) {
   auto* button = Ini().findChild<QPushButton*>(u"notice_action"_s);
   ASSERT_NE(button, nullptr);
   const DocumentWindow* shown = nullptr;
-  frame_->Menus().Handle("menu_ToolsHistory", [&] { shown = frame_->ActiveDocument(); });
+  global_.menus.Handle("menu_ToolsHistory", [&] { shown = global_.area.ActiveDocument(); });
   button->click();
   EXPECT_EQ(shown, &Ini());
 

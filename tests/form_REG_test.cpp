@@ -133,7 +133,7 @@ TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
 
 TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
   Start();
-  NewDocument(global_, SlotCode::Reg);
+  NewDocument(global_, DocumentKind::Reg);
   dialogs_.ExpectMsgBox(
       u"You can not add values to this section of the registry. You can only add values to the hives or the branches."_s,
       u"Can't Add Value"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
@@ -174,7 +174,7 @@ TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
 
   Reg().EditModify();  // the tree has the focus: nothing
   SelectValue(1);
-  EXPECT_TRUE(frame_->Menus().Action(u"menu_EditModify"_s)->isEnabled());
+  EXPECT_TRUE(global_.menus.Action(u"menu_EditModify"_s)->isEnabled());
   OnDialog(u"form_REGEdit"_s, [](QWidget& dialog) {
     EXPECT_EQ(dialog.windowTitle(), u"Edit Binary Value");
     EXPECT_TRUE(dialog.findChild<QPlainTextEdit*>()->font().fixedPitch());
@@ -371,7 +371,7 @@ TEST_F(RegWindow, ARenamedRootKeepsItsTextAndWhatItsNameDropsIsKept) {
             std::string::npos);
   EXPECT_EQ(Reg().Document().Root()->Text(), "Alpha");
 
-  NewDocument(global_, SlotCode::Reg);
+  NewDocument(global_, DocumentKind::Reg);
   auto& fresh = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1).window);
   common_dialog_.ExpectSave(InFolder(u"n.reg"_s));
   fresh.FileSaveRegular();
@@ -423,7 +423,7 @@ TEST_F(RegWindow, ColumnsComeFromTheSettingsAtEachResizeAndAllAreInSightWithout)
   }
   EXPECT_EQ(registry_.ReadValue(SettingsRoot + u"\\REG Editor"_s, u"LVC3"_s), u"") << "nobody set them";
   View(u"LV"_s)->setColumnWidth(2, 321);
-  NewDocument(global_, SlotCode::Reg);
+  NewDocument(global_, DocumentKind::Reg);
   auto* other = global_.documents.At(DocumentKind::Reg, 1).window->findChild<QTreeView*>(u"LV"_s);
   EXPECT_EQ(other->columnWidth(2), 321);
   other->setColumnWidth(1, 111);

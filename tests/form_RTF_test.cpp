@@ -39,7 +39,7 @@ class FormRtf : public Editor {
     return Window();
   }
   form_RTF& New() {
-    NewDocument(global_, SlotCode::Rtf);
+    NewDocument(global_, DocumentKind::Rtf);
     return Window();
   }
   static RtfPad& PadOf(form_RTF& window) { return static_cast<RtfPad&>(window.EditingArea()); }
@@ -48,7 +48,7 @@ class FormRtf : public Editor {
     for (QAction* action : window.findChild<QToolBar*>(u"Toolbar1"_s)->actions())
       if (action->data() == tag) action->trigger();
   }
-  bool IsChecked(const char* item) { return frame_->Menus().IsChecked(item); }
+  bool IsChecked(const char* item) { return global_.menus.Action(QLatin1StringView(item))->isChecked(); }
 };
 
 TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
@@ -97,7 +97,7 @@ TEST_F(FormRtf, ACancelledOpeningOpensNothingAndACancelledPasteChangesNothing) {
   OpenPathList(global_, path);
   EXPECT_TRUE(Window().Tag().isEmpty());
   EXPECT_TRUE(Window().Slot().path.isEmpty());
-  EXPECT_EQ(global_.documents.FindFreeSlot(static_cast<int>(SlotCode::Rtf)), 0);
+  EXPECT_EQ(global_.documents.FindFreeSlot(DocumentKind::Rtf), 0);
   OpenPathList(global_, path);
   ASSERT_FALSE(Window().Tag().isEmpty());
   EXPECT_EQ(PadOf(Window()).document()->blockCount(), 2'000);
@@ -344,11 +344,11 @@ TEST_F(FormRtf, RedoAndWordWrapAsInThePlainPad) {
   QTest::keyClicks(&pad, u"one"_s);
   QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(pad.toPlainText(), QString());
-  EXPECT_FALSE(frame_->Menus().Action(u"menu_EditUndo"_s)->isEnabled());
+  EXPECT_FALSE(global_.menus.Action(u"menu_EditUndo"_s)->isEnabled());
   QTest::keyClick(&pad, Qt::Key_Y, Qt::ControlModifier);
   EXPECT_EQ(pad.toPlainText(), u"one"_s);
-  EXPECT_FALSE(frame_->Menus().Action(u"menu_EditRedo"_s)->isEnabled());
-  frame_->Menus().Action(u"menu_EditUndo"_s)->trigger();
+  EXPECT_FALSE(global_.menus.Action(u"menu_EditRedo"_s)->isEnabled());
+  global_.menus.Action(u"menu_EditUndo"_s)->trigger();
   EXPECT_EQ(pad.toPlainText(), QString());
 }
 

@@ -33,7 +33,7 @@ class FormTxt : public Editor {
     return Window(slot);
   }
   form_TXT& New() {
-    NewDocument(global_, SlotCode::Txt);
+    NewDocument(global_, DocumentKind::Txt);
     Window().setWindowTitle(u"New Text"_s);
     return Window();
   }
@@ -186,19 +186,19 @@ TEST_F(FormTxt, UndoAndRedoAreOfferedWhenThereIsSomething) {
   form_TXT& window = Open("word");
   const auto offered = [&] {
     QTest::qWait(0);
-    return std::pair(frame_->Menus().Action(u"menu_EditUndo"_s)->isEnabled(),
-                     frame_->Menus().Action(u"menu_EditRedo"_s)->isEnabled());
+    return std::pair(global_.menus.Action(u"menu_EditUndo"_s)->isEnabled(),
+                     global_.menus.Action(u"menu_EditRedo"_s)->isEnabled());
   };
   EXPECT_EQ(offered(), std::pair(false, false));
   QTest::keyClicks(&PadOf(window), u"ab"_s);
   WaitFor([&] { return offered() == std::pair(true, false); });
-  frame_->Menus().Action(u"menu_EditUndo"_s)->trigger();
+  global_.menus.Action(u"menu_EditUndo"_s)->trigger();
   EXPECT_EQ(TextOf(window), "word");
   EXPECT_EQ(offered(), std::pair(false, true));
   Open("other", 1);
   EXPECT_EQ(offered(), std::pair(false, false));
   window.Form_Activate();
-  frame_->Menus().Action(u"menu_EditRedo"_s)->trigger();
+  global_.menus.Action(u"menu_EditRedo"_s)->trigger();
   EXPECT_EQ(TextOf(window), "abword");
   QTest::keyClick(&PadOf(window), Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(TextOf(window), "word") << "the key undoes once";
@@ -311,8 +311,8 @@ TEST_F(FormTxt, WordWrapIsOneCheckMarkForAllWindows) {
     return PixelsToTwips(pad.width(), pad.logicalDpiX()) - 500;
   };
   EXPECT_EQ(PadOf(second).RightMargin(), Pad::kNoWrap);
-  frame_->Menus().Action(u"menu_EditWordWrap"_s)->trigger();
-  EXPECT_TRUE(frame_->Menus().IsChecked("menu_EditWordWrap"));
+  global_.menus.Action(u"menu_EditWordWrap"_s)->trigger();
+  EXPECT_TRUE(global_.menus.Action(u"menu_EditWordWrap"_s)->isChecked());
   EXPECT_EQ(PadOf(second).RightMargin(), wrapped(second));
   EXPECT_EQ(PadOf(first).RightMargin(), Pad::kNoWrap);
   Settings next_start;
@@ -323,7 +323,7 @@ TEST_F(FormTxt, WordWrapIsOneCheckMarkForAllWindows) {
   WaitFor([&] { return PadOf(first).SendScintilla(QsciScintillaBase::SCI_WRAPCOUNT, 0) > 1; });
   first.SubWindow()->resize(400, 300);
   EXPECT_EQ(PadOf(first).RightMargin(), wrapped(first));
-  frame_->Menus().Action(u"menu_EditWordWrap"_s)->trigger();
+  global_.menus.Action(u"menu_EditWordWrap"_s)->trigger();
   EXPECT_EQ(PadOf(first).RightMargin(), Pad::kNoWrap);
 }
 
@@ -362,7 +362,7 @@ TEST_F(FormTxt, PrintsTheSelectionElseAll) {
   const auto printed = [&] {
     window.Form_Activate();
     common_dialog_.ExpectPrinter(InFolder(u"out.pdf"_s), [this](CommonDialog&) { Open("of another launch", 1); });
-    frame_->Menus().Action(u"menu_FilePrint"_s)->trigger();
+    global_.menus.Action(u"menu_FilePrint"_s)->trigger();
     QProcess process;
     process.start(pdftotext, {u"-layout"_s, InFolder(u"out.pdf"_s), u"-"_s});
     process.waitForFinished(-1);

@@ -13,18 +13,18 @@ using namespace Qt::StringLiterals;
 
 TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
   Dialogs dialogs;
-  Global global{registry_, shell_utilities_, dialogs, common_dialog_, link_, history_};
-  mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) {
-    return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
-  });
+  mdform_TMEditor frame({registry_, shell_utilities_, dialogs, common_dialog_, link_, history_},
+                        [](Global& global, DocumentKind kind, int slot) {
+                          return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
+                        });
   frame.MDIForm_Load({File(u"a.ini"_s, "[A]\r\n\r\n"), File(u"b.ini"_s, "[A]\r\n\r\n")});
-  global.documents.ForEach([](DocumentSlot& slot) { slot.changed = !slot.path.isEmpty(); });
-  SessionShutdown shutdown(global, std::chrono::milliseconds(1));
+  frame.Shared().documents.ForEach([](DocumentSlot& slot) { slot.changed = !slot.path.isEmpty(); });
+  SessionShutdown shutdown(frame, std::chrono::milliseconds(1));
   const SessionEnd session_end([&](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   for (const int signal : {SIGTERM, SIGHUP}) std::raise(signal);
   EXPECT_EQ(dialogs.MsgBox(u"A question"_s, MsgButtons::YesNoCancel, MsgIcon::Question, {}), MsgAnswer::Cancel);
   EXPECT_FALSE(frame.IsLeaving()) << "not from within the question";
-  WaitFor([&] { return global.exiting; });
+  WaitFor([&] { return frame.HasLeft(); });
   EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"WinRegistration"_s), u"");
 }
 

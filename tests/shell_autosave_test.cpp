@@ -6,6 +6,7 @@
 #include "Editor.h"
 #include "WaitFor.h"
 #include "shell/AutoSave.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "windows/reg/form_REG.h"
@@ -131,20 +132,20 @@ TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
   const QString path = File(u"a.ini"_s, kIni), other = File(u"b.ini"_s, kIni);
   Start({path, other});
   Touch(Ini(0));
-  frame_->Activate(Ini(1));
+  global_.area.Activate(Ini(1));
   Ini(1).SubWindow()->showMaximized();
-  frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
+  global_.menus.Action(u"menu_FileSaveAll"_s)->trigger();
   EXPECT_EQ(BytesOf(path), kTouched);
   Ini(1).Slot().changed = true;
-  frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
+  global_.menus.Action(u"menu_FileSaveAll"_s)->trigger();
   EXPECT_FALSE(Ini(1).Slot().changed);
   for (const int slot : {0, 1}) EXPECT_EQ(Ini(slot).SubWindow()->width(), Ini(slot).PreferredWidth()) << slot;
-  EXPECT_EQ(frame_->ActiveDocument(), &Ini(1));
+  EXPECT_EQ(global_.area.ActiveDocument(), &Ini(1));
 
   Ini(1).Slot().changed = true;
   dialogs_.ExpectMsgBox(u"Save this file?\r"_s + other, u"Document Changed"_s, MsgButtons::YesNoCancel,
                         MsgAnswer::Cancel);
-  frame_->Menus().Action(u"menu_FileCloseAll"_s)->trigger();
+  global_.menus.Action(u"menu_FileCloseAll"_s)->trigger();
   EXPECT_EQ(Ini(0).Tag(), u"");
   EXPECT_EQ(Ini(1).Tag(), u"1");
 }

@@ -9,6 +9,7 @@
 #include "Editor.h"
 #include "WaitFor.h"
 #include "shell/CommandLineRecord.h"
+#include "shell/DocumentArea.h"
 #include "shell/OS_SendMessage.h"
 #include "system/InstanceClaim_linux.h"
 
@@ -84,7 +85,7 @@ TEST_F(Launch, PathsArriveWholeAndAreNoOptions) {
     const QString path = folder_.path() + u'/' + name;
     ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly)) << name.toStdString();
     EXPECT_EQ(Run(name.startsWith("--"_L1) ? QStringList{u"--"_s, name} : QStringList(name)), 0);
-    DocumentWindow* document = frame_->ActiveDocument();
+    DocumentWindow* document = global_.area.ActiveDocument();
     ASSERT_TRUE(document) << name.toStdString();
     EXPECT_EQ(document->Slot().path, path);
     document->FileClose();

@@ -37,7 +37,7 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
   Start();
   const QStringList without_document{u"&File"_s, u"&Edit"_s, u"&Tools"_s, u"&Help"_s};
   EXPECT_EQ(Shown(frame_->menuBar()->actions()), without_document);
-  EXPECT_EQ(Shown(frame_->Menus().Menu(u"md_Menu_File"_s)->actions()),
+  EXPECT_EQ(Shown(global_.menus.Menu(u"md_Menu_File"_s)->actions()),
             (QStringList{u"&New"_s, u"&Open"_s, u"E&xit TME"_s}));
   const struct {
     const char* bar;
@@ -48,9 +48,8 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
                {"File Edit Search Tools Window Help", 15, DocumentKind::Txt},
                {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {
-    const KindTraits& traits = TraitsOf(expected.kind);
-    SCOPED_TRACE(traits.name);
-    const DocumentWindow* window = NewDocument(global_, traits.slot_code);
+    SCOPED_TRACE(NameOf(expected.kind));
+    const DocumentWindow* window = NewDocument(global_, expected.kind);
     EXPECT_EQ(Shown(frame_->menuBar()->actions()).join(u' ').remove(u'&'), QLatin1StringView(expected.bar));
     QSet<QKeySequence> shortcuts;
     int routed = 0;
@@ -71,7 +70,7 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     if (!slot.window->Tag().isEmpty()) slot.window->FileClose();
   });
   EXPECT_EQ(Shown(frame_->menuBar()->actions()), without_document);
-  EXPECT_FALSE(frame_->Menus().Action(u"ASDF"_s)->isVisible());
+  EXPECT_FALSE(global_.menus.Action(u"ASDF"_s)->isVisible());
 }
 
 TEST_F(Editor, CommandsGoToTheActiveDocumentByName) {
@@ -80,7 +79,7 @@ TEST_F(Editor, CommandsGoToTheActiveDocumentByName) {
   form_INI& second = NewIni("[C]\n");
   first.Form_Activate();
   Select(first, {u"B"_s});
-  GlobalMenus& menus = frame_->Menus();
+  GlobalMenus& menus = global_.menus;
   EXPECT_FALSE(menus.Action(u"menu_EditDeleteValue"_s)->isEnabled());
   dialogs_.ExpectMsgBox(u"Are you sure you want to delete Section B?"_s, u"Deletion Confirmation"_s, MsgButtons::YesNo,
                         MsgAnswer::Yes, MsgIcon::Question);

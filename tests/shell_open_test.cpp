@@ -6,6 +6,7 @@
 #include "TestSystem.h"
 #include "WaitFor.h"
 #include "shell/CommandLineRecord.h"
+#include "shell/DocumentArea.h"
 #include "shell/NoticeBar.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
@@ -35,7 +36,7 @@ TEST_F(Editor, PathListFindsFilesAmongBlanks) {
   EXPECT_EQ(Ini(1).windowTitle(), u"b c.ini");
   EXPECT_EQ(Ini(2).Slot().path, last);
   EXPECT_EQ(Ini(3).Tag(), u"");
-  EXPECT_EQ(frame_->ActiveDocument(), &Ini(2));
+  EXPECT_EQ(global_.area.ActiveDocument(), &Ini(2));
 }
 
 TEST_F(Editor, SixthDocumentOfAKindIsRefused) {
@@ -46,20 +47,18 @@ TEST_F(Editor, SixthDocumentOfAKindIsRefused) {
       u"Reached the limit of 5 type max"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::None);
   Start(paths);
   Ini(2).FileClose();
-  NewDocument(global_, SlotCode::Ini);
+  NewDocument(global_, DocumentKind::Ini);
   EXPECT_EQ(Ini(2).windowTitle(), u"New INI File");
-  EXPECT_EQ(global_.documents.FindFreeSlot(0), -1);
-  EXPECT_EQ(global_.documents.FindFreeSlot(5), -1);
 }
 
 TEST_F(Editor, KindFollowsTheLastThreeLetters) {
   const QString filter = Settings().txt_filter;
-  const std::pair<const char*, OpenCode> rows[] = {{"/x/WIN.INI", OpenCode::Ini},   {"/x/a.reg", OpenCode::Reg},
-                                                   {"/x/a.txt", OpenCode::Txt},     {"/x/p.html", OpenCode::Txt},
-                                                   {"/x/notes.WRI", OpenCode::Rtf}, {"/x/noext", OpenCode::Rtf},
-                                                   {"/x/desktopini", OpenCode::Ini}};
-  for (const auto& [path, code] : rows) EXPECT_EQ(OpenCodeOf(QString::fromLatin1(path), filter), code) << path;
-  EXPECT_EQ(OpenCodeOf(u"a.ini"_s, u"*.INI;*.TXT"_s), OpenCode::Txt) << "the text filter wins";
+  const std::pair<const char*, DocumentKind> rows[] = {
+      {"/x/WIN.INI", DocumentKind::Ini},   {"/x/a.reg", DocumentKind::Reg},     {"/x/a.txt", DocumentKind::Txt},
+      {"/x/p.html", DocumentKind::Txt},    {"/x/notes.WRI", DocumentKind::Rtf}, {"/x/noext", DocumentKind::Rtf},
+      {"/x/desktopini", DocumentKind::Ini}};
+  for (const auto& [path, kind] : rows) EXPECT_EQ(KindOf(QString::fromLatin1(path), filter), kind) << path;
+  EXPECT_EQ(KindOf(u"a.ini"_s, u"*.INI;*.TXT"_s), DocumentKind::Txt) << "the text filter wins";
 }
 
 TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
@@ -117,7 +116,7 @@ TEST_F(Editor, ExitAsksSlotBySlotAndNeverCancels) {
   dialogs_.ExpectMsgBox(question + paths[0], title, MsgButtons::YesNoCancel, MsgAnswer::Cancel, MsgIcon::Question);
   dialogs_.ExpectMsgBox(question + paths[1], title, MsgButtons::YesNoCancel, MsgAnswer::Yes, MsgIcon::Question);
   frame_->close();
-  EXPECT_TRUE(global_.exiting);
+  EXPECT_TRUE(frame_->HasLeft());
   EXPECT_FALSE(frame_->isVisible());
   EXPECT_EQ(BytesOf(paths[0]), kIni);
   EXPECT_EQ(BytesOf(paths[1]), "[A]\r\n\r\n");
@@ -165,7 +164,7 @@ TEST_F(Editor, FrameComesBackWhereItWas) {
   write(u"MDI Left"_s, u"450"_s);
   write(u"MDI Width"_s, u"6000"_s);
   write(u"MDI Height"_s, u"tall"_s);  // no number: the height stays
-  mdform_TMEditor again(global_, [](DocumentKind, int) { return nullptr; });
+  mdform_TMEditor again(global_, [](Global&, DocumentKind, int) { return nullptr; });
   again.MDIForm_Load({});
   const double dpi = again.logicalDpiX();
   EXPECT_EQ(again.pos(), QPoint(qRound(450 * dpi / 1440), qRound(300 * dpi / 1440)));
@@ -194,11 +193,10 @@ TEST_F(Editor, FrameComesBackOntoAScreen) {
                                                   {"MDI Height", written.height()}};
     for (const auto& [name, pixels] : values)
       registry_.WriteValue(SettingsRoot, QString::fromLatin1(name), kTextType, QString::number(qRound(pixels * twips)));
-    mdform_TMEditor again(global_, [](DocumentKind, int) { return nullptr; });
+    mdform_TMEditor again(global_, [](Global&, DocumentKind, int) { return nullptr; });
     again.MDIForm_Load({});
     EXPECT_EQ(QRect(again.pos(), again.size()), restored) << written.x();
   }
-  global_.frame = frame_.get();
 }
 
 TEST_F(Editor, WelcomeDocumentIsGoneAndNobodyMissesIt) {
@@ -206,7 +204,7 @@ TEST_F(Editor, WelcomeDocumentIsGoneAndNobodyMissesIt) {
   Start();
   frame_->OpenWelcomeDocument(folder_.path());
   const DocumentWindow& window = *global_.documents.At(DocumentKind::Rtf, 0).window;
-  frame_->ActiveDocument()->Form_Activate();
+  global_.area.ActiveDocument()->Form_Activate();
   EXPECT_EQ(window.windowTitle(), u"Welcome.RTF");
   EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
   EXPECT_EQ(window.Slot().path, u"") << "saved there, it would be taken away at the next start";
@@ -220,7 +218,7 @@ TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
   WaitFor([this] { return Ini(1).SubWindow()->isMaximized(); });
   OpenPathList(global_, File(u"c.ini"_s, kIni));
   EXPECT_TRUE(Ini(2).SubWindow()->isMaximized());
-  NewDocument(global_, SlotCode::Ini);
+  NewDocument(global_, DocumentKind::Ini);
   EXPECT_TRUE(Ini(3).SubWindow()->isMaximized());
   EXPECT_GT(Ini(3).height(), frame_->height() / 2);
 }
@@ -229,9 +227,9 @@ TEST_F(Editor, SettingsAreCleaned) {
   const std::pair<const char*, int> periods[] = {{"", 0}, {"abc", 0}, {"-3", 0}, {"7", 7}, {"99", 99}, {"250", 99}};
   for (const auto& [text, minutes] : periods)
     EXPECT_EQ(ParseAutoSavePeriod(QString::fromLatin1(text)), minutes) << text;
-  EXPECT_EQ(ParseDefaultOpenType({}), 0);
-  EXPECT_EQ(ParseDefaultOpenType(u"3"_s), 3);
-  EXPECT_EQ(ParseDefaultOpenType(u"4"_s), std::nullopt);
+  EXPECT_EQ(ParseDefaultOpenType({}), DocumentKind::Ini);
+  EXPECT_EQ(ParseDefaultOpenType(u"3"_s), DocumentKind::Rtf);
+  EXPECT_EQ(ParseDefaultOpenType(u"4"_s), DocumentKind::Ini);
   Start();
   for (const auto& [text, points] : {std::pair{u"0"_s, 10}, {u""_s, 10}, {u"12"_s, 12}}) {
     registry_.WriteValue(kTxtKey, u"Default Size"_s, kTextType, text);
@@ -267,10 +265,10 @@ TEST_F(Editor, ArrangementsFillTheFrame) {
 
   Start({File(u"a.ini"_s, kIni), File(u"b.ini"_s, kIni), File(u"c.ini"_s, kIni)});
   Ini(0).SubWindow()->showMinimized();
-  frame_->ArrangeWindows(3);
+  global_.area.ArrangeWindows(3);
   QMdiSubWindow* icon = Ini(0).SubWindow();
   EXPECT_EQ(icon->geometry().bottomLeft(), QPoint(0, icon->parentWidget()->height() - 1));
-  frame_->ArrangeWindows(0);
+  global_.area.ArrangeWindows(0);
   EXPECT_EQ(Ini(1).SubWindow()->pos(), QPoint(0, 0));
   EXPECT_GT(Ini(2).SubWindow()->x(), 0);
   EXPECT_EQ(Ini(2).SubWindow()->width(), Ini(2).PreferredWidth());

@@ -86,10 +86,10 @@ TEST_F(PlainTextTest, NamesFromFilesAreNoMarkupAnywhere) {
   EXPECT_EQ(Read(location->toolTip()), key);
   EXPECT_EQ(Reg().windowTitle(), u"&lt;b&gt; a&b.reg"_s);
 
-  QAction* recent = frame_->Menus().Action(u"menu_mru1"_s);
+  QAction* recent = global_.menus.Action(u"menu_mru1"_s);
   EXPECT_EQ(recent->text(), u"&&lt;b&&gt; a&&b.reg"_s);
   EXPECT_EQ(Read(recent->toolTip()), path);
-  QMenu* window_menu = frame_->Menus().Menu(u"md_menu_window"_s);
+  QMenu* window_menu = global_.menus.Menu(u"md_menu_window"_s);
   emit window_menu->aboutToShow();
   EXPECT_EQ(window_menu->actions().last()->text(), u"&1 &&lt;b&&gt; a&&b.reg"_s);
 

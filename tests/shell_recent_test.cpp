@@ -18,11 +18,11 @@ class RecentFilesTest : public Editor {
     return path;
   }
   QString Stored(int index) const { return registry_.ReadValue(kMruKey, u"mru"_s + QString::number(index)); }
-  QAction& Item(int index) { return *frame_->Menus().Action(u"menu_mru"_s + QString::number(index)); }
+  QAction& Item(int index) { return *global_.menus.Action(u"menu_mru"_s + QString::number(index)); }
   /// Captions of the items that are shown; "-" for the separator above them.
   QStringList Shown() {
     QStringList captions;
-    if (frame_->Menus().Action(u"mrusep"_s)->isVisible()) captions += u"-"_s;
+    if (global_.menus.Action(u"mrusep"_s)->isVisible()) captions += u"-"_s;
     for (int index = 1; index <= 4; ++index)
       if (Item(index).isVisible()) captions += Item(index).text();
     return captions;
@@ -45,7 +45,7 @@ TEST_F(RecentFilesTest, FourFilesInOrderOfFirstOpening) {
 
   QFile::remove(paths[2]);
   Open(u"5.ini"_s);
-  NewDocument(global_, SlotCode::Ini);
+  NewDocument(global_, DocumentKind::Ini);
   EXPECT_EQ(Shown(), (QStringList{u"-"_s, u"a && b.ini"_s, u"4.ini"_s, u"5.ini"_s})) << "hidden, not forgotten";
   EXPECT_EQ(Stored(2), paths[2]);
 }

@@ -6,6 +6,7 @@
 #include "Editor.h"
 #include "files/FileSteps.h"
 #include "shell/AutoSave.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
@@ -154,7 +155,7 @@ class SaveRound : public RescueTest {
 
  private:
   void Drive(Flow flow) {
-    if (flow == Flow::SaveAll) return frame_->Menus().Action(u"menu_FileSaveAll"_s)->trigger();
+    if (flow == Flow::SaveAll) return global_.menus.Action(u"menu_FileSaveAll"_s)->trigger();
     if (flow == Flow::AutoSave) {
       frame_->Saver().SetAutoSaveTimer(global_.settings.auto_save_period = 1);
       auto* timer = frame_->Saver().findChild<QTimer*>(u"AutoSaveTimer"_s);
@@ -213,7 +214,7 @@ TEST_F(RescueTest, OpensWhatACrashLeft) {
                           "REGEDIT4\r\n; every key as it was shown\r\n\r\n[Renamed\\K]\r\n\"a=dword:b\"=\"c\"\r\n\r\n");
   }
   Start({path});
-  EXPECT_EQ(frame_->ActiveDocument(), &Window(DocumentKind::Ini)) << "not the file as it is";
+  EXPECT_EQ(global_.area.ActiveDocument(), &Window(DocumentKind::Ini)) << "not the file as it is";
   DocumentWindow& ini = Window(DocumentKind::Ini);
   EXPECT_EQ(Dump(Ini().Tree()), ">a.ini\n ; 1\n ; 2\n A\n  x=2\n A\n  y=3\n");
   EXPECT_TRUE(ini.Slot().changed && ini.IsTouched());
@@ -260,14 +261,14 @@ TEST_F(RescueTest, OpeningAndClosingKeepsNothing) {
   EXPECT_EQ(Window(DocumentKind::Rtf, 1).Content(), marked);
   frame_->resize(500, 400);
   QApplication::processEvents();
-  frame_->UnsavedContent().Look(Rescue::Clock::now());
+  global_.rescue.Look(Rescue::Clock::now());
   for (const Kind& row : kRows) Window(row.kind).FileClose();
   EXPECT_FALSE(QDir(history_.folder.Path()).exists());
 }
 
 TEST_F(RescueTest, ASavedDocumentIsNotAsideAnyMore) {
   Start();
-  Rescue& rescue = frame_->UnsavedContent();
+  Rescue& rescue = global_.rescue;
   auto now = Rescue::Clock::now();
   for (const bool on_its_way : {false, true})
     for (const Kind& row : kRows) {
@@ -297,8 +298,8 @@ TEST_F(RescueTest, ASaveUnderANewNameHasTheOldOneMeanwhile) {
     common_dialog_.ExpectSave(other);
     dialogs_.ExpectMsgBox(u"Overwrite existing file?"_s, u"File Exists"_s, MsgButtons::YesNoCancel, MsgAnswer::Cancel);
     dialogs_.while_asking = [this] {
-      frame_->UnsavedContent().Look(Rescue::Clock::now());
-      frame_->UnsavedContent().WaitForDisk();
+      global_.rescue.Look(Rescue::Clock::now());
+      global_.rescue.WaitForDisk();
     };
     QMetaObject::invokeMethod(&window, "SaveAs");
     ASSERT_EQ(history_.snapshots.List().size(), 1);
@@ -316,8 +317,8 @@ TEST_F(RescueTest, WhatNoCopyHoldsIsReplacedOnlyWhenTheUserSaysSo) {
     const QString path = File(QString::fromLatin1(row.name), row.old_bytes);
     DocumentWindow& window = Window(row.kind);
     window.ShowKept({row.kind, path, u"a"_s}, row.new_bytes);
-    frame_->UnsavedContent().Look(Rescue::Clock::now());
-    frame_->UnsavedContent().WaitForDisk();
+    global_.rescue.Look(Rescue::Clock::now());
+    global_.rescue.WaitForDisk();
     common_dialog_.filter_index = 1;
     dialogs_.AnswerAll(MsgAnswer::Cancel);
     QMetaObject::invokeMethod(&window, row.save);
@@ -352,7 +353,7 @@ TEST_F(RescueTest, WithoutAHistoryOnlyWhatADocumentHoldsIsReplacedUnasked) {
     SCOPED_TRACE(row.name);
     const QString path = File(QString::fromLatin1(row.name), row.bytes);
     OpenPathList(global_, path);
-    DocumentWindow& window = *frame_->ActiveDocument();
+    DocumentWindow& window = *global_.area.ActiveDocument();
     common_dialog_.filter_index = 1;
     for (const bool is_foreign : {false, true}) {
       if (is_foreign) File(QString::fromLatin1(row.name), "theirs");

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "Editor.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
@@ -32,10 +33,10 @@ TEST_F(Editor, AFileThatIsOpenComesToTheFrontInsteadOfASecondTime) {
   Ini(0).AddSection();
   const std::string edited = Dump(Ini(0).Tree());
   Ini(0).SubWindow()->showMinimized();
-  frame_->Activate(Ini(1));
+  global_.area.Activate(Ini(1));
 
   OpenPathList(global_, path);
-  EXPECT_EQ(frame_->ActiveDocument(), &Ini(0));
+  EXPECT_EQ(global_.area.ActiveDocument(), &Ini(0));
   EXPECT_FALSE(Ini(0).SubWindow()->isMinimized());
   EXPECT_EQ(Dump(Ini(0).Tree()), edited) << "it stays as it is";
   EXPECT_EQ(Notice(Ini(0)), u"The file is open already: this is its document.");
@@ -60,7 +61,7 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
   QDir(folder_.path()).mkdir(u"one&two"_s);
   const QString first = File(u"a.ini"_s, kIni), second = File(u"one&two/a.ini"_s, kIni);
   Start({first, QDir::toNativeSeparators(second), File(u"b.ini"_s, kIni)});
-  QMenu* menu = frame_->Menus().Menu(u"md_menu_window"_s);
+  QMenu* menu = global_.menus.Menu(u"md_menu_window"_s);
   emit menu->aboutToShow();
   const QList<QAction*> items = menu->actions().last(3);
   EXPECT_TRUE(items[1]->text().startsWith(u"&2 a.ini - "_s) && items[1]->text().endsWith(u"one&&two"_s));
@@ -69,7 +70,7 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
   EXPECT_TRUE(items[1]->toolTip().contains(u"one&amp;two"_s));
 
   QMdiSubWindow* child = Ini(0).SubWindow();
-  frame_->Activate(Ini(0));
+  global_.area.Activate(Ini(0));
   const auto tip_at = [&](const QPoint& point) {
     QHelpEvent help(QEvent::ToolTip, point, child->mapToGlobal(point));
     QApplication::sendEvent(child, &help);
@@ -81,11 +82,11 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
 
 TEST_F(Editor, ANewDocumentBesideAMaximisedOneIsMaximised) {
   Start({File(u"a.ini"_s, kIni)});
-  NewDocument(global_, SlotCode::Ini);
+  NewDocument(global_, DocumentKind::Ini);
   EXPECT_FALSE(Ini(1).SubWindow()->isMaximized());
   Ini(1).SubWindow()->showMaximized();
-  NewDocument(global_, SlotCode::Txt);
+  NewDocument(global_, DocumentKind::Txt);
   const DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0).window;
   EXPECT_TRUE(text.SubWindow()->isMaximized());
-  EXPECT_EQ(frame_->ActiveDocument(), &text);
+  EXPECT_EQ(global_.area.ActiveDocument(), &text);
 }

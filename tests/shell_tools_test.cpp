@@ -17,7 +17,7 @@ namespace {
 
 class ToolsTest : public Editor {
  protected:
-  void Choose(const QString& item) { frame_->Menus().Action(item)->trigger(); }
+  void Choose(const QString& item) { global_.menus.Action(item)->trigger(); }
 };
 
 }  // namespace

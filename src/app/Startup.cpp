@@ -126,16 +126,16 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
   Dialogs dialogs;
   CommonDialog common_dialog;
   History history(shell_utilities.UserDataFolder() + u"/history"_s);
-  Global global{registry, shell_utilities, dialogs, common_dialog, link, history};
-  mdform_TMEditor frame(global, [&](DocumentKind kind, int slot) { return MakeWindow(global, kind, slot); });
+  mdform_TMEditor frame({registry, shell_utilities, dialogs, common_dialog, link, history}, MakeWindow);
+  Global& global = frame.Shared();
   ShellIntegration integration(registry, QCoreApplication::applicationFilePath());
-  frame.Menus().Handle("menu_ToolsOptions", [&] {
+  global.menus.Handle("menu_ToolsOptions", [&] {
     form_TMEOptions(
         global, integration, [&frame](int minutes) { frame.Saver().SetAutoSaveTimer(minutes); }, &frame)
         .exec();
   });
-  frame.Menus().Handle("menu_ToolsHistory", [&] { form_History(global, &frame).exec(); });
-  SessionShutdown shutdown(global);
+  global.menus.Handle("menu_ToolsHistory", [&] { form_History(global, &frame).exec(); });
+  SessionShutdown shutdown(frame);
   const SessionEnd session_end([&shutdown](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   frame.MDIForm_Load(texts);
   return application.exec();

@@ -49,7 +49,7 @@ std::string RecordFolder::Bytes(const KeptVersion& record) {
   QJsonObject object;
   object["time"_L1] = record.time.toString(Qt::ISODateWithMs);
   object["reason"_L1] = QLatin1StringView(kReasonNames[static_cast<std::size_t>(record.reason)]);
-  object["kind"_L1] = QLatin1StringView(TraitsOf(record.origin.kind).name);
+  object["kind"_L1] = QLatin1StringView(NameOf(record.origin.kind));
   object["path"_L1] = record.origin.path;
   object["title"_L1] = record.origin.title;
   object["digest"_L1] = QString::fromLatin1(record.digest);
@@ -71,8 +71,8 @@ std::optional<KeptVersion> RecordFolder::Read(const QString& id) const {
   const QString reason = object["reason"_L1].toString(), kind = object["kind"_L1].toString();
   for (std::size_t index = 0; index < kReasonNames.size(); ++index)
     if (reason == QLatin1StringView(kReasonNames[index])) record.reason = static_cast<KeptReason>(index);
-  for (const KindTraits& traits : kKinds)
-    if (kind == QLatin1StringView(traits.name)) record.origin.kind = traits.kind;
+  for (const DocumentKind known : kKinds)
+    if (kind == QLatin1StringView(NameOf(known))) record.origin.kind = known;
   const bool is_digest = record.digest.size() > 2 && QByteArray::fromHex(record.digest).toHex() == record.digest;
   if (!is_digest || !record.time.isValid()) return std::nullopt;
   return record;

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <utility>
 
+#include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
@@ -68,12 +69,12 @@ void AutoSave::AskWhenQuiet() {
   });
   if (waiting_.isEmpty()) looks_.stop();
   if (!next) return;
-  global_.frame->Activate(*next);  // so that it is seen, too
-  global_.frame->setWindowTitle(SavingTitle());
+  global_.area.Activate(*next);  // so that it is seen, too
+  global_.frame.setWindowTitle(SavingTitle());
   global_.asked_for = next->Origin().title;
   SaveDocument(*next);
   global_.asked_for.clear();
-  global_.frame->setWindowTitle(kProgramTitle);
+  global_.frame.setWindowTitle(kProgramTitle);
 }
 
 void AutoSave::AutoSaveTimer_Timer() {
@@ -88,7 +89,7 @@ void AutoSave::AutoSaveTimer_Timer() {
 }
 
 void AutoSave::SaveAllDocuments() {
-  mdform_TMEditor& frame = *global_.frame;
+  mdform_TMEditor& frame = global_.frame;
   if (auto_saving_) {
     frame.setWindowTitle(SavingTitle());
     SaveDocuments();
@@ -101,12 +102,12 @@ void AutoSave::SaveAllDocuments() {
       if (!slot.window->Tag().isEmpty()) visit(*slot.window->SubWindow());
     });
   };
-  const DocumentWindow* active = frame.ActiveDocument();
+  const DocumentWindow* active = global_.area.ActiveDocument();
   each_document([](QMdiSubWindow& window) { window.showMinimized(); });
   SaveDocuments();
   each_document([](QMdiSubWindow& window) { window.showNormal(); });
-  if (active && !active->Tag().isEmpty()) frame.Activate(*active);
-  frame.ArrangeWindows(0);
+  if (active && !active->Tag().isEmpty()) global_.area.Activate(*active);
+  global_.area.ArrangeWindows(0);
 }
 
 void AutoSave::SaveDocuments() {

@@ -4,22 +4,17 @@
 
 namespace tme {
 
-const DocumentTable::Slots& DocumentTable::SlotsOf(DocumentKind kind) const {
-  return slots_[static_cast<std::size_t>(&TraitsOf(kind) - kKinds.data())];
-}
+const DocumentTable::Slots& DocumentTable::SlotsOf(DocumentKind kind) const { return slots_[IndexOf(kind)]; }
 
 DocumentSlot& DocumentTable::At(DocumentKind kind, int slot) {
   return const_cast<DocumentSlot&>(SlotsOf(kind).at(static_cast<std::size_t>(slot)));
 }
 
-int DocumentTable::FindFreeSlot(int slot_code) const {
-  for (const KindTraits& traits : kKinds) {
-    if (static_cast<int>(traits.slot_code) != slot_code) continue;
-    const Slots& kind_slots = SlotsOf(traits.kind);
-    for (int slot = 0; slot < kSlotsPerKind; ++slot) {
-      const DocumentWindow* window = kind_slots[static_cast<std::size_t>(slot)].window;
-      if (window && window->Tag().isEmpty()) return slot;
-    }
+int DocumentTable::FindFreeSlot(DocumentKind kind) const {
+  const Slots& kind_slots = SlotsOf(kind);
+  for (int slot = 0; slot < kSlotsPerKind; ++slot) {
+    const DocumentWindow* window = kind_slots[static_cast<std::size_t>(slot)].window;
+    if (window && window->Tag().isEmpty()) return slot;
   }
   return -1;
 }

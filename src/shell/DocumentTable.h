@@ -10,6 +10,8 @@ namespace tme {
 
 class DocumentWindow;
 
+inline constexpr int kSlotsPerKind = 5;
+
 /// One place of the table. A slot is free when its window's tag is empty.
 struct DocumentSlot {
   /// Null for a kind that has no editor, and once released at exit. Owned by the frame.
@@ -25,8 +27,8 @@ struct DocumentSlot {
 class DocumentTable {
  public:
   DocumentSlot& At(DocumentKind kind, int slot);
-  /// 0 to 4, the first whose tag is empty; -1 when all are taken, the kind has no editor or the code is outside 1 to 4.
-  int FindFreeSlot(int slot_code) const;
+  /// 0 to 4, the first whose tag is empty; -1 when all are taken or the kind has no editor.
+  int FindFreeSlot(DocumentKind kind) const;
   /// Whether windows of the kind exist.
   bool Offers(DocumentKind kind) const;
   /// Every slot that has a window, slot by slot, within a slot in the order INI, TXT, RTF, REG.

@@ -14,6 +14,7 @@
 #include "files/TextFile.h"
 #include "history/DigestingSteps.h"
 #include "history/History.h"
+#include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/PlainText.h"
@@ -40,11 +41,11 @@ DocumentSlot& DocumentWindow::Slot() const { return global_.documents.At(kind_, 
 QMdiSubWindow* DocumentWindow::SubWindow() const { return qobject_cast<QMdiSubWindow*>(parentWidget()); }
 
 void DocumentWindow::Form_Activate() {
-  global_.frame->SetActiveDocument(this);
-  global_.frame->RefreshMenus(kind_);
+  global_.area.SetActiveDocument(this);
+  global_.menus.RefreshMenus(kind_);
   UpdateCommands();
   CheckDisk();
-  global_.frame->TellSettingsFailure();
+  global_.frame.TellSettingsFailure();
 }
 
 void DocumentWindow::TakeSlot() {
@@ -103,33 +104,32 @@ std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
 void DocumentWindow::ReleaseSlot() {
   // What could not be kept stays aside, for the next start.
   if (KeepUnsaved())
-    global_.frame->UnsavedContent().Forget(this);
+    global_.rescue.Forget(this);
   else
-    global_.frame->UnsavedContent().LeaveForNextStart(*this);
+    global_.rescue.LeaveForNextStart(*this);
   tag_.clear();
   DocumentSlot& slot = Slot();
   slot.path.clear();
   slot.title.clear();
   slot.changed = false;
   if (QWidget* sub_window = SubWindow()) sub_window->hide();
-  global_.frame->DocumentClosed(this);
+  global_.area.DocumentClosed(this);
 }
 
 void DocumentWindow::MarkClean() {
   clean_revision_ = Revision();
   being_read_ = false;
   // At once: a crash before the next look would bring back what is older than the file.
-  if (global_.frame) global_.frame->UnsavedContent().Forget(this);
+  global_.rescue.Forget(this);
 }
 
 void DocumentWindow::RecordOpened() {
   if (std::exchange(global_.skip_recent_once, false)) return;
-  RecentFiles& recent_files = global_.frame->Recent();
-  recent_files.AddRecentFile(QDir::toNativeSeparators(QFileInfo(Slot().path).absoluteFilePath()));
-  recent_files.RebuildRecentMenu();
+  global_.recent_files.AddRecentFile(QDir::toNativeSeparators(QFileInfo(Slot().path).absoluteFilePath()));
+  global_.recent_files.RebuildRecentMenu();
 }
 
-void DocumentWindow::ShowInFrame() { global_.frame->ShowDocument(this); }
+void DocumentWindow::ShowInFrame() { global_.area.ShowDocument(this); }
 
 void DocumentWindow::SetChanged(bool changed) {
   Slot().changed = changed;
@@ -158,8 +158,8 @@ void DocumentWindow::ClearNotice() { notice_bar_->Clear(); }
 
 NoticeAction DocumentWindow::FileHistoryButton() {
   return {tr("File History"), [this] {
-            global_.frame->Activate(*this);
-            global_.frame->Menus().Action(u"menu_ToolsHistory"_s)->trigger();
+            global_.area.Activate(*this);
+            global_.menus.Action(u"menu_ToolsHistory"_s)->trigger();
           }};
 }
 
@@ -368,7 +368,7 @@ bool DocumentWindow::ConfirmClose(const std::function<SaveOutcome()>& save,
   switch (global_.dialogs.MsgBox(question, MsgButtons::YesNoCancel, MsgIcon::Question, u"Document Changed"_s)) {
     case MsgAnswer::Yes: {
       SaveOutcome outcome = save();
-      while (outcome == SaveOutcome::Failed && global_.frame->IsLeaving()) outcome = save_elsewhere();
+      while (outcome == SaveOutcome::Failed && global_.frame.IsLeaving()) outcome = save_elsewhere();
       if (outcome == SaveOutcome::Failed) return false;
       break;
     }

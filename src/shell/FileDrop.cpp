@@ -7,10 +7,6 @@
 #include <QUrl>
 #include <QWidget>
 
-#include "shell/Global.h"
-#include "shell/OpenDispatch.h"
-#include "shell/mdform_TMEditor.h"
-
 namespace tme {
 
 QStringList DroppedFiles(const QMimeData& data) {
@@ -22,8 +18,8 @@ QStringList DroppedFiles(const QMimeData& data) {
   return paths;
 }
 
-FileDrop::FileDrop(Global& global) : global_(global) {
-  global.frame->setAcceptDrops(true);
+FileDrop::FileDrop(QWidget& frame, Open open) : frame_(frame), open_(std::move(open)) {
+  frame.setAcceptDrops(true);
   // A control that takes drops of its own is asked before the frame, so the frame alone would not see them all.
   qApp->installEventFilter(this);
 }
@@ -32,7 +28,7 @@ bool FileDrop::eventFilter(QObject* watched, QEvent* event) {
   const bool drops = event->type() == QEvent::Drop;
   if (!drops && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove) return false;
   const auto* widget = qobject_cast<const QWidget*>(watched);
-  if (!widget || widget->window() != global_.frame) return false;
+  if (!widget || widget->window() != &frame_) return false;
   auto* drop = static_cast<QDropEvent*>(event);
   const QStringList paths = DroppedFiles(*drop->mimeData());
   if (paths.isEmpty()) return false;
@@ -44,11 +40,8 @@ bool FileDrop::eventFilter(QObject* watched, QEvent* event) {
   drop->accept();
   if (!drops) return true;
   // Later: where the files come from waits for the end of the drop, and opening may ask.
-  const auto open = [this, paths] {
-    global_.frame->ComeToFront();
-    for (const QString& path : paths) OpenWholePath(global_, path);
-  };
-  QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this, [this, paths] { open_(paths); }, Qt::QueuedConnection);
   return true;
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QObject>
+#include <QStringList>
+#include <functional>
 
 class QMimeData;
+class QWidget;
 
 namespace tme {
-
-struct Global;
 
 /// Opens files that are dropped anywhere on the frame, its documents included. Everything else that is dropped, text
 /// and pictures, is left to the control under the mouse.
@@ -14,13 +15,17 @@ class FileDrop : public QObject {
   Q_OBJECT
 
  public:
-  explicit FileDrop(Global& global);
+  using Open = std::function<void(const QStringList& paths)>;
+
+  /// The frame must outlive it.
+  FileDrop(QWidget& frame, Open open);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  Global& global_;
+  QWidget& frame_;
+  const Open open_;
 };
 
 /// The paths of a drop that consists of local files only; empty for any other.

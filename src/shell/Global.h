@@ -9,42 +9,48 @@ namespace tme {
 
 class CommonDialog;
 class Dialogs;
+class DocumentArea;
 class FileSteps;
+class GlobalMenus;
 class History;
 class InstanceLink;
+class RecentFiles;
 class RegistryAccess;
+class Rescue;
 class ShellUtilities;
 class mdform_TMEditor;
 
-/// What every window of the process shares: the ways to the system and the shell's state. One for the process, made in
-/// Startup (or by a test, with stand-ins); it outlives every window.
-struct Global {
+/// The ways to the system and to the disk. Startup makes them (or a test, with stand-ins) before the frame, and they
+/// outlive it.
+struct Services {
   RegistryAccess& registry;
   ShellUtilities& shell_utilities;
   Dialogs& dialogs;
   CommonDialog& common_dialog;
   InstanceLink& instance_link;
   History& history;
-
   /// The file layer of every save; null for the system's own. Tests fail at its steps.
   FileSteps* file_steps = nullptr;
-  Settings settings{};
-  DocumentTable documents{};
-  /// The Windows folder, empty where there is none.
-  QString windows_directory{};
-  /// Set once documents are gone for good at exit.
-  bool exiting = false;
+};
+
+/// What every window shares: the services and the parts of the shell. The frame makes it, and it lives as long as the
+/// frame: longer than every document window.
+struct Global : Services {
+  Settings& settings;
+  DocumentTable& documents;
+  mdform_TMEditor& frame;
+  DocumentArea& area;
+  GlobalMenus& menus;
+  RecentFiles& recent_files;
+  Rescue& rescue;
+
   /// A save runs that nobody asked for: it shows no question and no dialog, and what would have to be asked is a
   /// notice.
   bool saving_unasked = false;
-  /// Cutting deletes what it copied without asking.
-  bool skip_confirmation = false;
   /// The document that a save dialog is for which the user did not call up, for its title; empty for all others.
   QString asked_for{};
   /// The next file that is opened does not join the recent files.
   bool skip_recent_once = false;
-  /// The frame; set by its constructor, null before.
-  mdform_TMEditor* frame = nullptr;
 };
 
 /// Title of the program's own messages.

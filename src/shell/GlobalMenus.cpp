@@ -9,7 +9,6 @@
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/Icon.h"
-#include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 
 using namespace Qt::StringLiterals;
@@ -32,6 +31,13 @@ struct Row {
   const char* icon = nullptr;
   const char* shortcut = nullptr;
   bool opens_menu = false;
+  /// Where the item has another caption and another command for one of its kinds.
+  Kinds other_kind = kNever;
+  const char* other_caption = nullptr;
+  const char* other_command = nullptr;
+
+  const char* CaptionFor(DocumentKind kind) const { return other_kind & Bit(kind) ? other_caption : caption; }
+  const char* CommandFor(DocumentKind kind) const { return other_kind & Bit(kind) ? other_command : command; }
 };
 
 constexpr Row OpenMenu(const char* parent, const char* name, const char* caption) {
@@ -41,146 +47,154 @@ constexpr Row Separator(const char* parent, const char* name = "") { return {par
 
 // The spellings "&Sectons", menu_ViewCollaspeAlll and global_WIndowTileV are intended.
 constexpr std::array kRows{
-    OpenMenu("", "md_Menu_File", "&File"),
-    OpenMenu("md_Menu_File", "global_FileNew", "&New"),
-    Row{"global_FileNew", "global_FileNewINI", "&INI File", kAlways, nullptr, "ini-file", "Ctrl+N"},
-    Row{"global_FileNew", "global_FileNewTXT", "Te&xt File", kAlways, nullptr, "txt-file"},
-    Row{"global_FileNew", "global_FileNewRTF", "&RTF File", kAlways, nullptr, "rtf-file"},
-    Row{"global_FileNew", "global_FileNewREG", "Re&gistry File", kAlways, nullptr, "reg-file"},
-    Row{"md_Menu_File", "global_FileOpen", "&Open", kAlways, nullptr, "file-open", "Ctrl+O"},
+    OpenMenu("", "md_Menu_File", QT_TR_NOOP("&File")),
+    OpenMenu("md_Menu_File", "global_FileNew", QT_TR_NOOP("&New")),
+    Row{"global_FileNew", "global_FileNewINI", QT_TR_NOOP("&INI File"), kAlways, nullptr, "ini-file", "Ctrl+N"},
+    Row{"global_FileNew", "global_FileNewTXT", QT_TR_NOOP("Te&xt File"), kAlways, nullptr, "txt-file"},
+    Row{"global_FileNew", "global_FileNewRTF", QT_TR_NOOP("&RTF File"), kAlways, nullptr, "rtf-file"},
+    Row{"global_FileNew", "global_FileNewREG", QT_TR_NOOP("Re&gistry File"), kAlways, nullptr, "reg-file"},
+    Row{"md_Menu_File", "global_FileOpen", QT_TR_NOOP("&Open"), kAlways, nullptr, "file-open", "Ctrl+O"},
     Separator("md_Menu_File"),
-    Row{"md_Menu_File", "menu_FileSave", "&Save", kIni | kPads, "SaveFile", "file-save", "Ctrl+S"},
-    OpenMenu("md_Menu_File", "menu_FileRegSave", "&Save"),
-    Row{"menu_FileRegSave", "menu_FileSaveRegular", "&Regular", kReg, "FileSaveRegular", "file-save", "Ctrl+S"},
-    Row{"menu_FileRegSave", "menu_FileSaveExpanded", "&Expanded", kReg, "FileSaveExpanded"},
-    Row{"md_Menu_File", "menu_FileSaveAs", "Save &As", kIni | kPads, "SaveAs", "file-save-as", "Ctrl+Shift+S"},
-    OpenMenu("md_Menu_File", "menu_FileRegSaveAs", "Save &As"),
-    Row{"menu_FileRegSaveAs", "Menu_FileSaveAsRegular", "&Regular", kReg, "FileSaveAsRegular", "file-save-as",
+    Row{"md_Menu_File", "menu_FileSave", QT_TR_NOOP("&Save"), kIni | kPads, "SaveFile", "file-save", "Ctrl+S"},
+    OpenMenu("md_Menu_File", "menu_FileRegSave", QT_TR_NOOP("&Save")),
+    Row{"menu_FileRegSave", "menu_FileSaveRegular", QT_TR_NOOP("&Regular"), kReg, "FileSaveRegular", "file-save",
+        "Ctrl+S"},
+    Row{"menu_FileRegSave", "menu_FileSaveExpanded", QT_TR_NOOP("&Expanded"), kReg, "FileSaveExpanded"},
+    Row{"md_Menu_File", "menu_FileSaveAs", QT_TR_NOOP("Save &As"), kIni | kPads, "SaveAs", "file-save-as",
         "Ctrl+Shift+S"},
-    Row{"menu_FileRegSaveAs", "menu_FileSaveAsExpanded", "&Expanded", kReg, "FileSaveAsExpanded"},
-    Row{"md_Menu_File", "menu_FileSaveAll", "Save A&ll", kDocuments, nullptr},
+    OpenMenu("md_Menu_File", "menu_FileRegSaveAs", QT_TR_NOOP("Save &As")),
+    Row{"menu_FileRegSaveAs", "Menu_FileSaveAsRegular", QT_TR_NOOP("&Regular"), kReg, "FileSaveAsRegular",
+        "file-save-as", "Ctrl+Shift+S"},
+    Row{"menu_FileRegSaveAs", "menu_FileSaveAsExpanded", QT_TR_NOOP("&Expanded"), kReg, "FileSaveAsExpanded"},
+    Row{"md_Menu_File", "menu_FileSaveAll", QT_TR_NOOP("Save A&ll"), kDocuments, nullptr},
     Separator("md_Menu_File"),
-    Row{"md_Menu_File", "menu_FileClose", "&Close File", kDocuments, "FileClose", "file-close", "Ctrl+F4; Ctrl+W"},
-    Row{"md_Menu_File", "menu_FileCloseAll", "C&lose All Files", kDocuments, nullptr},
+    Row{"md_Menu_File", "menu_FileClose", QT_TR_NOOP("&Close File"), kDocuments, "FileClose", "file-close",
+        "Ctrl+F4; Ctrl+W"},
+    Row{"md_Menu_File", "menu_FileCloseAll", QT_TR_NOOP("C&lose All Files"), kDocuments, nullptr},
     Separator("md_Menu_File"),
-    Row{"md_Menu_File", "menu_FilePrint", "&Print", kDocuments, nullptr, "print", "Ctrl+P"},
+    Row{"md_Menu_File", "menu_FilePrint", QT_TR_NOOP("&Print"), kDocuments, nullptr, "print", "Ctrl+P"},
     Separator("md_Menu_File", "mrusep"),
     Row{"md_Menu_File", "menu_mru1", "mru1", kAlways, nullptr},
     Row{"md_Menu_File", "menu_mru2", "mru2", kAlways, nullptr},
     Row{"md_Menu_File", "menu_mru3", "mru3", kAlways, nullptr},
     Row{"md_Menu_File", "menu_mru4", "mru4", kAlways, nullptr},
     Separator("md_Menu_File"),
-    Row{"md_Menu_File", "global_FileExit", "E&xit TME", kAlways, nullptr, nullptr, "Ctrl+Q"},
+    Row{"md_Menu_File", "global_FileExit", QT_TR_NOOP("E&xit TME"), kAlways, nullptr, nullptr, "Ctrl+Q"},
 
-    OpenMenu("", "TME_Edit", "&Edit"),
-    Row{"TME_Edit", "TME_EditPasteRTF", "Paste to new &RTF", kMdi, nullptr},
-    Row{"TME_Edit", "TME_EditPasteTXT", "Paste to new &TXT", kMdi, nullptr},
+    OpenMenu("", "TME_Edit", QT_TR_NOOP("&Edit")),
+    Row{"TME_Edit", "TME_EditPasteRTF", QT_TR_NOOP("Paste to new &RTF"), kMdi, nullptr},
+    Row{"TME_Edit", "TME_EditPasteTXT", QT_TR_NOOP("Paste to new &TXT"), kMdi, nullptr},
 
-    OpenMenu("", "menu_Edit", "&Edit"),
-    Row{"menu_Edit", "menu_EditUndo", "&Undo", kPads, "EditUndo", "edit-undo", "Ctrl+Z"},
-    Row{"menu_Edit", "menu_EditRedo", "R&edo", kPads, "EditRedo", "edit-redo", "Ctrl+Y; Ctrl+Shift+Z"},
+    OpenMenu("", "menu_Edit", QT_TR_NOOP("&Edit")),
+    Row{"menu_Edit", "menu_EditUndo", QT_TR_NOOP("&Undo"), kPads, "EditUndo", "edit-undo", "Ctrl+Z"},
+    Row{"menu_Edit", "menu_EditRedo", QT_TR_NOOP("R&edo"), kPads, "EditRedo", "edit-redo", "Ctrl+Y; Ctrl+Shift+Z"},
     Separator("menu_Edit"),
-    Row{"menu_Edit", "menu_EditCut", "&Cut", kIni | kPads, "EditCut", "edit-cut", "Ctrl+X"},
-    Row{"menu_Edit", "menu_EditCopy", "C&opy", kIni | kPads, "EditCopy", "edit-copy", "Ctrl+C"},
-    Row{"menu_Edit", "menu_EditPaste", "&Paste", kIni | kPads, "EditPaste", "edit-paste", "Ctrl+V"},
-    OpenMenu("menu_Edit", "menu_EditPasteAs", "Paste &As"),
-    // The caption tells the command; RefreshMenus and CommandOf set both by kind.
-    Row{"menu_EditPasteAs", "menu_EditPasteAsTXT", "New Section", kIni | kRtf, "PasteNewSection", nullptr,
-        "Ctrl+Shift+V"},
-    Row{"menu_EditPasteAs", "Menu_PasteShell", "Paste &Shell", kDocuments, nullptr},
-    Row{"menu_Edit", "menu_EditPasteRTF", "Paste to new &RTF", kIni | kPads, nullptr},
-    Row{"menu_Edit", "menu_EditPasteTXT", "Paste to new &TXT", kIni | kPads, nullptr},
-    Row{"menu_Edit", "menu_EditDel", "&Delete Selection", kIni | kPads, "EditDelete", "edit-delete", "Del"},
-    Row{"menu_Edit", "menu_EditSelectAll", "Select &All", kPads, "EditSelectAll", "edit-select-all", "Ctrl+A"},
+    Row{"menu_Edit", "menu_EditCut", QT_TR_NOOP("&Cut"), kIni | kPads, "EditCut", "edit-cut", "Ctrl+X"},
+    Row{"menu_Edit", "menu_EditCopy", QT_TR_NOOP("C&opy"), kIni | kPads, "EditCopy", "edit-copy", "Ctrl+C"},
+    Row{"menu_Edit", "menu_EditPaste", QT_TR_NOOP("&Paste"), kIni | kPads, "EditPaste", "edit-paste", "Ctrl+V"},
+    OpenMenu("menu_Edit", "menu_EditPasteAs", QT_TR_NOOP("Paste &As")),
+    Row{"menu_EditPasteAs", "menu_EditPasteAsTXT", QT_TR_NOOP("New Section"), kIni | kRtf, "PasteNewSection", nullptr,
+        "Ctrl+Shift+V", false, kRtf, QT_TR_NOOP("Plain Text"), "EditPasteSpecialPlainText"},
+    Row{"menu_EditPasteAs", "Menu_PasteShell", QT_TR_NOOP("Paste &Shell"), kDocuments, nullptr},
+    Row{"menu_Edit", "menu_EditPasteRTF", QT_TR_NOOP("Paste to new &RTF"), kIni | kPads, nullptr},
+    Row{"menu_Edit", "menu_EditPasteTXT", QT_TR_NOOP("Paste to new &TXT"), kIni | kPads, nullptr},
+    Row{"menu_Edit", "menu_EditDel", QT_TR_NOOP("&Delete Selection"), kIni | kPads, "EditDelete", "edit-delete", "Del"},
+    Row{"menu_Edit", "menu_EditSelectAll", QT_TR_NOOP("Select &All"), kPads, "EditSelectAll", "edit-select-all",
+        "Ctrl+A"},
     Separator("menu_Edit"),
-    Row{"menu_Edit", "menu_EditTimeDate", "&Time and Date", kPads, "EditTimeDate", "time-date", "F5"},
-    Row{"menu_Edit", "menu_EditWordWrap", "&Word Wrap", kPads, "EditWW"},
-    OpenMenu("menu_Edit", "menu_EditKeyValue", "Key / &Value"),
-    Row{"menu_EditKeyValue", "menu_EditAddKeyValue", "&Add Key / Value", kIni, "AddValue", "add-entry"},
-    Row{"menu_EditKeyValue", "menu_EditAddToAll", "Add &Key to All Sections", kIni, "AddSectionToAll"},
-    Row{"menu_EditKeyValue", "menu_EditDeleteValue", "&Delete Key / Value", kIni, "DeleteValue", "delete-entry"},
-    Row{"menu_EditKeyValue", "menu_EditRemovefromAll", "Delete Key / &Value from all Sections", kIni, "DeleteAllNodes"},
-    OpenMenu("menu_Edit", "menu_EditSections", "&Sectons"),
-    Row{"menu_EditSections", "menu_EditSectionsAdd", "&Add Section", kIni, "AddSection", "add-section"},
-    Row{"menu_EditSections", "menu_SectionsDelete", "&Delete Sections", kIni, "DeleteSection", "delete-section"},
+    Row{"menu_Edit", "menu_EditTimeDate", QT_TR_NOOP("&Time and Date"), kPads, "EditTimeDate", "time-date", "F5"},
+    Row{"menu_Edit", "menu_EditWordWrap", QT_TR_NOOP("&Word Wrap"), kPads, "EditWW"},
+    OpenMenu("menu_Edit", "menu_EditKeyValue", QT_TR_NOOP("Key / &Value")),
+    Row{"menu_EditKeyValue", "menu_EditAddKeyValue", QT_TR_NOOP("&Add Key / Value"), kIni, "AddValue", "add-entry"},
+    Row{"menu_EditKeyValue", "menu_EditAddToAll", QT_TR_NOOP("Add &Key to All Sections"), kIni, "AddSectionToAll"},
+    Row{"menu_EditKeyValue", "menu_EditDeleteValue", QT_TR_NOOP("&Delete Key / Value"), kIni, "DeleteValue",
+        "delete-entry"},
+    Row{"menu_EditKeyValue", "menu_EditRemovefromAll", QT_TR_NOOP("Delete Key / &Value from all Sections"), kIni,
+        "DeleteAllNodes"},
+    OpenMenu("menu_Edit", "menu_EditSections", QT_TR_NOOP("&Sectons")),
+    Row{"menu_EditSections", "menu_EditSectionsAdd", QT_TR_NOOP("&Add Section"), kIni, "AddSection", "add-section"},
+    Row{"menu_EditSections", "menu_SectionsDelete", QT_TR_NOOP("&Delete Sections"), kIni, "DeleteSection",
+        "delete-section"},
 
-    OpenMenu("", "menu_EditReg", "&Edit"),
-    Row{"menu_EditReg", "menu_EditModify", "&Modify", kReg, "EditModify", "edit-entry"},
-    OpenMenu("menu_EditReg", "menu_EditNew", "&New"),
-    Row{"menu_EditNew", "menu_EditNewKey", "&Key", kReg, "EditNewKey", "key"},
-    Row{"menu_EditNew", "menu_EditNewString", "&String Value", kReg, "EditNewString", "value-string"},
-    Row{"menu_EditNew", "Menu_EditNewDword", "&DWORD Value", kReg, "EditNewDword", "value-dword"},
-    Row{"menu_EditNew", "menu_EditNewBinary", "&Binary Value", kReg, "EditNewBinary", "value-hex"},
-    Row{"menu_EditReg", "menu_EditDelete", "Delete", kReg, "EditDelete", "edit-delete", "Del"},
-    Row{"menu_EditReg", "menu_EditRename", "&Rename", kReg, "EditRename", "rename", "F2"},
+    OpenMenu("", "menu_EditReg", QT_TR_NOOP("&Edit")),
+    Row{"menu_EditReg", "menu_EditModify", QT_TR_NOOP("&Modify"), kReg, "EditModify", "edit-entry"},
+    OpenMenu("menu_EditReg", "menu_EditNew", QT_TR_NOOP("&New")),
+    Row{"menu_EditNew", "menu_EditNewKey", QT_TR_NOOP("&Key"), kReg, "EditNewKey", "key"},
+    Row{"menu_EditNew", "menu_EditNewString", QT_TR_NOOP("&String Value"), kReg, "EditNewString", "value-string"},
+    Row{"menu_EditNew", "Menu_EditNewDword", QT_TR_NOOP("&DWORD Value"), kReg, "EditNewDword", "value-dword"},
+    Row{"menu_EditNew", "menu_EditNewBinary", QT_TR_NOOP("&Binary Value"), kReg, "EditNewBinary", "value-hex"},
+    Row{"menu_EditReg", "menu_EditDelete", QT_TR_NOOP("Delete"), kReg, "EditDelete", "edit-delete", "Del"},
+    Row{"menu_EditReg", "menu_EditRename", QT_TR_NOOP("&Rename"), kReg, "EditRename", "rename", "F2"},
 
-    OpenMenu("", "menu_Search", "&Search"),
-    Row{"menu_Search", "menu_SearchFind", "&Find", kPads, "SearchFind", "search-find", "Ctrl+F"},
-    Row{"menu_Search", "menu_SearchAgain", "Find &Again", kTxt, "SearchAgain", "search-again", "F3"},
-    Row{"menu_Search", "menu_SearchReplace", "&Replace", kPads, "SearchReplace", "search-replace", "Ctrl+H"},
+    OpenMenu("", "menu_Search", QT_TR_NOOP("&Search")),
+    Row{"menu_Search", "menu_SearchFind", QT_TR_NOOP("&Find"), kPads, "SearchFind", "search-find", "Ctrl+F"},
+    Row{"menu_Search", "menu_SearchAgain", QT_TR_NOOP("Find &Again"), kTxt, "SearchAgain", "search-again", "F3"},
+    Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kPads, "SearchReplace", "search-replace",
+        "Ctrl+H"},
 
-    OpenMenu("", "menu_Format", "&Format"),
-    Row{"menu_Format", "menu_FormatFont", "&Font", kRtf, "FormatFont", "format-font"},
-    Row{"menu_Format", "Menu_FormatColor", "&Color", kRtf, "FormatColor", "format-color"},
-    Row{"menu_Format", "menu_FormatBold", "&Bold", kRtf, "FormatBold", nullptr, "Ctrl+B"},
-    Row{"menu_Format", "menu_FormatItalic", "&Italic", kRtf, "FormatItalic", nullptr, "Ctrl+I"},
-    Row{"menu_Format", "menu_FormatUnderline", "&Underline", kRtf, "FormatUnderline", nullptr, "Ctrl+U"},
-    Row{"menu_Format", "menu_FormatBulleted", "Bulleted", kRtf, "FormatBulleted"},
+    OpenMenu("", "menu_Format", QT_TR_NOOP("&Format")),
+    Row{"menu_Format", "menu_FormatFont", QT_TR_NOOP("&Font"), kRtf, "FormatFont", "format-font"},
+    Row{"menu_Format", "Menu_FormatColor", QT_TR_NOOP("&Color"), kRtf, "FormatColor", "format-color"},
+    Row{"menu_Format", "menu_FormatBold", QT_TR_NOOP("&Bold"), kRtf, "FormatBold", nullptr, "Ctrl+B"},
+    Row{"menu_Format", "menu_FormatItalic", QT_TR_NOOP("&Italic"), kRtf, "FormatItalic", nullptr, "Ctrl+I"},
+    Row{"menu_Format", "menu_FormatUnderline", QT_TR_NOOP("&Underline"), kRtf, "FormatUnderline", nullptr, "Ctrl+U"},
+    Row{"menu_Format", "menu_FormatBulleted", QT_TR_NOOP("Bulleted"), kRtf, "FormatBulleted"},
 
-    OpenMenu("", "menu_View", "&View"),
-    Row{"menu_View", "menu_ViewExpandAll", "&Expand All", kIni, "ExpandAll"},
-    Row{"menu_View", "menu_ViewCollaspeAlll", "&Collapse All", kIni, "CollapseAll"},
+    OpenMenu("", "menu_View", QT_TR_NOOP("&View")),
+    Row{"menu_View", "menu_ViewExpandAll", QT_TR_NOOP("&Expand All"), kIni, "ExpandAll"},
+    Row{"menu_View", "menu_ViewCollaspeAlll", QT_TR_NOOP("&Collapse All"), kIni, "CollapseAll"},
 
-    OpenMenu("", "menu_Tools", "&Tools"),
-    Row{"menu_Tools", "menu_FeatureDIR", "Gather &DIR list", kAlways, nullptr},
-    Row{"menu_Tools", "menu_FeaturesSysEdit", "&SYSEDIT", kAlways, nullptr},
-    Row{"menu_Tools", "menu_ToolsMSDOS", "Edit &MSDOS.SYS", kAlways, nullptr},
-    Row{"menu_Tools", "menu_FeatureVars", "Gather &Environmental Variables", kAlways, nullptr},
-    Row{"menu_Tools", "menu_ToolsOptions", "&Options...", kAlways, nullptr},
-    Row{"menu_Tools", "menu_ToolsHistory", "File &History...", kAlways, nullptr, "file-history"},
+    OpenMenu("", "menu_Tools", QT_TR_NOOP("&Tools")),
+    Row{"menu_Tools", "menu_FeatureDIR", QT_TR_NOOP("Gather &DIR list"), kAlways, nullptr},
+    Row{"menu_Tools", "menu_FeaturesSysEdit", QT_TR_NOOP("&SYSEDIT"), kAlways, nullptr},
+    Row{"menu_Tools", "menu_ToolsMSDOS", QT_TR_NOOP("Edit &MSDOS.SYS"), kAlways, nullptr},
+    Row{"menu_Tools", "menu_FeatureVars", QT_TR_NOOP("Gather &Environmental Variables"), kAlways, nullptr},
+    Row{"menu_Tools", "menu_ToolsOptions", QT_TR_NOOP("&Options..."), kAlways, nullptr},
+    Row{"menu_Tools", "menu_ToolsHistory", QT_TR_NOOP("File &History..."), kAlways, nullptr, "file-history"},
     Row{"menu_Tools", "ASDF", "ASDF", kNever, nullptr},
 
-    OpenMenu("", "md_menu_window", "&Window"),
-    Row{"md_menu_window", "global_WindowCascade", "&Cascade", kDocuments, nullptr, "window-cascade"},
-    Row{"md_menu_window", "global_WindowTileH", "Tile &Horizontally", kDocuments, nullptr, "window-tile-h"},
-    Row{"md_menu_window", "global_WIndowTileV", "Tile &Vertically", kDocuments, nullptr, "window-tile-v"},
-    Row{"md_menu_window", "global_WindowIcons", "Arrange &Icons", kDocuments, nullptr, "window-icons"},
+    OpenMenu("", "md_menu_window", QT_TR_NOOP("&Window")),
+    Row{"md_menu_window", "global_WindowCascade", QT_TR_NOOP("&Cascade"), kDocuments, nullptr, "window-cascade"},
+    Row{"md_menu_window", "global_WindowTileH", QT_TR_NOOP("Tile &Horizontally"), kDocuments, nullptr, "window-tile-h"},
+    Row{"md_menu_window", "global_WIndowTileV", QT_TR_NOOP("Tile &Vertically"), kDocuments, nullptr, "window-tile-v"},
+    Row{"md_menu_window", "global_WindowIcons", QT_TR_NOOP("Arrange &Icons"), kDocuments, nullptr, "window-icons"},
 
-    OpenMenu("", "menu_Help", "&Help"),
-    Row{"menu_Help", "menu_HelpAbout", "&About", kAlways, nullptr, "about"},
+    OpenMenu("", "menu_Help", QT_TR_NOOP("&Help")),
+    Row{"menu_Help", "menu_HelpAbout", QT_TR_NOOP("&About"), kAlways, nullptr, "about"},
 };
-
-constexpr const char* kPlainTextCaption = "Plain Text";
-constexpr const char* kNewSectionCaption = "New Section";
 
 }  // namespace
 
-GlobalMenus::GlobalMenus(Global& global, QMenuBar& bar) : global_(global), bar_(bar) {
+GlobalMenus::GlobalMenus(QMenuBar& bar, std::function<void(const QByteArray& command)> send)
+    : bar_(bar), send_(std::move(send)) {
   for (std::size_t index = 0; index < kRows.size(); ++index) {
     const Row& row = kRows[index];
     const QString name = QString::fromLatin1(row.name);
     QMenu* parent = menus_.value(QString::fromLatin1(row.parent));
     if (row.opens_menu) {
-      const QString caption = QString::fromLatin1(row.caption);
-      QMenu* menu = parent ? parent->addMenu(caption) : bar.addMenu(caption);
-      menu->setObjectName(name);
-      menu->setAccessibleName(QString(caption).remove(u'&'));
-      menu->setToolTipsVisible(true);
-      menu->menuAction()->setObjectName(name);
-      menus_.insert(name, menu);
-      // Pictures come with the first look at a menu: the start of the program waits for none.
-      const auto load = [this, name] { LoadIcons(name); };
-      connect(menu, &QMenu::aboutToShow, this, load, Qt::SingleShotConnection);
-      actions_.insert(name, menu->menuAction());
+      AddMenu(name, tr(row.caption), parent);
       continue;
     }
-    QAction* action = parent->addAction(QString::fromLatin1(row.caption));
+    QAction* action = parent->addAction(row.caption ? tr(row.caption) : QString());
     action->setObjectName(name);
     if (!row.caption) action->setSeparator(true);
     if (row.shortcut) action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.shortcut)));
     if (!name.isEmpty()) actions_.insert(name, action);
     connect(action, &QAction::triggered, this, [this, index] { Choose(index); });
   }
+}
+
+void GlobalMenus::AddMenu(const QString& name, const QString& caption, QMenu* parent) {
+  QMenu* menu = parent ? parent->addMenu(caption) : bar_.addMenu(caption);
+  menu->setObjectName(name);
+  menu->setAccessibleName(QString(caption).remove(u'&'));
+  menu->setToolTipsVisible(true);
+  menu->menuAction()->setObjectName(name);
+  menus_.insert(name, menu);
+  // Pictures come with the first look at a menu: the start of the program waits for none.
+  const auto load = [this, name] { LoadIcons(name); };
+  connect(menu, &QMenu::aboutToShow, this, load, Qt::SingleShotConnection);
+  actions_.insert(name, menu->menuAction());
 }
 
 void GlobalMenus::LoadIcons(const QString& menu_name) {
@@ -211,8 +225,6 @@ void GlobalMenus::SetHidden(const QString& item_name, bool hidden) {
 
 void GlobalMenus::RefreshMenus(DocumentKind kind) {
   kind_ = kind;
-  actions_.value(u"menu_EditPasteAsTXT"_s)
-      ->setText(QString::fromLatin1(kind == DocumentKind::Rtf ? kPlainTextCaption : kNewSectionCaption));
   QHash<QString, bool> menu_shown;
   QList<QAction*> in_bar;
   // From the last row up, so that the items of a menu are settled before the row that opens it.
@@ -221,6 +233,7 @@ void GlobalMenus::RefreshMenus(DocumentKind kind) {
     QAction* action = actions_.value(QString::fromLatin1(row.name));
     if (!action) continue;
     const QString name = QString::fromLatin1(row.name);
+    if (row.other_caption) action->setText(tr(row.CaptionFor(kind)));
     const bool shown = row.opens_menu ? menu_shown.value(name) : IsOffered(index, kind);
     action->setVisible(shown);
     action->setEnabled(true);
@@ -246,20 +259,13 @@ void GlobalMenus::SetChecked(const char* item_name, bool checked) {
   action->setChecked(checked);
 }
 
-bool GlobalMenus::IsChecked(const char* item_name) const {
-  return actions_.value(QString::fromLatin1(item_name))->isChecked();
-}
-
 QAction* GlobalMenus::Action(const QString& item_name) const { return actions_.value(item_name); }
 
 QMenu* GlobalMenus::Menu(const QString& menu_name) const { return menus_.value(menu_name); }
 
 QByteArray GlobalMenus::CommandOf(const QString& item_name, DocumentKind kind) {
-  for (const Row& row : kRows) {
-    if (item_name != QLatin1StringView(row.name)) continue;
-    if (kind == DocumentKind::Rtf && item_name == u"menu_EditPasteAsTXT") return "EditPasteSpecialPlainText";
-    return row.command;
-  }
+  for (const Row& row : kRows)
+    if (item_name == QLatin1StringView(row.name)) return row.CommandFor(kind);
   return {};
 }
 
@@ -271,8 +277,7 @@ void GlobalMenus::Choose(std::size_t index) {
     (*handler)();
     return;
   }
-  DocumentWindow* window = global_.frame->ActiveDocument();
-  if (window) SendCommand(global_, *window, CommandOf(name, window->Kind()));
+  send_(kRows[index].CommandFor(kind_));
 }
 
 bool SendCommand(Global& global, DocumentWindow& window, const QByteArray& command) {

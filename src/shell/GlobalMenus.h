@@ -22,8 +22,8 @@ class GlobalMenus : public QObject {
   Q_OBJECT
 
  public:
-  /// Fills the bar, which owns the menus.
-  GlobalMenus(Global& global, QMenuBar& bar);
+  /// Fills the bar, which owns the menus. send: takes what an item sends to the active document.
+  GlobalMenus(QMenuBar& bar, std::function<void(const QByteArray& command)> send);
 
   /// An item that the frame handles itself. Until it has a handler, such an item is not shown.
   void Handle(const char* item_name, std::function<void()> handler);
@@ -37,7 +37,6 @@ class GlobalMenus : public QObject {
 
   /// The check mark of an item; one that was never set has none.
   void SetChecked(const char* item_name, bool checked);
-  bool IsChecked(const char* item_name) const;
 
   /// Null for a name that is not in the table.
   QAction* Action(const QString& item_name) const;
@@ -46,14 +45,15 @@ class GlobalMenus : public QObject {
   static QByteArray CommandOf(const QString& item_name, DocumentKind kind);
 
  private:
+  void AddMenu(const QString& name, const QString& caption, QMenu* parent);
   void Choose(std::size_t row);
   void LoadIcons(const QString& menu_name);
   /// Only these stand in the bar: a hidden menu there would still hold its access key, and three are called "&Edit".
   void ShowInBar(const QList<QAction*>& menus);
   bool IsOffered(std::size_t row, DocumentKind kind) const;
 
-  Global& global_;
   QMenuBar& bar_;
+  const std::function<void(const QByteArray& command)> send_;
   QHash<QString, QAction*> actions_;
   QHash<QString, QMenu*> menus_;
   QHash<QString, std::function<void()>> handlers_;

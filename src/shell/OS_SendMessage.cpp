@@ -4,6 +4,7 @@
 #include <QThread>
 
 #include "shell/CommandLineRecord.h"
+#include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
 #include "shell/mdform_TMEditor.h"
@@ -50,9 +51,9 @@ void ReceiveCommandLine(Global& global, const CopyData& record) {
   const std::optional<ReceivedCommandLine> command_line = CommandLineOf(record);
   if (!command_line) return;
   // First, since opening may ask, and a question belongs before the eyes.
-  global.frame->ComeToFront();
+  global.frame.ComeToFront();
   (command_line->is_cut ? OpenWholePath : OpenPathList)(global, command_line->text);
-  global.frame->CascadeAfterOpening();
+  global.area.CascadeAfterOpening();
 }
 
 }  // namespace tme

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
+#include "shell/KindTraits.h"
 #include "shell/PathList.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
@@ -22,16 +24,16 @@ namespace tme {
 namespace {
 
 /// Index of a free slot's window, after the message when there is none.
-DocumentWindow* FreeWindow(Global& global, const KindTraits& traits) {
-  if (!global.documents.Offers(traits.kind)) {
+DocumentWindow* FreeWindow(Global& global, DocumentKind kind) {
+  if (!global.documents.Offers(kind)) {
     global.dialogs.MsgBox(u"This version of the editor has no window for a document of the kind \"%1\"."_s.arg(
-                              QLatin1StringView(traits.message_name)),
+                              KindText(TraitsOf(kind).message_name)),
                           MsgButtons::Ok, MsgIcon::Information, kProgramTitle);
     return nullptr;
   }
-  const int slot = global.documents.FindFreeSlot(static_cast<int>(traits.slot_code));
-  if (slot >= 0) return global.documents.At(traits.kind, slot).window;
-  ShowNoFreeSlot(global, QString::fromLatin1(traits.message_name));
+  const int slot = global.documents.FindFreeSlot(kind);
+  if (slot >= 0) return global.documents.At(kind, slot).window;
+  ShowNoFreeSlot(global, kind);
   return nullptr;
 }
 
@@ -53,31 +55,31 @@ DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind k
 
 enum class SecondOpen : std::uint8_t { ShowsTheFirst, IsWanted };
 
-void OpenDocument(Global& global, const QString& path, OpenCode code, SecondOpen second = SecondOpen::ShowsTheFirst);
+void OpenDocument(Global& global, const QString& path, DocumentKind kind,
+                  SecondOpen second = SecondOpen::ShowsTheFirst);
 
 /// The file is there already: its document comes to the front as it is, changed or not, and says so.
-void ShowOpenDocument(Global& global, DocumentWindow& window, const QString& path, OpenCode code) {
-  global.frame->BringToFront(window);
+void ShowOpenDocument(Global& global, DocumentWindow& window, const QString& path, DocumentKind kind) {
+  global.area.BringToFront(window);
   const QString said = path == window.Slot().path
                            ? mdform_TMEditor::tr("The file is open already: this is its document.")
                            : mdform_TMEditor::tr("%1 is this very file, which is open already.").arg(path);
-  window.AddNotice(said, {{mdform_TMEditor::tr("Open Once More"), [&global, path, code] {
-                             OpenDocument(global, path, code, SecondOpen::IsWanted);
-                             global.frame->CascadeAfterOpening();
+  window.AddNotice(said, {{mdform_TMEditor::tr("Open Once More"), [&global, path, kind] {
+                             OpenDocument(global, path, kind, SecondOpen::IsWanted);
+                             global.area.CascadeAfterOpening();
                            }}});
 }
 
-void OpenDocument(Global& global, const QString& path, OpenCode code, SecondOpen second) {
-  const KindTraits& traits = TraitsOf(code);
-  DocumentWindow* const first = WindowOfFile(global, path, traits.kind);
+void OpenDocument(Global& global, const QString& path, DocumentKind kind, SecondOpen second) {
+  DocumentWindow* const first = WindowOfFile(global, path, kind);
   // Of another kind, it is another view of the file.
-  if (first && first->Kind() == traits.kind && second == SecondOpen::ShowsTheFirst)
-    return ShowOpenDocument(global, *first, path, code);
-  DocumentWindow* window = FreeWindow(global, traits);
+  if (first && first->Kind() == kind && second == SecondOpen::ShowsTheFirst)
+    return ShowOpenDocument(global, *first, path, kind);
+  DocumentWindow* window = FreeWindow(global, kind);
   if (!window) return;
   window->Slot().path = path;
   window->Slot().title = QFileInfo(path).fileName();
-  SendCommand(global, *window, traits.open_command);
+  SendCommand(global, *window, TraitsOf(kind).open_command);
   if (first && !window->Tag().isEmpty())
     window->AddNotice(mdform_TMEditor::tr("The file is open in another document as well: the later save counts."));
 }
@@ -88,22 +90,19 @@ void ShowNotAFile(Global& global, const QString& path) {
                         MsgButtons::Ok, MsgIcon::Information, u"TME"_s);
 }
 
-/// The four types in their fixed order; the Open dialog lists the chosen one first.
-constexpr std::array kOpenOrder{DocumentKind::Ini, DocumentKind::Reg, DocumentKind::Txt, DocumentKind::Rtf};
-
-QString FilterEntry(const Settings& settings, const KindTraits& traits) {
-  QString wildcards = u"*."_s + QLatin1StringView(traits.name);
-  if (traits.kind == DocumentKind::Txt) wildcards = settings.txt_filter;
-  if (traits.kind == DocumentKind::Rtf) wildcards = settings.rtf_filter;
-  return QLatin1StringView(traits.filter_name) + u'|' + wildcards + u'|';
+QString FilterEntry(const Settings& settings, DocumentKind kind) {
+  QString wildcards = u"*."_s + QLatin1StringView(NameOf(kind));
+  if (kind == DocumentKind::Txt) wildcards = settings.txt_filter;
+  if (kind == DocumentKind::Rtf) wildcards = settings.rtf_filter;
+  return KindText(TraitsOf(kind).filter_name) + u'|' + wildcards + u'|';
 }
 
-/// The open code that a chosen entry of the filter list stands for; by extension for the "Other" entry.
-OpenCode CodeOfFilterEntry(const Global& global, int filter_index, const QString& path) {
+/// The kind that a chosen entry of the filter list stands for; by extension for the "Other" entry.
+DocumentKind KindOfFilterEntry(const Global& global, int filter_index, const QString& path) {
   const QString entry = global.common_dialog.filter.split(u'|').value(2 * (filter_index - 1));
-  for (const KindTraits& traits : kKinds)
-    if (entry == QLatin1StringView(traits.filter_name)) return traits.open_code;
-  return OpenCodeOf(path, global.settings.txt_filter);
+  for (const DocumentKind kind : kKinds)
+    if (entry == KindText(TraitsOf(kind).filter_name)) return kind;
+  return KindOf(path, global.settings.txt_filter);
 }
 
 }  // namespace
@@ -115,21 +114,22 @@ QString InitialOpenFolder(const Global& global) {
   return global.shell_utilities.LastResortFolder();
 }
 
-OpenCode OpenCodeOf(const QString& path, const QString& txt_filter) {
+DocumentKind KindOf(const QString& path, const QString& txt_filter) {
   const QString ending = path.toUpper().right(3);
-  OpenCode code = OpenCode::Rtf;
-  if (ending == u"INI") code = OpenCode::Ini;
-  if (ending == u"REG") code = OpenCode::Reg;
-  if (txt_filter.toUpper().contains(ending)) code = OpenCode::Txt;
-  return code;
+  DocumentKind kind = DocumentKind::Rtf;
+  if (ending == u"INI") kind = DocumentKind::Ini;
+  if (ending == u"REG") kind = DocumentKind::Reg;
+  if (txt_filter.toUpper().contains(ending)) kind = DocumentKind::Txt;
+  return kind;
 }
 
-QString OpenFilter(const Global& global, int first_type) {
-  auto order = kOpenOrder;
-  std::rotate(order.begin(), order.begin() + first_type, order.begin() + first_type + 1);
+QString OpenFilter(const Global& global, DocumentKind first) {
+  auto order = kOpenTypes;
+  const auto chosen = std::find(order.begin(), order.end(), first);
+  std::rotate(order.begin(), chosen, chosen + 1);
   QString filter;
   for (const DocumentKind kind : order)
-    if (global.documents.Offers(kind)) filter += FilterEntry(global.settings, TraitsOf(kind));
+    if (global.documents.Offers(kind)) filter += FilterEntry(global.settings, kind);
   return filter + u"Other (*.*)|*.*"_s;
 }
 
@@ -145,20 +145,20 @@ void OpenWholePath(Global& global, const QString& path) {
   if (!global.shell_utilities.FileExists(path)) return ShowNotAFile(global, path);
   // A name without a drive or a root is taken for rich text whatever its ending; intended.
   const bool rooted = global.shell_utilities.IsRooted(path);
-  OpenDocument(global, path, rooted ? OpenCodeOf(path, global.settings.txt_filter) : OpenCode::Rtf);
-  global.frame->CascadeAfterOpening();
+  OpenDocument(global, path, rooted ? KindOf(path, global.settings.txt_filter) : DocumentKind::Rtf);
+  global.area.CascadeAfterOpening();
 }
 
 void OpenFileByName(Global& global, const QString& path) {
-  OpenDocument(global, path, OpenCodeOf(path, global.settings.txt_filter));
-  global.frame->CascadeAfterOpening();
+  OpenDocument(global, path, KindOf(path, global.settings.txt_filter));
+  global.area.CascadeAfterOpening();
 }
 
 void OpenFileDialog(Global& global) {
   CommonDialog& dialog = global.common_dialog;
   const QString type = global.registry.ReadValue(SettingsRoot, u"Default Open Type"_s);
   dialog.title = u"Open File for Editing"_s;
-  dialog.filter = OpenFilter(global, ParseDefaultOpenType(type).value_or(0));
+  dialog.filter = OpenFilter(global, ParseDefaultOpenType(type));
   dialog.filter_index = 1;
   dialog.file_name.clear();
   dialog.init_dir = InitialOpenFolder(global);
@@ -169,32 +169,28 @@ void OpenFileDialog(Global& global) {
   global.registry.WriteValue(SettingsRoot, u"Last Open"_s, kTextType,
                              QDir::toNativeSeparators(QFileInfo(paths.first()).absolutePath()));
   if (paths.size() == 1) {
-    OpenDocument(global, paths.first(), CodeOfFilterEntry(global, dialog.filter_index, paths.first()));
+    OpenDocument(global, paths.first(), KindOfFilterEntry(global, dialog.filter_index, paths.first()));
   } else {
     // Each by itself, so that blanks in a path do not split it.
     for (const QString& path : paths) OpenWholePath(global, path);
   }
-  global.frame->CascadeAfterOpening();
+  global.area.CascadeAfterOpening();
 }
 
-DocumentWindow* NewDocument(Global& global, SlotCode code) {
-  for (const KindTraits& traits : kKinds) {
-    if (traits.slot_code != code) continue;
-    DocumentWindow* window = FreeWindow(global, traits);
-    if (!window) return nullptr;
-    window->setWindowTitle(QString::fromLatin1(traits.new_caption));
-    SendCommand(global, *window, traits.new_command);
-    return window;
-  }
-  return nullptr;
+DocumentWindow* NewDocument(Global& global, DocumentKind kind) {
+  DocumentWindow* window = FreeWindow(global, kind);
+  if (!window) return nullptr;
+  window->setWindowTitle(KindText(TraitsOf(kind).new_caption));
+  SendCommand(global, *window, TraitsOf(kind).new_command);
+  return window;
 }
 
-void PasteToNewDocument(Global& global, SlotCode code) {
-  if (DocumentWindow* window = NewDocument(global, code)) SendCommand(global, *window, "EditPaste");
+void PasteToNewDocument(Global& global, DocumentKind kind) {
+  if (DocumentWindow* window = NewDocument(global, kind)) SendCommand(global, *window, "EditPaste");
 }
 
-void ShowNoFreeSlot(Global& global, const QString& kind_name) {
-  global.dialogs.MsgBox(u"There are no more "_s + kind_name +
+void ShowNoFreeSlot(Global& global, DocumentKind kind) {
+  global.dialogs.MsgBox(u"There are no more "_s + KindText(TraitsOf(kind).message_name) +
                             u" documents available to open.  Please close one before opening another."_s,
                         MsgButtons::Ok, MsgIcon::None, u"Reached the limit of 5 type max"_s);
 }

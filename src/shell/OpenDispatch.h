@@ -24,21 +24,21 @@ void OpenFileByName(Global& global, const QString& path);
 void OpenFileDialog(Global& global);
 
 /// A new document of the kind in its first free slot; null after the message that there is none.
-DocumentWindow* NewDocument(Global& global, SlotCode code);
+DocumentWindow* NewDocument(Global& global, DocumentKind kind);
 
 /// The clipboard as a new document of the kind.
-void PasteToNewDocument(Global& global, SlotCode code);
+void PasteToNewDocument(Global& global, DocumentKind kind);
 
 /// The folder in which opening begins: the one that was last opened from, else the user's documents.
 QString InitialOpenFolder(const Global& global);
 
 /// The kind by the last three letters of the path: INI, REG, anything found in the text filter, else rich text.
-OpenCode OpenCodeOf(const QString& path, const QString& txt_filter);
+DocumentKind KindOf(const QString& path, const QString& txt_filter);
 
-/// The Open dialog's filter list with the given type (0 to 3) first; kinds without an editor are left out.
-QString OpenFilter(const Global& global, int first_type);
+/// The Open dialog's filter list with the given kind first; kinds without an editor are left out.
+QString OpenFilter(const Global& global, DocumentKind first);
 
 /// "There are no more ... documents available to open."
-void ShowNoFreeSlot(Global& global, const QString& kind_name);
+void ShowNoFreeSlot(Global& global, DocumentKind kind);
 
 }  // namespace tme

@@ -1,15 +1,14 @@
 #include "shell/RecentFiles.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <algorithm>
 #include <functional>
 
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/OpenDispatch.h"
 #include "shell/PlainText.h"
-#include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 #include "system/RegistryAccess.h"
 #include "system/ShellUtilities.h"
@@ -25,6 +24,13 @@ QString ItemName(int index) { return u"menu_mru"_s + QString::number(index); }
 
 }  // namespace
 
+RecentFiles::RecentFiles(const Services& services, GlobalMenus& menus, std::function<void(const QString& path)> open)
+    : registry_(services.registry),
+      shell_utilities_(services.shell_utilities),
+      dialogs_(services.dialogs),
+      menus_(menus),
+      open_(std::move(open)) {}
+
 void RecentFiles::SetEntry(int index, const QString& path) {
   entries_[static_cast<std::size_t>(index - 1)] = path;
   WriteRecentEntry(path, index);
@@ -32,7 +38,7 @@ void RecentFiles::SetEntry(int index, const QString& path) {
 
 void RecentFiles::ReadRecentEntries() {
   for (int index = 1; index <= kEntries; ++index)
-    entries_[static_cast<std::size_t>(index - 1)] = global_.registry.ReadValue(kMruKey, ValueName(index));
+    entries_[static_cast<std::size_t>(index - 1)] = registry_.ReadValue(kMruKey, ValueName(index));
   RebuildRecentMenu();
 }
 
@@ -45,7 +51,7 @@ void RecentFiles::AddRecentFile(const QString& path) {
 }
 
 void RecentFiles::WriteRecentEntry(const QString& path, int index) {
-  global_.registry.WriteValue(kMruKey, ValueName(index), kTextType, path);
+  registry_.WriteValue(kMruKey, ValueName(index), kTextType, path);
 }
 
 void RecentFiles::RemoveRecentEntry(int index) {
@@ -54,28 +60,25 @@ void RecentFiles::RemoveRecentEntry(int index) {
 }
 
 void RecentFiles::RebuildRecentMenu() {
-  GlobalMenus& menus = global_.frame->Menus();
   for (int index = 1; index <= kEntries; ++index) {
     const QString& path = Entry(index);
-    const bool exists = !path.isEmpty() && global_.shell_utilities.FileExists(path);
-    QAction* item = menus.Action(ItemName(index));
+    const bool exists = !path.isEmpty() && shell_utilities_.FileExists(path);
+    QAction* item = menus_.Action(ItemName(index));
     item->setText(exists ? MenuText(QFileInfo(path).fileName()) : QString());
     SetTip(*item, exists ? path : QString());
-    menus.SetHidden(ItemName(index), !exists);
+    menus_.SetHidden(ItemName(index), !exists);
   }
-  menus.SetHidden(u"mrusep"_s, std::all_of(entries_.begin(), entries_.end(), std::mem_fn(&QString::isEmpty)));
+  menus_.SetHidden(u"mrusep"_s, std::all_of(entries_.begin(), entries_.end(), std::mem_fn(&QString::isEmpty)));
 }
 
 void RecentFiles::OpenRecentFile(int index) {
-  const QString path = global_.registry.ReadValue(kMruKey, ValueName(index));
-  if (global_.shell_utilities.FileExists(path)) {
-    global_.skip_recent_once = false;
-    return OpenFileByName(global_, path);
-  }
+  const QString path = registry_.ReadValue(kMruKey, ValueName(index));
+  if (shell_utilities_.FileExists(path)) return open_(path);
   // Before the message: while it stands, another launch may add to the list.
   RemoveRecentEntry(index);
   RebuildRecentMenu();
-  global_.dialogs.MsgBox(u"This file no longer exists"_s, MsgButtons::Ok, MsgIcon::None, kProgramTitle);
+  dialogs_.MsgBox(QCoreApplication::translate("RecentFiles", "This file no longer exists"), MsgButtons::Ok,
+                  MsgIcon::None, kProgramTitle);
 }
 
 }  // namespace tme

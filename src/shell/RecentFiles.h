@@ -2,10 +2,15 @@
 
 #include <QString>
 #include <array>
+#include <functional>
 
 namespace tme {
 
-struct Global;
+class Dialogs;
+class GlobalMenus;
+class RegistryAccess;
+class ShellUtilities;
+struct Services;
 
 /// The recently opened files: four entries in order of first opening, the oldest first, shown as the items `menu_mru` 1
 /// to 4 of the File menu and kept in the settings store.
@@ -13,7 +18,8 @@ class RecentFiles {
  public:
   static constexpr int kEntries = 4;
 
-  explicit RecentFiles(Global& global) : global_(global) {}
+  /// open: opens an existing file. All must outlive it.
+  RecentFiles(const Services& services, GlobalMenus& menus, std::function<void(const QString& path)> open);
 
   /// Takes the entries from the store and builds the menu.
   void ReadRecentEntries();
@@ -32,7 +38,11 @@ class RecentFiles {
   void WriteRecentEntry(const QString& path, int index);
   void RemoveRecentEntry(int index);
 
-  Global& global_;
+  RegistryAccess& registry_;
+  ShellUtilities& shell_utilities_;
+  Dialogs& dialogs_;
+  GlobalMenus& menus_;
+  const std::function<void(const QString& path)> open_;
   std::array<QString, kEntries> entries_;
 };
 

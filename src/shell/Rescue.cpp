@@ -8,9 +8,9 @@
 
 #include "files/FileBytes.h"
 #include "files/FileStamp.h"
+#include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
-#include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 #include "system/FilePath.h"
 
@@ -74,7 +74,7 @@ void Rescue::ReopenAfterCrash() {
     if (attempts < kMostAttempts || !KeepInstead(aside, *content)) Reopen(aside, std::move(*content));
   }
   global_.history.snapshots.EndReopening();
-  if (!watched_.isEmpty()) global_.frame->CascadeAfterOpening();
+  if (!watched_.isEmpty()) global_.area.CascadeAfterOpening();
 }
 
 bool Rescue::KeepInstead(const KeptVersion& aside, const std::string& content) {
@@ -95,7 +95,7 @@ void Rescue::Reopen(const KeptVersion& aside, std::string content) {
       !aside.origin.path.isEmpty() && !ReadFileBytes(FilePath(aside.origin.path), in_file) && in_file == content;
   // The crash came between the save and the look after it.
   if (is_saved) return global_.history.snapshots.Forget(aside.id);
-  const int slot = global_.documents.FindFreeSlot(static_cast<int>(TraitsOf(aside.origin.kind).slot_code));
+  const int slot = global_.documents.FindFreeSlot(aside.origin.kind);
   if (slot < 0) {
     if (global_.history.versions.Keep(aside.origin, KeptReason::Rescued, content, aside.time)) return;
     global_.history.snapshots.Forget(aside.id);

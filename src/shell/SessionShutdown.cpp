@@ -4,7 +4,6 @@
 #include <QThread>
 #include <algorithm>
 
-#include "shell/Global.h"
 #include "shell/mdform_TMEditor.h"
 
 namespace tme {
@@ -14,8 +13,8 @@ constexpr std::chrono::milliseconds kBetweenLooks{100};
 
 }  // namespace
 
-SessionShutdown::SessionShutdown(Global& global, std::chrono::milliseconds patience)
-    : global_(global), patience_(patience) {
+SessionShutdown::SessionShutdown(mdform_TMEditor& frame, std::chrono::milliseconds patience)
+    : frame_(frame), patience_(patience) {
   looks_.setInterval(std::min(kBetweenLooks, patience));
   // Queued: a timer does not fire again while its own call lasts, and leaving may last.
   connect(&looks_, &QTimer::timeout, this, &SessionShutdown::Look, Qt::QueuedConnection);
@@ -24,7 +23,7 @@ SessionShutdown::SessionShutdown(Global& global, std::chrono::milliseconds patie
 void SessionShutdown::EndSession(SessionEnd::Questions questions) {
   if (questions == SessionEnd::Questions::Refused) {
     nobody_there_ = true;
-    global_.frame->LeaveUnattended();
+    frame_.LeaveUnattended();
   }
   if (looks_.isActive()) return;
   looks_.start();
@@ -40,7 +39,7 @@ void SessionShutdown::Look() {
   }
   // Never from within something else that goes on: its documents would be gone when it does.
   const bool idle = QThread::currentThread()->loopLevel() <= 1 && !QGuiApplication::overrideCursor();
-  if (idle && !global_.exiting) global_.frame->ExitApplication();
+  if (idle && !frame_.HasLeft()) frame_.ExitApplication();
 }
 
 void SessionShutdown::CloseWhenLate(QWidget& question) {
@@ -51,7 +50,7 @@ void SessionShutdown::CloseWhenLate(QWidget& question) {
   }
   if (!nobody_there_ && now - since_ < patience_) return;
   nobody_there_ = true;
-  global_.frame->LeaveUnattended();
+  frame_.LeaveUnattended();
   question.close();
 }
 

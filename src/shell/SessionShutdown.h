@@ -9,7 +9,7 @@
 
 namespace tme {
 
-struct Global;
+class mdform_TMEditor;
 
 /// The shutdown at the end of a session: the frame's own, which asks about unsaved changes, but no question holds it up
 /// for ever. One that is open, or comes up, may stand for a while; unanswered, it and all after it count as closed by
@@ -21,7 +21,8 @@ class SessionShutdown : public QObject {
   /// How long a question may stand.
   static constexpr std::chrono::milliseconds kPatience{10'000};
 
-  explicit SessionShutdown(Global& global, std::chrono::milliseconds patience = kPatience);
+  /// The frame must outlive it.
+  explicit SessionShutdown(mdform_TMEditor& frame, std::chrono::milliseconds patience = kPatience);
 
   /// Leaves the program at once when nothing stands in the way, else as soon as open questions and running work are
   /// done with. Questions::Refused: no question may stand at all. Calling it again changes nothing but that.
@@ -31,7 +32,7 @@ class SessionShutdown : public QObject {
   void Look();
   void CloseWhenLate(QWidget& question);
 
-  Global& global_;
+  mdform_TMEditor& frame_;
   const std::chrono::milliseconds patience_;
   QTimer looks_;
   QPointer<QWidget> question_;

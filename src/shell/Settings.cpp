@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -50,11 +51,14 @@ int ParseAutoSavePeriod(const QString& text) {
   return static_cast<int>(std::lrint(std::clamp(minutes, 0.0, double{kMaxAutoSavePeriod})));
 }
 
-std::optional<int> ParseDefaultOpenType(const QString& text) {
-  if (text.isEmpty()) return 0;
-  const std::optional<int> type = ParseInt16(text);
-  if (!type || *type < 0 || *type > 3) return std::nullopt;
-  return type;
+DocumentKind ParseDefaultOpenType(const QString& text) {
+  const int type = ParseInt16(text).value_or(0);
+  return type >= 0 && type < static_cast<int>(kOpenTypes.size()) ? kOpenTypes[static_cast<std::size_t>(type)]
+                                                                 : DocumentKind::Ini;
+}
+
+QString DefaultOpenTypeText(DocumentKind kind) {
+  return QString::number(std::find(kOpenTypes.begin(), kOpenTypes.end(), kind) - kOpenTypes.begin());
 }
 
 std::optional<int> ParseInt16(const QString& text) {

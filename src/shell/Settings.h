@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 
+#include "documents/DocumentKind.h"
 #include "system/RegistryAccess.h"
 
 namespace tme {
@@ -50,9 +51,12 @@ inline constexpr int kMaxAutoSavePeriod = 99;
 /// "AutoSave" as minutes: what is empty, not a number or below 0 is 0, above 99 is 99.
 int ParseAutoSavePeriod(const QString& text);
 
-/// Index of the type that the Open dialog lists first, 0 to 3: INI, registry, text, rich text. Empty is 0; nothing for
-/// anything else, which leaves the choice as it is.
-std::optional<int> ParseDefaultOpenType(const QString& text);
+/// The four kinds in the order of the Open dialog's types, which "Default Open Type" counts from 0.
+inline constexpr std::array kOpenTypes{DocumentKind::Ini, DocumentKind::Reg, DocumentKind::Txt, DocumentKind::Rtf};
+
+/// The kind that the Open dialog lists first; INI for what is no number from 0 to 3.
+DocumentKind ParseDefaultOpenType(const QString& text);
+QString DefaultOpenTypeText(DocumentKind kind);
 
 /// A number that fits 16 bits, rounded; nothing for anything else.
 std::optional<int> ParseInt16(const QString& text);

@@ -43,7 +43,7 @@ void ReportCompletion(Global& global, const QString& text) {
 
 /// Shows how far the listing is, with a way to stop it, until the thread has ended.
 void WatchListing(Global& global, QThread& thread, FolderListingWatch& watch) {
-  QProgressDialog progress(global.frame);
+  QProgressDialog progress(&global.frame);
   progress.setObjectName(u"FolderListingProgress"_s);
   progress.setLabel(PlainLabel());
   progress.setWindowTitle(kProgramTitle);
@@ -110,7 +110,7 @@ QString InFolder(const QString& folder, const QString& name) {
 
 /// Opens those of the files that exist, then names the others.
 void OpenSystemFiles(Global& global, const QStringList& in_windows_folder, const QStringList& on_drive) {
-  const QString& windows = global.windows_directory;
+  const QString windows = global.shell_utilities.WindowsDirectory();
   if (windows.isEmpty()) {
     const QString names = (in_windows_folder + on_drive).join(u", "_s);
     return Say(global, u"There is no Windows folder on this system, so there is no "_s + names + u" to edit."_s,
@@ -141,7 +141,7 @@ void ShowAbout(Global& global) {
 }  // namespace
 
 void BindTools(Global& global) {
-  GlobalMenus& menus = global.frame->Menus();
+  GlobalMenus& menus = global.menus;
   menus.Handle("menu_FeatureDIR", [&global] { GatherDirectoryList(global); });
   menus.Handle("menu_FeatureVars", [&global] { GatherEnvironmentVariables(global); });
   menus.Handle("menu_FeaturesSysEdit", [&global] {

@@ -3,16 +3,15 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHelpEvent>
-#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QStyle>
 #include <QStyleOptionTitleBar>
 
+#include "shell/DocumentArea.h"
+#include "shell/DocumentTable.h"
 #include "shell/DocumentWindow.h"
-#include "shell/Global.h"
 #include "shell/PlainText.h"
-#include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,11 +35,12 @@ QRect NameRect(const QMdiSubWindow& child) {
 
 }  // namespace
 
-WindowMenu::WindowMenu(Global& global, QMdiArea& area, QMenu& menu) : global_(global), area_(area), menu_(menu) {
+WindowMenu::WindowMenu(DocumentTable& documents, DocumentArea& area, QMenu& menu)
+    : QObject(&area), documents_(documents), area_(area), menu_(menu) {
   connect(&menu, &QMenu::aboutToShow, this, &WindowMenu::ListDocuments);
+  // For the tool tip of its caption bar.
+  connect(&area, &DocumentArea::ChildAdded, this, [this](QMdiSubWindow* child) { child->installEventFilter(this); });
 }
-
-void WindowMenu::Watch(QMdiSubWindow& child) { child.installEventFilter(this); }
 
 bool WindowMenu::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::ToolTip) {
@@ -59,7 +59,7 @@ QString WindowMenu::CaptionOf(const QMdiSubWindow& child) const {
   QString caption = child.windowTitle().replace(u"[*][*]"_s, u"[*]"_s);
   const DocumentSlot& slot = DocumentOf(child)->Slot();
   bool is_ambiguous = false;
-  global_.documents.ForEach([&](const DocumentSlot& other) {
+  documents_.ForEach([&](const DocumentSlot& other) {
     is_ambiguous |= &other != &slot && !slot.path.isEmpty() && other.title == slot.title && other.path != slot.path;
   });
   if (!is_ambiguous) return caption;
@@ -91,8 +91,8 @@ void WindowMenu::ListDocuments() {
     auto* item = new QAction(u"&%1 %2"_s.arg(++number).arg(MenuText(CaptionOf(*child))), &menu_);
     SetTip(*item, QDir::toNativeSeparators(document->Slot().path));
     item->setCheckable(true);
-    item->setChecked(document == global_.frame->ActiveDocument());
-    connect(item, &QAction::triggered, child, [this, document] { global_.frame->BringToFront(*document); });
+    item->setChecked(document == area_.ActiveDocument());
+    connect(item, &QAction::triggered, child, [this, document] { area_.BringToFront(*document); });
     append(item);
   }
 }

@@ -2,13 +2,13 @@
 
 #include <QObject>
 
-class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
 
 namespace tme {
 
-struct Global;
+class DocumentArea;
+class DocumentTable;
 
 /// The documents at the end of the Window menu, and what tells apart those of the same name: the folder behind the
 /// name, and the full path as the tool tip of the menu's item and of the document's caption bar.
@@ -16,11 +16,8 @@ class WindowMenu : public QObject {
   Q_OBJECT
 
  public:
-  /// The area and the menu must outlive it.
-  WindowMenu(Global& global, QMdiArea& area, QMenu& menu);
-
-  /// Gives a document's caption bar its tool tip.
-  void Watch(QMdiSubWindow& child);
+  /// The area owns it; the table and the menu must outlive it.
+  WindowMenu(DocumentTable& documents, DocumentArea& area, QMenu& menu);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -29,8 +26,8 @@ class WindowMenu : public QObject {
   void ListDocuments();
   QString CaptionOf(const QMdiSubWindow& child) const;
 
-  Global& global_;
-  QMdiArea& area_;
+  DocumentTable& documents_;
+  DocumentArea& area_;
   QMenu& menu_;
 };
 

@@ -19,6 +19,7 @@
 #include <new>
 
 #include "shell/DisplayText.h"
+#include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
@@ -84,7 +85,7 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
   setWindowTitle(tr("File History"));
   BuildControls();
   RestoreSize();
-  const DocumentWindow* active = global_.frame->ActiveDocument();
+  const DocumentWindow* active = global_.area.ActiveDocument();
   const QString path = active ? active->Slot().path : QString();
   if (!path.isEmpty()) {
     cb_Scope->addItem(active->Slot().title, path);
@@ -278,7 +279,7 @@ DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
     const bool same = !version.origin.path.isEmpty() && slot.path == version.origin.path &&
                       slot.window->Kind() == version.origin.kind && !slot.window->Tag().isEmpty();
     // Of two documents of one file, it is about the one that the user looks at.
-    if (same && (!found || slot.window == global_.frame->ActiveDocument())) found = slot.window;
+    if (same && (!found || slot.window == global_.area.ActiveDocument())) found = slot.window;
   });
   return found;
 }
@@ -398,7 +399,7 @@ void form_History::cmd_OpenAsNew_Click() {
   std::optional<std::string> content = SelectedContent();
   if (!content) return;
   const KeptVersion& version = *Selected();
-  DocumentWindow* window = NewDocument(global_, TraitsOf(version.origin.kind).slot_code);
+  DocumentWindow* window = NewDocument(global_, version.origin.kind);
   if (!window) return;
   window->PutContent(std::move(*content));
   window->AddNotice(tr("This is %1 as it was kept at %2.").arg(NameOf(version.origin), TimeText(version.time)));
@@ -407,7 +408,7 @@ void form_History::cmd_OpenAsNew_Click() {
 
 QString form_History::AskForCopyPath(const ContentOrigin& origin) {
   const QFileInfo name(origin.title);
-  QString ending = origin.path.isEmpty() ? QString::fromLatin1(TraitsOf(origin.kind).name) : name.suffix();
+  QString ending = origin.path.isEmpty() ? QString::fromLatin1(NameOf(origin.kind)) : name.suffix();
   if (!ending.isEmpty()) ending.prepend(u'.');
   // What a rich-text save writes goes by the entry that its own dialog had.
   const int filter_index = global_.common_dialog.filter_index;
@@ -439,9 +440,8 @@ void form_History::cmd_Restore_Click() {
   if (!content) return;
   const KeptVersion version = *Selected();
   DocumentWindow* window = WindowOf(version);
-  const KindTraits& traits = TraitsOf(version.origin.kind);
-  const int slot = global_.documents.FindFreeSlot(static_cast<int>(traits.slot_code));
-  if (!window && slot < 0) return ShowNoFreeSlot(global_, QString::fromLatin1(traits.message_name));
+  const int slot = global_.documents.FindFreeSlot(version.origin.kind);
+  if (!window && slot < 0) return ShowNoFreeSlot(global_, version.origin.kind);
   const std::optional<std::string> now = window ? std::optional(window->Content()) : std::nullopt;
   if (now == content) return;  // pressed twice
   const auto failure = now ? global_.history.versions.Keep(version.origin, KeptReason::BeforeRestore, *now)

@@ -20,6 +20,7 @@
 #include "documents/ini/IniWriter.h"
 #include "files/FileBytes.h"
 #include "shell/DisplayText.h"
+#include "shell/DocumentArea.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
@@ -130,7 +131,7 @@ void form_INI::BuildTreeView(QWidget& client) {
     if (IniItemModel::NodeOf(index)->Tag() == IniTag::Value) cmd_Edit_Click();
   });
   connect(TV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+          [this](const QPoint& position) { global_.frame.PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
   const auto on_key = [this](QWidget* where, const QKeySequence& key, void (form_INI::*command)()) {
     auto* shortcut = new QShortcut(key, where);
     shortcut->setContext(where == TV ? Qt::WidgetShortcut : Qt::WidgetWithChildrenShortcut);
@@ -203,8 +204,8 @@ void form_INI::TV_NodeClick() {
   const IniNode* parent = tree_.Selected()->Parent();
   cmd_AddValue->setEnabled(on_section || (parent != nullptr && parent != tree_.Root()));
   cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
-  if (global_.frame->ActiveDocument() != this) return;
-  GlobalMenus& menus = global_.frame->Menus();
+  if (global_.area.ActiveDocument() != this) return;
+  GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditAddToAll", has_sections);
   // A comment leaves the other items as they were; intended.
   if (tag == IniTag::Comments) return;

@@ -139,7 +139,6 @@ void form_INI::EditComment(IniNode* node) {
 }
 
 bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
-  if (global_.skip_confirmation) return true;
   const QString question =
       u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text(), kMaxCharactersInMessage) + u'?';
   return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, u"Deletion Confirmation"_s) ==
@@ -210,9 +209,8 @@ void form_INI::EditCut() {
   const IniTag tag = tree_.Selected()->Tag();
   // A comment is neither copied nor removed; intended.
   if (tag == IniTag::Value || tag == IniTag::Section) {
-    global_.skip_confirmation = true;
-    EditDelete();
-    global_.skip_confirmation = false;
+    tree_.Remove(tree_.Selected());
+    SetChanged(true);
   } else if (tag == IniTag::OpenedFile && tree_.SectionCount() > 0) {
     tree_.Clear();
     SetChanged(true);

@@ -27,8 +27,6 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr int kMaxAutoSaveMinutes = 99;
-
 QString FlagText(const QCheckBox* box) { return box->isChecked() ? u"1"_s : u"0"_s; }
 
 }  // namespace
@@ -64,7 +62,7 @@ form_TMEOptions::form_TMEOptions(Global& global, ShellIntegration& integration, 
       SetWhatsThis(*control, global_.shell_utilities.FormatHelpText(HelpText(topic->text_id)));
   Form_Load();
   // The pages scroll where the screen is too low for them; the frame's decoration is like this dialog's.
-  const mdform_TMEditor& frame = *global_.frame;
+  const QWidget& frame = global_.frame;
   const QSize decoration = frame.frameGeometry().size() - frame.size();
   resize(sizeHint().boundedTo(frame.screen()->availableGeometry().size() - decoration));
 }
@@ -85,7 +83,7 @@ void form_TMEOptions::Form_Load() {
   txt_txtfont->setText(settings.font_name);
   txt_txtsize->setText(QString::number(settings.font_size));
   const QString open_type = global_.registry.ReadValue(SettingsRoot, u"Default Open Type"_s);
-  opt_DefOpen->button(ParseDefaultOpenType(open_type).value_or(0))->setChecked(true);
+  opt_DefOpen->button(static_cast<int>(ParseDefaultOpenType(open_type)))->setChecked(true);
   const bool saves = settings.auto_save_period > 0;
   if (saves) txt_AutoSave->setText(QString::number(settings.auto_save_period));
   cb_AutoSave->setChecked(saves);
@@ -111,7 +109,7 @@ void form_TMEOptions::cmd_OK_Click() {
   SaveDefaultOpenType();
   SaveAutoSave();
   const std::optional<StoreFailure> unsaved = global_.registry.Flush();
-  if (unsaved) global_.frame->SettingsFailureTold();
+  if (unsaved) global_.frame.SettingsFailureTold();
   if (!failures.isEmpty()) {
     QString text = tr("The integration into the file manager could not be changed completely.");
     if (!unsaved) text += u' ' + tr("All other options are saved.");
@@ -160,7 +158,8 @@ void form_TMEOptions::SaveTextDisplay() {
 
 void form_TMEOptions::SaveDefaultOpenType() {
   if (global_.settings.present)
-    WriteValue(SettingsRoot, u"Default Open Type"_s, QString::number(opt_DefOpen->checkedId()));
+    WriteValue(SettingsRoot, u"Default Open Type"_s,
+               DefaultOpenTypeText(static_cast<DocumentKind>(opt_DefOpen->checkedId())));
 }
 
 void form_TMEOptions::SaveAutoSave() {
@@ -227,7 +226,7 @@ bool form_TMEOptions::CheckAutoSave() {
   if (txt_AutoSave->text().isEmpty()) txt_AutoSave->setText(u"0"_s);
   const std::optional<double> minutes = ParseNumber(txt_AutoSave->text());
   // Zero passes, although the message asks for 1 to 99: it is off. Intended.
-  if (minutes && *minutes >= 0 && *minutes <= kMaxAutoSaveMinutes) return true;
+  if (minutes && *minutes >= 0 && *minutes <= kMaxAutoSavePeriod) return true;
   global_.dialogs.MsgBox(
       u"You have not entered a valid number for AutoSave.  Please enter a number between 1 and 99."_s, MsgButtons::Ok,
       MsgIcon::Information, u"AutoSave"_s);

@@ -160,12 +160,12 @@ void form_TMEOptions::BuildDefaultOpenType(QVBoxLayout* column) {
   row->addWidget(PlainLabel(tr("List first:")));
   opt_DefOpen = new QButtonGroup(this);
   const QStringList captions{tr("&INI"), tr("&Registry"), tr("&Text"), tr("Ric&h text")};
-  for (const QString& caption : captions) {
-    const auto index = static_cast<int>(opt_DefOpen->buttons().size());
+  for (std::size_t index = 0; index < kOpenTypes.size(); ++index) {
+    const QString& caption = captions[static_cast<qsizetype>(index)];
     auto* button = new QRadioButton(caption);
     button->setObjectName(u"opt_DefOpen"_s + QString::number(index));
     button->setAccessibleName(tr("List first: %1").arg(WithoutAccessKey(caption)));
-    opt_DefOpen->addButton(button, index);
+    opt_DefOpen->addButton(button, static_cast<int>(kOpenTypes[index]));
     row->addWidget(button);
   }
   row->addStretch();

@@ -15,6 +15,7 @@
 #include "files/FileBytes.h"
 #include "files/PrivateFile.h"
 #include "files/TextFile.h"
+#include "shell/DocumentArea.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
@@ -107,7 +108,7 @@ void form_REG::BuildKeyTree(QWidget* parent) {
     ShowKey();
   });
   connect(TV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame->PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+          [this](const QPoint& position) { global_.frame.PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
   auto* insert = new QShortcut(Qt::Key_Insert, TV);
   insert->setContext(Qt::WidgetShortcut);
   connect(insert, &QShortcut::activated, this, &form_REG::EditNewKey);
@@ -133,7 +134,7 @@ void form_REG::BuildValueList(QWidget* parent) {
   connect(LV->selectionModel(), &QItemSelectionModel::currentChanged, this, &form_REG::UpdateCommands);
   connect(LV, &QTreeView::doubleClicked, this, &form_REG::EditModify);
   connect(LV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame->PopUpEditMenu(LV->viewport()->mapToGlobal(position)); });
+          [this](const QPoint& position) { global_.frame.PopUpEditMenu(LV->viewport()->mapToGlobal(position)); });
   connect(keys_.get(), &RegKeyModel::ValueChangedInTable, values_.get(), &RegValueModel::Refresh);
   const auto on_key = [this](const QKeySequence& key, void (form_REG::*command)()) {
     auto* shortcut = new QShortcut(key, LV);
@@ -168,8 +169,8 @@ void form_REG::SetFocusMarker(Focus focus) {
 }
 
 void form_REG::UpdateCommands() {
-  if (global_.frame->ActiveDocument() != this) return;
-  GlobalMenus& menus = global_.frame->Menus();
+  if (global_.area.ActiveDocument() != this) return;
+  GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);
   menus.SetAvailable("menu_EditNewKey", FocusMarker == Focus::TV);
 }

@@ -123,7 +123,7 @@ form_REG::SaveOutcome form_REG::MayBeThatLarge() {
     return SaveOutcome::Saved;
   }
   // While the program is being left a failure would ask for another file, for ever.
-  return global_.frame->IsLeaving() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
+  return global_.frame.IsLeaving() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
 }
 
 void form_REG::TellLosses(const RegLosses& losses) {
@@ -134,7 +134,7 @@ void form_REG::TellLosses(const RegLosses& losses) {
       kept_losses_ = losses.fingerprint;
       actions.push_back(FileHistoryButton());
     } else {
-      global_.frame->UnsavedContent().LeaveForNextStart(*this);
+      global_.rescue.LeaveForNextStart(*this);
     }
   }
   const bool is_kept = !actions.empty();

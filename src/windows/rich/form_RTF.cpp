@@ -13,6 +13,7 @@
 #include "files/FileBytes.h"
 #include "files/TextEncoding.h"
 #include "shell/DisplayText.h"
+#include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
@@ -151,7 +152,7 @@ void form_RTF::OpenRTF() {
   AddLossNotice(read.losses);
   SetTookAll(read.losses == rtf::Losses());
   {
-    LongWork work(global_.frame, tr("Opening %1").arg(Slot().title));
+    LongWork work(&global_.frame, tr("Opening %1").arg(Slot().title));
     const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
     if (Tag().isEmpty()) return;  // the program was left meanwhile
     if (!simplified) return ReleaseSlot();
@@ -321,7 +322,7 @@ void form_RTF::UpdateFormatState() {
   const auto show = [this](const char* item, QAction* button, const std::optional<bool>& state) {
     const bool is_set = state == true;
     button->setChecked(is_set);
-    if (global_.frame->ActiveDocument() == this) global_.frame->Menus().SetChecked(item, is_set);
+    if (global_.area.ActiveDocument() == this) global_.menus.SetChecked(item, is_set);
   };
   show("menu_FormatBold", button_bold_, pad->SelectionBold());
   show("menu_FormatItalic", button_italic_, pad->SelectionItalic());

@@ -44,14 +44,14 @@ void form_RTF::Paste(const QMimeData& source) {
   if (const QByteArray rtf = RtfOf(source); !rtf.isEmpty()) {
     const std::string_view bytes(rtf.constData(), static_cast<std::size_t>(rtf.size()));
     rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
-    LongWork work(global_.frame, tr("Pasting"));
+    LongWork work(&global_.frame, tr("Pasting"));
     const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithRtf(std::move(read), StepOf(work));
     if (simplified) AddSimplifiedNotice(*simplified);
     return;
   }
   const QString html = source.hasHtml() ? source.html() : QString();
   if (!html.isEmpty() && html.size() <= kMaxHtml) {
-    LongWork work(global_.frame, tr("Pasting"));
+    LongWork work(&global_.frame, tr("Pasting"));
     const std::optional<RtfSimplified> simplified = pad->ReplaceSelectionWithHtml(html, StepOf(work));
     if (simplified) AddSimplifiedNotice(*simplified);
     return;

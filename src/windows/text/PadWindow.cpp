@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLocale>
 
+#include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
@@ -41,7 +42,7 @@ bool IsClipboardKey(const QKeyEvent& key) {
 void PadWindow::ExitForm() { FileClose(); }
 
 void PadWindow::FileClose() {
-  if (!global_.exiting) CloseDocument();
+  if (!global_.frame.HasLeft()) CloseDocument();
 }
 
 bool PadWindow::CloseDocument() {
@@ -116,9 +117,9 @@ void PadWindow::EditRedo() {
 }
 
 void PadWindow::ShowUndoState() {
-  if (global_.frame->ActiveDocument() != this || Tag().isEmpty()) return;
-  global_.frame->Menus().SetAvailable("menu_EditUndo", EditingArea().CanUndo());
-  global_.frame->Menus().SetAvailable("menu_EditRedo", EditingArea().CanRedo());
+  if (global_.area.ActiveDocument() != this || Tag().isEmpty()) return;
+  global_.menus.SetAvailable("menu_EditUndo", EditingArea().CanUndo());
+  global_.menus.SetAvailable("menu_EditRedo", EditingArea().CanRedo());
 }
 
 void PadWindow::EditCut() {
@@ -150,9 +151,8 @@ void PadWindow::EditTimeDate() {
 }
 
 void PadWindow::EditWW() {
-  GlobalMenus& menus = global_.frame->Menus();
-  menus.SetChecked(kWordWrapItem, !menus.IsChecked(kWordWrapItem));
-  global_.settings.word_wrap = menus.IsChecked(kWordWrapItem);
+  global_.settings.word_wrap = !global_.settings.word_wrap;
+  global_.menus.SetChecked(kWordWrapItem, global_.settings.word_wrap);
   if (global_.settings.present)
     global_.registry.WriteValue(SettingsRoot, u"Word Wrap"_s, kTextType, global_.settings.word_wrap ? u"1"_s : u"0"_s);
   ApplyWordWrap();
@@ -160,15 +160,14 @@ void PadWindow::EditWW() {
 }
 
 void PadWindow::UpdateCommands() {
-  GlobalMenus& menus = global_.frame->Menus();
-  menus.SetChecked(kWordWrapItem, menus.IsChecked(kWordWrapItem));  // off too, it looks like a check mark
+  global_.menus.SetChecked(kWordWrapItem, global_.settings.word_wrap);  // off too, it looks like a check mark
   ApplyWordWrap();
   ShowUndoState();
 }
 
 void PadWindow::ApplyWordWrap() {
   Pad& pad = EditingArea();
-  const bool wraps = global_.frame->Menus().IsChecked(kWordWrapItem);
+  const bool wraps = global_.settings.word_wrap;
   pad.SetRightMargin(wraps ? PixelsToTwips(pad.Widget().width(), logicalDpiX()) - kWrapMargin : Pad::kNoWrap);
 }
 
@@ -203,12 +202,12 @@ bool PadWindow::eventFilter(QObject* watched, QEvent* event) {
       return false;
     case QEvent::MouseButtonRelease: {
       const auto& mouse = *static_cast<QMouseEvent*>(event);
-      if (mouse.button() == Qt::RightButton) global_.frame->PopUpEditMenu(mouse.globalPosition().toPoint());
+      if (mouse.button() == Qt::RightButton) global_.frame.PopUpEditMenu(mouse.globalPosition().toPoint());
       return false;
     }
     case QEvent::ContextMenu: {
       const auto& menu = *static_cast<QContextMenuEvent*>(event);
-      if (menu.reason() == QContextMenuEvent::Keyboard) global_.frame->PopUpEditMenu(menu.globalPos());
+      if (menu.reason() == QContextMenuEvent::Keyboard) global_.frame.PopUpEditMenu(menu.globalPos());
       return true;
     }
     default:

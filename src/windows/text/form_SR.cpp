@@ -52,9 +52,8 @@ bool EqualsWhateverTheCase(const QString& left, const QString& right) {
 }  // namespace
 
 form_SR* form_SR::Opened(const Global& global) {
-  if (!global.frame) return nullptr;
   // A closed one stands until the event loop deletes it.
-  for (form_SR* dialog : global.frame->findChildren<form_SR*>(Qt::FindDirectChildrenOnly))
+  for (form_SR* dialog : global.frame.findChildren<form_SR*>(Qt::FindDirectChildrenOnly))
     if (!dialog->closed_) return dialog;
   return nullptr;
 }
@@ -74,7 +73,7 @@ void form_SR::Open(Global& global, PadWindow& window, SearchMode mode) {
   dialog->txt_SearchString->setFocus();
 }
 
-form_SR::form_SR(Global& global) : QDialog(global.frame), global_(global) {
+form_SR::form_SR(Global& global) : QDialog(&global.frame), global_(global) {
   setObjectName(u"form_SR"_s);
   setAttribute(Qt::WA_DeleteOnClose);
   BuildControls();
@@ -183,7 +182,7 @@ void form_SR::SetMode(SearchMode mode) {
 }
 
 void form_SR::Initialize() {
-  const mdform_TMEditor& frame = *global_.frame;
+  const mdform_TMEditor& frame = global_.frame;
   const int gap = TwipsToPixels(kCornerTwips, frame.logicalDpiX());
   const QRect corner = global_.settings.contain_srd ? frame.frameGeometry() : frame.screen()->geometry();
   // Before it is first shown, the dialog's decoration is not known; the frame's is alike.
@@ -311,7 +310,7 @@ void form_SR::FocusPad(PadWindow& window) {
   QMdiSubWindow* sub_window = window.SubWindow();
   if (sub_window->isMinimized()) sub_window->showNormal();
   sub_window->mdiArea()->setActiveSubWindow(sub_window);
-  global_.frame->activateWindow();
+  global_.frame.activateWindow();
   window.EditingArea().Widget().setFocus();
 }
 
