@@ -1,7 +1,6 @@
 #include "documents/rtf/RtfControls.h"
 
 #include <array>
-#include <cstddef>
 
 #include "documents/rtf/RtfDocument.h"
 
@@ -10,40 +9,34 @@ namespace {
 
 using C = Control;
 
+constexpr std::int32_t kLineSeparator = 0x2028;
+
 constexpr std::int32_t Of(auto value) { return static_cast<std::int32_t>(value); }
 
-constexpr auto kSpecial = std::to_array<ControlWord>({
-    // clang-format off
-    {"par", C::Paragraph}, {"sect", C::Section}, {"page", C::Page}, {"line", C::Line}, {"lbr", C::Line},
-    {"column", C::InvisibleMark}, {"chftn", C::InvisibleMark}, {"chatn", C::InvisibleMark},
-    {"chftnsep", C::InvisibleMark}, {"chftnsepc", C::InvisibleMark},
-    {"chpgn", C::DynamicText}, {"sectnum", C::DynamicText}, {"chdate", C::DynamicText}, {"chtime", C::DynamicText},
-    {"chdpl", C::DynamicText}, {"chdpa", C::DynamicText},
+// clang-format off
+constexpr auto kIgnoredWords = std::to_array<ControlWord>({
+    {"rtf"}, {"nosectexpand"}, {"softline"}, {"softpage"}, {"softcol"}, {"softlheight"}, {"loch"}, {"hich"}, {"dbch"},
+    {"fcs"}, {"insrsid"}, {"charrsid"}, {"pararsid"}, {"sectrsid"}, {"delrsid"}, {"tblrsid"}, {"styrsid"}, {"yts"},
+    {"ltrpar"}, {"fldedit"}, {"flddirty"}, {"fldlock"}, {"fldpriv"}, {"wrapdefault"},
+});
+
+constexpr auto kTextWords = std::to_array<ControlWord>({
     {"tab", C::Character, '\t'}, {"emdash", C::Character, 0x2014}, {"endash", C::Character, 0x2013},
     {"bullet", C::Character, 0x2022}, {"lquote", C::Character, 0x2018}, {"rquote", C::Character, 0x2019},
     {"ldblquote", C::Character, 0x201C}, {"rdblquote", C::Character, 0x201D}, {"emspace", C::Character, 0x2003},
     {"enspace", C::Character, 0x2002}, {"qmspace", C::Character, 0x2005}, {"zwj", C::Character, 0x200D},
     {"zwnj", C::Character, 0x200C}, {"zwbo", C::Character, 0x200B}, {"zwnbo", C::Character, 0x2060},
     {"ltrmark", C::Character, 0x200E}, {"rtlmark", C::Character, 0x200F}, {"nbsp", C::Character, 0xA0},
-    {"u", C::Unicode}, {"uc", C::UnicodeSkip}, {"ansi", C::CodePage, 1252}, {"mac", C::CodePage, 10000},
-    {"pc", C::CodePage, 437}, {"pca", C::CodePage, 850}, {"ansicpg", C::CodePage, 0}, {"deff", C::DefaultFont},
-    {"rtf", C::Ignored}, {"nosectexpand", C::Ignored}, {"softline", C::Ignored}, {"softpage", C::Ignored},
-    {"softcol", C::Ignored}, {"softlheight", C::Ignored}, {"loch", C::Ignored}, {"hich", C::Ignored},
-    {"dbch", C::Ignored}, {"fcs", C::Ignored}, {"insrsid", C::Ignored}, {"charrsid", C::Ignored},
-    {"pararsid", C::Ignored}, {"sectrsid", C::Ignored}, {"delrsid", C::Ignored}, {"tblrsid", C::Ignored},
-    {"styrsid", C::Ignored}, {"yts", C::Ignored}, {"lastrow", C::RowWord}, {"ltrch", C::LeftToRight},
-    {"ltrpar", C::Ignored}, {"fldedit", C::Ignored}, {"flddirty", C::Ignored}, {"fldlock", C::Ignored},
-    {"fldpriv", C::Ignored}, {"wrapdefault", C::Ignored},
-    {"red", C::Red}, {"green", C::Green}, {"blue", C::Blue}, {"fcharset", C::FontCharset}, {"cpg", C::FontCodePage},
-    {"fnil", C::FontFamily}, {"froman", C::FontFamily}, {"fswiss", C::FontFamily}, {"fmodern", C::FontFamily},
-    {"fscript", C::FontFamily}, {"fdecor", C::FontFamily}, {"ftech", C::FontFamily}, {"fbidi", C::FontFamily},
-    // clang-format on
+    {"par", C::Paragraph}, {"sect", C::Section}, {"page", C::Break, '\f'}, {"line", C::Break, kLineSeparator},
+    {"lbr", C::Break, kLineSeparator}, {"chpgn", C::DynamicText}, {"sectnum", C::DynamicText},
+    {"chdate", C::DynamicText}, {"chtime", C::DynamicText}, {"chdpl", C::DynamicText}, {"chdpa", C::DynamicText},
+    {"column", C::InvisibleMark}, {"chftn", C::InvisibleMark}, {"chatn", C::InvisibleMark},
+    {"chftnsep", C::InvisibleMark}, {"chftnsepc", C::InvisibleMark}, {"uc", C::UnicodeSkip}, {"u", C::Unicode},
 });
 
-constexpr auto kLooks = std::to_array<ControlWord>({
-    // clang-format off
+constexpr auto kCharacterWords = std::to_array<ControlWord>({
     {"plain", C::Plain}, {"f", C::FontNumber}, {"fs", C::FontSize}, {"cf", C::Color}, {"cb", C::Background},
-    {"highlight", C::Background}, {"chcbpat", C::Background}, {"b", C::Bold}, {"i", C::Italic}, {"v", C::Hidden},
+    {"highlight", C::Background}, {"chcbpat", C::Background}, {"b", C::Bold}, {"i", C::Italic},
     {"ul", C::Underlined, Of(Underline::Single)}, {"ulnone", C::Underlined, Of(Underline::None)},
     {"ulw", C::Underlined, Of(Underline::Words)}, {"uldb", C::Underlined, Of(Underline::Double)},
     {"uld", C::Underlined, Of(Underline::Dotted)}, {"uldash", C::Underlined, Of(Underline::Dash)},
@@ -56,20 +49,8 @@ constexpr auto kLooks = std::to_array<ControlWord>({
     {"strike", C::Struck, Of(Strike::Single)}, {"striked", C::Struck, Of(Strike::Double)},
     {"super", C::Scripted, Of(Script::Super)}, {"sub", C::Scripted, Of(Script::Sub)},
     {"nosupersub", C::Scripted, Of(Script::Normal)}, {"up", C::Raised, 1}, {"dn", C::Raised, -1},
-    {"caps", C::Capital, Of(Capitals::All)}, {"scaps", C::Capital, Of(Capitals::Small)},
-    {"pard", C::ParagraphReset}, {"ql", C::Aligned, Of(Alignment::Left)}, {"qr", C::Aligned, Of(Alignment::Right)},
-    {"qc", C::Aligned, Of(Alignment::Center)}, {"qj", C::Aligned, Of(Alignment::Justify)},
-    {"qd", C::Aligned, Of(Alignment::Justify)}, {"li", C::IndentLeft}, {"lin", C::IndentLeft},
-    {"ri", C::IndentRight}, {"rin", C::IndentRight}, {"fi", C::IndentFirst}, {"sb", C::SpaceBefore},
-    {"sa", C::SpaceAfter}, {"sl", C::LineSpacing}, {"slmult", C::LineMultiple}, {"tx", C::TabAt}, {"tb", C::TabAt, 1},
-    {"tql", C::TabKindNext, Of(TabKind::Left)}, {"tqr", C::TabKindNext, Of(TabKind::Right)},
-    {"tqc", C::TabKindNext, Of(TabKind::Center)}, {"tqdec", C::TabKindNext, Of(TabKind::Decimal)},
-    {"tldot", C::TabLeaderNext, Of(TabLeader::Dots)}, {"tlmdot", C::TabLeaderNext, Of(TabLeader::MiddleDots)},
-    {"tlhyph", C::TabLeaderNext, Of(TabLeader::Hyphens)}, {"tlul", C::TabLeaderNext, Of(TabLeader::Underline)},
-    {"tlth", C::TabLeaderNext, Of(TabLeader::Thick)}, {"tleq", C::TabLeaderNext, Of(TabLeader::Equal)},
-    {"pagebb", C::PageBreakBefore}, {"ls", C::ListOverride}, {"ilvl", C::ListLevel},
-    // Kept with the characters.
-    {"lang", C::CharacterWord}, {"langfe", C::CharacterWord}, {"langnp", C::CharacterWord},
+    {"caps", C::Capital, Of(Capitals::All)}, {"scaps", C::Capital, Of(Capitals::Small)}, {"v", C::Hidden},
+    {"ltrch", C::LeftToRight}, {"lang", C::CharacterWord}, {"langfe", C::CharacterWord}, {"langnp", C::CharacterWord},
     {"langfenp", C::CharacterWord}, {"noproof", C::CharacterWord}, {"kerning", C::CharacterWord},
     {"expnd", C::CharacterWord}, {"expndtw", C::CharacterWord}, {"charscalex", C::CharacterWord},
     {"cs", C::CharacterWord}, {"outl", C::CharacterWord}, {"shad", C::CharacterWord}, {"embo", C::CharacterWord},
@@ -77,12 +58,25 @@ constexpr auto kLooks = std::to_array<ControlWord>({
     {"ab", C::CharacterWord}, {"ai", C::CharacterWord}, {"alang", C::CharacterWord}, {"animtext", C::CharacterWord},
     {"ulc", C::CharacterWord}, {"webhidden", C::CharacterWord}, {"deleted", C::CharacterWord},
     {"revised", C::CharacterWord}, {"chbrdr", C::CharacterWord}, {"chshdng", C::CharacterWord},
-    {"chcfpat", C::CharacterWord}, {"nocwrap", C::ParagraphWord},
-    // Kept with the paragraph.
-    {"s", C::ParagraphWord}, {"keep", C::ParagraphWord}, {"keepn", C::ParagraphWord},
-    {"widctlpar", C::ParagraphWord}, {"nowidctlpar", C::ParagraphWord}, {"hyphpar", C::ParagraphWord},
-    {"noline", C::ParagraphWord}, {"sbauto", C::ParagraphWord}, {"saauto", C::ParagraphWord},
-    {"lisb", C::ParagraphWord}, {"lisa", C::ParagraphWord}, {"rtlpar", C::ParagraphWord},
+    {"chcfpat", C::CharacterWord},
+});
+
+constexpr auto kParagraphWords = std::to_array<ControlWord>({
+    {"pard", C::ParagraphReset}, {"ql", C::Aligned, Of(Alignment::Left)}, {"qr", C::Aligned, Of(Alignment::Right)},
+    {"qc", C::Aligned, Of(Alignment::Center)}, {"qj", C::Aligned, Of(Alignment::Justify)},
+    {"qd", C::Aligned, Of(Alignment::Justify)}, {"li", C::IndentLeft}, {"lin", C::IndentLeft}, {"ri", C::IndentRight},
+    {"rin", C::IndentRight}, {"fi", C::IndentFirst}, {"sb", C::SpaceBefore}, {"sa", C::SpaceAfter},
+    {"sl", C::LineSpacing}, {"slmult", C::LineMultiple}, {"tx", C::TabAt}, {"tb", C::TabAt, 1},
+    {"tql", C::TabKindNext, Of(TabKind::Left)}, {"tqr", C::TabKindNext, Of(TabKind::Right)},
+    {"tqc", C::TabKindNext, Of(TabKind::Center)}, {"tqdec", C::TabKindNext, Of(TabKind::Decimal)},
+    {"tldot", C::TabLeaderNext, Of(TabLeader::Dots)}, {"tlmdot", C::TabLeaderNext, Of(TabLeader::MiddleDots)},
+    {"tlhyph", C::TabLeaderNext, Of(TabLeader::Hyphens)}, {"tlul", C::TabLeaderNext, Of(TabLeader::Underline)},
+    {"tlth", C::TabLeaderNext, Of(TabLeader::Thick)}, {"tleq", C::TabLeaderNext, Of(TabLeader::Equal)},
+    {"pagebb", C::PageBreakBefore}, {"ls", C::ListOverride}, {"ilvl", C::ListLevel}, {"intbl", C::InTable},
+    {"itap", C::TableDepth}, {"nocwrap", C::ParagraphWord}, {"s", C::ParagraphWord}, {"keep", C::ParagraphWord},
+    {"keepn", C::ParagraphWord}, {"widctlpar", C::ParagraphWord}, {"nowidctlpar", C::ParagraphWord},
+    {"hyphpar", C::ParagraphWord}, {"noline", C::ParagraphWord}, {"sbauto", C::ParagraphWord},
+    {"saauto", C::ParagraphWord}, {"lisb", C::ParagraphWord}, {"lisa", C::ParagraphWord}, {"rtlpar", C::ParagraphWord},
     {"outlinelevel", C::ParagraphWord}, {"level", C::ParagraphWord}, {"shading", C::ParagraphWord},
     {"cfpat", C::ParagraphWord}, {"cbpat", C::ParagraphWord}, {"aspalpha", C::ParagraphWord},
     {"aspnum", C::ParagraphWord}, {"faauto", C::ParagraphWord}, {"fahang", C::ParagraphWord},
@@ -96,6 +90,9 @@ constexpr auto kLooks = std::to_array<ControlWord>({
     {"pvmrg", C::ParagraphWord}, {"pvpg", C::ParagraphWord}, {"dxfrtext", C::ParagraphWord},
     {"dfrmtxtx", C::ParagraphWord}, {"dfrmtxty", C::ParagraphWord}, {"nowrap", C::ParagraphWord},
     {"dropcapli", C::ParagraphWord}, {"dropcapt", C::ParagraphWord},
+});
+
+constexpr auto kBorderWords = std::to_array<ControlWord>({
     {"brdrt", C::BorderWord}, {"brdrb", C::BorderWord}, {"brdrl", C::BorderWord}, {"brdrr", C::BorderWord},
     {"brdrbtw", C::BorderWord}, {"brdrbar", C::BorderWord}, {"box", C::BorderWord}, {"brdrs", C::BorderWord},
     {"brdrth", C::BorderWord}, {"brdrsh", C::BorderWord}, {"brdrdb", C::BorderWord}, {"brdrdot", C::BorderWord},
@@ -105,202 +102,90 @@ constexpr auto kLooks = std::to_array<ControlWord>({
     {"brdrinset", C::BorderWord}, {"brdroutset", C::BorderWord}, {"brdrnone", C::BorderWord},
     {"brdrnil", C::BorderWord}, {"brdrtbl", C::BorderWord}, {"brdrw", C::BorderWord}, {"brdrcf", C::BorderWord},
     {"brsp", C::BorderWord}, {"brdrframe", C::BorderWord},
-    // Tables. What begins with \tr, \cl or \ts is kept with the row even when it is not here.
-    {"intbl", C::InTable}, {"itap", C::TableDepth}, {"trowd", C::RowStart}, {"cellx", C::CellEdge},
-    {"clvmgf", C::VerticalMerge, 1}, {"clvmrg", C::VerticalMerge, 2}, {"clmgf", C::HorizontalMerge, 1},
-    {"clmrg", C::HorizontalMerge, 2}, {"cell", C::CellEnd}, {"nestcell", C::NestedCellEnd}, {"row", C::RowEnd},
-    {"nestrow", C::NestedRowEnd}, {"irow", C::RowWord}, {"irowband", C::RowWord}, {"tdfrmtxtLeft", C::RowWord},
-    {"tdfrmtxtRight", C::RowWord}, {"tdfrmtxtTop", C::RowWord}, {"tdfrmtxtBottom", C::RowWord},
-    {"tposx", C::RowWord}, {"tposy", C::RowWord}, {"tphpg", C::RowWord}, {"tphmrg", C::RowWord},
-    {"tphcol", C::RowWord}, {"tpvpg", C::RowWord}, {"tpvmrg", C::RowWord}, {"tpvpara", C::RowWord},
-    {"rtlrow", C::RowWord}, {"ltrrow", C::RowWord}, {"tbllkhdrrows", C::RowWord}, {"tbllklastrow", C::RowWord},
-    {"tbllkhdrcols", C::RowWord}, {"tbllklastcol", C::RowWord}, {"tbllknorowband", C::RowWord},
-    {"tbllknocolband", C::RowWord}, {"tblind", C::RowWord}, {"tblindtype", C::RowWord}, {"taprtl", C::RowWord},
-    // clang-format on
 });
 
-constexpr auto kGroups = std::to_array<ControlWord>({
-    // clang-format off
-    {"fonttbl", C::FontTable}, {"colortbl", C::ColorTable},
-    {"stylesheet", C::HeaderGroup}, {"info", C::HeaderGroup}, {"listtable", C::ListTable},
-    {"listoverridetable", C::OverrideTable}, {"revtbl", C::HeaderGroup}, {"rsidtbl", C::HeaderGroup},
-    {"generator", C::HeaderGroup}, {"themedata", C::HeaderGroup}, {"colorschememapping", C::HeaderGroup},
-    {"latentstyles", C::HeaderGroup}, {"datastore", C::HeaderGroup}, {"xmlnstbl", C::HeaderGroup},
-    {"mmathPr", C::HeaderGroup}, {"filetbl", C::HeaderGroup}, {"pgptbl", C::HeaderGroup}, {"docvar", C::HeaderGroup},
-    {"userprops", C::HeaderGroup}, {"defchp", C::HeaderGroup}, {"defpap", C::HeaderGroup},
+// What begins with \tr, \cl or \ts is kept with the row even when it is not here.
+constexpr auto kRowWords = std::to_array<ControlWord>({
+    {"trowd", C::RowStart}, {"lastrow", C::RowWord}, {"irow", C::RowWord}, {"irowband", C::RowWord},
+    {"tdfrmtxtLeft", C::RowWord}, {"tdfrmtxtRight", C::RowWord}, {"tdfrmtxtTop", C::RowWord},
+    {"tdfrmtxtBottom", C::RowWord}, {"tposx", C::RowWord}, {"tposy", C::RowWord}, {"tphpg", C::RowWord},
+    {"tphmrg", C::RowWord}, {"tphcol", C::RowWord}, {"tpvpg", C::RowWord}, {"tpvmrg", C::RowWord},
+    {"tpvpara", C::RowWord}, {"rtlrow", C::RowWord}, {"ltrrow", C::RowWord}, {"tbllkhdrrows", C::RowWord},
+    {"tbllklastrow", C::RowWord}, {"tbllkhdrcols", C::RowWord}, {"tbllklastcol", C::RowWord},
+    {"tbllknorowband", C::RowWord}, {"tbllknocolband", C::RowWord}, {"tblind", C::RowWord}, {"tblindtype", C::RowWord},
+    {"taprtl", C::RowWord}, {"cellx", C::CellEdge}, {"clvmgf", C::VerticalMerge, 1}, {"clvmrg", C::VerticalMerge, 2},
+    {"clmgf", C::HorizontalMerge, 1}, {"clmrg", C::HorizontalMerge, 2}, {"cell", C::CellEnd},
+    {"nestcell", C::NestedCellEnd}, {"row", C::RowEnd}, {"nestrow", C::NestedRowEnd},
+});
+
+constexpr auto kFileWords = std::to_array<ControlWord>({
+    {"ansi", C::CodePage, 1252}, {"mac", C::CodePage, 10000}, {"pc", C::CodePage, 437}, {"pca", C::CodePage, 850},
+    {"ansicpg", C::CodePage, 0}, {"deff", C::DefaultFont},
+});
+
+constexpr auto kTableEntryWords = std::to_array<ControlWord>({
+    {"red", C::Red}, {"green", C::Green}, {"blue", C::Blue}, {"fcharset", C::FontCharset}, {"cpg", C::FontCodePage},
+    {"fnil", C::FontFamily}, {"froman", C::FontFamily}, {"fswiss", C::FontFamily}, {"fmodern", C::FontFamily},
+    {"fscript", C::FontFamily}, {"fdecor", C::FontFamily}, {"ftech", C::FontFamily}, {"fbidi", C::FontFamily},
+});
+
+constexpr auto kGroupWords = std::to_array<ControlWord>({
+    {"fonttbl", C::FontTable}, {"colortbl", C::ColorTable}, {"stylesheet", C::HeaderGroup}, {"info", C::HeaderGroup},
+    {"listtable", C::ListTable}, {"listoverridetable", C::OverrideTable}, {"revtbl", C::HeaderGroup},
+    {"rsidtbl", C::HeaderGroup}, {"generator", C::HeaderGroup}, {"themedata", C::HeaderGroup},
+    {"colorschememapping", C::HeaderGroup}, {"latentstyles", C::HeaderGroup}, {"datastore", C::HeaderGroup},
+    {"xmlnstbl", C::HeaderGroup}, {"mmathPr", C::HeaderGroup}, {"filetbl", C::HeaderGroup}, {"pgptbl", C::HeaderGroup},
+    {"docvar", C::HeaderGroup}, {"userprops", C::HeaderGroup}, {"defchp", C::HeaderGroup}, {"defpap", C::HeaderGroup},
     {"background", C::HeaderGroup}, {"ftnsep", C::HeaderGroup}, {"ftnsepc", C::HeaderGroup}, {"ftncn", C::HeaderGroup},
-    {"aftnsep", C::HeaderGroup}, {"aftnsepc", C::HeaderGroup}, {"aftncn", C::HeaderGroup},
-    {"header", C::SectionGroup}, {"headerl", C::SectionGroup}, {"headerr", C::SectionGroup},
-    {"headerf", C::SectionGroup}, {"footer", C::SectionGroup}, {"footerl", C::SectionGroup},
-    {"footerr", C::SectionGroup}, {"footerf", C::SectionGroup},
-    {"bkmkstart", C::InvisibleGroup}, {"bkmkend", C::InvisibleGroup}, {"xe", C::InvisibleGroup},
-    {"rxe", C::InvisibleGroup}, {"tc", C::InvisibleGroup}, {"tcn", C::InvisibleGroup}, {"txe", C::InvisibleGroup},
-    {"atnid", C::InvisibleGroup}, {"atnauthor", C::InvisibleGroup}, {"atndate", C::InvisibleGroup},
-    {"annotation", C::InvisibleGroup}, {"atrfstart", C::InvisibleGroup}, {"atrfend", C::InvisibleGroup},
-    {"datafield", C::InvisibleGroup}, {"formfield", C::InvisibleGroup}, {"fontemb", C::SkippedGroup},
-    {"falt", C::SkippedGroup}, {"fname", C::SkippedGroup}, {"panose", C::SkippedGroup},
+    {"aftnsep", C::HeaderGroup}, {"aftnsepc", C::HeaderGroup}, {"aftncn", C::HeaderGroup}, {"header", C::SectionGroup},
+    {"headerl", C::SectionGroup}, {"headerr", C::SectionGroup}, {"headerf", C::SectionGroup},
+    {"footer", C::SectionGroup}, {"footerl", C::SectionGroup}, {"footerr", C::SectionGroup},
+    {"footerf", C::SectionGroup}, {"bkmkstart", C::InvisibleGroup}, {"bkmkend", C::InvisibleGroup},
+    {"xe", C::InvisibleGroup}, {"rxe", C::InvisibleGroup}, {"tc", C::InvisibleGroup}, {"tcn", C::InvisibleGroup},
+    {"txe", C::InvisibleGroup}, {"atnid", C::InvisibleGroup}, {"atnauthor", C::InvisibleGroup},
+    {"atndate", C::InvisibleGroup}, {"annotation", C::InvisibleGroup}, {"atrfstart", C::InvisibleGroup},
+    {"atrfend", C::InvisibleGroup}, {"datafield", C::InvisibleGroup}, {"formfield", C::InvisibleGroup},
+    {"fontemb", C::SkippedGroup}, {"falt", C::SkippedGroup}, {"fname", C::SkippedGroup}, {"panose", C::SkippedGroup},
     {"nonesttables", C::SkippedGroup}, {"pn", C::LegacyNumbering}, {"pntext", C::ListText}, {"listtext", C::ListText},
     {"field", C::Field}, {"fldinst", C::FieldInstruction}, {"fldrslt", C::TransparentGroup}, {"upr", C::TwoForms},
     {"ud", C::UnicodeForm}, {"nesttableprops", C::NestedTableProperties}, {"pict", C::Picture},
     {"shppict", C::ShownPicture}, {"nonshppict", C::AlternativePicture}, {"object", C::Object}, {"shp", C::Drawing},
-    {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shprslt", C::SkippedGroup}, {"shptxt", C::DrawingText}, {"dptxbxtext", C::DrawingText},
-    {"result", C::DrawingText}, {"footnote", C::Footnote},
-    // clang-format on
+    {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shprslt", C::SkippedGroup}, {"shptxt", C::DrawingText},
+    {"dptxbxtext", C::DrawingText}, {"result", C::DrawingText}, {"footnote", C::Footnote},
 });
 
+constexpr auto kSectionBreaks = std::to_array<std::string_view>({"sbkpage", "sbknone", "sbkcol", "sbkeven", "sbkodd"});
+
 constexpr auto kDocumentWords = std::to_array<std::string_view>({
-    "deflang",
-    "deflangfe",
-    "adeff",
-    "adeflang",
-    "stshfdbch",
-    "stshfloch",
-    "stshfhich",
-    "stshfbi",
-    "deftab",
-    "hyphhotz",
-    "hyphauto",
-    "hyphconsec",
-    "hyphcaps",
-    "paperw",
-    "paperh",
-    "margl",
-    "margr",
-    "margt",
-    "margb",
-    "gutter",
-    "rtlgutter",
-    "facingp",
-    "margmirror",
-    "landscape",
-    "pgnstart",
-    "linestart",
-    "widowctrl",
-    "viewkind",
-    "viewscale",
-    "viewzk",
-    "viewbksp",
-    "ftnbj",
-    "ftntj",
-    "enddoc",
-    "endnotes",
-    "aenddoc",
-    "aendnotes",
-    "aftnbj",
-    "aftntj",
-    "ftnstart",
-    "ftnrstpg",
-    "ftnrestart",
-    "ftnrstcont",
-    "aftnrestart",
-    "aftnrstcont",
-    "ftnnar",
-    "ftnnalc",
-    "aftnnar",
-    "aftnnrlc",
-    "aftnnalc",
-    "aftnnauc",
-    "aftnnruc",
-    "fet",
-    "noxlattoyen",
-    "expshrtn",
-    "noultrlspc",
-    "dntblnsbdb",
-    "nospaceforul",
-    "formshade",
-    "horzdoc",
-    "dghspace",
-    "dgvspace",
-    "dghorigin",
-    "dgvorigin",
-    "dghshow",
-    "dgvshow",
-    "dgmargin",
-    "jexpand",
-    "jcompress",
-    "pgbrdrhead",
-    "pgbrdrfoot",
-    "splytwnine",
-    "ftnlytwnine",
-    "htmautsp",
-    "useltbaln",
-    "alntblind",
-    "lytcalctblwd",
-    "lyttblrtgr",
-    "lnbrkrule",
-    "nobrkwrptbl",
-    "snaptogridincell",
-    "allowfieldendsel",
-    "rsidroot",
-    "trackmoves",
-    "trackformatting",
-    "donotembedsysfont",
-    "relyonvml",
-    "donotembedlingdata",
-    "grfdocevents",
-    "validatexml",
-    "showplaceholdtext",
-    "ignoremixedcontent",
-    "saveinvalidxml",
-    "showxmlerrors",
-    "themelang",
-    "themelangfe",
-    "themelangcs",
-    "wrppunct",
-    "asianbrkrule",
-    "newtblstyruls",
-    "nogrowautofit",
-    "usenormstyforlist",
-    "noindnmbrts",
-    "felnbrelev",
-    "nocxsptable",
-    "indrlsweleven",
-    "noafcnsttbl",
-    "afelev",
-    "utinl",
-    "hwelev",
-    "notcvasp",
-    "notbrkcnstfrctbl",
-    "notvatxbx",
-    "krnprsnet",
-    "cachedcolbal",
-    "nouicompat",
-    "nofeaturethrottle",
-    "revisions",
-    "revprop",
-    "revbar",
-    "brkfrm",
-    "cvmme",
-    "transmf",
-    "private",
-    "rtldoc",
-    "ltrdoc",
-    "psz",
-    "makebackup",
-    "defformat",
-    "annotprot",
-    "formprot",
-    "readprot",
-    "cocoartf",
-    "cocoasubrtf",
-    "cocoatextscaling",
-    "cocoaplatform",
-    "hyphlead",
-    "hyphtrail",
-    "nolnhtadjtbl",
+    "deflang", "deflangfe", "adeff", "adeflang", "stshfdbch", "stshfloch", "stshfhich", "stshfbi", "deftab",
+    "hyphhotz", "hyphauto", "hyphconsec", "hyphcaps", "paperw", "paperh", "margl", "margr", "margt", "margb", "gutter",
+    "rtlgutter", "facingp", "margmirror", "landscape", "pgnstart", "linestart", "widowctrl", "viewkind", "viewscale",
+    "viewzk", "viewbksp", "ftnbj", "ftntj", "enddoc", "endnotes", "aenddoc", "aendnotes", "aftnbj", "aftntj",
+    "ftnstart", "ftnrstpg", "ftnrestart", "ftnrstcont", "aftnrestart", "aftnrstcont", "ftnnar", "ftnnalc", "aftnnar",
+    "aftnnrlc", "aftnnalc", "aftnnauc", "aftnnruc", "fet", "noxlattoyen", "expshrtn", "noultrlspc", "dntblnsbdb",
+    "nospaceforul", "formshade", "horzdoc", "dghspace", "dgvspace", "dghorigin", "dgvorigin", "dghshow", "dgvshow",
+    "dgmargin", "jexpand", "jcompress", "pgbrdrhead", "pgbrdrfoot", "splytwnine", "ftnlytwnine", "htmautsp",
+    "useltbaln", "alntblind", "lytcalctblwd", "lyttblrtgr", "lnbrkrule", "nobrkwrptbl", "snaptogridincell",
+    "allowfieldendsel", "rsidroot", "trackmoves", "trackformatting", "donotembedsysfont", "relyonvml",
+    "donotembedlingdata", "grfdocevents", "validatexml", "showplaceholdtext", "ignoremixedcontent", "saveinvalidxml",
+    "showxmlerrors", "themelang", "themelangfe", "themelangcs", "wrppunct", "asianbrkrule", "newtblstyruls",
+    "nogrowautofit", "usenormstyforlist", "noindnmbrts", "felnbrelev", "nocxsptable", "indrlsweleven", "noafcnsttbl",
+    "afelev", "utinl", "hwelev", "notcvasp", "notbrkcnstfrctbl", "notvatxbx", "krnprsnet", "cachedcolbal",
+    "nouicompat", "nofeaturethrottle", "revisions", "revprop", "revbar", "brkfrm", "cvmme", "transmf", "private",
+    "rtldoc", "ltrdoc", "psz", "makebackup", "defformat", "annotprot", "formprot", "readprot", "cocoartf",
+    "cocoasubrtf", "cocoatextscaling", "cocoaplatform", "hyphlead", "hyphtrail", "nolnhtadjtbl",
 });
 
 constexpr auto kSectionWords = std::to_array<std::string_view>({
-    "pgwsxn",       "pghsxn",        "marglsxn",      "margrsxn",     "margtsxn",     "margbsxn",   "guttersxn",
-    "lndscpsxn",    "titlepg",       "headery",       "footery",      "cols",         "colsx",      "colno",
-    "colw",         "colsr",         "linebetcol",    "linex",        "linemod",      "linestarts", "linerestart",
-    "lineppage",    "linecont",      "pgnstarts",     "pgncont",      "pgnrestart",   "pgndec",     "pgnucrm",
-    "pgnlcrm",      "pgnucltr",      "pgnlcltr",      "pgnx",         "pgny",         "pgnhn",      "pgnhnsh",
-    "vertalt",      "vertalb",       "vertalc",       "vertalj",      "endnhere",     "binfsxn",    "binsxn",
-    "ds",           "sectdefaultcl", "sectspecifycl", "sectlinegrid", "sectspecifyl", "sectexpand", "sectunlocked",
-    "rtlsect",      "ltrsect",       "sftnbj",        "sftntj",       "saftnnar",     "sftnnar",    "sftnrestart",
-    "saftnrestart", "stextflow",     "pgbrdropt",     "pgbrdrsnap",
+    "pgwsxn", "pghsxn", "marglsxn", "margrsxn", "margtsxn", "margbsxn", "guttersxn", "lndscpsxn", "titlepg", "headery",
+    "footery", "cols", "colsx", "colno", "colw", "colsr", "linebetcol", "linex", "linemod", "linestarts",
+    "linerestart", "lineppage", "linecont", "pgnstarts", "pgncont", "pgnrestart", "pgndec", "pgnucrm", "pgnlcrm",
+    "pgnucltr", "pgnlcltr", "pgnx", "pgny", "pgnhn", "pgnhnsh", "vertalt", "vertalb", "vertalc", "vertalj", "endnhere",
+    "binfsxn", "binsxn", "ds", "sectdefaultcl", "sectspecifycl", "sectlinegrid", "sectspecifyl", "sectexpand",
+    "sectunlocked", "rtlsect", "ltrsect", "sftnbj", "sftntj", "saftnnar", "sftnnar", "sftnrestart", "saftnrestart",
+    "stextflow", "pgbrdropt", "pgbrdrsnap",
 });
+// clang-format on
 
 constexpr std::size_t kSlots = 1024;  // a power of two, about twice the words
 
@@ -310,25 +195,32 @@ constexpr std::size_t SlotOf(std::string_view name) {
   return (hash ^ (hash >> 15)) % kSlots;
 }
 
+/// All words, each in the first free slot from that of its hash on.
 constexpr std::array<ControlWord, kSlots> kTable = [] {
   std::array<ControlWord, kSlots> table{};
-  const auto add = [&](const ControlWord& word) {
+  const auto add = [&](ControlWord word, ControlClass control_class) {
+    word.control_class = control_class;
     std::size_t slot = SlotOf(word.name);
     while (!table[slot].name.empty()) slot = (slot + 1) % kSlots;
     table[slot] = word;
   };
-  for (const ControlWord& word : kSpecial) add(word);
-  for (const ControlWord& word : kLooks) add(word);
-  for (const ControlWord& word : kGroups) add(word);
+  const auto add_all = [&](const auto& words, ControlClass control_class) {
+    for (const ControlWord& word : words) add(word, control_class);
+  };
+  add_all(kIgnoredWords, ControlClass::Ignored);
+  add_all(kTextWords, ControlClass::Text);
+  add_all(kCharacterWords, ControlClass::CharacterFormat);
+  add_all(kParagraphWords, ControlClass::ParagraphFormat);
+  add_all(kBorderWords, ControlClass::Border);
+  add_all(kRowWords, ControlClass::Row);
+  add_all(kFileWords, ControlClass::File);
+  add_all(kTableEntryWords, ControlClass::TableEntry);
+  add_all(kGroupWords, ControlClass::Group);
   std::int32_t number = 0;
-  add({"sectd", C::SectionReset, number++});
-  add({"sbkpage", C::SectionBreak, number++});
-  add({"sbknone", C::SectionBreak, number++});
-  add({"sbkcol", C::SectionBreak, number++});
-  add({"sbkeven", C::SectionBreak, number++});
-  add({"sbkodd", C::SectionBreak, number++});
-  for (const std::string_view name : kDocumentWords) add({name, C::DocumentWord, number++});
-  for (const std::string_view name : kSectionWords) add({name, C::SectionWord, number++});
+  add({"sectd", C::SectionReset, number++}, ControlClass::File);
+  for (const std::string_view name : kSectionBreaks) add({name, C::SectionBreak, number++}, ControlClass::File);
+  for (const std::string_view name : kDocumentWords) add({name, C::DocumentWord, number++}, ControlClass::File);
+  for (const std::string_view name : kSectionWords) add({name, C::SectionWord, number++}, ControlClass::File);
   return table;
 }();
 
@@ -343,6 +235,6 @@ const ControlWord& FindControl(std::string_view name) {
   return kUnknown;
 }
 
-int DocumentWordCount() { return static_cast<int>(6 + kDocumentWords.size() + kSectionWords.size()); }
+const std::size_t kDocumentWordCount = 1 + kSectionBreaks.size() + kDocumentWords.size() + kSectionWords.size();
 
 }  // namespace tme::rtf

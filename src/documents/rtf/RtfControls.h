@@ -1,32 +1,39 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 /// The control words that the reader knows. Internal to the reader.
 namespace tme::rtf {
 
+/// Which part of the reader a control word is for.
+enum class ControlClass : std::uint8_t {
+  Unknown,          ///< not in the table
+  Ignored,          ///< says nothing that is shown or worth keeping
+  Text,             ///< stands for text, or ends a paragraph
+  CharacterFormat,  ///< says how the text that follows looks
+  ParagraphFormat,  ///< the same of the paragraph
+  Border,           ///< of a paragraph, or of a cell while a row is being defined
+  Row,              ///< of a table
+  File,             ///< of the document, its sections and pages
+  TableEntry,       ///< of a font or a colour; means nothing outside their tables
+  Group,            ///< says what the group is that it begins
+};
+
 /// What a control word does; ControlWord::value says more where it is named.
 enum class Control : std::uint8_t {
-  Unknown,
-  Ignored,        ///< says nothing that is shown or worth keeping
+  None,  ///< of an unknown or ignored word
+  // ControlClass::Text
   Character,      ///< value: the character
   Paragraph,      ///< \par
   Section,        ///< \sect
-  Page,           ///< \page
-  Line,           ///< \line
+  Break,          ///< \line, \page; value: the character
   DynamicText,    ///< \chpgn and the like; kept, shown as a placeholder
   InvisibleMark,  ///< kept in its place, not shown: \chftn
-  // The file.
-  CodePage,      ///< value: the page, or 0 for that of the word's number
-  DefaultFont,   ///< \deff
-  DocumentWord,  ///< value: a number of its own
-  SectionReset,  ///< \sectd
-  SectionBreak,  ///< \sbknone and its kin; value: as for DocumentWord
-  SectionWord,   ///< value: as for DocumentWord
-  UnicodeSkip,   ///< \uc
-  Unicode,       ///< \u
-  // Looks of characters.
+  UnicodeSkip,    ///< \uc
+  Unicode,        ///< \u
+  // ControlClass::CharacterFormat
   Plain,
   FontNumber,
   FontSize,
@@ -42,7 +49,7 @@ enum class Control : std::uint8_t {
   Hidden,         ///< \v
   LeftToRight,    ///< takes back \rtlch
   CharacterWord,  ///< kept, not shown; the last one of its name counts
-  // Looks of paragraphs.
+  // ControlClass::ParagraphFormat
   ParagraphReset,
   Aligned,  ///< value: Alignment
   IndentLeft,
@@ -56,13 +63,14 @@ enum class Control : std::uint8_t {
   TabKindNext,    ///< value: TabKind
   TabLeaderNext,  ///< value: the leader
   PageBreakBefore,
-  ListOverride,   ///< \ls
-  ListLevel,      ///< \ilvl
-  ParagraphWord,  ///< kept, not shown; the last one of its name counts
-  BorderWord,     ///< kept, not shown; all count, in their order
-  // Tables.
+  ListOverride,  ///< \ls
+  ListLevel,     ///< \ilvl
   InTable,
   TableDepth,
+  ParagraphWord,  ///< kept, not shown; the last one of its name counts
+  // ControlClass::Border
+  BorderWord,  ///< kept, not shown; all count, in their order
+  // ControlClass::Row
   RowStart,  ///< \trowd
   RowWord,   ///< kept in the row's definition
   CellEdge,
@@ -72,14 +80,21 @@ enum class Control : std::uint8_t {
   NestedCellEnd,
   RowEnd,
   NestedRowEnd,
-  // Colour table and font table.
+  // ControlClass::File
+  CodePage,      ///< value: the page, or 0 for that of the word's number
+  DefaultFont,   ///< \deff
+  DocumentWord,  ///< value: a number of its own, below kDocumentWordCount
+  SectionReset,  ///< \sectd; value: as for DocumentWord
+  SectionBreak,  ///< \sbknone and its kin; value: as for DocumentWord
+  SectionWord,   ///< value: as for DocumentWord
+  // ControlClass::TableEntry
   Red,
   Green,
   Blue,
   FontCharset,
   FontCodePage,
   FontFamily,
-  // Groups.
+  // ControlClass::Group
   FontTable,
   ColorTable,
   SkippedGroup,
@@ -106,15 +121,20 @@ enum class Control : std::uint8_t {
 };
 
 struct ControlWord {
+  constexpr ControlWord() = default;
+  constexpr ControlWord(std::string_view its_name, Control its_control = Control::None, std::int32_t its_value = 0)
+      : name(its_name), value(its_value), control(its_control) {}
+
   std::string_view name{};
-  Control control = Control::Unknown;
   std::int32_t value = 0;
+  Control control = Control::None;
+  ControlClass control_class = ControlClass::Unknown;
 };
 
-/// By its exact letters. Never null; Control::Unknown, without a name, for others.
+/// By its exact letters. ControlClass::Unknown, without a name, for others.
 const ControlWord& FindControl(std::string_view name);
 
-/// How many different values DocumentWord and SectionWord have.
-int DocumentWordCount();
+/// How many different values the words of ControlClass::File have that are kept.
+extern const std::size_t kDocumentWordCount;
 
 }  // namespace tme::rtf

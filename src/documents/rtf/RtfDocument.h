@@ -97,13 +97,13 @@ struct Object {
   ObjectKind kind = ObjectKind::Placeholder;
   /// The group as it came, with its braces, or several that stood side by side; written back as it is. Empty for a
   /// picture that was inserted here.
-  std::string rtf;
+  std::string rtf{};
   /// Picture: the decoded bytes of the PNG or JPEG file.
-  std::string picture;
+  std::string picture{};
   std::int32_t width = 0;  ///< as shown, after scaling; 0: the picture's own
   std::int32_t height = 0;
   /// Placeholder: what it is, for people ("Picture (Windows metafile)", "Embedded object"); a footnote's text.
-  std::string label;
+  std::string label{};
 };
 
 /// A field with a result: the runs whose format names it are what it shows.

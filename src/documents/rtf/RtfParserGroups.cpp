@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "documents/rtf/RtfHyperlink.h"
 #include "documents/rtf/RtfParser.h"
+#include "documents/rtf/RtfPicture.h"
 
 namespace tme::rtf {
 namespace {
@@ -29,8 +31,8 @@ void SayUnicodeSkip(std::string& group, int skip) {
 
 /// The group that the control word stands in, as it came; it is closed.
 std::string Parser::TakeGroup() {
-  const bool is_whole = Top().is_untouched;
-  const int skip = (is_whole ? states_.end()[-2] : Top()).unicode_skip;
+  const bool is_whole = Top().has_only_words;
+  const int skip = (is_whole ? states_.end()[-2] : Top()).encoding.unicode_skip;
   std::string group;
   tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
   if (!is_whole) group.insert(group.begin(), '{');
@@ -46,86 +48,13 @@ void Parser::SkipGroup() {
   states_.pop_back();
 }
 
-std::string Parser::LabelOf(std::string_view group, Destination outside) {
-  RtfDocument unused;
-  Parser reader(group, unused, fonts_, Reading::Label);
-  reader.default_font_number_ = default_font_number_;
-  return reader.ReadLabel(outside, *Top().page, Top().unicode_skip);
-}
-
-void Parser::AddObject(ObjectKind kind, std::string group, std::string label) {
-  Object object;
-  object.kind = kind;
-  object.rtf = std::move(group);
-  object.label = std::move(label);
-  if (Top().destination != Destination::Body) return;
-  StartBody();
-  if (is_section_pending_ && kind != ObjectKind::Invisible) BreakSection();
-  Top().is_untouched = false;
-  builder_.AddObject(std::move(object), CharacterId());
-}
-
-void Parser::KeepInvisible(std::string group) { AddObject(ObjectKind::Invisible, std::move(group), {}); }
-
-void Parser::AddPicture(std::string group) {
-  PictureGroup picture = ReadPicture(group);
-  if (picture.too_large) ++document_.losses.limits;
-  if (picture.bytes.empty()) {
-    AddObject(ObjectKind::Placeholder, std::move(group), std::string(picture.label));
-    return;
-  }
-  StartBody();
-  if (is_section_pending_) BreakSection();
-  Object object;
-  object.kind = ObjectKind::Picture;
-  object.rtf = std::move(group);
-  object.picture = std::move(picture.bytes);
-  object.width = picture.width;
-  object.height = picture.height;
-  builder_.AddObject(std::move(object), CharacterId());
-}
-
-/// A drawing or an embedded object: its text, else its picture, else what it is.
-void Parser::AddDrawing(std::string group, std::string_view what) {
-  std::string label = LabelOf(group, Destination::Nowhere);
-  if (label.empty() && !ReadPicture(group).bytes.empty()) {
-    AddPicture(std::move(group));
-  } else {
-    AddObject(ObjectKind::Placeholder, std::move(group), label.empty() ? std::string(what) : std::move(label));
-  }
-}
-
-void Parser::AddField() {
-  std::string group = TakeGroup();
-  Field field;
-  field.url = UrlOfInstruction(LabelOf(group, Destination::Body));
-  field.instruction = std::move(group);
-  // Of the group around: one that the same group named before ends here.
-  field.parent = states_.end()[-2].character.field;
-  if (IsFieldTooDeep(field.parent)) {
-    ++document_.losses.limits;
-    KeepInvisible("{\\field" + field.instruction + "}");
-    return;
-  }
-  document_.fields.push_back(std::move(field));
-  Character().field = static_cast<std::uint32_t>(document_.fields.size());
-}
-
-/// Each field is two groups when it is written, and groups have a limit.
-bool Parser::IsFieldTooDeep(std::uint32_t parent) const {
-  constexpr int kMaxFieldDepth = 100;
-  int depth = 0;
-  for (; parent != 0 && depth < kMaxFieldDepth; ++depth) parent = document_.fields[parent - 1].parent;
-  return depth == kMaxFieldDepth;
+std::string Parser::LabelOfGroup(std::string_view group, LabelText which) {
+  return LabelOf(group, which, fonts_, Top().encoding);
 }
 
 void Parser::ReadUnknownGroup() {
   if (states_.size() <= 2) return;
-  if (reading_ == Reading::Label) {
-    if (Top().destination == Destination::Body) SkipGroup();
-    return;
-  }
-  if (Top().destination != Destination::Body) {
+  if (!IsBody()) {
     SkipGroup();
   } else if (is_body_) {
     KeepInvisible(TakeGroup());
@@ -137,8 +66,7 @@ void Parser::ReadUnknownGroup() {
 void Parser::ReadGroupWord(const ControlWord& word) {
   switch (word.control) {
     case Control::SkippedGroup:
-      SkipGroup();
-      return;
+      return SkipGroup();
     case Control::TransparentGroup:
       return;
     case Control::TwoForms:
@@ -149,94 +77,92 @@ void Parser::ReadGroupWord(const ControlWord& word) {
       if (Top().destination == Destination::Nowhere) Top().destination = Top().outer_destination;
       return;
     default:
-      break;
+      return IsBody() ? ReadBodyGroup(word) : SkipGroup();
   }
-  if (reading_ == Reading::Label) {
-    ReadLabelGroupWord(word);
-    return;
-  }
-  if (Top().destination != Destination::Body) {
-    SkipGroup();
-    return;
-  }
-  ReadBodyGroup(word);
 }
 
 void Parser::ReadBodyGroup(const ControlWord& word) {
   switch (word.control) {
     case Control::FontTable:
       Top().destination = Destination::FontTable;
-      break;
+      return;
     case Control::ColorTable:
       Top().destination = Destination::ColorTable;
-      break;
+      return;
     case Control::HeaderGroup:
       document_.kept_header += TakeGroup();
-      break;
+      return;
     case Control::ListTable:
-    case Control::OverrideTable: {
-      const std::string group = TakeGroup();
-      const bool all = word.control == Control::ListTable ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
-      if (!all) ++document_.losses.limits;
-      document_.kept_header += group;
-      break;
-    }
+    case Control::OverrideTable:
+      return ReadLists(word);
     case Control::SectionGroup:
-      if (is_first_section_) {
-        document_.kept_section += TakeGroup();
-      } else {
-        KeepInvisible(TakeGroup());
-      }
-      break;
-    case Control::LegacyNumbering: {
-      const LegacyList list = ReadLegacyNumbering(TakeGroup());
-      ParagraphFormat& format = OwnParagraph().format;
-      format.list = list.look.kind;
-      format.list_start = list.look.start;
-      format.list_level = list.level;
-      break;
-    }
+      if (!is_first_section_) return KeepInvisible(TakeGroup());
+      document_.kept_section += TakeGroup();
+      return;
+    case Control::LegacyNumbering:
+      return ReadLegacyList();
     case Control::ListText:
-      list_of_text_ = ListKindOfText(LabelOf(TakeGroup(), Destination::Body));
-      break;
+      list_of_text_ = ListKindOfText(LabelOfGroup(TakeGroup(), LabelText::All));
+      return;
     case Control::Field:
-      Top().is_field = Top().is_untouched;  // text before the word is not the field's
-      Top().output_before = builder_.Additions();
-      Top().effects_before = effects_;
-      Top().fields_before = document_.fields.size();
-      break;
+      return BeginField();
     case Control::FieldInstruction:
-      AddField();
-      break;
+      return AddField();
     case Control::NestedTableProperties:
       Top().is_nested_properties = true;
-      break;
+      return;
     case Control::Picture:
     case Control::AlternativePicture:
-      AddPicture(TakeGroup());
-      break;
+      return AddPicture(TakeGroup());
     case Control::ShownPicture:
-      AddShownPicture();
-      break;
+      return AddShownPicture();
     case Control::Object:
-      AddDrawing(TakeGroup(), "Embedded object");
-      break;
+      return AddDrawing("Embedded object");
     case Control::Drawing:
-      AddDrawing(TakeGroup(), "Drawing");
-      break;
+      return AddDrawing("Drawing");
     case Control::Footnote:
-      AddFootnote();
-      break;
+      return AddFootnote();
     default:
-      KeepInvisible(TakeGroup());
-      break;
+      return KeepInvisible(TakeGroup());
   }
 }
 
-void Parser::AddFootnote() {
-  std::string group = TakeGroup();
-  std::string label = LabelOf(group, Destination::Body);
-  AddObject(ObjectKind::Placeholder, std::move(group), std::move(label));
+void Parser::ReadLists(const ControlWord& word) {
+  const std::string group = TakeGroup();
+  const bool all = word.control == Control::ListTable ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
+  if (!all) ++document_.losses.limits;
+  document_.kept_header += group;
+}
+
+void Parser::ReadLegacyList() {
+  const LegacyList list = ReadLegacyNumbering(TakeGroup());
+  ParagraphFormat& format = OwnParagraph().format;
+  format.list = list.style.kind;
+  format.list_start = list.style.start;
+  format.list_level = list.level;
+}
+
+void Parser::AddObject(Object&& object) {
+  if (!IsBody()) return;
+  StartBody();
+  if (is_section_pending_ && object.kind != ObjectKind::Invisible) BreakSection();
+  Top().has_only_words = false;
+  builder_.AddObject(std::move(object), CharacterId());
+}
+
+void Parser::KeepInvisible(std::string group) { AddObject({.kind = ObjectKind::Invisible, .rtf = std::move(group)}); }
+
+void Parser::AddPicture(std::string group) {
+  PictureGroup picture = ReadPicture(group);
+  if (picture.too_large) ++document_.losses.limits;
+  if (picture.bytes.empty()) {
+    return AddObject({.rtf = std::move(group), .label = std::string(picture.label)});
+  }
+  AddObject({.kind = ObjectKind::Picture,
+             .rtf = std::move(group),
+             .picture = std::move(picture.bytes),
+             .width = picture.width,
+             .height = picture.height});
 }
 
 /// With the form for other readers, which follows.
@@ -252,26 +178,49 @@ void Parser::AddShownPicture() {
   AddPicture(std::move(group));
 }
 
-/// In the text of a group that is kept: what it holds of its own kind is passed over.
-void Parser::ReadLabelGroupWord(const ControlWord& word) {
-  const bool is_hidden = Top().destination == Destination::Nowhere;
-  switch (word.control) {
-    case Control::Field:
-      return;
-    case Control::DrawingText:
-      if (is_hidden) {
-        Top().destination = Destination::Body;
-        return;
-      }
-      break;
-    case Control::Drawing:
-    case Control::Object:
-      if (is_hidden) return;
-      break;
-    default:
-      break;
+/// A drawing or an embedded object is shown as its text, else as its picture, else as what it is.
+void Parser::AddDrawing(std::string_view what) {
+  std::string group = TakeGroup();
+  std::string label = LabelOfGroup(group, LabelText::OfDrawing);
+  if (label.empty() && !ReadPicture(group).bytes.empty()) return AddPicture(std::move(group));
+  AddObject({.rtf = std::move(group), .label = label.empty() ? std::string(what) : std::move(label)});
+}
+
+void Parser::AddFootnote() {
+  std::string group = TakeGroup();
+  std::string label = LabelOfGroup(group, LabelText::All);
+  AddObject({.rtf = std::move(group), .label = std::move(label)});
+}
+
+void Parser::BeginField() {
+  State& state = Top();
+  state.is_field = state.has_only_words;  // text before the word is not the field's
+  state.output_before = builder_.Additions();
+  state.effects_before = effects_;
+  state.fields_before = document_.fields.size();
+}
+
+void Parser::AddField() {
+  std::string group = TakeGroup();
+  Field field;
+  field.url = UrlOfInstruction(LabelOfGroup(group, LabelText::All));
+  field.instruction = std::move(group);
+  // Of the group around: one that the same group named before ends here.
+  field.parent = states_.end()[-2].character.field;
+  if (IsFieldTooDeep(field.parent)) {
+    ++document_.losses.limits;
+    return KeepInvisible("{\\field" + field.instruction + "}");
   }
-  SkipGroup();
+  document_.fields.push_back(std::move(field));
+  Character().field = static_cast<std::uint32_t>(document_.fields.size());
+}
+
+/// Each field is two groups when it is written, and groups have a limit.
+bool Parser::IsFieldTooDeep(std::uint32_t parent) const {
+  constexpr int kMaxFieldDepth = 100;
+  int depth = 0;
+  for (; parent != 0 && depth < kMaxFieldDepth; ++depth) parent = document_.fields[parent - 1].parent;
+  return depth == kMaxFieldDepth;
 }
 
 }  // namespace tme::rtf

@@ -1,22 +1,9 @@
 #include <algorithm>
-#include <cctype>
-#include <utility>
 
 #include "documents/rtf/RtfParser.h"
 
 namespace tme::rtf {
 namespace {
-
-constexpr std::string_view kLineBreak = "\xE2\x80\xA8";
-constexpr std::int32_t kMaxHalfPoints = 3276;
-constexpr std::uint32_t kDefaultHalfPoints = 24;
-constexpr std::size_t kMaxTabs = 64;
-constexpr std::size_t kMaxRowCells = 1024;
-constexpr std::size_t kMaxColors = 65'536;
-constexpr std::size_t kMaxUnknownDocumentWords = 256;
-constexpr std::int32_t kMaxFontNumber = 65'535;
-constexpr std::size_t kMaxNameBytes = 256;
-constexpr int kMaxUnicodeSkip = 255;
 
 std::string InBraces(std::string_view word) {
   std::string text("{");
@@ -37,522 +24,235 @@ std::string_view Parser::RawWord() const {
   return raw;
 }
 
-/// For change: the group's own from now on.
-Parser::ParagraphState& Parser::OwnParagraph() {
-  if (!Top().owns_paragraph) {
-    ParagraphState copy = Paragraph();
-    paragraphs_.push_back(std::move(copy));
-    Top().paragraph = static_cast<std::uint32_t>(paragraphs_.size() - 1);
-    Top().owns_paragraph = true;
-  }
-  return Paragraph();
-}
-
-CharFormat& Parser::Character() {
-  Top().character_id = kStale;
-  return Top().character;
-}
-
 void Parser::ReadWord(const ControlWord& word) {
-  if (fallback_left_ > 0 && word.control == Control::Character) {
-    --fallback_left_;
-    return;
-  }
-  if (word.control != Control::Unicode) fallback_left_ = 0;
-  if (word.control >= Control::FontTable) {
+  if (word.control == Control::Character && decoder_.SkipFallback()) return;
+  if (word.control != Control::Unicode) decoder_.EndFallback();
+  const Destination destination = Top().destination;
+  if (word.control_class == ControlClass::Group) {
     if (!IsOfField(word.control)) ++effects_;
     if (states_.size() > 2) ReadGroupWord(word);
-    return;
+  } else if (destination == Destination::FontTable || destination == Destination::ColorTable) {
+    if (word.control_class == ControlClass::Text) return ReadTextWord(word);
+    if (destination == Destination::FontTable) return fonts_.ReadWord(word, token_.value, Top().encoding);
+    colors_.ReadWord(word, token_.value);
+  } else {
+    ReadBodyWord(word);
   }
-  if (reading_ == Reading::Label) {
-    ReadLabelWord(word);
-    return;
-  }
-  if (Top().destination == Destination::FontTable || Top().destination == Destination::ColorTable) {
-    ReadFontWord(word);
-    return;
-  }
-  if (word.control == Control::Ignored) return;
-  if (ReadTextWord(word)) {
-    if (word.control != Control::UnicodeSkip) Touch();
-    return;
-  }
-  if (ReadCharacterWord(word)) return;
-  if (word.control >= Control::ParagraphReset && word.control <= Control::TableDepth) OwnParagraph();
-  if (ReadParagraphWord(word)) return;
-  if (ReadTableWord(word) || ReadFileWord(word)) {
-    Touch();
-    return;
-  }
-  KeepWord(word);
 }
 
-void Parser::ReadLabelWord(const ControlWord& word) {
-  switch (word.control) {
-    case Control::FontNumber:
-      SetFont(token_.value);
-      break;
-    case Control::Plain:
-      Top().page = &fonts_.PageOf(fonts_.IndexOf(default_font_number_));
-      break;
-    case Control::RowEnd:
-    case Control::NestedRowEnd:
-      EndParagraph(0);
-      break;
-    case Control::CellEnd:
-    case Control::NestedCellEnd:
-      EmitCharacter('\t');
-      break;
-    default:
+void Parser::ReadBodyWord(const ControlWord& word) {
+  switch (word.control_class) {
+    case ControlClass::CharacterFormat:
+      return ReadCharacterWord(word);
+    case ControlClass::ParagraphFormat:
+      return ReadParagraphWord(word);
+    case ControlClass::Text:
       ReadTextWord(word);
-      break;
+      if (word.control != Control::UnicodeSkip) NoteEffect();
+      return;
+    case ControlClass::Border:
+      return ReadBorderWord(word);
+    case ControlClass::Row:
+      ReadRowWord(word);
+      return NoteEffect();
+    case ControlClass::File:
+      ReadFileWord(word);
+      return NoteEffect();
+    case ControlClass::Unknown:
+      return ReadUnknownWord(word);
+    case ControlClass::Ignored:
+    case ControlClass::TableEntry:
+    case ControlClass::Group:
+      return;
   }
 }
 
-bool Parser::ReadTextWord(const ControlWord& word) {
+void Parser::ReadTextWord(const ControlWord& word) {
   switch (word.control) {
     case Control::Character:
-      EmitCharacter(static_cast<char32_t>(word.value));
-      return true;
+    case Control::Break:
+      return decoder_.Put(static_cast<char32_t>(word.value));
     case Control::Unicode:
-      if (token_.has_value) ReadUnicode(token_.value);
-      return true;
+      if (token_.has_value) decoder_.ReadUnicode(token_.value, Top().encoding);
+      return;
     case Control::UnicodeSkip:
-      Top().unicode_skip =
-          static_cast<std::uint8_t>(token_.has_value ? std::clamp(token_.value, 0, kMaxUnicodeSkip) : 1);
-      return true;
+      Top().encoding.unicode_skip = UnicodeSkipOf(token_);
+      return;
     case Control::Paragraph:
       EndParagraph(Paragraph().TableLevel());
-      Top().is_untouched = false;
-      return true;
-    case Control::Line:
-      Emit(kLineBreak);
-      return true;
-    case Control::Page:
-      Emit("\f");
-      return true;
+      Top().has_only_words = false;
+      return;
     case Control::Section:
-      if (reading_ == Reading::Label || Top().destination != Destination::Body) return true;
+      if (!IsBody()) return;
       if (builder_.HasVisiblePending()) EndParagraph(Paragraph().TableLevel());
       is_section_pending_ = true;
       is_first_section_ = false;
-      return true;
+      return;
     case Control::InvisibleMark:
-      if (reading_ == Reading::Document) KeepInvisible(InBraces(RawWord()));
-      return true;
+      return KeepInvisible(InBraces(RawWord()));
     case Control::DynamicText: {
-      if (reading_ == Reading::Label) return true;
       const bool is_number = word.name == "chpgn" || word.name == "sectnum";
       const std::string_view label = is_number ? "Number" : word.name == "chtime" ? "Time" : "Date";
-      AddObject(ObjectKind::Placeholder, InBraces(RawWord()), std::string(label));
-      return true;
+      return AddObject({.kind = ObjectKind::Placeholder, .rtf = InBraces(RawWord()), .label = std::string(label)});
     }
     default:
-      return false;
+      return;
   }
 }
 
-bool Parser::ReadCharacterWord(const ControlWord& word) {
+void Parser::ReadCharacterWord(const ControlWord& word) {
   switch (word.control) {
     case Control::Plain: {
-      const std::uint32_t field = Top().character.field;
-      Character() = default_character_;
-      Top().character.field = field;
-      Top().page = &fonts_.PageOf(default_character_.font);
-      return true;
+      CharFormat plain;
+      plain.font = fonts_.Default();
+      plain.field = Top().character.field;
+      Character() = plain;
+      Top().encoding.page = &fonts_.PageOf(plain.font);
+      return;
     }
     case Control::FontNumber:
-      SetFont(token_.value);
-      return true;
-    case Control::FontSize:
-      Character().half_points =
-          token_.value > 0 ? static_cast<std::uint32_t>(std::min(token_.value, kMaxHalfPoints)) : kDefaultHalfPoints;
-      return true;
-    case Control::Color:
-      Character().color = ColorOf(token_.value);
-      return true;
-    case Control::Background:
-      Character().background = ColorOf(token_.value);
-      return true;
-    case Control::Bold:
-      Character().bold = IsOn();
-      return true;
-    case Control::Italic:
-      Character().italic = IsOn();
-      return true;
-    case Control::Hidden:
-      Character().hidden = IsOn();
-      return true;
-    case Control::Underlined:
-      Character().underline = IsOn() ? static_cast<Underline>(word.value) : Underline::None;
-      return true;
-    case Control::Struck:
-      Character().strike = IsOn() ? static_cast<Strike>(word.value) : Strike::None;
-      return true;
-    case Control::Scripted:
-      Character().script = IsOn() ? static_cast<Script>(word.value) : Script::Normal;
-      return true;
-    case Control::Raised: {
-      const bool is_up = (word.value > 0) == (token_.value > 0);
-      Character().script = !IsOn() ? Script::Normal : is_up ? Script::Super : Script::Sub;
-      return true;
-    }
-    case Control::Capital:
-      Character().capitals = IsOn() ? static_cast<Capitals>(word.value) : Capitals::None;
-      return true;
+      return SetFont(token_.value);
+    case Control::LeftToRight:
+      if (Top().character.extra != 0) KeepWithCharacters("rtlch", Extra::Remove);
+      return;
+    case Control::CharacterWord:
+      return KeepWithCharacters(token_.text, Extra::Replace);
     default:
-      return false;
+      return ApplyCharacterWord(word, token_, colors_, Character());
   }
 }
 
-bool Parser::ReadParagraphWord(const ControlWord& word) {
-  ParagraphState& paragraph = Paragraph();
-  ParagraphFormat& format = paragraph.format;
-  const std::int32_t value = token_.value;
+void Parser::ReadParagraphWord(const ControlWord& word) {
+  ParagraphState& paragraph = OwnParagraph();
   switch (word.control) {
     case Control::ParagraphReset:
-      if (Top().destination == Destination::Body) StartBody();
+      if (IsBody()) StartBody();
       paragraph = {};
-      open_row_ = 0;
-      return true;
-    case Control::Aligned:
-      format.alignment = static_cast<Alignment>(word.value);
-      return true;
-    case Control::IndentLeft:
-      format.left = value;
-      return true;
-    case Control::IndentRight:
-      format.right = value;
-      return true;
-    case Control::IndentFirst:
-      format.first_line = value;
-      return true;
-    case Control::SpaceBefore:
-      format.space_before = value;
-      return true;
-    case Control::SpaceAfter:
-      format.space_after = value;
-      return true;
-    case Control::LineSpacing:
-      format.line_spacing = value;
-      return true;
-    case Control::LineMultiple:
-      format.line_multiple = IsOn();
-      return true;
-    case Control::TabAt:
-      AddTab(word.value != 0 ? TabKind::Bar : paragraph.next_tab);
-      return true;
-    case Control::TabKindNext:
-      paragraph.next_tab = static_cast<TabKind>(word.value);
-      return true;
-    case Control::TabLeaderNext:
-      paragraph.next_leader = static_cast<TabLeader>(word.value);
-      return true;
-    case Control::PageBreakBefore:
-      format.page_break_before = IsOn();
-      return true;
-    case Control::ListOverride:
-      format.list_id = value;
-      FindList(format);
-      return true;
-    case Control::ListLevel:
-      format.list_level = static_cast<std::uint8_t>(std::clamp(value, 0, 8));
-      FindList(format);
-      return true;
-    case Control::InTable:
-      paragraph.is_in_table = IsOn();
-      return true;
-    case Control::TableDepth:
-      paragraph.table_depth = std::clamp(value, 0, kMaxTableLevel);
-      document_.losses.deep_tables = document_.losses.deep_tables || value > kMaxTableLevel;
-      return true;
+      return rows_.End();
+    case Control::ParagraphWord:
+      return KeepWithParagraph(Extra::Replace);
     default:
-      return false;
+      return ApplyParagraphWord(word, token_, lists_, paragraph, document_.losses);
   }
 }
 
-void Parser::AddTab(TabKind kind) {
-  ParagraphState& paragraph = Paragraph();
-  if (paragraph.format.tabs.size() < kMaxTabs) {
-    paragraph.format.tabs.push_back({token_.value, kind, paragraph.next_leader});
-  } else {
-    ++document_.losses.limits;
-  }
-  paragraph.next_tab = TabKind::Left;
-  paragraph.next_leader = TabLeader::None;
+void Parser::ReadBorderWord(const ControlWord& word) {
+  OwnParagraph();
+  if (!rows_.IsOpen()) return KeepWithParagraph(Extra::Append);
+  AddRowWord(word);
+  NoteEffect();
 }
 
-void Parser::FindList(ParagraphFormat& format) {
-  if (format.list_id == 0) return;
-  const ListLook look = lists_.Find(format.list_id, format.list_level);
-  format.list = look.kind;
-  format.list_start = look.start;
-}
-
-RowDefinition& Parser::RowDefinitionOf(int level) {
-  const auto index = static_cast<std::size_t>(std::clamp(level, 1, kMaxTableLevel)) - 1;
-  if (index >= row_definitions_.size()) row_definitions_.resize(index + 1);
-  return row_definitions_[index];
-}
-
-bool Parser::ReadTableWord(const ControlWord& word) {
+void Parser::ReadRowWord(const ControlWord& word) {
   const int nested = std::max(2, Paragraph().TableLevel());
   switch (word.control) {
-    case Control::RowStart: {
-      if (Top().destination == Destination::Body) StartBody();
-      open_row_ = static_cast<std::uint32_t>(Top().is_nested_properties ? nested : 1);
-      RowDefinition& row = RowDefinitionOf(static_cast<int>(open_row_));
-      row = {};
-      row.words = RawWord();
-      return true;
-    }
+    case Control::RowStart:
+      if (IsBody()) StartBody();
+      return rows_.Begin(Top().is_nested_properties ? nested : 1, RawWord());
     case Control::CellEnd:
-    case Control::NestedCellEnd: {
-      if (Top().destination != Destination::Body) return true;
-      const int level = word.control == Control::CellEnd ? 1 : nested;
-      EndParagraph(level);
-      builder_.EndCell(level);
-      Top().is_untouched = false;
-      return true;
-    }
+      return EndCell(1);
+    case Control::NestedCellEnd:
+      return EndCell(nested);
     case Control::RowEnd:
-      EndRow(1);
-      return true;
+      return EndRow(1);
     case Control::NestedRowEnd:
-      EndRow(nested);
-      return true;
+      return EndRow(nested);
     default:
-      break;
+      if (rows_.IsOpen()) AddRowWord(word);
+      return;
   }
-  const bool is_named_as_row =
-      word.control == Control::Unknown &&
-      (token_.text.starts_with("tr") || token_.text.starts_with("cl") || token_.text.starts_with("ts"));
-  const bool is_row_word =
-      is_named_as_row || (word.control >= Control::RowWord && word.control <= Control::HorizontalMerge);
-  if (open_row_ == 0) return is_row_word;
-  if (!is_row_word && word.control != Control::BorderWord && word.control != Control::Unknown) return false;
-  RowDefinition& row = RowDefinitionOf(static_cast<int>(open_row_));
-  row.words += RawWord();
-  if (word.control == Control::VerticalMerge) row.next.vertical_merge = static_cast<std::uint8_t>(word.value);
-  if (word.control == Control::HorizontalMerge) row.next.horizontal_merge = static_cast<std::uint8_t>(word.value);
-  if (word.control != Control::CellEdge) return true;
-  if (row.cells.size() < kMaxRowCells) {
-    row.next.right_edge = token_.value;
-    row.cells.push_back(row.next);
-    row.words_to_last_edge = row.words.size();
-  } else {
-    ++document_.losses.limits;
-  }
-  row.next = {};
-  return true;
 }
 
-bool Parser::ReadFileWord(const ControlWord& word) {
+void Parser::AddRowWord(const ControlWord& word) {
+  if (!rows_.Add(word, token_.value, RawWord())) ++document_.losses.limits;
+}
+
+void Parser::EndCell(int level) {
+  if (!IsBody()) return;
+  EndParagraph(level);
+  builder_.EndCell(level);
+}
+
+void Parser::EndRow(int level) {
+  if (!IsBody()) return;
+  if (builder_.HasVisiblePending()) EndCell(level);  // text without a cell's end stands in a cell all the same
+  builder_.EndRow(level, rows_.Of(level));
+  rows_.End(level);
+}
+
+void Parser::ReadFileWord(const ControlWord& word) {
   switch (word.control) {
     case Control::CodePage: {
       const int page = word.value != 0 ? word.value : token_.value;
-      if (page <= kPrivateSymbolPage) return true;
-      fonts_.ansi_page = page;
-      for (State& state : states_) state.page = &fonts_.PageOf(state.character.font);
-      return true;
+      if (page <= kPrivateSymbolPage) return;
+      fonts_.SetAnsiPage(page);
+      for (State& state : states_) state.encoding.page = &fonts_.PageOf(state.character.font);
+      return;
     }
     case Control::DefaultFont:
-      if (is_body_) return true;  // text without a font stands already
-      default_font_number_ = token_.value;
-      ApplyDefaultFont();
-      return true;
+      if (is_body_) return;  // text without a font stands already
+      fonts_.SetDefaultNumber(token_.value);
+      return ApplyDefaultFont();
+    case Control::DocumentWord:
+      return document_controls_.Keep(word, RawWord());
     case Control::SectionBreak:
       section_begins_page_ = word.name != "sbknone" && word.name != "sbkcol";
       break;
     case Control::SectionReset:
       section_begins_page_ = true;
       break;
-    case Control::DocumentWord:
-      KeepDocumentWord(word.value);
-      return true;
-    case Control::SectionWord:
-      break;
     default:
-      return false;
+      break;
   }
   if (is_first_section_) {
-    KeepDocumentWord(word.value);
+    document_controls_.Keep(word, RawWord());
   } else if (word.control == Control::SectionWord && document_.losses.named.empty()) {
     document_.losses.named.emplace_back("page layout of later sections");
   }
-  return true;
 }
 
-void Parser::KeepDocumentWord(std::int32_t number) {
-  document_word_places_.resize(static_cast<std::size_t>(DocumentWordCount()));
-  std::uint32_t& place = document_word_places_[static_cast<std::size_t>(number)];
-  if (place == 0) {
-    document_words_.push_back(RawWord());
-    place = static_cast<std::uint32_t>(document_words_.size());
+/// Goes with the row that is being defined, else with the text, else with the document.
+void Parser::ReadUnknownWord(const ControlWord& word) {
+  const std::string_view name = token_.text;
+  const bool is_named_as_row = name.starts_with("tr") || name.starts_with("cl") || name.starts_with("ts");
+  if (rows_.IsOpen() || is_named_as_row) {
+    if (rows_.IsOpen()) AddRowWord(word);
+    NoteEffect();
+  } else if (is_body_) {
+    KeepWithCharacters(name, Extra::Replace);
   } else {
-    document_words_[place - 1] = RawWord();
+    document_controls_.KeepUnknown(RawWord());
   }
 }
 
-/// What is not shown, but goes with the text.
-void Parser::KeepWord(const ControlWord& word) {
-  const bool is_border = word.control == Control::BorderWord;
-  if (word.control == Control::LeftToRight) {
-    const bool is_kept = Top().character.extra != 0;
-    if (is_kept) Character().extra = builder_.AddExtra(Top().character.extra, RawWord(), "rtlch", Extra::Remove);
-  } else if (is_border || word.control == Control::ParagraphWord) {
-    ParagraphFormat& format = Paragraph().format;
-    format.extra = builder_.AddExtra(format.extra, RawWord(), token_.text, is_border ? Extra::Append : Extra::Replace);
-  } else if (word.control == Control::CharacterWord || (word.control == Control::Unknown && is_body_)) {
-    CharFormat& format = Character();
-    format.extra = builder_.AddExtra(format.extra, RawWord(), token_.text, Extra::Replace);
-  } else if (word.control == Control::Unknown && document_words_.size() < kMaxUnknownDocumentWords &&
-             std::find(document_words_.begin(), document_words_.end(), RawWord()) == document_words_.end()) {
-    document_words_.push_back(RawWord());
-  }
+/// `name`: of the word that it takes the place of.
+void Parser::KeepWithCharacters(std::string_view name, Extra how) {
+  CharFormat& format = Character();
+  format.extra = builder_.AddExtra(format.extra, RawWord(), name, how);
+}
+
+void Parser::KeepWithParagraph(Extra how) {
+  ParagraphFormat& format = Paragraph().format;
+  format.extra = builder_.AddExtra(format.extra, RawWord(), token_.text, how);
 }
 
 void Parser::SetFont(std::int32_t number) {
   std::uint32_t index = fonts_.IndexOf(number);
-  if (index == FontContext::kNoFont) index = default_character_.font;
+  if (index == FontTable::kNoFont) index = fonts_.Default();
   Character().font = index;
-  Top().page = &fonts_.PageOf(index);
+  Top().encoding.page = &fonts_.PageOf(index);
 }
 
-void Parser::ReadFontWord(const ControlWord& word) {
-  switch (word.control) {
-    case Control::FontNumber:
-      EndFont();
-      font_ = {};
-      font_.number = token_.value;
-      font_code_page_ = -1;
-      is_in_font_ = true;
-      break;
-    case Control::FontFamily:
-      font_.family = word.name.substr(1);
-      break;
-    case Control::FontCharset:
-    case Control::FontCodePage: {
-      const bool is_charset = word.control == Control::FontCharset;
-      if (is_charset) font_.charset = token_.value;
-      const int page = is_charset ? CodePageOfCharset(token_.value) : token_.value;
-      if (is_charset || page > kPrivateSymbolPage) font_code_page_ = page;
-      // The name itself is never in symbols.
-      if (font_code_page_ > kPrivateSymbolPage) Top().page = &fonts_.pages.Get(font_code_page_);
-      break;
-    }
-    case Control::Red:
-    case Control::Green:
-    case Control::Blue: {
-      const auto shift = word.control == Control::Red ? 16u : word.control == Control::Green ? 8u : 0u;
-      color_ |= static_cast<std::uint32_t>(std::clamp(token_.value, 0, 255)) << shift;
-      is_color_given_ = true;
-      break;
-    }
-    default:
-      ReadTextWord(word);
-      break;
-  }
-}
-
-void Parser::EmitFontName(std::string_view text) {
-  while (is_in_font_ && !text.empty()) {
-    const std::size_t end = std::min(text.find(';'), text.size());
-    if (font_.name.size() < kMaxNameBytes) font_.name += text.substr(0, end);
-    if (end == text.size()) return;
-    EndFont();
-    text.remove_prefix(end + 1);
-  }
-}
-
-void Parser::EndFont() {
-  if (!is_in_font_) return;
-  is_in_font_ = false;
-  const std::size_t first = std::min(font_.name.find_first_not_of(' '), font_.name.size());
-  font_.name.erase(0, first);
-  font_.name.erase(font_.name.find_last_not_of(' ') + 1);
-  // Text without a font stands already; a default font that comes after it must not turn its letters into symbols.
-  const int usual_page = CodePageOfFont(font_.charset, font_.name);
-  const bool is_symbols = usual_page == kSymbolPage || usual_page == kPrivateSymbolPage;
-  const bool is_late_symbols =
-      is_body_ && default_character_.font == FontContext::kNoFont && font_.number == default_font_number_ && is_symbols;
-  if (is_late_symbols || document_.fonts.size() >= kMaxFonts || font_.number < 0 || font_.number > kMaxFontNumber) {
-    ++document_.losses.limits;
-    return;
-  }
-  // A name alone makes symbols only where nothing else is said; a charset of symbols does so whatever page follows.
-  if (font_.name == "Symbol" && font_code_page_ == -1) font_code_page_ = kSymbolPage;
-  if (is_symbols) font_code_page_ = usual_page;
-  const auto number = static_cast<std::size_t>(font_.number);
-  std::vector<std::uint32_t>& indices = fonts_.index_of_number;
-  if (number >= indices.size()) indices.resize(number + 1, FontContext::kNoFont);
-  indices[number] = static_cast<std::uint32_t>(document_.fonts.size());
-  fonts_.page_of_font.push_back(font_code_page_);
-  document_.fonts.push_back(std::move(font_));
-}
-
-/// A font that text has goes under a number of its own when its number has come to mean another.
-void Parser::NumberFonts() {
-  std::vector<std::uint32_t>& indices = fonts_.index_of_number;
-  std::vector<bool> is_used(document_.fonts.size());
-  for (const CharFormat& format : document_.char_formats) {
-    if (format.font < is_used.size()) is_used[format.font] = true;
-  }
-  std::size_t unused = 0;
-  for (std::uint32_t index = 0; index < document_.fonts.size(); ++index) {
-    std::int32_t& number = document_.fonts[index].number;
-    if (!is_used[index] || fonts_.IndexOf(number) == index) continue;
-    const auto is_taken = [&](std::size_t at) {
-      return std::cmp_equal(at, default_font_number_) || (at < indices.size() && indices[at] != FontContext::kNoFont);
-    };
-    while (is_taken(unused)) ++unused;
-    if (unused >= indices.size()) indices.resize(unused + 1, FontContext::kNoFont);
-    indices[unused] = index;
-    number = static_cast<std::int32_t>(unused);
-  }
-  const bool has_default = default_character_.font < document_.fonts.size();
-  document_.default_font = has_default ? document_.fonts[default_character_.font].number : default_font_number_;
-}
-
-void Parser::EndColors() {
-  if (first_color_ == 0 || color_of_zero_ != 0) return;
-  document_.colors.push_back(first_color_);
-  color_of_zero_ = static_cast<std::uint32_t>(document_.colors.size() - 1);
-}
-
-/// Of the text that names no font.
+/// To all text that names no font.
 void Parser::ApplyDefaultFont() {
-  const std::uint32_t index = fonts_.IndexOf(default_font_number_);
-  if (is_body_ || index == FontContext::kNoFont) return;
+  const std::uint32_t before = fonts_.Default();
+  if (!fonts_.ResolveDefault()) return;
   for (State& state : states_) {
-    if (state.character.font != default_character_.font) continue;
-    state.character.font = index;
+    if (state.character.font != before) continue;
+    state.character.font = fonts_.Default();
     state.character_id = kStale;
-    state.page = &fonts_.PageOf(index);
+    state.encoding.page = &fonts_.PageOf(fonts_.Default());
   }
-  default_character_.font = index;
-}
-
-void Parser::EmitColors(std::string_view text) {
-  for (const char c : text) {
-    if (c != ';') continue;
-    std::vector<std::uint32_t>& colors = document_.colors;
-    if (colors.size() >= kMaxColors) {
-      ++document_.losses.limits;
-      continue;
-    }
-    const bool is_first = colors.empty();
-    colors.push_back(is_first ? 0 : color_);
-    // A first colour that is given is a colour like the others; it goes on under another number.
-    if (is_first && is_color_given_) first_color_ = color_;
-    color_ = 0;
-    is_color_given_ = false;
-  }
-}
-
-std::uint32_t Parser::ColorOf(std::int32_t number) const {
-  if (number <= 0) return color_of_zero_;
-  return static_cast<std::size_t>(number) < document_.colors.size() ? static_cast<std::uint32_t>(number) : 0;
 }
 
 }  // namespace tme::rtf

@@ -40,8 +40,7 @@ RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode) {
   if (rtf.starts_with(kByteOrderMark)) rtf.remove_prefix(kByteOrderMark.size());
   rtf.remove_prefix(std::min(rtf.find_first_not_of(" \t\r\n"), rtf.size()));
   if (rtf.starts_with("{\\rtf")) {
-    FontContext fonts(decode);
-    Parser(rtf, document, fonts, Reading::Document).ReadDocument();
+    Parser(rtf, document, decode).Read();
   } else {
     ReadAsText(bytes, decode, document);
   }

@@ -28,6 +28,11 @@ struct Token {
   std::int32_t value = 0;   ///< of Word; what is out of range is the nearest
   std::size_t begin = 0;    ///< where it stands in the bytes
   std::string_view text{};  ///< the bytes of Text, HighText and Binary; the letters of Word
+
+  /// Whether a Word that can be switched off with the number 0 is on.
+  bool IsOn() const { return !has_value || value != 0; }
+  /// Whether a Symbol is a line end, which stands for \par.
+  bool IsLineEnd() const { return byte == '\r' || byte == '\n'; }
 };
 
 class Tokenizer {

@@ -1,0 +1,49 @@
+#include "documents/rtf/RtfColorTable.h"
+
+#include <algorithm>
+
+namespace tme::rtf {
+namespace {
+
+constexpr std::size_t kMaxColors = 65'536;
+
+}  // namespace
+
+void ColorTable::ReadWord(const ControlWord& word, std::int32_t value) {
+  if (word.control != Control::Red && word.control != Control::Green && word.control != Control::Blue) return;
+  const auto shift = word.control == Control::Red ? 16u : word.control == Control::Green ? 8u : 0u;
+  entry_ |= static_cast<std::uint32_t>(std::clamp(value, 0, 255)) << shift;
+  is_entry_given_ = true;
+}
+
+void ColorTable::ReadText(std::string_view text) {
+  for (const char c : text) {
+    if (c == ';') EndEntry();
+  }
+}
+
+void ColorTable::EndEntry() {
+  if (document_.colors.size() >= kMaxColors) {
+    ++document_.losses.limits;
+    return;
+  }
+  const bool is_first = document_.colors.empty();
+  document_.colors.push_back(is_first ? 0 : entry_);
+  if (is_first && is_entry_given_) first_ = entry_;
+  entry_ = 0;
+  is_entry_given_ = false;
+}
+
+/// A first colour that is given is a colour like the others; it goes on under another number.
+void ColorTable::EndTable() {
+  if (first_ == 0 || index_of_zero_ != 0) return;
+  document_.colors.push_back(first_);
+  index_of_zero_ = static_cast<std::uint32_t>(document_.colors.size() - 1);
+}
+
+std::uint32_t ColorTable::IndexOf(std::int32_t number) const {
+  if (number <= 0) return index_of_zero_;
+  return static_cast<std::size_t>(number) < document_.colors.size() ? static_cast<std::uint32_t>(number) : 0;
+}
+
+}  // namespace tme::rtf

@@ -1,0 +1,113 @@
+#include "documents/rtf/RtfFontTable.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "documents/rtf/RtfReader.h"
+
+namespace tme::rtf {
+namespace {
+
+constexpr std::int32_t kMaxFontNumber = 65'535;
+constexpr std::size_t kMaxNameBytes = 256;
+
+}  // namespace
+
+void FontTable::ReadWord(const ControlWord& word, std::int32_t value, TextEncoding& encoding) {
+  switch (word.control) {
+    case Control::FontNumber:
+      EndEntry();
+      entry_ = {};
+      entry_.number = value;
+      entry_page_ = -1;
+      is_in_entry_ = true;
+      return;
+    case Control::FontFamily:
+      entry_.family = word.name.substr(1);
+      return;
+    case Control::FontCharset:
+      entry_.charset = value;
+      entry_page_ = CodePageOfCharset(value);
+      break;
+    case Control::FontCodePage:
+      if (value > kPrivateSymbolPage) entry_page_ = value;
+      break;
+    default:
+      return;
+  }
+  // The name itself is never in symbols.
+  if (entry_page_ > kPrivateSymbolPage) encoding.page = &pages_.Get(entry_page_);
+}
+
+void FontTable::ReadText(std::string_view text) {
+  while (is_in_entry_ && !text.empty()) {
+    const std::size_t end = std::min(text.find(';'), text.size());
+    if (entry_.name.size() < kMaxNameBytes) entry_.name += text.substr(0, end);
+    if (end == text.size()) return;
+    EndEntry();
+    text.remove_prefix(end + 1);
+  }
+}
+
+void FontTable::EndEntry() {
+  if (!is_in_entry_) return;
+  is_in_entry_ = false;
+  entry_.name.erase(0, std::min(entry_.name.find_first_not_of(' '), entry_.name.size()));
+  entry_.name.erase(entry_.name.find_last_not_of(' ') + 1);
+  // Text without a font stands already; a default font that comes after it must not turn its letters into symbols.
+  const int usual_page = CodePageOfFont(entry_.charset, entry_.name);
+  const bool is_symbols = usual_page == kSymbolPage || usual_page == kPrivateSymbolPage;
+  const bool is_late_symbols =
+      is_default_fixed_ && default_ == kNoFont && entry_.number == default_number_ && is_symbols;
+  if (is_late_symbols || document_.fonts.size() >= kMaxFonts || entry_.number < 0 || entry_.number > kMaxFontNumber) {
+    ++document_.losses.limits;
+    return;
+  }
+  // A name alone makes symbols only where nothing else is said; a charset of symbols does so whatever page follows.
+  if (entry_.name == "Symbol" && entry_page_ == -1) entry_page_ = kSymbolPage;
+  if (is_symbols) entry_page_ = usual_page;
+  const auto number = static_cast<std::size_t>(entry_.number);
+  if (number >= index_of_number_.size()) index_of_number_.resize(number + 1, kNoFont);
+  index_of_number_[number] = static_cast<std::uint32_t>(document_.fonts.size());
+  page_of_font_.push_back(entry_page_);
+  document_.fonts.push_back(std::move(entry_));
+}
+
+std::uint32_t FontTable::IndexOf(std::int32_t number) const {
+  const auto place = static_cast<std::size_t>(number);
+  return number >= 0 && place < index_of_number_.size() ? index_of_number_[place] : kNoFont;
+}
+
+CodePage& FontTable::PageOf(std::uint32_t index) {
+  const int page = index < page_of_font_.size() ? page_of_font_[index] : -1;
+  return pages_.Get(page < 0 ? ansi_page_ : page);
+}
+
+bool FontTable::ResolveDefault() {
+  const std::uint32_t index = IndexOf(default_number_);
+  if (is_default_fixed_ || index == kNoFont) return false;
+  default_ = index;
+  return true;
+}
+
+void FontTable::NumberFonts() {
+  std::vector<bool> is_used(document_.fonts.size());
+  for (const CharFormat& format : document_.char_formats) {
+    if (format.font < is_used.size()) is_used[format.font] = true;
+  }
+  std::size_t unused = 0;
+  for (std::uint32_t index = 0; index < document_.fonts.size(); ++index) {
+    std::int32_t& number = document_.fonts[index].number;
+    if (!is_used[index] || IndexOf(number) == index) continue;
+    const auto is_taken = [&](std::size_t at) {
+      return std::cmp_equal(at, default_number_) || (at < index_of_number_.size() && index_of_number_[at] != kNoFont);
+    };
+    while (is_taken(unused)) ++unused;
+    if (unused >= index_of_number_.size()) index_of_number_.resize(unused + 1, kNoFont);
+    index_of_number_[unused] = index;
+    number = static_cast<std::int32_t>(unused);
+  }
+  document_.default_font = default_ < document_.fonts.size() ? document_.fonts[default_].number : default_number_;
+}
+
+}  // namespace tme::rtf

@@ -1,0 +1,178 @@
+#include "documents/rtf/RtfLabel.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "base/Utf8.h"
+#include "documents/rtf/RtfControls.h"
+#include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfTokenizer.h"
+
+namespace tme::rtf {
+namespace {
+
+class LabelReader : private TextDecoder::Sink {
+ public:
+  LabelReader(std::string_view group, LabelText which, FontTable& fonts, TextEncoding around)
+      : tokens_(group), fonts_(fonts), decoder_(*this), states_{{around, which == LabelText::OfDrawing, false}} {}
+
+  std::string Read() {
+    for (tokens_.Next(token_); token_.kind != TokenKind::End && !is_closed_; tokens_.Next(token_)) ReadToken();
+    decoder_.Flush();
+    const std::size_t end = label_.find_last_not_of(" \n\t");
+    label_.resize(end == std::string::npos ? 0 : end + 1);
+    label_.erase(0, std::min(label_.find_first_not_of(" \n"), label_.size()));
+    return std::move(label_);
+  }
+
+ private:
+  struct State {
+    TextEncoding encoding{};
+    bool is_hidden = false;
+    bool was_hidden = false;  ///< before \upr hid the form for readers without Unicode
+  };
+  State& Top() { return states_.back(); }
+  bool IsInner() const { return states_.size() > 2; }
+
+  void ReadToken();
+  void OpenGroup();
+  void CloseGroup();
+  void SkipGroup();
+  void ReadStar();
+  void ReadWord(const ControlWord& word);
+  void ReadGroupWord(const ControlWord& word);
+  void ReadBodyWord(const ControlWord& word);
+  void SetFont(std::int32_t number) { Top().encoding.page = &fonts_.PageOf(fonts_.IndexOf(number)); }
+
+  void Text(std::string_view text) override {
+    if (!Top().is_hidden) label_ += text;
+  }
+  void UnknownCharacter() override { Text(utf8::kReplacement); }
+
+  Tokenizer tokens_;
+  Token token_;
+  FontTable& fonts_;
+  TextDecoder decoder_;
+  std::vector<State> states_;  ///< of what is around the group, of the group, and of those in it
+  std::string label_;
+  bool is_closed_ = false;
+};
+
+void LabelReader::ReadToken() {
+  switch (token_.kind) {
+    case TokenKind::Word:
+      decoder_.Flush();
+      return ReadWord(FindControl(token_.text));
+    case TokenKind::GroupStart:
+      return OpenGroup();
+    case TokenKind::GroupEnd:
+      return CloseGroup();
+    case TokenKind::Symbol:
+      if (token_.byte == '*') return ReadStar();
+      if (!token_.IsLineEnd()) return decoder_.Read(token_, Top().encoding);
+      if (decoder_.SkipFallback()) return;
+      decoder_.Flush();
+      return ReadWord(FindControl("par"));
+    default:
+      return decoder_.Read(token_, Top().encoding);
+  }
+}
+
+void LabelReader::OpenGroup() {
+  decoder_.Flush();
+  decoder_.EndFallback();
+  if (states_.size() > static_cast<std::size_t>(kMaxGroupDepth)) return tokens_.TakeGroup(token_.begin, nullptr);
+  const State state = Top();
+  states_.push_back(state);
+}
+
+void LabelReader::CloseGroup() {
+  decoder_.Flush();
+  decoder_.EndFallback();
+  is_closed_ = !IsInner();
+  if (!is_closed_) states_.pop_back();
+}
+
+void LabelReader::SkipGroup() {
+  tokens_.TakeGroup(token_.begin, nullptr);
+  states_.pop_back();
+}
+
+void LabelReader::ReadStar() {
+  decoder_.Flush();
+  tokens_.Next(token_);
+  if (token_.kind != TokenKind::Word) return tokens_.Seek(token_.begin);
+  const ControlWord& word = FindControl(token_.text);
+  if (word.control_class == ControlClass::Group) return ReadWord(word);
+  decoder_.EndFallback();
+  if (IsInner() && !Top().is_hidden) SkipGroup();
+}
+
+void LabelReader::ReadWord(const ControlWord& word) {
+  if (word.control == Control::Character && decoder_.SkipFallback()) return;
+  if (word.control != Control::Unicode) decoder_.EndFallback();
+  if (word.control_class != ControlClass::Group) return ReadBodyWord(word);
+  if (IsInner()) ReadGroupWord(word);  // not what the group itself is
+}
+
+/// What the group holds of kept groups is passed over.
+void LabelReader::ReadGroupWord(const ControlWord& word) {
+  State& state = Top();
+  switch (word.control) {
+    case Control::TransparentGroup:
+    case Control::Field:
+      return;
+    case Control::TwoForms:
+      state.was_hidden = std::exchange(state.is_hidden, true);
+      return;
+    case Control::UnicodeForm:
+      if (state.is_hidden) state.is_hidden = state.was_hidden;
+      return;
+    case Control::DrawingText:
+      if (!state.is_hidden) return SkipGroup();
+      state.is_hidden = false;
+      return;
+    case Control::Drawing:
+    case Control::Object:
+      if (!state.is_hidden) SkipGroup();
+      return;
+    default:
+      return SkipGroup();
+  }
+}
+
+void LabelReader::ReadBodyWord(const ControlWord& word) {
+  switch (word.control) {
+    case Control::FontNumber:
+      return SetFont(token_.value);
+    case Control::Plain:
+      return SetFont(fonts_.DefaultNumber());
+    case Control::Paragraph:
+    case Control::RowEnd:
+    case Control::NestedRowEnd:
+      return Text("\n");
+    case Control::CellEnd:
+    case Control::NestedCellEnd:
+      return decoder_.Put('\t');
+    case Control::Character:
+    case Control::Break:
+      return decoder_.Put(static_cast<char32_t>(word.value));
+    case Control::Unicode:
+      if (token_.has_value) decoder_.ReadUnicode(token_.value, Top().encoding);
+      return;
+    case Control::UnicodeSkip:
+      Top().encoding.unicode_skip = UnicodeSkipOf(token_);
+      return;
+    default:
+      return;
+  }
+}
+
+}  // namespace
+
+std::string LabelOf(std::string_view group, LabelText which, FontTable& fonts, TextEncoding around) {
+  return LabelReader(group, which, fonts, around).Read();
+}
+
+}  // namespace tme::rtf

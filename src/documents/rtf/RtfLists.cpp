@@ -1,0 +1,114 @@
+#include "documents/rtf/RtfLists.h"
+
+#include <algorithm>
+
+#include "documents/rtf/RtfTokenizer.h"
+
+namespace tme::rtf {
+namespace {
+
+constexpr std::size_t kMaxLists = 10'000;
+
+ListKind KindOfNumberFormat(std::int32_t format) {
+  switch (format) {
+    case 1:
+      return ListKind::UpperRoman;
+    case 2:
+      return ListKind::LowerRoman;
+    case 3:
+      return ListKind::UpperLetter;
+    case 4:
+      return ListKind::LowerLetter;
+    case 23:
+      return ListKind::Bullet;
+    case 255:
+      return ListKind::None;
+    default:
+      return ListKind::Decimal;
+  }
+}
+
+void ReadLevelWord(const Token& word, ListStyle& style) {
+  if (word.text == "levelnfc" || word.text == "levelnfcn") style.kind = KindOfNumberFormat(word.value);
+  if (word.text == "levelstartat") style.start = word.value;
+}
+
+}  // namespace
+
+LegacyList ReadLegacyNumbering(std::string_view group) {
+  LegacyList list;
+  list.style.kind = ListKind::Decimal;
+  Tokenizer tokens(group);
+  Token token;
+  for (tokens.Next(token); token.kind != TokenKind::End; tokens.Next(token)) {
+    if (token.kind != TokenKind::Word) continue;
+    const std::string_view name = token.text;
+    if (name == "pnlvlblt") list.style.kind = ListKind::Bullet;
+    if (name == "pnlvlcont") list.style.kind = ListKind::None;
+    if (name == "pnlcltr") list.style.kind = ListKind::LowerLetter;
+    if (name == "pnucltr") list.style.kind = ListKind::UpperLetter;
+    if (name == "pnlcrm") list.style.kind = ListKind::LowerRoman;
+    if (name == "pnucrm") list.style.kind = ListKind::UpperRoman;
+    if (name == "pnstart") list.style.start = token.value;
+    if (name == "pnlvl") list.level = static_cast<std::uint8_t>(std::clamp(token.value, 1, 9) - 1);
+  }
+  return list;
+}
+
+ListKind ListKindOfText(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\n(");
+  if (first == std::string_view::npos) return ListKind::None;
+  const char c = text[first];
+  const bool is_short = text.find_first_of(").", first) == first + 1;
+  if (c >= '0' && c <= '9') return ListKind::Decimal;
+  if (c >= 'a' && c <= 'z' && is_short) return ListKind::LowerLetter;
+  if (c >= 'A' && c <= 'Z' && is_short) return ListKind::UpperLetter;
+  return ListKind::Bullet;
+}
+
+bool ListTables::ReadLists(std::string_view group) {
+  return ReadTable(group, {.entry = "list", .level = "listlevel", .number = "listid"}, lists_);
+}
+
+bool ListTables::ReadOverrides(std::string_view group) {
+  return ReadTable(group, {.entry = "listoverride", .level = "lfolevel", .number = "ls"}, overrides_);
+}
+
+bool ListTables::ReadTable(std::string_view group, const TableWords& words, std::vector<List>& lists) {
+  Tokenizer tokens(group);
+  Token token;
+  List list;
+  std::size_t levels = 0;
+  for (tokens.Next(token); token.kind != TokenKind::End; tokens.Next(token)) {
+    if (token.kind != TokenKind::Word) continue;
+    if (token.text == words.entry) {
+      list = {};
+      levels = 0;
+    } else if (token.text == words.level) {
+      ++levels;
+    } else if (token.text == words.number) {
+      list.id = token.value;
+      if (lists.size() >= kMaxLists) return false;
+      lists.push_back(list);
+    } else if (token.text == "listid") {  // of the list that is overridden
+      if (const List* found = FindIn(lists_, token.value)) list.levels = found->levels;
+    } else if (levels > 0 && levels <= kLevels) {
+      ReadLevelWord(token, list.levels[levels - 1]);
+    }
+  }
+  std::stable_sort(lists.begin(), lists.end(), [](const List& a, const List& b) { return a.id < b.id; });
+  return true;
+}
+
+const ListTables::List* ListTables::FindIn(const std::vector<List>& lists, std::int32_t id) {
+  const auto found = std::lower_bound(lists.begin(), lists.end(), id,
+                                      [](const List& list, std::int32_t wanted) { return list.id < wanted; });
+  return found != lists.end() && found->id == id ? &*found : nullptr;
+}
+
+ListStyle ListTables::Find(std::int32_t override_number, std::uint8_t level) const {
+  const List* found = FindIn(overrides_, override_number);
+  return found != nullptr && level < kLevels ? found->levels[level] : ListStyle{};
+}
+
+}  // namespace tme::rtf

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfRowDefinition.h"
+
+namespace tme::rtf {
+
+// What a hostile file could blow up by repeating a few bytes is bounded by its own size; no real letter comes near.
+inline constexpr std::size_t kSmallInput = std::size_t{64} << 10;
+inline constexpr std::size_t kBytesPerObject = 32;
+
+/// Opens and ends the tables, rows and cells of a document as its paragraphs come. A level counts the tables around: 0
+/// outside tables, 1 in a cell, 2 in a cell of a table in a cell. Internal to the reader.
+class TableBuilder {
+ public:
+  /// `input_bytes`: bounds what is repeated.
+  TableBuilder(RtfDocument& document, std::size_t input_bytes) : document_(document), input_bytes_(input_bytes) {}
+
+  /// Opens the cell of a level and closes what is deeper. Its index into RtfDocument::cells; -1 outside tables.
+  std::int32_t OpenCell(int level);
+  /// The open cells hold something that is seen.
+  void MarkText();
+  void EndCell(int level);
+  void EndRow(int level, RowDefinition& definition);
+  void EndAll() { CloseLevels(0); }
+
+ private:
+  struct RowCell {
+    std::uint32_t cell = 0;
+    bool has_text = false;
+  };
+  struct Above {
+    std::int32_t right_edge = 0;
+    std::uint32_t owner = 0;
+  };
+  struct Level {
+    std::uint32_t table = 0;
+    std::int64_t row = -1;
+    std::int64_t cell = -1;
+    bool is_used = false;  ///< not only opened on the way to a deeper one
+    std::vector<RowCell> row_cells;
+    std::vector<Above> above;  ///< the merged cells of the row before
+  };
+
+  void CloseLevels(std::size_t stay_open);
+  void ApplyDefinition(Level& level, const RowDefinition& definition);
+  void MergeBelow(const Level& level, const RowCell& cell, std::uint8_t merge, std::vector<Above>& merged,
+                  std::size_t& above);
+
+  RtfDocument& document_;
+  std::size_t input_bytes_;
+  std::size_t repeated_bytes_ = 0;
+  std::vector<Level> levels_;
+};
+
+}  // namespace tme::rtf

@@ -1,0 +1,152 @@
+#include "documents/rtf/RtfTextDecoder.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "base/Utf16.h"
+#include "base/Utf8.h"
+
+namespace tme::rtf {
+
+std::uint8_t UnicodeSkipOf(const Token& token) {
+  constexpr int kMaxUnicodeSkip = 255;
+  return static_cast<std::uint8_t>(token.has_value ? std::clamp(token.value, 0, kMaxUnicodeSkip) : 1);
+}
+
+void TextDecoder::Read(const Token& token, const TextEncoding& encoding) {
+  switch (token.kind) {
+    case TokenKind::Text:
+      return ReadAscii(token.text, *encoding.page);
+    case TokenKind::HighText:
+      for (const char byte : token.text) {
+        if (!SkipFallback()) ReadByte(static_cast<unsigned char>(byte), *encoding.page);
+      }
+      return;
+    case TokenKind::Hex:
+      if (!SkipFallback()) ReadByte(token.byte, *encoding.page);
+      return;
+    case TokenKind::Symbol:
+      if (!SkipFallback()) ReadSymbol(token.byte, *encoding.page);
+      return;
+    case TokenKind::Control:
+      if (token.byte == '\t' && !SkipFallback()) Put('\t');
+      return;
+    case TokenKind::Binary:
+      SkipFallback();
+      return;
+    default:
+      return;
+  }
+}
+
+bool TextDecoder::SkipFallback() {
+  if (fallback_left_ == 0) return false;
+  --fallback_left_;
+  return true;
+}
+
+void TextDecoder::ReadAscii(std::string_view text, CodePage& page) {
+  if (fallback_left_ > 0) {
+    const std::size_t passed = std::min(text.size(), static_cast<std::size_t>(fallback_left_));
+    text.remove_prefix(passed);
+    fallback_left_ -= static_cast<int>(passed);
+  }
+  while (!pending_bytes_.empty() && !text.empty()) {
+    ReadByte(static_cast<unsigned char>(text.front()), page);
+    text.remove_prefix(1);
+  }
+  if (text.empty()) return;
+  if (page.HoldsAscii()) {
+    PutText(text);
+  } else {
+    for (const char byte : text) ReadByte(static_cast<unsigned char>(byte), page);
+  }
+}
+
+void TextDecoder::ReadByte(unsigned char byte, CodePage& page) {
+  if (!pending_bytes_.empty()) {
+    if (page.IsTrail(byte)) {
+      pending_bytes_.push_back(static_cast<char>(byte));
+      if (pending_bytes_.size() < page.Bytes(static_cast<unsigned char>(pending_bytes_.front()))) return;
+      const std::string bytes = std::exchange(pending_bytes_, {});
+      PutDecoded(page.Several(bytes));
+      return;
+    }
+    Flush();
+  }
+  if (page.Bytes(byte) > 1) {
+    pending_bytes_.push_back(static_cast<char>(byte));
+  } else {
+    PutDecoded(page.Single(byte));
+  }
+}
+
+void TextDecoder::ReadSymbol(unsigned char symbol, CodePage& page) {
+  if (symbol == '\\' || symbol == '{' || symbol == '}') return ReadByte(symbol, page);
+  Flush();
+  if (symbol == '~') Put(0xA0);
+  if (symbol == '-') Put(0xAD);
+  if (symbol == '_') Put(0x2011);
+  if (symbol == '\t') Put('\t');
+}
+
+void TextDecoder::ReadUnicode(std::int32_t value, const TextEncoding& encoding) {
+  fallback_left_ = encoding.unicode_skip;
+  auto character = static_cast<char32_t>(value < 0 ? value + 0x10000 : value);
+  if (character > 0x10FFFF) character = 0xFFFD;
+  // A symbol font's characters, as some write them.
+  if (encoding.page->IsSymbol() && character >= 0xF020 && character <= 0xF0FF) {
+    const char32_t symbol = SymbolCharacter(static_cast<unsigned char>(character & 0xFF));
+    if (symbol != 0) character = symbol;
+  }
+  if (utf16::IsHighSurrogate(character)) {
+    FlushSurrogate();
+    pending_surrogate_ = character;
+    return;
+  }
+  if (utf16::IsLowSurrogate(character)) {
+    if (pending_surrogate_ == 0) return PutUnknown();
+    character = utf16::Join(std::exchange(pending_surrogate_, 0), character);
+  }
+  // Line ends and page breaks have control words of their own; other controls are kept, as the text of a log has them.
+  if (character < '\n' || character > '\r') Put(character);
+}
+
+void TextDecoder::Put(char32_t character) {
+  std::array<char, utf8::kMaxCharacterBytes> bytes;
+  PutText({bytes.data(), utf8::PutCharacter(character, bytes.data())});
+}
+
+void TextDecoder::Flush() {
+  if (pending_bytes_.empty()) return;
+  pending_bytes_.clear();
+  PutUnknown();
+}
+
+void TextDecoder::PutDecoded(std::string_view text) {
+  if (text == utf8::kReplacement) {
+    PutUnknown();
+  } else {
+    PutText(text);
+  }
+}
+
+void TextDecoder::PutText(std::string_view text) {
+  FlushSurrogate();
+  sink_.Text(text);
+}
+
+void TextDecoder::PutUnknown() {
+  FlushSurrogate();
+  sink_.UnknownCharacter();
+}
+
+/// The other half did not come.
+void TextDecoder::FlushSurrogate() {
+  if (pending_surrogate_ == 0) return;
+  pending_surrogate_ = 0;
+  sink_.UnknownCharacter();
+}
+
+}  // namespace tme::rtf
