@@ -4,8 +4,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "FailingSteps.h"
 #include "WriteFile.h"
-#include "files/FileSteps.h"
 #include "files/PrivateFile.h"
 
 namespace tme {
@@ -122,11 +122,7 @@ TEST_F(WriteFile, SaysWhyNot) {
     EXPECT_EQ(Reason(WriteFileBytes(In(name), "new")), reason) << name;
     EXPECT_EQ(Get(In(name)), "failed: " + reason) << name;
   }
-  class NoTemporary : public FileSteps {
-    std::error_code OpenTemporary(const fs::path& /*path*/, unsigned /*mode*/, FileHandle& /*handle*/) override {
-      return std::make_error_code(std::errc::permission_denied);
-    }
-  } steps;
+  FailingSteps steps(0, {"folder without temporary files", {}, {}, Fault::Folder::Refuses});
   const auto put_new = [](const PartSink& put) { return put("new"); };
   EXPECT_EQ(Reason(WriteFileParts(In("new"), put_new, steps)), "The folder cannot be written: Permission denied");
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "FailingSteps.h"
 #include "WriteFile.h"
 #include "files/CodePage.h"
 #include "files/FileSteps.h"
@@ -112,43 +113,6 @@ TEST(CodePage, LongTextsOfAPageAreWhole) {
   EXPECT_EQ(BytesToUtf8(1252, std::string(kCharacters, '\xE9')), letters);
 }
 
-/// Fails at the n-th step, after that step has done part of its work. Writes little at a time and is interrupted often.
-class FailingSteps : public FileSteps {
- public:
-  explicit FailingSteps(int failing_step) : left_(failing_step) {}
-  bool HasFailed() const { return left_ <= 0; }
-
-  std::error_code OpenTemporary(const fs::path& path, unsigned mode, FileHandle& handle) override {
-    return Fails() ? kFull : FileSteps::OpenTemporary(path, mode, handle);
-  }
-  std::error_code Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) override {
-    if (interrupted_ = !interrupted_; interrupted_) return std::make_error_code(std::errc::interrupted);
-    return Fails() ? kFull : FileSteps::Write(handle, data, std::min<std::size_t>(size, 3), written);
-  }
-  std::error_code Flush(FileHandle handle) override { return Fails() ? kFull : FileSteps::Flush(handle); }
-  std::error_code Close(FileHandle handle) override {
-    const std::error_code error = FileSteps::Close(handle);
-    EXPECT_FALSE(error) << "closed twice";
-    return Fails() ? kFull : error;
-  }
-  std::error_code Replace(const fs::path& from, const fs::path& to) override {
-    return Fails() ? kFull : FileSteps::Replace(from, to);
-  }
-  std::error_code FlushFolder(const fs::path& folder) override {
-    folder_flush_failed = Fails();
-    return folder_flush_failed ? kFull : FileSteps::FlushFolder(folder);
-  }
-
-  bool folder_flush_failed = false;
-
- private:
-  static inline const std::error_code kFull = std::make_error_code(std::errc::no_space_on_device);
-  bool Fails() { return --left_ == 0; }
-
-  int left_;
-  bool interrupted_ = false;
-};
-
 TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
   const fs::path path = In("a.ini");
   for (const bool exists : {true, false}) {
@@ -157,7 +121,7 @@ TEST_F(WriteFile, FailureAtAnyStepLeavesTheOldBytesAndNothingElse) {
       SCOPED_TRACE(step);
       fs::remove(path);
       if (exists) Put(path, "old");
-      FailingSteps steps(step);
+      FailingSteps steps(step, {}, 3);
       const auto failure = WriteFileParts(
           path, [](const PartSink& put) { return put("new ") && put("bytes"); }, steps);
       done = !steps.HasFailed();

@@ -1,10 +1,9 @@
 #include <QApplication>
 #include <QDir>
-#include <algorithm>
 #include <map>
 
 #include "Editor.h"
-#include "files/FileSteps.h"
+#include "FailingSteps.h"
 #include "shell/AutoSave.h"
 #include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
@@ -17,65 +16,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What goes wrong at a step, and where.
-struct Fault {
-  const char* name;
-  std::errc error;
-  enum class Lasts { Once, FromThenOn } lasts;
-  enum class Folder { Open, Refuses, KeepsItsFiles } folder;
-};
 const Fault kFaults[] = {
     {"disk error", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::Open},
     {"full disk", std::errc::no_space_on_device, Fault::Lasts::FromThenOn, Fault::Folder::Open},
     {"permission", std::errc::permission_denied, Fault::Lasts::Once, Fault::Folder::Open},
     {"folder without temporary files", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::Refuses},
     {"folder that keeps its files", std::errc::io_error, Fault::Lasts::Once, Fault::Folder::KeepsItsFiles}};
-
-/// Fails at a step; step 0 is none. Writes are short. Nothing waits for the disk.
-class FailingSteps : public FileSteps {
- public:
-  FailingSteps(const Fault& fault, int failing_step) : fault_(fault), failing_step_(failing_step) {}
-  int Count() const { return count_; }
-
-  std::error_code OpenExisting(const std::filesystem::path& path, FileHandle& handle) override {
-    const std::error_code error = Next();
-    return error ? error : FileSteps::OpenExisting(path, handle);
-  }
-  std::error_code OpenTemporary(const std::filesystem::path& path, unsigned mode, FileHandle& handle) override {
-    if (fault_.folder == Fault::Folder::Refuses) return std::make_error_code(std::errc::permission_denied);
-    const std::error_code error = Next();
-    return error ? error : FileSteps::OpenTemporary(path, mode, handle);
-  }
-  std::error_code Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) override {
-    const std::error_code error = Next();
-    return error ? error : FileSteps::Write(handle, data, std::min<std::size_t>(size, 48), written);
-  }
-  std::error_code Truncate(FileHandle handle, std::size_t size) override {
-    const std::error_code error = Next();
-    return error ? error : FileSteps::Truncate(handle, size);
-  }
-  std::error_code Flush(FileHandle) override { return Next(); }
-  std::error_code Close(FileHandle handle) override {
-    const std::error_code error = FileSteps::Close(handle), injected = Next();
-    return injected ? injected : error;
-  }
-  std::error_code Replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
-    const std::error_code error = Next();
-    if (fault_.folder == Fault::Folder::KeepsItsFiles) return std::make_error_code(std::errc::operation_not_permitted);
-    return error ? error : FileSteps::Replace(from, to);
-  }
-  std::error_code FlushFolder(const std::filesystem::path&) override { return Next(); }
-
- private:
-  std::error_code Next() {
-    ++count_;
-    const bool fails = fault_.lasts == Fault::Lasts::Once ? count_ == failing_step_ : count_ >= failing_step_;
-    return failing_step_ != 0 && fails ? std::make_error_code(fault_.error) : std::error_code();
-  }
-  const Fault& fault_;
-  const int failing_step_;
-  int count_ = 0;
-};
 
 struct Kind {
   DocumentKind kind;
@@ -127,7 +73,7 @@ class SaveRound : public RescueTest {
       Window(row.kind).AddNotice(u"It stands."_s);
       contents[row.kind] = Window(row.kind).Content();
     }
-    FailingSteps steps(fault, failing_step);
+    FailingSteps steps(failing_step, fault);
     global_.file_steps = &steps;
     dialogs_.AnswerAll(MsgAnswer::Yes);
     Drive(flow);

@@ -45,14 +45,22 @@ stop_started() {
   done
 }
 
-# start_display FOLDER SIZE: an X server of its own, whose number stays in FOLDER/display; exports DISPLAY. 1 when it
-# does not start.
+# start_display FOLDER SIZE [ARGUMENT…]: an X server of its own, whose number stays in FOLDER/display; exports DISPLAY.
+# 1 when it does not start.
 start_display() {
-  Xvfb -displayfd 3 -screen 0 "$2x24" -nolisten tcp 3>"$1/display" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -screen 0 "$2x24" -nolisten tcp "${@:3}" 3>"$1/display" >/dev/null 2>&1 &
   started+=($!)
   soon test -s "$1/display" || { say "Xvfb does not start"; return 1; }
   DISPLAY=:$(<"$1/display")
   export DISPLAY
+}
+
+# start_window_manager FOLDER: openbox on that display, ready to manage. 1 when it does not start.
+start_window_manager() {
+  # A window that shows up while it still starts would never be managed: wait for its start-up command.
+  openbox --sm-disable --startup "touch '$1/managing'" >/dev/null 2>&1 &
+  started+=($!)
+  soon test -e "$1/managing" || { say "openbox does not start"; return 1; }
 }
 
 # alone NAME COMMAND…: begins the script anew as COMMAND, as soon as no other run in this folder holds build/NAME.lock.

@@ -67,7 +67,7 @@ class InstanceLink {
 
   /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record, one
   /// after the other: while it runs, further records wait, also inside a message box that it shows, and so do all while
-  /// the pointer is an hourglass (Qt's override cursor). The sender waits until it returns; on Windows, that of a
+  /// the wait cursor (Qt's override cursor) is set. The sender waits until it returns; on Windows, that of a
   /// record that waits until it is in the queue.
   ///
   /// Only processes of the same user reach it; on Windows those of the same desktop that do not run at a lower

@@ -7,7 +7,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QGuiApplication>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QPointer>
@@ -15,11 +14,11 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <deque>
 #include <utility>
 
 #include "system/InstanceClaim_linux.h"
 #include "system/InstanceLink.h"
+#include "system/RecordQueue.h"
 
 namespace tme {
 
@@ -29,8 +28,6 @@ namespace {
 
 /// A sender that has not sent its record by then is dropped.
 constexpr std::chrono::seconds kRecordPatience{10};
-/// After it, whether the hourglass has gone is asked again.
-constexpr std::chrono::milliseconds kHourglassPause{50};
 /// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
 constexpr mode_t kKeptOwnerOnly = 01600;
 /// As many launches as a file manager may start at once wait their turn (the system's own bound is 4096).
@@ -45,17 +42,18 @@ bool IsPeerThisUser(int descriptor) {
   return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::geteuid();
 }
 
-/// Takes records from other launches. Nothing here waits for a sender.
-///
-/// Records are delivered one after the other: while `receive` runs, perhaps inside a message box's event loop, or
-/// something else is half done and only lets the windows repaint, records of further senders queue up, and their
-/// senders go on waiting.
+/// Takes records from other launches. Nothing here waits for a sender; the senders wait until theirs is dealt with.
 class Listener : public QObject {
  public:
-  explicit Listener(std::function<void(const CopyData&)> receive) : receive_(std::move(receive)) {
+  explicit Listener(const RecordQueue::Receive& receive) : queue_(std::make_shared<RecordQueue>(receive)) {
     connect(&server_, &QLocalServer::newConnection, this, [this] { Accept(); });
   }
-  ~Listener() override { Stop(); }
+  ~Listener() override {
+    server_.close();
+    queue_->Clear();
+    const auto senders = server_.findChildren<QLocalSocket*>();
+    for (QLocalSocket* sender : senders) sender->abort();
+  }
 
   bool Start(const QString& path) {
     QLocalServer::removeServer(path);  // left over from a process that died
@@ -66,21 +64,7 @@ class Listener : public QObject {
     return true;
   }
 
-  void Stop() {
-    server_.close();
-    waiting_.clear();
-    const auto senders = server_.findChildren<QLocalSocket*>();
-    for (QLocalSocket* sender : senders) sender->abort();
-  }
-
-  bool IsReceiving() const { return receiving_; }
-
  private:
-  struct Waiting {
-    QPointer<QLocalSocket> sender;
-    CopyData record;
-  };
-
   void Accept() {
     while (QLocalSocket* sender = server_.nextPendingConnection()) {
       connect(sender, &QLocalSocket::disconnected, sender, &QObject::deleteLater);
@@ -111,38 +95,17 @@ class Listener : public QObject {
     delete sender->findChild<QTimer*>();  // from here on the sender waits for us
     sender->write(&kTaken, 1);
     sender->flush();
-    waiting_.push_back({sender, *record});
-    // Not from inside the socket's signal: `receive` may end this object and the socket with it.
-    QMetaObject::invokeMethod(
-        this, [this] { Deliver(); }, Qt::QueuedConnection);
+    queue_->Add(*record, [alive = QPointer(sender)] {
+      if (!alive || alive->state() != QLocalSocket::ConnectedState) return;
+      alive->write(&kDone, 1);
+      alive->disconnectFromServer();  // after the byte is written
+    });
+    // Not from inside the socket's signal: what receives may end this object and the socket with it.
+    queue_->DeliverLater();
   }
 
-  void Deliver() {
-    if (receiving_ || waiting_.empty()) return;
-    if (QGuiApplication::overrideCursor()) {
-      QTimer::singleShot(kHourglassPause, this, [this] { Deliver(); });
-      return;
-    }
-    const QPointer<QObject> alive(this);
-    const auto receive = receive_;
-    receiving_ = true;
-    while (!waiting_.empty()) {
-      const Waiting next = std::move(waiting_.front());
-      waiting_.pop_front();
-      receive(next.record);
-      if (!alive) return;
-      if (next.sender && next.sender->state() == QLocalSocket::ConnectedState) {
-        next.sender->write(&kDone, 1);
-        next.sender->disconnectFromServer();  // after the byte is written
-      }
-    }
-    receiving_ = false;
-  }
-
-  std::function<void(const CopyData&)> receive_;
   QLocalServer server_;
-  std::deque<Waiting> waiting_;
-  bool receiving_ = false;
+  const std::shared_ptr<RecordQueue> queue_;
 };
 
 bool FitsAddress(const QString& path) {
@@ -247,16 +210,7 @@ class InstanceLink::Endpoint {
     return false;
   }
 
-  void StopListening() {
-    if (!listener_) return;
-    listener_->Stop();
-    // Called from inside `receive`, the listener is still on the stack.
-    if (listener_->IsReceiving()) {
-      listener_.release()->deleteLater();
-    } else {
-      listener_.reset();
-    }
-  }
+  void StopListening() { listener_.reset(); }
 
  private:
   InstanceClaim claim_;

@@ -1,23 +1,17 @@
 #include <windows.h>
 #include <sddl.h>
 
-#include <QGuiApplication>
-#include <QTimer>
 #include <algorithm>
-#include <chrono>
-#include <deque>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "system/InstanceLink.h"
+#include "system/RecordQueue.h"
 
 namespace tme {
 namespace {
-
-/// After it, whether the hourglass has gone is asked again.
-constexpr std::chrono::milliseconds kHourglassPause{50};
 
 HWND WindowOf(std::uint32_t handle) { return reinterpret_cast<HWND>(static_cast<ULONG_PTR>(handle)); }
 
@@ -58,14 +52,12 @@ HWND FindFrame() {
   return found;
 }
 
-/// A frame whose window procedure is ours. Records are delivered one after the other: while `receive` runs, perhaps
-/// inside a message box's event loop, or something else is half done and only lets the windows repaint, further ones
-/// queue up. Their senders are let go then, since this thread could not come back to what it does before it has
-/// answered them.
-class HookedFrame : public std::enable_shared_from_this<HookedFrame> {
+/// A frame whose window procedure is ours. The sender of a record that has to wait is let go, since this thread could
+/// not come back to what it does before it has answered it.
+class HookedFrame {
  public:
-  HookedFrame(HWND window, std::function<void(const CopyData&)> receive)
-      : window_(window), receive_(std::move(receive)) {}
+  HookedFrame(HWND window, const RecordQueue::Receive& receive)
+      : window_(window), queue_(std::make_shared<RecordQueue>(receive)) {}
 
   bool Hook(WNDPROC procedure);
   void Unhook();
@@ -76,14 +68,10 @@ class HookedFrame : public std::enable_shared_from_this<HookedFrame> {
   WNDPROC previous() const { return previous_; }
 
  private:
-  void Deliver();
-
   const HWND window_;
-  const std::function<void(const CopyData&)> receive_;
+  const std::shared_ptr<RecordQueue> queue_;
   WNDPROC previous_ = nullptr;
-  std::deque<CopyData> waiting_;
   bool hooked_ = false;
-  bool receiving_ = false;
 };
 
 /// The one of this process; shared with the procedure, which may run when the frame is unhooked.
@@ -125,7 +113,7 @@ bool HookedFrame::Hook(WNDPROC procedure) {
 
 void HookedFrame::Unhook() {
   if (!std::exchange(hooked_, false)) return;
-  waiting_.clear();
+  queue_->Clear();
   ::RemovePropW(window_, FrameMark().c_str());
   const auto now = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window_, GWLP_WNDPROC));
   if (now == FrameWindowProc) {
@@ -142,27 +130,9 @@ bool HookedFrame::Take(const COPYDATASTRUCT& record) {
   if (is_cut && meaning == kLongData) return false;
   // At most what the buffer of a command line holds, and never more than came.
   const auto size = record.lpData ? std::min<DWORD>(record.cbData, MaxDataBytes(meaning)) : 0;
-  waiting_.push_back(
-      {meaning, QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size)), is_cut});
-  Deliver();
+  queue_->Add({meaning, QByteArray(static_cast<const char*>(record.lpData), static_cast<qsizetype>(size)), is_cut});
+  queue_->Deliver();
   return true;
-}
-
-void HookedFrame::Deliver() {
-  if (receiving_ || waiting_.empty()) return;
-  if (QGuiApplication::overrideCursor()) {
-    QTimer::singleShot(kHourglassPause, qApp, [frame = weak_from_this()] {
-      if (const auto still = frame.lock()) still->Deliver();
-    });
-    return;
-  }
-  receiving_ = true;
-  while (!waiting_.empty()) {
-    const CopyData record = std::move(waiting_.front());
-    waiting_.pop_front();
-    receive_(record);
-  }
-  receiving_ = false;
 }
 
 }  // namespace
@@ -192,10 +162,10 @@ class InstanceLink::Endpoint {
     if (claim_ != nullptr) ::CloseHandle(std::exchange(claim_, nullptr));
   }
 
-  bool Listen(std::uint32_t handle, std::function<void(const CopyData&)> receive) {
+  bool Listen(std::uint32_t handle, const RecordQueue::Receive& receive) {
     StopListening();
     if (hooked_frame) return false;
-    auto frame = std::make_shared<HookedFrame>(WindowOf(handle), std::move(receive));
+    auto frame = std::make_shared<HookedFrame>(WindowOf(handle), receive);
     hooked_frame = frame;  // before the first message comes
     if (!frame->Hook(FrameWindowProc)) {
       hooked_frame.reset();

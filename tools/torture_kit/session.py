@@ -103,30 +103,26 @@ end_all = _processes.end
 class Display:
     """An X server of its own with a window manager."""
 
+    _START = """source tools/shell.sh
+        trap stop_started EXIT
+        trap exit TERM
+        start_display "$1" 1000x700 "${@:2}" && start_window_manager "$1" && printf '%s\\n' "$DISPLAY"
+        exec >&-
+        wait"""
+
     def __init__(self, number=None):
-        read_end, write_end = os.pipe()
         name = [f":{number}"] if number is not None else []
-        self._server = _processes.start(
-            ["Xvfb", *name, "-displayfd", str(write_end), "-screen", "0", "1000x700x24", "-nolisten", "tcp", "-ac"],
-            pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        os.close(write_end)
-        with os.fdopen(read_end) as answer:
-            shown = answer.readline().strip()
-        if not shown:
-            raise Stuck("Xvfb does not start")
-        self.name = f":{shown}"
-        self.environment = {**os.environ, "DISPLAY": self.name}
         with tempfile.TemporaryDirectory() as folder:
-            marker = pathlib.Path(folder) / "managing"
-            self._manager = _processes.start(
-                ["openbox", "--sm-disable", "--startup", f"touch '{marker}'"], env=self.environment,
-                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            wait_for(marker.exists, "openbox does not start")
+            self._server = _processes.start(["bash", "-c", self._START, "display", folder, "-ac", *name], cwd=TOP,
+                                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+            self.name = self._server.stdout.read().strip()
+        if not self.name:
+            raise Stuck("no display with a window manager")
+        self.environment = {**os.environ, "DISPLAY": self.name}
 
     def close(self):
-        for process in (self._manager, self._server):
-            process.terminate()
-            process.wait()
+        self._server.terminate()
+        self._server.wait()
 
     def run(self, *arguments):
         """xdotool; its output, empty when it failed."""
