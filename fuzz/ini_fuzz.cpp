@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "base/Lines.h"
+#include "base/LineReader.h"
 #include "base/Utf8.h"
 #include "documents/ini/IniOrder.h"
 #include "documents/ini/IniReader.h"
@@ -55,7 +55,7 @@ void CheckCharacters(const IniTree& tree) {
 void CheckCounts(const IniReadResult& result, std::string_view text) {
   std::uint64_t lines = 0;
   std::string_view line;
-  for (Lines all(text); all.Next(line);) ++lines;
+  for (LineReader all(text); all.Next(line);) ++lines;
   const bool cut_short = result.ended_at_line > 0;
   Promise(cut_short == (result.lines_not_read > 0), "lines that were not read have a first one");
   if (cut_short) Promise(result.ended_at_line + result.lines_not_read == lines + 1, "every line is accounted for");

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "base/Lines.h"
+#include "base/LineReader.h"
 
 namespace tme {
 namespace {
@@ -12,7 +12,7 @@ using TextLines = std::vector<std::string_view>;
 
 TextLines Split(std::string_view text) {
   TextLines result;
-  Lines lines(text);
+  LineReader lines(text);
   for (std::string_view line; lines.Next(line);) result.push_back(line);
   return result;
 }

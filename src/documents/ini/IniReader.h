@@ -5,17 +5,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
-#include <vector>
 
-#include "base/Lines.h"
-#include "documents/ini/IniOrder.h"
+#include "base/LineReader.h"
+#include "documents/ini/IniTreeLoad.h"
 
 namespace tme {
 
-class IniNode;
-class IniTree;
-
-/// Where the lines come from: it decides nothing about the rules, only who is told what.
 struct IniQuestions {
   /// Asked for a section that the tree already has: true overwrites it, false ends the read at once. The tree is
   /// consistent while the question stands. Must be set.
@@ -61,32 +56,25 @@ class IniReader {
   static IniReadResult Read(IniTree& tree, std::string text, const IniQuestions& ask);
 
  private:
-  IniReader(IniTree& tree, std::string_view text, const IniQuestions& ask);
+  IniReader(IniTree& tree, std::string text, const IniQuestions& ask);
 
-  void Run();
-  void ReadSections(std::string_view first_line);
+  /// Of a text that begins with a header or a comment.
+  IniReadResult ReadSections();
   /// False where the read ends.
   bool TakeLine(std::string_view line);
   bool StartSection(std::string_view name);
   bool MayOverwrite(std::string_view name);
   void FinishSection();
-  void FinishRoot();
-  void EndBefore(IniReadEnd end, std::uint64_t line_number);
-  bool SectionsReordered() const;
 
   IniTree& tree_;
   const IniQuestions& ask_;
-  Lines lines_;
+  IniTree::Load load_;
+  LineReader lines_;
   IniReadResult result_;
-  /// Nodes from here on were created by this read.
-  std::uint32_t first_created_;
   /// Texts of the root's children.
   std::unordered_set<std::string_view> names_;
-  /// Null before the first header.
-  IniNode* section_ = nullptr;
-  /// Children of section_ so far: the tree gets them together, sorted, when the section ends.
-  std::vector<IniNode*> entries_;
-  IniSorter sorter_;
+  /// A header came before the current line.
+  bool in_section_ = false;
   /// Directly before the current line.
   std::uint64_t blank_lines_ = 0;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniOrder.h"
 
 namespace tme {
@@ -57,12 +58,9 @@ std::string IniNode::Key() const {
   return tag_ == IniTag::Section ? "Section" + std::to_string(created_) : std::string();
 }
 
-std::string_view IniNode::EntryKey() const { return Text().substr(0, Text().find('=')); }
+std::string_view IniNode::EntryKey() const { return EntryKeyOf(Text()); }
 
-std::string_view IniNode::EntryValue() const {
-  const std::size_t equals = Text().find('=');
-  return equals == std::string_view::npos ? std::string_view() : Text().substr(equals + 1);
-}
+std::string_view IniNode::EntryValue() const { return EntryValueOf(Text()); }
 
 IniTree::IniTree(std::string_view root_text)
     : observer_(&silent_observer),

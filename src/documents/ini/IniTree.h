@@ -48,7 +48,6 @@ class IniNode {
   std::string_view EntryValue() const;
 
  private:
-  friend class IniReader;
   friend class IniTree;
   using Children = std::pmr::vector<IniNode*>;
 
@@ -90,6 +89,9 @@ using IniTreeObserver = TreeObserver<IniNode>;
 /// Every edit is one call with a name; nothing else changes the tree.
 class IniTree {
  public:
+  /// What readers fill a tree with (IniTreeLoad.h).
+  class Load;
+
   explicit IniTree(std::string_view root_text = "New INI File");
   ~IniTree();
   IniTree(const IniTree&) = delete;
@@ -147,8 +149,6 @@ class IniTree {
   void CollapseAll();
 
  private:
-  friend class IniReader;
-
   // Building. The views must lie in texts_.
   IniNode* NewNode(IniNode* parent, std::string_view text, IniTag tag);
   IniNode::Children& ChildrenOf(IniNode* parent);

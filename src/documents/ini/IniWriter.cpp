@@ -3,6 +3,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniTree.h"
 
 namespace tme {
@@ -56,9 +57,10 @@ IniReadBack ReadBackOf(const IniTree& tree) {
     const IniNode& comment = *root.Child(row);
     if (comment.Tag() != IniTag::Comments) continue;
     ++line;
-    if (comment.Text().starts_with('['))
+    const IniLine kind = KindOf(comment.Text());
+    if (kind == IniLine::Header)
       ++back.headers;
-    else if (back.headers == 0 && (line > 1 || !comment.Text().starts_with(';')))
+    else if (back.headers == 0 && (line > 1 || kind != IniLine::Comment))
       back.ends_at_line = line;
   }
   if (back.ends_at_line > 0) return back;
@@ -68,11 +70,12 @@ IniReadBack ReadBackOf(const IniTree& tree) {
     if (!names.insert(section.Text()).second) ++back.doubles;
     for (int entry = 0; entry < section.ChildCount(); ++entry) {
       const IniNode& node = *section.Child(entry);
-      if (node.Text().empty())
+      const IniLine kind = KindOf(node.Text());
+      if (kind == IniLine::Blank)
         ++back.blank_entries;
-      else if (node.Text().front() == '[')
+      else if (kind == IniLine::Header)
         ++back.headers;
-      else if ((node.Text().front() == ';') != (node.Tag() == IniTag::Comments))
+      else if ((kind == IniLine::Comment) != (node.Tag() == IniTag::Comments))
         ++back.other_kinds;
     }
   }

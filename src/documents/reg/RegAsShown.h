@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "documents/reg/RegWriter.h"
 
@@ -11,10 +10,10 @@ namespace tme {
 /// file would give values to every key of the name, and could not hold all that edits make (another name for a hive,
 /// values of the root, quotes). Looks like one, with a comment that tells it from one. Removed keys and deleted values
 /// stay away. UTF-8, in parts; false when the sink stopped it.
-bool WriteRegAsShown(const RegDocument& document, const RegSink& sink);
+bool WriteRegAsShown(const RegDocument& document, const PartSink& sink);
 
-/// Fills a fresh document from such a text; false, and nothing done, for any other text.
-bool ReadRegAsShown(RegDocument& document, std::string_view text);
+/// Fills a fresh document from such a text, which is taken over. Returns false, with nothing done, for any other text.
+bool ReadRegAsShown(RegDocument& document, std::string& text);
 
 /// For people who compare: without the line that tells such a text from a file's. Any other text stays as it is.
 std::string WithoutAsShownMark(std::string text);

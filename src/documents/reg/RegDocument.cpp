@@ -120,7 +120,7 @@ std::size_t RegDocument::KeysSharingAName() const {
     if (group != RegValueIndex::kNoGroup && sole_owners[group] != &node) ++sharing;
     return true;
   };
-  WalkKeys(*root_, count, [](const RegNode&) {});
+  WalkKeys(*root_, count);
   return sharing;
 }
 
@@ -133,8 +133,7 @@ bool RegDocument::SharesItsName(const RegNode* node) const {
                           [&](const Run& run) { return run.owner != node && run.owner->Text() == node->Text(); }))
     return true;
   if (node->first_run_ == RegNode::kNoRun) return false;
-  return !WalkKeys(
-      *root_, [&](const RegNode& other) { return !is_namesake(other); }, [](const RegNode&) {});
+  return !WalkKeys(*root_, [&](const RegNode& other) { return !is_namesake(other); });
 }
 
 RegNode* RegDocument::AddHiveNode(std::string_view name) { return Add(root_.get(), name, RegTag::Hive); }
@@ -182,7 +181,7 @@ void RegDocument::RemoveKey(RegNode* node) {
     --node_count_;
     return true;
   };
-  WalkKeys(*node, count, [](const RegNode&) {});
+  WalkKeys(*node, count);
   const bool selection_moves = IsBelow(selected_, node);
   siblings.Erase(row);
   for (std::size_t after = row; after < siblings.Count(); ++after) {

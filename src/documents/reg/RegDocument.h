@@ -103,6 +103,9 @@ class RegDocumentObserver : public TreeObserver<RegNode> {
 /// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
 class RegDocument {
  public:
+  /// What readers fill a document with (RegDocumentLoad.h).
+  class Load;
+
   explicit RegDocument(std::string_view title = "New Registry File");
   ~RegDocument();
   RegDocument(const RegDocument&) = delete;
@@ -162,7 +165,6 @@ class RegDocument {
   void Reset(std::string_view title);
 
  private:
-  friend class RegReader;
   friend class RegValueIndex;
 
   /// Records that follow one another and have one owner. A file gives one run for nearly every key.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "documents/reg/RegDocument.h"
 
 namespace tme {
@@ -26,6 +29,28 @@ bool WalkKeys(const RegNode& top, Enter enter, Leave leave) {
   }
   leave(top);
   return true;
+}
+
+/// As WalkKeys, where nothing is to be done after the children.
+template <typename Enter>
+bool WalkKeys(const RegNode& top, Enter enter) {
+  return WalkKeys(top, enter, [](const RegNode&) {});
+}
+
+/// Every node of a document from the root downwards, with its KeyPath: enter(node, path).
+template <typename Enter>
+bool WalkKeyPaths(const RegNode& root, Enter enter) {
+  std::string path;
+  const auto separator = [](const RegNode& node) { return node.Tag() == RegTag::Branch ? 1U : 0U; };
+  return WalkKeys(
+      root,
+      [&](const RegNode& node) {
+        if (node.Parent() != nullptr) path.append(separator(node), '\\').append(node.Text());
+        return enter(node, std::string_view(path));
+      },
+      [&](const RegNode& node) {
+        if (node.Parent() != nullptr) path.resize(path.size() - node.Text().size() - separator(node));
+      });
 }
 
 }  // namespace tme

@@ -51,36 +51,18 @@ std::uint64_t CountLineEnds(const std::string& text, std::size_t first, std::siz
   return ends;
 }
 
-std::size_t CommonPrefix(std::string_view left, std::string_view right) {
-  const std::size_t size = std::min(left.size(), right.size());
-  return static_cast<std::size_t>(
-      std::mismatch(left.begin(), left.begin() + static_cast<std::ptrdiff_t>(size), right.begin()).first -
-      left.begin());
-}
-
 }  // namespace
 
 RegReadResult RegReader::Read(RegDocument& document, std::string text, const RegQuestions& ask) {
   RegReadResult result;
   if (!MayRead(text, ask, result)) return result;
-  document.observer_->BeforeReset();
-  const std::size_t nodes_before = document.NodeCount();
-  const std::size_t values_before = document.Values().size();
-  RegReader reader(document, document.texts_.Keep(std::move(text)), ask, result);
-  reader.Import();
-  document.Select(document.Root());
-  if (document.NodeCount() != nodes_before || document.Values().size() != values_before) {
-    ++document.revision_;
-  } else {
-    document.texts_.GiveBackLast();
-  }
-  document.observer_->AfterReset();
+  RegReader(document, std::move(text), ask, result).Import();
   return result;
 }
 
 bool RegReader::MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result) {
   std::string_view first_line;
-  Lines(text).Next(first_line);
+  LineReader(text).Next(first_line);
   result.other_header = first_line != kExpectedHeader;
   if (result.other_header && !ask.wrong_header()) {
     result.end = RegReadEnd::HeaderRefused;
@@ -109,17 +91,15 @@ bool RegReader::CountLines(const std::string& text, const RegQuestions& ask, Reg
   return true;
 }
 
-RegReader::RegReader(RegDocument& document, std::string& text, const RegQuestions& ask, RegReadResult& result)
-    : document_(document),
-      ask_(ask),
+RegReader::RegReader(RegDocument& document, std::string text, const RegQuestions& ask, RegReadResult& result)
+    : ask_(ask),
       result_(result),
-      text_(text.data()),
-      lines_(text),
+      root_(document.Root()),
+      load_(document, std::move(text),
+            std::min(static_cast<std::size_t>(result.line_count), text.size() / kShortValueLine)),
+      lines_(load_.Text()),
       progress_{.phase = RegProgress::Phase::Importing, .total = result.line_count},
-      current_(document.Root()) {
-  const std::size_t values = std::min(static_cast<std::size_t>(result.line_count), text.size() / kShortValueLine);
-  document_.values_.reserve(document_.values_.size() + values);
-}
+      current_(root_) {}
 
 void RegReader::Import() {
   std::string_view line;
@@ -172,7 +152,7 @@ bool RegReader::TakeKeyLine(std::string_view line) {
   }
   // Whatever it is: "]" is not asked for.
   path.remove_suffix(utf8::LastCharacterBytes(path));
-  current_ = document_.Root();
+  current_ = root_;
   if (TakeBareHive(path)) return true;
   const std::size_t backslash = path.find('\\');
   if (backslash == std::string_view::npos) {
@@ -185,7 +165,7 @@ bool RegReader::TakeKeyLine(std::string_view line) {
   }
   if (!line.ends_with(']')) ++result_.cut_keys;
   if (path.ends_with('\\')) path.remove_suffix(1);
-  SelectKey(path);
+  current_ = load_.KeyOf(path);
   progress_.stage = kKeyTaken;
   return true;
 }
@@ -194,43 +174,14 @@ bool RegReader::TakeKeyLine(std::string_view line) {
 /// the root, not under the hive. Intended: any other such line is a failed one.
 bool RegReader::TakeBareHive(std::string_view path) {
   if (!IsHiveName(path)) return false;
-  RegNode* root = document_.Root();
-  if (root->ChildCount() > 0) return root->Child(0)->Text() == path;
-  document_.Append(root, path, RegTag::Hive);
+  if (root_->ChildCount() > 0) return root_->Child(0)->Text() == path;
+  load_.KeyOf(path);
   return true;
-}
-
-/// path: its hive is known; no backslash at its end.
-void RegReader::SelectKey(std::string_view path) {
-  const std::size_t common = CommonPrefix(path, path_);
-  const auto leads_to = [path, common](const Level& level) {
-    return level.end <= common && (level.end == path.size() || path[level.end] == '\\');
-  };
-  while (!levels_.empty() && !leads_to(levels_.back())) levels_.pop_back();
-  path_ = path;
-  std::size_t start = 0;
-  if (!levels_.empty()) {
-    current_ = levels_.back().node;
-    start = levels_.back().end + 1;
-  }
-  while (start <= path.size()) {
-    const std::size_t end = std::min(path.find('\\', start), path.size());
-    current_ = FindOrAdd(current_, path.substr(start, end - start));
-    levels_.push_back({end, current_});
-    start = end + 1;
-  }
-}
-
-RegNode* RegReader::FindOrAdd(RegNode* parent, std::string_view text) {
-  RegNode* child = document_.FindChild(parent, text);
-  if (child != nullptr) return child;
-  return document_.Append(parent, text, parent == document_.Root() ? RegTag::Hive : RegTag::Branch);
 }
 
 void RegReader::TakeValueLine(std::string_view line) {
   RegValueLine value;
-  const bool parsed =
-      line.front() == '"' ? ParseValueLine(line, value) : ParseDefaultLine(line, document_.texts_, value);
+  const bool parsed = line.front() == '"' ? ParseValueLine(line, value) : ParseDefaultLine(line, load_.Texts(), value);
   in_typed_hex_ = parsed && value.form == RegLineForm::TypedHex && line.ends_with('\\');
   if (!parsed) {
     LogFailure(line);
@@ -245,7 +196,7 @@ void RegReader::TakeValueLine(std::string_view line) {
       return;
     }
   }
-  document_.AppendRecord(current_, value.type, value.name, value.data);
+  load_.AppendValue(current_, value.type, value.name, value.data);
   if (line.front() == '@') ++result_.default_values;
   if (value.form == RegLineForm::Deletion) ++result_.value_deletions;
   if (value.form == RegLineForm::Other) ++result_.other_forms;
@@ -254,7 +205,8 @@ void RegReader::TakeValueLine(std::string_view line) {
 
 /// Joins the lines that follow to data in place, over what was read already. False when they run out.
 bool RegReader::JoinHexLines(std::string_view& data) {
-  char* joined = text_ + (data.data() - text_);
+  char* text = load_.Text().data();
+  char* joined = text + (data.data() - text);
   std::size_t size = data.size();
   while (size > 0 && joined[size - 1] == '\\') {
     --size;

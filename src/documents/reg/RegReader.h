@@ -4,14 +4,11 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "base/Lines.h"
+#include "base/LineReader.h"
+#include "documents/reg/RegDocumentLoad.h"
 
 namespace tme {
-
-class RegDocument;
-class RegNode;
 
 /// Where a read stands.
 struct RegProgress {
@@ -93,13 +90,7 @@ class RegReader {
   static RegReadResult Read(RegDocument& document, std::string text, const RegQuestions& ask);
 
  private:
-  /// Where a level of the last key's path ends, and its node.
-  struct Level {
-    std::size_t end;
-    RegNode* node;
-  };
-
-  RegReader(RegDocument& document, std::string& text, const RegQuestions& ask, RegReadResult& result);
+  RegReader(RegDocument& document, std::string text, const RegQuestions& ask, RegReadResult& result);
 
   static bool MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result);
   static bool CountLines(const std::string& text, const RegQuestions& ask, RegReadResult& result);
@@ -109,26 +100,21 @@ class RegReader {
   bool FindFirstKey(std::string_view& line);
   bool TakeKeyLine(std::string_view line);
   bool TakeBareHive(std::string_view path);
-  void SelectKey(std::string_view path);
-  RegNode* FindOrAdd(RegNode* parent, std::string_view text);
   void TakeValueLine(std::string_view line);
   bool JoinHexLines(std::string_view& data);
   void PassOver(std::string_view line);
   void LogFailure(std::string_view line);
   void EndAtUnknownHive(std::string_view hive);
 
-  RegDocument& document_;
   const RegQuestions& ask_;
   RegReadResult& result_;
-  /// In memory of the document; lines behind the current one may change.
-  char* text_;
-  Lines lines_;
+  RegNode* const root_;
+  /// Its text may change behind the current line.
+  RegDocument::Load load_;
+  LineReader lines_;
   RegProgress progress_;
   /// What the next value belongs to.
   RegNode* current_;
-  /// The key line that came last, and its levels from the hive on: most keys share their beginning with it.
-  std::string_view path_;
-  std::vector<Level> levels_;
   /// The line before was part of a typed hex value that goes on.
   bool in_typed_hex_ = false;
 };

@@ -1,13 +1,15 @@
 #pragma once
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
-#include <functional>
 #include <string_view>
+
+#include "base/Parts.h"
 
 namespace tme {
 
 class RegDocument;
+struct RegValueRecord;
 
 /// Regular writes the keys with values, expanded every branch.
 enum class RegLayout : std::uint8_t { Regular, Expanded };
@@ -15,15 +17,21 @@ enum class RegLayout : std::uint8_t { Regular, Expanded };
 /// What the text of a registry document begins with, and how its lines end.
 inline constexpr std::string_view kRegHeader = "REGEDIT4\r\n\r\n";
 inline constexpr std::string_view kRegLineEnd = "\r\n";
-/// Bytes that a part of the output has, or a little more.
-inline constexpr std::size_t kRegPartBytes = std::size_t{1} << 16;
 
-/// Takes a part of the output (whole lines); false stops the writer.
-using RegSink = std::function<bool(std::string_view)>;
+/// The pieces of one line.
+using RegLine = std::array<std::string_view, 6>;
+/// Name and data as they are held, nothing escaped. A deleted record is still a line, of an empty name; intended.
+RegLine LineOf(const RegValueRecord& record);
+/// False when the sink stopped.
+inline bool PutLine(PartBuffer& out, const RegLine& line) {
+  for (const std::string_view piece : line) out.Append(piece);
+  return out.EndPiece();
+}
 
-/// The document as REGEDIT4 text in UTF-8, CR LF, in parts of about 64 KB. Values go under every key of their owner's
-/// last component; intended. False when the sink stopped it. No recursion; memory for an index of the values only.
-bool WriteReg(const RegDocument& document, RegLayout layout, const RegSink& sink);
+/// The document as REGEDIT4 text in UTF-8, CR LF, in parts of whole lines (PartBuffer). Values go under every key of
+/// their owner's last component; intended. False when the sink stopped it. No recursion; memory for an index of the
+/// values only.
+bool WriteReg(const RegDocument& document, RegLayout layout, const PartSink& sink);
 
 /// Bytes that WriteReg would give, without writing them.
 std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout);

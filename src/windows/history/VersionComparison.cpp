@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "base/Lines.h"
+#include "documents/ini/SortedIni.h"
 #include "documents/reg/RegAsShown.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfWriter.h"
@@ -37,28 +37,6 @@ std::string ReadableText(DocumentKind kind, std::string content) {
   }
   text = DecodeText(std::move(content)).text;
   return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
-}
-
-/// A save sorts sections and entries: so that only what changed differs, both sides are brought into one order.
-std::string SortedIni(std::string_view text) {
-  std::vector<std::vector<std::string_view>> sections(1);
-  Lines lines(text);
-  for (std::string_view line; lines.Next(line);) {
-    if (line.starts_with('[')) sections.emplace_back();
-    if (!line.empty()) sections.back().push_back(line);
-  }
-  const auto heading = [](const auto& section) { return section.empty() ? std::string_view() : section.front(); };
-  std::stable_sort(sections.begin() + 1, sections.end(),
-                   [&](const auto& a, const auto& b) { return heading(a) < heading(b); });
-  std::string sorted;
-  sorted.reserve(text.size());
-  for (std::vector<std::string_view>& section : sections) {
-    const bool has_heading = &section != &sections.front();
-    if (section.size() > 1) std::stable_sort(section.begin() + (has_heading ? 1 : 0), section.end());
-    if (has_heading && !sorted.empty()) sorted += '\n';
-    for (const std::string_view line : section) sorted.append(line).append("\n");
-  }
-  return sorted;
 }
 
 void CompareTexts(VersionComparison& result) {

@@ -14,7 +14,7 @@
 #include <QTextEdit>
 #include <QTreeView>
 
-#include "base/Lines.h"
+#include "base/LineReader.h"
 #include "base/Utf8.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
@@ -375,7 +375,7 @@ void form_INI::ReadKept(const std::string& text) {
     tree_.Reset(std::string(tree_.Root()->Text()));
     IniNode* section = tree_.Root();
     std::string_view line;
-    for (Lines lines(text); lines.Next(line);) {
+    for (LineReader lines(text); lines.Next(line);) {
       if (line.size() > 1 && line.front() == '[')
         section = tree_.AddSection(line.substr(1, line.size() - 1 - utf8::LastCharacterBytes(line)));
       else if (!line.empty())

@@ -8,9 +8,9 @@
 namespace tme {
 
 /// Splits a text into lines that end in CR LF, LF or a lone CR; the last line may lack its end.
-class Lines {
+class LineReader {
  public:
-  explicit Lines(std::string_view text)
+  explicit LineReader(std::string_view text)
       : position_(text.data()), end_(text.data() + text.size()), next_cr_(Find('\r')), next_lf_(Find('\n')) {}
 
   /// False at the end of the text; line is left alone then.

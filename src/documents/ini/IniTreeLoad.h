@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents/ini/IniOrder.h"
+#include "documents/ini/IniTree.h"
+
+namespace tme {
+
+/// Fills a tree from a text: the one way in for readers. The observer sees a reset from construction to Commit, and
+/// only these calls change the tree meanwhile.
+class IniTree::Load {
+ public:
+  /// text: taken over by the tree, and given back when nothing was appended.
+  Load(IniTree& tree, std::string text);
+  Load(const Load&) = delete;
+  Load& operator=(const Load&) = delete;
+  /// Ends a reset that was not committed, as after an exception: what was appended to the root stays.
+  ~Load();
+
+  /// Where the texts below must lie. Holds until the tree is reset.
+  std::string_view Text() const { return text_; }
+  /// To the root.
+  void AppendComment(std::string_view text);
+  void AppendSection(std::string_view name);
+  /// To the section that was appended last.
+  void AppendEntry(std::string_view text, IniTag tag);
+
+  /// Puts what was appended in order and ends the reset.
+  void Commit();
+  /// Begins another reset after Commit.
+  void Reopen();
+  /// Every node but the root whose text equals this one goes. Returns how many nodes went with that. No section is open
+  /// afterwards.
+  std::size_t RemoveTextEqualTo(std::string_view text);
+
+  /// Whether the appended sections stand in the text in another order than in the tree, once committed.
+  bool SectionsReordered() const;
+  /// Whether the entries of at least one section did, as far as they are committed or another section came.
+  bool EntriesReordered() const { return entries_reordered_; }
+
+ private:
+  void FinishSection();
+
+  IniTree& tree_;
+  const std::string_view text_;
+  /// Nodes from here on were appended.
+  const std::uint32_t first_created_;
+  bool is_open_ = true;
+  bool entries_reordered_ = false;
+  /// Null before the first section.
+  IniNode* section_ = nullptr;
+  /// Children of section_ so far: the tree gets them together, sorted, when the section ends.
+  std::vector<IniNode*> entries_;
+  IniSorter sorter_;
+};
+
+}  // namespace tme

@@ -1,0 +1,59 @@
+#include "documents/reg/RegDocumentLoad.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tme {
+
+namespace {
+
+std::size_t CommonPrefix(std::string_view left, std::string_view right) {
+  const std::size_t size = std::min(left.size(), right.size());
+  return static_cast<std::size_t>(
+      std::mismatch(left.begin(), left.begin() + static_cast<std::ptrdiff_t>(size), right.begin()).first -
+      left.begin());
+}
+
+}  // namespace
+
+RegDocument::Load::Load(RegDocument& document, std::string&& text, std::size_t values)
+    : document_(document),
+      text_(document.texts_.Keep(std::move(text))),
+      first_nodes_(document.NodeCount()),
+      first_values_(document.Values().size()) {
+  document_.values_.reserve(first_values_ + values);
+  document_.observer_->BeforeReset();
+}
+
+RegDocument::Load::~Load() {
+  document_.Select(document_.Root());
+  if (document_.NodeCount() != first_nodes_ || document_.Values().size() != first_values_) {
+    ++document_.revision_;
+  } else {
+    document_.texts_.GiveBackLast();
+  }
+  document_.observer_->AfterReset();
+}
+
+RegNode* RegDocument::Load::KeyOf(std::string_view path) {
+  const std::size_t common = CommonPrefix(path, path_);
+  const auto leads_to = [path, common](const Level& level) {
+    return level.end <= common && (level.end == path.size() || path[level.end] == '\\');
+  };
+  while (!levels_.empty() && !leads_to(levels_.back())) levels_.pop_back();
+  path_ = path;
+  RegNode* key = levels_.empty() ? document_.Root() : levels_.back().node;
+  std::size_t start = levels_.empty() ? 0 : levels_.back().end + 1;
+  while (start <= path.size()) {
+    const std::size_t end = std::min(path.find('\\', start), path.size());
+    const std::string_view text = path.substr(start, end - start);
+    RegNode* child = document_.FindChild(key, text);
+    if (child == nullptr) child = document_.Append(key, text, levels_.empty() ? RegTag::Hive : RegTag::Branch);
+    key = child;
+    levels_.push_back({end, key});
+    start = end + 1;
+  }
+  return key;
+}
+
+}  // namespace tme

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents/reg/RegDocument.h"
+
+namespace tme {
+
+/// Fills a document from a text: the one way in for readers. The observer sees one reset from construction to
+/// destruction, and only these calls change the document meanwhile. The root is selected afterwards.
+class RegDocument::Load {
+ public:
+  /// text: taken over by the document, and given back when nothing was appended. values: room is made for so many.
+  Load(RegDocument& document, std::string&& text, std::size_t values);
+  Load(const Load&) = delete;
+  Load& operator=(const Load&) = delete;
+  ~Load();
+
+  /// Where the texts below must lie, but for those made in Texts(). The reader may change what it has not appended.
+  std::string& Text() { return text_; }
+  TextStore& Texts() { return document_.texts_; }
+
+  /// The key with this path ("HKEY_USERS\\Alpha"); those that are missing are appended. The path must stay as it is
+  /// until the next call. Costs what differs from the last path, and the siblings there.
+  RegNode* KeyOf(std::string_view path);
+  void AppendValue(RegNode* owner, RegType type, std::string_view name, std::string_view data) {
+    document_.AppendRecord(owner, type, name, data);
+  }
+
+ private:
+  /// Where a level of the last path ends, and its node.
+  struct Level {
+    std::size_t end;
+    RegNode* node;
+  };
+
+  RegDocument& document_;
+  std::string& text_;
+  const std::size_t first_nodes_;
+  const std::size_t first_values_;
+  /// The path that came last, and its levels from the hive on: most keys share their beginning with it.
+  std::string_view path_;
+  std::vector<Level> levels_;
+};
+
+}  // namespace tme
