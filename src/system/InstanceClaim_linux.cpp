@@ -84,7 +84,7 @@ QStringList InstanceFolders() {
 bool PrepareInstanceFolder(const QString& folder) {
   if (folder == SettingsFolder()) {
     // A link of the user's is as good; a folder of somebody else's is where that one's own editor looks.
-    return MakeOwnFolder(folder) && IsOwnFolder(QFileInfo(folder).canonicalFilePath(), 0);
+    return !MakeOwnFolder(folder) && IsOwnFolder(QFileInfo(folder).canonicalFilePath(), 0);
   }
   ::mkdir(QFile::encodeName(folder).constData(), 0700);
   return IsOwnFolder(folder, 0077);

@@ -147,9 +147,9 @@ bool SendAll(int descriptor, const QByteArray& bytes) {
   while (sent < bytes.size()) {
     const ssize_t count =
         ::send(descriptor, bytes.constData() + sent, static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL);
-    if (count < 0 && errno == EAGAIN && Await(descriptor, POLLOUT, hung)) continue;
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return errno != EAGAIN;  // a receiver that refuses has an answer all the same
+    const int error = count < 0 ? errno : 0;
+    if (error == EINTR || (error == EAGAIN && Await(descriptor, POLLOUT, hung))) continue;
+    if (count <= 0) return error != EAGAIN;  // a receiver that refuses has an answer all the same
     sent += count;
   }
   return true;

@@ -100,7 +100,7 @@ QString LockObstacle(const QString& path) {
 
 /// QSettings only says that it did not work. The same bytes once more meet the same cause.
 QString CauseOfFailure(const QString& path) {
-  if (!MakeOwnFolder(QFileInfo(path).path())) return QString::fromStdString(std::generic_category().message(errno));
+  if (const auto error = MakeOwnFolder(QFileInfo(path).path())) return QString::fromStdString(error.message());
   if (QFile missing(path); !missing.exists() && !missing.open(QIODevice::WriteOnly | QIODevice::NewOnly, kOnlyUser))
     return missing.errorString();
   std::string bytes;
@@ -115,9 +115,11 @@ QString SettingsFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/TamarindEditor"_L1;
 }
 
-bool MakeOwnFolder(const QString& folder) {
+std::error_code MakeOwnFolder(const QString& folder) {
   QDir().mkpath(QFileInfo(folder).path());
-  return ::mkdir(QFile::encodeName(folder).constData(), 0700) == 0 || errno == EEXIST;
+  const QByteArray path = QFile::encodeName(folder);
+  const int error = ::mkdir(path.constData(), 0700) == 0 ? 0 : errno;
+  return error == EEXIST ? std::error_code() : std::error_code(error, std::generic_category());
 }
 
 /// The file's values, and above them what has not reached the file yet. QSettings gets to the file only when nothing

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QString>
+#include <system_error>
 
 namespace tme {
 
 /// Where the settings store lies; the folder need not exist.
 QString SettingsFolder();
-/// Makes the folder so that only the user can read what lies there, and those above it as the system would. True when
-/// it is there; false: errno says why.
-bool MakeOwnFolder(const QString& folder);
+/// Makes the folder so that only the user can read what lies there, and those above it as the system would. No
+/// error when it is there.
+std::error_code MakeOwnFolder(const QString& folder);
 
 }  // namespace tme
