@@ -16,7 +16,7 @@
 #include "history/History.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
-#include "shell/Rescue.h"
+#include "shell/RecoverySnapshots.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "system/Dialogs.h"
@@ -149,44 +149,44 @@ void BM_Save(benchmark::State& state, DocumentKind kind) {
 BENCHMARK_CAPTURE(BM_Save, text, DocumentKind::Txt)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Save, ini, DocumentKind::Ini)->Unit(benchmark::kMillisecond);
 
-/// How long the window waits for the look that takes a snapshot, and for a save's "no rescue any more" while the
-/// snapshot is on its way to the disk.
+/// How long the window waits for the poll that takes a snapshot, and for a save's Forget while the snapshot is on its
+/// way to the disk.
 void BM_Snapshot(benchmark::State& state, DocumentKind kind) {
   Editor editor;
   editor.frame.MDIForm_Load({});
   DocumentWindow& window = LargeDocument(editor, kind);
-  Rescue& rescue = editor.frame.Shared().rescue;
+  RecoverySnapshots& snapshots = editor.frame.Shared().snapshots;
   for (auto _ : state) {
-    rescue.Look(Rescue::Clock::now());
-    rescue.Forget(&window);
+    snapshots.Poll(RecoverySnapshots::Clock::now());
+    snapshots.Forget(&window);
     state.PauseTiming();
-    rescue.WaitForDisk();
+    snapshots.WaitForDisk();
     state.ResumeTiming();
   }
 }
 BENCHMARK_CAPTURE(BM_Snapshot, text, DocumentKind::Txt)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Snapshot, ini, DocumentKind::Ini)->Unit(benchmark::kMillisecond);
 
-/// Half an hour of steady work on a large document, a look every two seconds: the part of it that the window waited.
+/// Half an hour of steady work on a large document, a poll every two seconds: the part of it that the window waited.
 void BM_SnapshotShare(benchmark::State& state, DocumentKind kind) {
   using Seconds = std::chrono::duration<double>;
   Editor editor;
   editor.frame.MDIForm_Load({});
   DocumentWindow& window = LargeDocument(editor, kind);
-  Rescue& rescue = editor.frame.Shared().rescue;
+  RecoverySnapshots& snapshots = editor.frame.Shared().snapshots;
   constexpr std::chrono::minutes kWork{30};
   for (auto _ : state) {
-    Rescue::Clock::duration waited{};
-    const auto start = Rescue::Clock::now();
+    RecoverySnapshots::Clock::duration waited{};
+    const auto start = RecoverySnapshots::Clock::now();
     for (auto now = start; now < start + kWork; now += std::chrono::seconds(2)) {
       if (kind == DocumentKind::Txt)
         QMetaObject::invokeMethod(&window, "EditTimeDate");
       else
         const_cast<IniTree&>(static_cast<form_INI&>(window).Tree()).AddSection("B");
-      const auto look = Rescue::Clock::now();
-      rescue.Look(now);
-      waited += Rescue::Clock::now() - look;
-      rescue.WaitForDisk();
+      const auto begin = RecoverySnapshots::Clock::now();
+      snapshots.Poll(now);
+      waited += RecoverySnapshots::Clock::now() - begin;
+      snapshots.WaitForDisk();
     }
     state.counters["percent"] = 100 * Seconds(waited) / Seconds(kWork);
   }

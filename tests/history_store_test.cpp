@@ -65,12 +65,12 @@ TEST_F(HistoryTest, OldestGoFirst) {
   History history(folder_.filePath(u"h"_s), {3, 90, 20});
   history.versions.Keep(file_, KeptReason::BeforeSave, "too old", now_.addDays(-91));
   for (const char* content : {"1", "2", "3", "4"}) history.versions.Keep(file_, KeptReason::BeforeSave, content, now_);
-  history.snapshots.Put(u"aside"_s, new_, "0123456789012345678901234567890", now_);
+  history.snapshots.Put(u"snapshot"_s, new_, "0123456789012345678901234567890", now_);
   history.pruner.Prune(now_);
   EXPECT_EQ(Contents(history), "4 3 2 ");
   EXPECT_EQ(Blobs(), 6) << "what nobody names may be on its way";
   history.pruner.Prune(later_);
-  EXPECT_EQ(Blobs(), 4) << "what is put aside stays, and does not count";
+  EXPECT_EQ(Blobs(), 4) << "snapshots stay, and does not count";
   for (const char* content : {"more than three", "5", "6"})
     history.versions.Keep(new_, KeptReason::NotSaved, content, now_);
   history.versions.Keep(new_, KeptReason::NotSaved, "7", now_);
@@ -91,7 +91,29 @@ TEST_F(HistoryTest, AgeIsThatBesideTheNewestOfAFile) {
   EXPECT_EQ(Contents(history), "7 6 5 4 3 alone ") << "a clock that is ahead takes nothing, and age spares five";
 }
 
-TEST_F(HistoryTest, PutsUnsavedContentAside) {
+TEST_F(HistoryTest, PruningStopsAtOnceAndTakesNothingThatIsNamed) {
+  for (int stop_at = 1; stop_at <= 6; ++stop_at) {
+    SCOPED_TRACE(stop_at);
+    const QTemporaryDir folder;
+    History history(folder.filePath(u"h"_s), {1, 90, 100});
+    for (const char* content : {"1", "2", "3"}) history.versions.Keep(file_, KeptReason::BeforeSave, content, now_);
+    for (const QString& id : {u"1"_s, u"2"_s}) history.snapshots.Put(id, new_, id.toStdString() + "s", now_);
+    std::stop_source source;
+    int accesses = 0;
+    history.folder.before_access = [&](const QString&) {
+      EXPECT_FALSE(source.stop_requested());
+      if (++accesses == stop_at) source.request_stop();
+    };
+    history.pruner.Prune(later_, source.get_token());
+    EXPECT_EQ(accesses, std::min(stop_at, 5)) << "a file for each record";
+    history.folder.before_access = {};
+    EXPECT_EQ(Contents(history), stop_at <= 5 ? "3 2 1 " : "3 ");
+    for (const KeptVersion& snapshot : history.snapshots.List())
+      EXPECT_EQ(history.contents.Read(snapshot.digest), snapshot.id.toStdString() + "s");
+  }
+}
+
+TEST_F(HistoryTest, SnapshotsReplaceEachOtherAndGo) {
   History history(folder_.filePath(u"h"_s));
   history.snapshots.Put(u"2"_s, new_, "second", now_);
   history.snapshots.Put(u"1"_s, file_, "first", now_);

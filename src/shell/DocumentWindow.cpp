@@ -19,7 +19,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/PlainText.h"
 #include "shell/RecentFiles.h"
-#include "shell/Rescue.h"
+#include "shell/RecoverySnapshots.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 #include "system/FilePath.h"
@@ -104,9 +104,9 @@ std::optional<DecodedText> DocumentWindow::TakeSlotFile() {
 void DocumentWindow::ReleaseSlot() {
   // What could not be kept stays aside, for the next start.
   if (KeepUnsaved())
-    global_.rescue.Forget(this);
+    global_.snapshots.Forget(this);
   else
-    global_.rescue.LeaveForNextStart(*this);
+    global_.snapshots.LeaveForNextStart(*this);
   tag_.clear();
   DocumentSlot& slot = Slot();
   slot.path.clear();
@@ -120,7 +120,7 @@ void DocumentWindow::MarkClean() {
   clean_revision_ = Revision();
   being_read_ = false;
   // At once: a crash before the next look would bring back what is older than the file.
-  global_.rescue.Forget(this);
+  global_.snapshots.Forget(this);
 }
 
 void DocumentWindow::RecordOpened() {

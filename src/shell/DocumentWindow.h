@@ -4,8 +4,8 @@
 #include <functional>
 #include <optional>
 
-#include "documents/DocumentKind.h"
 #include "base/Parts.h"
+#include "documents/DocumentKind.h"
 #include "files/FileFailure.h"
 #include "files/FileStamp.h"
 #include "files/FileSteps.h"
@@ -155,7 +155,7 @@ class DocumentWindow : public QWidget {
   /// closing goes on after it.
   enum class SaveOutcome { Saved, Cancelled, Failed };
   /// A save under a new name: the slot has neither path nor title when `save` begins, and the caller puts them back
-  /// when it does not succeed. For the history and the rescue the document has its name all the while.
+  /// when it does not succeed. For the history and its snapshots the document has its name all the while.
   SaveOutcome WithoutName(const std::function<SaveOutcome()>& save);
   /// "Save this file?" when the document is changed; false keeps the window: the answer was Cancel, or the write
   /// failed. A cancelled save dialog does not (intended; the changes are dropped). While the program is being left,

@@ -16,7 +16,7 @@ class History;
 class InstanceLink;
 class RecentFiles;
 class RegistryAccess;
-class Rescue;
+class RecoverySnapshots;
 class ShellUtilities;
 class mdform_TMEditor;
 
@@ -42,7 +42,7 @@ struct Global : Services {
   DocumentArea& area;
   GlobalMenus& menus;
   RecentFiles& recent_files;
-  Rescue& rescue;
+  RecoverySnapshots& snapshots;
 
   /// A save runs that nobody asked for: it shows no question and no dialog, and what would have to be asked is a
   /// notice.

@@ -14,6 +14,7 @@
 
 #include "files/FileBytes.h"
 #include "files/FileFailure.h"
+#include "shell/CrashRecovery.h"
 #include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/OS_SendMessage.h"
@@ -43,8 +44,9 @@ mdform_TMEditor::mdform_TMEditor(const Services& services, WindowFactory make_wi
                       global_.skip_recent_once = false;
                       OpenFileByName(global_, path);
                     }),
-      global_{services, settings_, documents_, *this, area_, menus_, recent_files_, rescue_},
-      rescue_(global_),
+      global_{services, settings_, documents_, *this, area_, menus_, recent_files_, snapshots_},
+      snapshots_(global_),
+      pruning_(global_),
       auto_save_(global_),
       file_drop_(*this,
                  [this](const QStringList& paths) {
@@ -88,12 +90,13 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   settings_.auto_save_period = ParseAutoSavePeriod(registry.ReadValue(SettingsRoot, u"AutoSave"_s));
   auto_save_.SetAutoSaveTimer(settings_.auto_save_period);
   CreateDocumentWindows();
-  rescue_.ReopenAfterCrash();
+  CrashRecovery(global_, snapshots_).Run();
   for (const QString& text : command_line_texts) OpenPathList(global_, text);
   OpenWelcomeDocument(global_.shell_utilities.ProgramFolder());
   menus_.RefreshMenus(DocumentKind::Mdi);
   show();
-  rescue_.Start();
+  snapshots_.Start();
+  pruning_.Start();
   if (DocumentWindow* active = area_.ActiveDocument()) active->Form_Activate();
   QTimer::singleShot(0, this, &mdform_TMEditor::TellSettingsFailure);
 }
@@ -199,10 +202,10 @@ void mdform_TMEditor::LeaveDocument(DocumentWindow& window) {
   // A document that nobody answered for, or that could be kept nowhere, comes back with the next start.
   const bool dropped = !window.Tag().isEmpty() && window.IsTouched();
   if (dropped && (unattended_ || !window.KeepUnsaved()))
-    rescue_.LeaveForNextStart(window);
+    snapshots_.LeaveForNextStart(window);
   else
-    rescue_.Forget(&window);
-  rescue_.PassOver(window);
+    snapshots_.Forget(&window);
+  snapshots_.PassOver(window);
 }
 
 void mdform_TMEditor::ExitApplication() {
@@ -225,7 +228,8 @@ void mdform_TMEditor::ExitApplication() {
       slot.window->SubWindow()->showMinimized();
   });
   documents_.ForEach([this](DocumentSlot& slot) { LeaveDocument(*slot.window); });
-  rescue_.Stop();
+  snapshots_.Stop();
+  pruning_.Stop();
   leaving_ = Leaving::Done;
   area_.SetActiveDocument(nullptr);
   documents_.ForEach(release);

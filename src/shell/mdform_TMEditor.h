@@ -9,8 +9,9 @@
 #include "shell/FrameGeometry.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
+#include "shell/HistoryPruning.h"
 #include "shell/RecentFiles.h"
-#include "shell/Rescue.h"
+#include "shell/RecoverySnapshots.h"
 #include "system/MenuKeys.h"
 
 namespace tme {
@@ -85,7 +86,8 @@ class mdform_TMEditor : public QMainWindow {
   RecentFiles recent_files_;
   /// Some of the parts that it refers to begin to live after it.
   Global global_;
-  Rescue rescue_;
+  RecoverySnapshots snapshots_;
+  HistoryPruning pruning_;
   AutoSave auto_save_;
   FileDrop file_drop_;
   FrameGeometry geometry_;

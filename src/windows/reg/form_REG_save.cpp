@@ -16,7 +16,7 @@
 #include "shell/Global.h"
 #include "shell/Hourglass.h"
 #include "shell/PlainText.h"
-#include "shell/Rescue.h"
+#include "shell/RecoverySnapshots.h"
 #include "shell/SaveDialog.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
@@ -134,7 +134,7 @@ void form_REG::TellLosses(const RegLosses& losses) {
       kept_losses_ = losses.fingerprint;
       actions.push_back(FileHistoryButton());
     } else {
-      global_.rescue.LeaveForNextStart(*this);
+      global_.snapshots.LeaveForNextStart(*this);
     }
   }
   const bool is_kept = !actions.empty();
