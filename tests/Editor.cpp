@@ -39,14 +39,11 @@ void Editor::Start(const QStringList& command_line) {
   QApplication::processEvents();
 }
 
-form_INI& Editor::Ini(int slot) {
-  return dynamic_cast<form_INI&>(*global_.documents.At(DocumentKind::Ini, slot).window);
-}
+form_INI& Editor::Ini(int slot) { return dynamic_cast<form_INI&>(*global_.documents.At(DocumentKind::Ini, slot)); }
 
 form_INI& Editor::NewIni(const std::string& text) {
   const int slot = global_.documents.FindFreeSlot(DocumentKind::Ini);
   form_INI& window = Ini(slot);
-  window.setWindowTitle(QStringLiteral("New INI File"));
   window.NewINI();
   QGuiApplication::clipboard()->setText(QString::fromStdString(text));
   window.EditPaste();

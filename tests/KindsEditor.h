@@ -22,7 +22,7 @@ inline const SavedKind kSavedKinds[] = {
 /// An editor for tests over documents of all kinds.
 class KindsEditor : public Editor {
  protected:
-  tme::DocumentWindow& Window(tme::DocumentKind kind, int slot = 0) { return *global_.documents.At(kind, slot).window; }
+  tme::DocumentWindow& Window(tme::DocumentKind kind, int slot = 0) { return *global_.documents.At(kind, slot); }
   static QString Notice(const tme::DocumentWindow& window) { return window.findChild<tme::NoticeBar*>()->Text(); }
   bool HistoryHolds(const std::string& content) const {
     for (const tme::KeptVersion& version : history_.versions.List())

@@ -18,7 +18,7 @@ namespace {
 
 class FormHistoryTest : public Editor {
  protected:
-  DocumentWindow& Text(int slot = 0) { return *global_.documents.At(DocumentKind::Txt, slot).window; }
+  DocumentWindow& Text(int slot = 0) { return *global_.documents.At(DocumentKind::Txt, slot); }
   /// Keeps contents of a file, the last one last.
   void Keep(DocumentKind kind, const QString& path, const std::vector<std::string>& contents) {
     for (const std::string& content : contents)
@@ -56,7 +56,7 @@ TEST_F(FormHistoryTest, ListsShowsAndRestores) {
 
   Click(form, u"cmd_Restore"_s);
   EXPECT_EQ(Text().Content(), "one\r\nfirst\r\n");
-  EXPECT_TRUE(Text().Slot().changed);
+  EXPECT_TRUE(Text().File().IsChanged());
   EXPECT_EQ(Said(form), "The same as now.");
   ASSERT_EQ(List(form).topLevelItemCount(), 4);
   EXPECT_EQ(List(form).topLevelItem(0)->text(1), u"Before a restore");
@@ -73,7 +73,7 @@ TEST_F(FormHistoryTest, ListsShowsAndRestores) {
   Select(form, 5);
   EXPECT_EQ(Said(form), "The version's text. There is no document or file to compare it with.");
   Click(form, u"cmd_Restore"_s);
-  EXPECT_EQ(Ini().Slot().path, InFolder(u"gone.ini"_s));
+  EXPECT_EQ(Ini().File().Path(), InFolder(u"gone.ini"_s));
   EXPECT_FALSE(QFile::exists(InFolder(u"gone.ini"_s)));
 }
 
@@ -102,7 +102,7 @@ TEST_F(FormHistoryTest, OpensAsNewAndSavesCopies) {
   Select(form, 0);
   Click(form, u"cmd_OpenAsNew"_s);
   EXPECT_EQ(Text(1).Content(), "kept");
-  EXPECT_EQ(Text(1).Slot().path, u"");
+  EXPECT_EQ(Text(1).File().Path(), u"");
 }
 
 TEST_F(FormHistoryTest, GoesFromDifferenceToDifference) {

@@ -190,8 +190,7 @@ TEST_F(Editor, SavedBytesKeepTheEncodingOrBecomeUtf8) {
   Start();
   for (const Row& row : rows) {
     const QString path = File(QString::fromLatin1(row.name), row.bytes);
-    global_.documents.At(DocumentKind::Ini, 0).path = path;
-    global_.documents.At(DocumentKind::Ini, 0).title = QString::fromLatin1(row.name);
+    Ini().File().BecomeFileAt(path);
     Ini().OpenINI();
     Ini().SaveFile();
     EXPECT_EQ(BytesOf(path), row.saved) << row.name;
@@ -217,7 +216,7 @@ TEST_F(Editor, SavedBytesKeepTheEncodingOrBecomeUtf8) {
                                        std::pair(u"Write as UTF-16 LE"_s, in_utf16)}) {
     for (QPushButton* button : Ini().findChildren<QPushButton*>(u"notice_action"_s))
       if (button->text() == caption) button->click();
-    EXPECT_EQ(BytesOf(Ini().Slot().path), saved);
+    EXPECT_EQ(BytesOf(Ini().File().Path()), saved);
     Ini().FileClose();
     EXPECT_EQ(save_with_zhe(ascii), saved) << "the last choice";
   }
@@ -238,7 +237,7 @@ TEST_F(Editor, SaveAsAsksAndGoesBackWhenCancelled) {
   common_dialog_.ExpectSave(other);
   exists(MsgAnswer::Cancel);
   Ini().SaveAs();
-  EXPECT_EQ(Ini().Slot().path, path);
+  EXPECT_EQ(Ini().File().Path(), path);
   EXPECT_EQ(BytesOf(other), "old");
   common_dialog_.ExpectSave(other);
   exists(MsgAnswer::No);
@@ -263,7 +262,7 @@ TEST_F(Editor, ClosingAsksAndAFailedWriteKeepsTheWindow) {
     Ini().AddSection();
   };
   const auto ask = [&](MsgAnswer answer) {
-    dialogs_.ExpectMsgBox(u"Save this file?\r"_s + Ini().Slot().path, u"Document Changed"_s, MsgButtons::YesNoCancel,
+    dialogs_.ExpectMsgBox(u"Save this file?\r"_s + Ini().File().Path(), u"Document Changed"_s, MsgButtons::YesNoCancel,
                           answer, MsgIcon::Question);
   };
   change();
@@ -331,11 +330,10 @@ TEST_F(Editor, OpeningSaysWhatWasLeftOut) {
     }
     Ini().FileClose();
   }
-  DocumentSlot& slot = Ini().Slot();
-  slot.path = InFolder(u"vanished.ini"_s);
-  dialogs_.ExpectMsgBox(
-      u"TME could not open the file\r( "_s + slot.path + u" )\r"_s + NothingThere(Missing::File) + u'.',
-      u"Tamarind Editor"_s);
+  const QString path = InFolder(u"vanished.ini"_s);
+  Ini().File().BecomeFileAt(path);
+  dialogs_.ExpectMsgBox(u"TME could not open the file\r( "_s + path + u" )\r"_s + NothingThere(Missing::File) + u'.',
+                        u"Tamarind Editor"_s);
   Ini().OpenINI();
   EXPECT_EQ(Ini().Tag(), u"");
   EXPECT_EQ(global_.area.ActiveDocument(), nullptr);
@@ -397,7 +395,7 @@ TEST_F(Editor, PrintsTheDocumentFromTheClipboard) {
   const QString pdf = InFolder(u"out.pdf"_s), pdftotext = QStandardPaths::findExecutable(u"pdftotext"_s);
   QPrinter printer;
   printer.setOutputFileName(pdf);
-  window.PrintDoc(&printer);
+  window.PrintDoc(printer);
   EXPECT_EQ(Clipboard(), u"[Alpha]\r\n\r\n[Beta]\r\nx=1\r\ny=2\r\n\r\n");
   if (pdftotext.isEmpty()) GTEST_SKIP() << "pdftotext is not installed";
   QProcess reader;

@@ -33,7 +33,7 @@ constexpr const char* kFile =
 
 class RegWindow : public Editor {
  protected:
-  form_REG& Reg() { return dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0).window); }
+  form_REG& Reg() { return dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0)); }
   void Open(const std::string& bytes) {
     Start();
     OpenPathList(global_, File(u"a.reg"_s, bytes));
@@ -122,7 +122,7 @@ TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
 
   common_dialog_.ExpectSave({});
   Reg().FileSaveAsExpanded();
-  EXPECT_EQ(Reg().Slot().path, InFolder(u"a.reg"_s));
+  EXPECT_EQ(Reg().File().Path(), InFolder(u"a.reg"_s));
   common_dialog_.ExpectSave(InFolder(u"b.reg"_s));
   Reg().FileSaveAsRegular();
   EXPECT_EQ(common_dialog_.shown.back().title, u"Save Registry File");
@@ -240,7 +240,7 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   for (int line = 0; line < 600; ++line) large += "\"v\"=\"1\"\r\n";
   ask(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
       u"Large Registry File"_s, MsgAnswer::No, MsgIcon::None);
-  dialogs_.while_asking = [this] { EXPECT_FALSE(Reg().IsTouched()) << "a half-read file is nothing to rescue"; };
+  dialogs_.while_asking = [this] { EXPECT_FALSE(Reg().IsModified()) << "a half-read file is nothing to rescue"; };
   OpenPathList(global_, File(u"large.reg"_s, large));
   dialogs_.while_asking = [] {};
   EXPECT_EQ(Reg().Document().NodeCount(), 1U);
@@ -271,7 +271,7 @@ TEST_F(RegWindow, AsksAboutHeaderAndSizeAndLogsWhatFailed) {
   EXPECT_TRUE(Notice().startsWith(u"The file ended early at line 3: its key belongs to no known hive"));
   OpenPathList(global_, File(u"minus.reg"_s, "REGEDIT4\r\n[HKEY_USERS\\A]\r\n[-HKEY_USERS\\B]\r\n\r\n"));
   EXPECT_TRUE(global_.documents.At(DocumentKind::Reg, 1)
-                  .window->findChild<NoticeBar*>()
+                  ->findChild<NoticeBar*>()
                   ->Text()
                   .startsWith(u"The file ended early at line 3: it deletes a key"));
   const QList<QProgressBar*> bars = Reg().findChildren<QProgressBar*>();
@@ -295,7 +295,7 @@ TEST_F(RegWindow, SharedNamesAreSaidAndOnlyAnEnormousFileIsAskedAbout) {
   for (int key = 0; key < 130; ++key)
     text += "[HKEY_USERS\\" + std::to_string(key) + "\\Same]\r\n\"v\"=\"" + data + "\"\r\n";
   OpenPathList(global_, File(u"b.reg"_s, text + "\r\n"));
-  auto& large = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1).window);
+  auto& large = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1));
   const QString size = QLocale().formattedDataSize(130LL * 130 * (80'000 + 8) + 4000);
   const auto ask = [&] {
     dialogs_.ExpectMsgBox(
@@ -309,7 +309,7 @@ TEST_F(RegWindow, SharedNamesAreSaidAndOnlyAnEnormousFileIsAskedAbout) {
       u"So many keys share their names that the printout would have "_s + size + u".  That is too much to print."_s,
       u"Tamarind Editor"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
   QPrinter printer;
-  large.PrintDoc(&printer);
+  large.PrintDoc(printer);
 
   auto* keys = large.findChild<QTreeView*>(u"TV"_s);
   keys->setCurrentIndex(keys->model()->index(0, 0, keys->model()->index(0, 0)));
@@ -372,7 +372,7 @@ TEST_F(RegWindow, ARenamedRootKeepsItsTextAndWhatItsNameDropsIsKept) {
   EXPECT_EQ(Reg().Document().Root()->Text(), "Alpha");
 
   NewDocument(global_, DocumentKind::Reg);
-  auto& fresh = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1).window);
+  auto& fresh = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 1));
   common_dialog_.ExpectSave(InFolder(u"n.reg"_s));
   fresh.FileSaveRegular();
   EXPECT_EQ(fresh.Document().Root()->Text(), "n.reg") << "a name that nobody gave follows the file";
@@ -396,9 +396,9 @@ TEST_F(RegWindow, PrintsExpanded) {
   EXPECT_EQ(Reg().windowTitle(), u"a.reg [CHANGED]");
   QPrinter printer;
   printer.setOutputFileName(InFolder(u"out.pdf"_s));
-  Reg().PrintDoc(&printer);
+  Reg().PrintDoc(printer);
   EXPECT_EQ(Reg().windowTitle(), u"a.reg") << "counts as unchanged; intended";
-  EXPECT_EQ(Reg().Slot().path, InFolder(u"a.reg"_s));
+  EXPECT_EQ(Reg().File().Path(), InFolder(u"a.reg"_s));
   if (const QString pdftotext = QStandardPaths::findExecutable(u"pdftotext"_s); !pdftotext.isEmpty()) {
     QProcess reader;
     reader.start(pdftotext, {u"-layout"_s, InFolder(u"out.pdf"_s), u"-"_s});
@@ -424,7 +424,7 @@ TEST_F(RegWindow, ColumnsComeFromTheSettingsAtEachResizeAndAllAreInSightWithout)
   EXPECT_EQ(registry_.ReadValue(SettingsRoot + u"\\REG Editor"_s, u"LVC3"_s), u"") << "nobody set them";
   View(u"LV"_s)->setColumnWidth(2, 321);
   NewDocument(global_, DocumentKind::Reg);
-  auto* other = global_.documents.At(DocumentKind::Reg, 1).window->findChild<QTreeView*>(u"LV"_s);
+  auto* other = global_.documents.At(DocumentKind::Reg, 1)->findChild<QTreeView*>(u"LV"_s);
   EXPECT_EQ(other->columnWidth(2), 321);
   other->setColumnWidth(1, 111);
   EXPECT_NE(width(1), 111);

@@ -30,9 +30,7 @@ using namespace Qt::StringLiterals;
 class FormRtf : public Editor {
  protected:
   FormRtf() { Start(); }
-  form_RTF& Window(int slot = 0) {
-    return dynamic_cast<form_RTF&>(*global_.documents.At(DocumentKind::Rtf, slot).window);
-  }
+  form_RTF& Window(int slot = 0) { return dynamic_cast<form_RTF&>(*global_.documents.At(DocumentKind::Rtf, slot)); }
   form_RTF& Open(const std::string& bytes) {
     OpenPathList(global_, File(u"letter.rtf"_s, bytes));
     QApplication::processEvents();
@@ -65,7 +63,7 @@ TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
   const std::string written = BytesOf(path);
   EXPECT_TRUE(written.starts_with("{\\rtf1"));
   EXPECT_NE(written.find("\\u20013"), std::string::npos);
-  EXPECT_FALSE(window.IsTouched());
+  EXPECT_FALSE(window.IsModified());
 }
 
 TEST_F(FormRtf, SaysWhatItShowsInASimplerForm) {
@@ -96,7 +94,7 @@ TEST_F(FormRtf, ACancelledOpeningOpensNothingAndACancelledPasteChangesNothing) {
   cancel();
   OpenPathList(global_, path);
   EXPECT_TRUE(Window().Tag().isEmpty());
-  EXPECT_TRUE(Window().Slot().path.isEmpty());
+  EXPECT_TRUE(Window().File().Path().isEmpty());
   EXPECT_EQ(global_.documents.FindFreeSlot(DocumentKind::Rtf), 0);
   OpenPathList(global_, path);
   ASSERT_FALSE(Window().Tag().isEmpty());
@@ -107,7 +105,7 @@ TEST_F(FormRtf, ACancelledOpeningOpensNothingAndACancelledPasteChangesNothing) {
   cancel();
   Window().EditPaste();
   EXPECT_EQ(PadOf(Window()).document()->blockCount(), 2'000);
-  EXPECT_FALSE(Window().IsTouched());
+  EXPECT_FALSE(Window().IsModified());
   LongWork::quiet_ms = 500;
 }
 
@@ -146,7 +144,7 @@ TEST_F(FormRtf, KeysWithCtrlOrSuperThatNobodyHasDoNothing) {
   EXPECT_GT(height(), before);
   QTest::keyClick(&pad, Qt::Key_0, Qt::ControlModifier | Qt::KeypadModifier);
   EXPECT_EQ(height(), before);
-  EXPECT_FALSE(window.Slot().changed) << "zooming is no edit";
+  EXPECT_FALSE(window.File().IsChanged()) << "zooming is no edit";
   for (const Qt::Key key : {Qt::Key_K, Qt::Key_D, Qt::Key_E, Qt::Key_5})
     for (const Qt::KeyboardModifier with : {Qt::ControlModifier, Qt::MetaModifier})
       QTest::keyClick(&pad, key, with | (key == Qt::Key_5 ? Qt::KeypadModifier : Qt::NoModifier));
@@ -223,7 +221,7 @@ TEST_F(FormRtf, PrintsInsideThePageAndBreaksIt) {
   form_RTF& window = Open(bytes + "\\page two\\par}");
   QPrinter printer(QPrinter::HighResolution);
   printer.setOutputFileName(InFolder(u"out.pdf"_s));
-  window.PrintDoc(&printer);
+  window.PrintDoc(printer);
   EXPECT_NE(BytesOf(InFolder(u"out.pdf"_s)).find("/Count 2\n"), std::string::npos);
 }
 
@@ -235,9 +233,9 @@ TEST_F(FormRtf, TheDialogsFilterIndexDecidesWhatIsWritten) {
   global_.common_dialog.filter_index = 3;
   window.SaveFile();
   EXPECT_EQ(BytesOf(path), before);
-  EXPECT_FALSE(window.Slot().changed);
+  EXPECT_FALSE(window.File().IsChanged());
   EXPECT_TRUE(NoticeOf(window).contains(u"Save As"_s));
-  EXPECT_TRUE(window.IsTouched());
+  EXPECT_TRUE(window.IsModified());
   global_.common_dialog.filter_index = 2;
   window.SaveFile();
   EXPECT_EQ(BytesOf(path), "xcaf\xE9");

@@ -22,7 +22,7 @@ class Search : public Editor {
   /// A new document with this text, "[" and "]" around what is selected, or "|" where the caret stands.
   form_TXT& New(const std::string& marked) {
     const int slot = global_.documents.FindFreeSlot(DocumentKind::Txt);
-    auto& window = dynamic_cast<form_TXT&>(*global_.documents.At(DocumentKind::Txt, slot).window);
+    auto& window = dynamic_cast<form_TXT&>(*global_.documents.At(DocumentKind::Txt, slot));
     window.NewTXT();
     Mark(PadOf(window), marked);
     QApplication::processEvents();

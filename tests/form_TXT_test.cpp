@@ -24,9 +24,7 @@ using namespace Qt::StringLiterals;
 class FormTxt : public Editor {
  protected:
   FormTxt() { Start(); }
-  form_TXT& Window(int slot = 0) {
-    return dynamic_cast<form_TXT&>(*global_.documents.At(DocumentKind::Txt, slot).window);
-  }
+  form_TXT& Window(int slot = 0) { return dynamic_cast<form_TXT&>(*global_.documents.At(DocumentKind::Txt, slot)); }
   form_TXT& Open(const std::string& bytes, int slot = 0) {
     OpenPathList(global_, File(u"%1.txt"_s.arg(slot), bytes));
     QApplication::processEvents();
@@ -34,7 +32,6 @@ class FormTxt : public Editor {
   }
   form_TXT& New() {
     NewDocument(global_, DocumentKind::Txt);
-    Window().setWindowTitle(u"New Text"_s);
     return Window();
   }
   static TextPad& PadOf(form_TXT& window) { return static_cast<TextPad&>(window.EditingArea()); }
@@ -64,8 +61,8 @@ TEST_F(FormTxt, UntouchedFilesComeBackAsTheyWere) {
                                        "\xFC" + std::string(600'000, '\xE9')};
   for (const std::string& bytes : files) {
     form_TXT& window = Open(bytes);
-    EXPECT_FALSE(window.Slot().changed || window.IsTouched());
-    const QString path = window.Slot().path;
+    EXPECT_FALSE(window.File().IsChanged() || window.IsModified());
+    const QString path = window.File().Path();
     QFile::remove(path);
     window.SaveFile();
     EXPECT_TRUE(BytesOf(path) == bytes) << bytes.substr(0, 40);
@@ -84,7 +81,7 @@ TEST_F(FormTxt, EditsTakeTheLineEndOfTheFileAndCanBeUndone) {
     QTest::keyClick(&PadOf(window), Qt::Key_Return);
     EXPECT_EQ(TextOf(window), after);
     EXPECT_EQ(window.windowTitle(), u"0.txt [CHANGED]"_s);
-    EXPECT_TRUE(window.IsTouched());
+    EXPECT_TRUE(window.IsModified());
     QTest::keyClick(&PadOf(window), Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&PadOf(window), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(TextOf(window), before);
@@ -139,7 +136,7 @@ TEST_F(FormTxt, KeysWithCtrlOrSuperTypeNothing) {
     pad.SendScintilla(QsciScintillaBase::SCI_SETZOOM, zoomed);
     EXPECT_EQ(TextOf(window), "word") << key.toLatin1();
   }
-  EXPECT_FALSE(window.Slot().changed);
+  EXPECT_FALSE(window.File().IsChanged());
   // AltGr is Ctrl+Alt on some systems; a character beyond 16 bits and one without width are typed like any other.
   press(Qt::Key_E, u"\u20AC"_s, Qt::ControlModifier | Qt::AltModifier);
   press(0, u"\U0001F600"_s, Qt::NoModifier);
@@ -220,7 +217,7 @@ TEST_F(FormTxt, TimeComesBeforeTheDate) {
 
 TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   form_TXT& window = Open("text");
-  const QString first = window.Slot().path, other = File(u"other.txt"_s, "old");
+  const QString first = window.File().Path(), other = File(u"other.txt"_s, "old");
   window.EditDelete();
   PadOf(window).ReplaceSelection(u"new "_s);
 
@@ -232,10 +229,10 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   common_dialog_.ExpectSave(other);
   ExpectOverwrite(MsgAnswer::Cancel);
   window.SaveAs();
-  EXPECT_EQ(window.Slot().path, first);
-  EXPECT_EQ(window.Slot().title, u"0.txt"_s);
+  EXPECT_EQ(window.File().Path(), first);
+  EXPECT_EQ(window.File().Title(), u"0.txt"_s);
   EXPECT_EQ(window.windowTitle(), u"0.txt [CHANGED]"_s);
-  EXPECT_TRUE(window.Slot().changed);
+  EXPECT_TRUE(window.File().IsChanged());
   EXPECT_EQ(BytesOf(other), "old");
 
   common_dialog_.ExpectSave(InFolder(u"no folder/x.txt"_s));
@@ -243,7 +240,7 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
                             InFolder(u"no folder/x.txt"_s), NothingThere(Missing::Folder)),
                         u"Tamarind Editor"_s);
   window.SaveAs();
-  EXPECT_EQ(window.Slot().path, first);
+  EXPECT_EQ(window.File().Path(), first);
 
   common_dialog_.ExpectSave(other);
   ExpectOverwrite(MsgAnswer::Yes);
@@ -251,7 +248,7 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   EXPECT_EQ(BytesOf(other), "new text");
   EXPECT_EQ(BytesOf(first), "text");
   EXPECT_EQ(window.windowTitle(), u"other.txt"_s);
-  EXPECT_FALSE(window.Slot().changed || window.IsTouched());
+  EXPECT_FALSE(window.File().IsChanged() || window.IsModified());
   const tme::CommonDialog& shown = common_dialog_.shown.back();
   EXPECT_EQ(shown.title, u"Save Text File"_s);
   EXPECT_EQ(shown.filter, u"Text File|"_s + global_.settings.txt_filter);
@@ -262,8 +259,8 @@ TEST_F(FormTxt, SaveAsKeepsOrRestoresTheNames) {
   New();
   common_dialog_.ExpectSave({});
   window.SaveFile();
-  EXPECT_EQ(window.Slot().path, QString());
-  EXPECT_EQ(window.windowTitle(), u"New Text"_s);
+  EXPECT_EQ(window.File().Path(), QString());
+  EXPECT_EQ(window.windowTitle(), u"New Text Document"_s);
 }
 
 TEST_F(FormTxt, CancelledOverwriteOfANewDocumentEmptiesItsCaption) {
@@ -273,15 +270,15 @@ TEST_F(FormTxt, CancelledOverwriteOfANewDocumentEmptiesItsCaption) {
   ExpectOverwrite(MsgAnswer::Cancel);
   window.SaveFile();
   EXPECT_EQ(window.windowTitle(), QString());
-  EXPECT_EQ(window.Slot().path, QString());
-  EXPECT_TRUE(window.Slot().changed);
+  EXPECT_EQ(window.File().Path(), QString());
+  EXPECT_TRUE(window.File().IsChanged());
   EXPECT_EQ(TextOf(window), "x");
   window.Altered(false);
 }
 
 TEST_F(FormTxt, ClosingAsks) {
   form_TXT& window = Open("text");
-  const QString question = u"Save this file?\r"_s + window.Slot().path, path = window.Slot().path;
+  const QString question = u"Save this file?\r"_s + window.File().Path(), path = window.File().Path();
   const auto answer = [&](MsgAnswer with) {
     PadOf(window).ReplaceSelection(u"+"_s);
     dialogs_.ExpectMsgBox(question, u"Document Changed"_s, MsgButtons::YesNoCancel, with, MsgIcon::Question);
@@ -332,7 +329,7 @@ TEST_F(FormTxt, TextThatTheEncodingCannotHoldIsSaid) {
   QGuiApplication::clipboard()->setText(u"\u4E2D"_s);
   window.EditPaste();
   window.SaveFile();
-  EXPECT_EQ(BytesOf(window.Slot().path),
+  EXPECT_EQ(BytesOf(window.File().Path()),
             "\xE4\xB8\xAD"
             "caf\xC3\xA9");
   EXPECT_TRUE(window.findChild<NoticeBar*>()->isVisibleTo(&window));

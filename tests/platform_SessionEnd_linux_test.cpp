@@ -18,7 +18,8 @@ TEST_F(Editor, KillSignalLeavesWhateverIsAsked) {
                           return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
                         });
   frame.MDIForm_Load({File(u"a.ini"_s, "[A]\r\n\r\n"), File(u"b.ini"_s, "[A]\r\n\r\n")});
-  frame.Shared().documents.ForEach([](DocumentSlot& slot) { slot.changed = !slot.path.isEmpty(); });
+  frame.Shared().documents.ForEach(
+      [](DocumentWindow& window) { window.File().SetChanged(!window.File().Path().isEmpty()); });
   SessionShutdown shutdown(frame, std::chrono::milliseconds(1));
   const SessionEnd session_end([&](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   for (const int signal : {SIGTERM, SIGHUP}) std::raise(signal);

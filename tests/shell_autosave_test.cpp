@@ -41,7 +41,7 @@ TEST_F(SavingTest, TimerSavesWhatWasTouched) {
   registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"2"_s);
   Start({touched, untouched, keys});
   Touch(Ini(0));
-  auto& reg = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0).window);
+  auto& reg = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0));
   auto& document = const_cast<RegDocument&>(reg.Document());
   document.AddValueRecord(document.Root()->Child(0)->Child(0), RegType::String, "n", "new");
   File(u"b.ini"_s, kForeign);
@@ -69,7 +69,6 @@ TEST_F(SavingTest, TimerPassesOverWhatItWouldHaveToAskAbout) {
   EXPECT_EQ(BytesOf(cut), "[A]\nx=1\n\ny=2");
   EXPECT_EQ(BytesOf(whole), kTouched);
   EXPECT_EQ(Ini(0).findChild<NoticeBar*>()->Text().count(u"AutoSave passed over"_s), 1);
-  EXPECT_FALSE(global_.saving_unasked);
 }
 
 TEST_F(SavingTest, TimerCountsAndWaits) {
@@ -136,13 +135,13 @@ TEST_F(SavingTest, SaveAllCascadesAndCloseAllStopsAtCancel) {
   Ini(1).SubWindow()->showMaximized();
   global_.menus.Action(u"menu_FileSaveAll"_s)->trigger();
   EXPECT_EQ(BytesOf(path), kTouched);
-  Ini(1).Slot().changed = true;
+  Ini(1).File().SetChanged(true);
   global_.menus.Action(u"menu_FileSaveAll"_s)->trigger();
-  EXPECT_FALSE(Ini(1).Slot().changed);
+  EXPECT_FALSE(Ini(1).File().IsChanged());
   for (const int slot : {0, 1}) EXPECT_EQ(Ini(slot).SubWindow()->width(), Ini(slot).PreferredWidth()) << slot;
   EXPECT_EQ(global_.area.ActiveDocument(), &Ini(1));
 
-  Ini(1).Slot().changed = true;
+  Ini(1).File().SetChanged(true);
   dialogs_.ExpectMsgBox(u"Save this file?\r"_s + other, u"Document Changed"_s, MsgButtons::YesNoCancel,
                         MsgAnswer::Cancel);
   global_.menus.Action(u"menu_FileCloseAll"_s)->trigger();

@@ -46,14 +46,14 @@ TEST_F(Launch, OpensInTheRunningFrame) {
   ASSERT_TRUE(link_.ClaimOnlyInstance());
   Start();
   EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini(0).Slot().path, paths[0]);
+  EXPECT_EQ(Ini(0).File().Path(), paths[0]);
   environment_.remove(u"XDG_RUNTIME_DIR"_s);
   EXPECT_EQ(Run({u"b.ini"_s}), 0);
-  EXPECT_EQ(Ini(1).Slot().path, paths[1]) << "su, ssh and cron start without";
+  EXPECT_EQ(Ini(1).File().Path(), paths[1]) << "su, ssh and cron start without";
   registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, u"99999"_s);
   registry_.Flush();
   EXPECT_EQ(Run({u"c.ini"_s}), 0);
-  EXPECT_EQ(Ini(2).Slot().path, paths[2]) << "another machine's frame stands there";
+  EXPECT_EQ(Ini(2).File().Path(), paths[2]) << "another machine's frame stands there";
   frame_->ExitApplication();
   EXPECT_EQ(Registered(), u"99999") << "and stays";
 
@@ -70,7 +70,7 @@ TEST_F(Launch, FindsTheFrameWithoutSettings) {
   Start({File(u"b.ini"_s, kIni)});
   environment_.remove(u"XDG_RUNTIME_DIR"_s);
   EXPECT_EQ(Run({u"a.ini"_s}), 0);
-  EXPECT_EQ(Ini(1).Slot().path, path);
+  EXPECT_EQ(Ini(1).File().Path(), path);
   ASSERT_TRUE(in_the_way.remove());
 }
 
@@ -87,7 +87,7 @@ TEST_F(Launch, PathsArriveWholeAndAreNoOptions) {
     EXPECT_EQ(Run(name.startsWith("--"_L1) ? QStringList{u"--"_s, name} : QStringList(name)), 0);
     DocumentWindow* document = global_.area.ActiveDocument();
     ASSERT_TRUE(document) << name.toStdString();
-    EXPECT_EQ(document->Slot().path, path);
+    EXPECT_EQ(document->File().Path(), path);
     document->FileClose();
   }
   ASSERT_TRUE(QDir(folder_.path()).mkpath(u"a folder of mine"_s));
@@ -139,7 +139,7 @@ TEST_F(Launch, ThatReachesNobodySaysWhichFilesAreLeft) {
 TEST_F(Editor, LaunchThatWaitsBecomesTheInstanceOnceTheOtherHasGone) {
   Start();
   form_INI& window = NewIni("[A]\n");
-  window.Slot().changed = true;
+  window.File().SetChanged(true);
   const auto registration = [this] {
     return QString::fromStdString(BytesOf(registry_.Location() + u"/registry.ini"_s))
         .section(u"WinRegistration="_s, 1)

@@ -66,9 +66,7 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     });
     EXPECT_EQ(routed, expected.routed);
   }
-  global_.documents.ForEach([](DocumentSlot& slot) {
-    if (!slot.window->Tag().isEmpty()) slot.window->FileClose();
-  });
+  global_.documents.ForEachOpen([](DocumentWindow& window) { window.FileClose(); });
   EXPECT_EQ(Shown(frame_->menuBar()->actions()), without_document);
   EXPECT_FALSE(global_.menus.Action(u"ASDF"_s)->isVisible());
 }

@@ -34,7 +34,7 @@ TEST_F(Editor, PathListFindsFilesAmongBlanks) {
          last});
   EXPECT_EQ(Ini(0).windowTitle(), u"a.ini");
   EXPECT_EQ(Ini(1).windowTitle(), u"b c.ini");
-  EXPECT_EQ(Ini(2).Slot().path, last);
+  EXPECT_EQ(Ini(2).File().Path(), last);
   EXPECT_EQ(Ini(3).Tag(), u"");
   EXPECT_EQ(global_.area.ActiveDocument(), &Ini(2));
 }
@@ -91,7 +91,7 @@ TEST_F(Editor, HandedOverTextIsOpened) {
   ReceiveCommandLine(global_, {4, path.toUtf8() + '\0'});
   EXPECT_EQ(Ini(0).Tag(), u"") << "not a command line";
   ReceiveCommandLine(global_, {kCommandLineData, path.toUtf8() + QByteArray("\0/ignored", 9)});
-  EXPECT_EQ(Ini(0).Slot().path, path) << "cut at the zero byte";
+  EXPECT_EQ(Ini(0).File().Path(), path) << "cut at the zero byte";
   const QString cut = u"/many words of a path "_s.repeated(20).left(kMaxCopyDataBytes);
   dialogs_.ExpectMsgBox(u"TME was unable to verify that your request was to open a file.\r( "_s + cut +
                             u" )\rAs such, this action has been canceled."_s,
@@ -148,7 +148,7 @@ TEST_F(Editor, AnotherLaunchMayTakeTheSlotOfAFileThatCannotBeRead) {
                         u"Tamarind Editor"_s);
   dialogs_.while_asking = [&] { OpenPathList(global_, path); };
   OpenFileByName(global_, gone);
-  EXPECT_EQ(Ini().Slot().path, path);
+  EXPECT_EQ(Ini().File().Path(), path);
 }
 
 TEST_F(Editor, FrameComesBackWhereItWas) {
@@ -203,11 +203,11 @@ TEST_F(Editor, WelcomeDocumentIsGoneAndNobodyMissesIt) {
   const QString path = File(u"Welcome.RTF"_s, "{\\rtf1 Welcome}");
   Start();
   frame_->OpenWelcomeDocument(folder_.path());
-  const DocumentWindow& window = *global_.documents.At(DocumentKind::Rtf, 0).window;
+  const DocumentWindow& window = *global_.documents.At(DocumentKind::Rtf, 0);
   global_.area.ActiveDocument()->Form_Activate();
   EXPECT_EQ(window.windowTitle(), u"Welcome.RTF");
   EXPECT_EQ(window.findChild<NoticeBar*>()->Text(), u"");
-  EXPECT_EQ(window.Slot().path, u"") << "saved there, it would be taken away at the next start";
+  EXPECT_EQ(window.File().Path(), u"") << "saved there, it would be taken away at the next start";
   EXPECT_FALSE(QFile::exists(path));
 }
 

@@ -51,7 +51,7 @@ constexpr const char* kHostile[] = {
 
 class PlainTextTest : public Editor {
  protected:
-  form_REG& Reg() { return static_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0).window); }
+  form_REG& Reg() { return static_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0)); }
 };
 
 }  // namespace

@@ -61,5 +61,5 @@ TEST_F(RecentFilesTest, ItemsOpenTheirFile) {
   EXPECT_EQ(Stored(2), second);
   EXPECT_EQ(Stored(3), u"");
   Item(2).trigger();
-  EXPECT_EQ(Ini(0).Slot().path, second) << "the item opens what it says";
+  EXPECT_EQ(Ini(0).File().Path(), second) << "the item opens what it says";
 }

@@ -28,11 +28,11 @@ TEST_F(ReplacedFileTest, WhatNoCopyHoldsIsReplacedOnlyWhenTheUserSaysSo) {
     dialogs_.AnswerAll(MsgAnswer::Cancel);
     QMetaObject::invokeMethod(&window, row.save);
     EXPECT_EQ(BytesOf(path), row.old_bytes);
-    EXPECT_TRUE(window.IsTouched());
+    EXPECT_TRUE(window.IsModified());
     dialogs_.AnswerAll(MsgAnswer::Yes);
     QMetaObject::invokeMethod(&window, row.save);
     EXPECT_NE(BytesOf(path), row.old_bytes);
-    EXPECT_FALSE(window.IsTouched());
+    EXPECT_FALSE(window.IsModified());
     EXPECT_TRUE(Notice(window).contains(u"could not be kept in the history"_s)) << row.name;
     window.PutContent(row.old_bytes);
     dialogs_.AnswerAll(MsgAnswer::No);
@@ -72,7 +72,7 @@ TEST_F(ReplacedFileTest, WithoutAHistoryOnlyWhatADocumentHoldsIsReplacedUnasked)
       }
       QMetaObject::invokeMethod(&window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
       EXPECT_EQ(asked, asks ? 1 : 0);
-      EXPECT_EQ(window.Slot().path, asks ? path + u".copy"_s : path);
+      EXPECT_EQ(window.File().Path(), asks ? path + u".copy"_s : path);
       if (!asks) continue;
       EXPECT_EQ(BytesOf(path), is_foreign ? "theirs" : row.bytes);
       break;

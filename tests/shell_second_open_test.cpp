@@ -46,14 +46,14 @@ TEST_F(Editor, AFileThatIsOpenComesToTheFrontInsteadOfASecondTime) {
   EXPECT_EQ(Ini(2).Tag(), u"");
 
   Ini(0).findChild<QPushButton*>(u"notice_action"_s)->click();
-  EXPECT_EQ(Ini(2).Slot().path, link) << "wanted";
+  EXPECT_EQ(Ini(2).File().Path(), link) << "wanted";
   EXPECT_EQ(Notice(Ini(2)), u"The file is open in another document as well: the later save counts.");
 
   registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, kTextType, u"0"_s);
   common_dialog_.ExpectOpen({path}, 3);
   OpenFileDialog(global_);
-  DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0).window;
-  EXPECT_EQ(text.Slot().path, path) << "another view of the file";
+  DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0);
+  EXPECT_EQ(text.File().Path(), path) << "another view of the file";
   EXPECT_EQ(Notice(text), Notice(Ini(2)));
 }
 
@@ -86,7 +86,7 @@ TEST_F(Editor, ANewDocumentBesideAMaximisedOneIsMaximised) {
   EXPECT_FALSE(Ini(1).SubWindow()->isMaximized());
   Ini(1).SubWindow()->showMaximized();
   NewDocument(global_, DocumentKind::Txt);
-  const DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0).window;
+  const DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0);
   EXPECT_TRUE(text.SubWindow()->isMaximized());
   EXPECT_EQ(global_.area.ActiveDocument(), &text);
 }

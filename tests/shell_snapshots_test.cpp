@@ -32,8 +32,8 @@ TEST_F(SnapshotsTest, OpensWhatACrashLeft) {
   EXPECT_EQ(global_.area.ActiveDocument(), &Window(DocumentKind::Ini)) << "not the file as it is";
   DocumentWindow& ini = Window(DocumentKind::Ini);
   EXPECT_EQ(Dump(Ini().Tree()), ">a.ini\n ; 1\n ; 2\n A\n  x=2\n A\n  y=3\n");
-  EXPECT_TRUE(ini.Slot().changed && ini.IsTouched());
-  EXPECT_EQ(ini.Slot().path, path);
+  EXPECT_TRUE(ini.File().IsChanged() && ini.IsModified());
+  EXPECT_EQ(ini.File().Path(), path);
   EXPECT_GT(ini.height(), frame_->height() / 3);
   EXPECT_EQ(ini.windowTitle(), u"a.ini [CHANGED]");
   EXPECT_EQ(Window(DocumentKind::Txt).Content(), "never saved");

@@ -65,6 +65,6 @@ TEST_F(ToolsTest, DroppedFilesOpenAndDroppedTextDoesNot) {
     }
   }
   QApplication::processEvents();
-  EXPECT_EQ(Ini(2).Slot().path, path);
+  EXPECT_EQ(Ini(2).File().Path(), path);
   EXPECT_EQ(Ini(3).Tag(), u"");
 }

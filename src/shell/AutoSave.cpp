@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QMdiSubWindow>
-#include <QScopedValueRollback>
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -10,7 +9,6 @@
 #include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
 #include "shell/Global.h"
-#include "shell/GlobalMenus.h"
 #include "shell/mdform_TMEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -35,8 +33,8 @@ bool IsBusy() {
 }  // namespace
 
 AutoSave::AutoSave(Global& global, std::chrono::milliseconds quiet) : global_(global), quiet_(quiet) {
-  looks_.setInterval(std::min<std::chrono::milliseconds>(1s, quiet));
-  connect(&looks_, &QTimer::timeout, this, &AutoSave::AskWhenQuiet);
+  quiet_timer_.setInterval(std::min<std::chrono::milliseconds>(1s, quiet));
+  connect(&quiet_timer_, &QTimer::timeout, this, &AutoSave::AskWhenQuiet);
   qApp->installEventFilter(this);
   AutoSaveTimer.setObjectName(u"AutoSaveTimer"_s);
   AutoSaveTimer.setInterval(1min);
@@ -46,7 +44,7 @@ AutoSave::AutoSave(Global& global, std::chrono::milliseconds quiet) : global_(gl
 void AutoSave::SetAutoSaveTimer(int period) {
   if (period == 0) {
     AutoSaveTimer.stop();
-    looks_.stop();
+    quiet_timer_.stop();
     for (DocumentWindow* window : std::exchange(waiting_, {})) window->WithdrawNotice(WaitingNotice());
   } else if (!AutoSaveTimer.isActive())
     AutoSaveTimer.start();
@@ -61,19 +59,17 @@ bool AutoSave::eventFilter(QObject* watched, QEvent* event) {
 void AutoSave::AskWhenQuiet() {
   if (IsBusy() || std::chrono::steady_clock::now() - last_key_ < quiet_) return;
   DocumentWindow* next = nullptr;
-  global_.documents.ForEach([&](const DocumentSlot& slot) {
-    if (next || !waiting_.remove(slot.window)) return;
-    slot.window->WithdrawNotice(WaitingNotice());
+  global_.documents.ForEach([&](DocumentWindow& window) {
+    if (next || !waiting_.remove(&window)) return;
+    window.WithdrawNotice(WaitingNotice());
     // Saved or closed meanwhile, it needs no name any more.
-    if (!slot.window->Tag().isEmpty() && slot.path.isEmpty() && slot.window->IsTouched()) next = slot.window;
+    if (window.IsOpen() && window.File().Path().isEmpty() && window.IsModified()) next = &window;
   });
-  if (waiting_.isEmpty()) looks_.stop();
+  if (waiting_.isEmpty()) quiet_timer_.stop();
   if (!next) return;
   global_.area.Activate(*next);  // so that it is seen, too
   global_.frame.setWindowTitle(SavingTitle());
-  global_.asked_for = next->Origin().title;
-  SaveDocument(*next);
-  global_.asked_for.clear();
+  next->SavePlain({.asked_for = next->File().Title()});
   global_.frame.setWindowTitle(kProgramTitle);
 }
 
@@ -98,35 +94,30 @@ void AutoSave::SaveAllDocuments() {
     return;
   }
   const auto each_document = [this](const std::function<void(QMdiSubWindow&)>& visit) {
-    global_.documents.ForEach([&](const DocumentSlot& slot) {
-      if (!slot.window->Tag().isEmpty()) visit(*slot.window->SubWindow());
-    });
+    global_.documents.ForEachOpen([&](const DocumentWindow& window) { visit(*window.SubWindow()); });
   };
   const DocumentWindow* active = global_.area.ActiveDocument();
   each_document([](QMdiSubWindow& window) { window.showMinimized(); });
   SaveDocuments();
   each_document([](QMdiSubWindow& window) { window.showNormal(); });
-  if (active && !active->Tag().isEmpty()) global_.area.Activate(*active);
+  if (active && active->IsOpen()) global_.area.Activate(*active);
   global_.area.ArrangeWindows(0);
 }
 
 void AutoSave::SaveDocuments() {
-  const QScopedValueRollback unasked(global_.saving_unasked, auto_saving_);
-  global_.documents.ForEach([this](const DocumentSlot& slot) {
-    DocumentWindow& window = *slot.window;
-    if (window.Tag().isEmpty()) return;
+  const SaveRequest request{.caller = auto_saving_ ? SaveRequest::Caller::AutoSave : SaveRequest::Caller::User};
+  global_.documents.ForEachOpen([&](DocumentWindow& window) {
     // A mark without an edit is no reason to write a file unasked, but Save All leaves none behind.
-    if (!window.IsTouched() && (auto_saving_ || !slot.changed)) return;
-    if (!auto_saving_ || !slot.path.isEmpty()) return SaveDocument(window);
+    if (!window.IsModified() && (auto_saving_ || !window.File().IsChanged())) return;
+    if (!auto_saving_ || !window.File().Path().isEmpty()) {
+      window.SavePlain(request);
+      return;
+    }
     if (waiting_.contains(&window)) return;
     waiting_.insert(&window);
     window.AddNotice(WaitingNotice());
-    looks_.start();
+    quiet_timer_.start();
   });
-}
-
-void AutoSave::SaveDocument(DocumentWindow& window) {
-  SendCommand(global_, window, window.Kind() == DocumentKind::Reg ? "FileSaveRegular" : "SaveFile");
 }
 
 }  // namespace tme

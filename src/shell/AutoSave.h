@@ -25,7 +25,7 @@ class AutoSave : public QObject {
   void SetAutoSaveTimer(int period);
   bool IsRunning() const { return AutoSaveTimer.isActive(); }
 
-  /// Sends every document that was edited since it was read or written its save command. Chosen from the menu: also
+  /// Saves every document that was edited since it was read or written. Chosen from the menu: also
   /// those only marked as changed; the windows are minimised meanwhile, then restored and cascaded. By the timer: only
   /// the frame's caption tells, and a document without a path says in a notice that its dialog waits until nobody
   /// types.
@@ -37,7 +37,6 @@ class AutoSave : public QObject {
  private:
   void AutoSaveTimer_Timer();
   void SaveDocuments();
-  void SaveDocument(DocumentWindow& window);
   /// One dialog for a document that waits, once it is quiet.
   void AskWhenQuiet();
 
@@ -47,7 +46,7 @@ class AutoSave : public QObject {
   bool auto_saving_ = false;
   const std::chrono::milliseconds quiet_;
   std::chrono::steady_clock::time_point last_key_;
-  QTimer looks_{this};  ///< runs while documents wait
+  QTimer quiet_timer_{this};  ///< runs while documents wait
   QSet<DocumentWindow*> waiting_;
 };
 

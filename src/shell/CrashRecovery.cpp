@@ -62,7 +62,7 @@ void CrashRecovery::Reopen(const KeptVersion& snapshot, std::string content) {
     if (KeepAsVersion(snapshot, content)) TellNoRoom(origin.kind);
     return;
   }
-  DocumentWindow& window = *global_.documents.At(origin.kind, slot).window;
+  DocumentWindow& window = *global_.documents.At(origin.kind, slot);
   window.ShowKept(origin, std::move(content));
   window.AddNotice(tr("Rescued: the program ended before these changes were saved; they were kept at %1.")
                        .arg(QLocale().toString(snapshot.time.toLocalTime(), QLocale::ShortFormat)));

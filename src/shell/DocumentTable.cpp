@@ -1,30 +1,38 @@
 #include "shell/DocumentTable.h"
 
+#include <algorithm>
+
 #include "shell/DocumentWindow.h"
 
 namespace tme {
 
 const DocumentTable::Slots& DocumentTable::SlotsOf(DocumentKind kind) const { return slots_[IndexOf(kind)]; }
 
-DocumentSlot& DocumentTable::At(DocumentKind kind, int slot) {
-  return const_cast<DocumentSlot&>(SlotsOf(kind).at(static_cast<std::size_t>(slot)));
+void DocumentTable::Put(DocumentKind kind, int slot, DocumentWindow* window) {
+  slots_[IndexOf(kind)].at(static_cast<std::size_t>(slot)) = window;
+}
+
+void DocumentTable::Release(const DocumentWindow& window) {
+  for (Slots& windows : slots_) std::replace(windows.begin(), windows.end(), const_cast<DocumentWindow*>(&window), {});
 }
 
 int DocumentTable::FindFreeSlot(DocumentKind kind) const {
-  const Slots& kind_slots = SlotsOf(kind);
-  for (int slot = 0; slot < kSlotsPerKind; ++slot) {
-    const DocumentWindow* window = kind_slots[static_cast<std::size_t>(slot)].window;
-    if (window && window->Tag().isEmpty()) return slot;
-  }
-  return -1;
+  const Slots& windows = SlotsOf(kind);
+  const auto is_free = [](const DocumentWindow* window) { return window && !window->IsOpen(); };
+  const auto found = std::find_if(windows.begin(), windows.end(), is_free);
+  return found == windows.end() ? -1 : static_cast<int>(found - windows.begin());
 }
 
-bool DocumentTable::Offers(DocumentKind kind) const { return SlotsOf(kind)[0].window != nullptr; }
+void DocumentTable::ForEach(const std::function<void(DocumentWindow&)>& visit) const {
+  for (int slot = 0; slot < kSlotsPerKind; ++slot)
+    for (const DocumentKind kind : kKinds)
+      if (DocumentWindow* window = At(kind, slot)) visit(*window);
+}
 
-void DocumentTable::ForEach(const std::function<void(DocumentSlot&)>& visit) {
-  for (std::size_t slot = 0; slot < kSlotsPerKind; ++slot)
-    for (Slots& kind_slots : slots_)
-      if (kind_slots[slot].window) visit(kind_slots[slot]);
+void DocumentTable::ForEachOpen(const std::function<void(DocumentWindow&)>& visit) const {
+  ForEach([&visit](DocumentWindow& window) {
+    if (window.IsOpen()) visit(window);
+  });
 }
 
 }  // namespace tme

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QString>
 #include <array>
 #include <functional>
 
@@ -12,30 +11,25 @@ class DocumentWindow;
 
 inline constexpr int kSlotsPerKind = 5;
 
-/// One place of the table. A slot is free when its window's tag is empty.
-struct DocumentSlot {
-  /// Null for a kind that has no editor, and once released at exit. Owned by the frame.
-  DocumentWindow* window = nullptr;
-  /// Full path; empty for a document without a file.
-  QString path{};
-  /// File name without its folder; empty for a document without a file.
-  QString title{};
-  bool changed = false;
-};
-
 /// Five document windows of each of the four kinds.
 class DocumentTable {
  public:
-  DocumentSlot& At(DocumentKind kind, int slot);
+  /// The window at a slot, 0 to 4. Null for a kind that has no editor, and once released at exit. Owned by the frame.
+  /// The slot is free when the window's tag is empty.
+  DocumentWindow* At(DocumentKind kind, int slot) const { return SlotsOf(kind).at(static_cast<std::size_t>(slot)); }
+  void Put(DocumentKind kind, int slot, DocumentWindow* window);
+  /// The table forgets the window.
+  void Release(const DocumentWindow& window);
   /// 0 to 4, the first whose tag is empty; -1 when all are taken or the kind has no editor.
   int FindFreeSlot(DocumentKind kind) const;
   /// Whether windows of the kind exist.
-  bool Offers(DocumentKind kind) const;
-  /// Every slot that has a window, slot by slot, within a slot in the order INI, TXT, RTF, REG.
-  void ForEach(const std::function<void(DocumentSlot&)>& visit);
+  bool Offers(DocumentKind kind) const { return SlotsOf(kind)[0] != nullptr; }
+  /// Every window, slot by slot, within a slot in the order INI, TXT, RTF, REG; and those alone that hold a document.
+  void ForEach(const std::function<void(DocumentWindow&)>& visit) const;
+  void ForEachOpen(const std::function<void(DocumentWindow&)>& visit) const;
 
  private:
-  using Slots = std::array<DocumentSlot, kSlotsPerKind>;
+  using Slots = std::array<DocumentWindow*, kSlotsPerKind>;
   const Slots& SlotsOf(DocumentKind kind) const;
   std::array<Slots, kKinds.size()> slots_{};
 };

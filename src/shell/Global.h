@@ -43,14 +43,6 @@ struct Global : Services {
   GlobalMenus& menus;
   RecentFiles& recent_files;
   RecoverySnapshots& snapshots;
-
-  /// A save runs that nobody asked for: it shows no question and no dialog, and what would have to be asked is a
-  /// notice.
-  bool saving_unasked = false;
-  /// The document that a save dialog is for which the user did not call up, for its title; empty for all others.
-  QString asked_for{};
-  /// The next file that is opened does not join the recent files.
-  bool skip_recent_once = false;
 };
 
 /// Title of the program's own messages.

@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QToolButton>
+#include <algorithm>
 
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
@@ -90,10 +91,15 @@ NoticeBar::NoticeBar(QWidget* parent)
   hide();
 }
 
-void NoticeBar::Add(const QString& sentence, std::vector<NoticeAction> actions) {
+void NoticeBar::Add(const QString& sentence, std::vector<NoticeAction> actions, NoticeLife life) {
   if (sentence.isEmpty()) return;
-  if (!sentences_.contains(sentence)) sentences_.append(sentence);
-  for (NoticeAction& action : actions) AddButton(std::move(action));
+  for (const NoticeAction& action : actions) AddButton(action);
+  const auto there =
+      std::find_if(notices_.begin(), notices_.end(), [&](const Notice& notice) { return notice.sentence == sentence; });
+  if (there == notices_.end())
+    notices_.push_back({sentence, std::move(actions), life});
+  else
+    *there = {sentence, std::move(actions), life};
   label_->setText(Text());
   show();
   Arrange();
@@ -117,18 +123,31 @@ void NoticeBar::AddButton(NoticeAction action) {
 }
 
 void NoticeBar::Remove(const QString& sentence) {
-  if (sentences_.removeAll(sentence) == 0) return;
-  if (sentences_.isEmpty()) return Clear();
+  if (std::erase_if(notices_, [&](const Notice& notice) { return notice.sentence == sentence; }) == 0) return;
+  if (notices_.empty()) return Clear();
   label_->setText(Text());
   Arrange();
 }
 
 void NoticeBar::Clear() {
-  sentences_.clear();
+  notices_.clear();
   label_->clear();
   is_expanded_ = false;
   for (QPushButton* button : buttons_->findChildren<QPushButton*>()) TakeAway(button);
   hide();
+}
+
+void NoticeBar::EndUntilSave() {
+  std::vector<Notice> before = std::move(notices_);
+  Clear();
+  for (Notice& notice : before)
+    if (notice.life == NoticeLife::Document) Add(notice.sentence, std::move(notice.actions), notice.life);
+}
+
+QString NoticeBar::Text() const {
+  QStringList sentences;
+  for (const Notice& notice : notices_) sentences.append(notice.sentence);
+  return sentences.join(u' ');
 }
 
 void NoticeBar::FocusFirst() {
@@ -137,7 +156,7 @@ void NoticeBar::FocusFirst() {
 }
 
 void NoticeBar::Arrange() {
-  if (sentences_.isEmpty()) return;
+  if (notices_.empty()) return;
   more_->setText(is_expanded_ ? tr("less") : tr("more…"));
   const QMargins margins = layout()->contentsMargins();
   const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);

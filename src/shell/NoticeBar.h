@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QFrame>
-#include <QStringList>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -18,6 +18,9 @@ struct NoticeAction {
   std::function<void()> run;
 };
 
+/// How long a notice stays, unless the user puts it away.
+enum class NoticeLife : std::uint8_t { UntilSave, Document };
+
 /// The slim bar at the top of a document window that says what the user should know and need not answer. Hidden while
 /// it has nothing to say; the user can put it away. It shows three lines at most, and the rest at a click on "more…".
 class NoticeBar : public QFrame {
@@ -29,12 +32,14 @@ class NoticeBar : public QFrame {
   /// Adds a sentence and its buttons to what stands there and shows the bar. A sentence that stands there already is
   /// not said twice, and of two buttons with one caption the later one counts. An empty sentence is ignored with its
   /// buttons.
-  void Add(const QString& sentence, std::vector<NoticeAction> actions = {});
+  void Add(const QString& sentence, std::vector<NoticeAction> actions = {}, NoticeLife life = {});
   /// Takes a sentence away that no longer holds; the bar hides with the last one. Buttons stay until then.
   void Remove(const QString& sentence);
   /// Takes sentences and buttons away and hides the bar.
   void Clear();
-  QString Text() const { return sentences_.join(u' '); }
+  /// The document was saved: takes away what was about it before.
+  void EndUntilSave();
+  QString Text() const;
   /// Puts the focus on the first button that shows, since areas that take the Tab leave no other way to it.
   void FocusFirst();
 
@@ -47,7 +52,12 @@ class NoticeBar : public QFrame {
   /// Gives the text its height and the buttons their place for the width there is.
   void Arrange();
 
-  QStringList sentences_;
+  struct Notice {
+    QString sentence;
+    std::vector<NoticeAction> actions;
+    NoticeLife life;
+  };
+  std::vector<Notice> notices_;
   QLabel* label_;
   QScrollArea* area_;
   QToolButton* more_;

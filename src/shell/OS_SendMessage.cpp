@@ -52,7 +52,10 @@ void ReceiveCommandLine(Global& global, const CopyData& record) {
   if (!command_line) return;
   // First, since opening may ask, and a question belongs before the eyes.
   global.frame.ComeToFront();
-  (command_line->is_cut ? OpenWholePath : OpenPathList)(global, command_line->text);
+  if (command_line->is_cut)
+    OpenWholePath(global, command_line->text);
+  else
+    OpenPathList(global, command_line->text);
   global.area.CascadeAfterOpening();
 }
 

@@ -32,7 +32,7 @@ DocumentWindow* FreeWindow(Global& global, DocumentKind kind) {
     return nullptr;
   }
   const int slot = global.documents.FindFreeSlot(kind);
-  if (slot >= 0) return global.documents.At(kind, slot).window;
+  if (slot >= 0) return global.documents.At(kind, slot);
   ShowNoFreeSlot(global, kind);
   return nullptr;
 }
@@ -46,41 +46,44 @@ bool IsSameFile(const QString& path, const QString& other) {
 /// A document that holds the file; one of the kind before others, null for none.
 DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind kind) {
   DocumentWindow* found = nullptr;
-  global.documents.ForEach([&](const DocumentSlot& slot) {
-    if (slot.window->Tag().isEmpty() || slot.path.isEmpty() || (found && found->Kind() == kind)) return;
-    if ((!found || slot.window->Kind() == kind) && IsSameFile(path, slot.path)) found = slot.window;
+  global.documents.ForEachOpen([&](DocumentWindow& window) {
+    const QString& other = window.File().Path();
+    if (other.isEmpty() || (found && found->Kind() == kind)) return;
+    if ((!found || window.Kind() == kind) && IsSameFile(path, other)) found = &window;
   });
   return found;
 }
 
-enum class SecondOpen : std::uint8_t { ShowsTheFirst, IsWanted };
+struct OpenRequest {
+  enum class SecondOpen : std::uint8_t { ShowsTheFirst, IsWanted };
+  SecondOpen second = SecondOpen::ShowsTheFirst;
+  DocumentFile::Recent recent = DocumentFile::Recent::Joins;
+};
 
-void OpenDocument(Global& global, const QString& path, DocumentKind kind,
-                  SecondOpen second = SecondOpen::ShowsTheFirst);
+void OpenDocument(Global& global, const QString& path, DocumentKind kind, const OpenRequest& request = {});
 
 /// The file is there already: its document comes to the front as it is, changed or not, and says so.
 void ShowOpenDocument(Global& global, DocumentWindow& window, const QString& path, DocumentKind kind) {
   global.area.BringToFront(window);
-  const QString said = path == window.Slot().path
+  const QString said = path == window.File().Path()
                            ? mdform_TMEditor::tr("The file is open already: this is its document.")
                            : mdform_TMEditor::tr("%1 is this very file, which is open already.").arg(path);
   window.AddNotice(said, {{mdform_TMEditor::tr("Open Once More"), [&global, path, kind] {
-                             OpenDocument(global, path, kind, SecondOpen::IsWanted);
+                             OpenDocument(global, path, kind, {.second = OpenRequest::SecondOpen::IsWanted});
                              global.area.CascadeAfterOpening();
                            }}});
 }
 
-void OpenDocument(Global& global, const QString& path, DocumentKind kind, SecondOpen second) {
+void OpenDocument(Global& global, const QString& path, DocumentKind kind, const OpenRequest& request) {
   DocumentWindow* const first = WindowOfFile(global, path, kind);
   // Of another kind, it is another view of the file.
-  if (first && first->Kind() == kind && second == SecondOpen::ShowsTheFirst)
+  if (first && first->Kind() == kind && request.second == OpenRequest::SecondOpen::ShowsTheFirst)
     return ShowOpenDocument(global, *first, path, kind);
   DocumentWindow* window = FreeWindow(global, kind);
   if (!window) return;
-  window->Slot().path = path;
-  window->Slot().title = QFileInfo(path).fileName();
+  window->File().BecomeFileAt(path, request.recent);
   SendCommand(global, *window, TraitsOf(kind).open_command);
-  if (first && !window->Tag().isEmpty())
+  if (first && window->IsOpen())
     window->AddNotice(mdform_TMEditor::tr("The file is open in another document as well: the later save counts."));
 }
 
@@ -141,11 +144,11 @@ void OpenPathList(Global& global, const QString& text) {
     if (const QString path = TakePath(remainder, exists); !path.isEmpty()) OpenWholePath(global, path);
 }
 
-void OpenWholePath(Global& global, const QString& path) {
+void OpenWholePath(Global& global, const QString& path, DocumentFile::Recent recent) {
   if (!global.shell_utilities.FileExists(path)) return ShowNotAFile(global, path);
   // A name without a drive or a root is taken for rich text whatever its ending; intended.
   const bool rooted = global.shell_utilities.IsRooted(path);
-  OpenDocument(global, path, rooted ? KindOf(path, global.settings.txt_filter) : DocumentKind::Rtf);
+  OpenDocument(global, path, rooted ? KindOf(path, global.settings.txt_filter) : DocumentKind::Rtf, {.recent = recent});
   global.area.CascadeAfterOpening();
 }
 
@@ -180,7 +183,6 @@ void OpenFileDialog(Global& global) {
 DocumentWindow* NewDocument(Global& global, DocumentKind kind) {
   DocumentWindow* window = FreeWindow(global, kind);
   if (!window) return nullptr;
-  window->setWindowTitle(KindText(TraitsOf(kind).new_caption));
   SendCommand(global, *window, TraitsOf(kind).new_command);
   return window;
 }

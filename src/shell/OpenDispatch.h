@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include "documents/DocumentKind.h"
+#include "shell/DocumentFile.h"
 
 namespace tme {
 
@@ -15,7 +16,7 @@ struct Global;
 void OpenPathList(Global& global, const QString& text);
 
 /// The same for a text that is one path, blanks and all, or whose end is lost: never split.
-void OpenWholePath(Global& global, const QString& path);
+void OpenWholePath(Global& global, const QString& path, DocumentFile::Recent recent = DocumentFile::Recent::Joins);
 
 /// Opens an existing file in a window of the kind that its name tells, whatever blanks stand in it; then cascades.
 void OpenFileByName(Global& global, const QString& path);

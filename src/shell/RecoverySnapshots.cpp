@@ -37,18 +37,17 @@ void RecoverySnapshots::Poll(Clock::time_point now) {
   writing_.Collect();
   DocumentWindow* next = nullptr;
   Clock::time_point due_since = Clock::time_point::max();
-  global_.documents.ForEach([&](DocumentSlot& slot) {
-    if (passed_over_.contains(slot.window)) return;
+  global_.documents.ForEach([&](DocumentWindow& window) {
+    if (passed_over_.contains(&window)) return;
     // The changed flag alone may stand for a key that changed nothing.
-    const bool unsaved = !slot.window->Tag().isEmpty() && slot.window->IsTouched();
-    if (!unsaved) return Forget(slot.window);
-    auto watched = watched_.find(slot.window);
-    if (watched == watched_.end()) watched = watched_.insert(slot.window, {SnapshotStore::NewId(), 0, false, {}, {}});
-    const bool is_new = !watched->has_snapshot || watched->revision != slot.window->Revision();
+    if (!window.IsOpen() || !window.IsModified()) return Forget(&window);
+    auto watched = watched_.find(&window);
+    if (watched == watched_.end()) watched = watched_.insert(&window, {SnapshotStore::NewId(), 0, false, {}, {}});
+    const bool is_new = !watched->has_snapshot || watched->revision != window.Revision();
     const bool is_due = now >= watched->not_before && (watched->cost <= kQuick || now >= within_share_);
     if (!is_new || !is_due || watched->not_before >= due_since) return;
     due_since = watched->not_before;
-    next = slot.window;
+    next = &window;
   });
   if (next && !writing_.IsRunning()) Take(*next, watched_[next], now);
 }
@@ -69,7 +68,7 @@ void RecoverySnapshots::LeaveForNextStart(DocumentWindow& window) {
   WaitForDisk();
   const Watched watched = watched_.take(&window);
   try {
-    global_.history.snapshots.Put(watched.id.isEmpty() ? SnapshotStore::NewId() : watched.id, window.Origin(),
+    global_.history.snapshots.Put(watched.id.isEmpty() ? SnapshotStore::NewId() : watched.id, window.File().Origin(),
                                   window.Content());
   } catch (const std::exception&) {
     return;  // without room for it, the last snapshot has to do
@@ -82,7 +81,7 @@ void RecoverySnapshots::Take(DocumentWindow& window, Watched& watched, Clock::ti
   watched.has_snapshot = true;
   watched.not_before = now + kShortestInterval;
   try {
-    auto write = [this, id = watched.id, origin = window.Origin(), content = window.Content()](const auto&) {
+    auto write = [this, id = watched.id, origin = window.File().Origin(), content = window.Content()](const auto&) {
       const Clock::time_point begin = Clock::now();
       written_.failure = global_.history.snapshots.Put(id, origin, content);
       written_.took = Clock::now() - begin;
@@ -115,7 +114,7 @@ void RecoverySnapshots::Finish(const std::exception_ptr& thrown) {
 }
 
 void RecoverySnapshots::TellFailure(DocumentWindow& window, const QString& reason) {
-  if (window.Tag().isEmpty() || std::exchange(failure_told_, true)) return;
+  if (!window.IsOpen() || std::exchange(failure_told_, true)) return;
   window.AddNotice(tr("Unsaved changes cannot be put aside for the case of a crash: %1.").arg(reason));
 }
 

@@ -13,7 +13,6 @@ QString AskForSavePath(Global& global, const SaveDialogTexts& texts) {
   CommonDialog& dialog = global.common_dialog;
   while (true) {
     dialog.title = texts.title;
-    if (!global.asked_for.isEmpty()) dialog.title += u" - "_s + global.asked_for;
     dialog.filter = texts.filter;
     dialog.filter_index = 1;
     dialog.default_ext = texts.default_ext;

@@ -47,8 +47,8 @@ bool WindowMenu::eventFilter(QObject* watched, QEvent* event) {
     const auto& child = *static_cast<QMdiSubWindow*>(watched);
     const auto& help = *static_cast<QHelpEvent*>(event);
     const DocumentWindow* document = DocumentOf(child);
-    if (document && !document->Slot().path.isEmpty() && NameRect(child).contains(help.pos())) {
-      ShowTip(help.globalPos(), QDir::toNativeSeparators(document->Slot().path), static_cast<QWidget*>(watched));
+    if (document && !document->File().Path().isEmpty() && NameRect(child).contains(help.pos())) {
+      ShowTip(help.globalPos(), QDir::toNativeSeparators(document->File().Path()), static_cast<QWidget*>(watched));
       return true;
     }
   }
@@ -56,14 +56,16 @@ bool WindowMenu::eventFilter(QObject* watched, QEvent* event) {
 }
 
 QString WindowMenu::CaptionOf(const QMdiSubWindow& child) const {
-  QString caption = child.windowTitle().replace(u"[*][*]"_s, u"[*]"_s);
-  const DocumentSlot& slot = DocumentOf(child)->Slot();
+  const DocumentWindow& document = *DocumentOf(child);
+  const DocumentFile& file = document.File();
   bool is_ambiguous = false;
-  documents_.ForEach([&](const DocumentSlot& other) {
-    is_ambiguous |= &other != &slot && !slot.path.isEmpty() && other.title == slot.title && other.path != slot.path;
+  documents_.ForEachOpen([&](const DocumentWindow& window) {
+    const DocumentFile& other = window.File();
+    is_ambiguous |= !file.Path().isEmpty() && other.Title() == file.Title() && other.Path() != file.Path();
   });
+  const QString caption = document.Caption();
   if (!is_ambiguous) return caption;
-  const QString folder = QDir::toNativeSeparators(QFileInfo(slot.path).path());
+  const QString folder = QDir::toNativeSeparators(QFileInfo(file.Path()).path());
   const QFontMetrics& metrics = menu_.fontMetrics();
   return caption + u" - "_s +
          metrics.elidedText(folder, Qt::ElideMiddle, kFolderCharacters * metrics.averageCharWidth());
@@ -89,7 +91,7 @@ void WindowMenu::ListDocuments() {
       append(separator);
     }
     auto* item = new QAction(u"&%1 %2"_s.arg(++number).arg(MenuText(CaptionOf(*child))), &menu_);
-    SetTip(*item, QDir::toNativeSeparators(document->Slot().path));
+    SetTip(*item, QDir::toNativeSeparators(document->File().Path()));
     item->setCheckable(true);
     item->setChecked(document == area_.ActiveDocument());
     connect(item, &QAction::triggered, child, [this, document] { area_.BringToFront(*document); });

@@ -39,11 +39,7 @@ mdform_TMEditor::mdform_TMEditor(const Services& services, WindowFactory make_wi
              }),
       menu_keys_(*menuBar()),
       area_(*new DocumentArea(menus_, settings_, this)),
-      recent_files_(services, menus_,
-                    [this](const QString& path) {
-                      global_.skip_recent_once = false;
-                      OpenFileByName(global_, path);
-                    }),
+      recent_files_(services, menus_, [this](const QString& path) { OpenFileByName(global_, path); }),
       global_{services, settings_, documents_, *this, area_, menus_, recent_files_, snapshots_},
       snapshots_(global_),
       pruning_(global_),
@@ -130,7 +126,7 @@ void mdform_TMEditor::CreateDocumentWindows() {
       window->setParent(&area_);
       window->hide();
       window->setObjectName(u"form_"_s + QLatin1StringView(NameOf(kind)) + QString::number(slot));
-      documents_.At(kind, slot).window = window;
+      documents_.Put(kind, slot, window);
     }
   for (const DocumentKind kind : kKinds) {
     if (!documents_.Offers(kind)) continue;
@@ -175,13 +171,11 @@ void mdform_TMEditor::OpenWelcomeDocument(const QString& folder_path) {
     if (!documents_.Offers(DocumentKind::Rtf)) return;
     const QString path = QDir::toNativeSeparators(folder.absoluteFilePath(name));
     // Gone at once, it would be no use among the recent files.
-    global_.skip_recent_once = true;
-    OpenWholePath(global_, path);
-    global_.skip_recent_once = false;
+    OpenWholePath(global_, path, DocumentFile::Recent::StaysOut);
     if (!QFile::remove(path)) return;
     // Saved under that name, it would be shown once more and then be gone with all that was written.
-    return documents_.ForEach([&path](const DocumentSlot& slot) {
-      if (!slot.window->Tag().isEmpty() && slot.path == path) slot.window->LoseFile();
+    return documents_.ForEachOpen([&path](DocumentWindow& window) {
+      if (window.File().Path() == path) window.File().ForgetPath();
     });
   }
 }
@@ -200,7 +194,7 @@ void mdform_TMEditor::GiveUpInstance() {
 void mdform_TMEditor::LeaveDocument(DocumentWindow& window) {
   window.ExitForm();
   // A document that nobody answered for, or that could be kept nowhere, comes back with the next start.
-  const bool dropped = !window.Tag().isEmpty() && window.IsTouched();
+  const bool dropped = window.IsOpen() && window.IsModified();
   if (dropped && (unattended_ || !window.KeepUnsaved()))
     snapshots_.LeaveForNextStart(window);
   else
@@ -216,18 +210,18 @@ void mdform_TMEditor::ExitApplication() {
   auto_save_.SetAutoSaveTimer(0);
   GiveUpInstance();
   setWindowTitle(tr("Exiting - Please Wait"));
-  const auto release = [](DocumentSlot& slot) {
-    QWidget* sub_window = slot.window->SubWindow();
-    (sub_window ? sub_window : slot.window)->deleteLater();
-    slot.window = nullptr;
+  const auto release = [this](DocumentWindow& window) {
+    QWidget* sub_window = window.SubWindow();
+    (sub_window ? sub_window : &window)->deleteLater();
+    documents_.Release(window);
   };
-  documents_.ForEach([&](DocumentSlot& slot) {
-    if (slot.window->Tag().isEmpty())
-      release(slot);
+  documents_.ForEach([&](DocumentWindow& window) {
+    if (window.IsOpen())
+      window.SubWindow()->showMinimized();
     else
-      slot.window->SubWindow()->showMinimized();
+      release(window);
   });
-  documents_.ForEach([this](DocumentSlot& slot) { LeaveDocument(*slot.window); });
+  documents_.ForEach([this](DocumentWindow& window) { LeaveDocument(window); });
   snapshots_.Stop();
   pruning_.Stop();
   leaving_ = Leaving::Done;
@@ -239,13 +233,12 @@ void mdform_TMEditor::ExitApplication() {
 
 void mdform_TMEditor::CloseAllDocuments() {
   bool stopped = false;
-  documents_.ForEach([&](const DocumentSlot& slot) {
-    DocumentWindow& window = *slot.window;
-    if (stopped || window.Tag().isEmpty()) return;
+  documents_.ForEachOpen([&](DocumentWindow& window) {
+    if (stopped) return;
     // The one that the question is about.
-    if (slot.changed) area_.Activate(window);
+    if (window.File().IsChanged()) area_.Activate(window);
     window.FileClose();
-    stopped = !window.Tag().isEmpty();
+    stopped = window.IsOpen();
   });
 }
 
@@ -266,7 +259,7 @@ void mdform_TMEditor::PrintActiveDocument() {
   const QTemporaryDir aside;
   const QString printed = aside.filePath(u"print"_s);
   if (!target.isEmpty()) printer->setOutputFileName(printed);
-  QMetaObject::invokeMethod(document, "PrintDoc", Q_ARG(QPrinter*, printer.get()));
+  document->PrintDoc(*printer);
   if (target.isEmpty()) return;
   std::string bytes;
   std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);

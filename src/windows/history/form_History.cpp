@@ -21,6 +21,7 @@
 #include "shell/DisplayText.h"
 #include "shell/DocumentArea.h"
 #include "shell/DocumentWindow.h"
+#include "shell/FileMessages.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
 #include "shell/PlainText.h"
@@ -86,9 +87,9 @@ form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), g
   BuildControls();
   RestoreSize();
   const DocumentWindow* active = global_.area.ActiveDocument();
-  const QString path = active ? active->Slot().path : QString();
+  const QString path = active ? active->File().Path() : QString();
   if (!path.isEmpty()) {
-    cb_Scope->addItem(active->Slot().title, path);
+    cb_Scope->addItem(active->File().Title(), path);
     SetItemTip(*cb_Scope, 0, QDir::toNativeSeparators(path));
   }
   cb_Scope->addItem(tr("All files"));
@@ -275,11 +276,11 @@ const KeptVersion* form_History::Selected() const {
 
 DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
   DocumentWindow* found = nullptr;
-  global_.documents.ForEach([&](DocumentSlot& slot) {
-    const bool same = !version.origin.path.isEmpty() && slot.path == version.origin.path &&
-                      slot.window->Kind() == version.origin.kind && !slot.window->Tag().isEmpty();
+  global_.documents.ForEachOpen([&](DocumentWindow& window) {
+    const bool same = !version.origin.path.isEmpty() && window.File().Path() == version.origin.path &&
+                      window.Kind() == version.origin.kind;
     // Of two documents of one file, it is about the one that the user looks at.
-    if (same && (!found || slot.window == global_.area.ActiveDocument())) found = slot.window;
+    if (same && (!found || &window == global_.area.ActiveDocument())) found = &window;
   });
   return found;
 }
@@ -287,7 +288,7 @@ DocumentWindow* form_History::WindowOf(const KeptVersion& version) const {
 std::optional<std::string> form_History::UnsavedNow(const KeptVersion& version) const {
   DocumentWindow* window = WindowOf(version);
   // What a save would write may leave out what the file has: without edits, the file counts.
-  const bool in_file = window && !window->IsTouched() && QFileInfo::exists(version.origin.path);
+  const bool in_file = window && !window->IsModified() && QFileInfo::exists(version.origin.path);
   if (!window || in_file) return std::nullopt;
   return window->Content();
 }
@@ -429,7 +430,7 @@ void form_History::cmd_SaveCopy_Click() {
   if (const auto failure = global_.history.files.Replace(target, *content))
     global_.dialogs.MsgBox(
         tr("The copy could not be written to %1: %2.  %3")
-            .arg(path, QString::fromStdString(failure->reason), DocumentWindow::WhatIsSafe(path, *failure)),
+            .arg(path, QString::fromStdString(failure->reason), FileMessages::WhatIsSafe(path, *failure)),
         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   else
     RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
@@ -456,7 +457,7 @@ void form_History::cmd_Restore_Click() {
   if (window)
     window->PutContent(std::move(*content));
   else
-    global_.documents.At(version.origin.kind, slot).window->ShowKept(version.origin, std::move(*content));
+    global_.documents.At(version.origin.kind, slot)->ShowKept(version.origin, std::move(*content));
   // The same version stays selected, so that one sees that it is what is there now.
   ListVersions(version.id);
 }

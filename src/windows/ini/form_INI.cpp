@@ -7,6 +7,7 @@
 #include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPrinter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
@@ -45,11 +46,14 @@ constexpr int kTreeMargin = 100;
 constexpr int kButtonsAboveBottom = 1000;
 constexpr int kOpenedWidth = 6800;
 constexpr int kButtonGapPixels = 4;
-SaveDialogTexts SaveTexts() { return {u"Save File"_s, u"INI File|*.INI"_s, u".INI"_s}; }
 /// The setting that names what the user last chose for a file that was plain ASCII.
 const QString kUnicodeValue = QStringLiteral("INIUnicode");
-/// Text of the root of a document without a file.
-constexpr const char* kNewTitle = "New INI File";
+
+bool IsAscii(std::string_view text) { return utf8::AsciiRun(text) == text.size(); }
+
+bool Is8Bit(const TextFormat& format, std::string_view text) {
+  return format.encoding == TextEncoding::CodePage && !IsAscii(text);
+}
 
 /// A horizontal scroll bar with a strip above it, on which the buttons stand: so the tree view reaches down to the
 /// bottom and yet no row of it hides under them.
@@ -234,30 +238,26 @@ void form_INI::ShowSelection() {
 }
 
 void form_INI::NewINI() {
-  TakeSlot();
-  SetFormat({});
-  tree_.Reset(kNewTitle);
+  TakeSlotForNew();
+  is_8bit_ = false;
+  tree_.Reset(file_.Title().toStdString());
   tree_.SetExpanded(tree_.Root(), true);
   RestoreView();
-  Slot().path.clear();
-  Slot().title.clear();
-  SetChanged(false);
-  MarkClean();
+  MarkUnmodified();
   ShowInFrame();
   TV->setFocus();
 }
 
 void form_INI::OpenINI() {
-  std::optional<DecodedText> decoded = TakeSlotFile();
-  if (!decoded) return;
-  SetFormat(*decoded);
-  tree_.Reset(Slot().title.toStdString());
-  const IniReadResult result = Read(std::move(decoded->text));
-  MarkClean();
-  SetTookAll(LeftOutOf(result).isEmpty());
+  std::optional<std::string> text = TakeSlotText();
+  if (!text) return;
+  is_8bit_ = Is8Bit(file_.Format(), *text);
+  tree_.Reset(file_.Title().toStdString());
+  const IniReadResult result = Read(std::move(*text));
+  MarkUnmodified();
+  file_.SetLeftOut(LeftOutOf(result));
   RecordOpened();
   AddNotice(NoticeOf(result, tr("The file")));
-  SetLeftOut(LeftOutOf(result));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();
   if (!sub_window->isMinimized() && !sub_window->isMaximized())
@@ -278,48 +278,10 @@ IniReadResult form_INI::Read(std::string text) {
   return result;
 }
 
-void form_INI::SaveFile() { Save(); }
-
-void form_INI::SaveAs() { SaveElsewhere(); }
-
-form_INI::SaveOutcome form_INI::SaveElsewhere() {
-  DocumentSlot& slot = Slot();
-  const QString path = slot.path, title = slot.title;
-  const SaveOutcome outcome = WithoutName([this] { return Save(); });
-  if (outcome == SaveOutcome::Saved) return outcome;
-  slot.path = path;
-  slot.title = title;
-  return outcome;
-}
-
-form_INI::SaveOutcome form_INI::Save() {
-  DocumentSlot& slot = Slot();
-  QString path = slot.path.isEmpty() ? AskForSavePath(global_, SaveTexts()) : slot.path;
-  if (path.isEmpty()) return SaveOutcome::Cancelled;
-  if (!WriteTo(path)) return SaveOutcome::Failed;
-  if (path != slot.path) {
-    slot.path = path;
-    slot.title = QFileInfo(path).fileName();
-    tree_.SetText(tree_.Root(), slot.title.toStdString());
-  }
-  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
-  setWindowTitle(CaptionText(slot.title));
-  SetChanged(false);
-  MarkClean();
-  return SaveOutcome::Saved;
-}
-
-PartProducer form_INI::Producer() const {
-  return [this](const FilePart& put) { return put(WriteIni(tree_)); };
-}
-
-void form_INI::SetFormat(const DecodedText& decoded) {
-  format_ = decoded.format;
-  is_8bit_ = format_.encoding == TextEncoding::CodePage && utf8::AsciiRun(decoded.text) != decoded.text.size();
-}
+SaveDialogTexts form_INI::SaveTexts() const { return {tr("Save File"), u"INI File|*.INI"_s, u".INI"_s}; }
 
 TextFormat form_INI::FormatToWrite() const {
-  TextFormat format = format_;
+  TextFormat format = file_.Format();
   const QString last_choice = global_.registry.ReadValue(SettingsRoot, kUnicodeValue);
   format.fallback = is_8bit_ ? TextEncoding::Utf16Le : SystemUnicode();
   for (const TextEncoding choice : {TextEncoding::Utf16Le, TextEncoding::Utf8, TextEncoding::Utf8Bom})
@@ -327,41 +289,37 @@ TextFormat form_INI::FormatToWrite() const {
   return format;
 }
 
-bool form_INI::WriteTo(QString& path) {
-  const Hourglass hourglass;
-  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
-  TextFormat format = FormatToWrite();
-  bool is_ascii = true;
-  const PartProducer produce = [&](const FilePart& put) {
-    return Producer()([&](std::string_view part) {
-      is_ascii = utf8::AsciiRun(part) == part.size();
-      return put(part);
-    });
+PartProducer form_INI::Producer() {
+  return [this](const FilePart& put) {
+    const std::string text = WriteIni(tree_);
+    wrote_ascii_ = IsAscii(text);
+    return put(text);
   };
-  if (!target || !WriteDocument(*target, &format, produce)) return false;
-  path = target->path;
-  const auto write_as = [this, was_8bit = is_8bit_](TextEncoding encoding) {
-    if (!was_8bit && global_.settings.present)
-      global_.registry.WriteValue(SettingsRoot, kUnicodeValue, kTextType, QString::fromUtf8(EncodingName(encoding)));
-    format_ = {encoding, {}};
-    Save();
-  };
-  AddEncodingNotice(format_.encoding, format.encoding, write_as);
-  AddNotice(NoticeOf(tree_));
-  format_ = format;
-  is_8bit_ = format.encoding == TextEncoding::CodePage && !is_ascii;
-  return true;
 }
 
-std::string form_INI::Content() {
-  TextFormat format = FormatToWrite();
-  return BytesOf(&format, Producer());
+form_INI::SaveOutcome form_INI::WriteTo(QString& path, const SaveRequest& request) {
+  const SaveOutcome outcome = DocumentWindow::WriteTo(path, request);
+  if (outcome != SaveOutcome::Saved) return outcome;
+  AddNotice(NoticeOf(tree_));
+  was_8bit_ = std::exchange(is_8bit_, file_.Format().encoding == TextEncoding::CodePage && !wrote_ascii_);
+  return outcome;
+}
+
+void form_INI::EncodingChosen(TextEncoding encoding) {
+  if (!was_8bit_ && global_.settings.present)
+    global_.registry.WriteValue(SettingsRoot, kUnicodeValue, kTextType, QString::fromUtf8(EncodingName(encoding)));
+}
+
+void form_INI::TitleChanged(const QString&) {
+  tree_.SetText(tree_.Root(), file_.Title().toStdString());
+  MarkUnmodified();
 }
 
 void form_INI::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
-  SetFormat(decoded);
-  tree_.Reset(Slot().title.isEmpty() ? kNewTitle : Slot().title.toStdString());
+  file_.SetFormat(decoded.format);
+  is_8bit_ = Is8Bit(decoded.format, decoded.text);
+  tree_.Reset(file_.Title().toStdString());
   ReadKept(decoded.text);
   SetChanged(true);
 }
@@ -387,18 +345,7 @@ void form_INI::ReadKept(const std::string& text) {
   RestoreView();
 }
 
-void form_INI::FileClose() { CloseDocument(); }
-
-void form_INI::ExitForm() { CloseDocument(); }
-
-bool form_INI::CloseDocument() {
-  if (!ConfirmClose([this] { return Save(); }, [this] { return SaveElsewhere(); })) return false;
-  ReleaseSlot();
-  tree_.Reset({});
-  return true;
-}
-
-void form_INI::PrintDoc(QPrinter* printer) {
+void form_INI::PrintDoc(QPrinter& printer) {
   tree_.Select(tree_.Root());
   ShowSelection();
   EditCopy();
@@ -410,7 +357,7 @@ void form_INI::PrintDoc(QPrinter* printer) {
     RTFPrintBox->hide();
   }
   RTFPrintBox->setPlainText(QString::fromStdString(ClipboardText(*tree_.Root())));
-  RTFPrintBox->print(printer);
+  RTFPrintBox->print(&printer);
   RTFPrintBox->clear();
 }
 

@@ -29,14 +29,12 @@ class form_INI : public DocumentWindow {
   std::uint64_t Revision() const override { return tree_.Revision(); }
 
   Q_INVOKABLE void NewINI();
-  /// Reads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  /// Reads the document's file. A file that cannot be read: a message, and the slot is free again.
   Q_INVOKABLE void OpenINI();
-  Q_INVOKABLE void SaveFile();
-  Q_INVOKABLE void SaveAs();
-  Q_INVOKABLE void FileClose() override;
-  Q_INVOKABLE void ExitForm() override;
+  Q_INVOKABLE void SaveFile() { Save({}); }
+  Q_INVOKABLE void SaveAs() { Save({.path = SaveRequest::Path::AskedAlways}); }
   /// Puts the whole document on the clipboard, then prints it from there.
-  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+  void PrintDoc(QPrinter& printer) override;
 
   Q_INVOKABLE void EditCut();
   Q_INVOKABLE void EditCopy();
@@ -53,7 +51,6 @@ class form_INI : public DocumentWindow {
   Q_INVOKABLE void ExpandAll();
   Q_INVOKABLE void CollapseAll();
 
-  std::string Content() override;
   void PutContent(std::string bytes) override;
 
   /// The document as it stands.
@@ -62,7 +59,13 @@ class form_INI : public DocumentWindow {
  protected:
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
-  bool CloseDocument() override;
+  SaveDialogTexts SaveTexts() const override;
+  SaveOutcome WriteTo(QString& path, const SaveRequest& request) override;
+  TextFormat FormatToWrite() const override;
+  PartProducer Producer() override;
+  void EncodingChosen(TextEncoding encoding) override;
+  void TitleChanged(const QString& before) override;
+  void DropContent() override { tree_.Reset({}); }
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -73,13 +76,6 @@ class form_INI : public DocumentWindow {
   void TV_NodeClick();
   void RestoreView();
   void ShowSelection();
-
-  SaveOutcome Save();
-  SaveOutcome SaveElsewhere();
-  bool WriteTo(QString& path);
-  void SetFormat(const DecodedText& decoded);
-  TextFormat FormatToWrite() const;
-  PartProducer Producer() const;
 
   void cmd_Edit_Click();
   void EditEntry(IniNode* node);
@@ -92,9 +88,12 @@ class form_INI : public DocumentWindow {
   void ReadKept(const std::string& text);
 
   IniTree tree_;
-  TextFormat format_;
   /// The file has characters of the 8-bit code page, so who reads it takes it for that or for UTF-16, never for UTF-8.
   bool is_8bit_ = false;
+  /// Whether that was so before the last save; only the encoding of a file that was plain ASCII is a choice to
+  /// remember.
+  bool was_8bit_ = false;
+  bool wrote_ascii_ = false;  ///< what Producer gave last
   std::unique_ptr<IniItemModel> model_;
   QTreeView* TV = nullptr;
   QTextEdit* RTFPrintBox = nullptr;

@@ -218,6 +218,7 @@ void form_REG::ShowKey() {
 }
 
 void form_REG::SetLocation(const QString& text) {
+  location_ = text;
   lbl_location->setText(text);
   // A screen reader reads the name of a label in place of its text.
   lbl_location->setAccessibleName(text.isEmpty() ? tr("Path of the selected key") : text);
@@ -225,30 +226,25 @@ void form_REG::SetLocation(const QString& text) {
 }
 
 void form_REG::NewREG() {
-  TakeSlot();
-  format_ = {};
-  ExpandedLayout = false;
-  document_.Reset(kNewTitle.toStdString());
+  TakeSlotForNew();
+  layout_ = RegLayout::Regular;
+  document_.Reset(file_.Title().toStdString());
   TV->show();
   EndProgress();
-  Slot().path.clear();
-  Slot().title.clear();
-  SetChanged(false);
-  MarkClean();
+  MarkUnmodified();
   RestoreView();
   ShowInFrame();
   TV->setFocus();
 }
 
 void form_REG::OpenREG() {
-  std::optional<DecodedText> decoded = TakeSlotFile();
-  if (!decoded) return;
-  format_ = decoded->format;
-  ExpandedLayout = false;
-  document_.Reset(Slot().title.toStdString());
+  std::optional<std::string> text = TakeSlotText();
+  if (!text) return;
+  layout_ = RegLayout::Regular;
+  document_.Reset(file_.Title().toStdString());
   ShowInFrame();
-  const RegReadResult result = Read(std::move(decoded->text));
-  MarkClean();
+  const RegReadResult result = Read(std::move(*text));
+  MarkUnmodified();
   switch (result.end) {
     case RegReadEnd::HeaderRefused:
       SetChanged(false);
@@ -269,11 +265,15 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
-  SetTookAll(result.end == RegReadEnd::EndOfInput && LeftOutOf(result).isEmpty());
+  std::optional<QString> left_out = LeftOutOf(result);
+  if (result.end == RegReadEnd::LargeFileRefused)
+    left_out = tr("all that the file held");
+  else if (result.end != RegReadEnd::EndOfInput && left_out->isEmpty())
+    left_out.reset();
+  file_.SetLeftOut(left_out);
   if (result.end != RegReadEnd::LargeFileRefused) RecordOpened();
   AddNotice(NoticeOf(result));
   AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
-  SetLeftOut(result.end == RegReadEnd::LargeFileRefused ? tr("all that the file held") : LeftOutOf(result));
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
 }
 
@@ -332,7 +332,7 @@ void form_REG::EndProgress() {
 void form_REG::ReportErrors(const std::string& error_log) {
   const std::string text = "The following entries could not be processed:\r\n\r\n" + error_log + "\r\n";
   const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
-    TextFormat format = format_;
+    TextFormat format = file_.Format();
     PrivateFileSteps steps;
     return WriteTextFile(
         file, format, [&text](const FilePart& put) { return put(text); }, steps);
@@ -343,14 +343,14 @@ void form_REG::ReportErrors(const std::string& error_log) {
 }
 
 std::string form_REG::Content() {
-  TextFormat format = format_;
-  return BytesOf(&format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
+  TextFormat format = file_.Format();
+  return DocumentFile::BytesOf(&format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
 }
 
 void form_REG::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
-  format_ = decoded.format;
-  document_.Reset((Slot().title.isEmpty() ? kNewTitle : Slot().title).toStdString());
+  file_.SetFormat(decoded.format);
+  document_.Reset(file_.Title().toStdString());
   if (!ReadRegAsShown(document_, decoded.text)) {
     const RegQuestions take_all{.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}};
     AddNotice(NoticeOf(RegReader::Read(document_, std::move(decoded.text), take_all)));
@@ -362,23 +362,10 @@ void form_REG::PutContent(std::string bytes) {
   SetChanged(true);
 }
 
-void form_REG::FileClose() { CloseDocument(); }
-
-void form_REG::ExitForm() { CloseDocument(); }
-
-bool form_REG::CloseDocument() {
-  const auto save = [this] { return WriteRegFile(); };
-  const auto save_elsewhere = [this] {
-    force_dialog_ = true;
-    return WriteRegFile();
-  };
-  if (!ConfirmClose(save, save_elsewhere)) return false;
-  EndProgress();
-  ReleaseSlot();
+void form_REG::DropContent() {
   document_.Reset({});
   kept_losses_ = 0;
   large_output_is_allowed_ = false;
-  return true;
 }
 
 }  // namespace tme

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QPrinter>
 #include <memory>
 
 #include "documents/reg/RegDocument.h"
@@ -34,17 +33,15 @@ class form_REG : public DocumentWindow {
   std::uint64_t Revision() const override { return document_.Revision(); }
 
   Q_INVOKABLE void NewREG();
-  /// Reads the file at the slot's path; lines that fail go to the error log.
+  /// Reads the document's file; lines that fail go to the error log.
   Q_INVOKABLE void OpenREG();
-  Q_INVOKABLE void FileSaveRegular();
-  Q_INVOKABLE void FileSaveExpanded();
+  Q_INVOKABLE void FileSaveRegular() { SaveIn(RegLayout::Regular, {}); }
+  Q_INVOKABLE void FileSaveExpanded() { SaveIn(RegLayout::Expanded, {}); }
   Q_INVOKABLE void FileSaveAsRegular();
   Q_INVOKABLE void FileSaveAsExpanded();
-  Q_INVOKABLE void FileClose() override;
-  Q_INVOKABLE void ExitForm() override;
   /// Writes the expanded layout into a file of its own and prints that. The document counts as unchanged afterwards,
   /// although its own file was not written; intended.
-  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+  void PrintDoc(QPrinter& printer) override;
 
   Q_INVOKABLE void EditModify();
   Q_INVOKABLE void EditNewKey();
@@ -57,6 +54,9 @@ class form_REG : public DocumentWindow {
   /// The document as it stands.
   const RegDocument& Document() const { return document_; }
 
+  /// In the layout of the last save.
+  SaveOutcome Save(const SaveRequest& request) override;
+  SaveOutcome SavePlain(const SaveRequest& request) override { return SaveIn(RegLayout::Regular, request); }
   std::string Content() override;
   bool HoldsWholeFile() const override;
   void PutContent(std::string bytes) override;
@@ -64,13 +64,16 @@ class form_REG : public DocumentWindow {
  protected:
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
-  bool CloseDocument() override;
+  SaveDialogTexts SaveTexts() const override;
+  SaveOutcome ConfirmWrite(const SaveRequest& request) override;
+  TextFormat FormatToWrite() const override;
+  PartProducer Producer() override;
+  void TitleChanged(const QString& before) override;
+  void DocumentCloses() override { EndProgress(); }
+  void DropContent() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  /// Text of the root of a document without a file.
-  static inline const QString kNewTitle = QStringLiteral("New Registry File");
-
   /// The control that the user last worked in; deleting and modifying go by it.
   enum class Focus { TV, LV };
 
@@ -89,22 +92,17 @@ class form_REG : public DocumentWindow {
   void ShowImport(const RegProgress& progress);
   void EndProgress();
   void ReportErrors(const std::string& error_log);
-  SaveOutcome WriteRegFile();
+  SaveOutcome SaveIn(RegLayout layout, const SaveRequest& request);
   /// Writes a file of the program's own into its folder, or else into the user's data folder. Its path; empty after a
   /// message when neither can be written.
   QString WriteOwnFile(const char* name,
                        const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
-  RegLayout Layout() const;
-  /// Saved when the result is no larger than a file may be unasked, or the user wants it so; asks once for a document.
-  SaveOutcome MayBeThatLarge();
   /// Keeps what a save left out and says so.
   void TellLosses(const RegLosses& losses);
-  /// What a save writes, in the layout that is set.
-  PartProducer Producer() const;
-  /// The same, with a dialog that can stop it.
+  /// The document in a layout.
+  PartProducer ProducerIn(RegLayout layout) const;
+  /// What a save writes, with a dialog that can stop it.
   PartProducer ProducerWithProgress();
-  /// Writes and reports; false when the file is as it was.
-  bool WriteTo(QString& path);
   void SetLocation(const QString& text);
   /// After an edit of a key or its values: what a save makes of it otherwise than it is shown.
   void TellWhatASaveMakesOf(const RegNode& node);
@@ -114,11 +112,10 @@ class form_REG : public DocumentWindow {
   int SelectedRow() const;
 
   RegDocument document_;
-  TextFormat format_;
   std::unique_ptr<RegKeyModel> keys_;
   std::unique_ptr<RegValueModel> values_;
-  bool ExpandedLayout = false;
-  bool force_dialog_ = false;
+  /// Of the last save, or the one that goes on.
+  RegLayout layout_ = RegLayout::Regular;
   /// RegLosses::fingerprint of what the history has of this document.
   std::uint64_t kept_losses_ = 0;
   bool large_output_is_allowed_ = false;
@@ -128,6 +125,7 @@ class form_REG : public DocumentWindow {
 
   QTreeView* TV = nullptr;
   QTreeView* LV = nullptr;
+  QString location_;  ///< what lbl_location shows
   QLabel* lbl_location = nullptr;
   QProgressBar* PB = nullptr;
   QProgressBar* PB2 = nullptr;

@@ -1,9 +1,9 @@
 // Saving and printing a registry document.
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLocale>
+#include <QPrinter>
 #include <QProgressDialog>
 #include <QTextEdit>
 
@@ -34,8 +34,6 @@ namespace {
 constexpr std::uint64_t kLargeOutput = std::uint64_t{1} << 30;
 constexpr const char* kPrintFileName = "~REGPRNT.TMP";
 
-SaveDialogTexts SaveTexts() { return {u"Save Registry File"_s, u"Registry File|*.REG"_s, u".REG"_s}; }
-
 QString SizeText(std::uint64_t bytes) { return QLocale().formattedDataSize(static_cast<qint64>(bytes)); }
 
 }  // namespace
@@ -55,61 +53,37 @@ QString form_REG::WriteOwnFile(
   return {};
 }
 
-void form_REG::FileSaveRegular() {
-  ExpandedLayout = false;
-  WriteRegFile();
+SaveDialogTexts form_REG::SaveTexts() const { return {tr("Save Registry File"), u"Registry File|*.REG"_s, u".REG"_s}; }
+
+void form_REG::FileSaveAsRegular() { SaveIn(RegLayout::Regular, {.path = SaveRequest::Path::AskedAlways}); }
+
+void form_REG::FileSaveAsExpanded() { SaveIn(RegLayout::Expanded, {.path = SaveRequest::Path::AskedAlways}); }
+
+form_REG::SaveOutcome form_REG::SaveIn(RegLayout layout, const SaveRequest& request) {
+  layout_ = layout;
+  return Save(request);
 }
 
-void form_REG::FileSaveExpanded() {
-  ExpandedLayout = true;
-  WriteRegFile();
-}
-
-void form_REG::FileSaveAsRegular() {
-  force_dialog_ = true;
-  FileSaveRegular();
-}
-
-void form_REG::FileSaveAsExpanded() {
-  force_dialog_ = true;
-  FileSaveExpanded();
-}
-
-form_REG::SaveOutcome form_REG::WriteRegFile() {
-  DocumentSlot& slot = Slot();
-  const QString location = lbl_location->text();
-  SetLocation(ExpandedLayout ? u"Saving File with Expanded Structure"_s : u"Saving File"_s);
-  QString path = slot.path;
-  if (std::exchange(force_dialog_, false) || path.isEmpty()) path = AskForSavePath(global_, SaveTexts());
+form_REG::SaveOutcome form_REG::Save(const SaveRequest& request) {
+  const QString location = location_;
+  SetLocation(layout_ == RegLayout::Expanded ? tr("Saving File with Expanded Structure") : tr("Saving File"));
   // Before the root gets another text, which decides what is written.
-  const RegLosses losses = LossesOf(document_, Layout());
-  SaveOutcome outcome = path.isEmpty() ? SaveOutcome::Cancelled : MayBeThatLarge();
-  if (outcome == SaveOutcome::Saved && !WriteTo(path)) outcome = SaveOutcome::Failed;
+  const RegLosses losses = LossesOf(document_, layout_);
+  const SaveOutcome outcome = DocumentWindow::Save(request);
   if (outcome != SaveOutcome::Saved) {
     SetLocation(location);
     return outcome;
   }
-  const bool has_own_text = TextOf(document_.Root()->Text()) != (slot.path.isEmpty() ? kNewTitle : slot.title);
-  slot.path = path;
-  slot.title = QFileInfo(path).fileName();
-  // A root that the user renamed keeps that text.
-  if (!has_own_text) document_.SetText(document_.Root(), slot.title.toStdString());
-  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
   TellLosses(losses);
   SetLocation({});
-  setWindowTitle(CaptionText(slot.title));
-  SetChanged(false);
-  MarkClean();
-  return SaveOutcome::Saved;
+  return outcome;
 }
 
-RegLayout form_REG::Layout() const { return ExpandedLayout ? RegLayout::Expanded : RegLayout::Regular; }
-
-form_REG::SaveOutcome form_REG::MayBeThatLarge() {
+form_REG::SaveOutcome form_REG::ConfirmWrite(const SaveRequest& request) {
   if (large_output_is_allowed_) return SaveOutcome::Saved;
-  const std::uint64_t bytes = RegOutputBytes(document_, Layout());
+  const std::uint64_t bytes = RegOutputBytes(document_, layout_);
   if (bytes <= kLargeOutput) return SaveOutcome::Saved;
-  if (global_.saving_unasked) {
+  if (request.caller == SaveRequest::Caller::AutoSave) {
     AddNotice(tr("AutoSave passed over this document: so many keys share their names that its file would have %1. "
                  "File, Save asks whether it may.")
                   .arg(SizeText(bytes)));
@@ -124,6 +98,12 @@ form_REG::SaveOutcome form_REG::MayBeThatLarge() {
   }
   // While the program is being left a failure would ask for another file, for ever.
   return global_.frame.IsLeaving() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
+}
+
+void form_REG::TitleChanged(const QString& before) {
+  // A root that the user renamed keeps that text.
+  if (TextOf(document_.Root()->Text()) == before) document_.SetText(document_.Root(), file_.Title().toStdString());
+  MarkUnmodified();
 }
 
 void form_REG::TellLosses(const RegLosses& losses) {
@@ -145,29 +125,20 @@ void form_REG::TellLosses(const RegLosses& losses) {
                     : tr("What was not written could not be kept in the history either."));
 }
 
-PartProducer form_REG::Producer() const {
-  return [this](const FilePart& put) { return WriteReg(document_, Layout(), put); };
+PartProducer form_REG::ProducerIn(RegLayout layout) const {
+  return [this, layout](const FilePart& put) { return WriteReg(document_, layout, put); };
 }
 
-bool form_REG::WriteTo(QString& path) {
-  const Hourglass hourglass;
-  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
-  TextFormat format = format_;
+PartProducer form_REG::Producer() { return large_output_is_allowed_ ? ProducerWithProgress() : ProducerIn(layout_); }
+
+TextFormat form_REG::FormatToWrite() const {
+  TextFormat format = file_.Format();
   format.fallback = TextEncoding::Utf16Le;  // as the system's own registry files
-  if (!target || !WriteDocument(*target, &format, large_output_is_allowed_ ? ProducerWithProgress() : Producer()))
-    return false;
-  path = target->path;
-  const auto write_as = [this](TextEncoding encoding) {
-    format_ = {encoding, {}};
-    WriteRegFile();
-  };
-  AddEncodingNotice(format_.encoding, format.encoding, write_as);
-  format_ = format;
-  return true;
+  return format;
 }
 
 bool form_REG::HoldsWholeFile() const {
-  return DocumentWindow::HoldsWholeFile() && LossesOf(document_, Layout()).fingerprint == 0;
+  return DocumentWindow::HoldsWholeFile() && LossesOf(document_, layout_).fingerprint == 0;
 }
 
 PartProducer form_REG::ProducerWithProgress() {
@@ -175,10 +146,10 @@ PartProducer form_REG::ProducerWithProgress() {
   auto dialog = std::make_shared<QProgressDialog>(tr("Saving…"), tr("Cancel"), 0, kSteps, this);
   dialog->setObjectName(u"SaveProgress"_s);
   dialog->setWindowModality(Qt::ApplicationModal);
-  const std::uint64_t bytes = std::max<std::uint64_t>(RegOutputBytes(document_, Layout()), 1);
+  const std::uint64_t bytes = std::max<std::uint64_t>(RegOutputBytes(document_, layout_), 1);
   return [this, dialog, bytes](const FilePart& put) {
     std::uint64_t written = 0;
-    return WriteReg(document_, Layout(), [&](std::string_view part) {
+    return WriteReg(document_, layout_, [&](std::string_view part) {
       written += part.size();
       dialog->setValue(static_cast<int>(kSteps * std::min(written, bytes) / bytes));
       return !dialog->wasCanceled() && put(part);
@@ -186,7 +157,7 @@ PartProducer form_REG::ProducerWithProgress() {
   };
 }
 
-void form_REG::PrintDoc(QPrinter* printer) {
+void form_REG::PrintDoc(QPrinter& printer) {
   if (const std::uint64_t size = RegOutputBytes(document_, RegLayout::Expanded); size > kLargeOutput) {
     global_.dialogs.MsgBox(
         tr("So many keys share their names that the printout would have %1.  That is too much to print.")
@@ -194,13 +165,11 @@ void form_REG::PrintDoc(QPrinter* printer) {
         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
     return;
   }
-  const bool expanded = std::exchange(ExpandedLayout, true);
   const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
-    TextFormat format = format_;
+    TextFormat format = file_.Format();
     PrivateFileSteps steps;
-    return WriteTextFile(file, format, Producer(), steps);
+    return WriteTextFile(file, format, ProducerIn(RegLayout::Expanded), steps);
   });
-  ExpandedLayout = expanded;
   SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
   std::string bytes;
   if (path.isEmpty()) return;
@@ -213,7 +182,7 @@ void form_REG::PrintDoc(QPrinter* printer) {
     RTFPrint2->hide();
   }
   RTFPrint2->setPlainText(QString::fromStdString(DecodeText(std::move(bytes)).text));
-  RTFPrint2->print(printer);
+  RTFPrint2->print(&printer);
   RTFPrint2->clear();
   SetChanged(false);
 }

@@ -14,6 +14,7 @@
 #include "files/TextEncoding.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentArea.h"
+#include "shell/FileMessages.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Hourglass.h"
@@ -131,15 +132,13 @@ void form_RTF::UpdateCommands() {
 }
 
 void form_RTF::NewRTF() {
-  TakeSlot();
+  TakeSlotForNew();
   pad->Clear();
   pad->SetBulletIndent(kBulletIndent);
   fallback_font_size_ = 0;
   read_bytes_.clear();
-  Slot().path.clear();
-  Slot().title.clear();
   Altered(false);
-  MarkClean();
+  MarkUnmodified();
   ShowInFrame();
   pad->setFocus();
 }
@@ -150,11 +149,11 @@ void form_RTF::OpenRTF() {
   if (!bytes) return;
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
   AddLossNotice(read.losses);
-  SetTookAll(read.losses == rtf::Losses());
+  file_.SetLeftOut(read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt);
   {
-    LongWork work(&global_.frame, tr("Opening %1").arg(Slot().title));
+    LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
     const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
-    if (Tag().isEmpty()) return;  // the program was left meanwhile
+    if (!IsOpen()) return;  // the program was left meanwhile
     if (!simplified) return ReleaseSlot();
     AddSimplifiedNotice(*simplified);
   }
@@ -163,7 +162,7 @@ void form_RTF::OpenRTF() {
   read_revision_ = Revision();
   fallback_font_size_ = kOpenedFallbackSize;
   Altered(false);
-  MarkClean();
+  MarkUnmodified();
   RecordOpened();
   ShowInFrame();
   ResizeForm();
@@ -173,11 +172,9 @@ void form_RTF::OpenRTF() {
   pad->setFocus();
 }
 
-bool form_RTF::CloseDocument() {
-  if (!PadWindow::CloseDocument()) return false;
+void form_RTF::DropContent() {
   pad->Clear();
   read_bytes_ = {};
-  return true;
 }
 
 void form_RTF::AddLossNotice(const rtf::Losses& losses) {
@@ -219,21 +216,21 @@ void form_RTF::AddSimplifiedNotice(const RtfSimplified& simplified) {
 
 SaveDialogTexts form_RTF::SaveTexts() const {
   // The second pattern is this text itself and no list of wildcards; intended.
-  return {u"Save RTF File"_s, u"RTF File|"_s + global_.settings.rtf_filter + u"|TXT File| & TXTFilter"_s, u".RTF"_s};
+  return {tr("Save RTF File"), u"RTF File|"_s + global_.settings.rtf_filter + u"|TXT File| & TXTFilter"_s, u".RTF"_s};
 }
 
 bool form_RTF::HoldsWholeFile() const {
   const bool writes_plain = global_.common_dialog.filter_index == kPlainIndex;
-  const bool is_untouched = !read_bytes_.empty() && read_revision_ == Revision();
-  return !writes_plain && (is_untouched || DocumentWindow::HoldsWholeFile());
+  const bool is_as_read = !read_bytes_.empty() && read_revision_ == Revision();
+  return !writes_plain && (is_as_read || DocumentWindow::HoldsWholeFile());
 }
 
-DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path) {
+DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& request) {
   const Hourglass hourglass;
   const int& index = global_.common_dialog.filter_index;
   const auto is_for_rich_text = [&index] { return index == kRichIndex || index == kPlainIndex; };
-  std::optional<SaveTarget> target;
-  if (is_for_rich_text() && !(target = PrepareTarget(path, SaveTexts()))) return SaveOutcome::Failed;
+  std::optional<DocumentFile::Target> target;
+  if (is_for_rich_text() && !(target = PrepareTarget(path, request))) return SaveOutcome::Failed;
   if (!is_for_rich_text()) {
     AddNotice(
         tr("Nothing was written: the last file dialog was left on a file type that is not for rich text. To save "
@@ -243,7 +240,7 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path) {
   if (!(index == kRichIndex ? WriteRich(*target) : WritePlain(*target))) return SaveOutcome::Failed;
   path = target->path;
   if (index == kRichIndex) {
-    MarkClean();
+    MarkUnmodified();
   } else if (path.endsWith(u".rtf"_s, Qt::CaseInsensitive)) {
     AddNotice(
         tr("The file now holds plain text, without formats and pictures, because the last file dialog was left "
@@ -260,20 +257,20 @@ PartProducer form_RTF::Producer() {
   };
 }
 
-bool form_RTF::WriteRich(const SaveTarget& target) {
-  if (!WriteDocument(target, nullptr, Producer())) return false;
+bool form_RTF::WriteRich(const DocumentFile::Target& target) {
+  if (!Write(target, nullptr, Producer())) return false;
   if (read_revision_ != Revision()) read_bytes_ = {};
   return true;
 }
 
-bool form_RTF::WritePlain(const SaveTarget& target) {
+bool form_RTF::WritePlain(const DocumentFile::Target& target) {
   TextFormat format;
-  if (!WriteDocument(target, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
-  AddEncodingNotice(TextFormat().encoding, format.encoding);
+  if (!Write(target, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
+  AddNotice(FileMessages::OfEncoding(TextFormat().encoding, format.encoding));
   return true;
 }
 
-std::string form_RTF::Content() { return BytesOf(nullptr, Producer()); }
+std::string form_RTF::Content() { return DocumentFile::BytesOf(nullptr, Producer()); }
 
 void form_RTF::PutContent(std::string bytes) {
   rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
@@ -285,14 +282,14 @@ void form_RTF::PutContent(std::string bytes) {
 }
 
 void form_RTF::TextChanged() {
-  if (Tag().isEmpty()) return;
+  if (!IsOpen()) return;
   Altered(true);
   UpdateFormatState();
 }
 
 bool form_RTF::eventFilter(QObject* watched, QEvent* event) {
   const bool swallowed = PadWindow::eventFilter(watched, event);
-  if (!pad || Tag().isEmpty()) return swallowed;
+  if (!pad || !IsOpen()) return swallowed;
   if (watched == pad && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
     const bool searched = swallowed && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);

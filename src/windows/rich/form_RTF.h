@@ -29,7 +29,7 @@ class form_RTF : public PadWindow {
   void PutContent(std::string bytes) override;
 
   Q_INVOKABLE void NewRTF();
-  /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  /// Loads the document's file. A file that cannot be read: a message, and the slot is free again.
   Q_INVOKABLE void OpenRTF();
   Q_INVOKABLE void ResizeForm() override;
   /// As rich and as plain text.
@@ -50,11 +50,12 @@ class form_RTF : public PadWindow {
  protected:
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
-  bool CloseDocument() override;
+  void DropContent() override;
   SaveDialogTexts SaveTexts() const override;
+  PartProducer Producer() override;
   /// What is written depends on the shared dialog's filter index, whether or not the dialog was shown: 1 rich text,
   /// 2 plain text, anything else nothing. Intended; the notice says so.
-  SaveOutcome WriteTo(QString& path) override;
+  SaveOutcome WriteTo(QString& path, const SaveRequest& request) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -71,9 +72,8 @@ class form_RTF : public PadWindow {
   void PastePlainText(const QString& text);
   void AddLossNotice(const rtf::Losses& losses);
   void AddSimplifiedNotice(const RtfSimplified& simplified);
-  PartProducer Producer();
-  bool WriteRich(const SaveTarget& target);
-  bool WritePlain(const SaveTarget& target);
+  bool WriteRich(const DocumentFile::Target& target);
+  bool WritePlain(const DocumentFile::Target& target);
 
   RtfPad* pad = nullptr;
   QToolBar* Toolbar1 = nullptr;

@@ -4,7 +4,6 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDateTime>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLocale>
@@ -39,71 +38,19 @@ bool IsClipboardKey(const QKeyEvent& key) {
 
 }  // namespace
 
-void PadWindow::ExitForm() { FileClose(); }
-
-void PadWindow::FileClose() {
-  if (!global_.frame.HasLeft()) CloseDocument();
-}
-
-bool PadWindow::CloseDocument() {
-  if (!ConfirmClose([this] { return Save(); }, [this] { return SaveElsewhere(); })) return false;
+void PadWindow::DocumentCloses() {
   if (form_SR* search = form_SR::Opened(global_); search && search->IsBoundTo(*this)) search->cmd_Cance_Click();
-  ReleaseSlot();
-  // The window's next document must not be given this one's name by a cancelled dialog: it would overwrite its file.
-  save_as_ = false;
-  saved_path_.clear();
-  saved_title_.clear();
-  saved_caption_.clear();
-  return true;
 }
 
-void PadWindow::SaveFile() { Save(); }
-
-void PadWindow::SaveAs() { SaveElsewhere(); }
-
-PadWindow::SaveOutcome PadWindow::SaveElsewhere() {
-  DocumentSlot& slot = Slot();
-  save_as_ = true;
-  saved_path_ = slot.path;
-  saved_title_ = slot.title;
-  saved_caption_ = windowTitle();
-  const SaveOutcome outcome = WithoutName([this] { return Save(); });
-  if (outcome == SaveOutcome::Failed) RestoreNames();
-  return outcome;
+void PadWindow::PathNotChosen() {
+  if (global_.common_dialog.file_name.isEmpty()) return;
+  file_.SetTitle({});
+  setWindowTitle({});
 }
 
-void PadWindow::RestoreNames() {
-  save_as_ = false;
-  Slot().path = saved_path_;
-  Slot().title = saved_title_;
-  setWindowTitle(saved_caption_);
-}
-
-PadWindow::SaveOutcome PadWindow::Save() {
-  DocumentSlot& slot = Slot();
-  const bool chosen = slot.path.isEmpty();
-  QString path = slot.path;
-  if (chosen) {
-    path = AskForSavePath(global_, SaveTexts());
-    if (path.isEmpty()) {
-      // A name that was chosen all the same: the question about overwriting was cancelled. That restores also when
-      // no SaveAs came before, which leaves a new document without caption; intended.
-      if (save_as_ || !global_.common_dialog.file_name.isEmpty()) RestoreNames();
-      return SaveOutcome::Cancelled;
-    }
-  }
-  if (const SaveOutcome outcome = WriteTo(path); outcome != SaveOutcome::Saved) return outcome;
-  slot.path = path;
-  slot.title = QFileInfo(path).fileName();
-  RememberLastSaveFolder(global_.registry, QFileInfo(path).absolutePath());
-  SetChanged(false);
-  setWindowTitle(CaptionText(slot.title));
-  return SaveOutcome::Saved;
-}
-
-void PadWindow::PrintDoc(QPrinter* printer) {
+void PadWindow::PrintDoc(QPrinter& printer) {
   const Hourglass hourglass;
-  EditingArea().Print(*printer);
+  EditingArea().Print(printer);
 }
 
 void PadWindow::EditUndo() {
@@ -117,7 +64,7 @@ void PadWindow::EditRedo() {
 }
 
 void PadWindow::ShowUndoState() {
-  if (global_.area.ActiveDocument() != this || Tag().isEmpty()) return;
+  if (global_.area.ActiveDocument() != this || !IsOpen()) return;
   global_.menus.SetAvailable("menu_EditUndo", EditingArea().CanUndo());
   global_.menus.SetAvailable("menu_EditRedo", EditingArea().CanRedo());
 }

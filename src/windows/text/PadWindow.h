@@ -1,16 +1,14 @@
 #pragma once
 
 #include "shell/DocumentWindow.h"
-#include "shell/SaveDialog.h"
 #include "windows/text/Pad.h"
 
 class QKeyEvent;
-class QPrinter;
 
 namespace tme {
 
-/// What the text and the rich-text window share: the commands, the keys of the editing area and the flow of saving and
-/// closing. A kind brings its pad, its layout, and what it reads and writes.
+/// What the text and the rich-text window share: the commands, the keys of and the keys of the editing area. A kind
+/// brings its pad, its layout, and what it reads and writes.
 class PadWindow : public DocumentWindow {
   Q_OBJECT
 
@@ -21,14 +19,11 @@ class PadWindow : public DocumentWindow {
   virtual Pad& EditingArea() = 0;
   int SlotNumber() const { return Tag().toInt(); }
 
-  Q_INVOKABLE void ExitForm() override;
-  Q_INVOKABLE void FileClose() override;
   /// Lays out the client area; nothing while the window is minimized.
   Q_INVOKABLE virtual void ResizeForm() = 0;
-  Q_INVOKABLE void SaveAs();
-  Q_INVOKABLE void SaveFile();
-  /// printer: not null, not kept.
-  Q_INVOKABLE void PrintDoc(QPrinter* printer);
+  Q_INVOKABLE void SaveAs() { Save({.path = SaveRequest::Path::AskedAlways}); }
+  Q_INVOKABLE void SaveFile() { Save({}); }
+  void PrintDoc(QPrinter& printer) override;
   Q_INVOKABLE void EditUndo();
   Q_INVOKABLE void EditRedo();
   Q_INVOKABLE void EditCut();
@@ -44,11 +39,6 @@ class PadWindow : public DocumentWindow {
   Q_INVOKABLE void SearchReplace();
 
  protected:
-  virtual SaveDialogTexts SaveTexts() const = 0;
-  /// Writes the content, with notices and, on failure, the message; calls MarkClean when the file holds the content.
-  /// path: the user may choose another one meanwhile. Never Cancelled.
-  virtual SaveOutcome WriteTo(QString& path) = 0;
-
   /// To be called at the end of BuildControls, with the pad in place: from then on the pad's keys, focus and right
   /// clicks, and the client area's size, are looked after here.
   void WatchPad(QWidget& client);
@@ -60,22 +50,17 @@ class PadWindow : public DocumentWindow {
   void SearchForLast();
 
   void UpdateCommands() override;
-  bool CloseDocument() override;
+  /// The question about overwriting a file was cancelled: the document loses its caption; intended.
+  void PathNotChosen() override;
+  void DocumentCloses() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  SaveOutcome Save();
-  SaveOutcome SaveElsewhere();
-  void RestoreNames();
   bool PadKeyPressed(const QKeyEvent& key);
   bool SearchKeyPressed(const QKeyEvent& key);
   void CloseForeignSearch();
 
   QWidget* client_ = nullptr;
-  bool save_as_ = false;
-  QString saved_path_;
-  QString saved_title_;
-  QString saved_caption_;
 };
 
 }  // namespace tme

@@ -195,8 +195,8 @@ void form_SR::Initialize() {
 }
 
 PadWindow* form_SR::Window() const {
-  auto* window = qobject_cast<PadWindow*>(global_.documents.At(target_kind_, target_slot_).window);
-  return window && !window->Tag().isEmpty() ? window : nullptr;
+  auto* window = qobject_cast<PadWindow*>(global_.documents.At(target_kind_, target_slot_));
+  return window && window->IsOpen() ? window : nullptr;
 }
 
 bool form_SR::IsBoundTo(const PadWindow& window) const {

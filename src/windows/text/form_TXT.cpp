@@ -56,45 +56,37 @@ void form_TXT::ResizeForm() {
 }
 
 void form_TXT::NewTXT() {
-  TakeSlot();
-  format_ = {};
+  TakeSlotForNew();
   pad->SetText({});
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
-  Slot().path.clear();
-  Slot().title.clear();
   Altered(false);
-  MarkClean();
+  MarkUnmodified();
   ShowInFrame();
   pad->setFocus();
 }
 
 void form_TXT::OpenTXT() {
   const Hourglass hourglass;
-  std::optional<DecodedText> decoded = TakeSlotFile();
-  if (!decoded) return;
-  format_ = decoded->format;
+  std::optional<std::string> text = TakeSlotText();
+  if (!text) return;
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
-  pad->SetText(std::move(decoded->text));
+  pad->SetText(std::move(*text));
   Altered(false);
-  MarkClean();
-  SetTookAll(true);
+  MarkUnmodified();
+  file_.SetLeftOut(QString());
   RecordOpened();
   ShowInFrame();
   ResizeForm();
   pad->setFocus();
 }
 
-bool form_TXT::CloseDocument() {
-  if (!PadWindow::CloseDocument()) return false;
-  pad->SetText({});
-  return true;
-}
+void form_TXT::DropContent() { pad->SetText({}); }
 
 SaveDialogTexts form_TXT::SaveTexts() const {
-  return {u"Save Text File"_s, u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
+  return {tr("Save Text File"), u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
 }
 
-PartProducer form_TXT::Producer() const {
+PartProducer form_TXT::Producer() {
   return [this](const FilePart& put) {
     for (std::string_view rest = pad->Text(); !rest.empty();)
       if (!put(TakePart(rest))) return false;
@@ -102,30 +94,9 @@ PartProducer form_TXT::Producer() const {
   };
 }
 
-DocumentWindow::SaveOutcome form_TXT::WriteTo(QString& path) {
-  const Hourglass hourglass;
-  const std::optional<SaveTarget> target = PrepareTarget(path, SaveTexts());
-  TextFormat format = format_;
-  if (!target || !WriteDocument(*target, &format, Producer())) return SaveOutcome::Failed;
-  path = target->path;
-  const auto write_as = [this](TextEncoding encoding) {
-    format_ = {encoding, {}};
-    SaveFile();
-  };
-  AddEncodingNotice(format_.encoding, format.encoding, write_as);
-  format_ = format;
-  MarkClean();
-  return SaveOutcome::Saved;
-}
-
-std::string form_TXT::Content() {
-  TextFormat format = format_;
-  return BytesOf(&format, Producer());
-}
-
 void form_TXT::PutContent(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
-  format_ = decoded.format;
+  file_.SetFormat(decoded.format);
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
   pad->SetText(std::move(decoded.text));
   Altered(true);

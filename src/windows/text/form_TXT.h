@@ -16,11 +16,10 @@ class form_TXT : public PadWindow {
 
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
-  std::string Content() override;
   void PutContent(std::string bytes) override;
 
   Q_INVOKABLE void NewTXT();
-  /// Loads the file at the slot's path. A file that cannot be read: a message, and the slot is free again.
+  /// Loads the document's file. A file that cannot be read: a message, and the slot is free again.
   Q_INVOKABLE void OpenTXT();
   Q_INVOKABLE void ResizeForm() override;
   Q_INVOKABLE void SearchAgain() { SearchForLast(); }
@@ -28,15 +27,12 @@ class form_TXT : public PadWindow {
 
  protected:
   void BuildControls(QWidget& client) override;
-  bool CloseDocument() override;
   SaveDialogTexts SaveTexts() const override;
-  SaveOutcome WriteTo(QString& path) override;
+  PartProducer Producer() override;
+  void DropContent() override;
 
  private:
-  PartProducer Producer() const;
-
   TextPad* pad = nullptr;
-  TextFormat format_;
 };
 
 }  // namespace tme
