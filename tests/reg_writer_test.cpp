@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "RegProbe.h"
+#include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
 
 using namespace std::string_literals;
@@ -114,6 +115,35 @@ TEST(RegWriter, CountsWhatASaveLeavesOut) {
                 losses.empty_keys + losses.empty_hives + losses.keys_of_title + losses.values > 0);
     }
   }
+}
+
+TEST(RegAsShown, BringsBackWhatARegistryFileCannotHold) {
+  RegDocument document("T");
+  RegNode* hive = document.AddHiveNode("Own");
+  RegNode* key = document.AddBranch(document.AddBranch(hive, ""), "x]=\"");
+  for (const char* text : {"T", "x]=\""}) document.AddBranch(document.AddBranch(hive, "b"), text);
+  for (RegNode* owner : {document.Root(), hive, key}) {
+    document.AddValueRecord(owner, RegType::String, "a", "\"quoted\"=");
+    document.AddValueRecord(owner, RegType::Dword, "[b]", "zz");
+    document.AddValueRecord(owner, RegType::Hex, "", "1,2");
+  }
+  std::string text;
+  EXPECT_TRUE(WriteRegAsShown(document, [&text](std::string_view part) {
+    text += part;
+    return true;
+  }));
+  RegDocument read("T");
+  const RegMirror mirror(read);
+  ASSERT_TRUE(ReadRegAsShown(read, text));
+  // Keys of one path have become one.
+  document.RemoveKey(hive->Child(2));
+  document.AddBranch(hive->Child(1), "x]=\"");
+  EXPECT_EQ(Dump(read), Dump(document));
+  EXPECT_EQ(mirror.resets, 1);
+  mirror.Check();
+
+  std::string other = "REGEDIT4\r\n\r\n[HKEY_USERS\\a]\r\n";
+  EXPECT_FALSE(ReadRegAsShown(read, other));
 }
 
 TEST(RegWriter, GivesPartsAndStopsWithTheSink) {

@@ -5,7 +5,7 @@
 /// Unicode's simple case folding: one character for one character, so that all forms of a letter become the same.
 namespace tme {
 
-/// For characters of 0x80 and above.
+/// character: 0x80 or above.
 char32_t FoldCaseBeyondAscii(char32_t character);
 
 inline char32_t FoldCase(char32_t character) {
@@ -13,8 +13,8 @@ inline char32_t FoldCase(char32_t character) {
   return FoldCaseBeyondAscii(character);
 }
 
-/// Every character that folds as this one does, itself included. They may differ in how many bytes they take: "k" has
-/// the Kelvin sign, "s" the long s.
+/// Returns every character that folds as this one does, itself included. They may differ in how many bytes they take:
+/// "k" has the Kelvin sign, "s" the long s.
 std::u32string CaseForms(char32_t character);
 
 }  // namespace tme

@@ -13,7 +13,7 @@ class LineReader {
   explicit LineReader(std::string_view text)
       : position_(text.data()), end_(text.data() + text.size()), next_cr_(Find('\r')), next_lf_(Find('\n')) {}
 
-  /// False at the end of the text; line is left alone then.
+  /// Returns false at the end of the text, with line as it was.
   bool Next(std::string_view& line) {
     if (position_ == end_) return false;
     // Each search goes on from where it last stopped, so a text without CR is searched for it only once.
@@ -28,10 +28,10 @@ class LineReader {
     return true;
   }
 
-  /// No line is left.
+  /// Whether no line is left.
   bool AtEnd() const { return position_ == end_; }
 
-  /// Of the line that Next gave last, from 1.
+  /// The number of the line that Next gave last, from 1; 0 before the first.
   std::uint64_t Number() const { return number_; }
 
  private:

@@ -7,7 +7,7 @@
 
 namespace tme {
 
-/// Memory for many nodes of one size, in chunks: each stays at one address, and all are given up at once.
+/// Memory for many nodes of one size, in chunks. Each node stays at one address, and all are given up at once.
 class NodePool {
  public:
   explicit NodePool(std::size_t node_bytes) : node_bytes_(node_bytes) {}

@@ -7,9 +7,9 @@
 
 namespace tme {
 
-/// Takes the next part of a text or file. False when it could not be taken, and the producer should stop.
+/// Takes the next part of a text or file. Returns false when it could not, and the producer should stop.
 using PartSink = std::function<bool(std::string_view)>;
-/// Hands over all parts in order. False to give up, or because the sink did.
+/// Hands over all parts in order. Returns false when it gave up or the sink did.
 using PartProducer = std::function<bool(const PartSink&)>;
 
 /// Gathers small pieces for a sink into parts of kPartBytes or a little more.

@@ -10,7 +10,7 @@
 namespace tme {
 
 /// Memory for the texts of a document: whole texts that were read, and those of single edits. Views of them hold until
-/// Clear; memory of a text that is no longer shown is given up only then.
+/// Clear, which alone gives memory up.
 class TextStore {
  public:
   /// The string stays at one address.
@@ -23,7 +23,7 @@ class TextStore {
     return {copy, text.size()};
   }
 
-  /// The last one kept, when nothing came to point into it.
+  /// Gives up the text that was kept last. Nothing may point into it.
   void GiveBackLast() { kept_.pop_back(); }
 
   void Clear() {

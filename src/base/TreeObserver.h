@@ -2,7 +2,7 @@
 
 namespace tme {
 
-/// Told of every change of a tree of nodes, so that an item model can mirror it. Calls come in pairs around the change.
+/// Learns of every change of a tree of nodes, so that an item model can mirror it. Calls come in pairs around a change.
 template <class Node>
 class TreeObserver {
  public:
@@ -19,7 +19,7 @@ class TreeObserver {
   virtual void SelectionMoved() = 0;
 };
 
-/// For trees that nobody watches.
+/// The observer of a tree that nobody watches.
 template <class Node, class Observer = TreeObserver<Node>>
 class SilentTreeObserver : public Observer {
  public:

@@ -11,7 +11,7 @@ namespace tme::utf8 {
 /// U+FFFD, which stands for bytes that are no character.
 inline constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// How many bytes at the start are ASCII.
+/// Counts the bytes at the start that are ASCII.
 std::size_t AsciiRun(std::string_view text);
 
 bool IsValid(std::string_view text);
@@ -19,27 +19,29 @@ bool IsValid(std::string_view text);
 /// Surrogates as three bytes each are no UTF-8; they stand for the lone ones of a UTF-16 file.
 enum class Surrogates : std::uint8_t { Refuse, Accept };
 
-/// Takes the first character off `text`. Null, with `text` as it was, when it is empty or begins with an invalid byte.
+/// Takes the first character off `text`. Returns null, with `text` as it was, when it is empty or begins with an
+/// invalid byte.
 std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surrogates = Surrogates::Refuse);
 
-/// How many bytes at the start of `text`, which begin no character, are shown as one U+FFFD: those that a longer
-/// character could begin with (the maximal subpart of the Unicode standard), else one. 0 of an empty text.
+/// Counts the bytes at the start of `text`, where no character begins, that are shown as one U+FFFD: those that a
+/// longer character could begin with (the maximal subpart of the Unicode standard), else one. Returns 0 for an empty
+/// text.
 std::size_t InvalidBytes(std::string_view text);
 
 constexpr bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-/// Where the character begins that the byte at `at` belongs to; `at` itself at the end of the text and beyond.
+/// Returns where the character begins that the byte at `at` belongs to; `at` itself at the end of the text and beyond.
 constexpr std::size_t CharacterStart(std::string_view text, std::size_t at) {
   while (at > 0 && at < text.size() && IsContinuation(text[at])) --at;
   return at;
 }
 
-/// How many bytes the last character has: 0 of an empty text, 1 of an invalid byte.
+/// Returns the length of the last character: 0 for an empty text, 1 for an invalid byte.
 std::size_t LastCharacterBytes(std::string_view text);
 
 inline constexpr std::size_t kMaxCharacterBytes = 4;
 
-/// Writes 1 to kMaxCharacterBytes bytes, surrogates as three; returns how many.
+/// Writes 1 to kMaxCharacterBytes bytes, surrogates as three. Returns how many.
 std::size_t PutCharacter(char32_t character, char* out);
 
 }  // namespace tme::utf8

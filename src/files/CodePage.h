@@ -11,11 +11,11 @@ namespace tme {
 /// table).
 std::string CodePageToUtf8(std::string_view bytes);
 
-/// Null when a character has no byte, or the text is not valid UTF-8.
+/// Returns null when a character has no byte, or the text is not valid UTF-8.
 std::optional<std::string> Utf8ToCodePage(std::string_view text);
 
-/// Text of any page, numbered as Windows does (10000 is Mac Roman, 65001 UTF-8); U+FFFD for each byte that no character
-/// begins with. A page that is not known is read as 1252.
+/// Reads text of any page, numbered as Windows does (10000 is Mac Roman, 65001 UTF-8), with U+FFFD for each byte that
+/// no character begins with. A page that is not known is read as 1252.
 std::string BytesToUtf8(int code_page, std::string_view bytes);
 
 }  // namespace tme

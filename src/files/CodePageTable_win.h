@@ -8,7 +8,7 @@
 
 namespace tme {
 
-/// Taken for a page that the system does not know.
+/// Stands in for a page that the system does not know.
 inline constexpr unsigned kLatinPage = 1252;
 
 /// One of the system's code pages of one or two bytes a character as a bijection: what a page maps twice, or only
@@ -20,7 +20,7 @@ class CodePageTable {
   explicit CodePageTable(unsigned page);
 
   std::string ToUtf8(std::string_view bytes) const;
-  /// Null when a character has no byte, the text is not valid UTF-8 or the bytes would be read as another text.
+  /// Returns null when a character has no byte, the text is not valid UTF-8 or the bytes would be read as another text.
   std::optional<std::string> FromUtf8(std::string_view text) const;
 
  private:
@@ -33,8 +33,8 @@ class CodePageTable {
   std::vector<char16_t> codes_;         ///< by character: its byte or pair; 0 for none
 };
 
-/// The system's page for texts without a mark. Not the process's, which the manifest makes UTF-8, and which would not
-/// be a bijection.
+/// Returns the system's page for texts without a mark. The process's is another: the manifest makes it UTF-8, which is
+/// no bijection.
 unsigned SystemCodePage();
 
 }  // namespace tme

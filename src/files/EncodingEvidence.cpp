@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "base/Utf16.h"
 #include "base/Utf8.h"
-#include "files/Utf16Bytes.h"
 
 namespace tme {
 namespace {
@@ -73,8 +73,8 @@ void Utf16Evidence::Add(std::string_view part) {
 void Utf16Evidence::AddUnit(unsigned high, unsigned low) {
   const char32_t unit = high << 8 | low;
   const bool is_private = unit >= 0xE000 && unit <= 0xF8FF;
-  refuted_ = unit == 0 || unit >= 0xFFFE || is_private || IsLowSurrogate(unit) != after_high_;
-  after_high_ = IsHighSurrogate(unit);
+  refuted_ = unit == 0 || unit >= 0xFFFE || is_private || utf16::IsLowSurrogate(unit) != after_high_;
+  after_high_ = utf16::IsHighSurrogate(unit);
   ++units_;
   if (IsNoTextByte(high))
     ++for_;

@@ -20,9 +20,9 @@ struct EncodingTraits {
 };
 const EncodingTraits& TraitsOf(TextEncoding encoding);
 
-/// The encoding that a byte order mark at the start names; null without one.
+/// Returns the encoding that a byte order mark at the start names, null without one.
 std::optional<TextEncoding> MarkedEncoding(std::string_view bytes);
-/// The byte order of UTF-16 without a mark; null for anything else.
+/// Returns the encoding of UTF-16 without a mark, null for anything else.
 std::optional<TextEncoding> UnmarkedUtf16(std::string_view bytes);
 
 /// Counts what speaks for UTF-8 in bytes without a mark. Parts end where characters do.

@@ -16,21 +16,21 @@ class FileSteps;
 /// Documents are held in memory; a larger file is refused with a reason.
 inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
 
-/// Whole file into `bytes` (replaced). A directory, a pipe or a device is a failure, and so is a file over
-/// kMaxFileBytes.
+/// Reads a whole file into `bytes` (replaced). A directory, a pipe or a device is a failure, and so is a file over
+/// kMaxFileBytes. `bytes` is empty after a failure.
 std::optional<FileFailure> ReadFileBytes(const std::filesystem::path& path, std::string& bytes);
 
 using FilePart = PartSink;
 
-/// Whole or not at all: a temporary file in the same folder with all that the target has beside its bytes (owner,
-/// group, mode, access list, labels; on Windows its attributes, access list and alternate streams), written, flushed to
-/// disk, put in place; symbolic links are followed, a read-only target is refused, and so is one of which a new file
-/// cannot have all that. After a failure, or when the producer gives up, the target has its old bytes (or is absent as
-/// before) and no temporary file is left.
+/// Writes whole or not at all: a temporary file in the same folder with all that the target has beside its bytes
+/// (owner, group, mode, access list, labels; on Windows its attributes, access list and alternate streams), written,
+/// flushed to disk, put in place; symbolic links are followed, a read-only target is refused, and so is one of which a
+/// new file cannot have all that. After a failure, or when the producer gives up, the target has its old bytes (or is
+/// absent as before) and no temporary file is left.
 std::optional<FileFailure> WriteFileParts(const std::filesystem::path& path, const PartProducer& produce,
                                           FileSteps& steps);
-/// Over the bytes of an existing file, for a folder that allows no temporary file. After a failure the old bytes are
-/// written back; a crash midway leaves a mixture, so they must be safe elsewhere.
+/// Writes over the bytes of an existing file, for a folder that allows no temporary file. After a failure the old bytes
+/// are written back; a crash midway leaves a mixture, so they must be safe elsewhere.
 std::optional<FileFailure> WriteFileInPlace(const std::filesystem::path& path, std::string_view bytes,
                                             std::string_view old_bytes, FileSteps& steps);
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);

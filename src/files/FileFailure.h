@@ -17,7 +17,7 @@ struct FileFailure {
   bool file_damaged = false;
 };
 
-/// In the system's words ("Permission denied"), without a line end.
+/// Gives the reason in the system's words ("Permission denied"), without a line end.
 FileFailure FailureOf(const std::error_code& error);
 
 }  // namespace tme

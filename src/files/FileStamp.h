@@ -13,9 +13,10 @@ struct FileStamp {
   std::uint64_t file_id = 0;
   bool operator==(const FileStamp&) const = default;
 };
-/// Nothing for what is no regular file, or is not there.
+/// Returns null for what is no regular file, or is not there.
 std::optional<FileStamp> StampOf(const std::filesystem::path& path);
-/// True only when the system says that the path leads nowhere; a look that failed says nothing.
+/// Returns true only when the system says that the path leads nowhere. A check that failed for another reason says
+/// nothing.
 bool IsAbsent(const std::filesystem::path& path);
 
 }  // namespace tme

@@ -25,8 +25,8 @@ inline std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} 
 inline HANDLE Native(FileHandle handle) { return reinterpret_cast<HANDLE>(handle); }
 inline FileHandle Portable(HANDLE handle) { return reinterpret_cast<FileHandle>(handle); }
 
-/// The path as the system's calls take it at any length: what would not fit MAX_PATH, with room for a temporary name
-/// beside it, becomes a whole path behind "\\?\".
+/// Returns the path as the system's calls take it at any length: what would not fit MAX_PATH, with room for a temporary
+/// name beside it, becomes a whole path behind "\\?\".
 std::wstring LongPath(const std::filesystem::path& path);
 /// path: as LongPath gives it.
 inline bool IsThere(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
@@ -48,7 +48,7 @@ class File {
   std::error_code OpenAttributes(const std::filesystem::path& path) {
     return Open(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
   }
-  /// The path of what was opened, without links.
+  /// Gives the path of what was opened, without links.
   std::error_code FinalPath(std::filesystem::path& path) const;
   std::optional<FileFailure> RefuseUnlessRegular(BY_HANDLE_FILE_INFORMATION& info) const;
 

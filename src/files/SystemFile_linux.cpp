@@ -55,8 +55,8 @@ ssize_t GetValue(const fs::path& path, const char* name, char* to, std::size_t r
 }
 ssize_t GetValue(int file, const char* name, char* to, std::size_t room) { return ::fgetxattr(file, name, to, room); }
 
-/// The extended attributes of a file: access lists, labels, what others noted. Nothing when they cannot be told;
-/// a file system that knows none has none.
+/// Returns the extended attributes of a file: access lists, labels, what others noted; none on a file system that knows
+/// none. Returns null when they cannot be told.
 template <typename File>
 std::optional<Attributes> ExtendedAttributes(const File& file) {
   const ssize_t names_size = ListNames(file, nullptr, 0);
@@ -76,7 +76,7 @@ std::optional<Attributes> ExtendedAttributes(const File& file) {
   return attributes;
 }
 
-/// Also takes away what the new file has and the old one had not: the access list that its folder gave it.
+/// Takes away, too, what the new file has and the old one had not: the access list that its folder gave it.
 bool TakeOverAttributes(const fs::path& from, int to) {
   const auto wanted = ExtendedAttributes(from), given = ExtendedAttributes(to);
   if (!wanted || !given) return false;
@@ -90,7 +90,7 @@ bool TakeOverAttributes(const fs::path& from, int to) {
   return true;
 }
 
-/// Nobody else holds it, and so its writer is gone: one that lives has it locked.
+/// Whether nobody else holds the file, so that its writer is gone: one that lives has it locked.
 bool IsLeft(const fs::path& path) {
   const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
   if (file < 0) return false;

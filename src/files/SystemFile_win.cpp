@@ -12,19 +12,20 @@ using native::LongPath;
 using native::Native;
 using native::ResultOf;
 
-/// Why a path could not be opened. A device such as CON is told by that, in a program without a console.
+/// Says why a path could not be opened. A device such as CON is told by that, in a program without a console.
 FileFailure FailureToOpen(const std::error_code& error) {
   return error == native::Error(ERROR_INVALID_HANDLE) ? FileFailure{"Not a regular file"} : FailureOf(error);
 }
 
-/// Where a link leads; the path itself when it is none.
+/// Replaces the path by where it leads when it is a link.
 std::error_code ResolveLink(const native::File& opened, fs::path& path) {
   const DWORD attributes = ::GetFileAttributesW(LongPath(path).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return {};
   return opened.FinalPath(path);
 }
 
-/// Where the missing file belongs that a link leads to: what is made through the link for a moment tells.
+/// Replaces a link by the place where the missing file belongs: a file that is made through the link for a moment
+/// tells.
 std::error_code ResolveDanglingLink(fs::path& path) {
   native::File made;
   const std::error_code error = made.Open(path, DELETE, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
@@ -97,7 +98,8 @@ bool TakeOver(const fs::path& target, FileHandle temporary) {
   return true;
 }
 
-/// Nobody else has it open, and so its writer is gone. Young ones may be closed and not yet in place.
+/// The file opens alone when nobody else has it open, and so its writer is gone. Young ones may be closed and not yet
+/// in place.
 void RemoveIfLeft(const fs::path& temporary) {
   constexpr std::uint64_t kLeftAfter = 50'000'000;  // 5 s, in the system's units of 100 ns
   native::File alone;

@@ -22,7 +22,7 @@ fs::path TemporaryName(const fs::path& folder) {
   return folder / name.data();
 }
 
-/// Of the system's characters.
+/// name: of the system's characters.
 template <typename Name>
 bool IsTemporaryName(const Name& name) {
   constexpr std::string_view kStart = ".tme-", kDigits = "0123456789abcdef";

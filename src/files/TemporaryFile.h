@@ -35,9 +35,9 @@ class TemporaryFile {
 /// Removes the temporary files that killed writes left in the folder, and none that a process may still write.
 void RemoveLeftTemporaries(const std::filesystem::path& folder);
 
-/// One call never moves more, so that its count fits every type on the way.
+/// One call moves no more bytes, so that its count fits every type on the way.
 inline constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
-/// In as many calls as the system wants, repeated after an interruption.
+/// Writes in as many calls as the system wants, again after an interruption.
 std::error_code WriteAll(FileSteps& steps, FileHandle handle, std::string_view bytes);
 
 }  // namespace tme

@@ -15,9 +15,9 @@ class TextEncoder {
  public:
   explicit TextEncoder(const TextFormat& format) : format_(format), traits_(TraitsOf(format.encoding)) {}
 
-  /// Null when the encoding has no place for a character.
+  /// Returns null when the encoding has no place for a character.
   std::optional<std::string> Encode(std::string_view part);
-  /// What follows the last part.
+  /// Returns what follows the last part.
   std::string Rest() const { return format_.stray_byte ? std::string(1, *format_.stray_byte) : std::string(); }
   /// all_bytes: hands over what Encode gave, once more. It runs only where the text has NULs.
   bool ReadsBack(const PartProducer& all_bytes) const;
@@ -33,7 +33,7 @@ class TextEncoder {
   Utf8Evidence evidence_;
 };
 
-/// What comes next when the format's encoding does not fit.
+/// Returns what comes next when the format's encoding does not fit.
 TextFormat NextFormat(const TextFormat& format);
 
 }  // namespace tme

@@ -40,7 +40,7 @@ struct DecodedText {
   TextFormat format;
 };
 
-/// Never fails. Bytes without a mark are
+/// Finds out the encoding and decodes. Never fails. Bytes without a mark are
 /// - UTF-16 when, read so, none of at least four units is U+0000, a lone surrogate, private or no character, and those
 ///   that speak for it are a third of all and more than those that speak against it. For it speaks a high byte that no
 ///   8-bit text has (a control other than tab and line ends), against it two printable ASCII bytes, or such a control
@@ -52,11 +52,11 @@ struct DecodedText {
 /// Takes the bytes over; no copy is made when they are UTF-8 already.
 DecodedText DecodeText(std::string bytes);
 
-/// Where the bytes would not be read as this text again, another encoding instead, and `format` says so: the 8-bit code
-/// page may have no byte for a character, or bytes that look like another encoding, and becomes the format's fallback;
-/// UTF-16 takes only what is UTF-8, and gets a mark where it would not be recognised. UTF-8 holds any text: invalid
-/// bytes pass through, but may be read as another encoding next time. Takes the text over; no copy is made when it
-/// stands for itself.
+/// Encodes a text. Where the bytes would not be read as this text again, another encoding is taken, and `format` says
+/// so: the 8-bit code page may have no byte for a character, or bytes that look like another encoding, and becomes the
+/// format's fallback; UTF-16 takes only what is UTF-8, and gets a mark where it would not be recognised. UTF-8 holds
+/// any text: invalid bytes pass through, but may be read as another encoding next time. Takes the text over; no copy is
+/// made when it stands for itself.
 std::string EncodeText(std::string text, TextFormat& format);
 
 }  // namespace tme

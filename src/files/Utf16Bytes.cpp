@@ -2,16 +2,10 @@
 
 #include <array>
 
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 
 namespace tme {
-namespace {
-
-constexpr char32_t kFirstHighSurrogate = 0xD800;
-constexpr char32_t kFirstLowSurrogate = 0xDC00;
-constexpr char32_t kFirstSupplementary = 0x10000;
-
-}  // namespace
 
 std::string DecodeUtf16(std::string_view bytes, std::endian order) {
   const std::size_t low_byte = order == std::endian::little ? 0 : 1;
@@ -27,10 +21,9 @@ std::string DecodeUtf16(std::string_view bytes, std::endian order) {
   std::size_t used = 0;
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
     char32_t character = unit_at(at);
-    if (IsHighSurrogate(character) && at + 3 < bytes.size()) {
-      const char32_t next = unit_at(at + 2);
-      if (IsLowSurrogate(next)) {
-        character = kFirstSupplementary + ((character - kFirstHighSurrogate) << 10) + (next - kFirstLowSurrogate);
+    if (utf16::IsHighSurrogate(character) && at + 3 < bytes.size()) {
+      if (const char32_t next = unit_at(at + 2); utf16::IsLowSurrogate(next)) {
+        character = utf16::Join(character, next);
         at += 2;
       }
     }
@@ -55,11 +48,11 @@ std::optional<std::string> EncodeUtf16(std::string_view text, std::endian order,
   while (!text.empty()) {
     const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept);
     if (!character) return std::nullopt;
-    if (*character < kFirstSupplementary) {
+    if (*character < utf16::kFirstSupplementary) {
       put(*character);
     } else {
-      put(kFirstHighSurrogate + ((*character - kFirstSupplementary) >> 10));
-      put(kFirstLowSurrogate + ((*character - kFirstSupplementary) & 0x3FF));
+      put(utf16::HighSurrogateOf(*character));
+      put(utf16::LowSurrogateOf(*character));
     }
   }
   bytes.resize(used);

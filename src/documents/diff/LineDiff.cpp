@@ -27,7 +27,7 @@ class EditGraph {
         rows_(static_cast<std::ptrdiff_t>(before_count)),
         columns_(static_cast<std::ptrdiff_t>(after_count)) {}
 
-  /// False when more than `limit` changes are needed.
+  /// Returns false when more than `limit` changes are needed.
   bool Solve(std::ptrdiff_t limit) {
     std::vector<std::ptrdiff_t> furthest(static_cast<std::size_t>(2 * limit + 3), 0);
     const auto at = [&](std::ptrdiff_t diagonal) -> std::ptrdiff_t& {
@@ -49,7 +49,7 @@ class EditGraph {
     return false;
   }
 
-  /// The way from end to start, then turned round.
+  /// Follows the way from end to start, then turns it round.
   void Walk(std::vector<DiffLine>& result) const {
     const auto first = static_cast<std::ptrdiff_t>(result.size());
     std::ptrdiff_t row = rows_, column = columns_;
@@ -156,7 +156,7 @@ class Comparison {
     Compare(part, kMaxChangesOfPart, cuts_left - 1);
   }
 
-  /// The most lines that are unique on both sides and stand in the same order there.
+  /// Returns the most lines that are unique on both sides and stand in the same order there.
   std::vector<Anchor> Anchors(const Range& range) const {
     struct Seen {
       std::size_t times_before = 0, times_after = 0, after = 0;

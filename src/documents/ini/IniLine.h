@@ -7,7 +7,7 @@
 
 namespace tme {
 
-/// What a line of INI text is, by its first character alone: nothing is trimmed, and nothing after it matters.
+/// What a line of INI text is. Its first character alone decides, and nothing is trimmed.
 enum class IniLine : std::uint8_t { Blank, Header, Comment, Entry };
 
 constexpr IniLine KindOf(std::string_view line) {
@@ -16,16 +16,16 @@ constexpr IniLine KindOf(std::string_view line) {
   return line.front() == ';' ? IniLine::Comment : IniLine::Entry;
 }
 
-/// header: without its first and last character, whatever the last one is; they may be the same.
+/// Takes the first and the last character off, whatever the last one is; they may be the same.
 inline std::string_view HeaderName(std::string_view header) {
   header.remove_prefix(1);
   header.remove_suffix(utf8::LastCharacterBytes(header));
   return header;
 }
 
-/// Text before the first "=" (the whole text when there is none).
+/// Returns the text before the first "=", the whole text when there is none.
 constexpr std::string_view EntryKeyOf(std::string_view entry) { return entry.substr(0, entry.find('=')); }
-/// Text after the first "=" (empty when there is none).
+/// Returns the text after the first "=", none when there is none.
 constexpr std::string_view EntryValueOf(std::string_view entry) {
   const std::size_t equals = entry.find('=');
   return equals == std::string_view::npos ? std::string_view() : entry.substr(equals + 1);

@@ -17,7 +17,7 @@ constexpr char32_t kInvalidByte = 0x110000;
 
 unsigned Byte(std::string_view text, std::size_t at) { return static_cast<unsigned char>(text[at]); }
 
-/// Takes one code point off the front of text, folded. text is not empty.
+/// Takes one code point off the front of text, which is not empty, and folds it.
 char32_t TakeFolded(std::string_view& text) {
   const char32_t invalid = kInvalidByte + Byte(text, 0);
   if (const std::optional<char32_t> code = utf8::TakeCharacter(text)) return FoldCase(*code);
@@ -35,7 +35,7 @@ std::uint64_t LoadFour(const char* bytes) {
 
 std::uint64_t LoadPrefix(const char* bytes) { return LoadFour(bytes) << 32 | LoadFour(bytes + 4); }
 
-/// Lower case for eight ASCII bytes at once: bit 7 of a byte is set where "A" <= byte <= "Z".
+/// Makes eight ASCII bytes lower case at once: bit 7 of a byte is set where "A" <= byte <= "Z".
 std::uint64_t FoldAscii(std::uint64_t bytes) {
   const std::uint64_t from_a = bytes + EachByte(0x80 - 'A');
   const std::uint64_t after_z = bytes + EachByte(0x7F - 'Z');
@@ -53,13 +53,13 @@ std::uint64_t FoldedPrefixBeyondAscii(std::string_view text) {
   return prefix;
 }
 
-/// True when the prefix at depth was made of eight ASCII bytes, so that the text goes on eight bytes later.
+/// Whether the prefix at depth was made of eight ASCII bytes, so that the text goes on eight bytes later.
 bool HasAsciiPrefix(std::string_view text, std::size_t depth) {
   if (text.size() < depth + kPrefixBytes) return false;
   return (LoadPrefix(text.data() + depth) & EachByte(0x80)) == 0;
 }
 
-/// How many characters at the start are ASCII in both and equal when folded.
+/// Counts the characters at the start that are ASCII in both and equal when folded.
 std::size_t EqualAsciiRun(std::string_view left, std::string_view right) {
   const std::size_t size = std::min(left.size(), right.size());
   std::size_t run = 0;
@@ -117,7 +117,7 @@ bool IniSorter::InOrder(std::span<const Item> items) {
   return true;
 }
 
-/// The items agree before depth, and their prefixes are those of the texts from there.
+/// Sorts items that agree before depth, with prefixes of the texts from there.
 void IniSorter::SortFrom(std::span<Item> items, std::size_t depth) {
   std::ranges::sort(items, {}, &Item::prefix);
   for (std::size_t first = 0; first < items.size();) {

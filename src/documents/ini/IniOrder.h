@@ -10,11 +10,11 @@ namespace tme {
 
 class IniNode;
 
-/// Sorts lists of nodes as the tree shows them (CompareFolded); keeps its scratch memory from one list to the next.
+/// Sorts lists of nodes as the tree shows them (CompareFolded). The scratch memory is kept from one list to the next.
 class IniSorter {
  public:
-  /// Stable; expects each node's Row() to be its place in the list. The rows are left for the caller to renew.
-  /// Returns false when the list was in order, and did not touch it then.
+  /// The sort is stable. It takes each node's Row() for its place in the list, and leaves the rows for the caller to
+  /// renew. Returns false when the list was in order and is as it was.
   bool Sort(std::span<IniNode*> nodes);
 
  private:
@@ -30,8 +30,8 @@ class IniSorter {
   std::vector<Item> items_;
 };
 
-/// The first eight bytes of the folded text as a number: two texts whose prefixes differ compare as these do. A folded
-/// code point beyond ASCII ends the prefix with the byte 0xFF.
+/// Returns the first eight bytes of the folded text as a number: two texts whose prefixes differ compare as these do. A
+/// folded code point beyond ASCII ends the prefix with the byte 0xFF.
 std::uint64_t FoldedPrefix(std::string_view text);
 
 }  // namespace tme

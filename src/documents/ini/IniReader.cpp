@@ -9,7 +9,7 @@ namespace tme {
 
 namespace {
 
-/// lines: at line_number or before it.
+/// Ends the read before a line, which is the current one of `lines` or the next, and counts what is left.
 void EndBefore(IniReadEnd end, std::uint64_t line_number, LineReader& lines, IniReadResult& result) {
   result.end = end;
   std::string_view rest;
@@ -99,7 +99,7 @@ bool IniReader::StartSection(std::string_view name) {
   return true;
 }
 
-/// Asks, with the tree complete up to here, and makes room.
+/// Asks, with the tree complete up to here, and makes room. Returns false when the answer is no.
 bool IniReader::MayOverwrite(std::string_view name) {
   load_.Commit();
   if (!ask_.duplicate_section(name)) {
@@ -111,7 +111,7 @@ bool IniReader::MayOverwrite(std::string_view name) {
   return true;
 }
 
-/// Counts its blank lines. A save writes one back.
+/// Counts its blank lines, but for the one that a save writes back.
 void IniReader::FinishSection() {
   if (std::exchange(in_section_, false) && blank_lines_ > 0) --blank_lines_;
   result_.blank_lines_dropped += std::exchange(blank_lines_, 0);

@@ -12,21 +12,21 @@
 namespace tme {
 
 struct IniQuestions {
-  /// Asked for a section that the tree already has: true overwrites it, false ends the read at once. The tree is
-  /// consistent while the question stands. Must be set.
+  /// Is asked for a section that the tree already has: true overwrites it, false ends the read at once. The tree is
+  /// complete up to there meanwhile. Must be set.
   std::function<bool(std::string_view name)> duplicate_section;
 };
 
 /// Why a read ended.
 enum class IniReadEnd : std::uint8_t {
   EndOfInput,
-  /// A line that has no place: the first line outside any section, or a line after a comment outside any section.
+  /// A line has no place: the first line outside any section, or a line after a comment outside any section.
   LineNotTaken,
   /// The answer to the duplicate question was no.
   DuplicateRefused,
-  /// Pasting a line without a header on a section: only the first line is taken.
+  /// A text without a header was pasted on a section, which takes only its first line.
   OneEntryOnly,
-  /// An entry was selected: its section is selected now. Or a comment: nothing happens.
+  /// An entry was selected, whose section is selected now, or a comment, where nothing happens.
   NothingAdded,
 };
 
@@ -44,23 +44,24 @@ struct IniReadResult {
   std::uint64_t cut_headers = 0;
   /// The sections stand in the file in another order than in the tree.
   bool sections_reordered = false;
-  /// The entries of at least one section do.
+  /// The entries of at least one section stand in another order.
   bool entries_reordered = false;
 };
 
-/// Turns lines of INI text into nodes below the selected node of a tree: the same rules for a file (root selected) and
-/// for a paste. Lines may end in CR LF, LF or CR; nothing is trimmed; NUL is a character like any other.
+/// Turns lines of INI text into nodes below the selected node of a tree. A file (root selected) and a paste follow the
+/// same rules. Lines may end in CR LF, LF or CR; nothing is trimmed; NUL is a character like any other.
 class IniReader {
  public:
-  /// text: UTF-8, taken over by the tree, so that its nodes need no copy. Linear but for sorting each list of children.
+  /// text: UTF-8, taken over by the tree, so that its nodes need no copy. The cost is linear but for sorting each list
+  /// of children.
   static IniReadResult Read(IniTree& tree, std::string text, const IniQuestions& ask);
 
  private:
   IniReader(IniTree& tree, std::string text, const IniQuestions& ask);
 
-  /// Of a text that begins with a header or a comment.
+  /// Reads a text that begins with a header or a comment.
   IniReadResult ReadSections();
-  /// False where the read ends.
+  /// Returns false where the read ends.
   bool TakeLine(std::string_view line);
   bool StartSection(std::string_view name);
   bool MayOverwrite(std::string_view name);
@@ -75,7 +76,7 @@ class IniReader {
   std::unordered_set<std::string_view> names_;
   /// A header came before the current line.
   bool in_section_ = false;
-  /// Directly before the current line.
+  /// Those directly before the current line.
   std::uint64_t blank_lines_ = 0;
 };
 

@@ -15,7 +15,7 @@ namespace {
 
 SilentTreeObserver<IniNode> silent_observer;
 
-/// Where a new text belongs among sorted children: after those that are equal.
+/// Returns where a new text belongs among sorted children: after those that are equal.
 std::size_t RowFor(const IniNode& parent, std::string_view text) {
   int first = 0;
   int last = parent.ChildCount();

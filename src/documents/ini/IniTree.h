@@ -42,9 +42,8 @@ class IniNode {
   bool Expanded() const { return expanded_; }
   /// "Primary" for the root, a text unique within the tree for a section, empty for entries and comments.
   std::string Key() const;
-  /// Text before the first "=" (the whole text when there is none).
+  /// See EntryKeyOf and EntryValueOf.
   std::string_view EntryKey() const;
-  /// Text after the first "=" (empty when there is none).
   std::string_view EntryValue() const;
 
  private:
@@ -106,30 +105,30 @@ class IniTree {
   /// Null selects the root.
   void Select(IniNode* node);
 
-  /// True when no child of the root has exactly this text.
+  /// Whether no child of the root has exactly this text.
   bool IsUniqueSectionName(std::string_view name) const;
-  /// Root children with the tag Section.
+  /// Counts the children of the root with the tag Section.
   std::size_t SectionCount() const;
-  /// Every node, the root included.
+  /// Counts every node, the root included.
   std::size_t NodeCount() const;
-  /// Grows with every change of content; reading and pasting included, selection and expansion not.
+  /// Grows with every change of content, reading and pasting included, and not with selection and expansion.
   std::uint64_t Revision() const;
 
   // Edits. Texts are copied unless said otherwise.
 
-  /// A section child of the root; the root is expanded and sorted. The name is not checked (see IsUniqueSectionName).
+  /// Adds a section to the root, which is expanded and sorted. The name is not checked (see IsUniqueSectionName).
   IniNode* AddSection(std::string_view name);
-  /// A child of a section (or, a comment, of the root) with the tag Value or Comments; the parent is sorted.
+  /// Adds a child with the tag Value or Comments to a section, or a comment to the root. The parent is sorted.
   IniNode* AddEntry(IniNode* parent, std::string_view text, IniTag tag);
-  /// One child for every section; each section is sorted and expanded. Linear in the size of the tree.
+  /// Adds one child to every section, each of which is sorted and expanded. Linear in the size of the tree.
   void AddEntryToAllSections(std::string_view text, IniTag tag);
   void SetText(IniNode* node, std::string_view text);
-  /// An entry becomes a new comment of the same parent; returns the new node, selected if the old one was.
+  /// An entry becomes a new comment of the same parent. Returns the new node, selected if the old one was.
   IniNode* ReplaceWithComment(IniNode* node, std::string_view text);
-  /// The node with its subtree; never the root. If the selected node goes too, its next sibling is selected, else the
-  /// previous one, else the parent.
+  /// Removes the node with its subtree, but never the root. If the selected node goes too, its next sibling is
+  /// selected, else the previous one, else the parent.
   void Remove(IniNode* node);
-  /// Every node but the root whose text equals this one.
+  /// Removes every node but the root whose text equals this one.
   void RemoveTextEqualTo(std::string_view text);
   /// Walks all nodes from the last created to the first and removes those (sections and comments too, never the root)
   /// whose text begins with the key of the selected entry, as long as the selected node is an entry. Intended. Where
@@ -137,27 +136,27 @@ class IniTree {
   /// lasts, so only the last entry of the tree ends it. Afterwards a neighbour is selected, as by Remove. Does nothing
   /// unless an entry is selected. Linear, but for ordering the nodes that match.
   void RemoveStartingWithSelectedKey();
-  /// All sections and comments go; the root stays with its text.
+  /// Removes all sections and comments. The root stays with its text.
   void Clear();
-  /// Clear, and a new root text.
+  /// As Clear, with a new root text.
   void Reset(std::string_view root_text);
 
   // Display state.
   void SetExpanded(IniNode* node, bool expanded);
   void ExpandAll();
-  /// Every node but the root.
+  /// Collapses every node but the root.
   void CollapseAll();
 
  private:
   // Building. The views must lie in texts_.
   IniNode* NewNode(IniNode* parent, std::string_view text, IniTag tag);
   IniNode::Children& ChildrenOf(IniNode* parent);
-  /// Last in the list, wherever it belongs.
+  /// Adds the node at the end of the list, wherever it belongs.
   IniNode* Append(IniNode* parent, std::string_view text, IniTag tag);
   IniNode* InsertAt(IniNode* parent, std::size_t row, std::string_view text, IniTag tag);
-  /// Append and SortChildren.
+  /// As Append, then SortChildren.
   IniNode* AppendAndSort(IniNode* parent, std::string_view text, IniTag tag);
-  /// In its place, and the observer is told.
+  /// Adds the node in its place and tells the observer.
   IniNode* Add(IniNode* parent, std::string_view text, IniTag tag);
   /// Returns false when they were in order.
   static bool SortChildren(IniNode* parent, IniSorter& sorter);
@@ -168,10 +167,10 @@ class IniTree {
   static IniNode* NextSelected(const IniNode* node, Neighbours& neighbours);
   void Discard(IniNode* node);
   void DiscardAll();
-  /// Returns how many.
+  /// Returns how many nodes are marked.
   std::size_t MarkTextEqualTo(std::string_view text);
   void MarkWalkingBack(std::string_view key);
-  /// Linear; the selection moves when it goes too.
+  /// Linear. The selection moves when its node goes too.
   void RemoveMarked();
   void CompactChildren(IniNode* parent);
 
@@ -195,8 +194,8 @@ class IniTree {
   std::uint32_t next_created_ = 1;
 };
 
-/// Three-way comparison of two UTF-8 texts by simple case folding, code point by code point; bytes that are not valid
-/// UTF-8 compare as themselves, after all code points. <0, 0, >0.
+/// Compares two UTF-8 texts by simple case folding, code point by code point. Bytes that are not valid UTF-8 compare as
+/// themselves, after all code points. Returns <0, 0 or >0.
 int CompareFolded(std::string_view left, std::string_view right);
 
 }  // namespace tme

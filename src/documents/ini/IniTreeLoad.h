@@ -24,23 +24,22 @@ class IniTree::Load {
 
   /// Where the texts below must lie. Holds until the tree is reset.
   std::string_view Text() const { return text_; }
-  /// To the root.
   void AppendComment(std::string_view text);
   void AppendSection(std::string_view name);
-  /// To the section that was appended last.
+  /// Appends to the section that was appended last.
   void AppendEntry(std::string_view text, IniTag tag);
 
   /// Puts what was appended in order and ends the reset.
   void Commit();
   /// Begins another reset after Commit.
   void Reopen();
-  /// Every node but the root whose text equals this one goes. Returns how many nodes went with that. No section is open
-  /// afterwards.
+  /// Removes every node but the root whose text equals this one. Returns how many nodes went with them. No section is
+  /// open afterwards.
   std::size_t RemoveTextEqualTo(std::string_view text);
 
-  /// Whether the appended sections stand in the text in another order than in the tree, once committed.
+  /// Whether the appended sections stand in the text in another order than in the tree. Known once committed.
   bool SectionsReordered() const;
-  /// Whether the entries of at least one section did, as far as they are committed or another section came.
+  /// Whether the entries of at least one section do. Known once committed.
   bool EntriesReordered() const { return entries_reordered_; }
 
  private:

@@ -20,7 +20,7 @@ void ForEachNode(const IniNode& root, Visit visit) {
 
 }  // namespace
 
-/// Rows around a selected node whose siblings are being removed: those between are marked. They only ever move
+/// The rows around a selected node whose siblings are being removed; those between are marked. They only ever move
 /// outwards, so that following the selection through a long list stays linear.
 struct IniTree::Neighbours {
   explicit Neighbours(const IniNode* node) : before(node->row_), after(before + 1) {}
@@ -29,7 +29,7 @@ struct IniTree::Neighbours {
   std::size_t after;
 };
 
-/// Next sibling that is not marked, else the previous one, else the parent.
+/// Returns the next sibling that is not marked, else the previous one, else the parent.
 IniNode* IniTree::NextSelected(const IniNode* node, Neighbours& neighbours) {
   const IniNode::Children& siblings = *node->parent_->children_;
   std::size_t& after = neighbours.after;
@@ -84,7 +84,7 @@ void IniTree::Reset(std::string_view root_text) {
   EndReset();
 }
 
-/// The node's memory and its children's become free; the list that held it is the caller's.
+/// Frees the memory of the node and its children. The list that held the node is the caller's.
 void IniTree::Discard(IniNode* node) {
   --node_count_;
   if (node->tag_ == IniTag::Section) --section_count_;

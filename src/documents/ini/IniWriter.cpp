@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-/// Enough for every line of the node and of what is below it.
+/// Returns enough bytes for every line of the node and of what is below it.
 std::size_t TextSize(const IniNode& node) {
   std::size_t size = node.Text().size() + 3 * kLineEnd.size();
   for (int row = 0; row < node.ChildCount(); ++row) size += TextSize(*node.Child(row));

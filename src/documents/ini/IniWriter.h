@@ -8,15 +8,15 @@ namespace tme {
 class IniNode;
 class IniTree;
 
-/// The whole document as INI text in UTF-8, CR LF: comments of the root first, each on its own line, then each section
-/// as its header, its children and one empty line.
+/// Returns the whole document as INI text in UTF-8, CR LF: comments of the root first, each on its own line, then each
+/// section as its header, its children and one empty line.
 std::string WriteIni(const IniTree& tree);
 
-/// What the reader would make of a written file otherwise than the tree has it. Reading a file makes none of this;
-/// pasting and editing do.
+/// What the reader would make of a written file otherwise than the tree has it. Only pasting and editing lead to this,
+/// never reading a file.
 struct IniReadBack {
-  /// 1-based line that the read would end at: above the sections, a second comment or a line that is none. 0 for none.
-  /// What comes after it is not counted below.
+  /// The 1-based line that the read would end at: above the sections, a second comment or a line that is none. 0 for
+  /// none. What comes after it is not counted below.
   std::uint64_t ends_at_line = 0;
   /// Entries and comments that begin with "[".
   std::uint64_t headers = 0;
@@ -28,11 +28,11 @@ struct IniReadBack {
   std::uint64_t blank_entries = 0;
   bool IsSame() const { return ends_at_line + headers + doubles + other_kinds + blank_entries == 0; }
 };
-/// Linear.
+/// Linear in the size of the tree.
 IniReadBack ReadBackOf(const IniTree& tree);
 
-/// What the clipboard gets for a node. Root: every section as in WriteIni, comments of the root left out. Section: its
-/// header and children, no empty line. Entry: its text, no line end. Comment: empty.
+/// Returns what the clipboard gets for a node. Root: every section as in WriteIni, comments of the root left out.
+/// Section: its header and children, no empty line. Entry: its text, no line end. Comment: nothing.
 std::string ClipboardText(const IniNode& node);
 
 }  // namespace tme

@@ -15,7 +15,7 @@ constexpr std::string_view kMarkedHeader = "REGEDIT4\r\n; every key as it was sh
 constexpr std::string_view kDwordMark = "dword:";
 constexpr std::string_view kHexMark = "hex:";
 
-/// A line that is no value has no place that divides name and data, and is passed over.
+/// Passes over a line that has no place that divides name and data, and so is no value.
 void AddValue(RegDocument::Load& load, RegNode* key, std::string_view line) {
   for (std::size_t at = line.find("\"=", 1); at != std::string_view::npos; at = line.find("\"=", at + 1)) {
     const std::string_view name = line.substr(1, at - 1);

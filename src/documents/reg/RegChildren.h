@@ -11,7 +11,7 @@ namespace tme {
 
 class RegNode;
 
-/// The children of one node, in order. Few are found by a look at each, many by a table, which is made when it is first
+/// The children of one node, in order. Few are found by comparing each, many by a table, which is made when it is first
 /// needed. 100,000 children of one node are ordinary (class identifiers).
 class RegChildren {
  public:
@@ -21,9 +21,9 @@ class RegChildren {
   RegNode* At(std::size_t row) const { return nodes_[row]; }
   void Append(RegNode* node);
   void Erase(std::size_t row);
-  /// The first with exactly this text, or null.
+  /// Returns the first with exactly this text, or null.
   RegNode* Find(std::string_view text);
-  /// To be called before a child gets another text.
+  /// Must be called before a child gets another text.
   void ForgetTexts() { rows_.Clear(); }
 
  private:

@@ -242,7 +242,7 @@ RegNode* RegDocument::Add(RegNode* parent, std::string_view text, RegTag tag) {
   return node;
 }
 
-/// A child of this text is about to come.
+/// Must be called before a child of this text comes.
 void RegDocument::NoteSibling(const RegNode* parent, std::string_view text) {
   if (text.find('\\') != std::string_view::npos || FindChild(parent, text) != nullptr) paths_are_unique_ = false;
 }
@@ -253,7 +253,8 @@ void RegDocument::CollectRecords(const RegNode* node, std::vector<std::size_t>& 
   }
 }
 
-/// Every node in the tree with this KeyPath: with equal siblings, or texts that hold a backslash, more than one.
+/// Returns every node in the tree with this KeyPath: with equal siblings, or texts that hold a backslash, more than
+/// one.
 std::vector<const RegNode*> RegDocument::NodesOfPath(std::string_view path) const {
   struct Reached {
     const RegNode* node;

@@ -45,7 +45,7 @@ class RegNode {
   RegNode* Child(int row) const { return children_->At(static_cast<std::size_t>(row)); }
   /// "PRIMARY" for the root, else a text unique within the document. Never shown, never written.
   std::string Key() const;
-  /// The path without the root ("HKEY_USERS\\Alpha\\Beta"); empty for the root. A walk up the tree, without recursion.
+  /// The path without the root ("HKEY_USERS\\Alpha\\Beta"); empty for the root. Costs a walk up the tree.
   std::string KeyPath() const;
 
  private:
@@ -91,10 +91,10 @@ struct RegValueRecord {
   bool deleted = false;
 };
 
-/// Told of changes of the values beside those of the tree.
+/// Learns of changes of the values, too.
 class RegDocumentObserver : public TreeObserver<RegNode> {
  public:
-  /// A record was appended (its index), or one changed.
+  /// record: an index of RegDocument::Values.
   virtual void ValueAdded(std::size_t record) = 0;
   virtual void ValueChanged(std::size_t record) = 0;
 };
@@ -119,25 +119,26 @@ class RegDocument {
   RegNode* Selected() const;
   /// Null selects the root.
   void Select(RegNode* node);
-  /// Every node in the tree, the root included.
+  /// Counts every node in the tree, the root included.
   std::size_t NodeCount() const;
   /// Grows with every change of content.
   std::uint64_t Revision() const;
   /// The table, in order of creation.
   const std::vector<RegValueRecord>& Values() const;
 
-  /// First child with exactly this text, or null. Constant time on average.
+  /// Returns the first child with exactly this text, or null. Constant time on average.
   RegNode* FindChild(const RegNode* parent, std::string_view text) const;
-  /// For display: indices of the records whose owner, in the tree, has the same full path as the node, in table order;
-  /// deleted ones included. Costs the records found and the siblings along the path, never the whole table.
+  /// Returns what is shown for a node: indices of the records whose owner, in the tree, has the same full path, in
+  /// table order, deleted ones included. Costs the records found and the siblings along the path, never the whole
+  /// table.
   std::vector<std::size_t> ValuesOfPath(const RegNode* node) const;
-  /// Intended asymmetry: saving goes by the last component alone. True when any record's owner (removed keys and
-  /// deleted records included) has this node's text.
+  /// Whether any record's owner (removed keys and deleted records included) has this node's text. Saving goes by the
+  /// last component alone, unlike ValuesOfPath; intended.
   bool KeyHasValues(const RegNode* node) const;
-  /// By the same rule: whether a record of this name exists for the node's text.
+  /// Whether a record of this name exists for the node's text, by the same rule.
   bool HasValueNamed(const RegNode* node, std::string_view name) const;
-  /// Keys that a save gives values of other keys, removed ones included, because their last component is the same.
-  /// Linear.
+  /// Counts the keys that a save gives values of other keys, removed ones included, because their last component is the
+  /// same. Linear.
   std::size_t KeysSharingAName() const;
   /// Whether a save gives this branch values of other keys, or other keys the values of this one. Linear.
   bool SharesItsName(const RegNode* node) const;
@@ -149,7 +150,7 @@ class RegDocument {
   }
 
   // Edits.
-  // Neither checks the text, or whether there is such a child already.
+  // Texts are copied, and not checked; neither is whether there is such a child already.
   RegNode* AddHiveNode(std::string_view name);
   RegNode* AddBranch(RegNode* parent, std::string_view text);
   /// Returns the record's index. No check of names.
@@ -158,10 +159,10 @@ class RegDocument {
   /// The record stays, empty and marked.
   void DeleteValue(std::size_t record);
   void SetText(RegNode* node, std::string_view text);
-  /// The node with its subtree leaves the tree; never the root. Its records stay. If the selected node goes too, its
-  /// next sibling is selected, else the previous one, else the parent. No recursion: 100,000 levels are fine.
+  /// Takes the node with its subtree out of the tree, but never the root. Its records stay. If the selected node goes
+  /// too, its next sibling is selected, else the previous one, else the parent. There is no recursion.
   void RemoveKey(RegNode* node);
-  /// Empty document with this title.
+  /// Empties the document and gives it this title.
   void Reset(std::string_view title);
 
  private:
@@ -176,7 +177,7 @@ class RegDocument {
     std::uint32_t next;
   };
 
-  // Building, without a word to the observer. Views must lie in texts_.
+  // Building, without telling the observer. Views must lie in texts_.
   RegNode* Append(RegNode* parent, std::string_view text, RegTag tag);
   void AppendRecord(RegNode* owner, RegType type, std::string_view name, std::string_view data) {
     if (runs_.empty() || runs_.back().owner != owner) StartRun(owner);

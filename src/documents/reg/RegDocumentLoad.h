@@ -23,8 +23,8 @@ class RegDocument::Load {
   std::string& Text() { return text_; }
   TextStore& Texts() { return document_.texts_; }
 
-  /// The key with this path ("HKEY_USERS\\Alpha"); those that are missing are appended. The path must stay as it is
-  /// until the next call. Costs what differs from the last path, and the siblings there.
+  /// Returns the key with this path ("HKEY_USERS\\Alpha"). Keys that are missing are appended. The path must stay as it
+  /// is until the next call, which costs only what differs from it.
   RegNode* KeyOf(std::string_view path);
   void AppendValue(RegNode* owner, RegType type, std::string_view name, std::string_view data) {
     document_.AppendRecord(owner, type, name, data);

@@ -7,8 +7,9 @@
 
 namespace tme {
 
-/// Every node from top downwards, a key before its children: enter(node) first, leave(node) after its last child.
-/// Needs no memory for the way back, so 100,000 levels are fine. Ends with false as soon as enter gives false.
+/// Visits every node from top downwards, a key before its children: enter(node) first, leave(node) after its last
+/// child. It needs no memory for the way back, so 100,000 levels are fine. Ends with false as soon as enter gives
+/// false.
 template <typename Enter, typename Leave>
 bool WalkKeys(const RegNode& top, Enter enter, Leave leave) {
   const RegNode* node = &top;
@@ -37,7 +38,7 @@ bool WalkKeys(const RegNode& top, Enter enter) {
   return WalkKeys(top, enter, [](const RegNode&) {});
 }
 
-/// Every node of a document from the root downwards, with its KeyPath: enter(node, path).
+/// Visits every node of a document from the root downwards, with its KeyPath: enter(node, path).
 template <typename Enter>
 bool WalkKeyPaths(const RegNode& root, Enter enter) {
   std::string path;

@@ -12,7 +12,7 @@ namespace tme {
 
 namespace {
 
-/// One walk over the keys, beside the writer's own rules of what is written.
+/// Counts in one walk over the keys what the writer's rules leave out.
 class LossCount {
  public:
   LossCount(const RegDocument& document, RegLayout layout)
@@ -44,7 +44,7 @@ class LossCount {
     return true;
   }
 
-  /// What is below it is known now.
+  /// Counts what is known once everything below has been visited.
   void Leave(const RegNode& node) {
     const bool nothing_below = levels_.back().blocks_before == blocks_;
     if (node.Tag() == RegTag::Hive) {
@@ -58,7 +58,7 @@ class LossCount {
     levels_.pop_back();
   }
 
-  /// The key that the walk is at.
+  /// Counts the key that the walk is at.
   void Lose(std::size_t& count) {
     ++count;
     Note({});
@@ -80,7 +80,7 @@ class LossCount {
   }
 
   struct Level {
-    /// When the walk came in.
+    /// Blocks that were written before the walk came in.
     std::size_t blocks_before;
     /// A hash of all texts from the root down to here.
     std::uint64_t path;

@@ -7,11 +7,11 @@
 
 namespace tme {
 
-/// What a save of a document leaves out, or writes so that it is read back otherwise. All of it is intended; it is to
-/// be told.
+/// What a save of a document leaves out, or writes so that it is read back otherwise. All of it is intended, and the
+/// user is told.
 struct RegLosses {
   // In no line of the file.
-  /// Branches without values that nothing written stands below. Of the regular layout only.
+  /// Branches without values that nothing written stands below. 0 for the expanded layout.
   std::size_t empty_keys = 0;
   /// Hives that no key stands below.
   std::size_t empty_hives = 0;
@@ -28,11 +28,11 @@ struct RegLosses {
   /// Hives of no known name with keys that are written: a reader ends at the first of these.
   std::size_t unknown_hives = 0;
 
-  /// Of what is in no line; equal for equal losses, 0 for none.
+  /// A hash of what is in no line; equal for equal losses, 0 for none.
   std::uint64_t fingerprint = 0;
 };
 
-/// For a save in this layout, as the document stands. Linear.
+/// Counts what a save in this layout would lose, as the document stands. Linear.
 RegLosses LossesOf(const RegDocument& document, RegLayout layout);
 
 }  // namespace tme

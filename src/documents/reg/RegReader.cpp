@@ -33,9 +33,9 @@ std::string_view Trimmed(std::string_view line) {
   return line.substr(first, line.find_last_not_of(' ') - first + 1);
 }
 
-/// Line ends from first up to last. CR LF is one, and counts at its LF.
+/// Counts the line ends from first up to last. CR LF is one, and counts at its LF.
 std::uint64_t CountLineEnds(const std::string& text, std::size_t first, std::size_t last) {
-  const char* bytes = text.c_str();  // with a NUL to look at after the last one
+  const char* bytes = text.c_str();  // with a NUL behind the last one
   std::uint64_t ends = 0;
   while (first < last) {
     // Few enough for a counter of one byte, which compilers make the most of.
@@ -71,7 +71,7 @@ bool RegReader::MayRead(const std::string& text, const RegQuestions& ask, RegRea
   return CountLines(text, ask, result);
 }
 
-/// False when there are too many for the user.
+/// Returns false when there are too many for the user.
 bool RegReader::CountLines(const std::string& text, const RegQuestions& ask, RegReadResult& result) {
   bool asked = false;
   std::uint64_t lines = 0;
@@ -142,7 +142,7 @@ bool RegReader::FindFirstKey(std::string_view& line) {
   return false;
 }
 
-/// False at a hive that is none: the import ends there without a word. Intended; the keys before it stay.
+/// Returns false at a hive that is none: the import ends there without a word. Intended; the keys before it stay.
 bool RegReader::TakeKeyLine(std::string_view line) {
   in_typed_hex_ = false;
   std::string_view path = line.substr(1);
@@ -203,7 +203,7 @@ void RegReader::TakeValueLine(std::string_view line) {
   progress_.stage = kValueTaken;
 }
 
-/// Joins the lines that follow to data in place, over what was read already. False when they run out.
+/// Joins the lines that follow to data in place, over what was read already. Returns false when they run out.
 bool RegReader::JoinHexLines(std::string_view& data) {
   char* text = load_.Text().data();
   char* joined = text + (data.data() - text);
@@ -220,7 +220,7 @@ bool RegReader::JoinHexLines(std::string_view& data) {
   return true;
 }
 
-/// Whatever is neither key nor value.
+/// Counts a line that is neither key nor value.
 void RegReader::PassOver(std::string_view line) {
   progress_.stage = kLinePassedOver;
   const bool continues_typed_hex = in_typed_hex_ && (line.starts_with(' ') || line.starts_with('\t'));

@@ -27,7 +27,7 @@ struct RegQuestions {
   std::function<bool()> wrong_header;
   /// There are 500 lines after the first: true reads on.
   std::function<bool()> large_file;
-  /// Called every few thousand lines at most; may be empty. Must not touch the document.
+  /// Is called every few thousand lines at most; may be empty. Must not change the document.
   std::function<void(const RegProgress&)> progress;
 };
 
@@ -86,7 +86,7 @@ struct RegReadResult {
 class RegReader {
  public:
   /// text: UTF-8, taken over by the document, and changed where lines of one value are joined. Lines may end in CR LF,
-  /// LF or CR. Linear. The root is selected afterwards.
+  /// LF or CR. The cost is linear. The root is selected afterwards.
   static RegReadResult Read(RegDocument& document, std::string text, const RegQuestions& ask);
 
  private:

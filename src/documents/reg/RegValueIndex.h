@@ -17,9 +17,9 @@ class RegValueIndex {
   explicit RegValueIndex(const RegDocument& document);
 
   std::size_t GroupCount() const { return groups_.size(); }
-  /// From 0; kNoGroup when no record's owner has the node's text.
+  /// Returns a number from 0, or kNoGroup when no record's owner has the node's text.
   std::uint32_t GroupOf(const RegNode& node) const;
-  /// For each group the one key that owns its records; null where several do.
+  /// Returns for each group the one key that owns its records, null where several do.
   std::vector<const RegNode*> SoleOwners() const;
 
   /// Calls visit(record), in table order.

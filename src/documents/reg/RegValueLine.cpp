@@ -22,7 +22,7 @@ std::string_view WithoutLast(std::string_view text) {
   return text;
 }
 
-/// Takes the first and last character off, whatever the last one is. False when they are the same.
+/// Takes the first and last character off, whatever the last one is. Returns false when they are the same.
 bool TakeOffQuotes(std::string_view& text) {
   if (text.size() == 1) return false;
   text = WithoutLast(text.substr(1));

@@ -28,12 +28,12 @@ struct RegValueLine {
   RegLineForm form = RegLineForm::Same;
 };
 
-/// line: begins with a double quote. False when it is no value line: no "=" after the second character, or a quote
-/// where a text between two quotes should be.
+/// Takes a line apart that begins with a double quote. Returns false when it is no value line: no "=" after the second
+/// character, or a quote where a text between two quotes should be.
 bool ParseValueLine(std::string_view line, RegValueLine& value);
 
-/// line: begins with "@"; it is read as if it began with "[default]" between quotes instead. A name that is more than
-/// that, since other text stands before "=", is made in texts.
+/// Takes a line apart that begins with "@", as if it began with "[default]" between quotes instead. A name that is more
+/// than that, since other text stands before "=", is made in texts. Returns false when there is no "=".
 bool ParseDefaultLine(std::string_view line, TextStore& texts, RegValueLine& value);
 
 }  // namespace tme

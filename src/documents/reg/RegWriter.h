@@ -20,20 +20,21 @@ inline constexpr std::string_view kRegLineEnd = "\r\n";
 
 /// The pieces of one line.
 using RegLine = std::array<std::string_view, 6>;
-/// Name and data as they are held, nothing escaped. A deleted record is still a line, of an empty name; intended.
+/// Returns name and data as they are held, nothing escaped. A deleted record is still a line, of an empty name;
+/// intended.
 RegLine LineOf(const RegValueRecord& record);
-/// False when the sink stopped.
+/// Returns false when the sink stopped.
 inline bool PutLine(PartBuffer& out, const RegLine& line) {
   for (const std::string_view piece : line) out.Append(piece);
   return out.EndPiece();
 }
 
-/// The document as REGEDIT4 text in UTF-8, CR LF, in parts of whole lines (PartBuffer). Values go under every key of
-/// their owner's last component; intended. False when the sink stopped it. No recursion; memory for an index of the
-/// values only.
+/// Writes the document as REGEDIT4 text in UTF-8, CR LF, in parts of whole lines (PartBuffer). Values go under every
+/// key of their owner's last component; intended. Memory is taken for an index of the values only. Returns false when the
+/// sink stopped it.
 bool WriteReg(const RegDocument& document, RegLayout layout, const PartSink& sink);
 
-/// Bytes that WriteReg would give, without writing them.
+/// Counts the bytes that WriteReg would give, without writing them.
 std::uint64_t RegOutputBytes(const RegDocument& document, RegLayout layout);
 
 }  // namespace tme
