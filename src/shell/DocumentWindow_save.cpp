@@ -4,7 +4,7 @@
 #include "shell/DocumentWindow.h"
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
+#include "shell/WaitCursor.h"
 #include "shell/SaveDialog.h"
 #include "system/Dialogs.h"
 #include "system/ShellUtilities.h"
@@ -41,7 +41,7 @@ DocumentWindow::SaveOutcome DocumentWindow::Save(const SaveRequest& request) {
 }
 
 DocumentWindow::SaveOutcome DocumentWindow::WriteTo(QString& path, const SaveRequest& request) {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   const std::optional<DocumentFile::Target> target = PrepareTarget(path, request);
   TextFormat format = FormatToWrite();
   if (!target || !Write(*target, &format, Producer())) return SaveOutcome::Failed;

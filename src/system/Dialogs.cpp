@@ -23,8 +23,8 @@ namespace {
 constexpr int kMinInputWidth = 360;  // pixels
 constexpr int kProgramIcon = 64;     // pixels
 
-/// The dialog may be gone with its parent window when it returns from its event loop. While it stands, an hourglass
-/// pointer rests.
+/// The dialog may be gone with its parent window when it returns from its event loop. While it stands, the wait
+/// cursor rests.
 template <typename Dialog>
 class ModalDialog {
  public:

@@ -25,10 +25,10 @@
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/Hourglass.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
 #include "shell/SaveDialog.h"
+#include "shell/WaitCursor.h"
 #include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
@@ -266,7 +266,7 @@ void form_INI::OpenINI() {
 }
 
 IniReadResult form_INI::Read(std::string text) {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   const IniQuestions ask{[this](std::string_view) {
     return global_.dialogs.MsgBox(
                u"You have asked to paste a section into this INI file, but that section already exists.  Would you "
@@ -349,7 +349,7 @@ void form_INI::PrintDoc(QPrinter& printer) {
   tree_.Select(tree_.Root());
   ShowSelection();
   EditCopy();
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   if (!RTFPrintBox) {
     RTFPrintBox = new QTextEdit(this);
     RTFPrintBox->setObjectName(u"RTFPrintBox"_s);

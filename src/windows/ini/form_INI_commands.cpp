@@ -7,7 +7,7 @@
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
+#include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
@@ -70,7 +70,7 @@ void form_INI::AddSectionToAll() {
   form_INIAddValue dialog(this);
   dialog.exec();
   if (dialog.Key().isEmpty()) return;
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   tree_.AddEntryToAllSections(EntryText(dialog.Key(), dialog.Value()), TagOfKey(dialog.Key()));
   SetChanged(true);
 }
@@ -176,13 +176,13 @@ void form_INI::EditDelete() {
 
 void form_INI::DeleteAllNodes() {
   if (tree_.Selected()->Tag() != IniTag::Value) return;
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   tree_.RemoveStartingWithSelectedKey();
   SetChanged(true);
 }
 
 void form_INI::ExpandAll() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   tree_.ExpandAll();
   TV->expandAll();
 }

@@ -19,9 +19,9 @@
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/Hourglass.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
+#include "shell/WaitCursor.h"
 #include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
@@ -278,7 +278,7 @@ void form_REG::OpenREG() {
 }
 
 RegReadResult form_REG::Read(std::string text) {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   SetLocation(u"Gathering File Information"_s);
   const auto ask = [this](const QString& question, const QString& title, MsgIcon icon) {
     return global_.dialogs.MsgBox(question, MsgButtons::YesNo, icon, title) == MsgAnswer::Yes;
@@ -309,7 +309,7 @@ void form_REG::ShowProgress(const RegProgress& progress) {
     ShowImport(progress);
   }
   // Repaints, but holds back what would act on a half-read document: keys and clicks. What other launches hand over
-  // waits for the hourglass to go.
+  // waits for the wait cursor to go.
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 

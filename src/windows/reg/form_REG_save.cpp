@@ -14,10 +14,10 @@
 #include "files/TextFile.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/PlainText.h"
 #include "shell/RecoverySnapshots.h"
 #include "shell/SaveDialog.h"
+#include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 #include "system/FilePath.h"
@@ -174,7 +174,7 @@ void form_REG::PrintDoc(QPrinter& printer) {
   std::string bytes;
   if (path.isEmpty()) return;
   if (const auto failure = ReadFileBytes(FilePath(path), bytes)) return ShowReadFailure(path, *failure);
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   if (!RTFPrint2) {
     RTFPrint2 = new QTextEdit(this);
     RTFPrint2->setObjectName(u"RTFPrint2"_s);

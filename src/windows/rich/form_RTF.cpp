@@ -17,10 +17,10 @@
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/Hourglass.h"
 #include "shell/Icon.h"
 #include "shell/LongWork.h"
 #include "shell/PlainText.h"
+#include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "system/Twips.h"
@@ -144,7 +144,7 @@ void form_RTF::NewRTF() {
 }
 
 void form_RTF::OpenRTF() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   std::optional<std::string> bytes = TakeSlotBytes();
   if (!bytes) return;
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
@@ -226,7 +226,7 @@ bool form_RTF::HoldsWholeFile() const {
 }
 
 DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& request) {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   const int& index = global_.common_dialog.filter_index;
   const auto is_for_rich_text = [&index] { return index == kRichIndex || index == kPlainIndex; };
   std::optional<DocumentFile::Target> target;

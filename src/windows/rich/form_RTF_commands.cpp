@@ -7,8 +7,8 @@
 #include "documents/rtf/RtfReader.h"
 #include "files/CodePage.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/LongWork.h"
+#include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "windows/rich/RtfClipboard.h"
@@ -28,7 +28,7 @@ constexpr qsizetype kMaxHtml = qsizetype{8} << 20;
 }  // namespace
 
 void form_RTF::EditCopy() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
   if (pad->textCursor().hasSelection())
@@ -36,7 +36,7 @@ void form_RTF::EditCopy() {
 }
 
 void form_RTF::EditPaste() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   if (const QMimeData* held = QGuiApplication::clipboard()->mimeData()) Paste(*held);
 }
 
@@ -65,7 +65,7 @@ void form_RTF::PastePlainText(const QString& text) {
 }
 
 void form_RTF::EditPasteSpecialPlainText() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   PastePlainText(QGuiApplication::clipboard()->text());
 }
 

@@ -11,8 +11,8 @@
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/Hourglass.h"
 #include "shell/PlainText.h"
+#include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "system/Twips.h"
@@ -49,7 +49,7 @@ void PadWindow::PathNotChosen() {
 }
 
 void PadWindow::PrintDoc(QPrinter& printer) {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   EditingArea().Print(printer);
 }
 

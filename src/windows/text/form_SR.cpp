@@ -16,8 +16,8 @@
 #include <optional>
 
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/PlainText.h"
+#include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 #include "system/RegistryAccess.h"
@@ -262,8 +262,8 @@ form_SR::Outcome form_SR::RunSearchOnce() {
   // One more than the selection: a match right behind it is passed over; intended.
   if (IsSelectionKnown(pad)) start_at(pad.Moved(pad.SelectionEnd(), 1));
   {
-    std::optional<Hourglass> hourglass;
-    if (end > kLongSearch) hourglass.emplace();
+    std::optional<WaitCursor> wait_cursor;
+    if (end > kLongSearch) wait_cursor.emplace();
     pad.Find(wanted, pad.SelectionStart(), end,
              (cb_MatchCase->isChecked() ? kFindMatchCase : 0u) | (cb_WholeWord->isChecked() ? kFindWholeWord : 0u));
   }

@@ -4,8 +4,8 @@
 
 #include "files/FileBytes.h"
 #include "shell/Global.h"
-#include "shell/Hourglass.h"
 #include "shell/Icon.h"
+#include "shell/WaitCursor.h"
 #include "windows/text/TextPad.h"
 
 using namespace Qt::StringLiterals;
@@ -66,7 +66,7 @@ void form_TXT::NewTXT() {
 }
 
 void form_TXT::OpenTXT() {
-  const Hourglass hourglass;
+  const WaitCursor wait_cursor;
   std::optional<std::string> text = TakeSlotText();
   if (!text) return;
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);

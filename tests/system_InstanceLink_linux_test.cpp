@@ -165,7 +165,7 @@ TEST_F(Instance, RecordsWaitWhileOneIsDealtWith) {
   EXPECT_EQ(received_.join(","), "1 begins,1 ends,2 begins,2 ends");
 }
 
-TEST_F(Instance, RecordsWaitUntilTheHourglassIsGone) {
+TEST_F(Instance, RecordsWaitUntilTheWaitCursorIsGone) {
   InstanceLink link;
   ASSERT_TRUE(link.Listen(kHandle, receive_));
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
