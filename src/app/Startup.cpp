@@ -35,6 +35,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+// Untranslated: said before there is a program that could.
 constexpr const char* kHelp =
     "Usage: tme [--] [FILE]...\n"
     "Opens the files in the Tamarind Editor; a running instance of the same user opens them.\n"

@@ -4,8 +4,8 @@
 #include "shell/DocumentWindow.h"
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
-#include "shell/WaitCursor.h"
 #include "shell/SaveDialog.h"
+#include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
 #include "system/ShellUtilities.h"
 

@@ -56,6 +56,7 @@ bool ReadEntries(const QString& folder, FolderListingWatch& watch, std::vector<L
 
 }  // namespace
 
+// The form of the listing is that of other systems' and untranslated.
 QString ListFolder(const QString& folder, FolderListingWatch& watch) {
   std::vector<ListedEntry> entries;
   if (!ReadEntries(folder, watch, entries)) return {};

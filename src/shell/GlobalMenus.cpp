@@ -283,8 +283,9 @@ void GlobalMenus::Choose(std::size_t index) {
 bool SendCommand(Global& global, DocumentWindow& window, const QByteArray& command) {
   if (window.metaObject()->indexOfMethod(command + "()") >= 0)
     return QMetaObject::invokeMethod(&window, command.constData());
-  global.dialogs.MsgBox(u"This document does not support the command \"%1\"."_s.arg(QLatin1StringView(command)),
-                        MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
+  global.dialogs.MsgBox(
+      GlobalMenus::tr("This document does not support the command \"%1\".").arg(QLatin1StringView(command)),
+      MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   return false;
 }
 

@@ -1,5 +1,6 @@
 #include "shell/Settings.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
@@ -82,8 +83,9 @@ QString PersonalFolder(const RegistryAccess& registry) {
 }
 
 QString SettingsFailureText(const StoreFailure& failure) {
-  return u"The settings could not be saved in %1: %2.  What is stored there is unchanged."_s.arg(failure.place,
-                                                                                                 failure.reason);
+  return QCoreApplication::translate("Settings",
+                                     "The settings could not be saved in %1: %2.  What is stored there is unchanged.")
+      .arg(failure.place, failure.reason);
 }
 
 void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder) {

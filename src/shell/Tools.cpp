@@ -29,6 +29,10 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+struct Tools {
+  Q_DECLARE_TR_FUNCTIONS(Tools)
+};
+
 /// Listings that take no longer come without a word.
 constexpr unsigned long kQuietMs = 200;
 constexpr int kRefreshMs = 100;
@@ -53,9 +57,9 @@ void WatchListing(Global& global, QThread& thread, FolderListingWatch& watch) {
   progress.setAutoReset(false);
   progress.setMinimumWidth(progress.fontMetrics().averageCharWidth() * 50);
   const auto show_count = [&] {
-    progress.setLabelText(watch.cancelled ? mdform_TMEditor::tr("Cancelling...")
-                                          : Counted(watch.entries, mdform_TMEditor::tr("Listing: 1 entry"),
-                                                    mdform_TMEditor::tr("Listing: %1 entries")));
+    progress.setLabelText(
+        watch.cancelled ? Tools::tr("Cancelling...")
+                        : Counted(watch.entries, Tools::tr("Listing: 1 entry"), Tools::tr("Listing: %1 entries")));
   };
   QEventLoop until_done;
   QObject::connect(&thread, &QThread::finished, &until_done, &QEventLoop::quit);
@@ -75,12 +79,12 @@ void WatchListing(Global& global, QThread& thread, FolderListingWatch& watch) {
 
 void GatherDirectoryList(Global& global) {
   CommonDialog& dialog = global.common_dialog;
-  dialog.title = u"Gather DIR list"_s;
+  dialog.title = Tools::tr("Gather DIR list");
   dialog.init_dir = InitialOpenFolder(global);
   const QString folder = dialog.ShowFolder();
   if (folder.isEmpty()) return;
   if (!QDir(folder).isReadable())
-    return Say(global, u"The folder\r( "_s + folder + u" )\rcan not be read."_s, MsgIcon::Warning);
+    return Say(global, Tools::tr("The folder\r( %1 )\rcan not be read.").arg(folder), MsgIcon::Warning);
 
   FolderListingWatch watch;
   QString listing;
@@ -91,14 +95,14 @@ void GatherDirectoryList(Global& global) {
   thread->wait();
   if (watch.cancelled) return;
   QGuiApplication::clipboard()->setText(listing);
-  ReportCompletion(global, u"Directory List Gathering Complete"_s);
+  ReportCompletion(global, Tools::tr("Directory List Gathering Complete"));
 }
 
 void GatherEnvironmentVariables(Global& global) {
   QStringList lines = QProcessEnvironment::systemEnvironment().toStringList();
   lines.sort();
   QGuiApplication::clipboard()->setText(lines.join(u'\n') + u'\n');
-  ReportCompletion(global, u"Environmental Variable Gathering Complete"_s);
+  ReportCompletion(global, Tools::tr("Environmental Variable Gathering Complete"));
 }
 
 /// Whole path of a folder's file, found without regard to letter case; the given name where there is none.
@@ -113,7 +117,7 @@ void OpenSystemFiles(Global& global, const QStringList& in_windows_folder, const
   const QString windows = global.shell_utilities.WindowsDirectory();
   if (windows.isEmpty()) {
     const QString names = (in_windows_folder + on_drive).join(u", "_s);
-    return Say(global, u"There is no Windows folder on this system, so there is no "_s + names + u" to edit."_s,
+    return Say(global, Tools::tr("There is no Windows folder on this system, so there is no %1 to edit.").arg(names),
                MsgIcon::Information);
   }
   QStringList paths, missing;
@@ -126,15 +130,17 @@ void OpenSystemFiles(Global& global, const QStringList& in_windows_folder, const
     else
       missing += path;
   }
-  if (!missing.isEmpty()) Say(global, u"This system does not have\r"_s + missing.join(u'\r'), MsgIcon::Information);
+  if (!missing.isEmpty())
+    Say(global, Tools::tr("This system does not have\r") + missing.join(u'\r'), MsgIcon::Information);
 }
 
 void ShowAbout(Global& global) {
+  const QString text = Tools::tr(
+      "%1 %2\r\rFree software under the GNU General Public License, version 3 or any later one (GPL-3.0-or-later)."
+      "\r\rSettings: %3\rQt %4");
   Say(global,
-      kProgramTitle + u' ' + QCoreApplication::applicationVersion() +
-          u"\r\rFree software under the GNU General Public License, version 3 or any later one (GPL-3.0-or-later)."
-          "\r\rSettings: "_s +
-          global.registry.Location() + u"\rQt "_s + QLatin1StringView(qVersion()),
+      text.arg(kProgramTitle, QCoreApplication::applicationVersion(), global.registry.Location(),
+               QLatin1StringView(qVersion())),
       MsgIcon::Program);
 }
 
@@ -148,6 +154,7 @@ void BindTools(Global& global) {
     OpenSystemFiles(global, {u"WIN.INI"_s, u"SYSTEM.INI"_s, u"PROTOCOL.INI"_s}, {u"AUTOEXEC.BAT"_s, u"CONFIG.SYS"_s});
   });
   menus.Handle("menu_ToolsMSDOS", [&global] { OpenSystemFiles(global, {}, {u"MSDOS.SYS"_s}); });
+  // Paths are untranslated.
   menus.Handle("ASDF",
                [&global] { OpenPathList(global, u"c:\\windows\\win.ini c:\\autoexec.bat c:\\windows\\system.ini"_s); });
   menus.Handle("menu_HelpAbout", [&global] { ShowAbout(global); });

@@ -263,7 +263,8 @@ void mdform_TMEditor::PrintActiveDocument() {
   if (target.isEmpty()) return;
   std::string bytes;
   std::optional<FileFailure> failure = ReadFileBytes(FilePath(printed), bytes);
-  if (!failure && bytes.rfind("%%EOF") == std::string::npos) failure = FileFailure{"The pages could not be prepared"};
+  if (!failure && bytes.rfind("%%EOF") == std::string::npos)
+    failure = FileFailure{tr("The pages could not be prepared").toStdString()};
   if (!failure)
     failure = global_.history.files.Replace({document->Kind(), target, QFileInfo(target).fileName()}, bytes);
   if (failure) document->ShowWriteFailure(target, *failure);

@@ -1,16 +1,17 @@
+#include <QCoreApplication>
 #include <QPrinterInfo>
 
 #include "system/CommonDialog.h"
 
 namespace tme {
 
-using namespace Qt::StringLiterals;
-
 /// Without a printer, the system's dialog does not come up and does not say so.
 QString CommonDialog::PrintObstacle() const {
   if (!QPrinterInfo::availablePrinterNames().isEmpty()) return {};
-  return u"Nothing can be printed: Windows has no printer, or its print service does not run.\r\r"
-         "A printer is added in the settings of Windows; \"Microsoft Print to PDF\" makes PDF files."_s;
+  return QCoreApplication::translate(
+      "CommonDialog",
+      "Nothing can be printed: Windows has no printer, or its print service does not run.\r\r"
+      "A printer is added in the settings of Windows; \"Microsoft Print to PDF\" makes PDF files.");
 }
 
 }  // namespace tme

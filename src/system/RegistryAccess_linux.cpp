@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -73,14 +74,16 @@ QString PrepareFile() {
   return path;
 }
 
+QString Tr(const char* text) { return QCoreApplication::translate("RegistryAccess", text); }
+
 /// Why the file must not even be opened, which might last for ever; empty when it may, or is missing.
 QString ReadObstacle(const QString& path) {
   const QFileInfo file(path);
   if (!file.exists()) return {};
-  if (file.isDir()) return u"It is a folder, so that nothing was read from it either"_s;
-  if (!file.isFile()) return u"It is a pipe or a device and no file, so that nothing was read from it either"_s;
+  if (file.isDir()) return Tr("It is a folder, so that nothing was read from it either");
+  if (!file.isFile()) return Tr("It is a pipe or a device and no file, so that nothing was read from it either");
   if (file.size() > kMostBytes)
-    return u"It is larger than %1 MB, so that nothing was read from it either"_s.arg(kMostBytes / kBytesInMb);
+    return Tr("It is larger than %1 MB, so that nothing was read from it either").arg(kMostBytes / kBytesInMb);
   return {};
 }
 
@@ -88,14 +91,14 @@ QString ReadObstacle(const QString& path) {
 QString LockObstacle(const QString& path) {
   const QFileInfo file(path + ".lock"_L1);
   if (file.exists() && (!file.isFile() || file.size() > kMostLockBytes))
-    return u"%1 is in the way, which is no lock of the editor's"_s.arg(file.fileName());
+    return Tr("%1 is in the way, which is no lock of the editor's").arg(file.fileName());
   QLockFile lock(file.filePath());
   if (lock.tryLock(static_cast<int>(kLockPatience.count())) || lock.error() != QLockFile::LockFailedError) return {};
   qint64 process = 0;
   QString host;
   QString program;
-  if (!lock.getLockInfo(&process, &host, &program)) return u"%1 is in the way"_s.arg(file.fileName());
-  return u"Process %1 of %2 has locked it (%3)"_s.arg(QString::number(process), host, file.fileName());
+  if (!lock.getLockInfo(&process, &host, &program)) return Tr("%1 is in the way").arg(file.fileName());
+  return Tr("Process %1 of %2 has locked it (%3)").arg(QString::number(process), host, file.fileName());
 }
 
 /// QSettings only says that it did not work. The same bytes once more meet the same cause.
@@ -106,7 +109,7 @@ QString CauseOfFailure(const QString& path) {
   std::string bytes;
   auto failure = ReadFileBytes(FilePath(path), bytes);
   if (!failure) failure = WriteFileBytes(FilePath(path), bytes);
-  return failure ? QString::fromStdString(failure->reason) : u"It cannot be written"_s;
+  return failure ? QString::fromStdString(failure->reason) : Tr("It cannot be written");
 }
 
 }  // namespace

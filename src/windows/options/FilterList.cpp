@@ -1,5 +1,6 @@
 #include "windows/options/FilterList.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 
 #include "system/ShellUtilities.h"
@@ -55,7 +56,7 @@ QString ExtensionFaultText(ExtensionFault fault, const QString& extension) {
     case ExtensionFault::TooLong:
       return text(110) + extension + text(111);
     case ExtensionFault::IllegalCharacter:
-      return text(113) + kIllegalCharacters + "\r\rPlease Try Again."_L1;
+      return text(113) + kIllegalCharacters + QCoreApplication::translate("FilterList", "\r\rPlease Try Again.");
     case ExtensionFault::None:
       break;
   }

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 #include <string_view>
-
-class QString;
 
 namespace tme {
 
@@ -14,8 +13,10 @@ QString HelpText(int id);
 /// What the context help of a control says.
 struct HelpTopic {
   std::string_view control;
-  const char* title;
+  const char* title;  ///< untranslated
   int text_id;
+
+  QString Title() const;
 };
 
 /// Null for a control that has no topic of its own.

@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -65,6 +66,7 @@ QByteArray ThunarCommand(const QString& program) {
   return "<command>" + QString::fromUtf8(ExecArgument(program) + " %F").toHtmlEscaped().toUtf8() + "</command>\n";
 }
 
+// What stands in files for file managers is untranslated: they show their own translations of it, or none.
 QByteArray ThunarAction(const QString& program) {
   return "<action>\n\t<icon>accessories-text-editor</icon>\n\t<name>Tamarind Editor</name>\n\t<submenu></submenu>\n"
          "\t<unique-id>" +
@@ -78,6 +80,7 @@ QByteArray Resource(const QString& name) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// Untranslated, too.
 /// The first is the one that the state is read from: desktop entry ("Open With"), its icon, Thunar's Send To menu.
 /// The entry says what the package's says (packaging/linux/tamarind-editor.desktop), whose place it takes.
 std::vector<HookFile> SendToFiles(const QString& program) {
@@ -96,6 +99,7 @@ std::vector<HookFile> SendToFiles(const QString& program) {
           {data + u"/Thunar/sendto/"_s + id + u".desktop"_s, entry}};
 }
 
+/// Untranslated, too.
 /// For Nautilus, Caja, Nemo and Dolphin. Thunar's action shares a file with others and is not among these.
 std::vector<HookFile> ContextMenuFiles(const QString& program) {
   const QString id = QLatin1StringView(kIntegrationId), data = DataFolder();
@@ -201,7 +205,9 @@ void SetThunarAction(const QString& program, HookState state, RegistryAccess& re
   const std::optional<QByteArray> after = MergeThunarAction(*before, action);
   if (!after) {
     if (state == HookState::On || before->contains(kIntegrationId))
-      failures.push_back({path, u"The list of actions has an unknown form; it was left as it is"_s});
+      failures.push_back(
+          {path, QCoreApplication::translate("ShellIntegration",
+                                             "The list of actions has an unknown form; it was left as it is")});
   } else if (own == after) {
     return;
   } else if (state == HookState::Off && after == defaults) {
@@ -216,7 +222,9 @@ void SetThunarAction(const QString& program, HookState state, RegistryAccess& re
 ShellIntegration::ShellIntegration(RegistryAccess& registry, QString program)
     : registry_(registry), program_(std::move(program)) {}
 
-QString ShellIntegration::SendToPlace() { return u"S&end To and Open With"_s; }
+QString ShellIntegration::SendToPlace() {
+  return QCoreApplication::translate("ShellIntegration", "S&end To and Open With");
+}
 
 HookState ShellIntegration::State(ShellHook hook) const {
   const std::vector<HookFile> files = FilesOf(hook, program_);

@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <shlobj.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <string>
@@ -129,13 +130,14 @@ void SetContextMenu(RegistryAccess& registry, const QString& program, HookState 
   if (state == HookState::On) {
     const QString command = MenuCommand(program);
     if (!WriteMenu(registry, kMenuKey, command) && !WriteMenu(registry, kOwnMenuKey, command))
-      failures.push_back({kOwnMenuKey, u"The key could not be written"_s});
+      failures.push_back(
+          {kOwnMenuKey, QCoreApplication::translate("ShellIntegration", "The key could not be written")});
     return;
   }
   for (const QString& key : {kMenuKey, kOwnMenuKey}) {
     registry.DeleteKey(key);
     if (!registry.ReadValue(CommandKey(key), QString()).isEmpty())
-      failures.push_back({key, u"The key could not be removed"_s});
+      failures.push_back({key, QCoreApplication::translate("ShellIntegration", "The key could not be removed")});
   }
 }
 
@@ -144,7 +146,7 @@ void SetContextMenu(RegistryAccess& registry, const QString& program, HookState 
 ShellIntegration::ShellIntegration(RegistryAccess& registry, QString program)
     : registry_(registry), program_(std::move(program)) {}
 
-QString ShellIntegration::SendToPlace() { return u"S&end To"_s; }
+QString ShellIntegration::SendToPlace() { return QCoreApplication::translate("ShellIntegration", "S&end To"); }
 
 HookState ShellIntegration::State(ShellHook hook) const {
   const bool on = hook == ShellHook::SendTo ? IsFile(SendToLink())

@@ -175,7 +175,7 @@ void form_TMEOptions::cmd_Add_Click(FilterKind kind) {
   const ExtensionFault fault = CheckExtension(extension);
   if (fault != ExtensionFault::None) {
     global_.dialogs.MsgBox(ExtensionFaultText(fault, extension), MsgButtons::OkCancel, MsgIcon::Information,
-                           u"Error:"_s);
+                           tr("Error:"));
     txt_ext->clear();
     return;
   }
@@ -200,7 +200,7 @@ void form_TMEOptions::ShowFilter(FilterKind kind) {
 
 void form_TMEOptions::cmd_SetFS_Click() {
   CommonDialog& dialog = global_.common_dialog;
-  dialog.title = u"Choose Default Font and Size"_s;
+  dialog.title = tr("Choose Default Font and Size");
   const QString name_before = std::exchange(dialog.font_name, txt_txtfont->text());
   const int size_before = std::exchange(dialog.font_size, txt_txtsize->text().toInt());
   if (!dialog.ShowFont()) {
@@ -228,8 +228,8 @@ bool form_TMEOptions::CheckAutoSave() {
   // Zero passes, although the message asks for 1 to 99: it is off. Intended.
   if (minutes && *minutes >= 0 && *minutes <= kMaxAutoSavePeriod) return true;
   global_.dialogs.MsgBox(
-      u"You have not entered a valid number for AutoSave.  Please enter a number between 1 and 99."_s, MsgButtons::Ok,
-      MsgIcon::Information, u"AutoSave"_s);
+      tr("You have not entered a valid number for AutoSave.  Please enter a number between 1 and 99."), MsgButtons::Ok,
+      MsgIcon::Information, tr("AutoSave"));
   txt_AutoSave->clear();
   TS->setCurrentIndex(0);
   txt_AutoSave->setFocus();
@@ -297,7 +297,7 @@ void form_TMEOptions::PopUpHelp(QWidget* control, const QPoint& global_position)
 void form_TMEOptions::ContextHelp_Click() {
   if (!help_topic_) return;
   const QString text = global_.shell_utilities.FormatHelpText(HelpText(help_topic_->text_id));
-  global_.dialogs.MsgBox(text, MsgButtons::Ok, MsgIcon::Information, QString::fromLatin1(help_topic_->title));
+  global_.dialogs.MsgBox(text, MsgButtons::Ok, MsgIcon::Information, help_topic_->Title());
 }
 
 void form_TMEOptions::keyPressEvent(QKeyEvent* event) {

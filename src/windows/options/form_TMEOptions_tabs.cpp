@@ -71,14 +71,16 @@ void form_TMEOptions::BuildTabs() {
     column->addWidget(label);
     column->addStretch();
   };
-  BuildGeneralTab(AddTab(u"General"_s, u"General Program Options"_s));
-  add_empty(u"INI Editor"_s, u"Options specific to the INI Editor"_s, tr("The INI editor has no options of its own."));
-  add_empty(u"REG Editor"_s, u"Options specific to the REG Editor"_s, tr("The REG editor has no options of its own."));
+  BuildGeneralTab(AddTab(tr("General"), tr("General Program Options")));
+  add_empty(tr("INI Editor"), tr("Options specific to the INI Editor"),
+            tr("The INI editor has no options of its own."));
+  add_empty(tr("REG Editor"), tr("Options specific to the REG Editor"),
+            tr("The REG editor has no options of its own."));
   BuildExtensionBox();
-  QVBoxLayout* txt = AddTab(u"TXT Editor"_s, u"Options specific to the TXT Editor"_s);
+  QVBoxLayout* txt = AddTab(tr("TXT Editor"), tr("Options specific to the TXT Editor"));
   txt->addWidget(BuildFilter(Txt, u"Frame2"_s, tr("Text Files")), 1);
   BuildDefaultDisplay(txt);
-  QVBoxLayout* rtf = AddTab(u"RTF Editor"_s, u"Options specific to the RTF Editor"_s);
+  QVBoxLayout* rtf = AddTab(tr("RTF Editor"), tr("Options specific to the RTF Editor"));
   rtf->addWidget(BuildFilter(Rtf, u"Frame3"_s, tr("Rich-Text Files")), 1);
   connect(TS, &QTabWidget::currentChanged, this, &form_TMEOptions::TS_Click);
   MoveExtensionBox(Txt);

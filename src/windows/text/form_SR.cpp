@@ -159,17 +159,22 @@ void form_SR::LayOut() {
   }
 }
 
+QString form_SR::Caption() const { return mode_ == SearchMode::Replace ? tr("Search / Replace") : tr("Search"); }
+
 void form_SR::SetMode(SearchMode mode) {
+  mode_ = mode;
   const bool replaces = mode == SearchMode::Replace;
-  setWindowTitle(replaces ? tr("Search / Replace") : tr("Search"));
+  setWindowTitle(Caption());
   lbl_R->setVisible(replaces);
   txt_R->setVisible(replaces);
   txt_R->clear();
-  lbl_Exp->setText(mode == SearchMode::Again ? tr("While searching, use ENTER to Find Next, use SHFT+ENTER to insert a "
-                                                  "hard return in your document")
-                   : replaces                ? tr("ENTER = Replace Next;  SHFT+ENTER = Hard Return")
-                                             : tr("ENTER = Find Next;  SHFT+ENTER = Hard Return"));
-  lbl_Exp->setAccessibleName(lbl_Exp->text());
+  const QString hint = mode == SearchMode::Again
+                           ? tr("While searching, use ENTER to Find Next, use SHFT+ENTER to insert a "
+                                "hard return in your document")
+                       : replaces ? tr("ENTER = Replace Next;  SHFT+ENTER = Hard Return")
+                                  : tr("ENTER = Find Next;  SHFT+ENTER = Hard Return");
+  lbl_Exp->setText(hint);
+  lbl_Exp->setAccessibleName(hint);
   cmd_FindNext->setText(replaces ? tr("&Replace Next") : tr("&Find Next"));
   cmd_FindNext->setAccessibleName(replaces ? tr("Replace Next") : tr("Find Next"));
   ensurePolished();
@@ -271,7 +276,7 @@ form_SR::Outcome form_SR::RunSearchOnce() {
   const bool selected = pad.SelectionStart() != pad.SelectionEnd();
   if (!selected) return AskForTheTop(*window);
   // Also a selection of the user's that is no match; intended.
-  if (!txt_R->isHidden()) {
+  if (mode_ == SearchMode::Replace) {
     const PadPosition start = pad.SelectionStart();
     pad.ReplaceSelection(txt_R->text());
     pad.Select(start, pad.SelectionEnd());
@@ -293,8 +298,8 @@ bool form_SR::IsSelectionKnown(const Pad& pad) const {
 form_SR::Outcome form_SR::AskForTheTop(PadWindow& window) {
   const QPointer<form_SR> standing(this);
   const QString question =
-      u"Couldn't find \""_s + txt_SearchString->text() + u"\"\r\rContinue "_s + windowTitle() + u" from the top?"_s;
-  const MsgAnswer answer = global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, windowTitle());
+      tr("Couldn't find \"%1\"\r\rContinue %2 from the top?").arg(txt_SearchString->text(), Caption());
+  const MsgAnswer answer = global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, Caption());
   // Another program's hand-over may have closed the dialog meanwhile.
   if (!standing || closed_) return Outcome::Done;
   if (answer == MsgAnswer::Yes) {

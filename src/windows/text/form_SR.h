@@ -61,6 +61,7 @@ class form_SR : public QDialog {
   void BuildControls();
   void LayOut();
   void SetMode(SearchMode mode);
+  QString Caption() const;
   /// Null once the document is closed.
   PadWindow* Window() const;
   void TakeSelection(Pad& pad);
@@ -75,6 +76,7 @@ class form_SR : public QDialog {
   Global& global_;
   DocumentKind target_kind_ = DocumentKind::Txt;
   int target_slot_ = 0;
+  SearchMode mode_ = SearchMode::Find;
   bool closed_ = false;
 
   QGroupBox* frm_Search;
