@@ -23,20 +23,6 @@ class History {
   SnapshotStore snapshots{folder, contents};
   FileReplacer files{versions};
   StorePruner pruner;
-
-  using Unkept = FileReplacer::Unkept;
-  static QByteArray DigestOf(std::string_view content) { return ContentStore::DigestOf(content); }
-  std::optional<FileFailure> Keep(const ContentOrigin& origin, KeptReason reason, std::string_view content,
-                                  const QDateTime& time = QDateTime::currentDateTimeUtc()) {
-    return versions.Keep(origin, reason, content, time);
-  }
-  std::optional<FileFailure> KeepFile(const ContentOrigin& origin, KeptReason reason = KeptReason::BeforeSave) {
-    return files.KeepFile(origin, reason);
-  }
-  std::optional<FileFailure> Overwrite(const ContentOrigin& origin, std::string_view bytes, FileSteps& steps,
-                                       Unkept unkept = Unkept::Refused) {
-    return files.Overwrite(origin, bytes, steps, unkept);
-  }
 };
 
 }  // namespace tme

@@ -72,9 +72,9 @@ DocumentFile::Target DocumentFile::KeepReplaced(const QString& path) {
   const bool is_own = path == Path();
   const bool was_written = is_own && !state_.own_digest.isEmpty();
   // Not the stamp: a change in the same step of the file system's clock, or one that puts the time back, has the same.
-  if (was_written && History::DigestOf(bytes) == state_.own_digest) return target;
+  if (was_written && ContentStore::DigestOf(bytes) == state_.own_digest) return target;
   target.is_foreign = was_written || (is_own && state_.stamp && StampOf(file) != state_.stamp);
-  target.not_kept = history_.Keep(OriginAt(path), KeptReason::BeforeSave, bytes);
+  target.not_kept = history_.versions.Keep(OriginAt(path), KeptReason::BeforeSave, bytes);
   return target;
 }
 
@@ -105,9 +105,9 @@ DocumentFile::Written DocumentFile::Write(const Target& target, TextFormat* form
 std::optional<FileFailure> DocumentFile::WriteInPlace(const Target& target, TextFormat* format,
                                                       const PartProducer& produce, FileSteps& steps) const {
   TextFormat written = format ? *format : TextFormat();
-  const auto unkept = target.may_be_lost ? History::Unkept::Accepted : History::Unkept::Refused;
+  const auto unkept = target.may_be_lost ? FileReplacer::Unkept::Accepted : FileReplacer::Unkept::Refused;
   auto failure =
-      history_.Overwrite(OriginAt(target.path), BytesOf(format ? &written : nullptr, produce), steps, unkept);
+      history_.files.Overwrite(OriginAt(target.path), BytesOf(format ? &written : nullptr, produce), steps, unkept);
   if (!failure && format) *format = written;
   return failure;
 }
@@ -122,7 +122,7 @@ std::string DocumentFile::BytesOf(TextFormat* format, const PartProducer& produc
 }
 
 bool DocumentFile::Keep(std::string_view content) const {
-  return !history_.Keep(Origin(), KeptReason::NotSaved, content);
+  return !history_.versions.Keep(Origin(), KeptReason::NotSaved, content);
 }
 
 ContentOrigin DocumentFile::OriginAt(const QString& path) const { return {kind_, path, QFileInfo(path).fileName()}; }
