@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "Fuzz.h"
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 #include "files/CodePage.h"
 #include "files/TextEncoding.h"
@@ -23,11 +24,11 @@ std::string WithPairsJoined(std::string_view text) {
   char32_t high = 0;
   char buffer[utf8::kMaxCharacterBytes];
   while (const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept)) {
-    const bool pair = high != 0 && *character >= 0xDC00 && *character <= 0xDFFF;
+    const bool pair = high != 0 && utf16::IsLowSurrogate(*character);
     if (pair) joined.resize(joined.size() - 3);
-    const char32_t whole = pair ? 0x10000 + ((high - 0xD800) << 10) + (*character - 0xDC00) : *character;
+    const char32_t whole = pair ? utf16::Join(high, *character) : *character;
     joined.append(buffer, utf8::PutCharacter(whole, buffer));
-    high = *character >= 0xD800 && *character <= 0xDBFF ? *character : 0;
+    high = utf16::IsHighSurrogate(*character) ? *character : 0;
   }
   return joined.append(text);
 }

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstring>
 
+#include "base/Utf16.h"
+
 namespace tme::utf8 {
 namespace {
 
@@ -54,8 +56,8 @@ std::optional<char32_t> TakeCharacter(std::string_view& text, Surrogates surroga
       if (!IsContinuation(text[i])) return std::nullopt;
       character = (character << 6) | (byte & 0x3Fu);
     }
-    const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
-    if (character < lowest || character > 0x10FFFF || (surrogate && surrogates == Surrogates::Refuse)) {
+    const bool is_refused = surrogates == Surrogates::Refuse && utf16::IsSurrogate(character);
+    if (character < lowest || character > 0x10FFFF || is_refused) {
       return std::nullopt;
     }
   }

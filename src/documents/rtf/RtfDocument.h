@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,7 +26,7 @@ enum class Script : std::uint8_t { Normal, Super, Sub };
 enum class Capitals : std::uint8_t { None, All, Small };
 enum class Strike : std::uint8_t { None, Single, Double };
 
-/// The look of a run. Equal looks share one entry of RtfDocument::char_formats.
+/// The format of a run. Equal formats share one entry of RtfDocument::char_formats.
 struct CharFormat {
   std::uint32_t font = 0;          ///< index into RtfDocument::fonts; past its end: the reader's default
   std::uint32_t half_points = 24;  ///< size, in half points
@@ -57,7 +58,7 @@ struct TabStop {
   bool operator==(const TabStop&) const = default;
 };
 
-/// The look of a paragraph. Equal looks share one entry of RtfDocument::paragraph_formats.
+/// The format of a paragraph. Equal formats share one entry of RtfDocument::paragraph_formats.
 struct ParagraphFormat {
   std::int32_t left = 0;
   std::int32_t right = 0;
@@ -80,7 +81,7 @@ struct ParagraphFormat {
   bool operator==(const ParagraphFormat&) const = default;
 };
 
-/// A stretch of text of one look, or one object.
+/// A stretch of text of one format, or one object.
 struct Run {
   std::uint32_t bytes = 0;   ///< of RtfDocument::text, following those of the run before; 0 for an object
   std::uint32_t format = 0;  ///< index into RtfDocument::char_formats
@@ -140,7 +141,7 @@ struct Table {
 struct Paragraph {
   std::uint32_t first_run = 0;    ///< its runs end where those of the next paragraph begin
   std::uint32_t format = 0;       ///< index into RtfDocument::paragraph_formats
-  std::uint32_t mark_format = 0;  ///< look of the paragraph's end, index into RtfDocument::char_formats
+  std::uint32_t mark_format = 0;  ///< of the paragraph's end, index into RtfDocument::char_formats
   std::int32_t cell = -1;         ///< the innermost cell that it stands in, index into RtfDocument::cells; -1: in none
 };
 
@@ -154,6 +155,12 @@ struct Losses {
   std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
   bool operator==(const Losses&) const = default;
 };
+
+/// The entry that a number of a format or a run names, which is an index plus 1; null for 0 and what is past the end.
+template <typename Entry>
+const Entry* EntryOf(const std::vector<Entry>& entries, std::uint32_t number) {
+  return number > 0 && number <= entries.size() ? &entries[number - 1] : nullptr;
+}
 
 /// Runs, paragraphs and cells stand in the order of the text. There is always at least one paragraph. Line breaks
 /// inside a paragraph are U+2028, page breaks U+000C, tabs U+0009; special spaces and hyphens are their Unicode
@@ -182,6 +189,11 @@ struct RtfDocument {
   /// Headers and footers, as they came.
   std::string kept_section;
   Losses losses;
+
+  /// Where the runs of a paragraph end, an index into `runs`.
+  std::size_t EndOfRuns(std::size_t paragraph) const {
+    return paragraph + 1 < paragraphs.size() ? paragraphs[paragraph + 1].first_run : runs.size();
+  }
 };
 
 }  // namespace tme::rtf

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <map>
 
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 #include "documents/rtf/RtfCharset.h"
 
@@ -178,9 +179,9 @@ void RtfOutput::Character(char32_t character, Alphabet alphabet) {
     after_word_ = control.size() > 2;
     return;
   }
-  if (character < 0x10000) return CodeUnit(character, FallbackOf(character));
-  CodeUnit(0xD800 + ((character - 0x10000) >> 10), '?');
-  CodeUnit(0xDC00 + (character & 0x3FF), '?');
+  if (character < utf16::kFirstSupplementary) return CodeUnit(character, FallbackOf(character));
+  CodeUnit(utf16::HighSurrogateOf(character), '?');
+  CodeUnit(utf16::LowSurrogateOf(character), '?');
 }
 
 /// As the signed 16-bit number that the format wants.

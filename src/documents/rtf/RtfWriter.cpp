@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "documents/rtf/RtfFormats.h"
+#include "documents/rtf/RtfFormatOutput.h"
 #include "documents/rtf/RtfNumbering.h"
 #include "documents/rtf/RtfOutput.h"
 #include "documents/rtf/RtfTableWalk.h"
@@ -16,17 +16,6 @@ namespace {
 constexpr std::uint32_t kNoFormat = 0xFFFFFFFF;
 constexpr std::string_view kPngSignature = "\x89PNG";
 
-/// The entry that `number`, an index plus 1, names; null where it names none.
-template <typename Entry>
-const Entry* Named(const std::vector<Entry>& entries, std::uint32_t number) {
-  return number > 0 && number <= entries.size() ? &entries[number - 1] : nullptr;
-}
-
-std::size_t LastRun(const RtfDocument& document, std::size_t paragraph) {
-  return paragraph + 1 < document.paragraphs.size() ? document.paragraphs[paragraph + 1].first_run
-                                                    : document.runs.size();
-}
-
 class Writer : private RtfTableWalk::Listener {
  public:
   Writer(const RtfDocument& document, const RtfPart& put)
@@ -35,7 +24,7 @@ class Writer : private RtfTableWalk::Listener {
         walk_(document, *this),
         plain_(PlainFormat(document)),
         alphabets_(AlphabetsOf(document.fonts)),
-        look_(plain_),
+        format_(plain_),
         controls_(document.paragraph_formats.size()) {}
 
   bool Write() {
@@ -48,7 +37,7 @@ class Writer : private RtfTableWalk::Listener {
   }
 
  private:
-  /// Which look of a paragraph stands in the file.
+  /// Which format of a paragraph stands in the file.
   struct Place {
     std::uint32_t format = kNoFormat;
     std::size_t depth = 0;
@@ -57,10 +46,10 @@ class Writer : private RtfTableWalk::Listener {
 
   void Header();
   void Paragraph(std::size_t index);
-  void ParagraphLook(const Place& place, std::string_view item);
+  void WriteParagraphFormat(const Place& place, std::string_view item);
   void Text(std::size_t from, std::size_t to);
   void Object(const rtf::Object& object);
-  void Look(std::uint32_t format);
+  void SetFormat(std::uint32_t format);
   void LeaveSuperscript();
   void EnterField(std::uint32_t number);
   void OpenField(std::uint32_t number);
@@ -82,8 +71,8 @@ class Writer : private RtfTableWalk::Listener {
   RtfNumbering numbering_;
   const CharFormat plain_;
   std::vector<Alphabet> alphabets_;
-  CharFormat look_;                        ///< of text that would be written now, but for its field
-  std::uint32_t look_number_ = kNoFormat;  ///< whose entry `look_` and the open field are
+  CharFormat format_;                        ///< of text that would be written now, but for its field
+  std::uint32_t format_number_ = kNoFormat;  ///< whose entry `format_` and the open field are
   Place place_;
   Place wanted_;  ///< of the paragraph that is being written
   bool in_paragraph_ = false;
@@ -94,10 +83,10 @@ class Writer : private RtfTableWalk::Listener {
 
   struct FieldAround {
     std::uint32_t number;
-    CharFormat look_outside;
+    CharFormat format_outside;
     Place place_outside;
   };
-  CharFormat look_around_superscript_;
+  CharFormat format_around_superscript_;
   bool in_superscript_ = false;
   std::vector<FieldAround> fields_;           ///< outermost first
   std::vector<std::uint32_t> fields_wanted_;  ///< the same of the text to come
@@ -128,10 +117,10 @@ void Writer::Paragraph(std::size_t index) {
   const bool has_format = paragraph.format < document_.paragraph_formats.size();
   const ParagraphFormat& format = has_format ? document_.paragraph_formats[paragraph.format] : default_paragraph_;
   wanted_ = {has_format ? paragraph.format : kNoFormat - 1, walk_.Depth()};
-  ParagraphLook(wanted_, numbering_.Next(format));
+  WriteParagraphFormat(wanted_, numbering_.Next(format));
   in_paragraph_ = true;
-  Text(paragraph.first_run, LastRun(document_, index));
-  Look(paragraph.mark_format);
+  Text(paragraph.first_run, document_.EndOfRuns(index));
+  SetFormat(paragraph.mark_format);
   in_paragraph_ = false;
   if (walk_.Leave(is_last ? nullptr : &document_.paragraphs[index + 1])) return;
   out_.Words("\\par");
@@ -140,7 +129,7 @@ void Writer::Paragraph(std::size_t index) {
 }
 
 /// `item`: what stands before an item of a list; empty for others.
-void Writer::ParagraphLook(const Place& place, std::string_view item) {
+void Writer::WriteParagraphFormat(const Place& place, std::string_view item) {
   const bool is_new = place_ != place;
   const bool known = place.format < controls_.size();
   const bool in_file_list = known && document_.paragraph_formats[place.format].list_id != 0;
@@ -166,12 +155,12 @@ void Writer::ParagraphLook(const Place& place, std::string_view item) {
 void Writer::Text(std::size_t from, std::size_t to) {
   for (std::size_t i = from; i < to; ++i) {
     const Run& run = document_.runs[i];
-    Look(run.format);
-    if (const rtf::Object* object = Named(document_.objects, run.object)) {
+    SetFormat(run.format);
+    if (const rtf::Object* object = EntryOf(document_.objects, run.object)) {
       Object(*object);
       continue;
     }
-    const std::uint32_t font = look_.font < document_.fonts.size() ? look_.font : plain_.font;
+    const std::uint32_t font = format_.font < document_.fonts.size() ? format_.font : plain_.font;
     out_.Text(std::string_view(document_.text).substr(text_at_, run.bytes), alphabets_[font]);
     text_at_ += run.bytes;
   }
@@ -188,19 +177,19 @@ void Writer::Object(const rtf::Object& object) {
   out_.Close();
 }
 
-void Writer::Look(std::uint32_t format) {
-  if (format == look_number_) return;
+void Writer::SetFormat(std::uint32_t format) {
+  if (format == format_number_) return;
   LeaveSuperscript();
   const CharFormat& wanted = CharFormatOf(format);
   EnterField(wanted.field);
   if (wanted.script == Script::Super) {
-    look_around_superscript_ = look_;
+    format_around_superscript_ = format_;
     in_superscript_ = true;
     out_.Open();
   }
-  WriteCharFormat(document_, plain_, look_, wanted, out_);
-  look_ = wanted;
-  look_number_ = format;
+  WriteCharFormat(document_, plain_, format_, wanted, out_);
+  format_ = wanted;
+  format_number_ = format;
 }
 
 /// Superscript has a group of its own: a word processor may take it for a footnote's mark, and holds back what follows
@@ -209,14 +198,14 @@ void Writer::LeaveSuperscript() {
   if (!in_superscript_) return;
   in_superscript_ = false;
   out_.Close();
-  look_ = look_around_superscript_;
-  look_number_ = kNoFormat;
+  format_ = format_around_superscript_;
+  format_number_ = kNoFormat;
 }
 
 void Writer::EnterField(std::uint32_t number) {
   if (number == (fields_.empty() ? 0 : fields_.back().number)) return;
   fields_wanted_.clear();
-  while (const Field* field = Named(document_.fields, number)) {
+  while (const Field* field = EntryOf(document_.fields, number)) {
     fields_wanted_.push_back(number);
     // A field comes before those in it; anything else would go round in a circle.
     number = field->parent < number ? field->parent : 0;
@@ -231,7 +220,7 @@ void Writer::EnterField(std::uint32_t number) {
 
 void Writer::OpenField(std::uint32_t number) {
   const Field& field = document_.fields[number - 1];
-  fields_.push_back({number, look_, place_});
+  fields_.push_back({number, format_, place_});
   out_.Open();
   out_.Words("\\field");
   if (!field.instruction.empty()) {
@@ -255,14 +244,14 @@ void Writer::OpenField(std::uint32_t number) {
 void Writer::CloseFields(std::size_t stay_open) {
   LeaveSuperscript();
   if (fields_.size() <= stay_open) return;
-  look_ = fields_[stay_open].look_outside;
-  look_number_ = kNoFormat;
+  format_ = fields_[stay_open].format_outside;
+  format_number_ = kNoFormat;
   place_ = fields_[stay_open].place_outside;
   for (; fields_.size() > stay_open; fields_.pop_back()) {
     out_.Close();
     out_.Close();
   }
-  if (in_paragraph_ && place_ != wanted_) ParagraphLook(wanted_, {});
+  if (in_paragraph_ && place_ != wanted_) WriteParagraphFormat(wanted_, {});
 }
 
 void Writer::RowDefinition(std::uint32_t row) {
@@ -275,7 +264,7 @@ void Writer::RowDefinition(std::uint32_t row) {
 
 void Writer::BeginRow(std::uint32_t row, std::size_t depth) {
   CloseFields(0);
-  place_ = {};  // readers forget the look of the paragraph, and whether it is in a table, with each row
+  place_ = {};  // readers forget the format of the paragraph, and whether it is in a table, with each row
   has_nested_row_ = depth > 0;
   if (has_nested_row_) return;
   RowDefinition(row);
@@ -284,13 +273,13 @@ void Writer::BeginRow(std::uint32_t row, std::size_t depth) {
 
 void Writer::EndCell(std::size_t depth) {
   CloseFields(0);
-  if (place_ != wanted_) ParagraphLook(wanted_, {});
+  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
   out_.Words(depth == 0 ? "\\cell" : "\\nestcell");
   out_.LineEnd();
 }
 
 void Writer::EmptyCell(std::size_t depth) {
-  ParagraphLook({kNoFormat - 1, depth + 1}, {});
+  WriteParagraphFormat({kNoFormat - 1, depth + 1}, {});
   out_.Words(depth == 0 ? "\\cell" : "\\nestcell");
 }
 
@@ -312,74 +301,8 @@ void Writer::EndRow(std::uint32_t row, std::size_t depth) {
   out_.LineEnd();
 }
 
-/// Text without looks.
-class PlainWriter : private RtfTableWalk::Listener {
- public:
-  PlainWriter(const RtfDocument& document, const RtfPart& put)
-      : document_(document), put_(put), walk_(document, *this) {}
-  bool Write();
-
- private:
-  static constexpr std::size_t kPartBytes = std::size_t{1} << 16;
-  static constexpr std::string_view kLineEnd = "\r\n";
-  static constexpr std::string_view kLineBreak = "\u2028";
-
-  void Text(std::string_view text);
-  void BeginRow(std::uint32_t, std::size_t) override {}
-  void EndCell(std::size_t) override { pending_tab_ = true; }
-  void EmptyCell(std::size_t) override { Tab(), pending_tab_ = true; }
-  void EndRow(std::uint32_t, std::size_t) override { pending_tab_ = false, part_.append(kLineEnd); }
-  void Tab();
-
-  const RtfDocument& document_;
-  const RtfPart& put_;
-  RtfTableWalk walk_;
-  std::string part_;
-  bool pending_tab_ = false;  ///< a cell has ended, and maybe its row
-};
-
-void PlainWriter::Tab() {
-  if (pending_tab_) part_.push_back('\t');
-  pending_tab_ = false;
-}
-
-void PlainWriter::Text(std::string_view text) {
-  for (std::size_t end = text.find(kLineBreak); end != std::string_view::npos; end = text.find(kLineBreak)) {
-    part_.append(text.substr(0, end)).append(kLineEnd);
-    text.remove_prefix(end + kLineBreak.size());
-  }
-  part_.append(text);
-}
-
-bool PlainWriter::Write() {
-  part_.reserve(2 * kPartBytes);
-  std::size_t text_at = 0;
-  for (std::size_t i = 0; i < document_.paragraphs.size(); ++i) {
-    const bool is_last = i + 1 == document_.paragraphs.size();
-    walk_.Enter(document_.paragraphs[i]);
-    Tab();
-    for (std::size_t run = document_.paragraphs[i].first_run; run < LastRun(document_, i); ++run) {
-      const rtf::Object* const object = Named(document_.objects, document_.runs[run].object);
-      if (object == nullptr) {
-        Text(std::string_view(document_.text).substr(text_at, document_.runs[run].bytes));
-        text_at += document_.runs[run].bytes;
-      } else if (object->kind == ObjectKind::Placeholder && !object->label.empty()) {
-        part_.append("[").append(object->label).append("]");
-      }
-    }
-    const bool ended_cell = walk_.Leave(is_last ? nullptr : &document_.paragraphs[i + 1]);
-    if (!ended_cell && !is_last) part_.append(kLineEnd);
-    if (part_.size() < kPartBytes) continue;
-    if (!put_(part_)) return false;
-    part_.clear();
-  }
-  return part_.empty() || put_(part_);
-}
-
 }  // namespace
 
 bool WriteRtf(const RtfDocument& document, const RtfPart& put) { return Writer(document, put).Write(); }
-
-bool WriteRtfAsText(const RtfDocument& document, const RtfPart& put) { return PlainWriter(document, put).Write(); }
 
 }  // namespace tme::rtf

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/CaseFold.h"
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 #include "documents/search/TextSearchScan.h"
 
@@ -165,9 +166,8 @@ namespace {
 void TakeInto(std::string& out, std::u16string_view& text) {
   char32_t character = text.front();
   text.remove_prefix(1);
-  const bool high = character >= 0xD800 && character < 0xDC00;
-  if (high && !text.empty() && text.front() >= 0xDC00 && text.front() < 0xE000) {
-    character = 0x10000 + ((character - 0xD800) << 10) + (text.front() - 0xDC00u);
+  if (utf16::IsHighSurrogate(character) && !text.empty() && utf16::IsLowSurrogate(text.front())) {
+    character = utf16::Join(character, text.front());
     text.remove_prefix(1);
   }
   if (character == 0x2028 || character == 0x2029) character = U'\n';

@@ -6,7 +6,12 @@
 #include <QTextList>
 #include <QTextTable>
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
+
+#include "windows/rich/RtfFlatTables.h"
+#include "windows/rich/RtfFormats.h"
+#include "windows/rich/RtfPieces.h"
 
 namespace tme {
 namespace {
@@ -15,105 +20,10 @@ using rtf::RtfDocument;
 
 constexpr int kWidthOfNewTable = 9000;  // twips
 
-std::int32_t AddCell(RtfDocument& document, std::uint32_t row, rtf::Cell cell) {
-  cell.row = row;
-  document.cells.push_back(cell);
-  return static_cast<std::int32_t>(document.cells.size() - 1);
-}
-
-void AddEmptyParagraph(RtfDocument& document, std::int32_t cell) {
-  document.paragraphs.push_back({static_cast<std::uint32_t>(document.runs.size()), 0, 0, cell});
-}
-
-/// Makes tables again of the lines that their cells are shown as. A row without any line is gone.
-class FlatTables {
- public:
-  FlatTables(const RtfStore::FlatTables& flat, RtfDocument& document) : flat_(flat), document_(document) {}
-
-  /// The document's cell for a line of a flat cell. around: the cell that both stand in, -1: none.
-  std::int32_t CellOf(std::int32_t flat_cell, std::int32_t around);
-  /// The next line, if any, begins tables of its own.
-  void Close() { CloseTo(0); }
-
- private:
-  struct Open {
-    std::int32_t flat_cell;
-    std::uint32_t table;
-    std::uint32_t row;
-    std::int32_t cell;
-  };
-  const RtfStore::FlatTables::Row& RowOf(std::int32_t flat_cell) const {
-    return flat_.rows[flat_.cells[static_cast<std::size_t>(flat_cell)].row];
-  }
-  void GoTo(Open& open, std::int32_t flat_cell);
-  void BeginRow(Open& open, std::int32_t flat_cell);
-  /// Adds empty cells of the row.
-  void Skip(const Open& open, std::uint32_t from, std::uint32_t to);
-  void CloseTo(std::size_t levels);
-
-  const RtfStore::FlatTables& flat_;
-  RtfDocument& document_;
-  std::vector<Open> open_;          ///< outermost first
-  std::vector<std::int32_t> path_;  ///< the flat cells around a line, outermost first
-};
-
-std::int32_t FlatTables::CellOf(std::int32_t flat_cell, std::int32_t around) {
-  if (!open_.empty() && open_.back().flat_cell == flat_cell) return open_.back().cell;
-  path_.clear();
-  for (std::int32_t cell = flat_cell; cell >= 0; cell = flat_.parents[RowOf(cell).table]) path_.push_back(cell);
-  std::reverse(path_.begin(), path_.end());
-  for (std::size_t level = 0; level < path_.size(); ++level) {
-    const std::int32_t wanted = path_[level];
-    if (level < open_.size()) {
-      Open& open = open_[level];
-      if (open.flat_cell == wanted) continue;
-      const bool goes_on = RowOf(open.flat_cell).table == RowOf(wanted).table && open.flat_cell < wanted;
-      CloseTo(goes_on ? level + 1 : level);
-      if (goes_on) {
-        GoTo(open, wanted);
-        continue;
-      }
-    }
-    const std::int32_t parent = level > 0 ? open_[level - 1].cell : around;
-    document_.tables.push_back({parent});
-    open_.push_back({wanted, static_cast<std::uint32_t>(document_.tables.size() - 1), 0, 0});
-    BeginRow(open_.back(), wanted);
-  }
-  CloseTo(path_.size());
-  return open_.back().cell;
-}
-
-void FlatTables::Skip(const Open& open, std::uint32_t from, std::uint32_t to) {
-  for (; from < to; ++from) AddEmptyParagraph(document_, AddCell(document_, open.row, flat_.cells[from]));
-}
-
-void FlatTables::BeginRow(Open& open, std::int32_t flat_cell) {
-  const RtfStore::FlatTables::Row& row = RowOf(flat_cell);
-  document_.rows.push_back({open.table, row.definition});
-  open.row = static_cast<std::uint32_t>(document_.rows.size() - 1);
-  Skip(open, row.first_cell, static_cast<std::uint32_t>(flat_cell));
-  open.flat_cell = flat_cell;
-  open.cell = AddCell(document_, open.row, flat_.cells[static_cast<std::size_t>(flat_cell)]);
-}
-
-void FlatTables::GoTo(Open& open, std::int32_t flat_cell) {
-  const RtfStore::FlatTables::Row& row = RowOf(open.flat_cell);
-  const auto next = static_cast<std::uint32_t>(open.flat_cell) + 1, wanted = static_cast<std::uint32_t>(flat_cell);
-  Skip(open, next, std::min(wanted, row.end_cell));
-  if (wanted >= row.end_cell) return BeginRow(open, flat_cell);
-  open.flat_cell = flat_cell;
-  open.cell = AddCell(document_, open.row, flat_.cells[wanted]);
-}
-
-void FlatTables::CloseTo(std::size_t levels) {
-  for (; open_.size() > levels; open_.pop_back())
-    Skip(open_.back(), static_cast<std::uint32_t>(open_.back().flat_cell) + 1, RowOf(open_.back().flat_cell).end_cell);
-}
-
 class Exporter {
  public:
   explicit Exporter(RtfStore& store)
-      : store_(store), document_(store.document), looks_(store), flat_tables_(store.flat, store.document) {}
+      : store_(store), document_(store.document), formats_(store), flat_tables_(store.flat, store.document) {}
 
   void Run(const QTextDocument& view) {
     const QTextFrame* root = view.rootFrame();
@@ -125,7 +35,7 @@ class Exporter {
   /// What a char format stands for.
   struct Known {
     bool known = false;
-    std::uint32_t look = 0;
+    std::uint32_t format = 0;
     int object = 0;
     int attached = 0;
   };
@@ -151,10 +61,10 @@ class Exporter {
 
   /// The paragraph that a block shows or, of a long one, goes on with.
   rtf::Paragraph& ParagraphOf(const QTextBlock& block, const QTextBlockFormat& format, std::int32_t cell) {
-    const std::uint32_t look = ParagraphLook(block, format);
+    const std::uint32_t number = ParagraphFormatOf(block, format);
     const int flat_cell = format.intProperty(kFlatCell);
     const bool goes_on = GoesOn(before_, format) && before_.intProperty(kFlatCell) == flat_cell &&
-                         document_.paragraphs.back().format == look;
+                         document_.paragraphs.back().format == number;
     before_ = format;
     if (goes_on) return document_.paragraphs.back();
     if (flat_cell > 0)
@@ -162,7 +72,7 @@ class Exporter {
     else
       flat_tables_.Close();
     return document_.paragraphs.emplace_back(
-        rtf::Paragraph{static_cast<std::uint32_t>(document_.runs.size()), look, 0, cell});
+        rtf::Paragraph{static_cast<std::uint32_t>(document_.runs.size()), number, 0, cell});
   }
 
   /// False when there is nothing to export.
@@ -171,16 +81,16 @@ class Exporter {
     if (block.length() == 1 && format.hasProperty(kFiller)) return false;
     rtf::Paragraph& paragraph = ParagraphOf(block, format, cell);
     for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) Fragment(it.fragment(), paragraph.first_run);
-    const int mark = format.intProperty(kMarkLook);
+    const int mark = format.intProperty(kMarkFormat);
     paragraph.mark_format =
-        mark > 0 ? static_cast<std::uint32_t>(mark) - 1 : KnownOf(block.charFormatIndex(), block.charFormat()).look;
+        mark > 0 ? static_cast<std::uint32_t>(mark) - 1 : KnownOf(block.charFormatIndex(), block.charFormat()).format;
     WriteAttached(format.intProperty(kAttached));
     return true;
   }
 
-  std::uint32_t ParagraphLook(const QTextBlock& block, const QTextBlockFormat& format) {
-    const auto [place, is_new] = paragraph_looks_.try_emplace(block.blockFormatIndex(), 0U);
-    if (is_new) place->second = looks_.Read(format, block.textList());
+  std::uint32_t ParagraphFormatOf(const QTextBlock& block, const QTextBlockFormat& format) {
+    const auto [place, is_new] = paragraph_formats_.try_emplace(block.blockFormatIndex(), 0U);
+    if (is_new) place->second = formats_.Read(format, block.textList());
     return place->second;
   }
 
@@ -190,7 +100,7 @@ class Exporter {
     Known& known = known_[number];
     if (known.known) return known;
     known.known = true;
-    known.look = looks_.Read(format);
+    known.format = formats_.Read(format);
     known.attached = format.intProperty(kAttached);
     if (format.objectType() == kRtfObjectType) known.object = format.intProperty(kObject);
     return known;
@@ -203,25 +113,25 @@ class Exporter {
         number < known_.size() && known_[number].known ? known_[number] : KnownOf(index, fragment.charFormat());
     WriteAttached(known.attached);
     const QString text = fragment.text();
-    if (known.object == 0) return AddText(text, known.look, first_run);
+    if (known.object == 0) return AddText(text, known.format, first_run);
     for (const QChar character : text) {
       if (character != QChar::ObjectReplacementCharacter)
-        AddText(QStringView(&character, 1), known.look, first_run);
+        AddText(QStringView(&character, 1), known.format, first_run);
       else if (known.object == kPageBreak)
-        AddText(u"\f", known.look, first_run);
+        AddText(u"\f", known.format, first_run);
       else
-        document_.runs.push_back({0, known.look, static_cast<std::uint32_t>(known.object)});
+        document_.runs.push_back({0, known.format, static_cast<std::uint32_t>(known.object)});
     }
   }
 
-  void AddText(QStringView text, std::uint32_t look, std::uint32_t first_run) {
+  void AddText(QStringView text, std::uint32_t format, std::uint32_t first_run) {
     const QByteArray bytes = text.toUtf8();
     document_.text.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     auto& runs = document_.runs;
-    if (runs.size() > first_run && runs.back().object == 0 && runs.back().format == look)
+    if (runs.size() > first_run && runs.back().object == 0 && runs.back().format == format)
       runs.back().bytes += static_cast<std::uint32_t>(bytes.size());
     else
-      runs.push_back({static_cast<std::uint32_t>(bytes.size()), look, 0});
+      runs.push_back({static_cast<std::uint32_t>(bytes.size()), format, 0});
   }
 
   /// Formats that were split name it more than once.
@@ -310,11 +220,11 @@ class Exporter {
 
   RtfStore& store_;
   RtfDocument& document_;
-  RtfLooks looks_;
-  FlatTables flat_tables_;
+  RtfFormats formats_;
+  RtfFlatExport flat_tables_;
   QTextBlockFormat before_;  ///< of the block right before; invalid behind a table
   std::vector<Known> known_;
-  std::unordered_map<int, std::uint32_t> paragraph_looks_;
+  std::unordered_map<int, std::uint32_t> paragraph_formats_;
   std::unordered_set<int> written_;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "windows/rich/RtfLooks.h"
+#include "windows/rich/RtfStore.h"
 
 class QTextDocument;
 

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <set>
+#include <string>
+
+#include "system/Twips.h"
 
 namespace tme {
 namespace {
@@ -9,6 +12,8 @@ namespace {
 // A table is laid out on the edges of all its rows; one that would need far more places than it has cells is not.
 constexpr std::size_t kMaxPlacesPerCell = 4;
 constexpr std::size_t kPlacesAlwaysTaken = 4000;
+constexpr int kCellPadding = 70;  // twips
+constexpr double kLeastColumnUnits = 8;
 
 }  // namespace
 
@@ -67,6 +72,27 @@ void RtfGrid::PlaceRow(const rtf::RtfDocument& source, const std::vector<std::ui
     }
     column = end;
   }
+}
+
+QTextTableFormat RtfGrid::Format() const {
+  const bool has_borders = std::any_of(kept.rows.begin(), kept.rows.end(), [](const RtfStore::KeptRow& row) {
+    return row.definition.empty() || row.definition.find("brdrs") != std::string::npos;
+  });
+  QTextTableFormat format;
+  format.setCellSpacing(0);
+  format.setCellPadding(TwipsToUnits(kCellPadding));
+  format.setBorder(1);
+  format.setBorderCollapse(true);
+  format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+  format.setBorderBrush(has_borders ? QColor(0x40, 0x48, 0x50) : QColor(0xd8, 0xdc, 0xe0));
+  QList<QTextLength> widths;
+  int left = 0;
+  for (const int edge : edges) {
+    widths.append(QTextLength(QTextLength::FixedLength, std::max(TwipsToUnits(edge - left), kLeastColumnUnits)));
+    left = edge;
+  }
+  if (!widths.isEmpty()) format.setColumnWidthConstraints(widths);
+  return format;
 }
 
 }  // namespace tme

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QTextTableFormat>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
-#include "windows/rich/RtfLooks.h"
 #include "windows/rich/RtfShape.h"
+#include "windows/rich/RtfStore.h"
 
 namespace tme {
 
@@ -22,6 +23,9 @@ struct RtfGrid {
   /// first, last: in shape.RowsOf(table), the last one not included.
   RtfGrid(const rtf::RtfDocument& source, const RtfShape& shape, std::uint32_t table, std::size_t first,
           std::size_t last);
+
+  /// Of the view's table.
+  QTextTableFormat Format() const;
 
   RtfStore::KeptTable kept;  ///< without columns when there are no cells
   std::vector<std::pair<std::uint32_t, Place>> places;

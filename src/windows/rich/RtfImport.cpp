@@ -8,11 +8,18 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <utility>
+#include <vector>
 
+#include "base/Utf8.h"
 #include "shell/DisplayText.h"
-#include "system/Twips.h"
+#include "windows/rich/RtfFlatTables.h"
+#include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfGrid.h"
+#include "windows/rich/RtfMerge.h"
+#include "windows/rich/RtfPieces.h"
 #include "windows/rich/RtfShape.h"
+#include "windows/rich/RtfViewLists.h"
 
 namespace tme {
 namespace {
@@ -34,7 +41,8 @@ class Importer {
         store_(store),
         step_(step),
         shape_(source),
-        looks_(store),
+        formats_(store),
+        flat_(source, shape_, store),
         cursor_(&target),
         char_formats_(store.document.char_formats.size()) {}
 
@@ -70,7 +78,7 @@ class Importer {
     for (std::size_t index = first; index < last && !given_up_;) {
       const std::int32_t cell = CellInside(parent, source_.paragraphs[index]);
       if (cell < 0 || shape_.IsFlat(shape_.TableOf(cell))) {
-        InsertParagraph(index, at, cell < 0 ? 0 : FlatNumber(source_.paragraphs[index].cell));
+        InsertParagraph(index, at, cell < 0 ? 0 : flat_.NumberOf(source_.paragraphs[index].cell));
         ++index;
         at = At::EndOfBlock;
         continue;
@@ -91,30 +99,6 @@ class Importer {
     if (at == At::AfterTable) MarkFiller();
   }
 
-  /// The store's number of a cell of a table that is not shown as one, plus 1; all of the table joins the store with
-  /// its first cell.
-  int FlatNumber(std::int32_t cell) {
-    if (flat_numbers_.empty()) flat_numbers_.resize(source_.cells.size(), 0);
-    int& number = flat_numbers_[static_cast<std::size_t>(cell)];
-    if (number > 0) return number;
-    const std::int32_t around = shape_.CellAround(cell);
-    const bool is_inside_flat = around >= 0 && shape_.IsFlat(shape_.TableOf(around));
-    const std::int32_t parent = is_inside_flat ? FlatNumber(around) - 1 : -1;
-    RtfStore::FlatTables& flat = store_.flat;
-    for (const std::uint32_t row : shape_.RowsOf(shape_.TableOf(cell))) {
-      const auto begin = static_cast<std::uint32_t>(flat.cells.size());
-      for (const std::uint32_t each : shape_.CellsOf(row)) {
-        flat.cells.push_back(source_.cells[each]);
-        flat.cells.back().row = static_cast<std::uint32_t>(flat.rows.size());
-        flat_numbers_[each] = static_cast<int>(flat.cells.size());
-      }
-      const auto end = static_cast<std::uint32_t>(flat.cells.size());
-      flat.rows.push_back({static_cast<std::uint32_t>(flat.parents.size()), begin, end, source_.rows[row].definition});
-    }
-    flat.parents.push_back(parent);
-    return number;
-  }
-
   void MarkFiller() {
     QTextBlockFormat format = BlockFormat(0, nullptr);
     format.setProperty(kFiller, 1);
@@ -133,12 +117,12 @@ class Importer {
   void InsertParagraph(std::size_t index, At at, int flat) {
     if (++since_step_ >= kParagraphsBetweenSteps) Step();
     const rtf::Paragraph& paragraph = source_.paragraphs[index];
-    const std::size_t last =
-        index + 1 < source_.paragraphs.size() ? source_.paragraphs[index + 1].first_run : source_.runs.size();
+    const std::size_t last = source_.EndOfRuns(index);
     std::size_t shown_end = last;
     while (shown_end > paragraph.first_run && IsUnseen(source_.runs[shown_end - 1])) --shown_end;
 
-    QTextList* list = ListOf(paragraph);
+    const rtf::ParagraphFormat& paragraph_format = store_.document.paragraph_formats[paragraph.format];
+    QTextList* list = lists_.Find(paragraph_format);
     QTextBlockFormat format = BlockFormat(paragraph.format, list);
     if (flat > 0) {
       format.setProperty(kFlatCell, flat);
@@ -146,7 +130,7 @@ class Importer {
     }
     const bool is_long = shape_.IsLong(index);
     if (is_long) BeginPieces(format, paragraph.mark_format);
-    if (at == At::EmptyCell) format.setProperty(kMarkLook, static_cast<int>(paragraph.mark_format) + 1);
+    if (at == At::EmptyCell) format.setProperty(kMarkFormat, static_cast<int>(paragraph.mark_format) + 1);
     int attached = 0;
     if (shown_end < last) {
       std::uint32_t offset = offset_;
@@ -161,7 +145,7 @@ class Importer {
       if (at == At::EmptyBlock) cursor_.setBlockCharFormat(CharFormat(paragraph.mark_format));
       if (list) list->add(cursor_.block());
     }
-    if (!list) StartList(paragraph);
+    if (!list) lists_.Begin(paragraph_format, cursor_);
     InsertRuns(paragraph.first_run, shown_end);
     if (is_long) EndPieces(attached);
     for (; shown_end < last; ++shown_end) offset_ += source_.runs[shown_end].bytes;
@@ -178,7 +162,7 @@ class Importer {
     ++long_paragraphs_;
     format.setProperty(kLongParagraph, ++store_.long_paragraphs);
     format.setProperty(kPiece, 1);
-    RtfLooks::ShowAsPiece(format, 1);
+    ShowAsPiece(format, 1);
     next_piece_ = format;
     next_piece_.setObjectIndex(-1);
     room_ = kBytesOfPiece;
@@ -188,7 +172,7 @@ class Importer {
   void NextPiece() {
     const int piece = next_piece_.intProperty(kPiece) + 1;
     next_piece_.setProperty(kPiece, piece);
-    RtfLooks::ShowAsPiece(next_piece_, piece);
+    ShowAsPiece(next_piece_, piece);
     cursor_.insertBlock(next_piece_, CharFormat(piece_mark_));
     room_ = kBytesOfPiece;
     room_runs_ = kRunsOfPiece;
@@ -213,8 +197,7 @@ class Importer {
   static std::size_t CutOf(std::string_view text, std::size_t room) {
     const std::size_t blank = text.rfind(' ', room);
     if (blank != std::string_view::npos && blank < room && room - blank < kBytesOfPiece / 4) return blank + 1;
-    while (room > 0 && (static_cast<unsigned char>(text[room]) & 0xC0) == 0x80) --room;
-    return room;
+    return utf8::CharacterStart(text, room);
   }
 
   bool IsUnseen(const rtf::Run& run) const {
@@ -289,7 +272,7 @@ class Importer {
   const QTextCharFormat& CharFormat(std::uint32_t number) {
     if (number >= char_formats_.size()) number = 0;
     std::optional<QTextCharFormat>& format = char_formats_[number];
-    if (!format) format = looks_.Show(number);
+    if (!format) format = formats_.ShowCharFormat(number);
     return *format;
   }
 
@@ -297,36 +280,10 @@ class Importer {
     if (number >= store_.document.paragraph_formats.size()) number = 0;
     const auto [place, is_new] = block_formats_.try_emplace({number, list});
     if (is_new) {
-      place->second = looks_.Show(store_.document.paragraph_formats[number], number);
+      place->second = formats_.ShowParagraphFormat(number);
       if (list) place->second.setObjectIndex(list->objectIndex());
     }
     return place->second;
-  }
-
-  /// The list that a paragraph goes on with; null when it is in none or begins one.
-  QTextList* ListOf(const rtf::Paragraph& paragraph) {
-    const rtf::ParagraphFormat& look = store_.document.paragraph_formats[paragraph.format];
-    if (look.list == rtf::ListKind::None) {
-      // Lists of the file's tables go on behind other text, others end.
-      std::erase_if(lists_, [](const auto& entry) { return std::get<0>(entry.first) == 0; });
-      return nullptr;
-    }
-    std::erase_if(lists_, [&look](const auto& entry) {
-      return std::get<0>(entry.first) == look.list_id && std::get<1>(entry.first) > look.list_level;
-    });
-    const auto found = lists_.find({look.list_id, look.list_level, look.list});
-    return found == lists_.end() ? nullptr : found->second;
-  }
-
-  void StartList(const rtf::Paragraph& paragraph) {
-    const rtf::ParagraphFormat& look = store_.document.paragraph_formats[paragraph.format];
-    if (look.list == rtf::ListKind::None) return;
-    QTextListFormat format;
-    format.setStyle(RtfLooks::StyleOf(look.list));
-    if (look.list == rtf::ListKind::Bullet && look.list_level % 3 != 0)
-      format.setStyle(look.list_level % 3 == 1 ? QTextListFormat::ListCircle : QTextListFormat::ListSquare);
-    format.setIndent(0);
-    lists_[{look.list_id, look.list_level, look.list}] = cursor_.createList(format);
   }
 
   /// Leaves the cursor in the block behind the table.
@@ -347,14 +304,12 @@ class Importer {
   }
 
   void InsertGrid(RtfGrid&& grid, const CellRanges& cells) {
-    const bool has_borders =
-        std::any_of(grid.kept.rows.begin(), grid.kept.rows.end(), [](const RtfStore::KeptRow& row) {
-          return row.definition.empty() || row.definition.find("brdrs") != std::string::npos;
-        });
     const auto rows = static_cast<int>(grid.kept.rows.size());
     const int columns = grid.kept.columns;
+    QTextTableFormat format = grid.Format();
     store_.tables.push_back(std::move(grid.kept));
-    QTextTable* table = cursor_.insertTable(rows, columns, TableFormat(grid.edges, has_borders));
+    format.setProperty(kTable, static_cast<int>(store_.tables.size()));
+    QTextTable* table = cursor_.insertTable(rows, columns, format);
     for (const auto& [cell, place] : grid.places)
       if (place.rows > 1 || place.columns > 1) table->mergeCells(place.row, place.column, place.rows, place.columns);
     for (const auto& [cell, place] : grid.places) {
@@ -377,38 +332,19 @@ class Importer {
     return known_offset_;
   }
 
-  QTextTableFormat TableFormat(const std::vector<int>& edges, bool has_borders) const {
-    QTextTableFormat format;
-    format.setProperty(kTable, static_cast<int>(store_.tables.size()));
-    format.setCellSpacing(0);
-    format.setCellPadding(TwipsToUnits(70));
-    format.setBorder(1);
-    format.setBorderCollapse(true);
-    format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
-    format.setBorderBrush(has_borders ? QColor(0x40, 0x48, 0x50) : QColor(0xd8, 0xdc, 0xe0));
-    QList<QTextLength> widths;
-    int left = 0;
-    for (const int edge : edges) {
-      widths.append(QTextLength(QTextLength::FixedLength, std::max(TwipsToUnits(edge - left), 8.0)));
-      left = edge;
-    }
-    if (!widths.isEmpty()) format.setColumnWidthConstraints(widths);
-    return format;
-  }
-
   const RtfDocument& source_;
   RtfStore& store_;
   const RtfImportStep& step_;
   const RtfShape shape_;
-  RtfLooks looks_;
+  RtfFormats formats_;
+  RtfFlatKeeper flat_;
   QTextCursor cursor_;
   std::uint32_t offset_ = 0;  ///< in the text, of the next run
   std::size_t known_run_ = 0;
   std::uint32_t known_offset_ = 0;
   std::vector<std::optional<QTextCharFormat>> char_formats_;
   std::map<std::pair<std::uint32_t, const QTextList*>, QTextBlockFormat> block_formats_;
-  std::map<std::tuple<std::int32_t, std::uint8_t, rtf::ListKind>, QTextList*> lists_;
-  std::vector<int> flat_numbers_;  ///< of the cells, where they are known
+  RtfViewLists lists_;
   std::size_t long_paragraphs_ = 0;
   // Of the piece that is being filled; endless outside long paragraphs.
   std::size_t room_ = kEndless;
@@ -419,30 +355,25 @@ class Importer {
   bool given_up_ = false;
 };
 
-}  // namespace
-
-RtfDocument TakeRtfText(RtfDocument& from) {
-  RtfDocument text;
-  text.text.swap(from.text);
-  text.runs.swap(from.runs);
-  text.paragraphs.swap(from.paragraphs);
-  text.cells.swap(from.cells);
-  text.rows.swap(from.rows);
-  text.tables.swap(from.tables);
-  return text;
-}
-
+/// Shows a text whose formats and objects are those of the store.
 bool ShowRtf(const RtfDocument& text, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
              const RtfImportStep& step) {
   target.setUndoRedoEnabled(false);
   return Importer(text, store, target, step).Run(simplified);
 }
 
+}  // namespace
+
 bool ImportRtf(RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
                const RtfImportStep& step) {
   const RtfDocument text = TakeRtfText(source);
   store.document = std::move(source);
   return ShowRtf(text, store, target, simplified, step);
+}
+
+bool ImportRtfPart(RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
+                   const RtfImportStep& step) {
+  return ShowRtf(MergeRtf(std::move(source), store), store, target, simplified, step);
 }
 
 }  // namespace tme

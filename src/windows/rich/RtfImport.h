@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "windows/rich/RtfLooks.h"
+#include "windows/rich/RtfStore.h"
 
 class QTextDocument;
 
@@ -34,11 +34,5 @@ bool ImportRtf(rtf::RtfDocument&& source, RtfStore& store, QTextDocument& target
 /// with parts that nothing names.
 bool ImportRtfPart(rtf::RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
                    const RtfImportStep& step = {});
-
-/// The steps of both. The text and its structure, out of a document that keeps the rest.
-rtf::RtfDocument TakeRtfText(rtf::RtfDocument& from);
-/// Shows a text whose looks and objects are those of the store.
-bool ShowRtf(const rtf::RtfDocument& text, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
-             const RtfImportStep& step);
 
 }  // namespace tme

@@ -5,7 +5,7 @@
 #include <QPixmap>
 #include <QTextObjectInterface>
 
-#include "windows/rich/RtfLooks.h"
+#include "windows/rich/RtfStore.h"
 
 namespace tme {
 

@@ -9,7 +9,7 @@
 
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
-#include "windows/rich/RtfLooks.h"
+#include "windows/rich/RtfStore.h"
 #include "windows/text/Pad.h"
 
 namespace tme {
@@ -121,18 +121,6 @@ class RtfPad : public QTextEdit, public Pad {
   bool viewportEvent(QEvent* event) override;
 
  private:
-  /// The document's text as one searches it: a long paragraph in one piece.
-  struct JoinedText {
-    JoinedText(const QTextDocument& document, bool has_long_paragraphs);
-    PadPosition IndexOf(PadPosition position) const;
-    PadPosition PositionOf(PadPosition index) const;
-
-    QString text;
-
-   private:
-    std::vector<PadPosition> seams_;  ///< between pieces
-  };
-
   void Show(std::unique_ptr<QTextDocument> view);
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
   /// no longer there.
@@ -148,9 +136,6 @@ class RtfPad : public QTextEdit, public Pad {
   /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
   /// long.
   void AfterInsertion(int first);
-  void SplitLongParagraphs(int first, int last);
-  /// end: behind the paragraph. The block there.
-  QTextBlock SplitParagraph(QTextBlock block, const QTextBlock& end);
   void InsertFragment(const QTextDocument& part);
   void LayOutUnwrapped();
   void ApplyZoom();
@@ -161,7 +146,7 @@ class RtfPad : public QTextEdit, public Pad {
   template <typename Value, typename Of>
   std::optional<Value> Uniform(Of of) const;
 
-  // `store_` changes when a selection is written: fonts and looks that are new join its tables.
+  // `store_` changes when a selection is written: fonts and formats that are new join its tables.
   std::unique_ptr<RtfStore> store_;
   RtfObjectView* objects_;
   QImage zoom_device_;

@@ -11,7 +11,7 @@
 #include <charconv>
 
 #include "system/Twips.h"
-#include "windows/rich/RtfLooks.h"
+#include "windows/rich/RtfStore.h"
 
 namespace tme {
 namespace {

@@ -1,12 +1,15 @@
-// What keeps RtfPad usable with long paragraphs and large documents.
+// How RtfPad lays its text out without keeping the user waiting, and at which size.
 
 #include <QAbstractTextDocumentLayout>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <algorithm>
+#include <utility>
 
 #include "shell/LongWork.h"
+#include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfPieces.h"
 #include "windows/rich/RtfShape.h"
 
 using namespace Qt::StringLiterals;
@@ -14,14 +17,10 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-// So much is laid out without asking, between two looks at Cancel: some hundredths of a second.
+// So much is laid out without asking, between two checks of Cancel: some hundredths of a second.
 constexpr int kCharactersAtOnce = 100'000;
 constexpr int kBlocksAtOnce = 1'000;
-constexpr auto kPieceCharacters = static_cast<int>(kBytesOfPiece);
-
-bool GoesOnFrom(const QTextBlock& before, const QTextBlock& block) {
-  return before.isValid() && block.isValid() && GoesOn(before.blockFormat(), block.blockFormat());
-}
+constexpr int kLeastWrapPixels = 40;
 
 }  // namespace
 
@@ -79,6 +78,54 @@ bool RtfPad::ShowCaret() {
   return true;
 }
 
+void RtfPad::SetRightMargin(int twips) {
+  if (std::exchange(right_margin_, twips) == twips) return;
+  const int place = LeavePlace();
+  if (twips >= kNoWrap) {
+    LayOutUnwrapped();
+  } else {
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setLineWrapColumnOrWidth(std::max(TwipsToPixels(twips, logicalDpiX()), kLeastWrapPixels));
+    setLineWrapMode(FixedPixelWidth);
+  }
+  ShowFrom(place);
+}
+
+/// Not NoWrap: that lays out to no width at all while it knows of no paragraph that needs one, and what is
+/// right-aligned or centred then ends up to the left of the page. Longer paragraphs widen the page here too.
+void RtfPad::LayOutUnwrapped() {
+  setLineWrapMode(WidgetWidth);
+  setWordWrapMode(QTextOption::NoWrap);
+}
+
+void RtfPad::SetZoom(int percent) {
+  if (zoom_.Set(percent)) ZoomInPlace();
+}
+
+/// The layout measures on a device of another resolution; the document knows nothing of it.
+void RtfPad::ApplyZoom() {
+  QAbstractTextDocumentLayout* layout = document()->documentLayout();
+  const int percent = zoom_.Value();
+  if (percent == 100) {
+    if (layout->paintDevice() == viewport()) return;
+    layout->setPaintDevice(viewport());
+  } else {
+    zoom_device_ = QImage(1, 1, QImage::Format_RGB32);
+    zoom_device_.setDotsPerMeterX(qRound(logicalDpiX() * percent / 100.0 / 0.0254));
+    zoom_device_.setDotsPerMeterY(qRound(logicalDpiY() * percent / 100.0 / 0.0254));
+    layout->setPaintDevice(&zoom_device_);
+  }
+  // As after a new page size: all is laid out anew, what is in sight first.
+  document()->setPageSize(document()->pageSize());
+  viewport()->update();
+}
+
+void RtfPad::ZoomInPlace() {
+  const int place = LeavePlace();
+  ApplyZoom();
+  ShowFrom(place);
+}
+
 void RtfPad::Undo() {
   Step([this] { QTextEdit::undo(); }, document()->availableUndoSteps());
 }
@@ -118,86 +165,7 @@ void RtfPad::AfterInsertion(int first) {
       QTextCursor(block).setBlockFormat(format);
     }
   }
-  SplitLongParagraphs(first, last);
-}
-
-void RtfPad::SplitLongParagraphs(int first, int last) {
-  QTextBlock block = document()->findBlock(first);
-  const int behind = document()->characterCount() - last;
-  while (GoesOnFrom(block.previous(), block)) block = block.previous();
-  while (block.isValid() && block.position() <= document()->characterCount() - behind) {
-    QTextBlock end = block;
-    bool is_long = false;
-    do {
-      is_long = is_long || end.length() > static_cast<int>(kLongBytes);
-      end = end.next();
-    } while (GoesOnFrom(end.previous(), end));
-    block = is_long ? SplitParagraph(block, end) : end;
-  }
-}
-
-QTextBlock RtfPad::SplitParagraph(QTextBlock block, const QTextBlock& end) {
-  const int number = ++store_->long_paragraphs;
-  int piece = 0;
-  const int behind = end.isValid() ? document()->characterCount() - end.position() : 0;
-  const auto is_end = [&] {
-    return !block.isValid() || (behind > 0 && document()->characterCount() - block.position() <= behind);
-  };
-  while (!is_end()) {
-    const bool is_long = block.length() > 2 * kPieceCharacters;
-    QTextBlockFormat format = block.blockFormat();
-    format.setProperty(kLongParagraph, number);
-    format.setProperty(kPiece, ++piece);
-    RtfLooks::ShowAsPiece(format, piece);
-    QTextBlockFormat before = format;
-    if (is_long) before.clearProperty(kAttached);  // at the paragraph's end
-    QTextCursor cursor(block);
-    cursor.setBlockFormat(before);
-    if (is_long) {
-      const QString text = block.text();
-      qsizetype cut = text.lastIndexOf(u' ', kPieceCharacters) + 1;
-      if (cut < kPieceCharacters / 2) cut = kPieceCharacters;
-      if (text.at(cut).isLowSurrogate()) --cut;
-      cursor.setPosition(block.position() + static_cast<int>(cut));
-      format.setObjectIndex(-1);
-      cursor.insertBlock(format);
-    }
-    block = block.next();
-  }
-  return block;
-}
-
-RtfPad::JoinedText::JoinedText(const QTextDocument& document, bool has_long_paragraphs) : text(document.toRawText()) {
-  if (!has_long_paragraphs) return;
-  for (QTextBlock block = document.begin().next(); block.isValid(); block = block.next())
-    if (GoesOnFrom(block.previous(), block)) seams_.push_back(block.position() - 1);
-  qsizetype to = 0;
-  auto seam = seams_.begin();
-  for (qsizetype from = 0; from < text.size(); ++from) {
-    if (seam != seams_.end() && *seam == from)
-      ++seam;
-    else
-      text[to++] = text.at(from);
-  }
-  text.truncate(to);
-}
-
-PadPosition RtfPad::JoinedText::IndexOf(PadPosition position) const {
-  return position - (std::lower_bound(seams_.begin(), seams_.end(), position) - seams_.begin());
-}
-
-PadPosition RtfPad::JoinedText::PositionOf(PadPosition index) const {
-  // A seam before which `n` others stand has the index of its position less n.
-  PadPosition position = index;
-  std::size_t low = 0, high = seams_.size();
-  while (low < high) {
-    const std::size_t middle = (low + high) / 2;
-    if (seams_[middle] - static_cast<PadPosition>(middle) <= index)
-      low = middle + 1;
-    else
-      high = middle;
-  }
-  return position + static_cast<PadPosition>(low);
+  SplitLongParagraphs(*document(), *store_, first, last);
 }
 
 }  // namespace tme

@@ -9,14 +9,14 @@
 
 namespace tme::rtf {
 
-/// Look of text after \plain.
+/// Format of text after \plain.
 CharFormat PlainFormat(const RtfDocument& document);
 
-/// Writes what leads from one look to another; fields are none of its business. `plain`: PlainFormat.
+/// Writes what leads from one format to another; fields are none of its business. `plain`: PlainFormat.
 void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to,
                      RtfOutput& out);
 
-/// Control words of a paragraph's look, those after \pard; a group among them says how a list without an entry in the
+/// Control words of a paragraph's format, those after \pard; a group among them says how a list without an entry in the
 /// file's tables counts.
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format);
 

@@ -1,4 +1,4 @@
-#include "documents/rtf/RtfFormats.h"
+#include "documents/rtf/RtfFormatOutput.h"
 
 #include <algorithm>
 #include <array>
@@ -36,8 +36,8 @@ std::string_view Pick(const std::array<std::string_view, count>& words, Choice c
 }
 
 std::string_view ExtraWords(const RtfDocument& document, std::uint32_t number) {
-  return number > 0 && number <= document.extras.size() ? std::string_view(document.extras[number - 1])
-                                                        : std::string_view();
+  const std::string* words = EntryOf(document.extras, number);
+  return words != nullptr ? std::string_view(*words) : std::string_view();
 }
 
 void Add(std::string& text, std::string_view control, std::int64_t number) {

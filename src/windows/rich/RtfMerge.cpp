@@ -1,20 +1,30 @@
-// A document that joins another one.
+#include "windows/rich/RtfMerge.h"
 
 #include <iterator>
 #include <utility>
 #include <vector>
 
-#include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfFormatStore.h"
 
 namespace tme {
 
 using rtf::RtfDocument;
 
-bool ImportRtfPart(RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
-                   const RtfImportStep& step) {
+RtfDocument TakeRtfText(RtfDocument& from) {
+  RtfDocument text;
+  text.text.swap(from.text);
+  text.runs.swap(from.runs);
+  text.paragraphs.swap(from.paragraphs);
+  text.cells.swap(from.cells);
+  text.rows.swap(from.rows);
+  text.tables.swap(from.tables);
+  return text;
+}
+
+RtfDocument MergeRtf(RtfDocument&& source, RtfStore& store) {
   RtfDocument text = TakeRtfText(source);
   RtfDocument& kept = store.document;
-  RtfLooks looks(store);
+  RtfFormatStore formats(store);
   const auto objects = static_cast<std::uint32_t>(kept.objects.size());
   const auto fields = static_cast<std::uint32_t>(kept.fields.size());
   std::move(source.objects.begin(), source.objects.end(), std::back_inserter(kept.objects));
@@ -24,21 +34,21 @@ bool ImportRtfPart(RtfDocument&& source, RtfStore& store, QTextDocument& target,
   }
 
   const auto color_of = [&](std::uint32_t color) {
-    return color == 0 || color >= source.colors.size() ? 0 : looks.ColorOf(source.colors[color]);
+    return color == 0 || color >= source.colors.size() ? 0 : formats.AddColor(source.colors[color]);
   };
   std::vector<std::uint32_t> char_numbers, paragraph_numbers;
-  for (rtf::CharFormat look : source.char_formats) {
-    look.font = look.font < source.fonts.size() ? looks.FontOf(source.fonts[look.font]) : 0;
-    look.color = color_of(look.color);
-    look.background = color_of(look.background);
-    look.field = look.field ? look.field + fields : 0;
-    look.extra = 0;
-    char_numbers.push_back(looks.Add(look));
+  for (rtf::CharFormat format : source.char_formats) {
+    format.font = format.font < source.fonts.size() ? formats.Add(source.fonts[format.font]) : 0;
+    format.color = color_of(format.color);
+    format.background = color_of(format.background);
+    format.field = format.field ? format.field + fields : 0;
+    format.extra = 0;
+    char_numbers.push_back(formats.Add(format));
   }
-  for (rtf::ParagraphFormat look : source.paragraph_formats) {
-    look.list_id = 0;
-    look.extra = 0;
-    paragraph_numbers.push_back(looks.Add(look));
+  for (rtf::ParagraphFormat format : source.paragraph_formats) {
+    format.list_id = 0;
+    format.extra = 0;
+    paragraph_numbers.push_back(formats.Add(format));
   }
   const auto number_of = [](const std::vector<std::uint32_t>& numbers, std::uint32_t number) {
     return number < numbers.size() ? numbers[number] : 0;
@@ -51,7 +61,7 @@ bool ImportRtfPart(RtfDocument&& source, RtfStore& store, QTextDocument& target,
     paragraph.format = number_of(paragraph_numbers, paragraph.format);
     paragraph.mark_format = number_of(char_numbers, paragraph.mark_format);
   }
-  return ShowRtf(text, store, target, simplified, step);
+  return text;
 }
 
 }  // namespace tme

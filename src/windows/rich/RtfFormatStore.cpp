@@ -1,0 +1,57 @@
+#include "windows/rich/RtfFormatStore.h"
+
+#include <QString>
+#include <algorithm>
+#include <utility>
+
+namespace tme {
+namespace {
+
+std::uint32_t DefaultFontOf(const rtf::RtfDocument& document) {
+  const auto found = std::ranges::find(document.fonts, document.default_font, &rtf::Font::number);
+  return found == document.fonts.end() ? 0U : static_cast<std::uint32_t>(found - document.fonts.begin());
+}
+
+}  // namespace
+
+RtfFormatStore::RtfFormatStore(RtfStore& store) : document_(store.document) {
+  const rtf::RtfDocument empty = EmptyRtfDocument();
+  if (document_.fonts.empty()) document_.fonts = empty.fonts;
+  if (document_.colors.empty()) document_.colors = empty.colors;
+  if (document_.char_formats.empty()) document_.char_formats = empty.char_formats;
+  if (document_.paragraph_formats.empty()) document_.paragraph_formats = empty.paragraph_formats;
+  for (rtf::CharFormat& format : document_.char_formats)
+    if (format.font >= document_.fonts.size()) format.font = DefaultFontOf(document_);
+  char_formats_.Learn(document_.char_formats);
+  paragraph_formats_.Learn(document_.paragraph_formats);
+}
+
+std::uint32_t RtfFormatStore::Add(const rtf::Font& font) {
+  auto& fonts = document_.fonts;
+  const QString name = QString::fromStdString(font.name);
+  int free_number = 0;
+  for (std::size_t index = 0; index < fonts.size(); ++index) {
+    if (fonts[index].charset == font.charset &&
+        name.compare(QString::fromStdString(fonts[index].name), Qt::CaseInsensitive) == 0)
+      return static_cast<std::uint32_t>(index);
+    free_number = std::max(free_number, fonts[index].number + 1);
+  }
+  fonts.push_back(font);
+  fonts.back().number = free_number;
+  return static_cast<std::uint32_t>(fonts.size() - 1);
+}
+
+std::uint32_t RtfFormatStore::AddColor(std::uint32_t rgb) {
+  auto& colors = document_.colors;
+  const auto found = std::find(colors.begin() + 1, colors.end(), rgb);
+  if (found != colors.end()) return static_cast<std::uint32_t>(found - colors.begin());
+  colors.push_back(rgb);
+  return static_cast<std::uint32_t>(colors.size() - 1);
+}
+
+std::uint32_t RtfFormatStore::AddLink(std::string url) {
+  document_.fields.emplace_back().url = std::move(url);
+  return static_cast<std::uint32_t>(document_.fields.size());
+}
+
+}  // namespace tme

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "documents/rtf/RtfInternTable.h"
+#include "windows/rich/RtfStore.h"
+
+namespace tme {
+
+/// Adds formats, and the fonts, colours and fields that they name, to the document of a store; what is there already is
+/// found again.
+class RtfFormatStore {
+ public:
+  /// Completes the document, which from then on has at least one font, colour and format of each kind, and no format of
+  /// a font that it has not. `store` outlives this.
+  explicit RtfFormatStore(RtfStore& store);
+
+  const rtf::RtfDocument& Document() const { return document_; }
+
+  // Indices into the document's tables.
+  std::uint32_t Add(const rtf::CharFormat& format) { return char_formats_.Intern(document_.char_formats, format); }
+  std::uint32_t Add(const rtf::ParagraphFormat& format) {
+    return paragraph_formats_.Intern(document_.paragraph_formats, format);
+  }
+  /// By name, without regard to case, and charset.
+  std::uint32_t Add(const rtf::Font& font);
+  std::uint32_t AddColor(std::uint32_t rgb);
+
+  /// A new link, as CharFormat::field names it.
+  std::uint32_t AddLink(std::string url);
+
+ private:
+  rtf::RtfDocument& document_;
+  rtf::InternTable char_formats_;
+  rtf::InternTable paragraph_formats_;
+};
+
+}  // namespace tme

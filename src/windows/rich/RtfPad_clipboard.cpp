@@ -1,0 +1,121 @@
+// What RtfPad gives to the clipboard and takes from it.
+
+#include <QMimeData>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextDocumentFragment>
+#include <utility>
+
+#include "documents/rtf/RtfWriter.h"
+#include "windows/rich/RtfClipboard.h"
+#include "windows/rich/RtfExport.h"
+#include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfShape.h"
+
+namespace tme {
+namespace {
+
+/// A text of marked-up pages that fetches nothing, neither files nor pages.
+class ClosedDocument : public QTextDocument {
+ protected:
+  QVariant loadResource(int, const QUrl&) override { return {}; }
+};
+
+void RemovePictures(QTextDocument& document) {
+  QTextCursor cursor(&document);
+  while (!(cursor = document.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull())
+    cursor.removeSelectedText();
+}
+
+}  // namespace
+
+std::unique_ptr<QTextDocument> RtfPad::SelectionAsDocument() const {
+  auto part = std::make_unique<QTextDocument>();
+  part->setUndoRedoEnabled(false);
+  part->setDefaultFont(document()->defaultFont());
+  QTextCursor(part.get()).insertFragment(textCursor().selection());
+  return part;
+}
+
+std::string RtfPad::SelectedRtf() const {
+  const std::unique_ptr<QTextDocument> part = SelectionAsDocument();
+  rtf::RtfDocument& kept = store_->document;
+  // Of the page and of headers, a part knows nothing.
+  const std::string controls = std::exchange(kept.document_controls, {});
+  const std::string section = std::exchange(kept.kept_section, {});
+  std::string rtf;
+  {
+    const RtfExport written(*part, *store_);
+    rtf::WriteRtf(written.Document(), [&rtf](std::string_view text) {
+      rtf += text;
+      return true;
+    });
+  }
+  kept.document_controls = controls;
+  kept.kept_section = section;
+  return rtf;
+}
+
+void RtfPad::InsertFragment(const QTextDocument& part) {
+  const int first = textCursor().selectionStart();
+  {
+    const LargeEdit edit(*this, static_cast<std::size_t>(part.characterCount()) +
+                                    static_cast<std::size_t>(part.blockCount()) * kCostOfCell);
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertFragment(QTextDocumentFragment(&part));
+    AfterInsertion(first);
+    cursor.endEditBlock();
+  }
+  ShowCaret();
+}
+
+std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
+  QTextDocument part;
+  RtfSimplified simplified;
+  if (!ImportRtfPart(std::move(read), *store_, part, simplified, step)) return std::nullopt;
+  InsertFragment(part);
+  return simplified;
+}
+
+std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step) {
+  ClosedDocument part;
+  part.setUndoRedoEnabled(false);
+  part.setHtml(html);
+  RemovePictures(part);
+  RtfStore store;
+  store.document = EmptyRtfDocument();
+  rtf::RtfDocument text;
+  {
+    const RtfExport written(part, store);
+    text = written.Document();
+  }
+  // Tables that the view could not bear are simplified as those of a file.
+  if (RtfShape(text).FlatTables() > 0) return ReplaceSelectionWithRtf(std::move(text), step);
+  InsertFragment(part);
+  return RtfSimplified();
+}
+
+void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {
+  rtf::Object picture;
+  picture.kind = rtf::ObjectKind::Picture;
+  picture.picture = bytes.toStdString();
+  store_->document.objects.push_back(std::move(picture));
+  QTextCursor cursor = textCursor();
+  QTextCharFormat format = cursor.charFormat();
+  format.setObjectType(kRtfObjectType);
+  format.setProperty(kObject, static_cast<int>(store_->document.objects.size()));
+  cursor.insertText(QString(QChar::ObjectReplacementCharacter), format);
+  ensureCursorVisible();
+}
+
+QMimeData* RtfPad::createMimeDataFromSelection() const { return RtfMimeData(SelectedRtf(), SelectedText()).release(); }
+
+bool RtfPad::canInsertFromMimeData(const QMimeData* source) const {
+  return source->hasText() || source->hasHtml() || source->hasImage() || HasRtf(*source);
+}
+
+void RtfPad::insertFromMimeData(const QMimeData* source) { emit PasteRequested(*source); }
+
+}  // namespace tme
