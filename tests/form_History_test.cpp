@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
+#include <stdexcept>
 
 #include "Editor.h"
 #include "WaitFor.h"
@@ -154,4 +155,22 @@ TEST_F(FormHistoryTest, WhatASaveReordersIsNoDifference) {
   EXPECT_EQ(View(form).Text(), "  [A]\n  x=1\n  y=2\n  \n  [B]\n- z=3\n+ z=4");
   Select(form, 1);
   EXPECT_EQ(Said(form), "The same lines as now, in another order.");
+}
+
+TEST_F(FormHistoryTest, WhatIsThrownWhileComparingIsTold) {
+  Start();
+  for (const std::size_t size : {std::size_t{10}, std::size_t{2'000'000}})
+    Keep(DocumentKind::Txt, InFolder(u"a.txt"_s), {std::string(size, 'a')});
+  history_.folder.before_access = [](const QString& name) {
+    if (name.startsWith(u"blobs/"_s)) throw std::runtime_error("Out of order");
+  };
+  form_History form(global_);
+  for (const int row : {0, 1}) {
+    Select(form, row);
+    WaitFor([&] { return Said(form) != "Comparing..."; });
+    EXPECT_EQ(Said(form), "This version could not be compared: Out of order.") << "beside the window, and in it";
+    Select(form, 1 - row);
+  }
+  dialogs_.ExpectMsgBox(u"This version could not be read: Out of order."_s, kProgramTitle);
+  Click(form, u"cmd_OpenAsNew"_s);
 }

@@ -55,7 +55,7 @@ class Rows {
     }
     for (std::size_t line = begin; line < begin + before; ++line) AddRow(lines_[line], 0);
     const QString count = QLocale().toString(static_cast<qulonglong>(end - begin - before - after));
-    text += "  " + QObject::tr("… %1 lines that are the same …").arg(count).toStdString() + '\n';
+    text += "  " + DifferenceView::tr("… %1 lines that are the same …").arg(count).toStdString() + '\n';
     marks.push_back(kLeftOut);
     for (std::size_t line = end - after; line < end; ++line) AddRow(lines_[line], 0);
   }

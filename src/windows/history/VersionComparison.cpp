@@ -23,7 +23,7 @@ namespace {
 /// More would take the memory several times over.
 constexpr qint64 kComparedBytes = qint64{200} << 20;
 
-QString Tr(const char* text) { return QCoreApplication::translate("form_History", text); }
+QString Tr(const char* text) { return QCoreApplication::translate("VersionComparison", text); }
 
 /// What people read in a content: without its formatting, as UTF-8.
 std::string ReadableText(DocumentKind kind, std::string content) {
@@ -70,7 +70,7 @@ void CompareSorted(VersionComparison& result) {
 
 }  // namespace
 
-void Compare(const History& history, const KeptVersion& version, std::optional<std::string> now,
+void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now,
              VersionComparison& result) {
   using Outcome = VersionComparison::Outcome;
   const QString& path = version.origin.path;
@@ -79,7 +79,7 @@ void Compare(const History& history, const KeptVersion& version, std::optional<s
     result.outcome = Outcome::TooLarge;
     return;
   }
-  std::optional<std::string> content = history.contents.Read(version.digest);
+  std::optional<std::string> content = contents.Read(version.digest);
   if (!content) return;
   if (std::string bytes; !now && !path.isEmpty() && !ReadFileBytes(FilePath(path), bytes)) now = std::move(bytes);
   const bool same_bytes = now && *now == *content;
@@ -101,6 +101,8 @@ QString Summary(const VersionComparison& comparison, const KeptVersion& version,
     case Outcome::Unreadable:
       return Tr("This version can no longer be read: its file in %1 is gone or damaged.")
           .arg(QDir::toNativeSeparators(history_folder));
+    case Outcome::Failed:
+      return Tr("This version could not be compared: %1.").arg(comparison.failure);
     case Outcome::TooLarge:
       return Tr("This is too large to be compared here. Open as New Document and Save a Copy have all of it.");
     case Outcome::NothingThere:

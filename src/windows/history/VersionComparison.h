@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "documents/diff/LineDiff.h"
-#include "history/History.h"
+#include "history/ContentStore.h"
+#include "history/KeptVersion.h"
 
 namespace tme {
 
@@ -14,6 +15,7 @@ namespace tme {
 struct VersionComparison {
   enum class Outcome : std::uint8_t {
     Unreadable,  ///< the kept content is gone or damaged
+    Failed,      ///< something was thrown
     TooLarge,
     NothingThere,  ///< no document or file to compare with: the lines are those of the version
     SameBytes,
@@ -23,6 +25,7 @@ struct VersionComparison {
   };
 
   Outcome outcome = Outcome::Unreadable;
+  QString failure;               ///< why, when it failed
   bool in_sorted_order = false;  ///< both sides were sorted before they were compared
   std::uint64_t only_here = 0;
   std::uint64_t only_now = 0;
@@ -35,11 +38,12 @@ struct VersionComparison {
   VersionComparison& operator=(const VersionComparison&) = delete;
 };
 
-/// Compares; `now` is what the document holds, without it the file is read. Needs no window, any thread may call.
-void Compare(const History& history, const KeptVersion& version, std::optional<std::string> now,
+/// Compares. now: what the document holds; without it the file is read. Needs no window, any thread may call. A result
+/// in which something was thrown is of no use.
+void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now,
              VersionComparison& result);
 
-/// What is to be said about it, in a sentence.
+/// What is said about it, in a sentence or two.
 QString Summary(const VersionComparison& comparison, const KeptVersion& version, const QString& history_folder);
 
 }  // namespace tme

@@ -1,27 +1,24 @@
 #pragma once
 
 #include <QDialog>
-#include <future>
 #include <memory>
 
-#include "history/History.h"
+#include "shell/BackgroundWork.h"
+#include "windows/history/VersionCommands.h"
 
-class QCheckBox;
 class QComboBox;
 class QDialogButtonBox;
-class QLabel;
 class QPushButton;
 class QSplitter;
-class QTreeWidget;
 
 namespace tme {
 
-class DifferenceView;
-class DocumentWindow;
-struct Global;
+class ComparisonPane;
+class VersionList;
 struct VersionComparison;
 
-/// The kept versions of the active document's file, or of all files: looks at them, and brings one back.
+/// The kept versions of the active document's file, or of all files: shows each beside what is there now, and brings
+/// one back.
 class form_History : public QDialog {
   Q_OBJECT
 
@@ -29,63 +26,43 @@ class form_History : public QDialog {
   /// Lists the versions; those of the active document if it has any.
   explicit form_History(Global& global, QWidget* parent = nullptr);
 
-  ~form_History() override;
-
   /// Remembers the size for the next time.
   void done(int result) override;
 
  private:
   void BuildControls();
-  QWidget* BuildTextSide();
   void BuildButtons(QDialogButtonBox& box);
   void RestoreSize();
-  /// Newest first; the version of that id becomes the selected one, else the newest.
-  void ListVersions(const QString& selected_id = {});
+  /// The version of that id becomes the current one, else the newest.
+  void ListVersions(const QString& current_id = {});
   void ShowVersion();
-  /// What the version's document holds when no file does; nothing otherwise.
-  std::optional<std::string> UnsavedNow(const KeptVersion& version) const;
+  /// Shows a failed comparison when something is thrown.
+  void OrSayWhyNot(const std::function<void()>& show);
+  void SayThatNothingIsKept();
   void CompareVersion(const KeptVersion& version);
   /// On a thread of its own; the result is shown when it is there, unless another version is wanted by then.
   void StartComparing(const KeptVersion& version, std::optional<std::string> now);
   void ShowComparison(std::shared_ptr<const VersionComparison> comparison);
-  void ShowLines();
   void EnableCommands(bool enabled);
-  void ShowPlace();
-  /// Null when nothing is selected.
-  const KeptVersion* Selected() const;
-  /// The content of the selected version; a message and nothing when it is gone.
-  std::optional<std::string> SelectedContent();
-  /// The window that holds the version's document now, the active one if there are several; null when it is not open.
-  DocumentWindow* WindowOf(const KeptVersion& version) const;
-
-  /// Where the copy goes; empty when cancelled.
-  QString AskForCopyPath(const ContentOrigin& origin);
 
   void cmd_OpenAsNew_Click();
   void cmd_SaveCopy_Click();
-  /// The document gets the version's content, marked changed; what it held is kept first.
   void cmd_Restore_Click();
 
   Global& global_;
-  QList<KeptVersion> versions_;
+  VersionCommands commands_;
   QComboBox* cb_Scope = nullptr;
-  QTreeWidget* list_Versions = nullptr;
+  VersionList* list_Versions = nullptr;
   QSplitter* splitter_ = nullptr;
-  QLabel* lbl_Difference = nullptr;
-  QLabel* lbl_Place = nullptr;
-  QCheckBox* chk_DifferencesOnly = nullptr;
-  QPushButton* cmd_Previous = nullptr;
-  QPushButton* cmd_Next = nullptr;
-  DifferenceView* txt_Version = nullptr;
+  ComparisonPane* pane_ = nullptr;
   QPushButton* cmd_OpenAsNew = nullptr;
   QPushButton* cmd_SaveCopy = nullptr;
   QPushButton* cmd_Restore = nullptr;
-  /// Of the selected version; null while it is not there yet.
-  std::shared_ptr<const VersionComparison> comparison_;
-  /// Grows with each selection.
+  /// Grows with each version that is to be shown.
   std::uint64_t wanted_ = 0;
-  /// Last, so that it is waited for before anything else goes.
-  std::future<void> comparing_;
+  /// The wanted version's comparison is shown.
+  bool is_shown_ = false;
+  BackgroundWork comparing_;
 };
 
 }  // namespace tme

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+class QCheckBox;
+class QHBoxLayout;
+class QKeySequence;
+class QLabel;
+class QPushButton;
+
+namespace tme {
+
+class DifferenceView;
+struct VersionComparison;
+
+/// The lines of a comparison, all of them or the differences only, under a sentence about it and with the way from
+/// difference to difference.
+class ComparisonPane : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ComparisonPane(QWidget* parent = nullptr);
+
+  /// Replaces the lines; null shows none.
+  void Show(std::shared_ptr<const VersionComparison> comparison);
+  void Say(const QString& sentence);
+  /// Whether a line is too long to be shown whole.
+  bool HasCutLines() const;
+  /// What takes the focus, in its order.
+  QList<QWidget*> TabOrder() const;
+
+ private:
+  QPushButton* AddWay(QHBoxLayout& row, const QString& name, const QString& caption, const QKeySequence& key,
+                      void (DifferenceView::*go)());
+  void ShowLines();
+  void ShowPlace();
+
+  std::shared_ptr<const VersionComparison> comparison_;
+  QLabel* lbl_Difference;
+  QLabel* lbl_Place;
+  QCheckBox* chk_DifferencesOnly;
+  QPushButton* cmd_Previous = nullptr;
+  QPushButton* cmd_Next = nullptr;
+  DifferenceView* txt_Version;
+};
+
+}  // namespace tme
