@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 namespace tme {
 namespace {
 
-QString SavingTitle() { return kProgramTitle + u" - AutoSaving Open Files"_s; }
+QString SavingTitle() { return AutoSave::tr("%1 - AutoSaving Open Files").arg(kProgramTitle); }
 
 QString WaitingNotice() {
   return AutoSave::tr(

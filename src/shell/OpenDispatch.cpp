@@ -1,5 +1,6 @@
 #include "shell/OpenDispatch.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
@@ -11,7 +12,6 @@
 #include "shell/GlobalMenus.h"
 #include "shell/KindTraits.h"
 #include "shell/PathList.h"
-#include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "system/Dialogs.h"
 #include "system/FilePath.h"
@@ -23,11 +23,13 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+QString Tr(const char* text) { return QCoreApplication::translate("OpenDispatch", text); }
+
 /// Index of a free slot's window, after the message when there is none.
 DocumentWindow* FreeWindow(Global& global, DocumentKind kind) {
   if (!global.documents.Offers(kind)) {
-    global.dialogs.MsgBox(u"This version of the editor has no window for a document of the kind \"%1\"."_s.arg(
-                              KindText(TraitsOf(kind).message_name)),
+    global.dialogs.MsgBox(Tr("This version of the editor has no window for a document of the kind \"%1\".")
+                              .arg(KindText(TraitsOf(kind).message_name)),
                           MsgButtons::Ok, MsgIcon::Information, kProgramTitle);
     return nullptr;
   }
@@ -65,10 +67,9 @@ void OpenDocument(Global& global, const QString& path, DocumentKind kind, const 
 /// The file is there already: its document comes to the front as it is, changed or not, and says so.
 void ShowOpenDocument(Global& global, DocumentWindow& window, const QString& path, DocumentKind kind) {
   global.area.BringToFront(window);
-  const QString said = path == window.File().Path()
-                           ? mdform_TMEditor::tr("The file is open already: this is its document.")
-                           : mdform_TMEditor::tr("%1 is this very file, which is open already.").arg(path);
-  window.AddNotice(said, {{mdform_TMEditor::tr("Open Once More"), [&global, path, kind] {
+  const QString said = path == window.File().Path() ? Tr("The file is open already: this is its document.")
+                                                    : Tr("%1 is this very file, which is open already.").arg(path);
+  window.AddNotice(said, {{Tr("Open Once More"), [&global, path, kind] {
                              OpenDocument(global, path, kind, {.second = OpenRequest::SecondOpen::IsWanted});
                              global.area.CascadeAfterOpening();
                            }}});
@@ -84,13 +85,15 @@ void OpenDocument(Global& global, const QString& path, DocumentKind kind, const 
   window->File().BecomeFileAt(path, request.recent);
   SendCommand(global, *window, TraitsOf(kind).open_command);
   if (first && window->IsOpen())
-    window->AddNotice(mdform_TMEditor::tr("The file is open in another document as well: the later save counts."));
+    window->AddNotice(Tr("The file is open in another document as well: the later save counts."));
 }
 
 void ShowNotAFile(Global& global, const QString& path) {
-  global.dialogs.MsgBox(u"TME was unable to verify that your request was to open a file.\r( "_s + path +
-                            u" )\rAs such, this action has been canceled."_s,
-                        MsgButtons::Ok, MsgIcon::Information, u"TME"_s);
+  global.dialogs.MsgBox(
+      Tr("TME was unable to verify that your request was to open a file.\r( %1 )\rAs such, this action has been "
+         "canceled.")
+          .arg(path),
+      MsgButtons::Ok, MsgIcon::Information, Tr("TME"));
 }
 
 QString FilterEntry(const Settings& settings, DocumentKind kind) {
@@ -133,7 +136,7 @@ QString OpenFilter(const Global& global, DocumentKind first) {
   QString filter;
   for (const DocumentKind kind : order)
     if (global.documents.Offers(kind)) filter += FilterEntry(global.settings, kind);
-  return filter + u"Other (*.*)|*.*"_s;
+  return filter + Tr("Other (*.*)|*.*");
 }
 
 void OpenPathList(Global& global, const QString& text) {
@@ -160,7 +163,7 @@ void OpenFileByName(Global& global, const QString& path) {
 void OpenFileDialog(Global& global) {
   CommonDialog& dialog = global.common_dialog;
   const QString type = global.registry.ReadValue(SettingsRoot, u"Default Open Type"_s);
-  dialog.title = u"Open File for Editing"_s;
+  dialog.title = Tr("Open File for Editing");
   dialog.filter = OpenFilter(global, ParseDefaultOpenType(type));
   dialog.filter_index = 1;
   dialog.file_name.clear();
@@ -192,9 +195,10 @@ void PasteToNewDocument(Global& global, DocumentKind kind) {
 }
 
 void ShowNoFreeSlot(Global& global, DocumentKind kind) {
-  global.dialogs.MsgBox(u"There are no more "_s + KindText(TraitsOf(kind).message_name) +
-                            u" documents available to open.  Please close one before opening another."_s,
-                        MsgButtons::Ok, MsgIcon::None, u"Reached the limit of 5 type max"_s);
+  global.dialogs.MsgBox(
+      Tr("There are no more %1 documents available to open.  Please close one before opening another.")
+          .arg(KindText(TraitsOf(kind).message_name)),
+      MsgButtons::Ok, MsgIcon::None, Tr("Reached the limit of 5 type max"));
 }
 
 }  // namespace tme

@@ -1,5 +1,7 @@
 #include "shell/SaveDialog.h"
 
+#include <QCoreApplication>
+
 #include "shell/Global.h"
 #include "system/CommonDialog.h"
 #include "system/Dialogs.h"
@@ -20,8 +22,9 @@ QString AskForSavePath(Global& global, const SaveDialogTexts& texts) {
     dialog.init_dir = LastSaveFolder(global.registry);
     QString path = dialog.ShowSave();
     if (path.isEmpty() || !global.shell_utilities.FileExists(path)) return path;
-    switch (global.dialogs.MsgBox(u"Overwrite existing file?"_s, MsgButtons::YesNoCancel, MsgIcon::Question,
-                                  u"File Exists"_s)) {
+    switch (global.dialogs.MsgBox(QCoreApplication::translate("SaveDialog", "Overwrite existing file?"),
+                                  MsgButtons::YesNoCancel, MsgIcon::Question,
+                                  QCoreApplication::translate("SaveDialog", "File Exists"))) {
       case MsgAnswer::Yes:
         return path;
       case MsgAnswer::No:

@@ -1,5 +1,6 @@
 #include "windows/ini/IniNotice.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <QStringList>
 
@@ -10,26 +11,31 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+
+QString Tr(const char* text) { return QCoreApplication::translate("IniNotice", text); }
+
+}  // namespace
 
 QString NoticeOf(const IniReadResult& result, const QString& source) {
   QStringList sentences;
   if (result.ended_at_line > 0)
-    sentences += u"%1 ended early at line %2: %3."_s.arg(
-        source, QLocale().toString(static_cast<qulonglong>(result.ended_at_line)),
-        Counted(result.lines_not_read, u"1 line was not taken"_s, u"%1 lines were not taken"_s));
+    sentences += Tr("%1 ended early at line %2: %3.")
+                     .arg(source, QLocale().toString(static_cast<qulonglong>(result.ended_at_line)),
+                          Counted(result.lines_not_read, Tr("1 line was not taken"), Tr("%1 lines were not taken")));
   if (result.nodes_overwritten > 0)
-    sentences += Counted(result.nodes_overwritten, u"1 item was overwritten."_s, u"%1 items were overwritten."_s);
+    sentences += Counted(result.nodes_overwritten, Tr("1 item was overwritten."), Tr("%1 items were overwritten."));
   if (result.cut_headers > 0)
-    sentences += Counted(result.cut_headers, u"1 section header does not end in \"]\" and lost its last character."_s,
-                         u"%1 section headers do not end in \"]\" and lost their last character."_s);
+    sentences += Counted(result.cut_headers, Tr("1 section header does not end in \"]\" and lost its last character."),
+                         Tr("%1 section headers do not end in \"]\" and lost their last character."));
   if (result.blank_lines_dropped > 0)
-    sentences += Counted(result.blank_lines_dropped, u"1 blank line dropped."_s, u"%1 blank lines dropped."_s);
+    sentences += Counted(result.blank_lines_dropped, Tr("1 blank line dropped."), Tr("%1 blank lines dropped."));
   if (result.sections_reordered)
-    sentences += u"%1 holds its sections in another order."_s.arg(source);
+    sentences += Tr("%1 holds its sections in another order.").arg(source);
   else if (result.entries_reordered)
-    sentences += u"%1 holds its entries in another order."_s.arg(source);
+    sentences += Tr("%1 holds its entries in another order.").arg(source);
   if (sentences.isEmpty()) return {};
-  sentences += u"Saving writes only what the tree shows."_s;
+  sentences += Tr("Saving writes only what the tree shows.");
   return sentences.join(u' ');
 }
 
@@ -38,14 +44,14 @@ QString LeftOutOf(const IniReadResult& result) {
   const auto add = [&items](std::uint64_t count, const QString& one, const QString& many) {
     if (count > 0) items += Counted(count, one, many);
   };
-  add(result.lines_not_read, u"the last line"_s, u"the last %1 lines"_s);
-  add(result.nodes_overwritten, u"1 item that was overwritten"_s, u"%1 items that were overwritten"_s);
-  add(result.cut_headers, u"1 header without \"]\""_s, u"%1 headers without \"]\""_s);
-  add(result.blank_lines_dropped, u"1 blank line"_s, u"%1 blank lines"_s);
+  add(result.lines_not_read, Tr("the last line"), Tr("the last %1 lines"));
+  add(result.nodes_overwritten, Tr("1 item that was overwritten"), Tr("%1 items that were overwritten"));
+  add(result.cut_headers, Tr("1 header without \"]\""), Tr("%1 headers without \"]\""));
+  add(result.blank_lines_dropped, Tr("1 blank line"), Tr("%1 blank lines"));
   if (result.sections_reordered)
-    items += u"the order of its sections"_s;
+    items += Tr("the order of its sections");
   else if (result.entries_reordered)
-    items += u"the order of its entries"_s;
+    items += Tr("the order of its entries");
   return items.join(u", "_s);
 }
 
@@ -57,16 +63,17 @@ QString NoticeOf(const IniTree& tree) {
   };
   if (back.ends_at_line > 0)
     sentences +=
-        u"Opened again, this file would end at line %1: above the sections it may have one comment, which begins "
-        "with \";\"."_s.arg(QLocale().toString(static_cast<qulonglong>(back.ends_at_line)));
-  add(back.headers, u"1 line begins with \"[\" and would be a section when the file is opened again."_s,
-      u"%1 lines begin with \"[\" and would be sections when the file is opened again."_s);
-  add(back.doubles, u"1 section has the name of another one: opening the file again asks which one to keep."_s,
-      u"%1 sections have the names of others: opening the file again asks which ones to keep."_s);
-  add(back.other_kinds, u"1 line would be of another kind (entry, comment) when the file is opened again."_s,
-      u"%1 lines would be of another kind (entry, comment) when the file is opened again."_s);
-  add(back.blank_entries, u"1 entry without text would be gone when the file is opened again."_s,
-      u"%1 entries without text would be gone when the file is opened again."_s);
+        Tr("Opened again, this file would end at line %1: above the sections it may have one comment, which begins "
+           "with \";\".")
+            .arg(QLocale().toString(static_cast<qulonglong>(back.ends_at_line)));
+  add(back.headers, Tr("1 line begins with \"[\" and would be a section when the file is opened again."),
+      Tr("%1 lines begin with \"[\" and would be sections when the file is opened again."));
+  add(back.doubles, Tr("1 section has the name of another one: opening the file again asks which one to keep."),
+      Tr("%1 sections have the names of others: opening the file again asks which ones to keep."));
+  add(back.other_kinds, Tr("1 line would be of another kind (entry, comment) when the file is opened again."),
+      Tr("%1 lines would be of another kind (entry, comment) when the file is opened again."));
+  add(back.blank_entries, Tr("1 entry without text would be gone when the file is opened again."),
+      Tr("%1 entries without text would be gone when the file is opened again."));
   return sentences.join(u' ');
 }
 

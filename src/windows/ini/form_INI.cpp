@@ -269,16 +269,16 @@ IniReadResult form_INI::Read(std::string text) {
   const WaitCursor wait_cursor;
   const IniQuestions ask{[this](std::string_view) {
     return global_.dialogs.MsgBox(
-               u"You have asked to paste a section into this INI file, but that section already exists.  Would you "
-               "like to overwrite the existing section with the clipboard data?"_s,
-               MsgButtons::YesNo, MsgIcon::Question, u"Duplicate Section"_s) == MsgAnswer::Yes;
+               tr("You have asked to paste a section into this INI file, but that section already exists.  Would you "
+                  "like to overwrite the existing section with the clipboard data?"),
+               MsgButtons::YesNo, MsgIcon::Question, tr("Duplicate Section")) == MsgAnswer::Yes;
   }};
   const IniReadResult result = IniReader::Read(tree_, std::move(text), ask);
   RestoreView();
   return result;
 }
 
-SaveDialogTexts form_INI::SaveTexts() const { return {tr("Save File"), u"INI File|*.INI"_s, u".INI"_s}; }
+SaveDialogTexts form_INI::SaveTexts() const { return {tr("Save File"), tr("INI File|*.INI"), u".INI"_s}; }
 
 TextFormat form_INI::FormatToWrite() const {
   TextFormat format = file_.Format();

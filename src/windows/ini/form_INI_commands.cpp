@@ -34,13 +34,13 @@ QStringList LinesOf(QString text) {
 }  // namespace
 
 void form_INI::AddSection() {
-  QString prompt = u"Enter the name for the new section."_s;
+  QString prompt = tr("Enter the name for the new section.");
   QString name;
   while (true) {
-    name = global_.dialogs.InputBox(prompt, u"Add New Section"_s);
+    name = global_.dialogs.InputBox(prompt, tr("Add New Section"));
     if (name.isEmpty()) return;
     if (tree_.IsUniqueSectionName(name.toStdString())) break;
-    prompt = u"This name already exists in the INI file.  Please enter a unique name for the new section."_s;
+    prompt = tr("This name already exists in the INI file.  Please enter a unique name for the new section.");
   }
   tree_.Select(tree_.AddSection(name.toStdString()));
   TV->expand(model_->IndexOf(tree_.Root()));
@@ -59,7 +59,7 @@ void form_INI::AddValue() {
   IniNode* section = tree_.Selected();
   if (section->Tag() == IniTag::Value || section->Tag() == IniTag::Comments) section = section->Parent();
   if (section->Tag() != IniTag::Section) return;
-  form_ADE dialog(this, u"Add Key/Value to section "_s + DisplayText(section->Text(), kMaxCharactersInMessage),
+  form_ADE dialog(this, tr("Add Key/Value to section %1").arg(DisplayText(section->Text(), kMaxCharactersInMessage)),
                   form_ADE::DeleteButton::Hidden);
   dialog.exec();
   if (dialog.Key().isEmpty() || dialog.Value() == form_ADE::kCancelled) return;
@@ -90,15 +90,15 @@ void form_INI::cmd_Edit_Click() {
 }
 
 void form_INI::EditEntry(IniNode* node) {
-  form_ADE dialog(this, u"Edit "_s + DisplayText(node->Parent()->Text(), kMaxCharactersInMessage) + u" Section"_s,
+  form_ADE dialog(this, tr("Edit %1 Section").arg(DisplayText(node->Parent()->Text(), kMaxCharactersInMessage)),
                   form_ADE::DeleteButton::Shown);
   const QString old_key = TextOf(node->EntryKey()), old_value = TextOf(node->EntryValue());
   dialog.SetEntry(old_key, old_value);
   dialog.exec();
   const QString value = dialog.Value();
   if (value.isEmpty()) {
-    if (global_.dialogs.MsgBox(u"There is no value listed for the Key.  Delete this entry?"_s, MsgButtons::YesNo,
-                               MsgIcon::Question, u"Entry Delete"_s) != MsgAnswer::Yes)
+    if (global_.dialogs.MsgBox(tr("There is no value listed for the Key.  Delete this entry?"), MsgButtons::YesNo,
+                               MsgIcon::Question, tr("Entry Delete")) != MsgAnswer::Yes)
       return;
     tree_.Remove(node);
     SetChanged(true);
@@ -124,7 +124,7 @@ void form_INI::EditEntry(IniNode* node) {
 
 void form_INI::RenameSection(IniNode* node) {
   const QString old_name = TextOf(node->Text());
-  const QString name = global_.dialogs.InputBox(u"New name for this section"_s, u"Section Name Change"_s, old_name);
+  const QString name = global_.dialogs.InputBox(tr("New name for this section"), tr("Section Name Change"), old_name);
   if (name.isEmpty() || name == old_name) return;
   tree_.SetText(node, name.toStdString());
   SetChanged(true);
@@ -132,7 +132,7 @@ void form_INI::RenameSection(IniNode* node) {
 
 void form_INI::EditComment(IniNode* node) {
   const QString old_text = TextOf(node->Text());
-  const QString text = global_.dialogs.InputBox(u"Alter the comment:"_s, u"Comments"_s, old_text);
+  const QString text = global_.dialogs.InputBox(tr("Alter the comment:"), tr("Comments"), old_text);
   if (text.isEmpty() || text == old_text) return;
   tree_.SetText(node, text.toStdString());
   SetChanged(true);
@@ -140,8 +140,8 @@ void form_INI::EditComment(IniNode* node) {
 
 bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
   const QString question =
-      u"Are you sure you want to delete "_s + label + u' ' + DisplayText(node.Text(), kMaxCharactersInMessage) + u'?';
-  return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, u"Deletion Confirmation"_s) ==
+      tr("Are you sure you want to delete %1 %2?").arg(label, DisplayText(node.Text(), kMaxCharactersInMessage));
+  return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, tr("Deletion Confirmation")) ==
          MsgAnswer::Yes;
 }
 
@@ -149,7 +149,7 @@ void form_INI::DeleteValue() {
   IniNode* node = tree_.Selected();
   const bool comment = node->Tag() == IniTag::Comments;
   if (!comment && node->Tag() != IniTag::Value) return;
-  if (!ConfirmDeletion(comment ? u"Comment"_s : u"Key / Value"_s, *node)) return;
+  if (!ConfirmDeletion(comment ? tr("Comment") : tr("Key / Value"), *node)) return;
   tree_.Remove(node);
   SetChanged(true);
 }
@@ -157,11 +157,11 @@ void form_INI::DeleteValue() {
 void form_INI::DeleteSection() {
   IniNode* node = tree_.Selected();
   if (node->Tag() != IniTag::Section) {
-    global_.dialogs.MsgBox(u"You must first select (highlight) a section before you can delete it."_s, MsgButtons::Ok,
-                           MsgIcon::None, u"Section Deletion"_s);
+    global_.dialogs.MsgBox(tr("You must first select (highlight) a section before you can delete it."), MsgButtons::Ok,
+                           MsgIcon::None, tr("Section Deletion"));
     return;
   }
-  if (!ConfirmDeletion(u"Section"_s, *node)) return;
+  if (!ConfirmDeletion(tr("Section"), *node)) return;
   tree_.Remove(node);
   SetChanged(true);
 }
@@ -229,7 +229,7 @@ void form_INI::EditPaste() {
 void form_INI::PasteNewSection() {
   const QStringList lines = LinesOf(QGuiApplication::clipboard()->text());
   if (lines.first().startsWith(u'[')) return;
-  const QString name = global_.dialogs.InputBox(u"Enter New Section Name"_s, u"Paste as New Section"_s);
+  const QString name = global_.dialogs.InputBox(tr("Enter New Section Name"), tr("Paste as New Section"));
   if (name.isEmpty()) return;
   QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);
   EditPaste();

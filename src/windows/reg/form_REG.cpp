@@ -279,20 +279,19 @@ void form_REG::OpenREG() {
 
 RegReadResult form_REG::Read(std::string text) {
   const WaitCursor wait_cursor;
-  SetLocation(u"Gathering File Information"_s);
+  SetLocation(tr("Gathering File Information"));
   const auto ask = [this](const QString& question, const QString& title, MsgIcon icon) {
     return global_.dialogs.MsgBox(question, MsgButtons::YesNo, icon, title) == MsgAnswer::Yes;
   };
   RegQuestions questions;
   questions.wrong_header = [&] {
-    return ask(
-        u"This file does not have the correct header definitions required for registry files.  Do you wish to "
-        "attemp to open this file anyway?"_s,
-        u"Error in File Type"_s, MsgIcon::Question);
+    return ask(tr("This file does not have the correct header definitions required for registry files.  Do you wish to "
+                  "attemp to open this file anyway?"),
+               tr("Error in File Type"), MsgIcon::Question);
   };
   questions.large_file = [&] {
-    return ask(u"This file is very large, and processing could take a while. Do you wish to continue?"_s,
-               u"Large Registry File"_s, MsgIcon::None);
+    return ask(tr("This file is very large, and processing could take a while. Do you wish to continue?"),
+               tr("Large Registry File"), MsgIcon::None);
   };
   questions.progress = [this](const RegProgress& progress) { ShowProgress(progress); };
   TV->hide();
@@ -304,7 +303,7 @@ void form_REG::ShowProgress(const RegProgress& progress) {
   if (since_progress_.elapsed() < kRepaintsMs) return;
   since_progress_.start();
   if (progress.phase == RegProgress::Phase::Counting) {
-    SetLocation(u"Information Count: %1 lines."_s.arg(progress.lines));
+    SetLocation(tr("Information Count: %1 lines.").arg(progress.lines));
   } else {
     ShowImport(progress);
   }
@@ -314,7 +313,7 @@ void form_REG::ShowProgress(const RegProgress& progress) {
 }
 
 void form_REG::ShowImport(const RegProgress& progress) {
-  SetLocation(u"Importing Data:"_s);
+  SetLocation(tr("Importing Data:"));
   PB->show();
   PB2->show();
   // A progress bar counts in int; parts of a thousand serve any file.
@@ -330,7 +329,8 @@ void form_REG::EndProgress() {
 }
 
 void form_REG::ReportErrors(const std::string& error_log) {
-  const std::string text = "The following entries could not be processed:\r\n\r\n" + error_log + "\r\n";
+  const std::string text =
+      tr("The following entries could not be processed:\r\n\r\n").toStdString() + error_log + "\r\n";
   const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
     TextFormat format = file_.Format();
     PrivateFileSteps steps;
@@ -338,8 +338,8 @@ void form_REG::ReportErrors(const std::string& error_log) {
         file, format, [&text](const FilePart& put) { return put(text); }, steps);
   });
   if (path.isEmpty()) return;
-  global_.dialogs.MsgBox(u"Errors were reported during inport.  Please see "_s + path + u"  for details."_s,
-                         MsgButtons::Ok, MsgIcon::Information, u"Errors:"_s);
+  global_.dialogs.MsgBox(tr("Errors were reported during inport.  Please see %1  for details.").arg(path),
+                         MsgButtons::Ok, MsgIcon::Information, tr("Errors:"));
 }
 
 std::string form_REG::Content() {

@@ -31,7 +31,7 @@ void form_REG::EditNewKey() {
     TV->expand(keys_->IndexOf(node));
     return;
   }
-  const QString name = global_.dialogs.InputBox(u"Enter Desired Branch Name:"_s, u"Add Branch / Key"_s);
+  const QString name = global_.dialogs.InputBox(tr("Enter Desired Branch Name:"), tr("Add Branch / Key"));
   if (name.isEmpty()) return;
   const std::string text = TrimBlanks(name).toStdString();
   if (document_.FindChild(node, text)) return;
@@ -42,18 +42,18 @@ void form_REG::EditNewKey() {
   SetChanged(true);
 }
 
-void form_REG::EditNewString() { AddValueOfType(RegType::String, u"Add New StringValue"_s); }
+void form_REG::EditNewString() { AddValueOfType(RegType::String, tr("Add New StringValue")); }
 
-void form_REG::EditNewDword() { AddValueOfType(RegType::Dword, u"Add New DWORD Value"_s); }
+void form_REG::EditNewDword() { AddValueOfType(RegType::Dword, tr("Add New DWORD Value")); }
 
-void form_REG::EditNewBinary() { AddValueOfType(RegType::Hex, u"Add New Binary Value"_s); }
+void form_REG::EditNewBinary() { AddValueOfType(RegType::Hex, tr("Add New Binary Value")); }
 
 void form_REG::AddValueOfType(RegType type, const QString& caption) {
   RegNode* node = document_.Selected();
   if (node->Tag() == RegTag::File) {
-    global_.dialogs.MsgBox(
-        u"You can not add values to this section of the registry. You can only add values to the hives or the branches."_s,
-        MsgButtons::Ok, MsgIcon::None, u"Can't Add Value"_s);
+    global_.dialogs.MsgBox(tr("You can not add values to this section of the registry. You can only add values to the "
+                              "hives or the branches."),
+                           MsgButtons::Ok, MsgIcon::None, tr("Can't Add Value"));
     return;
   }
   form_REGEdit dialog(this, caption);
@@ -62,8 +62,8 @@ void form_REG::AddValueOfType(RegType type, const QString& caption) {
   if (dialog.Data() == form_REGEdit::kCancelled || dialog.Name().isEmpty()) return;
   const std::string name = TrimBlanks(dialog.Name()).toStdString();
   if (document_.HasValueNamed(node, name)) {
-    global_.dialogs.MsgBox(u"This value already exists in this key.  Please edit the existing value instead."_s,
-                           MsgButtons::Ok, MsgIcon::None, u"Already Exists"_s);
+    global_.dialogs.MsgBox(tr("This value already exists in this key.  Please edit the existing value instead."),
+                           MsgButtons::Ok, MsgIcon::None, tr("Already Exists"));
     return;
   }
   values_->Append(document_.AddValueRecord(node, type, name, dialog.Data().toStdString()));
@@ -76,9 +76,9 @@ void form_REG::EditModify() {
   if (FocusMarker != Focus::LV || SelectedRow() < 0) return;
   const std::size_t index = values_->RecordOf(LV->currentIndex());
   const RegValueRecord& record = document_.Values()[index];
-  form_REGEdit dialog(this, record.type == RegType::Hex     ? u"Edit Binary Value"_s
-                            : record.type == RegType::Dword ? u"Edit DWORD Value"_s
-                                                            : u"Edit String Value"_s);
+  form_REGEdit dialog(this, record.type == RegType::Hex     ? tr("Edit Binary Value")
+                            : record.type == RegType::Dword ? tr("Edit DWORD Value")
+                                                            : tr("Edit String Value"));
   if (record.type == RegType::Hex) dialog.SetDataFont(u"COURIER"_s);
   const QString before = TextOf(record.data);
   dialog.SetValue(TextOf(record.name), before);
@@ -103,12 +103,11 @@ void form_REG::TellWhatASaveMakesOf(const RegNode& node) {
 void form_REG::EditDelete() {
   const bool in_list = FocusMarker == Focus::LV;
   if (in_list && SelectedRow() < 0) return;
-  const QString what =
-      in_list
-          ? u"this value?"_s
-          : u"this branch, all branches under it, and all values associated with this branch and all branches under it?"_s;
-  if (global_.dialogs.MsgBox(u"Are you sure you want to permanently delete "_s + what, MsgButtons::YesNo,
-                             MsgIcon::Question, u"Deletion Confirmation"_s) != MsgAnswer::Yes)
+  const QString what = in_list ? tr("this value?")
+                               : tr("this branch, all branches under it, and all values associated with this branch "
+                                    "and all branches under it?");
+  if (global_.dialogs.MsgBox(tr("Are you sure you want to permanently delete %1").arg(what), MsgButtons::YesNo,
+                             MsgIcon::Question, tr("Deletion Confirmation")) != MsgAnswer::Yes)
     return;
   if (in_list) {
     const int row = SelectedRow();
@@ -125,7 +124,7 @@ void form_REG::EditDelete() {
 void form_REG::EditRename() {
   RegNode* node = document_.Selected();
   const QString old_name = TextOf(node->Text());
-  const QString name = global_.dialogs.InputBox(u"Rename this Key"_s, u"Branch Rename"_s, old_name);
+  const QString name = global_.dialogs.InputBox(tr("Rename this Key"), tr("Branch Rename"), old_name);
   if (name.isEmpty()) return;
   if (name != old_name) document_.SetText(node, name.toStdString());
   ShowKey();

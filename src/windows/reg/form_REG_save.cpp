@@ -53,7 +53,7 @@ QString form_REG::WriteOwnFile(
   return {};
 }
 
-SaveDialogTexts form_REG::SaveTexts() const { return {tr("Save Registry File"), u"Registry File|*.REG"_s, u".REG"_s}; }
+SaveDialogTexts form_REG::SaveTexts() const { return {tr("Save Registry File"), tr("Registry File|*.REG"), u".REG"_s}; }
 
 void form_REG::FileSaveAsRegular() { SaveIn(RegLayout::Regular, {.path = SaveRequest::Path::AskedAlways}); }
 

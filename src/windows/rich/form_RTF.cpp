@@ -216,7 +216,7 @@ void form_RTF::AddSimplifiedNotice(const RtfSimplified& simplified) {
 
 SaveDialogTexts form_RTF::SaveTexts() const {
   // The second pattern is this text itself and no list of wildcards; intended.
-  return {tr("Save RTF File"), u"RTF File|"_s + global_.settings.rtf_filter + u"|TXT File| & TXTFilter"_s, u".RTF"_s};
+  return {tr("Save RTF File"), tr("RTF File|%1|TXT File| & TXTFilter").arg(global_.settings.rtf_filter), u".RTF"_s};
 }
 
 bool form_RTF::HoldsWholeFile() const {

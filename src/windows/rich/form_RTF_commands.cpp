@@ -96,7 +96,7 @@ void form_RTF::FontSizeUp() {
 
 void form_RTF::FormatFont() {
   CommonDialog& dialog = global_.common_dialog;
-  dialog.title = u"Select Font and Attributes"_s;
+  dialog.title = tr("Select Font and Attributes");
   dialog.flags = kScreenAndPrinterFonts;
   dialog.ShowFont();
   const RtfPad::LargeEdit edit(*pad);
@@ -114,7 +114,7 @@ void form_RTF::FormatFont() {
 
 void form_RTF::FormatColor() {
   CommonDialog& dialog = global_.common_dialog;
-  dialog.title = u"Choose Color for Font"_s;
+  dialog.title = tr("Choose Color for Font");
   dialog.ShowColor();
   pad->SetSelectionColor(dialog.color);
 }

@@ -83,7 +83,7 @@ void form_TXT::OpenTXT() {
 void form_TXT::DropContent() { pad->SetText({}); }
 
 SaveDialogTexts form_TXT::SaveTexts() const {
-  return {tr("Save Text File"), u"Text File|"_s + global_.settings.txt_filter, u".TXT"_s};
+  return {tr("Save Text File"), tr("Text File|%1").arg(global_.settings.txt_filter), u".TXT"_s};
 }
 
 PartProducer form_TXT::Producer() {
