@@ -111,7 +111,17 @@ void DocumentWindow::MarkUnmodified() {
   global_.snapshots.Forget(this);
 }
 
-void DocumentWindow::RecordOpened() {
+void DocumentWindow::ShowNew() {
+  SetChanged(false);
+  MarkUnmodified();
+  ShowInFrame();
+  setFocus();
+}
+
+void DocumentWindow::MarkOpened(const std::optional<QString>& left_out) {
+  SetChanged(false);
+  MarkUnmodified();
+  file_.SetLeftOut(left_out);
   if (!file_.JoinsRecentFiles()) return;
   RecentFiles& recent_files = global_.recent_files;
   recent_files.AddRecentFile(QDir::toNativeSeparators(QFileInfo(file_.Path()).absoluteFilePath()));

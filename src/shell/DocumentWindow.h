@@ -114,12 +114,14 @@ class DocumentWindow : public QWidget {
   std::optional<std::string> TakeSlotText();
   /// The document is gone: empties the slot, hides the window and shows the menus of what is active now.
   void ReleaseSlot();
+  /// The new document is made: shows the window and gives it the keys.
+  void ShowNew();
+  /// The document's file is read, with what DocumentFile::SetLeftOut takes: it joins the recent files.
+  void MarkOpened(const std::optional<QString>& left_out);
   /// Shows the window as a child of the frame and makes it active.
   void ShowInFrame();
   /// The content is now what the file holds.
   void MarkUnmodified();
-  /// The document's file was read: it joins the recent files.
-  void RecordOpened();
   /// The changed flag and its marker at the end of the caption.
   void SetChanged(bool changed);
 

@@ -243,9 +243,7 @@ void form_INI::NewINI() {
   tree_.Reset(file_.Title().toStdString());
   tree_.SetExpanded(tree_.Root(), true);
   RestoreView();
-  MarkUnmodified();
-  ShowInFrame();
-  TV->setFocus();
+  ShowNew();
 }
 
 void form_INI::OpenINI() {
@@ -254,9 +252,7 @@ void form_INI::OpenINI() {
   is_8bit_ = Is8Bit(file_.Format(), *text);
   tree_.Reset(file_.Title().toStdString());
   const IniReadResult result = Read(std::move(*text));
-  MarkUnmodified();
-  file_.SetLeftOut(LeftOutOf(result));
-  RecordOpened();
+  MarkOpened(LeftOutOf(result));
   AddNotice(NoticeOf(result, tr("The file")));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();

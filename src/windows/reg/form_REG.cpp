@@ -231,10 +231,8 @@ void form_REG::NewREG() {
   document_.Reset(file_.Title().toStdString());
   TV->show();
   EndProgress();
-  MarkUnmodified();
   RestoreView();
-  ShowInFrame();
-  TV->setFocus();
+  ShowNew();
 }
 
 void form_REG::OpenREG() {
@@ -244,10 +242,8 @@ void form_REG::OpenREG() {
   document_.Reset(file_.Title().toStdString());
   ShowInFrame();
   const RegReadResult result = Read(std::move(*text));
-  MarkUnmodified();
   switch (result.end) {
     case RegReadEnd::HeaderRefused:
-      SetChanged(false);
       return FileClose();
     case RegReadEnd::LargeFileRefused:
       TV->show();
@@ -265,13 +261,14 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
-  std::optional<QString> left_out = LeftOutOf(result);
-  if (result.end == RegReadEnd::LargeFileRefused)
-    left_out = tr("all that the file held");
-  else if (result.end != RegReadEnd::EndOfInput && left_out->isEmpty())
-    left_out.reset();
-  file_.SetLeftOut(left_out);
-  if (result.end != RegReadEnd::LargeFileRefused) RecordOpened();
+  if (result.end == RegReadEnd::LargeFileRefused) {
+    MarkUnmodified();
+    file_.SetLeftOut(tr("all that the file held"));
+  } else {
+    const QString left_out = LeftOutOf(result);
+    const bool is_unsaid = left_out.isEmpty() && result.end != RegReadEnd::EndOfInput;
+    MarkOpened(is_unsaid ? std::nullopt : std::optional(left_out));
+  }
   AddNotice(NoticeOf(result));
   AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);

@@ -137,10 +137,7 @@ void form_RTF::NewRTF() {
   pad->SetBulletIndent(kBulletIndent);
   fallback_font_size_ = 0;
   read_bytes_.clear();
-  Altered(false);
-  MarkUnmodified();
-  ShowInFrame();
-  pad->setFocus();
+  ShowNew();
 }
 
 void form_RTF::OpenRTF() {
@@ -149,7 +146,7 @@ void form_RTF::OpenRTF() {
   if (!bytes) return;
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
   AddLossNotice(read.losses);
-  file_.SetLeftOut(read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt);
+  const std::optional<QString> left_out = read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt;
   {
     LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
     const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
@@ -161,9 +158,7 @@ void form_RTF::OpenRTF() {
   read_bytes_ = std::move(*bytes);
   read_revision_ = Revision();
   fallback_font_size_ = kOpenedFallbackSize;
-  Altered(false);
-  MarkUnmodified();
-  RecordOpened();
+  MarkOpened(left_out);
   ShowInFrame();
   ResizeForm();
   pad->Select(0, 0);

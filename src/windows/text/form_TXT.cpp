@@ -59,10 +59,7 @@ void form_TXT::NewTXT() {
   TakeSlotForNew();
   pad->SetText({});
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
-  Altered(false);
-  MarkUnmodified();
-  ShowInFrame();
-  pad->setFocus();
+  ShowNew();
 }
 
 void form_TXT::OpenTXT() {
@@ -71,10 +68,7 @@ void form_TXT::OpenTXT() {
   if (!text) return;
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
   pad->SetText(std::move(*text));
-  Altered(false);
-  MarkUnmodified();
-  file_.SetLeftOut(QString());
-  RecordOpened();
+  MarkOpened(QString());
   ShowInFrame();
   ResizeForm();
   pad->setFocus();
