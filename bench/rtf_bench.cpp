@@ -35,7 +35,7 @@ void BM_RtfDocumentMemory(benchmark::State& state) {
     const auto growth = static_cast<double>(ResidentBytes() - before);
     state.counters["memory/file"] = growth / static_cast<double>(Input().size());
     state.counters["runs"] = static_cast<double>(document.runs.size());
-    state.counters["looks"] = static_cast<double>(document.char_formats.size());
+    state.counters["formats"] = static_cast<double>(document.char_formats.size());
   }
 }
 BENCHMARK(BM_RtfDocumentMemory)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond);

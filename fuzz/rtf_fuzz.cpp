@@ -22,12 +22,12 @@ void CheckRuns(const RtfDocument& document) {
     bytes += run.bytes;
     Promise(run.object <= document.objects.size(), "an object that is named is there");
     Promise(run.object == 0 || run.bytes == 0, "an object has no text");
-    Promise(run.format < document.char_formats.size(), "a look that is named is there");
+    Promise(run.format < document.char_formats.size(), "a format that is named is there");
   }
   Promise(bytes == document.text.size(), "the runs are the text");
-  for (const rtf::CharFormat& look : document.char_formats) {
-    Promise(look.field <= document.fields.size(), "a field that is named is there");
-    Promise(look.extra <= document.extras.size(), "control words that are named are there");
+  for (const rtf::CharFormat& format : document.char_formats) {
+    Promise(format.field <= document.fields.size(), "a field that is named is there");
+    Promise(format.extra <= document.extras.size(), "control words that are named are there");
   }
 }
 
@@ -38,8 +38,8 @@ void CheckParagraphs(const RtfDocument& document) {
   for (const rtf::Paragraph& paragraph : document.paragraphs) {
     Promise(paragraph.first_run >= run && paragraph.first_run <= document.runs.size(), "paragraphs are in order");
     run = paragraph.first_run;
-    Promise(paragraph.format < document.paragraph_formats.size(), "a paragraph's look is there");
-    Promise(paragraph.mark_format < document.char_formats.size(), "the look of its end is there");
+    Promise(paragraph.format < document.paragraph_formats.size(), "a paragraph's format is there");
+    Promise(paragraph.mark_format < document.char_formats.size(), "the format of its end is there");
     Promise(paragraph.cell < static_cast<std::int64_t>(document.cells.size()), "its cell is there");
   }
   for (const rtf::Cell& cell : document.cells) Promise(cell.row < document.rows.size(), "a cell's row is there");

@@ -26,12 +26,12 @@ class Description {
         else
           out_ << '"' << document_.text.substr(text_at, document_.runs[run].bytes) << '"';
         text_at += document_.runs[run].bytes;
-        AddLook(document_.char_formats[document_.runs[run].format]);
+        AddFormat(document_.char_formats[document_.runs[run].format]);
       }
       out_ << "paragraph";
-      AddLook(document_.paragraph_formats[paragraph.format]);
+      AddFormat(document_.paragraph_formats[paragraph.format]);
       AddCell(paragraph.cell);
-      AddLook(document_.char_formats[paragraph.mark_format]);
+      AddFormat(document_.char_formats[paragraph.mark_format]);
     }
     return out_.str();
   }
@@ -44,23 +44,24 @@ class Description {
 
   std::string Extra(std::uint32_t number) const { return number == 0 ? std::string() : document_.extras[number - 1]; }
 
-  void AddLook(const CharFormat& look) {
-    out_ << " f" << look.font << " fs" << look.half_points << " cf" << look.color << " cb" << look.background << " b"
-         << look.bold << " i" << look.italic << " v" << look.hidden << " strike" << static_cast<int>(look.strike)
-         << " ul" << static_cast<int>(look.underline) << " script" << static_cast<int>(look.script) << " caps"
-         << static_cast<int>(look.capitals) << ' ' << Extra(look.extra);
-    for (std::uint32_t field = look.field; field != 0; field = document_.fields[field - 1].parent)
+  void AddFormat(const CharFormat& format) {
+    out_ << " f" << format.font << " fs" << format.half_points << " cf" << format.color << " cb" << format.background
+         << " b" << format.bold << " i" << format.italic << " v" << format.hidden << " strike"
+         << static_cast<int>(format.strike) << " ul" << static_cast<int>(format.underline) << " script"
+         << static_cast<int>(format.script) << " caps" << static_cast<int>(format.capitals) << ' '
+         << Extra(format.extra);
+    for (std::uint32_t field = format.field; field != 0; field = document_.fields[field - 1].parent)
       out_ << " field " << document_.fields[field - 1].instruction << ' ' << document_.fields[field - 1].url;
     out_ << '\n';
   }
 
-  void AddLook(const ParagraphFormat& look) {
-    out_ << " li" << look.left << " ri" << look.right << " fi" << look.first_line << " sb" << look.space_before << " sa"
-         << look.space_after << " sl" << look.line_spacing << '*' << look.line_multiple << " q"
-         << static_cast<int>(look.alignment) << " pagebb" << look.page_break_before << " list "
-         << static_cast<int>(look.list) << '/' << look.list_id << '/' << static_cast<int>(look.list_level) << '/'
-         << look.list_start << ' ' << Extra(look.extra);
-    for (const TabStop& tab : look.tabs)
+  void AddFormat(const ParagraphFormat& format) {
+    out_ << " li" << format.left << " ri" << format.right << " fi" << format.first_line << " sb" << format.space_before
+         << " sa" << format.space_after << " sl" << format.line_spacing << '*' << format.line_multiple << " q"
+         << static_cast<int>(format.alignment) << " pagebb" << format.page_break_before << " list "
+         << static_cast<int>(format.list) << '/' << format.list_id << '/' << static_cast<int>(format.list_level) << '/'
+         << format.list_start << ' ' << Extra(format.extra);
+    for (const TabStop& tab : format.tabs)
       out_ << " tab" << tab.position << '/' << static_cast<int>(tab.kind) << '/' << static_cast<int>(tab.leader);
   }
 

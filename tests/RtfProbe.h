@@ -13,10 +13,10 @@ namespace tme::rtf {
 inline RtfDocument Read(std::string_view bytes) { return ReadRtf(bytes, BytesToUtf8); }
 
 /// What differs from plain text, as short marks: "b,fs20".
-inline std::string Look(const RtfDocument& document, const CharFormat& format) {
-  std::string look;
+inline std::string MarksOf(const RtfDocument& document, const CharFormat& format) {
+  std::string marks;
   const auto add = [&](bool is_set, const std::string& mark) {
-    if (is_set) look.append(look.empty() ? "" : ",").append(mark);
+    if (is_set) marks.append(marks.empty() ? "" : ",").append(mark);
   };
   const auto number = [](auto value) { return std::to_string(static_cast<unsigned>(value)); };
   const CharFormat& plain = document.char_formats.front();
@@ -34,14 +34,14 @@ inline std::string Look(const RtfDocument& document, const CharFormat& format) {
   add(format.background != 0, "cb" + number(format.background));
   add(format.extra != 0, format.extra == 0 ? "" : document.extras[format.extra - 1]);
   if (format.field != 0) add(true, "field " + number(format.field) + " " + document.fields[format.field - 1].url);
-  return look;
+  return marks;
 }
 
 /// The same of a paragraph.
-inline std::string Look(const RtfDocument& document, const ParagraphFormat& format) {
-  std::string look;
+inline std::string MarksOf(const RtfDocument& document, const ParagraphFormat& format) {
+  std::string marks;
   const auto add = [&](std::string_view mark, std::int32_t value) {
-    if (value != 0) look.append(look.empty() ? "" : ",").append(mark).append(std::to_string(value));
+    if (value != 0) marks.append(marks.empty() ? "" : ",").append(mark).append(std::to_string(value));
   };
   add("q", static_cast<std::int32_t>(format.alignment));
   add("li", format.left);
@@ -60,12 +60,12 @@ inline std::string Look(const RtfDocument& document, const ParagraphFormat& form
     add("tab" + std::to_string(static_cast<int>(tab.kind)) + std::to_string(static_cast<int>(tab.leader)) + ":",
         tab.position);
   }
-  if (format.extra != 0) look.append(look.empty() ? "" : ",").append(document.extras[format.extra - 1]);
-  return look;
+  if (format.extra != 0) marks.append(marks.empty() ? "" : ",").append(document.extras[format.extra - 1]);
+  return marks;
 }
 
 /// Each paragraph as its cell ("2/"), its look in parentheses and its runs; runs that do not look plain in brackets
-/// with their look; objects in angle brackets; "|" after each. A line break is "$", a page break "^", a tab "~".
+/// with their marks; objects in angle brackets; "|" after each. A line break is "$", a page break "^", a tab "~".
 inline std::string Dump(const RtfDocument& document) {
   std::string dump;
   std::size_t run = 0;
@@ -82,23 +82,23 @@ inline std::string Dump(const RtfDocument& document) {
   for (std::size_t i = 0; i < document.paragraphs.size(); ++i) {
     const Paragraph& paragraph = document.paragraphs[i];
     if (paragraph.cell >= 0) dump += std::to_string(paragraph.cell) + "/";
-    const std::string look = Look(document, document.paragraph_formats[paragraph.format]);
-    if (!look.empty()) dump += "(" + look + ")";
+    const std::string marks = MarksOf(document, document.paragraph_formats[paragraph.format]);
+    if (!marks.empty()) dump += "(" + marks + ")";
     const bool is_last = i + 1 == document.paragraphs.size();
     for (const std::size_t end = is_last ? document.runs.size() : document.paragraphs[i + 1].first_run; run < end;
          ++run) {
       const Run& it = document.runs[run];
-      const std::string run_look = Look(document, document.char_formats[it.format]);
+      const std::string run_marks = MarksOf(document, document.char_formats[it.format]);
       std::string text = document.text.substr(at, it.bytes);
       for (std::size_t found = 0; (found = text.find("\xE2\x80\xA8")) != std::string::npos;)
         text.replace(found, 3, "$");
       for (char& c : text) c = c == '\f' ? '^' : c == '\t' ? '~' : c;
       at += it.bytes;
       if (it.object != 0) text = "<" + object(document.objects[it.object - 1]) + ">";
-      if (run_look.empty())
+      if (run_marks.empty())
         dump += text;
       else
-        dump.append("[").append(run_look).append(":").append(text).append("]");
+        dump.append("[").append(run_marks).append(":").append(text).append("]");
     }
     dump += "|";
   }

@@ -43,14 +43,14 @@ TEST(RtfReader, Characters) {
       {"unicode, what is skipped behind it",
        R"(\u8364?\u8364\'80\u-4 ?{\uc2\u233 ab\uc0\u233 c}\u233\~\u233\endash\u233{x}\u233\b0 y)",
        "\u20AC\u20AC\uFFFC\u00E9\u00E9c\u00E9\u00E9\u00E9x\u00E9y|"},
-      {"surrogate pairs, and halves", R"(\u-10179?\u-8694?\u-10179?x\u-8694?)", "\U0001F60A\uFFFDx\uFFFD|",
-       "unknown 2 "},
+      {"surrogate pairs, and halves", R"(\u-10179?\u-8694?\u-10179?\u-10179?x\u-8694?)",
+       "\U0001F60A\uFFFD\uFFFDx\uFFFD|", "unknown 3 "},
       {"two forms", R"({\upr{a?}{\*\ud{a\u233?}}}b)", "a\u00E9b|"},
       {"binary data is no text", "a\\bin3 }}}b", "ab|"},
   });
 }
 
-TEST(RtfReader, Looks) {
+TEST(RtfReader, Formats) {
   Check({
       {"characters",
        R"({\b a\i b}{\ul\strike c\ulnone d}\fs20\cf1\highlight2 e\plain{\super f}{\dn4 g}\v\scaps h\v0\caps0 i)",

@@ -85,7 +85,7 @@ std::vector<Shape> Shapes() {
       {"a long paragraph", Times(10'000, "some words ") + "\\par end", {0, 0, piece, 0}, 0, 1},
       {"one without blanks", Times(30'000, "\\u20013?"), {0, 0, piece, 0}, 0, 1},
       {"many objects", Times(3'000, "{\\object\\objemb x}") + "\\par", {0, 0, piece, 0}, 0, 1},
-      {"many looks",
+      {"many formats",
        "\\pard\\fi300\\sb100\\sa100 " + Times(2'000, "{\\b x}y") + "{\\*\\bkmkend a}\\par",
        {0, 0, piece, 0},
        0,

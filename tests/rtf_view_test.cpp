@@ -17,19 +17,19 @@ namespace {
 struct Source {
   RtfDocument document = EmptyRtfDocument();
 
-  std::uint32_t Look(const rtf::CharFormat& look) {
-    document.char_formats.push_back(look);
+  std::uint32_t Format(const rtf::CharFormat& format) {
+    document.char_formats.push_back(format);
     return static_cast<std::uint32_t>(document.char_formats.size() - 1);
   }
-  std::uint32_t Shape(const rtf::ParagraphFormat& look) {
-    document.paragraph_formats.push_back(look);
+  std::uint32_t Format(const rtf::ParagraphFormat& format) {
+    document.paragraph_formats.push_back(format);
     return static_cast<std::uint32_t>(document.paragraph_formats.size() - 1);
   }
   void Paragraph(std::uint32_t format = 0, std::int32_t cell = -1, std::uint32_t mark = 0) {
     document.paragraphs.push_back({static_cast<std::uint32_t>(document.runs.size()), format, mark, cell});
   }
-  void Text(const std::string& text, std::uint32_t look = 0) {
-    document.runs.push_back({static_cast<std::uint32_t>(text.size()), look, 0});
+  void Text(const std::string& text, std::uint32_t format = 0) {
+    document.runs.push_back({static_cast<std::uint32_t>(text.size()), format, 0});
     document.text += text;
   }
   void Object(rtf::ObjectKind kind, const std::string& rtf) {
@@ -46,7 +46,7 @@ struct Source {
   }
 };
 
-/// The text side, a line a paragraph: "cell|format|text" with <n> for the look of a run and {…} for an object.
+/// The text side, a line a paragraph: "cell|format|text" with <n> for the format of a run and {…} for an object.
 std::string LinesOf(const RtfDocument& document) {
   std::string dump;
   std::size_t offset = 0;
@@ -83,7 +83,7 @@ void ExpectSameAfterView(const RtfDocument& document) {
   EXPECT_EQ(written.Document().objects.size(), document.objects.size());
 }
 
-/// Looks that the view shows in the same way, and parts that it does not show.
+/// Formats that the view shows in the same way, and parts that it does not show.
 Source MixedSource() {
   Source source;
   source.document.fonts.push_back({7, "Courier New", "modern", 204});
@@ -94,9 +94,9 @@ Source MixedSource() {
   odd.strike = rtf::Strike::Double;
   odd.underline = rtf::Underline::Words;
   odd.capitals = rtf::Capitals::Small;
-  const std::uint32_t odd_look = source.Look(odd);
-  const std::uint32_t link = source.Look({.field = 1, .script = rtf::Script::Super});
-  const std::uint32_t hidden = source.Look({.hidden = true});
+  const std::uint32_t odd_format = source.Format(odd);
+  const std::uint32_t link = source.Format({.field = 1, .script = rtf::Script::Super});
+  const std::uint32_t hidden = source.Format({.hidden = true});
   rtf::ParagraphFormat shape{
       .left = 1001, .right = 77, .first_line = -333, .space_before = 13, .line_spacing = -251, .tabs = {}};
   shape.alignment = rtf::Alignment::Justify;
@@ -104,17 +104,17 @@ Source MixedSource() {
   rtf::ParagraphFormat item{.left = 720, .first_line = -360, .list_id = 3, .list_start = 4, .extra = 1, .tabs = {}};
   item.list = rtf::ListKind::UpperRoman;
   item.list_level = 2;
-  source.Paragraph(source.Shape(shape), -1, odd_look);
+  source.Paragraph(source.Format(shape), -1, odd_format);
   source.Object(rtf::ObjectKind::Invisible, "{\\*\\bkmkstart a}");
   source.Text("secret", hidden);
-  source.Text("one\ttwo\u2028", odd_look);
+  source.Text("one\ttwo\u2028", odd_format);
   source.Text("\uFEFFlink\f\xF0\x9F\x98\x80", link);
   source.Object(rtf::ObjectKind::Invisible, "{\\*\\bkmkend a}");
-  const std::uint32_t item_shape = source.Shape(item);
+  const std::uint32_t item_shape = source.Format(item);
   source.Paragraph(item_shape);
   source.Object(rtf::ObjectKind::Placeholder, "{\\object}");
   source.Object(rtf::ObjectKind::Placeholder, "{\\object2}");
-  source.Paragraph(item_shape, -1, odd_look);
+  source.Paragraph(item_shape, -1, odd_format);
   return source;
 }
 
@@ -164,7 +164,7 @@ TEST(RtfView, TablesOfAnyShapeStayAffordable) {
   ExpectSameAfterView(source.document);
 }
 
-TEST(RtfView, EditsChangeOnlyWhatTheyTouch) {
+TEST(RtfView, EditsChangeNothingElse) {
   RtfStore store;
   QTextDocument view;
   Source source = MixedSource();
@@ -179,13 +179,13 @@ TEST(RtfView, EditsChangeOnlyWhatTheyTouch) {
   const RtfExport written(view, store);
   const RtfDocument& document = written.Document();
   ASSERT_GT(document.runs.size(), 3U);
-  const rtf::CharFormat& touched = document.char_formats[document.runs[2].format];
-  const rtf::CharFormat& untouched = document.char_formats[document.runs[3].format];
-  EXPECT_EQ(document.colors[touched.color], 0xFF0000U);
-  EXPECT_FALSE(touched.bold);
-  EXPECT_EQ(touched.strike, rtf::Strike::Double);
-  EXPECT_EQ(touched.underline, rtf::Underline::Words);
-  EXPECT_EQ(untouched, document.char_formats[1]);
+  const rtf::CharFormat& edited = document.char_formats[document.runs[2].format];
+  const rtf::CharFormat& other = document.char_formats[document.runs[3].format];
+  EXPECT_EQ(document.colors[edited.color], 0xFF0000U);
+  EXPECT_FALSE(edited.bold);
+  EXPECT_EQ(edited.strike, rtf::Strike::Double);
+  EXPECT_EQ(edited.underline, rtf::Underline::Words);
+  EXPECT_EQ(other, document.char_formats[1]);
   // The bookmark and the hidden text stand there once, though the text that they hang on was split.
   EXPECT_EQ(document.runs[0].object, 1U);
   EXPECT_EQ(document.runs[1].bytes, 6U);

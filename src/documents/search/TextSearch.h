@@ -24,8 +24,7 @@ struct TextMatch {
 /// bytes, and so may the match. A line feed in the search text matches any line end: CR LF, CR or LF. Bytes that are
 /// no UTF-8 match themselves.
 ///
-/// A whole word is a match that no word character stands beside: letter, digit, underscore, and beyond ASCII whatever
-/// is no punctuation, symbol or space (IsWordCharacter).
+/// A whole word is a match that no word character (WordCharacter.h) stands beside.
 class TextSearch {
  public:
   TextSearch(std::string_view wanted, SearchCase search_case, SearchWords words);
@@ -40,7 +39,7 @@ class TextSearch {
   /// One character of the search text: the byte strings that it may be, none of them the end or beginning of another
   /// but for line ends, where the longest comes first.
   using Forms = std::vector<std::string>;
-  /// What a scan looks for: bytes in reach of each other in every match.
+  /// What a scan searches for: bytes in reach of each other in every match.
   struct Anchor;
 
   Anchor ChooseAnchor(std::string_view sample) const;
@@ -50,7 +49,5 @@ class TextSearch {
   std::vector<Forms> characters_;
   SearchWords words_;
 };
-
-bool IsWordCharacter(char32_t character);
 
 }  // namespace tme

@@ -6,18 +6,14 @@
 #include <QTextTable>
 #include <algorithm>
 #include <map>
-#include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "base/Utf8.h"
-#include "shell/DisplayText.h"
 #include "windows/rich/RtfFlatTables.h"
 #include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfGrid.h"
 #include "windows/rich/RtfMerge.h"
-#include "windows/rich/RtfPieces.h"
+#include "windows/rich/RtfRunInserter.h"
 #include "windows/rich/RtfShape.h"
 #include "windows/rich/RtfViewLists.h"
 
@@ -26,7 +22,6 @@ namespace {
 
 using rtf::RtfDocument;
 
-constexpr std::size_t kEndless = ~std::size_t{0};
 /// Between two parts of one table.
 constexpr double kSeamUnits = 1;
 const QColor kFlatBackground(0xF3, 0xF5, 0xF7);
@@ -39,21 +34,19 @@ class Importer {
   Importer(const RtfDocument& source, RtfStore& store, QTextDocument& target, const RtfImportStep& step)
       : source_(source),
         store_(store),
-        step_(step),
         shape_(source),
         formats_(store),
         flat_(source, shape_, store),
         cursor_(&target),
-        char_formats_(store.document.char_formats.size()) {}
+        runs_(source, store, formats_, cursor_, step) {}
 
   /// False when it was given up.
   bool Run(RtfSimplified& simplified) {
     cursor_.beginEditBlock();
-    offset_ = 0;
     InsertParagraphs(0, source_.paragraphs.size(), -1);
     cursor_.endEditBlock();
-    simplified = {shape_.FlatTables(), long_paragraphs_};
-    return !given_up_;
+    simplified = {shape_.FlatTables(), runs_.LongParagraphs()};
+    return !runs_.GivenUp();
   }
 
  private:
@@ -75,7 +68,7 @@ class Importer {
   /// The cursor stands in an empty block: the first of a document or a cell.
   void InsertParagraphs(std::size_t first, std::size_t last, std::int32_t parent) {
     At at = parent < 0 ? At::EmptyBlock : At::EmptyCell;
-    for (std::size_t index = first; index < last && !given_up_;) {
+    for (std::size_t index = first; index < last && !runs_.GivenUp();) {
       const std::int32_t cell = CellInside(parent, source_.paragraphs[index]);
       if (cell < 0 || shape_.IsFlat(shape_.TableOf(cell))) {
         InsertParagraph(index, at, cell < 0 ? 0 : flat_.NumberOf(source_.paragraphs[index].cell));
@@ -115,11 +108,14 @@ class Importer {
 
   /// flat: of the cell that it stands in although the view shows no table there.
   void InsertParagraph(std::size_t index, At at, int flat) {
-    if (++since_step_ >= kParagraphsBetweenSteps) Step();
+    if (++since_step_ >= kParagraphsBetweenSteps) {
+      since_step_ = 0;
+      runs_.Step();
+    }
     const rtf::Paragraph& paragraph = source_.paragraphs[index];
     const std::size_t last = source_.EndOfRuns(index);
     std::size_t shown_end = last;
-    while (shown_end > paragraph.first_run && IsUnseen(source_.runs[shown_end - 1])) --shown_end;
+    while (shown_end > paragraph.first_run && runs_.IsUnseen(source_.runs[shown_end - 1])) --shown_end;
 
     const rtf::ParagraphFormat& paragraph_format = store_.document.paragraph_formats[paragraph.format];
     QTextList* list = lists_.Find(paragraph_format);
@@ -129,151 +125,26 @@ class Importer {
       format.setBackground(kFlatBackground);
     }
     const bool is_long = shape_.IsLong(index);
-    if (is_long) BeginPieces(format, paragraph.mark_format);
+    if (is_long) runs_.BeginPieces(format, paragraph.mark_format);
     if (at == At::EmptyCell) format.setProperty(kMarkFormat, static_cast<int>(paragraph.mark_format) + 1);
     int attached = 0;
     if (shown_end < last) {
-      std::uint32_t offset = offset_;
+      std::uint32_t offset = runs_.Offset();
       for (std::size_t run = paragraph.first_run; run < shown_end; ++run) offset += source_.runs[run].bytes;
-      attached = Attach(shown_end, last, offset);
+      attached = runs_.Attach(shown_end, last, offset);
       if (!is_long) format.setProperty(kAttached, attached);
     }
     if (at == At::EndOfBlock) {
-      cursor_.insertBlock(format, CharFormat(paragraph.mark_format));
+      cursor_.insertBlock(format, runs_.FormatOf(paragraph.mark_format));
     } else {
       cursor_.setBlockFormat(format);
-      if (at == At::EmptyBlock) cursor_.setBlockCharFormat(CharFormat(paragraph.mark_format));
+      if (at == At::EmptyBlock) cursor_.setBlockCharFormat(runs_.FormatOf(paragraph.mark_format));
       if (list) list->add(cursor_.block());
     }
     if (!list) lists_.Begin(paragraph_format, cursor_);
-    InsertRuns(paragraph.first_run, shown_end);
-    if (is_long) EndPieces(attached);
-    for (; shown_end < last; ++shown_end) offset_ += source_.runs[shown_end].bytes;
-  }
-
-  void Step() {
-    since_step_ = 0;
-    if (step_ && !step_(offset_, source_.text.size())) given_up_ = true;
-  }
-
-  /// format: of the first block, and made that of a piece.
-  void BeginPieces(QTextBlockFormat& format, std::uint32_t mark) {
-    piece_mark_ = mark;
-    ++long_paragraphs_;
-    format.setProperty(kLongParagraph, ++store_.long_paragraphs);
-    format.setProperty(kPiece, 1);
-    ShowAsPiece(format, 1);
-    next_piece_ = format;
-    next_piece_.setObjectIndex(-1);
-    room_ = kBytesOfPiece;
-    room_runs_ = kRunsOfPiece;
-  }
-
-  void NextPiece() {
-    const int piece = next_piece_.intProperty(kPiece) + 1;
-    next_piece_.setProperty(kPiece, piece);
-    ShowAsPiece(next_piece_, piece);
-    cursor_.insertBlock(next_piece_, CharFormat(piece_mark_));
-    room_ = kBytesOfPiece;
-    room_runs_ = kRunsOfPiece;
-    Step();
-  }
-
-  void EndPieces(int attached) {
-    room_ = room_runs_ = kEndless;
-    if (attached == 0) return;
-    QTextBlockFormat format = cursor_.blockFormat();
-    format.setProperty(kAttached, attached);
-    cursor_.setBlockFormat(format);
-  }
-
-  void TakeRoomForRun() {
-    if (room_runs_ == kEndless) return;
-    if (room_runs_ == 0) NextPiece();
-    --room_runs_;
-  }
-
-  /// Where a text that is longer than the room of its piece is cut: behind a blank, or between characters.
-  static std::size_t CutOf(std::string_view text, std::size_t room) {
-    const std::size_t blank = text.rfind(' ', room);
-    if (blank != std::string_view::npos && blank < room && room - blank < kBytesOfPiece / 4) return blank + 1;
-    return utf8::CharacterStart(text, room);
-  }
-
-  bool IsUnseen(const rtf::Run& run) const {
-    if (run.object) return store_.document.objects[run.object - 1].kind == rtf::ObjectKind::Invisible;
-    return store_.document.char_formats[run.format].hidden;
-  }
-
-  /// What a view does not show, from run to run; the number of kAttached.
-  int Attach(std::size_t first, std::size_t last, std::uint32_t offset) {
-    std::vector<RtfStore::Attached> parts;
-    for (; first < last; ++first) {
-      const rtf::Run& run = source_.runs[first];
-      parts.push_back({run.object, run.format, run.object ? std::string() : source_.text.substr(offset, run.bytes)});
-      offset += run.bytes;
-    }
-    store_.attached.push_back(std::move(parts));
-    return static_cast<int>(store_.attached.size());
-  }
-
-  void InsertRuns(std::size_t first, std::size_t last) {
-    int attached = 0;
-    while (first < last && !given_up_) {
-      const rtf::Run& run = source_.runs[first];
-      if (IsUnseen(run)) {
-        std::size_t end = first + 1;
-        while (end < last && IsUnseen(source_.runs[end])) ++end;
-        attached = Attach(first, end, offset_);
-        for (; first < end; ++first) offset_ += source_.runs[first].bytes;
-        continue;
-      }
-      if (attached == 0 && !run.object) {
-        InsertText(std::string_view(source_.text).substr(offset_, run.bytes), CharFormat(run.format));
-      } else {
-        QTextCharFormat format = CharFormat(run.format);
-        if (attached) format.setProperty(kAttached, attached);
-        if (run.object)
-          InsertObject(static_cast<int>(run.object), format);
-        else
-          InsertText(std::string_view(source_.text).substr(offset_, run.bytes), format);
-        attached = 0;
-      }
-      offset_ += run.bytes;
-      ++first;
-    }
-  }
-
-  void InsertText(std::string_view text, const QTextCharFormat& format) {
-    for (std::size_t page_end = text.find('\f'); page_end != std::string_view::npos; page_end = text.find('\f')) {
-      InsertText(text.substr(0, page_end), format);
-      InsertObject(kPageBreak, format);
-      text.remove_prefix(page_end + 1);
-    }
-    if (text.empty()) return;
-    TakeRoomForRun();
-    while (text.size() > room_ && !given_up_) {
-      const std::size_t cut = CutOf(text, room_);
-      if (cut > 0) cursor_.insertText(TextOf(text.substr(0, cut)), format);
-      text.remove_prefix(cut);
-      NextPiece();
-    }
-    cursor_.insertText(TextOf(text), format);
-    if (room_ != kEndless) room_ -= text.size();
-  }
-
-  void InsertObject(int object, QTextCharFormat format) {
-    TakeRoomForRun();
-    format.setObjectType(kRtfObjectType);
-    format.setProperty(kObject, object);
-    cursor_.insertText(QString(QChar::ObjectReplacementCharacter), format);
-  }
-
-  const QTextCharFormat& CharFormat(std::uint32_t number) {
-    if (number >= char_formats_.size()) number = 0;
-    std::optional<QTextCharFormat>& format = char_formats_[number];
-    if (!format) format = formats_.ShowCharFormat(number);
-    return *format;
+    runs_.InsertRuns(paragraph.first_run, shown_end);
+    if (is_long) runs_.EndPieces(attached);
+    runs_.SetOffset(OffsetOf(index + 1));
   }
 
   const QTextBlockFormat& BlockFormat(std::uint32_t number, const QTextList* list) {
@@ -291,7 +162,7 @@ class Importer {
     const std::vector<std::size_t> parts = shape_.PartsOf(table);
     const int group = parts.size() > 1 ? ++store_.parted_tables : 0;
     std::size_t first = 0;
-    for (std::size_t part = 0; part < parts.size() && !given_up_; ++part) {
+    for (std::size_t part = 0; part < parts.size() && !runs_.GivenUp(); ++part) {
       if (part > 0) MarkSeam();
       RtfGrid grid(source_, shape_, table, std::exchange(first, parts[part]), parts[part]);
       grid.kept.group = group;
@@ -300,7 +171,7 @@ class Importer {
     }
     std::size_t end = 0;
     for (const auto& [cell, range] : cells) end = std::max(end, range.second);
-    offset_ = OffsetOf(end);
+    runs_.SetOffset(OffsetOf(end));
   }
 
   void InsertGrid(RtfGrid&& grid, const CellRanges& cells) {
@@ -316,7 +187,7 @@ class Importer {
       const auto range = cells.find(static_cast<std::int32_t>(cell));
       if (range == cells.end()) continue;
       // Paragraphs come in the order of the cells, but a merged-away cell has some, too, that are not shown.
-      offset_ = OffsetOf(range->second.first);
+      runs_.SetOffset(OffsetOf(range->second.first));
       cursor_ = table->cellAt(place.row, place.column).firstCursorPosition();
       InsertParagraphs(range->second.first, range->second.second, static_cast<std::int32_t>(cell));
     }
@@ -334,25 +205,16 @@ class Importer {
 
   const RtfDocument& source_;
   RtfStore& store_;
-  const RtfImportStep& step_;
   const RtfShape shape_;
   RtfFormats formats_;
   RtfFlatKeeper flat_;
   QTextCursor cursor_;
-  std::uint32_t offset_ = 0;  ///< in the text, of the next run
+  RtfRunInserter runs_;
   std::size_t known_run_ = 0;
   std::uint32_t known_offset_ = 0;
-  std::vector<std::optional<QTextCharFormat>> char_formats_;
   std::map<std::pair<std::uint32_t, const QTextList*>, QTextBlockFormat> block_formats_;
   RtfViewLists lists_;
-  std::size_t long_paragraphs_ = 0;
-  // Of the piece that is being filled; endless outside long paragraphs.
-  std::size_t room_ = kEndless;
-  std::size_t room_runs_ = kEndless;
-  QTextBlockFormat next_piece_;
-  std::uint32_t piece_mark_ = 0;
   std::size_t since_step_ = 0;
-  bool given_up_ = false;
 };
 
 /// Shows a text whose formats and objects are those of the store.

@@ -246,7 +246,7 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& 
 
 PartProducer form_RTF::Producer() {
   return [this](const FilePart& put) {
-    // Untouched, the document is what it was read from.
+    // Unmodified, the document is what it was read from.
     if (!read_bytes_.empty() && read_revision_ == Revision()) return put(read_bytes_);
     return pad->WriteRtf(put);
   };

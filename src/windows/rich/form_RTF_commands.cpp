@@ -25,6 +25,7 @@ constexpr int kScreenAndPrinterFonts = 3;
 constexpr int kSizeStep = 2;
 /// Marked-up text beyond this is pasted as plain text: laying it out would take minutes.
 constexpr qsizetype kMaxHtml = qsizetype{8} << 20;
+
 }  // namespace
 
 void form_RTF::EditCopy() {
