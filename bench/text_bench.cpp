@@ -38,7 +38,7 @@ struct Editor {
   form_TXT& Open(const QString& path) {
     OpenPathList(frame.Shared(), path);
     QApplication::processEvents();
-    auto& window = static_cast<form_TXT&>(*frame.Shared().documents.At(DocumentKind::Txt, 0).window);
+    auto& window = static_cast<form_TXT&>(*frame.Shared().documents.At(DocumentKind::Txt, 0));
     static_cast<TextPad&>(window.EditingArea()).viewport()->repaint();
     return window;
   }

@@ -78,7 +78,7 @@ void BM_OpenToPaintedTree(benchmark::State& state) {
   Editor editor;
   editor.frame.MDIForm_Load({});
   QApplication::processEvents();
-  auto& window = static_cast<form_INI&>(*editor.frame.Shared().documents.At(DocumentKind::Ini, 0).window);
+  auto& window = static_cast<form_INI&>(*editor.frame.Shared().documents.At(DocumentKind::Ini, 0));
   for (auto _ : state) {
     OpenPathList(editor.frame.Shared(), path);
     QApplication::processEvents();
@@ -124,7 +124,7 @@ DocumentWindow& LargeDocument(Editor& editor, DocumentKind kind, const QString& 
   } else {
     while (content.size() < 100'000'000) content += "A line of the length that lines have, give or take.\r\n";
   }
-  DocumentWindow& window = *editor.frame.Shared().documents.At(kind, 0).window;
+  DocumentWindow& window = *editor.frame.Shared().documents.At(kind, 0);
   window.ShowKept({kind, path, QStringLiteral("large")}, std::move(content));
   return window;
 }
@@ -231,7 +231,7 @@ form_RTF& OddDocument(Editor& editor, const OddShape& shape) {
   std::ofstream(path.toStdString(), std::ios::binary) << "{\\rtf1\\ansi " << shape.body() << "}";
   OpenPathList(editor.frame.Shared(), path);
   QApplication::processEvents();
-  return static_cast<form_RTF&>(*editor.frame.Shared().documents.At(DocumentKind::Rtf, 0).window);
+  return static_cast<form_RTF&>(*editor.frame.Shared().documents.At(DocumentKind::Rtf, 0));
 }
 
 /// From the choice of the file to the painted text.

@@ -33,7 +33,7 @@ void BackgroundWork::Wait() {
 
 void BackgroundWork::Stop() { thread_ = {}; }
 
-QString ReasonOf(const std::exception_ptr& thrown) {
+QString ExceptionText(const std::exception_ptr& thrown) {
   try {
     std::rethrow_exception(thrown);
   } catch (const std::bad_alloc&) {

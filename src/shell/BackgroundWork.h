@@ -38,6 +38,6 @@ class BackgroundWork : public QObject {
 };
 
 /// What was thrown, in words for a sentence: without a full stop.
-QString ReasonOf(const std::exception_ptr& thrown);
+QString ExceptionText(const std::exception_ptr& thrown);
 
 }  // namespace tme

@@ -31,7 +31,7 @@ void HistoryPruning::Prune() {
     pruner.Prune(QDateTime::currentDateTimeUtc(), stop);
   };
   const auto done = [this](const std::exception_ptr& thrown) {
-    if (thrown) TellFailure(ReasonOf(thrown));
+    if (thrown) TellFailure(ExceptionText(thrown));
   };
   try {
     pruning_.Start(prune, done);

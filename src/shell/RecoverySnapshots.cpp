@@ -91,7 +91,7 @@ void RecoverySnapshots::Take(DocumentWindow& window, Watched& watched, Clock::ti
     writing_for_ = &window;
   } catch (const std::exception&) {  // no memory, no thread
     watched.has_snapshot = false;
-    TellFailure(window, ReasonOf(std::current_exception()));
+    TellFailure(window, ExceptionText(std::current_exception()));
   }
   watched.cost = Clock::now() - start;
   within_share_ = std::max(within_share_, now) + kWindowFactor * watched.cost;
@@ -105,7 +105,7 @@ void RecoverySnapshots::Finish(const std::exception_ptr& thrown) {
     if (failed) watched->has_snapshot = false;
   }
   if (failed && window)
-    TellFailure(*window, thrown ? ReasonOf(thrown) : QString::fromStdString(written_.failure->reason));
+    TellFailure(*window, thrown ? ExceptionText(thrown) : QString::fromStdString(written_.failure->reason));
   // The next document need not wait for the timer; but if it did not, nobody waits for it here.
   const auto poll = [this] {
     if (timer_.isActive()) Poll(Clock::now());

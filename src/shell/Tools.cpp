@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <memory>
 
+#include "shell/BackgroundWork.h"
 #include "shell/DisplayText.h"
 #include "shell/FolderListing.h"
 #include "shell/Global.h"
@@ -88,12 +89,23 @@ void GatherDirectoryList(Global& global) {
 
   FolderListingWatch watch;
   QString listing;
-  const std::unique_ptr<QThread> thread(QThread::create([&] { listing = ListFolder(folder, watch); }));
+  std::exception_ptr thrown;
+  const auto list = [&] {
+    try {
+      listing = ListFolder(folder, watch);
+    } catch (...) {
+      thrown = std::current_exception();
+    }
+  };
+  const std::unique_ptr<QThread> thread(QThread::create(list));
   thread->start();
-  if (!thread->isRunning() && !thread->isFinished()) listing = ListFolder(folder, watch);  // no thread to be had
+  if (!thread->isRunning() && !thread->isFinished()) list();  // no thread to be had
   if (!thread->wait(kQuietMs)) WatchListing(global, *thread, watch);
   thread->wait();
   if (watch.cancelled) return;
+  if (thrown)
+    return Say(global, Tools::tr("The folder\r( %1 )\rcould not be listed: %2.").arg(folder, ExceptionText(thrown)),
+               MsgIcon::Warning);
   QGuiApplication::clipboard()->setText(listing);
   ReportCompletion(global, Tools::tr("Directory List Gathering Complete"));
 }

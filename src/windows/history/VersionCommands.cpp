@@ -29,7 +29,7 @@ std::optional<std::string> VersionCommands::ContentOf(const KeptVersion& version
     if (std::optional<std::string> content = global_.history.contents.Read(version.digest)) return content;
     Say(Summary({}, version, global_.history.folder.Path()));
   } catch (const std::exception&) {
-    Say(tr("This version could not be read: %1.").arg(ReasonOf(std::current_exception())));
+    Say(tr("This version could not be read: %1.").arg(ExceptionText(std::current_exception())));
   }
   return std::nullopt;
 }

@@ -42,7 +42,7 @@ std::shared_ptr<const VersionComparison> FailedComparison(const std::exception_p
     comparison->outcome = VersionComparison::Outcome::TooLarge;
   } catch (...) {
     comparison->outcome = VersionComparison::Outcome::Failed;
-    comparison->failure = ReasonOf(thrown);
+    comparison->failure = ExceptionText(thrown);
   }
   return comparison;
 }
