@@ -121,6 +121,14 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
   mirror.Check();
 }
 
+TEST(IniReader, TakesEveryLineOfATree) {
+  for (const std::string text : {"[B]\nx=2\nx=1\n[A]\n;c\n", ";b\n;a\nk=1\n\n[A]\ny\nX\n[A]\n[\n"}) {
+    IniTree tree("T");
+    IniReader::ReadEveryLine(tree, text);
+    EXPECT_EQ(Dump(tree), text.starts_with('[') ? "[A|(;c)][B|x=1|x=2]" : "(;a)(;b)[A|X|y][A|[]k=1");
+  }
+}
+
 TEST(IniWriter, SaysWhatAReaderWouldNotTakeBack) {
   using T = IniTree&;
   struct Case {

@@ -20,8 +20,6 @@ inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
 /// kMaxFileBytes. `bytes` is empty after a failure.
 std::optional<FileFailure> ReadFileBytes(const std::filesystem::path& path, std::string& bytes);
 
-using FilePart = PartSink;
-
 /// Writes whole or not at all: a temporary file in the same folder with all that the target has beside its bytes
 /// (owner, group, mode, access list, labels; on Windows its attributes, access list and alternate streams), written,
 /// flushed to disk, put in place; symbolic links are followed, a read-only target is refused, and so is one of which a

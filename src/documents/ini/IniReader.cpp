@@ -9,6 +9,8 @@ namespace tme {
 
 namespace {
 
+IniTag TagOf(IniLine kind) { return kind == IniLine::Comment ? IniTag::Comments : IniTag::Value; }
+
 /// Ends the read before a line, which is the current one of `lines` or the next, and counts what is left.
 void EndBefore(IniReadEnd end, std::uint64_t line_number, LineReader& lines, IniReadResult& result) {
   result.end = end;
@@ -44,6 +46,25 @@ IniReadResult IniReader::Read(IniTree& tree, std::string text, const IniQuestion
   return result;
 }
 
+void IniReader::ReadEveryLine(IniTree& tree, const std::string& text) {
+  const IniReadResult result = Read(tree, text, {[](std::string_view) { return false; }});
+  if (result.end == IniReadEnd::DuplicateRefused || result.lines_not_read > 0) {
+    tree.Reset(std::string(tree.Root()->Text()));
+    IniTree::Load load(tree, text);
+    LineReader lines(load.Text());
+    for (std::string_view line; lines.Next(line);) {
+      const IniLine kind = KindOf(line);
+      if (kind == IniLine::Header && line.size() > 1)
+        load.AppendSection(HeaderName(line));
+      else if (kind != IniLine::Blank)
+        load.AppendEntry(line, TagOf(kind));
+    }
+    load.Commit();
+    tree.SetExpanded(tree.Root(), true);
+  }
+  tree.Select(tree.Root());
+}
+
 IniReader::IniReader(IniTree& tree, std::string text, const IniQuestions& ask)
     : tree_(tree), ask_(ask), load_(tree, std::move(text)), lines_(load_.Text()) {
   const IniNode& root = *tree.Root();
@@ -54,7 +75,7 @@ IniReadResult IniReader::ReadSections() {
   std::string_view line;
   bool going_on = lines_.Next(line);
   if (KindOf(line) == IniLine::Comment) {
-    load_.AppendComment(line);
+    load_.AppendEntry(line, IniTag::Comments);
     names_.insert(line);
   } else {
     going_on = TakeLine(line);
@@ -87,7 +108,7 @@ bool IniReader::TakeLine(std::string_view line) {
     return false;
   }
   result_.blank_lines_dropped += std::exchange(blank_lines_, 0);
-  load_.AppendEntry(line, kind == IniLine::Comment ? IniTag::Comments : IniTag::Value);
+  load_.AppendEntry(line, TagOf(kind));
   return true;
 }
 

@@ -55,6 +55,9 @@ class IniReader {
   /// text: UTF-8, taken over by the tree, so that its nodes need no copy. The cost is linear but for sorting each list
   /// of children.
   static IniReadResult Read(IniTree& tree, std::string text, const IniQuestions& ask);
+  /// Fills a fresh tree from the text of any tree, in which edits may have made what Read would not take: equal names,
+  /// several comments at the top. The root is selected afterwards.
+  static void ReadEveryLine(IniTree& tree, const std::string& text);
 
  private:
   IniReader(IniTree& tree, std::string text, const IniQuestions& ask);

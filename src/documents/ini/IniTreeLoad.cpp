@@ -14,14 +14,16 @@ IniTree::Load::~Load() {
   if (tree_.next_created_ == first_created_) tree_.texts_.GiveBackLast();
 }
 
-void IniTree::Load::AppendComment(std::string_view text) { tree_.Append(tree_.Root(), text, IniTag::Comments); }
-
 void IniTree::Load::AppendSection(std::string_view name) {
   FinishSection();
   section_ = tree_.Append(tree_.Root(), name, IniTag::Section);
 }
 
 void IniTree::Load::AppendEntry(std::string_view text, IniTag tag) {
+  if (section_ == nullptr) {
+    tree_.Append(tree_.Root(), text, tag);
+    return;
+  }
   IniNode* entry = tree_.NewNode(section_, text, tag);
   entry->row_ = static_cast<std::uint32_t>(entries_.size());
   entries_.push_back(entry);

@@ -24,9 +24,8 @@ class IniTree::Load {
 
   /// Where the texts below must lie. Holds until the tree is reset.
   std::string_view Text() const { return text_; }
-  void AppendComment(std::string_view text);
   void AppendSection(std::string_view name);
-  /// Appends to the section that was appended last.
+  /// Appends to the section that was appended last, or to the root before the first one.
   void AppendEntry(std::string_view text, IniTag tag);
 
   /// Puts what was appended in order and ends the reset.

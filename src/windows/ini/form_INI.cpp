@@ -1,21 +1,13 @@
 #include "windows/ini/form_INI.h"
 
-#include <QContextMenuEvent>
 #include <QEvent>
-#include <QFileInfo>
-#include <QLocale>
 #include <QMdiSubWindow>
-#include <QMouseEvent>
-#include <QPainter>
 #include <QPrinter>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QShortcut>
-#include <QStyleOptionSlider>
 #include <QTextEdit>
 #include <QTreeView>
 
-#include "base/LineReader.h"
 #include "base/Utf8.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
@@ -35,6 +27,7 @@
 #include "system/Twips.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
+#include "windows/ini/ScrollBarUnderStrip.h"
 
 using namespace Qt::StringLiterals;
 
@@ -54,46 +47,6 @@ bool IsAscii(std::string_view text) { return utf8::AsciiRun(text) == text.size()
 bool Is8Bit(const TextFormat& format, std::string_view text) {
   return format.encoding == TextEncoding::CodePage && !IsAscii(text);
 }
-
-/// A horizontal scroll bar with a strip above it, on which the buttons stand: so the tree view reaches down to the
-/// bottom and yet no row of it hides under them.
-class ScrollBarUnderStrip : public QScrollBar {
- public:
-  explicit ScrollBarUnderStrip(QWidget* parent) : QScrollBar(Qt::Horizontal, parent) {}
-  void SetStrip(int pixels) {
-    if (std::exchange(strip_, pixels) != pixels) updateGeometry();
-  }
-  QSize sizeHint() const override { return QScrollBar::sizeHint() + QSize(0, strip_); }
-
- protected:
-  /// The style lays the bar out from the top, so it is drawn, and the mouse is read, shifted by the strip.
-  void initStyleOption(QStyleOptionSlider* option) const override {
-    QScrollBar::initStyleOption(option);
-    option->rect = QRect(0, 0, width(), height() - strip_);
-  }
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
-    if (minimum() == maximum()) return;
-    QStyleOptionSlider option;
-    initStyleOption(&option);
-    option.subControls = QStyle::SC_All;
-    painter.translate(0, strip_);
-    style()->drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, this);
-  }
-  void mousePressEvent(QMouseEvent* event) override { QScrollBar::mousePressEvent(Shifted(*event).get()); }
-  void mouseMoveEvent(QMouseEvent* event) override { QScrollBar::mouseMoveEvent(Shifted(*event).get()); }
-  void mouseReleaseEvent(QMouseEvent* event) override { QScrollBar::mouseReleaseEvent(Shifted(*event).get()); }
-  void contextMenuEvent(QContextMenuEvent* event) override { event->accept(); }
-
- private:
-  std::unique_ptr<QMouseEvent> Shifted(const QMouseEvent& event) const {
-    return std::make_unique<QMouseEvent>(event.type(), event.position() - QPointF(0, strip_), event.globalPosition(),
-                                         event.button(), event.buttons(), event.modifiers());
-  }
-
-  int strip_ = 0;
-};
 
 }  // namespace
 
@@ -286,7 +239,7 @@ TextFormat form_INI::FormatToWrite() const {
 }
 
 PartProducer form_INI::Producer() {
-  return [this](const FilePart& put) {
+  return [this](const PartSink& put) {
     const std::string text = WriteIni(tree_);
     wrote_ascii_ = IsAscii(text);
     return put(text);
@@ -316,29 +269,9 @@ void form_INI::PutContent(std::string bytes) {
   file_.SetFormat(decoded.format);
   is_8bit_ = Is8Bit(decoded.format, decoded.text);
   tree_.Reset(file_.Title().toStdString());
-  ReadKept(decoded.text);
-  SetChanged(true);
-}
-
-void form_INI::ReadKept(const std::string& text) {
-  bool clash = false;
-  const IniQuestions never{[&clash](std::string_view) { return !(clash = true); }};
-  const IniReadResult result = IniReader::Read(tree_, text, never);
-  if (clash || result.lines_not_read > 0) {
-    // An edit can make what the reader of files would not take: equal names, several comments at the top.
-    tree_.Reset(std::string(tree_.Root()->Text()));
-    IniNode* section = tree_.Root();
-    std::string_view line;
-    for (LineReader lines(text); lines.Next(line);) {
-      if (line.size() > 1 && line.front() == '[')
-        section = tree_.AddSection(line.substr(1, line.size() - 1 - utf8::LastCharacterBytes(line)));
-      else if (!line.empty())
-        tree_.AddEntry(section, line, line.front() == ';' ? IniTag::Comments : IniTag::Value);
-    }
-    tree_.SetExpanded(tree_.Root(), true);
-  }
-  tree_.Select(tree_.Root());
+  IniReader::ReadEveryLine(tree_, decoded.text);
   RestoreView();
+  SetChanged(true);
 }
 
 void form_INI::PrintDoc(QPrinter& printer) {

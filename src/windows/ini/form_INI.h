@@ -84,8 +84,6 @@ class form_INI : public DocumentWindow {
   bool ConfirmDeletion(const QString& label, const IniNode& node);
   void AddEntryTo(IniNode* section, const QString& key, const QString& value);
   IniReadResult Read(std::string text);
-  /// Into a fresh tree, without a question: every line is taken, also where a file could not hold it so.
-  void ReadKept(const std::string& text);
 
   IniTree tree_;
   /// The file has characters of the 8-bit code page, so who reads it takes it for that or for UTF-16, never for UTF-8.

@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QTreeView>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
@@ -20,7 +21,9 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-IniTag TagOfKey(const QString& key) { return key.startsWith(u';') ? IniTag::Comments : IniTag::Value; }
+IniTag TagOfKey(const QString& key) {
+  return KindOf(key.toStdString()) == IniLine::Comment ? IniTag::Comments : IniTag::Value;
+}
 
 std::string EntryText(const QString& key, const QString& value) { return (key + u'=' + value).toStdString(); }
 
@@ -228,7 +231,7 @@ void form_INI::EditPaste() {
 
 void form_INI::PasteNewSection() {
   const QStringList lines = LinesOf(QGuiApplication::clipboard()->text());
-  if (lines.first().startsWith(u'[')) return;
+  if (KindOf(lines.first().toStdString()) == IniLine::Header) return;
   const QString name = global_.dialogs.InputBox(tr("Enter New Section Name"), tr("Paste as New Section"));
   if (name.isEmpty()) return;
   QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);

@@ -1,6 +1,5 @@
 #include "windows/reg/form_REG.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -11,24 +10,17 @@
 #include <array>
 
 #include "documents/reg/RegAsShown.h"
-#include "documents/reg/RegLosses.h"
-#include "files/FileBytes.h"
-#include "files/PrivateFile.h"
-#include "files/TextFile.h"
 #include "shell/DocumentArea.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
-#include "shell/WaitCursor.h"
 #include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
-#include "system/Dialogs.h"
 #include "system/RegistryAccess.h"
 #include "system/Twips.h"
 #include "windows/reg/RegKeyModel.h"
-#include "windows/reg/RegNotice.h"
 #include "windows/reg/RegValueModel.h"
 
 using namespace Qt::StringLiterals;
@@ -36,14 +28,11 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr int kRepaintsMs = 33;  // about 30 a second
 constexpr int kStages = 7;
-constexpr int kStageOfHive = 4;
 constexpr std::array kColumnNames{"LVC1", "LVC2", "LVC3"};
 /// Twips, where the settings have none.
 constexpr std::array kColumnWidths{2700, 1100, 0};
 constexpr int kLeastDataWidth = 1100;  // twips
-constexpr const char* kErrorLogName = "REG_ERR.TME";
 
 }  // namespace
 
@@ -225,138 +214,9 @@ void form_REG::SetLocation(const QString& text) {
   SetTip(*lbl_location, text);
 }
 
-void form_REG::NewREG() {
-  TakeSlotForNew();
-  layout_ = RegLayout::Regular;
-  document_.Reset(file_.Title().toStdString());
-  TV->show();
-  EndProgress();
-  RestoreView();
-  ShowNew();
-}
-
-void form_REG::OpenREG() {
-  std::optional<std::string> text = TakeSlotText();
-  if (!text) return;
-  layout_ = RegLayout::Regular;
-  document_.Reset(file_.Title().toStdString());
-  ShowInFrame();
-  const RegReadResult result = Read(std::move(*text));
-  switch (result.end) {
-    case RegReadEnd::HeaderRefused:
-      return FileClose();
-    case RegReadEnd::LargeFileRefused:
-      TV->show();
-      SetLocation({});
-      AddNotice(tr("Nothing of the file was read. A save would put an empty document in its place."));
-      break;
-    case RegReadEnd::UnknownHive:
-      // Intended: the import just stops; the bars, the label and the hidden tree stay as they are.
-      ShowImport({RegProgress::Phase::Importing, result.ended_at_line, result.line_count, kStageOfHive});
-      break;
-    case RegReadEnd::EndOfInput:
-      EndProgress();
-      TV->show();
-      RestoreView();
-      TV->setFocus();
-      break;
-  }
-  if (result.end == RegReadEnd::LargeFileRefused) {
-    MarkUnmodified();
-    file_.SetLeftOut(tr("all that the file held"));
-  } else {
-    const QString left_out = LeftOutOf(result);
-    const bool is_unsaid = left_out.isEmpty() && result.end != RegReadEnd::EndOfInput;
-    MarkOpened(is_unsaid ? std::nullopt : std::optional(left_out));
-  }
-  AddNotice(NoticeOf(result));
-  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
-  if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
-}
-
-RegReadResult form_REG::Read(std::string text) {
-  const WaitCursor wait_cursor;
-  SetLocation(tr("Gathering File Information"));
-  const auto ask = [this](const QString& question, const QString& title, MsgIcon icon) {
-    return global_.dialogs.MsgBox(question, MsgButtons::YesNo, icon, title) == MsgAnswer::Yes;
-  };
-  RegQuestions questions;
-  questions.wrong_header = [&] {
-    return ask(tr("This file does not have the correct header definitions required for registry files.  Do you wish to "
-                  "attemp to open this file anyway?"),
-               tr("Error in File Type"), MsgIcon::Question);
-  };
-  questions.large_file = [&] {
-    return ask(tr("This file is very large, and processing could take a while. Do you wish to continue?"),
-               tr("Large Registry File"), MsgIcon::None);
-  };
-  questions.progress = [this](const RegProgress& progress) { ShowProgress(progress); };
-  TV->hide();
-  since_progress_.start();
-  return RegReader::Read(document_, std::move(text), questions);
-}
-
-void form_REG::ShowProgress(const RegProgress& progress) {
-  if (since_progress_.elapsed() < kRepaintsMs) return;
-  since_progress_.start();
-  if (progress.phase == RegProgress::Phase::Counting) {
-    SetLocation(tr("Information Count: %1 lines.").arg(progress.lines));
-  } else {
-    ShowImport(progress);
-  }
-  // Repaints, but holds back what would act on a half-read document: keys and clicks. What other launches hand over
-  // waits for the wait cursor to go.
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
-}
-
-void form_REG::ShowImport(const RegProgress& progress) {
-  SetLocation(tr("Importing Data:"));
-  PB->show();
-  PB2->show();
-  // A progress bar counts in int; parts of a thousand serve any file.
-  PB->setMaximum(1000);
-  PB->setValue(static_cast<int>(1000 * progress.lines / std::max<std::uint64_t>(progress.total, 1)));
-  PB2->setValue(progress.stage);
-}
-
-void form_REG::EndProgress() {
-  PB->hide();
-  PB2->hide();
-  SetLocation({});
-}
-
-void form_REG::ReportErrors(const std::string& error_log) {
-  const std::string text =
-      tr("The following entries could not be processed:\r\n\r\n").toStdString() + error_log + "\r\n";
-  const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
-    TextFormat format = file_.Format();
-    PrivateFileSteps steps;
-    return WriteTextFile(
-        file, format, [&text](const FilePart& put) { return put(text); }, steps);
-  });
-  if (path.isEmpty()) return;
-  global_.dialogs.MsgBox(tr("Errors were reported during inport.  Please see %1  for details.").arg(path),
-                         MsgButtons::Ok, MsgIcon::Information, tr("Errors:"));
-}
-
 std::string form_REG::Content() {
   TextFormat format = file_.Format();
-  return DocumentFile::BytesOf(&format, [this](const FilePart& put) { return WriteRegAsShown(document_, put); });
-}
-
-void form_REG::PutContent(std::string bytes) {
-  DecodedText decoded = DecodeText(std::move(bytes));
-  file_.SetFormat(decoded.format);
-  document_.Reset(file_.Title().toStdString());
-  if (!ReadRegAsShown(document_, decoded.text)) {
-    const RegQuestions take_all{.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}};
-    AddNotice(NoticeOf(RegReader::Read(document_, std::move(decoded.text), take_all)));
-  }
-  EndProgress();
-  TV->show();
-  RestoreView();
-  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
-  SetChanged(true);
+  return DocumentFile::BytesOf(&format, [this](const PartSink& put) { return WriteRegAsShown(document_, put); });
 }
 
 void form_REG::DropContent() {

@@ -126,7 +126,7 @@ void form_REG::TellLosses(const RegLosses& losses) {
 }
 
 PartProducer form_REG::ProducerIn(RegLayout layout) const {
-  return [this, layout](const FilePart& put) { return WriteReg(document_, layout, put); };
+  return [this, layout](const PartSink& put) { return WriteReg(document_, layout, put); };
 }
 
 PartProducer form_REG::Producer() { return large_output_is_allowed_ ? ProducerWithProgress() : ProducerIn(layout_); }
@@ -147,7 +147,7 @@ PartProducer form_REG::ProducerWithProgress() {
   dialog->setObjectName(u"SaveProgress"_s);
   dialog->setWindowModality(Qt::ApplicationModal);
   const std::uint64_t bytes = std::max<std::uint64_t>(RegOutputBytes(document_, layout_), 1);
-  return [this, dialog, bytes](const FilePart& put) {
+  return [this, dialog, bytes](const PartSink& put) {
     std::uint64_t written = 0;
     return WriteReg(document_, layout_, [&](std::string_view part) {
       written += part.size();

@@ -245,7 +245,7 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& 
 }
 
 PartProducer form_RTF::Producer() {
-  return [this](const FilePart& put) {
+  return [this](const PartSink& put) {
     // Unmodified, the document is what it was read from.
     if (!read_bytes_.empty() && read_revision_ == Revision()) return put(read_bytes_);
     return pad->WriteRtf(put);
@@ -260,7 +260,7 @@ bool form_RTF::WriteRich(const DocumentFile::Target& target) {
 
 bool form_RTF::WritePlain(const DocumentFile::Target& target) {
   TextFormat format;
-  if (!Write(target, &format, [this](const FilePart& put) { return pad->WriteText(put); })) return false;
+  if (!Write(target, &format, [this](const PartSink& put) { return pad->WriteText(put); })) return false;
   AddNotice(FileMessages::OfEncoding(TextFormat().encoding, format.encoding));
   return true;
 }

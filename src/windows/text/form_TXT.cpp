@@ -81,7 +81,7 @@ SaveDialogTexts form_TXT::SaveTexts() const {
 }
 
 PartProducer form_TXT::Producer() {
-  return [this](const FilePart& put) {
+  return [this](const PartSink& put) {
     for (std::string_view rest = pad->Text(); !rest.empty();)
       if (!put(TakePart(rest))) return false;
     return true;
