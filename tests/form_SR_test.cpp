@@ -53,38 +53,39 @@ class Search : public Editor {
   QString TextIn(const char* name) { return In<QLineEdit>(name).text(); }
 };
 
+struct SearchCase {
+  const char* text;
+  const char* wanted;
+  const char* replacement;          ///< null: find mode
+  std::vector<std::string> clicks;  ///< the document after each; before it "?y" or "?n" for each question's answer
+  unsigned options = 0;
+};
+const std::vector<SearchCase> kSearches{
+    {"|abcabc", "abc", nullptr, {"[abc]abc", "?n"}},
+    {"|abcabc", "abc", nullptr, {"[abc]abc", "?y[abc]abc"}},
+    {"|aXa", "a", nullptr, {"[a]Xa", "aX[a]", "[a]Xa"}},
+    {"a bcdef|g", "a", nullptr, {"[a] bcdefg"}},
+    {"[ab]", "b", nullptr, {"a[b]"}},
+    {"|nothing", "missing", nullptr, {"?y?y?n"}},
+    {"[some] text", "missing", nullptr, {"[some] text"}},
+    {"|text here", "", nullptr, {"text here"}},
+    {"[one]ONE x ONE", "ONE", nullptr, {"oneONE x [ONE]"}, kFindMatchCase},
+    {"|one One x ONE", "ONE", nullptr, {"one One x [ONE]"}, kFindMatchCase},
+    {"|cats cat x", "cat", nullptr, {"cats [cat] x"}, kFindWholeWord},
+    {"|a-a-a-a", "a", "aa", {"[aa]-a-a-a", "aa-[aa]-a-a", "aa-aa-[aa]-a"}},
+    {"|a-bc-a-bc", "a", "", {"-bc-a-bc", "-bc--bc", "?n"}},
+    {"[old] old old.", "old", "new", {"old [new] old."}},
+    // A selection of the user's is replaced when nothing is found.
+    {"[user] text", "missing", "new", {"[new] text"}},
+    {"|x\r\ny\r\nz", "Y", "1\n2", {"x\r\n[1\r\n2]\r\nz"}},
+};
+
 }  // namespace
 
 TEST_F(Search, StepsThroughADocument) {
-  struct Case {
-    const char* text;
-    const char* wanted;
-    const char* replacement;          ///< null: find mode
-    std::vector<std::string> clicks;  ///< the document after each; before it "?y" or "?n" for each question's answer
-    unsigned options = 0;
-  };
-  const std::vector<Case> cases{
-      {"|abcabc", "abc", nullptr, {"[abc]abc", "?n"}},
-      {"|abcabc", "abc", nullptr, {"[abc]abc", "?y[abc]abc"}},
-      {"|aXa", "a", nullptr, {"[a]Xa", "aX[a]", "[a]Xa"}},
-      {"a bcdef|g", "a", nullptr, {"[a] bcdefg"}},
-      {"[ab]", "b", nullptr, {"a[b]"}},
-      {"|nothing", "missing", nullptr, {"?y?y?n"}},
-      {"[some] text", "missing", nullptr, {"[some] text"}},
-      {"|text here", "", nullptr, {"text here"}},
-      {"[one]ONE x ONE", "ONE", nullptr, {"oneONE x [ONE]"}, kFindMatchCase},
-      {"|one One x ONE", "ONE", nullptr, {"one One x [ONE]"}, kFindMatchCase},
-      {"|cats cat x", "cat", nullptr, {"cats [cat] x"}, kFindWholeWord},
-      {"|a-a-a-a", "a", "aa", {"[aa]-a-a-a", "aa-[aa]-a-a", "aa-aa-[aa]-a"}},
-      {"|a-bc-a-bc", "a", "", {"-bc-a-bc", "-bc--bc", "?n"}},
-      {"[old] old old.", "old", "new", {"old [new] old."}},
-      // A selection of the user's is replaced when nothing is found.
-      {"[user] text", "missing", "new", {"[new] text"}},
-      {"|x\r\ny\r\nz", "Y", "1\n2", {"x\r\n[1\r\n2]\r\nz"}},
-  };
   Start();
   form_TXT& window = New("");
-  for (const Case& c : cases) {
+  for (const SearchCase& c : kSearches) {
     SCOPED_TRACE(testing::Message() << c.text << " / " << c.wanted);
     Mark(PadOf(window), c.text);
     form_SR::Open(global_, window, c.replacement ? SearchMode::Replace : SearchMode::Find);

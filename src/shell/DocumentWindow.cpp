@@ -94,7 +94,7 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
 }
 
 void DocumentWindow::ReleaseSlot() {
-  // What could not be kept stays aside, for the next start.
+  // What could not be kept stays a recovery snapshot, for the next start.
   if (KeepUnsaved())
     global_.snapshots.Forget(this);
   else

@@ -51,31 +51,9 @@ NoticeBar::NoticeBar(QWidget* parent)
   icon->setPixmap(Icon(u"notice"_s).pixmap(extent));
   row->addWidget(icon, 0, Qt::AlignTop);
 
-  label_->setObjectName(u"notice_text"_s);
-  label_->setWordWrap(true);
-  label_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  label_->setForegroundRole(QPalette::ToolTipText);
-  label_->setAutoFillBackground(false);
-  area_->setWidget(label_);
-  area_->setWidgetResizable(true);
-  area_->setFrameShape(QFrame::NoFrame);
-  area_->setFocusPolicy(Qt::NoFocus);
-  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  area_->viewport()->setAutoFillBackground(false);
+  BuildText();
   rows_->addWidget(area_, 1);
-
-  auto* button_row = new QHBoxLayout(buttons_);
-  button_row->setContentsMargins(0, 0, 0, 0);
-  more_->setObjectName(u"notice_more"_s);
-  more_->setAutoRaise(true);
-  more_->setFocusPolicy(Qt::StrongFocus);
-  connect(more_, &QToolButton::clicked, this, [this] {
-    is_expanded_ = !is_expanded_;
-    Arrange();
-  });
-  button_row->addWidget(more_);
-  button_row->addStretch(1);
+  BuildButtons();
   rows_->addWidget(buttons_, 0, Qt::AlignTop);
   rows_->setSpacing(3);
   row->addLayout(rows_, 1);
@@ -89,6 +67,35 @@ NoticeBar::NoticeBar(QWidget* parent)
   connect(close, &QToolButton::clicked, this, &NoticeBar::Clear);
   row->addWidget(close, 0, Qt::AlignTop);
   hide();
+}
+
+void NoticeBar::BuildText() {
+  label_->setObjectName(u"notice_text"_s);
+  label_->setWordWrap(true);
+  label_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  label_->setForegroundRole(QPalette::ToolTipText);
+  label_->setAutoFillBackground(false);
+  area_->setWidget(label_);
+  area_->setWidgetResizable(true);
+  area_->setFrameShape(QFrame::NoFrame);
+  area_->setFocusPolicy(Qt::NoFocus);
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  area_->viewport()->setAutoFillBackground(false);
+}
+
+void NoticeBar::BuildButtons() {
+  auto* button_row = new QHBoxLayout(buttons_);
+  button_row->setContentsMargins(0, 0, 0, 0);
+  more_->setObjectName(u"notice_more"_s);
+  more_->setAutoRaise(true);
+  more_->setFocusPolicy(Qt::StrongFocus);
+  connect(more_, &QToolButton::clicked, this, [this] {
+    is_expanded_ = !is_expanded_;
+    Arrange();
+  });
+  button_row->addWidget(more_);
+  button_row->addStretch(1);
 }
 
 void NoticeBar::Add(const QString& sentence, std::vector<NoticeAction> actions, NoticeLife life) {

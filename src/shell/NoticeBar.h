@@ -48,6 +48,8 @@ class NoticeBar : public QFrame {
   void changeEvent(QEvent* event) override;
 
  private:
+  void BuildText();
+  void BuildButtons();
   void AddButton(NoticeAction action);
   /// Gives the text its height and the buttons their place for the width there is.
   void Arrange();

@@ -254,10 +254,11 @@ void mdform_TMEditor::PrintActiveDocument() {
   dialog.flags = CommonDialog::kNoPageNumbers | CommonDialog::kReturnDc;
   const std::unique_ptr<QPrinter> printer = dialog.ShowPrinter();
   if (!printer) return;
-  // A file is printed aside and then written like any other, whole or not at all: the print engine tells of no failure.
+  // A file is printed elsewhere and then written like any other, whole or not at all: the print engine tells of no
+  // failure.
   const QString target = printer->outputFileName();
-  const QTemporaryDir aside;
-  const QString printed = aside.filePath(u"print"_s);
+  const QTemporaryDir folder;
+  const QString printed = folder.filePath(u"print"_s);
   if (!target.isEmpty()) printer->setOutputFileName(printed);
   document->PrintDoc(*printer);
   if (target.isEmpty()) return;
