@@ -37,8 +37,7 @@ void CrashRecovery::Run() {
     global_.dialogs.MsgBox(
         tr("The unsaved changes of %1 could not be opened again: the program ended over it, at %2 starts. "
            "Tools, File History has them.")
-            .arg(snapshot.origin.title)
-            .arg(kMostAttempts),
+            .arg(snapshot.origin.title, QString::number(kMostAttempts)),
         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
   }
   store.EndReopening();
