@@ -58,7 +58,7 @@ TEST_F(RegWindow, ShowsKeysAndValuesAndSavesBothLayouts) {
   EXPECT_EQ(BytesOf(InFolder(u"b.reg"_s)), alpha);
 }
 
-TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
+TEST_F(RegWindow, AddsKeysAndValues) {
   Start();
   NewDocument(global_, DocumentKind::Reg);
   dialogs_.ExpectMsgBox(
@@ -98,7 +98,11 @@ TEST_F(RegWindow, AddsModifiesRenamesAndDeletes) {
   OnDialog(u"form_REGEdit"_s, Fill(u"b"_s, u"0a,0b"_s, u"cmd_OK"_s));
   Reg().EditNewBinary();
   EXPECT_EQ(Rows(), u"v|REG_SZ|onetwo\nb|HEX|0a,0b");
+}
 
+TEST_F(RegWindow, ModifiesRenamesAndDeletes) {
+  Open("REGEDIT4\r\n[HKEY_USERS\\Run]\r\n\"v\"=\"onetwo\"\r\n\"b\"=hex:0a,0b\r\n\r\n[HKEY_USERS\\run]\r\n\r\n");
+  SelectKey({u"HKEY_USERS"_s, u"Run"_s});
   Reg().EditModify();  // the tree has the focus: nothing
   SelectValue(1);
   EXPECT_TRUE(global_.menus.Action(u"menu_EditModify"_s)->isEnabled());
