@@ -7,7 +7,7 @@ std::string Shown(const QString& title, const QString& text, const QString& deta
 }
 
 QString Name(tme::MsgButtons buttons) {
-  constexpr const char* kNames[] = {"Ok", "YesNo", "YesNoCancel", "OkCancel"};
+  constexpr const char* kNames[] = {"Ok", "YesNo", "YesNoCancel", "OkCancel", "TryAgainCancel"};
   return QLatin1String(kNames[static_cast<std::size_t>(buttons)]);
 }
 

@@ -27,7 +27,7 @@ TEST_F(Editor, HooksAreOfThisCopyAndLeaveNothingBehind) {
   EXPECT_EQ(copy.State(ShellHook::SendTo), HookState::On) << "the link is there";
   EXPECT_EQ(registry_.ReadValue(key, {}), u"Tamarind Editor");
   EXPECT_EQ(registry_.ReadValue(key + u"\\Command"_s, {}), folder + u"\\TME.EXE %1"_s);
-  registry_.WriteValue(own_key + u"\\Command"_s, {}, kTextType, u"left by a run without the right"_s);
+  registry_.WriteValue(own_key + u"\\Command"_s, {}, u"left by a run without the right"_s);
   for (const ShellHook hook : {ShellHook::SendTo, ShellHook::ContextMenu}) {
     for (int times = 0; times < 2; ++times) EXPECT_TRUE(here.Set(hook, HookState::Off).empty());
     EXPECT_EQ(here.State(hook), HookState::Off);

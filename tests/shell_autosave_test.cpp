@@ -38,7 +38,7 @@ class SavingTest : public Editor {
 TEST_F(SavingTest, TimerSavesWhatWasTouched) {
   const QString touched = File(u"a.ini"_s, kIni), untouched = File(u"b.ini"_s, kIni);
   const QString keys = File(u"c.reg"_s, "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\r\n");
-  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"2"_s);
+  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, u"2"_s);
   Start({touched, untouched, keys});
   Touch(Ini(0));
   auto& reg = dynamic_cast<form_REG&>(*global_.documents.At(DocumentKind::Reg, 0));
@@ -62,7 +62,7 @@ TEST_F(SavingTest, TimerSavesWhatWasTouched) {
 TEST_F(SavingTest, TimerPassesOverWhatItWouldHaveToAskAbout) {
   File(u"history"_s, "a file where the folder should be");
   const QString cut = File(u"a.ini"_s, "[A]\nx=1\n\ny=2"), whole = File(u"b.ini"_s, kIni);
-  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"1"_s);
+  registry_.WriteValue(SettingsRoot, u"AutoSave"_s, u"1"_s);
   Start({cut, whole});
   for (const int slot : {0, 1}) Touch(Ini(slot));
   PassMinutes(2);

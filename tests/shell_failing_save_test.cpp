@@ -26,7 +26,7 @@ constexpr const char* kFlowNames[] = {"Save", "SaveAs", "SaveAll", "AutoSave", "
 class SaveRound : public KindsEditor {
  public:
   SaveRound() {
-    registry_.WriteValue(SettingsRoot, u"AutoSave"_s, kTextType, u"0"_s);
+    registry_.WriteValue(SettingsRoot, u"AutoSave"_s, u"0"_s);
     Start();
   }
   void TestBody() override {}

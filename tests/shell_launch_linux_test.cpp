@@ -50,7 +50,7 @@ TEST_F(Launch, OpensInTheRunningFrame) {
   environment_.remove(u"XDG_RUNTIME_DIR"_s);
   EXPECT_EQ(Run({u"b.ini"_s}), 0);
   EXPECT_EQ(Ini(1).File().Path(), paths[1]) << "su, ssh and cron start without";
-  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, u"99999"_s);
+  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, u"99999"_s);
   registry_.Flush();
   EXPECT_EQ(Run({u"c.ini"_s}), 0);
   EXPECT_EQ(Ini(2).File().Path(), paths[2]) << "another machine's frame stands there";
@@ -100,7 +100,7 @@ TEST_F(Launch, PathsArriveWholeAndAreNoOptions) {
 TEST_F(Launch, CutsOnlyForAReceiverThatTakesNoMore) {
   QLocalServer older;
   const QString folder = registry_.Location();
-  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, u"7"_s);
+  registry_.WriteValue(SettingsRoot, u"WinRegistration"_s, u"7"_s);
   registry_.Flush();
   ASSERT_TRUE(older.listen(folder + u'/' + EndpointName(folder, u"7"_s)));
   QByteArrayList received;

@@ -63,8 +63,8 @@ TEST_F(Editor, KindFollowsTheLastThreeLetters) {
 
 TEST_F(Editor, OpenDialogUsesItsFieldsAndRemembersTheFolder) {
   const QString first = File(u"one two.ini"_s, kIni), second = File(u"b.ini"_s, kIni), odd = File(u"odd.cfg"_s, kIni);
-  registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, kTextType, u"2"_s);
-  registry_.WriteValue(SettingsRoot, u"MultiSelect"_s, kTextType, u"1"_s);
+  registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, u"2"_s);
+  registry_.WriteValue(SettingsRoot, u"MultiSelect"_s, u"1"_s);
   Start();
   common_dialog_.ExpectOpen({});
   OpenFileDialog(global_);
@@ -153,7 +153,7 @@ TEST_F(Editor, AnotherLaunchMayTakeTheSlotOfAFileThatCannotBeRead) {
 
 TEST_F(Editor, FrameComesBackWhereItWas) {
   const auto write = [this](const QString& name, const QString& text) {
-    registry_.WriteValue(SettingsRoot, name, kTextType, text);
+    registry_.WriteValue(SettingsRoot, name, text);
   };
   Start();
   const QRect screen = frame_->screen()->geometry();
@@ -192,7 +192,7 @@ TEST_F(Editor, FrameComesBackOntoAScreen) {
                                                   {"MDI Width", written.width()},
                                                   {"MDI Height", written.height()}};
     for (const auto& [name, pixels] : values)
-      registry_.WriteValue(SettingsRoot, QString::fromLatin1(name), kTextType, QString::number(qRound(pixels * twips)));
+      registry_.WriteValue(SettingsRoot, QString::fromLatin1(name), QString::number(qRound(pixels * twips)));
     mdform_TMEditor again(global_, [](Global&, DocumentKind, int) { return nullptr; });
     again.MDIForm_Load({});
     EXPECT_EQ(QRect(again.pos(), again.size()), restored) << written.x();
@@ -212,7 +212,7 @@ TEST_F(Editor, WelcomeDocumentIsGoneAndNobodyMissesIt) {
 }
 
 TEST_F(Editor, EditorsStartMaximisedWhereTheUserWantsIt) {
-  registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, kTextType, u"1"_s);
+  registry_.WriteValue(SettingsRoot, u"Start Editors Max"_s, u"1"_s);
   Start({File(u"a.ini"_s, kIni), File(u"b.ini"_s, kIni)});
   // Opened before the frame showed.
   WaitFor([this] { return Ini(1).SubWindow()->isMaximized(); });
@@ -232,7 +232,7 @@ TEST_F(Editor, SettingsAreCleaned) {
   EXPECT_EQ(ParseDefaultOpenType(u"4"_s), DocumentKind::Ini);
   Start();
   for (const auto& [text, points] : {std::pair{u"0"_s, 10}, {u""_s, 10}, {u"12"_s, 12}}) {
-    registry_.WriteValue(kTxtKey, u"Default Size"_s, kTextType, text);
+    registry_.WriteValue(kTxtKey, u"Default Size"_s, text);
     Settings settings;
     settings.ReadTxtGroup(registry_);
     EXPECT_EQ(settings.font_size, points) << text.toStdString();

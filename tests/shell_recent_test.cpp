@@ -37,7 +37,7 @@ TEST_F(RecentFilesTest, FourFilesInOrderOfFirstOpening) {
   QStringList paths;
   for (const QString& name : {u"1.ini"_s, u"a & b.ini"_s, u"3.ini"_s, u"4.ini"_s}) paths += Open(name);
   EXPECT_EQ(Shown(), (QStringList{u"-"_s, u"1.ini"_s, u"a && b.ini"_s, u"3.ini"_s, u"4.ini"_s}));
-  registry_.WriteValue(kMruKey, u"mru2"_s, kTextType, u"untouched"_s);
+  registry_.WriteValue(kMruKey, u"mru2"_s, u"untouched"_s);
   Open(u"3.ini"_s);
   EXPECT_EQ(Stored(2), u"untouched") << "a file that is in the list changes nothing";
   paths += Open(u"5.ini"_s);
@@ -54,7 +54,7 @@ TEST_F(RecentFilesTest, ItemsOpenTheirFile) {
   const QString first = File(u"1.ini"_s, "[A]\r\n\r\n"), second = File(u"b c.ini"_s, "[B]\r\n\r\n");
   int index = 0;
   for (const QString& path : {first, InFolder(u"gone.ini"_s), second})
-    registry_.WriteValue(kMruKey, u"mru"_s + QString::number(++index), kTextType, path);
+    registry_.WriteValue(kMruKey, u"mru"_s + QString::number(++index), path);
   Start();
   dialogs_.ExpectMsgBox(u"This file no longer exists"_s, u"Tamarind Editor"_s);
   Item(2).trigger();

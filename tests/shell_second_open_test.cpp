@@ -49,7 +49,7 @@ TEST_F(Editor, AFileThatIsOpenComesToTheFrontInsteadOfASecondTime) {
   EXPECT_EQ(Ini(2).File().Path(), link) << "wanted";
   EXPECT_EQ(Notice(Ini(2)), u"The file is open in another document as well: the later save counts.");
 
-  registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, kTextType, u"0"_s);
+  registry_.WriteValue(SettingsRoot, u"Default Open Type"_s, u"0"_s);
   common_dialog_.ExpectOpen({path}, 3);
   OpenFileDialog(global_);
   DocumentWindow& text = *global_.documents.At(DocumentKind::Txt, 0);

@@ -21,7 +21,6 @@ class Registry : public testing::Test {
   QString Root() const { return home_.path() + "/config"_L1; }
 
   const QString key_ = u"HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME"_s;
-  const QString reg_sz_ = u"REG_SZ"_s;
 
  private:
   QTemporaryDir home_;
@@ -36,7 +35,7 @@ TEST_F(Registry, GivesBackExactlyWhatWasWritten) {
     RegistryAccess registry;
     EXPECT_TRUE(registry.CreateKey(key_));
     for (const QString& name : texts) {
-      for (const QString& data : texts) registry.WriteValue(key_, name + data, reg_sz_, data + name);
+      for (const QString& data : texts) registry.WriteValue(key_, name + data, data + name);
     }
   }
   EXPECT_EQ(QFile::permissions(Root() + "/TamarindEditor/registry.ini"_L1) & (QFile::ReadGroup | QFile::ReadOther),
@@ -61,10 +60,10 @@ TEST_F(Registry, DeletesTheKeyWithAllBelowAndNothingElse) {
   {
     RegistryAccess registry;
     EXPECT_TRUE(registry.CreateKey(menu + "\\Command"_L1));
-    registry.WriteValue(menu, u""_s, reg_sz_, u"menu"_s);
-    registry.WriteValue(menu + "\\Command\\"_L1, u""_s, reg_sz_, u"command"_s);
-    registry.WriteValue(menu + " 2"_L1, u"x"_s, reg_sz_, u"neighbour"_s);
-    registry.WriteValue(shell, u"Tamarind Editor"_s, reg_sz_, u"value of that name"_s);
+    registry.WriteValue(menu, u""_s, u"menu"_s);
+    registry.WriteValue(menu + "\\Command\\"_L1, u""_s, u"command"_s);
+    registry.WriteValue(menu + " 2"_L1, u"x"_s, u"neighbour"_s);
+    registry.WriteValue(shell, u"Tamarind Editor"_s, u"value of that name"_s);
     registry.DeleteKey(menu);
     registry.DeleteKey(u"HKEY_CLASSES_ROOT\\missing"_s);
     registry.DeleteKey(u""_s);
@@ -83,11 +82,11 @@ TEST_F(Registry, LivesWithAStoreThatCannotBeWritten) {
   int told = 0;
   registry.OnFailure([&told] { ++told; });
   for (int attempt = 0; attempt < 2; ++attempt) EXPECT_FALSE(registry.CreateKey(key_));
-  registry.WriteValue(key_, u"x"_s, reg_sz_, u"1"_s);
+  registry.WriteValue(key_, u"x"_s, u"1"_s);
   registry.DeleteKey(key_);
   EXPECT_EQ(registry.ReadValue(key_, u"y"_s), QString());
   EXPECT_EQ(told, 1);
-  registry.WriteValue(key_, u"x"_s, reg_sz_, u"2"_s);
+  registry.WriteValue(key_, u"x"_s, u"2"_s);
   const std::optional<StoreFailure> failure = registry.Flush();
   ASSERT_TRUE(failure);
   EXPECT_EQ(failure->place, Root() + "/TamarindEditor/registry.ini"_L1);
@@ -123,7 +122,7 @@ TEST_F(Registry, NothingInItsWayMakesItWait) {
     const QDeadlineTimer end(3000);
     RegistryAccess registry;
     for (const char* key : {"A", "B", "C"}) EXPECT_FALSE(registry.CreateKey(key_ + QLatin1StringView(key)));
-    registry.WriteValue(key_, u"x"_s, reg_sz_, u"1"_s);
+    registry.WriteValue(key_, u"x"_s, u"1"_s);
     EXPECT_EQ(registry.ReadValue(key_, u"x"_s), u"1");
     EXPECT_EQ(registry.ReadValue(key_, u"y"_s), u"");
     const std::optional<StoreFailure> failure = registry.Flush();

@@ -13,7 +13,6 @@ namespace {
 using namespace Qt::StringLiterals;
 
 const QString kKey = u"HKEY_CURRENT_USER\\SOFTWARE\\Zorvan\\TME"_s;
-const QString kRegSz = u"REG_SZ"_s;
 
 TEST(Registry, GivesBackExactlyWhatWasWritten) {
   const QStringList texts =
@@ -21,10 +20,10 @@ TEST(Registry, GivesBackExactlyWhatWasWritten) {
   RegistryAccess registry;
   EXPECT_EQ(registry.ReadValue(kKey, u"early"_s), QString());
   EXPECT_TRUE(registry.CreateKey(kKey) && registry.CreateKey(kKey));
-  for (const QString& text : texts) registry.WriteValue(kKey, text.left(200), kRegSz, text);
+  for (const QString& text : texts) registry.WriteValue(kKey, text.left(200), text);
   for (const QString& text : texts)
     EXPECT_EQ(RegistryAccess().ReadValue(kKey.toLower() + u"\\"_s, text.left(200)), text) << text.toStdString();
-  registry.WriteValue(u"SOFTWARE\\Zorvan"_s, u"x"_s, kRegSz, u"no hive"_s);
+  registry.WriteValue(u"SOFTWARE\\Zorvan"_s, u"x"_s, u"no hive"_s);
   EXPECT_FALSE(registry.CreateKey(u"HKEY_NOWHERE\\x"_s));
 }
 
@@ -49,7 +48,7 @@ TEST(Registry, DeletesTheKeyWithAllBelowAndNothingElse) {
   const QString menu = kKey + u"\\Menu"_s;
   for (const QString& key : {menu + u"\\Command"_s, menu + u" 2"_s}) {
     ASSERT_TRUE(registry.CreateKey(key));
-    registry.WriteValue(key, QString(), kRegSz, u"text"_s);
+    registry.WriteValue(key, QString(), u"text"_s);
   }
   registry.DeleteKey(menu);
   registry.DeleteKey(kKey + u"\\missing"_s);

@@ -79,7 +79,7 @@ void FrameGeometry::Write() {
   delay_.stop();
   if (!settings_.present || frame_.isMinimized()) return;
   const auto write = [this](const QString& name, const QString& text) {
-    registry_.WriteValue(SettingsRoot, name, kTextType, text);
+    registry_.WriteValue(SettingsRoot, name, text);
   };
   write(u"MDI Max"_s, frame_.isMaximized() ? u"1"_s : u"0"_s);
   if (frame_.isMaximized()) return;

@@ -172,7 +172,7 @@ void OpenFileDialog(Global& global) {
   const QStringList paths = dialog.ShowOpen();
   if (paths.isEmpty()) return;
 
-  global.registry.WriteValue(SettingsRoot, u"Last Open"_s, kTextType,
+  global.registry.WriteValue(SettingsRoot, u"Last Open"_s,
                              QDir::toNativeSeparators(QFileInfo(paths.first()).absolutePath()));
   if (paths.size() == 1) {
     OpenDocument(global, paths.first(), KindOfFilterEntry(global, dialog.filter_index, paths.first()));

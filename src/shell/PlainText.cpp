@@ -8,6 +8,7 @@
 #include <QTreeWidgetItem>
 
 #include "shell/DisplayText.h"
+#include "system/Dialogs.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,8 +16,6 @@ namespace tme {
 namespace {
 
 constexpr qsizetype kMaxCharactersInTip = 1000;
-/// A line of a tip has a place to break after so many characters without a blank.
-constexpr int kLongestRun = 60;
 
 QString Shown(const QString& text) {
   return DisplayText(text.left(kMaxCharactersInTip + 1).toStdString(), kMaxCharactersInTip);
@@ -28,18 +27,8 @@ QString TipText(const QString& text) {
   const QString shown = Shown(text);
   const bool looks_like_markup = shown.contains(u'<') || shown.contains(u'&');
   if (!looks_like_markup && shown.size() <= kLongestRun) return shown;
-  QString tip;
-  int run = 0;
-  for (const QChar character : shown) {
-    tip += QString(character).toHtmlEscaped();
-    run = character == u' ' ? 0 : run + 1;
-    const bool separator = character == u'/' || character == u'\\';
-    if (run < (separator ? kLongestRun / 2 : kLongestRun) || character.isHighSurrogate()) continue;
-    tip += QChar(0x200B);  // zero width space
-    run = 0;
-  }
   const QString wraps = shown.size() <= kLongestRun ? u"pre"_s : u"pre-wrap"_s;
-  return u"<p style='white-space:"_s + wraps + u"'>"_s + tip + u"</p>"_s;
+  return u"<p style='white-space:"_s + wraps + u"'>"_s + Breakable(shown).toHtmlEscaped() + u"</p>"_s;
 }
 
 void SetTip(QWidget& widget, const QString& text) {

@@ -51,7 +51,7 @@ void RecentFiles::AddRecentFile(const QString& path) {
 }
 
 void RecentFiles::WriteRecentEntry(const QString& path, int index) {
-  registry_.WriteValue(kMruKey, ValueName(index), kTextType, path);
+  registry_.WriteValue(kMruKey, ValueName(index), path);
 }
 
 void RecentFiles::RemoveRecentEntry(int index) {

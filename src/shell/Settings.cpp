@@ -28,12 +28,15 @@ std::optional<double> ParseNumber(const QString& text) {
 }
 
 void Settings::ReadFrameGroup(const RegistryAccess& registry) {
-  const auto flag = [&](const QString& name) { return registry.ReadValue(SettingsRoot, name) == u"1"; };
-  supress_results = flag(u"Supress Results"_s);
-  contain_srd = flag(u"Contain SRD"_s);
-  start_editors_max = flag(u"Start Editors Max"_s);
-  multi_select = flag(u"MultiSelect"_s);
-  word_wrap = flag(u"Word Wrap"_s);
+  for (const Flag& flag : kFlags)
+    this->*flag.field = registry.ReadValue(SettingsRoot, QString::fromLatin1(flag.value_name)) == u"1";
+}
+
+void Settings::SetFlag(bool Settings::*flag, bool on, RegistryAccess& registry) {
+  this->*flag = on;
+  const auto* const row =
+      std::find_if(kFlags.begin(), kFlags.end(), [&](const Flag& each) { return each.field == flag; });
+  if (present) registry.WriteValue(SettingsRoot, QString::fromLatin1(row->value_name), on ? u"1"_s : u"0"_s);
 }
 
 void Settings::ReadTxtGroup(const RegistryAccess& registry) {
@@ -90,7 +93,7 @@ QString SettingsFailureText(const StoreFailure& failure) {
 
 void RememberLastSaveFolder(RegistryAccess& registry, const QString& folder) {
   if (!folder.isEmpty() && QFileInfo(folder).isDir())
-    registry.WriteValue(SettingsRoot, u"Last Save"_s, kTextType, QDir::toNativeSeparators(folder));
+    registry.WriteValue(SettingsRoot, u"Last Save"_s, QDir::toNativeSeparators(folder));
 }
 
 QString LastSaveFolder(const RegistryAccess& registry) {

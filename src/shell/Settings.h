@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 #include <optional>
 
 #include "documents/DocumentKind.h"
@@ -13,7 +14,6 @@ inline const QString kMruKey = SettingsRoot + QStringLiteral("\\MRU");
 inline const QString kTxtKey = SettingsRoot + QStringLiteral("\\TXT Editor");
 inline const QString kRtfKey = SettingsRoot + QStringLiteral("\\RTF Editor");
 inline const QString kRegKey = SettingsRoot + QStringLiteral("\\REG Editor");
-inline const QString kTextType = QStringLiteral("REG_SZ");
 
 /// The parsed settings, held in memory for the whole run and shared by all windows.
 struct Settings {
@@ -37,10 +37,27 @@ struct Settings {
   QString txt_filter = QStringLiteral("*.TXT;*.INF;*.BAT;*.KIX;*.REXX;*.HTM;*.HTML");
   QString rtf_filter = QStringLiteral("*.RTF;*.WRI");
 
+  /// Sets one of kFlags, and writes it when the root key is present.
+  void SetFlag(bool Settings::*flag, bool on, RegistryAccess& registry);
+
   /// The flags, when the root key is present.
   void ReadFrameGroup(const RegistryAccess& registry);
   void ReadTxtGroup(const RegistryAccess& registry);
   void ReadRtfGroup(const RegistryAccess& registry);
+};
+
+/// A setting that is on or off, and the name of its value.
+struct Flag {
+  bool Settings::*field;
+  const char* value_name;
+};
+/// In the order in which the options are written.
+inline constexpr std::array kFlags{
+    Flag{&Settings::supress_results, "Supress Results"},
+    Flag{&Settings::contain_srd, "Contain SRD"},
+    Flag{&Settings::start_editors_max, "Start Editors Max"},
+    Flag{&Settings::multi_select, "MultiSelect"},
+    Flag{&Settings::word_wrap, "Word Wrap"},
 };
 
 /// A finite number, blanks around it allowed; nothing for anything else.

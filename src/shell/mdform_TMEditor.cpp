@@ -74,8 +74,8 @@ void mdform_TMEditor::MDIForm_Load(const QStringList& command_line_texts) {
   registry.CreateKey(kMakerKey);
   settings_.present = registry.CreateKey(SettingsRoot);
   const auto handle = static_cast<quint32>(winId());
-  registry.WriteValue(SettingsRoot, u"Application Path"_s, kTextType, global_.shell_utilities.ProgramFolder());
-  registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, QString::number(handle));
+  registry.WriteValue(SettingsRoot, u"Application Path"_s, global_.shell_utilities.ProgramFolder());
+  registry.WriteValue(SettingsRoot, u"WinRegistration"_s, QString::number(handle));
   HookFrameWindow(global_, handle);
   registry.CreateKey(kMruKey);
   recent_files_.ReadRecentEntries();
@@ -185,7 +185,7 @@ void mdform_TMEditor::GiveUpInstance() {
   // Another frame may stand there, of another machine with the same settings or of a start that found no claim.
   const QString registered = RegistryAccess().ReadValue(SettingsRoot, u"WinRegistration"_s);
   if (registered == QString::number(static_cast<quint32>(winId())))
-    global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, kTextType, {});
+    global_.registry.WriteValue(SettingsRoot, u"WinRegistration"_s, {});
   // Later, it would replace what the next instance writes there.
   global_.registry.Flush();
   global_.instance_link.GiveUpClaim();

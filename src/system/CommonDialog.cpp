@@ -12,8 +12,6 @@
 #include <QPrintDialog>
 #include <algorithm>
 
-#include "system/FileDialogFilters.h"
-
 namespace tme {
 
 using namespace Qt::StringLiterals;
@@ -32,30 +30,6 @@ class PlainQuestions : public QObject {
     return QObject::eventFilter(watched, event);
   }
 };
-
-/// Shows the dialog with the fields that opening and saving share. Empty when cancelled; then no field has changed.
-QStringList Choose(QFileDialog& dialog, CommonDialog& fields) {
-  const QStringList filters = FileDialogFilters(fields.filter);
-  dialog.setObjectName("CommonDialog"_L1);
-  new PlainQuestions(dialog);
-  dialog.setOption(QFileDialog::HideNameFilterDetails);  // the names say it; the wildcards are not for reading
-  if (!filters.isEmpty()) {
-    dialog.setNameFilters(filters);
-    dialog.selectNameFilter(filters.value(fields.filter_index - 1, filters.first()));
-  }
-  if (!fields.file_name.isEmpty()) dialog.selectFile(fields.file_name);
-  if (dialog.exec() != QDialog::Accepted) return {};
-
-  const QStringList chosen = dialog.selectedFiles();
-  if (chosen.isEmpty()) return {};
-  // With hidden wildcards, some of the dialogs give back the name alone.
-  const QString name = dialog.selectedNameFilter();
-  const auto selected = std::find_if(filters.begin(), filters.end(), [&name](const QString& filter) {
-    return filter == name || filter.startsWith(name + " ("_L1);
-  });
-  if (selected != filters.end()) fields.filter_index = static_cast<int>(selected - filters.begin()) + 1;
-  return chosen;
-}
 
 /// What stands in the name field: one name, or several in quotation marks, as whole paths.
 QStringList TypedPaths(const QFileDialog& dialog) {
@@ -84,12 +58,50 @@ QString WithExtension(const QString& path, const QString& extension) {
 
 }  // namespace
 
+QStringList CommonDialog::NameFilters() const {
+  QStringList filters;
+  const QStringList parts = filter.split(u'|');
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QStringList wildcards;
+    const QStringList given = parts[i + 1].split(u';', Qt::SkipEmptyParts);
+    for (const QString& wildcard : given) {
+      const QString plain = wildcard.trimmed();
+      // On the systems that this wildcard comes from, it means names without a dot too.
+      wildcards.append(plain == "*.*"_L1 ? u"*"_s : AnyCase(plain));
+    }
+    filters.append(u"%1 (%2)"_s.arg(parts[i].trimmed(), wildcards.join(u' ')));
+  }
+  return filters;
+}
+
+QStringList CommonDialog::Choose(QFileDialog& dialog) {
+  const QStringList filters = NameFilters();
+  dialog.setObjectName("CommonDialog"_L1);
+  new PlainQuestions(dialog);
+  dialog.setOption(QFileDialog::HideNameFilterDetails);  // the names say it; the wildcards are not for reading
+  if (!filters.isEmpty()) {
+    dialog.setNameFilters(filters);
+    dialog.selectNameFilter(filters.value(filter_index - 1, filters.first()));
+  }
+  if (!file_name.isEmpty()) dialog.selectFile(file_name);
+  if (dialog.exec() != QDialog::Accepted) return {};
+
+  // With hidden wildcards, some of the dialogs give back the name alone.
+  const QString name = dialog.selectedNameFilter();
+  const auto selected = std::find_if(filters.begin(), filters.end(), [&name](const QString& each) {
+    return each == name || each.startsWith(name + " ("_L1);
+  });
+  const QStringList chosen = dialog.selectedFiles();
+  if (!chosen.isEmpty() && selected != filters.end()) filter_index = static_cast<int>(selected - filters.begin()) + 1;
+  return chosen;
+}
+
 QStringList CommonDialog::ShowOpen() {
   QFileDialog dialog(QApplication::activeWindow(), title, ExistingFolder(init_dir));
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(multi_select ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
   dialog.setDefaultSuffix(default_ext);
-  QStringList chosen = Choose(dialog, *this);
+  QStringList chosen = Choose(dialog);
   // The dialog drops typed names that the filter hides.
   if (!chosen.isEmpty() && multi_select)
     for (const QString& path : TypedPaths(dialog))
@@ -105,7 +117,7 @@ QString CommonDialog::ShowSave() {
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
   // The extension is added below: a system's dialog may do so to a name that has another one, or the same in small.
-  const QStringList chosen = Choose(dialog, *this);
+  const QStringList chosen = Choose(dialog);
   if (chosen.isEmpty()) return {};
   file_name = QDir::toNativeSeparators(WithExtension(chosen.first(), default_ext));
   return file_name;

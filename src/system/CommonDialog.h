@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <memory>
 
+class QFileDialog;
+
 namespace tme {
 
 /// The one shared open, save, folder, font, colour and print dialog. Its fields are set before each use and keep their
@@ -53,6 +55,14 @@ class CommonDialog {
   virtual QString PrintObstacle() const;
   /// The printer that was chosen, null when cancelled. The caller owns it.
   virtual std::unique_ptr<QPrinter> ShowPrinter();
+
+ private:
+  /// The pairs of `filter` as name filters of QFileDialog, in their order.
+  QStringList NameFilters() const;
+  /// A wildcard as the system's file dialog needs it to match without regard to letter case.
+  static QString AnyCase(const QString& wildcard);
+  /// Shows the dialog with the fields that opening and saving share. Empty when cancelled; then no field has changed.
+  QStringList Choose(QFileDialog& dialog);
 };
 
 }  // namespace tme

@@ -14,4 +14,6 @@ QString CommonDialog::PrintObstacle() const {
       "A printer is added in the settings of Windows; \"Microsoft Print to PDF\" makes PDF files.");
 }
 
+QString CommonDialog::AnyCase(const QString& wildcard) { return wildcard; }
+
 }  // namespace tme

@@ -11,6 +11,8 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
 
@@ -46,92 +48,41 @@ class ModalDialog {
   QList<QCursor> pointers_;
 };
 
-QMessageBox::StandardButtons BoxButtons(MsgButtons buttons) {
-  switch (buttons) {
-    case MsgButtons::Ok:
-      return QMessageBox::Ok;
-    case MsgButtons::YesNo:
-      return QMessageBox::Yes | QMessageBox::No;
-    case MsgButtons::YesNoCancel:
-      return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    case MsgButtons::OkCancel:
-      return QMessageBox::Ok | QMessageBox::Cancel;
-    case MsgButtons::TryAgainCancel:
-      return QMessageBox::Retry | QMessageBox::Cancel;
-  }
-  return QMessageBox::Ok;
-}
-
-QMessageBox::StandardButton EscapeButton(MsgButtons buttons) {
-  switch (buttons) {
-    case MsgButtons::Ok:
-      return QMessageBox::Ok;
-    case MsgButtons::YesNo:
-      return QMessageBox::No;
-    case MsgButtons::YesNoCancel:
-    case MsgButtons::OkCancel:
-    case MsgButtons::TryAgainCancel:
-      return QMessageBox::Cancel;
-  }
-  return QMessageBox::Ok;
-}
-
-QMessageBox::Icon BoxIcon(MsgIcon icon) {
-  switch (icon) {
-    case MsgIcon::None:
-    case MsgIcon::Program:
-      return QMessageBox::NoIcon;
-    case MsgIcon::Information:
-      return QMessageBox::Information;
-    case MsgIcon::Question:
-      return QMessageBox::Question;
-    case MsgIcon::Warning:
-      return QMessageBox::Warning;
-  }
-  return QMessageBox::NoIcon;
-}
-
-MsgAnswer AnswerOf(int button) {
-  switch (button) {
-    case QMessageBox::Yes:
-      return MsgAnswer::Yes;
-    case QMessageBox::No:
-      return MsgAnswer::No;
-    case QMessageBox::Cancel:
-      return MsgAnswer::Cancel;
-    case QMessageBox::Retry:
-      return MsgAnswer::TryAgain;
-    default:
-      return MsgAnswer::Ok;
-  }
-}
-
-/// A label breaks lines at blanks only: a long path or value gets places to break where it has none.
-QString Breakable(const QString& text) {
-  constexpr int kLongestRun = 60;
-  QString breakable;
-  int run = 0;
-  for (const QChar character : text) {
-    breakable += character;
-    run = character.isSpace() ? 0 : run + 1;
-    const bool separator = character == u'/' || character == u'\\';
-    if (run < (separator ? kLongestRun / 2 : kLongestRun) || character.isHighSurrogate()) continue;
-    breakable += QChar(0x200B);  // zero width space
-    run = 0;
-  }
-  return breakable;
-}
+/// How a box with one of the MsgButtons, in their order, is made.
+struct ButtonSet {
+  QMessageBox::StandardButtons shown;
+  QMessageBox::StandardButton preset;
+  QMessageBox::StandardButton on_escape;
+};
+constexpr std::array kButtonSets{
+    ButtonSet{QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok},
+    ButtonSet{QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes, QMessageBox::No},
+    ButtonSet{QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes, QMessageBox::Cancel},
+    ButtonSet{QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok, QMessageBox::Cancel},
+    ButtonSet{QMessageBox::Retry | QMessageBox::Cancel, QMessageBox::Retry, QMessageBox::Cancel},
+};
+/// In the order of MsgIcon.
+constexpr std::array kIcons{QMessageBox::NoIcon, QMessageBox::Information, QMessageBox::Question, QMessageBox::Warning,
+                            QMessageBox::NoIcon};
+/// In the order of MsgAnswer.
+constexpr std::array kAnswers{QMessageBox::Ok, QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel,
+                              QMessageBox::Retry};
 
 /// What can be copied of it and what a screen reader reads is the text itself, without the places to break.
 class MessageBox : public QMessageBox {
  public:
   using QMessageBox::QMessageBox;
-  void ShowText(const QString& text) {
-    text_ = text;
+  void Fill(const QString& text, MsgIcon icon, const QString& title) {
+    // The texts' line breaks are bare carriage returns.
+    text_ = QString(text).replace(u'\r', u'\n');
+    setObjectName("MsgBox"_L1);
+    setWindowTitle(title);
+    setIcon(kIcons.at(static_cast<std::size_t>(icon)));
+    if (icon == MsgIcon::Program) setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::NoTextInteraction);
-    setText(Breakable(text));
-    if (auto* label = findChild<QLabel*>("qt_msgbox_label"_L1)) label->setAccessibleName(text);
+    setText(Breakable(text_));
+    if (auto* label = findChild<QLabel*>("qt_msgbox_label"_L1)) label->setAccessibleName(text_);
   }
 
  protected:
@@ -146,34 +97,25 @@ class MessageBox : public QMessageBox {
   QString text_;
 };
 
-void Fill(MessageBox& box, const QString& text, MsgIcon icon, const QString& title) {
-  box.setObjectName("MsgBox"_L1);
-  box.setWindowTitle(title);
-  box.setIcon(BoxIcon(icon));
-  if (icon == MsgIcon::Program) box.setIconPixmap(QApplication::windowIcon().pixmap(kProgramIcon));
-  // The texts' line breaks are bare carriage returns.
-  box.ShowText(QString(text).replace(u'\r', u'\n'));
-}
-
 }  // namespace
 
 MsgAnswer Dialogs::MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
   const ModalDialog<MessageBox> box;
-  Fill(*box.operator->(), text, icon, title);
-  box->setStandardButtons(BoxButtons(buttons));
+  box->Fill(text, icon, title);
+  const ButtonSet& set = kButtonSets.at(static_cast<std::size_t>(buttons));
+  box->setStandardButtons(set.shown);
+  box->setDefaultButton(set.preset);
+  box->setEscapeButton(set.on_escape);
   if (QAbstractButton* retry = box->button(QMessageBox::Retry))
     retry->setText(QCoreApplication::translate("Dialogs", "&Try Again"));
-  const bool asks = buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel;
-  box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
-  if (buttons == MsgButtons::TryAgainCancel) box->setDefaultButton(QMessageBox::Retry);
-  box->setEscapeButton(EscapeButton(buttons));
-  const int button = box->exec();
-  return AnswerOf(box ? button : EscapeButton(buttons));
+  const int chosen = box->exec();
+  const auto* const answer = std::find(kAnswers.begin(), kAnswers.end(), box ? chosen : set.on_escape);
+  return answer == kAnswers.end() ? MsgAnswer::Ok : static_cast<MsgAnswer>(answer - kAnswers.begin());
 }
 
 int Dialogs::Choose(const QString& text, const QStringList& buttons, MsgIcon icon, const QString& title) {
   const ModalDialog<MessageBox> box;
-  Fill(*box.operator->(), text, icon, title);
+  box->Fill(text, icon, title);
   const int last = static_cast<int>(buttons.size()) - 1;
   QList<QAbstractButton*> added;
   for (int index = 0; index <= last; ++index)
@@ -199,6 +141,20 @@ QString Dialogs::InputBox(const QString& prompt, const QString& title, const QSt
   box->resize(box->sizeHint().expandedTo({kMinInputWidth, 0}));
   const bool accepted = box->exec() == QDialog::Accepted;
   return accepted && box ? OneLine(box->textValue()) : QString();
+}
+
+QString Breakable(const QString& text) {
+  QString breakable;
+  int run = 0;
+  for (const QChar character : text) {
+    breakable += character;
+    run = character.isSpace() ? 0 : run + 1;
+    const bool separator = character == u'/' || character == u'\\';
+    if (run < (separator ? kLongestRun / 2 : kLongestRun) || character.isHighSurrogate()) continue;
+    breakable += QChar(0x200B);  // zero width space
+    run = 0;
+  }
+  return breakable;
 }
 
 QString OneLine(QString text) {

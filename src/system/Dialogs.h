@@ -24,6 +24,11 @@ class Dialogs {
   virtual QString InputBox(const QString& prompt, const QString& title, const QString& text = {});
 };
 
+/// The text with invisible places to break where it has none for so many characters, as a long path has: a label breaks
+/// its lines at blanks only.
+inline constexpr int kLongestRun = 60;
+QString Breakable(const QString& text);
+
 /// What a line edit holds, as one line: pasted line breaks become blanks, as the box shows them.
 QString OneLine(QString text);
 

@@ -88,8 +88,8 @@ class InstanceLink {
   static constexpr std::chrono::milliseconds kHangPatience{3000};
 
  private:
-  class Endpoint;
-  std::unique_ptr<Endpoint> endpoint_;
+  struct System;
+  std::unique_ptr<System> system_;
 };
 
 }  // namespace tme

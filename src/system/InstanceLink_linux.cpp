@@ -180,56 +180,39 @@ Delivery Exchange(int descriptor, const CopyData& record) {
 
 }  // namespace
 
-class InstanceLink::Endpoint {
- public:
-  ~Endpoint() {
-    StopListening();
-    GiveUpClaim();
-  }
-
-  bool Claim() { return claim_.Take(); }
-
-  void GiveUpClaim() { claim_.GiveUp(); }
-
-  bool Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
-    StopListening();
-    const QStringList folders = InstanceFolders();
-    for (const QString& folder : folders) {
-      const QString path = folder + u'/' + EndpointName(folder, QString::number(handle));
-      if (!FitsAddress(path) || !PrepareInstanceFolder(folder)) continue;
-      // What lies here was left by processes that died, since only the claim's holder listens.
-      if (claim_.IsHeld())
-        for (const QString& name : QDir(folder).entryList({EndpointName(folder, u"*"_s)}, QDir::System))
-          QFile::remove(folder + u'/' + name);
-      auto listener = std::make_unique<Listener>(receive);
-      if (!listener->Start(path)) continue;
-      listener_ = std::move(listener);
-      claim_.TellEndpoint(path);
-      return true;
-    }
-    return false;
-  }
-
-  void StopListening() { listener_.reset(); }
-
- private:
-  InstanceClaim claim_;
-  std::unique_ptr<Listener> listener_;
+struct InstanceLink::System {
+  InstanceClaim claim;
+  std::unique_ptr<Listener> listener;
 };
 
-InstanceLink::InstanceLink() : endpoint_(std::make_unique<Endpoint>()) {}
+InstanceLink::InstanceLink() : system_(std::make_unique<System>()) {}
 
 InstanceLink::~InstanceLink() = default;
 
-bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
+bool InstanceLink::ClaimOnlyInstance() { return system_->claim.Take(); }
 
-void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
+void InstanceLink::GiveUpClaim() { system_->claim.GiveUp(); }
 
 bool InstanceLink::Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
-  return endpoint_->Listen(handle, receive);
+  StopListening();
+  const QStringList folders = InstanceFolders();
+  for (const QString& folder : folders) {
+    const QString path = folder + u'/' + EndpointName(folder, QString::number(handle));
+    if (!FitsAddress(path) || !PrepareInstanceFolder(folder)) continue;
+    // What lies here was left by processes that died, since only the claim's holder listens.
+    if (system_->claim.IsHeld())
+      for (const QString& name : QDir(folder).entryList({EndpointName(folder, u"*"_s)}, QDir::System))
+        QFile::remove(folder + u'/' + name);
+    auto listener = std::make_unique<Listener>(receive);
+    if (!listener->Start(path)) continue;
+    system_->listener = std::move(listener);
+    system_->claim.TellEndpoint(path);
+    return true;
+  }
+  return false;
 }
 
-void InstanceLink::StopListening() { endpoint_->StopListening(); }
+void InstanceLink::StopListening() { system_->listener.reset(); }
 
 Delivery InstanceLink::Send(std::optional<std::uint32_t> handle, const CopyData& record) {
   QStringList endpoints;

@@ -137,69 +137,51 @@ bool HookedFrame::Take(const COPYDATASTRUCT& record) {
 
 }  // namespace
 
-class InstanceLink::Endpoint {
- public:
-  ~Endpoint() {
-    StopListening();
-    GiveUpClaim();
-  }
-
-  /// The claim is a named object of the log-on session, which goes with the last process that has it open.
-  bool Claim() {
-    if (claim_ != nullptr) return true;
-    const std::wstring name = LR"(Local\TamarindEditor-)" + UserId();
-    const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
-    if (mutex == nullptr) return true;  // nobody can be found out about: rather a second frame than none
-    if (::GetLastError() == ERROR_ALREADY_EXISTS) {
-      ::CloseHandle(mutex);
-      return false;
-    }
-    claim_ = mutex;
-    return true;
-  }
-
-  void GiveUpClaim() {
-    if (claim_ != nullptr) ::CloseHandle(std::exchange(claim_, nullptr));
-  }
-
-  bool Listen(std::uint32_t handle, const RecordQueue::Receive& receive) {
-    StopListening();
-    if (hooked_frame) return false;
-    auto frame = std::make_shared<HookedFrame>(WindowOf(handle), receive);
-    hooked_frame = frame;  // before the first message comes
-    if (!frame->Hook(FrameWindowProc)) {
-      hooked_frame.reset();
-      return false;
-    }
-    frame_ = std::move(frame);
-    return true;
-  }
-
-  void StopListening() {
-    if (!frame_) return;
-    frame_->Unhook();
-    frame_.reset();
-    hooked_frame.reset();
-  }
-
- private:
-  HANDLE claim_ = nullptr;
-  std::shared_ptr<HookedFrame> frame_;
+struct InstanceLink::System {
+  HANDLE claim = nullptr;
+  std::shared_ptr<HookedFrame> frame;
 };
 
-InstanceLink::InstanceLink() : endpoint_(std::make_unique<Endpoint>()) {}
+InstanceLink::InstanceLink() : system_(std::make_unique<System>()) {}
 
-InstanceLink::~InstanceLink() = default;
-
-bool InstanceLink::ClaimOnlyInstance() { return endpoint_->Claim(); }
-
-void InstanceLink::GiveUpClaim() { endpoint_->GiveUpClaim(); }
-
-bool InstanceLink::Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
-  return endpoint_->Listen(handle, receive);
+InstanceLink::~InstanceLink() {
+  StopListening();
+  GiveUpClaim();
 }
 
-void InstanceLink::StopListening() { endpoint_->StopListening(); }
+/// The claim is a named object of the log-on session, which goes with the last process that has it open.
+bool InstanceLink::ClaimOnlyInstance() {
+  if (system_->claim != nullptr) return true;
+  const std::wstring name = LR"(Local\TamarindEditor-)" + UserId();
+  const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, name.c_str());
+  if (mutex == nullptr) return true;  // nobody can be found out about: rather a second frame than none
+  if (::GetLastError() == ERROR_ALREADY_EXISTS) {
+    ::CloseHandle(mutex);
+    return false;
+  }
+  system_->claim = mutex;
+  return true;
+}
+
+void InstanceLink::GiveUpClaim() {
+  if (system_->claim != nullptr) ::CloseHandle(std::exchange(system_->claim, nullptr));
+}
+
+bool InstanceLink::Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive) {
+  StopListening();
+  if (hooked_frame) return false;
+  hooked_frame = std::make_shared<HookedFrame>(WindowOf(handle), receive);  // before the first message comes
+  if (hooked_frame->Hook(FrameWindowProc)) system_->frame = hooked_frame;
+  if (!system_->frame) hooked_frame.reset();
+  return system_->frame != nullptr;
+}
+
+void InstanceLink::StopListening() {
+  if (!system_->frame) return;
+  system_->frame->Unhook();
+  system_->frame.reset();
+  hooked_frame.reset();
+}
 
 Delivery InstanceLink::Send(std::optional<std::uint32_t> handle, const CopyData& record) {
   HWND window = handle ? WindowOf(*handle) : nullptr;

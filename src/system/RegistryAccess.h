@@ -32,9 +32,8 @@ class RegistryAccess {
 
   /// Creates every missing key on the path. True when the key exists after the call.
   bool CreateKey(const QString& key);
-  /// type: always "REG_SZ". In a store that cannot be written the value is one for as long as the program runs (not so
-  /// on Windows).
-  void WriteValue(const QString& key, const QString& name, const QString& type, const QString& data);
+  /// In a store that cannot be written, the value lasts as long as the program runs; on Windows it is lost.
+  void WriteValue(const QString& key, const QString& name, const QString& data);
   /// Empty for a missing key or value, never an error. Elsewhere than on Windows, "Personal" under
   /// "HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders" is the user's documents
   /// folder.

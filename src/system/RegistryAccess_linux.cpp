@@ -235,7 +235,7 @@ bool RegistryAccess::CreateKey(const QString& key) {
   return !groups.isEmpty() && (is_written || !waits);
 }
 
-void RegistryAccess::WriteValue(const QString& key, const QString& name, const QString& /*type*/, const QString& data) {
+void RegistryAccess::WriteValue(const QString& key, const QString& name, const QString& data) {
   store_->Set(PathOf(key, name), data);
 }
 

@@ -74,7 +74,7 @@ bool RegistryAccess::CreateKey(const QString& key) {
   return true;
 }
 
-void RegistryAccess::WriteValue(const QString& key, const QString& name, const QString& /*type*/, const QString& data) {
+void RegistryAccess::WriteValue(const QString& key, const QString& name, const QString& data) {
   const std::optional<Place> place = PlaceOf(key);
   if (!place) return;
   const std::wstring text = data.toStdWString();

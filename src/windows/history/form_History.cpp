@@ -138,7 +138,7 @@ void form_History::RestoreSize() {
 void form_History::done(int result) {
   if (global_.settings.present)
     global_.registry.WriteValue(
-        SettingsRoot, kSizeValue, kTextType,
+        SettingsRoot, kSizeValue,
         u"%1 %2 %3 %4"_s.arg(width()).arg(height()).arg(splitter_->sizes()[0]).arg(splitter_->sizes()[1]));
   QDialog::done(result);
 }

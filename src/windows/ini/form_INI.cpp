@@ -256,7 +256,7 @@ form_INI::SaveOutcome form_INI::WriteTo(QString& path, const SaveRequest& reques
 
 void form_INI::EncodingChosen(TextEncoding encoding) {
   if (!was_8bit_ && global_.settings.present)
-    global_.registry.WriteValue(SettingsRoot, kUnicodeValue, kTextType, QString::fromUtf8(EncodingName(encoding)));
+    global_.registry.WriteValue(SettingsRoot, kUnicodeValue, QString::fromUtf8(EncodingName(encoding)));
 }
 
 void form_INI::TitleChanged(const QString&) {

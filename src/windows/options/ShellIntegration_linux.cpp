@@ -147,7 +147,7 @@ std::error_code MakeFolderOf(const QString& path, RegistryAccess& registry) {
   QStringList made = registry.ReadValue(SettingsRoot, kMadeFolders).split(u'\n', Qt::SkipEmptyParts);
   for (const QString& each : missing)
     if (QFileInfo(each).isDir() && !made.contains(each)) made.append(each);
-  registry.WriteValue(SettingsRoot, kMadeFolders, kTextType, made.join(u'\n'));
+  registry.WriteValue(SettingsRoot, kMadeFolders, made.join(u'\n'));
   return error;
 }
 
@@ -163,7 +163,7 @@ void RemoveMadeFolders(RegistryAccess& registry) {
     if (QFileInfo(folder).isDir()) fs::remove(FilePath(folder), error);
     if (error) kept.append(folder);
   }
-  registry.WriteValue(SettingsRoot, kMadeFolders, kTextType, kept.join(u'\n'));
+  registry.WriteValue(SettingsRoot, kMadeFolders, kept.join(u'\n'));
 }
 
 void Write(const HookFile& file, RegistryAccess& registry, Failures& failures) {

@@ -120,9 +120,9 @@ QString CommandKey(const QString& menu_key) { return menu_key + u"\\Command"_s; 
 bool WriteMenu(RegistryAccess& registry, const QString& menu_key, const QString& command) {
   const QString command_key = CommandKey(menu_key);
   if (!registry.CreateKey(menu_key)) return false;
-  registry.WriteValue(menu_key, QString(), kTextType, kMenuText);
+  registry.WriteValue(menu_key, QString(), kMenuText);
   if (!registry.CreateKey(command_key)) return false;
-  registry.WriteValue(command_key, QString(), kTextType, command);
+  registry.WriteValue(command_key, QString(), command);
   return registry.ReadValue(command_key, QString()) == command;
 }
 

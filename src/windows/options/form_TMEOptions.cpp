@@ -25,11 +25,6 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
-namespace {
-
-QString FlagText(const QCheckBox* box) { return box->isChecked() ? u"1"_s : u"0"_s; }
-
-}  // namespace
 
 form_TMEOptions::form_TMEOptions(Global& global, ShellIntegration& integration, AutoSaveTimer set_auto_save_timer,
                                  QWidget* parent)
@@ -70,10 +65,7 @@ form_TMEOptions::form_TMEOptions(Global& global, ShellIntegration& integration, 
 void form_TMEOptions::Form_Load() {
   set_auto_save_timer_(0);
   const Settings& settings = global_.settings;
-  cb_Notifications->setChecked(settings.supress_results);
-  cb_ContainSRD->setChecked(settings.contain_srd);
-  cb_SEM->setChecked(settings.start_editors_max);
-  cb_MultiSelect->setChecked(settings.multi_select);
+  for (const auto& [field, box] : flag_boxes_) box->setChecked(settings.*field);
   cb_SendTo->setChecked(integration_.State(ShellHook::SendTo) == HookState::On);
   Check1->setChecked(integration_.State(ShellHook::ContextMenu) == HookState::On);
   filters_[Txt].filter.Load(settings.txt_filter);
@@ -94,20 +86,12 @@ void form_TMEOptions::done(int result) {
   set_auto_save_timer_(global_.settings.auto_save_period);
 }
 
-void form_TMEOptions::WriteValue(const QString& key, const QString& name, const QString& text) {
-  global_.registry.WriteValue(key, name, kTextType, text);
-}
-
 void form_TMEOptions::cmd_OK_Click() {
   if (!CheckAutoSave()) return;
   SaveFlags();
-  QStringList failures;
-  SetHook(ShellHook::SendTo, cb_SendTo, tr("Send To entry"), failures);
-  SetHook(ShellHook::ContextMenu, Check1, tr("Context menu command"), failures);
-  SaveFilters();
-  SaveTextDisplay();
-  SaveDefaultOpenType();
-  SaveAutoSave();
+  const QStringList failures = SetHook(ShellHook::SendTo, cb_SendTo, tr("Send To entry")) +
+                               SetHook(ShellHook::ContextMenu, Check1, tr("Context menu command"));
+  SaveTexts();
   const std::optional<StoreFailure> unsaved = global_.registry.Flush();
   if (unsaved) global_.frame.SettingsFailureTold();
   if (!failures.isEmpty()) {
@@ -120,52 +104,39 @@ void form_TMEOptions::cmd_OK_Click() {
 }
 
 void form_TMEOptions::SaveFlags() {
-  Settings& settings = global_.settings;
-  const auto save = [&](const QCheckBox* box, bool& flag, const QString& name) {
-    flag = box->isChecked();
-    if (settings.present) WriteValue(SettingsRoot, name, FlagText(box));
-  };
-  save(cb_Notifications, settings.supress_results, u"Supress Results"_s);
-  save(cb_ContainSRD, settings.contain_srd, u"Contain SRD"_s);
-  save(cb_SEM, settings.start_editors_max, u"Start Editors Max"_s);
-  save(cb_MultiSelect, settings.multi_select, u"MultiSelect"_s);
+  for (const Flag& flag : kFlags)
+    for (const auto& [field, box] : flag_boxes_)
+      if (field == flag.field) global_.settings.SetFlag(field, box->isChecked(), global_.registry);
 }
 
-void form_TMEOptions::SetHook(ShellHook hook, const QCheckBox* box, const QString& what, QStringList& failures) {
+QStringList form_TMEOptions::SetHook(ShellHook hook, const QCheckBox* box, const QString& what) {
+  QStringList failures;
   // Written each time, whether or not the box has changed: a hook that was damaged comes back.
   const HookState state = box->isChecked() ? HookState::On : HookState::Off;
   for (const IntegrationFailure& failure : integration_.Set(hook, state))
     failures.append(u"%1: %2\r%3"_s.arg(what, failure.place, failure.reason));
+  return failures;
 }
 
-void form_TMEOptions::SaveFilters() {
+void form_TMEOptions::SaveTexts() {
   Settings& settings = global_.settings;
+  RegistryAccess& registry = global_.registry;
   settings.rtf_filter = filters_[Rtf].filter.Save();
-  if (settings.rtf_present) WriteValue(kRtfKey, u"File Filter"_s, settings.rtf_filter);
   settings.txt_filter = filters_[Txt].filter.Save();
-  if (settings.txt_present) WriteValue(kTxtKey, u"File Filter"_s, settings.txt_filter);
-}
-
-void form_TMEOptions::SaveTextDisplay() {
-  Settings& settings = global_.settings;
-  if (settings.txt_present) {
-    WriteValue(kTxtKey, u"Default Font"_s, txt_txtfont->text());
-    WriteValue(kTxtKey, u"Default Size"_s, txt_txtsize->text());
-  }
   settings.font_name = txt_txtfont->text();
   settings.font_size = ParseInt16(txt_txtsize->text()).value_or(settings.font_size);
-}
-
-void form_TMEOptions::SaveDefaultOpenType() {
-  if (global_.settings.present)
-    WriteValue(SettingsRoot, u"Default Open Type"_s,
-               DefaultOpenTypeText(static_cast<DocumentKind>(opt_DefOpen->checkedId())));
-}
-
-void form_TMEOptions::SaveAutoSave() {
-  Settings& settings = global_.settings;
   settings.auto_save_period = cb_AutoSave->isChecked() ? ParseAutoSavePeriod(txt_AutoSave->text()) : 0;
-  if (settings.present) WriteValue(SettingsRoot, u"AutoSave"_s, QString::number(settings.auto_save_period));
+  if (settings.rtf_present) registry.WriteValue(kRtfKey, u"File Filter"_s, settings.rtf_filter);
+  if (settings.txt_present) {
+    registry.WriteValue(kTxtKey, u"File Filter"_s, settings.txt_filter);
+    registry.WriteValue(kTxtKey, u"Default Font"_s, txt_txtfont->text());
+    registry.WriteValue(kTxtKey, u"Default Size"_s, txt_txtsize->text());
+  }
+  if (settings.present) {
+    const auto open_type = static_cast<DocumentKind>(opt_DefOpen->checkedId());
+    registry.WriteValue(SettingsRoot, u"Default Open Type"_s, DefaultOpenTypeText(open_type));
+    registry.WriteValue(SettingsRoot, u"AutoSave"_s, QString::number(settings.auto_save_period));
+  }
 }
 
 void form_TMEOptions::cmd_Add_Click(FilterKind kind) {

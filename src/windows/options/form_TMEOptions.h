@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <array>
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "windows/options/FilterList.h"
 
@@ -12,7 +14,6 @@ class QGridLayout;
 class QGroupBox;
 class QLineEdit;
 class QListWidget;
-class QMenu;
 class QPushButton;
 class QTabWidget;
 class QVBoxLayout;
@@ -23,6 +24,7 @@ class ShellIntegration;
 enum class ShellHook : std::uint8_t;
 struct Global;
 struct HelpTopic;
+struct Settings;
 
 /// Edits the settings. OK writes all of them to the store and to the shell's copies at once; Cancel discards.
 class form_TMEOptions : public QDialog {
@@ -55,7 +57,8 @@ class form_TMEOptions : public QDialog {
   // form_TMEOptions_tabs.cpp
   void BuildTabs();
   QVBoxLayout* AddTab(const QString& caption, const QString& tool_tip);
-  QCheckBox* AddCheckBox(QVBoxLayout* column, const QString& name, const QString& caption);
+  /// A box for one of kFlags.
+  void AddFlag(QVBoxLayout* column, const QString& name, const QString& caption, bool Settings::*field);
   void BuildGeneralTab(QVBoxLayout* column);
   void BuildDefaultOpenType(QVBoxLayout* column);
   void BuildAutoSave(QVBoxLayout* column);
@@ -69,11 +72,9 @@ class form_TMEOptions : public QDialog {
   void Form_Load();
   void cmd_OK_Click();
   void SaveFlags();
-  void SaveFilters();
-  void SaveTextDisplay();
-  void SaveDefaultOpenType();
-  void SaveAutoSave();
-  void SetHook(ShellHook hook, const QCheckBox* box, const QString& what, QStringList& failures);
+  void SaveTexts();
+  /// What could not be done, for the user.
+  QStringList SetHook(ShellHook hook, const QCheckBox* box, const QString& what);
 
   void cmd_Add_Click(FilterKind kind);
   void cmd_Remove_Click(FilterKind kind);
@@ -87,7 +88,6 @@ class form_TMEOptions : public QDialog {
   static const HelpTopic* TopicOf(const QWidget* control);
   void PopUpHelp(QWidget* control, const QPoint& global_position);
   void ContextHelp_Click();
-  void WriteValue(const QString& key, const QString& name, const QString& text);
 
   Global& global_;
   ShellIntegration& integration_;
@@ -99,10 +99,7 @@ class form_TMEOptions : public QDialog {
   QTabWidget* TS;
   QWidget* extension_box_ = nullptr;
   QLineEdit* txt_ext = nullptr;
-  QCheckBox* cb_Notifications = nullptr;
-  QCheckBox* cb_ContainSRD = nullptr;
-  QCheckBox* cb_SEM = nullptr;
-  QCheckBox* cb_MultiSelect = nullptr;
+  std::vector<std::pair<bool Settings::*, QCheckBox*>> flag_boxes_;
   QCheckBox* cb_SendTo = nullptr;
   QCheckBox* Check1 = nullptr;
   QCheckBox* cb_AutoSave = nullptr;

@@ -13,6 +13,7 @@
 #include <QTabWidget>
 
 #include "shell/PlainText.h"
+#include "shell/Settings.h"
 #include "windows/options/ShellIntegration.h"
 #include "windows/options/form_TMEOptions.h"
 
@@ -32,33 +33,31 @@ void SetWidth(QLineEdit* box, int characters) {
   box->setFixedWidth(box->fontMetrics().averageCharWidth() * characters + box->fontMetrics().height());
 }
 
-QLineEdit* MakeBox(QWidget* parent, const QString& name, const QString& accessible_name) {
-  auto* box = new QLineEdit(parent);
-  box->setObjectName(name);
-  box->setAccessibleName(accessible_name);
+template <typename Control>
+Control* Named(Control* control, const QString& name, const QString& accessible_name) {
+  control->setObjectName(name);
+  control->setAccessibleName(accessible_name);
+  return control;
+}
+
+QCheckBox* AddCheckBox(QVBoxLayout* column, const QString& name, const QString& caption) {
+  auto* box = Named(new QCheckBox(caption), name, WithoutAccessKey(caption));
+  column->addWidget(box);
   return box;
 }
 
 QPushButton* MakeButton(QWidget* parent, const QString& name, const QString& caption, const QString& accessible_name) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(name);
-  button->setAccessibleName(accessible_name);
+  auto* button = Named(new QPushButton(caption, parent), name, accessible_name);
   button->setAutoDefault(false);
   return button;
 }
 
-QGroupBox* MakeGroup(const QString& name, const QString& title) {
-  auto* group = new QGroupBox(title);
-  group->setObjectName(name);
-  group->setAccessibleName(title);
-  return group;
-}
+QGroupBox* MakeGroup(const QString& name, const QString& title) { return Named(new QGroupBox(title), name, title); }
 
 }  // namespace
 
 void form_TMEOptions::BuildTabs() {
-  TS->setObjectName(u"TS"_s);
-  TS->setAccessibleName(tr("Option pages"));
+  Named(TS, u"TS"_s, tr("Option pages"));
   // All captions in full, whatever the font: the dialog is as wide as they need.
   TS->setUsesScrollButtons(false);
   TS->setElideMode(Qt::ElideNone);
@@ -110,8 +109,7 @@ class Page : public QScrollArea {
 QVBoxLayout* form_TMEOptions::AddTab(const QString& caption, const QString& tool_tip) {
   auto* frame = new QWidget;
   const int index = TS->addTab(new Page(frame), caption);
-  frame->setObjectName(u"frame_Sections"_s + QString::number(index));
-  frame->setAccessibleName(caption);
+  Named(frame, u"frame_Sections"_s + QString::number(index), caption);
   TS->setTabToolTip(index, TipText(tool_tip));
   return new QVBoxLayout(frame);
 }
@@ -121,12 +119,8 @@ void form_TMEOptions::TS_Click() {
   if (filters_[Rtf].list->isVisible()) MoveExtensionBox(Rtf);
 }
 
-QCheckBox* form_TMEOptions::AddCheckBox(QVBoxLayout* column, const QString& name, const QString& caption) {
-  auto* box = new QCheckBox(caption);
-  box->setObjectName(name);
-  box->setAccessibleName(WithoutAccessKey(caption));
-  column->addWidget(box);
-  return box;
+void form_TMEOptions::AddFlag(QVBoxLayout* column, const QString& name, const QString& caption, bool Settings::*field) {
+  flag_boxes_.emplace_back(field, AddCheckBox(column, name, caption));
 }
 
 void form_TMEOptions::BuildGeneralTab(QVBoxLayout* column) {
@@ -136,12 +130,12 @@ void form_TMEOptions::BuildGeneralTab(QVBoxLayout* column) {
     return new QVBoxLayout(group);
   };
   QVBoxLayout* windows = add_group(u"frm_Windows"_s, tr("Windows and Messages"));
-  cb_SEM = AddCheckBox(windows, u"cb_SEM"_s, tr("Start editors ma&ximized"));
-  cb_ContainSRD = AddCheckBox(windows, u"cb_ContainSRD"_s, tr("&Start search and replace inside the frame"));
-  cb_Notifications = AddCheckBox(windows, u"cb_Notifications"_s, tr("Do &not report when a tool has finished"));
+  AddFlag(windows, u"cb_SEM"_s, tr("Start editors ma&ximized"), &Settings::start_editors_max);
+  AddFlag(windows, u"cb_ContainSRD"_s, tr("&Start search and replace inside the frame"), &Settings::contain_srd);
+  AddFlag(windows, u"cb_Notifications"_s, tr("Do &not report when a tool has finished"), &Settings::supress_results);
 
   QVBoxLayout* opening = add_group(u"frm_Opening"_s, tr("Opening Files"));
-  cb_MultiSelect = AddCheckBox(opening, u"cb_MultiSelect"_s, tr("Allow se&veral files at once"));
+  AddFlag(opening, u"cb_MultiSelect"_s, tr("Allow se&veral files at once"), &Settings::multi_select);
   BuildDefaultOpenType(opening);
 
   BuildAutoSave(add_group(u"frm_AutoSave"_s, tr("AutoSave")));
@@ -154,9 +148,7 @@ void form_TMEOptions::BuildGeneralTab(QVBoxLayout* column) {
 }
 
 void form_TMEOptions::BuildDefaultOpenType(QVBoxLayout* column) {
-  auto* group = new QWidget;
-  group->setObjectName(u"opt_DefOpen"_s);
-  group->setAccessibleName(tr("Type of file listed first"));
+  auto* group = Named(new QWidget, u"opt_DefOpen"_s, tr("Type of file listed first"));
   auto* row = new QHBoxLayout(group);
   row->setContentsMargins(0, 0, 0, 0);
   row->addWidget(PlainLabel(tr("List first:")));
@@ -164,9 +156,8 @@ void form_TMEOptions::BuildDefaultOpenType(QVBoxLayout* column) {
   const QStringList captions{tr("&INI"), tr("&Registry"), tr("&Text"), tr("Ric&h text")};
   for (std::size_t index = 0; index < kOpenTypes.size(); ++index) {
     const QString& caption = captions[static_cast<qsizetype>(index)];
-    auto* button = new QRadioButton(caption);
-    button->setObjectName(u"opt_DefOpen"_s + QString::number(index));
-    button->setAccessibleName(tr("List first: %1").arg(WithoutAccessKey(caption)));
+    auto* button = Named(new QRadioButton(caption), u"opt_DefOpen"_s + QString::number(index),
+                         tr("List first: %1").arg(WithoutAccessKey(caption)));
     opt_DefOpen->addButton(button, static_cast<int>(kOpenTypes[index]));
     row->addWidget(button);
   }
@@ -177,10 +168,9 @@ void form_TMEOptions::BuildDefaultOpenType(QVBoxLayout* column) {
 void form_TMEOptions::BuildAutoSave(QVBoxLayout* column) {
   auto* row = new QHBoxLayout;
   column->addLayout(row);
-  cb_AutoSave = new QCheckBox(tr("Save all doc&uments every"));
-  cb_AutoSave->setObjectName(u"cb_AutoSave"_s);
-  cb_AutoSave->setAccessibleName(tr("Save all documents automatically"));
-  txt_AutoSave = MakeBox(nullptr, u"txt_AutoSave"_s, tr("Minutes between automatic saves"));
+  cb_AutoSave =
+      Named(new QCheckBox(tr("Save all doc&uments every")), u"cb_AutoSave"_s, tr("Save all documents automatically"));
+  txt_AutoSave = Named(new QLineEdit, u"txt_AutoSave"_s, tr("Minutes between automatic saves"));
   SetWidth(txt_AutoSave, kMinutesCharacters);
   txt_AutoSave->installEventFilter(this);
   row->addWidget(cb_AutoSave);
@@ -196,7 +186,7 @@ void form_TMEOptions::BuildDefaultDisplay(QVBoxLayout* column) {
   column->addWidget(Frame1);
   auto* row = new QHBoxLayout(Frame1);
   const auto add_box = [&](const QString& name, const QString& caption, const QString& accessible_name, int width) {
-    QLineEdit* box = MakeBox(Frame1, name, accessible_name);
+    auto* box = Named(new QLineEdit(Frame1), name, accessible_name);
     box->setReadOnly(true);
     box->installEventFilter(this);
     box->setMinimumWidth(box->fontMetrics().averageCharWidth() * width);
@@ -218,7 +208,7 @@ void form_TMEOptions::BuildExtensionBox() {
   auto* column = new QVBoxLayout(extension_box_);
   column->setContentsMargins(0, 0, 0, 0);
   QLabel* label = PlainLabel(tr("Define &Filter:"));
-  txt_ext = MakeBox(extension_box_, u"txt_ext"_s, tr("Define Filter"));
+  txt_ext = Named(new QLineEdit(extension_box_), u"txt_ext"_s, tr("Define Filter"));
   txt_ext->installEventFilter(this);
   label->setBuddy(txt_ext);
   column->addWidget(label);
@@ -232,9 +222,8 @@ QGroupBox* form_TMEOptions::BuildFilter(FilterKind kind, const QString& frame_na
   controls.add = MakeButton(frame, text ? u"cmd_Add"_s : u"cmd_RTFAdd"_s, tr("&Add"), tr("Add the extension"));
   controls.remove = MakeButton(frame, text ? u"cmd_Remove"_s : u"Cmd_RTFRemove"_s, tr("&Remove"),
                                tr("Remove the selected extension"));
-  controls.list = new QListWidget(frame);
-  controls.list->setObjectName(text ? u"list_text"_s : u"list_rtf"_s);
-  controls.list->setAccessibleName(text ? tr("Extensions of text files") : tr("Extensions of rich-text files"));
+  controls.list = Named(new QListWidget(frame), text ? u"list_text"_s : u"list_rtf"_s,
+                        text ? tr("Extensions of text files") : tr("Extensions of rich-text files"));
   controls.list->setMinimumHeight(controls.list->fontMetrics().lineSpacing() * kListRows);
   controls.list->installEventFilter(this);
   QLabel* label = PlainLabel(tr("E&xtensions:"));

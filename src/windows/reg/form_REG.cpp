@@ -186,7 +186,7 @@ void form_REG::ReadColumnWidths() {
 void form_REG::WriteColumnWidth(int column, int pixels) {
   if (is_placing_columns_) return;
   global_.registry.WriteValue(kRegKey, QString::fromLatin1(kColumnNames.at(static_cast<std::size_t>(column))),
-                              kTextType, QString::number(PixelsToTwips(pixels, logicalDpiX())));
+                              QString::number(PixelsToTwips(pixels, logicalDpiX())));
 }
 
 void form_REG::RestoreView() {

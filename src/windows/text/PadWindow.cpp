@@ -98,10 +98,8 @@ void PadWindow::EditTimeDate() {
 }
 
 void PadWindow::EditWW() {
-  global_.settings.word_wrap = !global_.settings.word_wrap;
+  global_.settings.SetFlag(&Settings::word_wrap, !global_.settings.word_wrap, global_.registry);
   global_.menus.SetChecked(kWordWrapItem, global_.settings.word_wrap);
-  if (global_.settings.present)
-    global_.registry.WriteValue(SettingsRoot, u"Word Wrap"_s, kTextType, global_.settings.word_wrap ? u"1"_s : u"0"_s);
   ApplyWordWrap();
   EditingArea().Widget().update();
 }

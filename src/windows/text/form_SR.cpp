@@ -238,7 +238,7 @@ void form_SR::cmd_Cance_Click() { close(); }
 void form_SR::StoreLastSearch() {
   const bool rich = target_kind_ == DocumentKind::Rtf;
   if (rich ? global_.settings.rtf_present : global_.settings.txt_present)
-    global_.registry.WriteValue(rich ? kRtfKey : kTxtKey, kLastSearch, kTextType, txt_SearchString->text());
+    global_.registry.WriteValue(rich ? kRtfKey : kTxtKey, kLastSearch, txt_SearchString->text());
 }
 
 void form_SR::SearchAgain() {

@@ -1,7 +1,0 @@
-#include "system/FileDialogFilters.h"
-
-namespace tme {
-
-QString FileDialogWildcard(const QString& wildcard) { return wildcard; }
-
-}  // namespace tme
