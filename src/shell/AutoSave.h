@@ -25,10 +25,9 @@ class AutoSave : public QObject {
   void SetAutoSaveTimer(int period);
   bool IsRunning() const { return AutoSaveTimer.isActive(); }
 
-  /// Saves every document that was edited since it was read or written. Chosen from the menu: also
-  /// those only marked as changed; the windows are minimised meanwhile, then restored and cascaded. By the timer: only
-  /// the frame's caption tells, and a document without a path says in a notice that its dialog waits until nobody
-  /// types.
+  /// Saves every document that was edited since it was read or written. Chosen from the menu: also those only marked as
+  /// changed; the windows are minimised meanwhile. By the timer: a document without a path says in a notice that its
+  /// dialog waits until nobody types.
   void SaveAllDocuments();
 
   /// Sees every key that is pressed.

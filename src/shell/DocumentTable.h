@@ -14,13 +14,12 @@ inline constexpr int kSlotsPerKind = 5;
 /// Five document windows of each of the four kinds.
 class DocumentTable {
  public:
-  /// The window at a slot, 0 to 4. Null for a kind that has no editor, and once released at exit. Owned by the frame.
-  /// The slot is free when the window's tag is empty.
+  /// The window at a slot, 0 to 4; owned by the frame. Null for a kind that has no editor, and once released at exit.
   DocumentWindow* At(DocumentKind kind, int slot) const { return SlotsOf(kind).at(static_cast<std::size_t>(slot)); }
   void Put(DocumentKind kind, int slot, DocumentWindow* window);
   /// The table forgets the window.
   void Release(const DocumentWindow& window);
-  /// 0 to 4, the first whose tag is empty; -1 when all are taken or the kind has no editor.
+  /// The first slot without a document, 0 to 4; -1 when all are taken or the kind has no editor.
   int FindFreeSlot(DocumentKind kind) const;
   /// Whether windows of the kind exist.
   bool Offers(DocumentKind kind) const { return SlotsOf(kind)[0] != nullptr; }

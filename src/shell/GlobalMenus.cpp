@@ -25,7 +25,7 @@ constexpr Kinds kPads = kTxt | kRtf, kDocuments = kIni | kReg | kPads, kAlways =
 struct Row {
   const char* parent;   ///< menu name; empty for a menu of the bar
   const char* name;     ///< object name; empty for a separator
-  const char* caption;  ///< null for an item of a menu, set on rows that open a menu themselves: see `opens_menu`
+  const char* caption;  ///< null for a separator
   Kinds kinds;          ///< who shows it; a menu is shown when one of its items is
   const char* command;  ///< sent to the active document; null: the frame's own (or a menu)
   const char* icon = nullptr;
@@ -191,7 +191,7 @@ void GlobalMenus::AddMenu(const QString& name, const QString& caption, QMenu* pa
   menu->setToolTipsVisible(true);
   menu->menuAction()->setObjectName(name);
   menus_.insert(name, menu);
-  // Pictures come with the first look at a menu: the start of the program waits for none.
+  // Pictures are loaded when a menu first opens: the start of the program waits for none.
   const auto load = [this, name] { LoadIcons(name); };
   connect(menu, &QMenu::aboutToShow, this, load, Qt::SingleShotConnection);
   actions_.insert(name, menu->menuAction());

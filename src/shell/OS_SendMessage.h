@@ -9,10 +9,9 @@ struct CopyData;
 struct Global;
 class InstanceLink;
 
-/// Second instance: hands one text of its command line to the running frame, whose handle stands in "WinRegistration"
-/// or which the claim tells, and returns when the frame has opened it. Empty text: nothing. A frame that is still
-/// starting is waited for, but not once it has gone: false then, and own_link holds the claim, or when the patience is
-/// at its end.
+/// Second instance: hands one text of its command line to the running frame and returns when that has opened it; an
+/// empty text is nothing to do. Waits for a frame that is still starting. Returns false when the patience is at its
+/// end, or once the frame has gone: own_link holds the claim then.
 bool SendCommandLine(const QString& command_line, InstanceLink& own_link,
                      std::chrono::milliseconds patience = std::chrono::seconds(3));
 

@@ -25,7 +25,7 @@ namespace {
 
 QString Tr(const char* text) { return QCoreApplication::translate("OpenDispatch", text); }
 
-/// Index of a free slot's window, after the message when there is none.
+/// The window of a free slot; null after the message that there is none.
 DocumentWindow* FreeWindow(Global& global, DocumentKind kind) {
   if (!global.documents.Offers(kind)) {
     global.dialogs.MsgBox(Tr("This version of the editor has no window for a document of the kind \"%1\".")

@@ -22,16 +22,11 @@ QString AskForSavePath(Global& global, const SaveDialogTexts& texts) {
     dialog.init_dir = LastSaveFolder(global.registry);
     QString path = dialog.ShowSave();
     if (path.isEmpty() || !global.shell_utilities.FileExists(path)) return path;
-    switch (global.dialogs.MsgBox(QCoreApplication::translate("SaveDialog", "Overwrite existing file?"),
-                                  MsgButtons::YesNoCancel, MsgIcon::Question,
-                                  QCoreApplication::translate("SaveDialog", "File Exists"))) {
-      case MsgAnswer::Yes:
-        return path;
-      case MsgAnswer::No:
-        break;
-      default:
-        return {};
-    }
+    const MsgAnswer answer = global.dialogs.MsgBox(
+        QCoreApplication::translate("SaveDialog", "Overwrite existing file?"), MsgButtons::YesNoCancel,
+        MsgIcon::Question, QCoreApplication::translate("SaveDialog", "File Exists"));
+    if (answer == MsgAnswer::Yes) return path;
+    if (answer != MsgAnswer::No) return {};
   }
 }
 

@@ -6,7 +6,7 @@ namespace tme {
 
 struct Global;
 
-/// How a save dialog looks.
+/// What a save dialog says and proposes.
 struct SaveDialogTexts {
   QString title;
   QString filter;       ///< as CommonDialog::filter

@@ -9,15 +9,15 @@
 namespace tme {
 namespace {
 
-constexpr std::chrono::milliseconds kBetweenLooks{100};
+constexpr std::chrono::milliseconds kBetweenChecks{100};
 
 }  // namespace
 
 SessionShutdown::SessionShutdown(mdform_TMEditor& frame, std::chrono::milliseconds patience)
     : frame_(frame), patience_(patience) {
-  looks_.setInterval(std::min(kBetweenLooks, patience));
+  timer_.setInterval(std::min(kBetweenChecks, patience));
   // Queued: a timer does not fire again while its own call lasts, and leaving may last.
-  connect(&looks_, &QTimer::timeout, this, &SessionShutdown::Look, Qt::QueuedConnection);
+  connect(&timer_, &QTimer::timeout, this, &SessionShutdown::Check, Qt::QueuedConnection);
 }
 
 void SessionShutdown::EndSession(SessionEnd::Questions questions) {
@@ -25,12 +25,12 @@ void SessionShutdown::EndSession(SessionEnd::Questions questions) {
     nobody_there_ = true;
     frame_.LeaveUnattended();
   }
-  if (looks_.isActive()) return;
-  looks_.start();
-  Look();
+  if (timer_.isActive()) return;
+  timer_.start();
+  Check();
 }
 
-void SessionShutdown::Look() {
+void SessionShutdown::Check() {
   if (QWidget* question = QApplication::activeModalWidget()) return CloseWhenLate(*question);
   question_.clear();
   if (QWidget* popup = QApplication::activePopupWidget()) {

@@ -11,9 +11,8 @@ namespace tme {
 
 class mdform_TMEditor;
 
-/// The shutdown at the end of a session: the frame's own, which asks about unsaved changes, but no question holds it up
-/// for ever. One that is open, or comes up, may stand for a while; unanswered, it and all after it count as closed by
-/// the user: Cancel, which writes nothing over any file.
+/// The shutdown at the end of a session: the frame's own, which asks about unsaved changes, but a question may stand
+/// for a while only; unanswered, it and all after it count as closed by the user: Cancel, which writes nothing.
 class SessionShutdown : public QObject {
   Q_OBJECT
 
@@ -24,17 +23,17 @@ class SessionShutdown : public QObject {
   /// The frame must outlive it.
   explicit SessionShutdown(mdform_TMEditor& frame, std::chrono::milliseconds patience = kPatience);
 
-  /// Leaves the program at once when nothing stands in the way, else as soon as open questions and running work are
-  /// done with. Questions::Refused: no question may stand at all. Calling it again changes nothing but that.
+  /// Leaves the program as soon as open questions and running work are done with. Questions::Refused: no question may
+  /// stand at all. Calling it again changes nothing but that.
   void EndSession(SessionEnd::Questions questions);
 
  private:
-  void Look();
+  void Check();
   void CloseWhenLate(QWidget& question);
 
   mdform_TMEditor& frame_;
   const std::chrono::milliseconds patience_;
-  QTimer looks_;
+  QTimer timer_;
   QPointer<QWidget> question_;
   std::chrono::steady_clock::time_point since_;
   /// Nobody answers: the user is gone, or must not be asked.

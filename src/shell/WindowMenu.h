@@ -10,8 +10,8 @@ namespace tme {
 class DocumentArea;
 class DocumentTable;
 
-/// The documents at the end of the Window menu, and what tells apart those of the same name: the folder behind the
-/// name, and the full path as the tool tip of the menu's item and of the document's caption bar.
+/// The documents at the end of the Window menu, with the folder where names are alike, and the full path as the tool
+/// tip of the menu's item and of the document's caption bar.
 class WindowMenu : public QObject {
   Q_OBJECT
 

@@ -57,19 +57,14 @@ ViewZoom::ViewZoom(QList<QAbstractItemView*> views, QObject* parent) : QObject(p
 }
 
 bool ViewZoom::eventFilter(QObject* watched, QEvent* event) {
-  bool changed = false;
+  std::optional<bool> changed;  // null for an event that is no zooming
   if (event->type() == QEvent::KeyPress) {
-    const std::optional<Zoom> zoom = ZoomOf(*static_cast<QKeyEvent*>(event));
-    if (!zoom) return QObject::eventFilter(watched, event);
-    changed = percent_.Apply(*zoom);
+    if (const auto zoom = ZoomOf(*static_cast<QKeyEvent*>(event))) changed = percent_.Apply(*zoom);
   } else if (event->type() == QEvent::Wheel) {
-    const std::optional<double> notches = ZoomNotchesOf(*static_cast<QWheelEvent*>(event));
-    if (!notches) return QObject::eventFilter(watched, event);
-    changed = percent_.Turn(*notches);
-  } else {
-    return QObject::eventFilter(watched, event);
+    if (const auto notches = ZoomNotchesOf(*static_cast<QWheelEvent*>(event))) changed = percent_.Turn(*notches);
   }
-  if (changed) Show();
+  if (!changed) return QObject::eventFilter(watched, event);
+  if (*changed) Show();
   return true;
 }
 

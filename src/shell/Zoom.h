@@ -29,7 +29,7 @@ class ZoomPercent {
   int percent_ = 100;
 };
 
-/// Makes the texts and pictures of some views larger or smaller, all alike, by these keys and the wheel.
+/// Zooms the texts and pictures of some views, all alike, by these keys and the wheel.
 class ViewZoom : public QObject {
   Q_OBJECT
 

@@ -5,8 +5,8 @@
 
 namespace tme {
 
-/// A path as TextFile takes it. Never fails: elsewhere than on Windows, U+DC80 to U+DCFF alone stand for a byte of a
-/// name that is no UTF-8, and any other lone surrogate for its three bytes, which name no file that has another path.
+/// A path as the file layer takes it. Never fails: except on Windows, a lone U+DC80 to U+DCFF stands for a byte of a
+/// name that is no UTF-8, and any other lone surrogate for its three bytes.
 std::filesystem::path FilePath(const QString& path);
 
 }  // namespace tme

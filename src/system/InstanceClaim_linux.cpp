@@ -22,8 +22,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
-constexpr mode_t kKeptClaimMode = 01600;
 /// Room for the process number and a path, taken at once: a disk that is full must not show only later.
 constexpr qsizetype kClaimBytes = 512;
 /// So often at most a claim is taken away just when it is opened.
@@ -83,7 +81,7 @@ QStringList InstanceFolders() {
 
 bool PrepareInstanceFolder(const QString& folder) {
   if (folder == SettingsFolder()) {
-    // A link of the user's is as good; a folder of somebody else's is where that one's own editor looks.
+    // A link of the user's own will do; another user's folder belongs to that user's editor.
     return !MakeOwnFolder(folder) && IsOwnFolder(QFileInfo(folder).canonicalFilePath(), 0);
   }
   ::mkdir(QFile::encodeName(folder).constData(), 0700);
@@ -112,14 +110,14 @@ InstanceClaim::Found InstanceClaim::TakeIn(const QString& folder) {
   for (int attempt = 0; lock == Lock::Replaced && attempt < kMostAttempts; ++attempt) {
     int descriptor = IsHeld() ? -1 : ::open(path.constData(), O_RDWR | O_CREAT | kFlags, 0600);
     const bool may_hold = descriptor >= 0;
-    // To look is enough where the claim lies elsewhere, or has to.
+    // Reading is enough where the claim lies elsewhere, or has to.
     if (!may_hold) descriptor = ::open(path.constData(), O_RDONLY | kFlags);
     if (descriptor < 0) return Found::Unknown;
     lock = LockFile(descriptor, path);
     if (lock == Lock::Got && may_hold) {
       descriptor_ = descriptor;
       path_ = path;
-      ::fchmod(descriptor, kKeptClaimMode);
+      ::fchmod(descriptor, kKeptOwnerOnly);
       if (Write({})) return Found::Free;
       GiveUp();
       return Found::Unknown;

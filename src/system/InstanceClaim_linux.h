@@ -1,16 +1,20 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <QString>
 #include <QStringList>
 #include <cstdint>
 
 namespace tme {
 
-/// Where the claim of the only instance and its endpoint may lie, best first: beside the settings that it guards, and
-/// for settings that take no file, in folders that only this user can enter. What the environment of one start may have
-/// and that of another not comes last. Not all of them need exist.
+/// With the sticky bit set, the clean-up of runtime folders leaves a file alone (XDG base directories).
+inline constexpr mode_t kKeptOwnerOnly = 01600;
+
+/// Where the claim of the only instance and its endpoint may lie, best first: beside the settings, else in folders that
+/// only this user can enter. What only the environment of this start may name comes last. Not all of them need exist.
 QStringList InstanceFolders();
-/// Makes the folder where it is missing. False when nothing of this user's can lie there safely.
+/// Makes the folder where it is missing. Returns false if nothing of this user's can lie there safely.
 bool PrepareInstanceFolder(const QString& folder);
 /// File name of the endpoint for a frame's handle; "*" for the pattern of all.
 QString EndpointName(const QString& folder, const QString& handle);
@@ -25,7 +29,7 @@ class InstanceClaim {
   InstanceClaim(const InstanceClaim&) = delete;
   InstanceClaim& operator=(const InstanceClaim&) = delete;
 
-  /// False when another process holds it. True, too, when no folder can tell: rather a second frame than none.
+  /// Returns false if another process holds it; true if no folder can tell: rather a second frame than none.
   bool Take();
   bool IsHeld() const { return descriptor_ >= 0; }
   /// Where later launches find this process; nothing without the claim.

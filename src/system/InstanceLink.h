@@ -35,7 +35,7 @@ struct CopyData {
 
 /// Packs a record. data: at most MaxDataBytes.
 QByteArray PackCopyData(const CopyData& record);
-/// Most bytes of a record that need to be looked at: one more than the longest has.
+/// Most bytes of a record that need to be read: one more than the longest has.
 inline constexpr std::uint32_t kMaxRecordBytes = kCopyDataHeaderBytes + kMaxLongDataBytes + 1;
 /// Whether a record of which these bytes have come may become whole when more do; never so of kMaxRecordBytes.
 bool IsBeginningOfRecord(const QByteArray& bytes);
@@ -58,32 +58,29 @@ class InstanceLink {
   InstanceLink(const InstanceLink&) = delete;
   InstanceLink& operator=(const InstanceLink&) = delete;
 
-  /// Claims to be the only instance of this user: on Windows in the log-on session, elsewhere on the machine with the
-  /// settings that it reads, whatever else its environment says. False when another one lives; the claim of a dead
-  /// process is taken over. The claim lasts until this object or the process ends.
+  /// Claims to be the only instance of this user: on Windows in the log-on session, elsewhere on the machine with these
+  /// settings. The claim lasts until this object or the process ends; that of a dead process is taken over. Returns
+  /// false if another one lives.
   bool ClaimOnlyInstance();
   /// From here on a new launch is the only instance.
   void GiveUpClaim();
 
-  /// The receiving side: `receive` is called in the user-interface thread, between other events, for each record, one
-  /// after the other: while it runs, further records wait, also inside a message box that it shows, and so do all while
-  /// the wait cursor (Qt's override cursor) is set. The sender waits until it returns; on Windows, that of a
-  /// record that waits until it is in the queue.
+  /// The receiving side: calls `receive` for each record, in the order and at the times of RecordQueue. The sender
+  /// waits until it returns; on Windows, the sender of a record that has to wait only until it is queued.
   ///
-  /// Only processes of the same user reach it; on Windows those of the same desktop that do not run at a lower
-  /// integrity level. The system keeps other log-on sessions out, but not a program that runs as another user in this
-  /// one, and a message does not tell its sender for certain.
+  /// Only processes of the same user reach it; on Windows, all of the same desktop that do not run at a lower integrity
+  /// level, and a message does not tell its sender for certain.
   ///
-  /// On Windows the window behind the handle is subclassed, of other programs' records more than kMaxCopyDataBytes are
-  /// cut, and one window of a process can listen, not again if others had subclassed it too by StopListening. False
-  /// when the endpoint cannot be made.
+  /// On Windows the window behind the handle is subclassed, and data beyond kMaxCopyDataBytes of other programs'
+  /// records is cut off. One window of a process can listen, and not again if others had subclassed it too by
+  /// StopListening. Returns false if the endpoint cannot be made.
   bool Listen(std::uint32_t handle, const std::function<void(const CopyData&)>& receive);
   void StopListening();
 
-  /// The sending side: returns when the receiver has dealt with the record (on Windows, has it waiting). Nobody there
-  /// is known at once, or after kHangPatience where somebody is who does not get so far as to take it (on Windows, who
-  /// is known to the system as hanging). handle: what the settings name; without one, or when nobody is behind it (it
-  /// is stale, or another machine's), the record goes to whoever holds the claim.
+  /// The sending side: returns when the receiver has dealt with the record (on Windows, has it waiting). A receiver
+  /// that does not take it within kHangPatience (on Windows, one that the system knows as hanging) counts as nobody.
+  /// handle: what the settings name; without one, or if nobody is behind it, the record goes to whoever holds the
+  /// claim.
   static Delivery Send(std::optional<std::uint32_t> handle, const CopyData& record);
   static constexpr std::chrono::milliseconds kHangPatience{3000};
 

@@ -28,8 +28,6 @@ namespace {
 
 /// A sender that has not sent its record by then is dropped.
 constexpr std::chrono::seconds kRecordPatience{10};
-/// With the sticky bit set, the clean-up of runtime folders passes a file by (XDG base directories).
-constexpr mode_t kKeptOwnerOnly = 01600;
 /// As many launches as a file manager may start at once wait their turn (the system's own bound is 4096).
 constexpr int kBacklog = 4096;
 /// What a sender is told: the record has come whole, it was dealt with.

@@ -43,12 +43,12 @@ bool IsFrame(HWND window) { return ::IsWindow(window) != 0 && ::GetPropW(window,
 /// The frame of this desktop; null when none listens.
 HWND FindFrame() {
   HWND found = nullptr;
-  const WNDENUMPROC look = [](HWND window, LPARAM result) {
+  const WNDENUMPROC check = [](HWND window, LPARAM result) {
     if (!IsFrame(window)) return TRUE;
     *reinterpret_cast<HWND*>(result) = window;
     return FALSE;
   };
-  ::EnumWindows(look, reinterpret_cast<LPARAM>(&found));
+  ::EnumWindows(check, reinterpret_cast<LPARAM>(&found));
   return found;
 }
 

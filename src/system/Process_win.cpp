@@ -11,8 +11,7 @@ namespace tme {
 using namespace Qt::StringLiterals;
 
 /// A compiled pattern keeps memory for each thread that matches it, and a program built with MinGW frees what belongs
-/// to a thread before the destructors that look at it. Qt asks for the variable once, at its first pattern; after that
-/// neither the environment that the user sees nor a program started from here has it.
+/// to a thread before the destructors that read it. Qt asks for the variable once, at its first pattern.
 void EnterProcess() {
   // The folder that the program is started in, often that of the file it opens, gives it no libraries.
   ::SetDllDirectoryW(L"");

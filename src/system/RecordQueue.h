@@ -8,9 +8,9 @@
 
 namespace tme {
 
-/// The records that other launches sent, until they are delivered: one after the other, in the user-interface thread.
-/// While `receive` runs, perhaps inside a message box's event loop, or something else is half done and only lets the
-/// windows repaint (Qt's override cursor is set), further ones wait.
+/// The records that other launches sent, until they are delivered: one after the other, on the user-interface thread.
+/// They wait while `receive` runs, perhaps inside a message box, and while the wait cursor (Qt's override cursor) is
+/// set.
 class RecordQueue : public std::enable_shared_from_this<RecordQueue> {
  public:
   using Receive = std::function<void(const CopyData&)>;

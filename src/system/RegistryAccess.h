@@ -11,7 +11,7 @@ namespace tme {
 inline const QString kMakerKey = QStringLiteral("HKEY_CURRENT_USER\\SOFTWARE\\Zorvan");
 inline const QString SettingsRoot = kMakerKey + QStringLiteral("\\TME");
 
-/// Why the settings store has not got what was written to it. It then holds what it held.
+/// Why the settings store did not take what was written to it. It is unchanged then.
 struct StoreFailure {
   QString place;   ///< the file or key, for people
   QString reason;  ///< in the system's words
@@ -19,8 +19,8 @@ struct StoreFailure {
 
 /// The settings store: a tree of keys with text values. On Windows the registry; elsewhere the same tree in one
 /// per-user file (QSettings, INI format, "TamarindEditor/registry.ini" under the XDG configuration folder).
-/// Paths are whole and begin with the hive's name ("HKEY_CURRENT_USER\SOFTWARE\..."), parts joined by "\"; they are
-/// compared without regard to letter case on Windows and exactly elsewhere.
+/// Paths are whole and begin with the hive's name ("HKEY_CURRENT_USER\SOFTWARE\..."); letter case counts, but not on
+/// Windows.
 /// Values reach the store at once on Windows; elsewhere with CreateKey, DeleteKey and Flush, at the next turn of
 /// the event loop or when the object goes. A new object sees what other processes have written.
 class RegistryAccess {

@@ -66,7 +66,7 @@ bool RegistryAccess::CreateKey(const QString& key) {
   const std::optional<Place> place = PlaceOf(key);
   if (!place) return false;
   HKEY opened = nullptr;
-  // Asks for no more than a look, which an existing key that is not ours to write allows, too.
+  // The right to read is enough, which an existing key that is not ours to write gives, too.
   const LSTATUS status = ::RegCreateKeyExW(place->hive, place->path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                            KEY_QUERY_VALUE, nullptr, &opened, nullptr);
   if (!store_->Note(key, status)) return false;

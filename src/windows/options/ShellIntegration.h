@@ -8,8 +8,8 @@ namespace tme {
 
 class RegistryAccess;
 
-/// The two ways in which the file manager offers the program: an entry among the programs that a file can be sent to or
-/// opened with, and a command in the context menu of every file. One of each per user.
+/// The two ways in which the file manager offers the program: among those that a file can be sent to or opened with,
+/// and as a command in the context menu of every file.
 enum class ShellHook : std::uint8_t { SendTo, ContextMenu };
 enum class HookState : std::uint8_t { Off, On };
 
@@ -31,7 +31,7 @@ class ShellIntegration {
   /// whenever it is there.
   HookState State(ShellHook hook) const;
   /// Writes or removes everything that belongs to the hook, another copy's included, and the folders that were made for
-  /// it. A part that fails is returned and does not keep the others from being done; no file is left half written.
+  /// it. Returns the parts that failed; the others are done all the same.
   std::vector<IntegrationFailure> Set(ShellHook hook, HookState state);
 
  private:

@@ -66,7 +66,7 @@ QByteArray ThunarCommand(const QString& program) {
   return "<command>" + QString::fromUtf8(ExecArgument(program) + " %F").toHtmlEscaped().toUtf8() + "</command>\n";
 }
 
-// What stands in files for file managers is untranslated: they show their own translations of it, or none.
+// What stands here and below in files for file managers is untranslated: they show their own translations, or none.
 QByteArray ThunarAction(const QString& program) {
   return "<action>\n\t<icon>accessories-text-editor</icon>\n\t<name>Tamarind Editor</name>\n\t<submenu></submenu>\n"
          "\t<unique-id>" +
@@ -80,7 +80,6 @@ QByteArray Resource(const QString& name) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Untranslated, too.
 /// The first is the one that the state is read from: desktop entry ("Open With"), its icon, Thunar's Send To menu.
 /// The entry says what the package's says (packaging/linux/tamarind-editor.desktop), whose place it takes.
 std::vector<HookFile> SendToFiles(const QString& program) {
@@ -99,7 +98,6 @@ std::vector<HookFile> SendToFiles(const QString& program) {
           {data + u"/Thunar/sendto/"_s + id + u".desktop"_s, entry}};
 }
 
-/// Untranslated, too.
 /// For Nautilus, Caja, Nemo and Dolphin. Thunar's action shares a file with others and is not among these.
 std::vector<HookFile> ContextMenuFiles(const QString& program) {
   const QString id = QLatin1StringView(kIntegrationId), data = DataFolder();
