@@ -9,6 +9,7 @@
 
 #include "IniInput.h"
 #include "ResidentMemory.h"
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniTree.h"
 #include "documents/ini/IniWriter.h"
@@ -38,7 +39,7 @@ const std::string& Input() {
 
 void ReadInto(IniTree& tree, std::string bytes) {
   const IniQuestions ask{[](std::string_view) { return true; }};
-  IniReader::Read(tree, DecodeText(std::move(bytes)).text, ask);
+  ReadIni(tree, DecodeText(std::move(bytes)).text, ask);
 }
 
 void SetBytes(benchmark::State& state) {
@@ -156,7 +157,7 @@ void BM_RemoveStartingWithSelectedKey(benchmark::State& state) {
     tree.AddEntryToAllSections("NewEntry=1", IniTag::Value);
     IniNode* section = tree.Root()->Child(0);
     for (int row = 0; row < section->ChildCount(); ++row) {
-      if (section->Child(row)->EntryKey() == "NewEntry") tree.Select(section->Child(row));
+      if (EntryKeyOf(section->Child(row)->Text()) == "NewEntry") tree.Select(section->Child(row));
     }
     state.ResumeTiming();
     tree.RemoveStartingWithSelectedKey();

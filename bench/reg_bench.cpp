@@ -31,8 +31,7 @@ const std::string& Input() {
 
 void ReadInto(RegDocument& document, std::string bytes) {
   const auto yes = [] { return true; };
-  RegReader::Read(document, DecodeText(std::move(bytes)).text,
-                  {.wrong_header = yes, .large_file = yes, .progress = {}});
+  ReadReg(document, DecodeText(std::move(bytes)).text, {.wrong_header = yes, .large_file = yes, .progress = {}});
 }
 
 void SetBytes(benchmark::State& state) {

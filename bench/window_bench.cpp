@@ -64,7 +64,7 @@ void BM_OpenDocument(benchmark::State& state) {
     std::string bytes;
     if (ReadFileBytes(path, bytes)) state.SkipWithError("cannot read the input");
     IniTree tree;
-    IniReader::Read(tree, DecodeText(std::move(bytes)).text, {[](std::string_view) { return true; }});
+    ReadIni(tree, DecodeText(std::move(bytes)).text, {[](std::string_view) { return true; }});
     state.PauseTiming();
     tree.Reset({});
     state.ResumeTiming();

@@ -78,7 +78,7 @@ void CheckWriteThenRead(const IniTree& tree) {
     Promise(false, "a written file has no section twice");
     return false;
   };
-  const IniReadResult result = IniReader::Read(again, written, {never});
+  const IniReadResult result = ReadIni(again, written, {never});
   Promise(result.lines_not_read == 0 && result.blank_lines_dropped == 0, "of a written file nothing is left out");
   Promise(!result.sections_reordered && !result.entries_reordered, "a written file is in order");
   CheckTree(again);
@@ -103,7 +103,7 @@ void Run(std::string_view input) {
     answers = answers >> 1 | (answers & 1) << 7;
     return yes;
   };
-  CheckCounts(IniReader::Read(tree, std::string(file), {answer}), file);
+  CheckCounts(ReadIni(tree, std::string(file), {answer}), file);
   CheckTree(tree);
   if (valid) CheckCharacters(tree);
   Promise(ReadBackOf(tree).IsSame(), "what a file says, a file can hold");
@@ -112,7 +112,7 @@ void Run(std::string_view input) {
 
   const std::vector<IniNode*> nodes = NodesOf(tree);
   tree.Select(nodes[place % nodes.size()]);
-  IniReader::Read(tree, std::string(input.substr(paste + 1)), {answer});
+  ReadIni(tree, std::string(input.substr(paste + 1)), {answer});
   CheckTree(tree);
   if (valid) CheckCharacters(tree);
   // A paste may make what no file says: a second comment above the sections, an entry that looks like a comment.

@@ -19,14 +19,14 @@ constexpr unsigned kRefuseHeader = 1;
 constexpr unsigned kRefuseLargeFile = 2;
 
 RegReadResult Read(RegDocument& document, std::string text, unsigned answers) {
-  return RegReader::Read(document, std::move(text),
-                         {.wrong_header = [answers] { return (answers & kRefuseHeader) == 0; },
-                          .large_file = [answers] { return (answers & kRefuseLargeFile) == 0; },
-                          .progress =
-                              [](const RegProgress& progress) {
-                                const bool importing = progress.phase == RegProgress::Phase::Importing;
-                                Promise(!importing || progress.lines <= progress.total + 1, "progress stays below all");
-                              }});
+  return ReadReg(document, std::move(text),
+                 {.wrong_header = [answers] { return (answers & kRefuseHeader) == 0; },
+                  .large_file = [answers] { return (answers & kRefuseLargeFile) == 0; },
+                  .progress =
+                      [](const RegProgress& progress) {
+                        const bool importing = progress.phase == RegProgress::Phase::Importing;
+                        Promise(!importing || progress.lines <= progress.total + 1, "progress stays below all");
+                      }});
 }
 
 template <typename Visit>

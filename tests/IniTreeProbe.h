@@ -35,7 +35,7 @@ inline IniNode* FindNode(const IniTree& tree, std::string_view text) {
 
 /// Reads at the selected node, the root of a new tree; overwrites duplicates.
 inline IniReadResult ReadInto(IniTree& tree, std::string text) {
-  return IniReader::Read(tree, std::move(text), {[](std::string_view) { return true; }});
+  return ReadIni(tree, std::move(text), {[](std::string_view) { return true; }});
 }
 
 using IniMirror = TreeMirror<IniTree, IniNode, IniTreeObserver>;

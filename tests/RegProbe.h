@@ -67,7 +67,7 @@ inline RegNode* NodeAt(const RegDocument& document, std::string_view path) {
 /// text: as for Reg.
 inline RegReadResult ReadReg(RegDocument& document, std::string_view text) {
   const auto yes = [] { return true; };
-  return RegReader::Read(document, Reg(text), {.wrong_header = yes, .large_file = yes, .progress = {}});
+  return ReadReg(document, Reg(text), {.wrong_header = yes, .large_file = yes, .progress = {}});
 }
 
 inline std::string Written(const RegDocument& document, RegLayout layout) {

@@ -112,7 +112,7 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
     asked.push_back(std::string(name) + ": " + Dump(tree));
     return asked.size() == 1;
   }};
-  const IniReadResult result = IniReader::Read(tree, "[b]\ny\nx\n[a]\nq\n\n[b]\nz\n[a]\nw\n\n[c]\n", ask);
+  const IniReadResult result = ReadIni(tree, "[b]\ny\nx\n[a]\nq\n\n[b]\nz\n[a]\nw\n\n[c]\n", ask);
   EXPECT_EQ(asked, (std::vector<std::string>{"b: [a|q][b|x|y]", "a: [a|q][b|z]"}));
   EXPECT_EQ(Told(result), "refused @9 lost 4 overwritten 3 entries ");
   EXPECT_EQ(Dump(tree), "[a|q][b|z]");
@@ -124,7 +124,7 @@ TEST(IniReader, TheTreeIsCompleteWhileTheQuestionStands) {
 TEST(IniReader, TakesEveryLineOfATree) {
   for (const std::string text : {"[B]\nx=2\nx=1\n[A]\n;c\n", ";b\n;a\nk=1\n\n[A]\ny\nX\n[A]\n[\n"}) {
     IniTree tree("T");
-    IniReader::ReadEveryLine(tree, text);
+    ReadEveryIniLine(tree, text);
     EXPECT_EQ(Dump(tree), text.starts_with('[') ? "[A|(;c)][B|x=1|x=2]" : "(;a)(;b)[A|X|y][A|[]k=1");
   }
 }

@@ -92,7 +92,6 @@ TEST(IniTree, Edits) {
   const auto remove_selected = [](T t) { t.Remove(t.Selected()); };
   const auto remove_s = [](T t) { t.Remove(FindNode(t, "s")); };
   const auto changed = [](auto then) { return [then](T t) { t.SetText(FindNode(t, "a"), "z"), then(t); }; };
-  const auto remove_all_x = [](T t) { t.RemoveTextEqualTo("x"); };
   const EditCase cases[] = {
       // A new child goes to its place, behind its equals.
       {"[b]\n[d]\n", "", [](T t) { t.AddSection("C"); }, "[b][C][d]"},
@@ -106,10 +105,8 @@ TEST(IniTree, Edits) {
       {"[s]\na\n", "a", remove_selected, "[s]", "s"},
       {"[s]\na\n[t]\nb\n", "a", remove_s, "[t|b]", "t"},
       {"[s]\na\n[t]\nb\n", "b", remove_s, "[t|b]", "b"},
-      // Equal texts go everywhere, in their case; never the root.
-      {";x\n[x]\na\n[y]\nx\nX\nx\n", "x", remove_all_x, "(;x)[y|X]", "y"},
-      {"[x]\na\n[y]\n", "a", remove_all_x, "[y]", "y"},
-      {"[a]\n", "", [](T t) { t.RemoveTextEqualTo(t.Root()->Text()); }, "[a]"},
+      // A section that is overwritten takes every equal text with it, in its case.
+      {";x\n[x]\na\n[y]\nx\nX\nx\n", "", [](T t) { ReadInto(t, "[x]\n"); }, "(;x)[x][y|X]"},
       {";c\n[a]\nx\n", "x", [](T t) { t.Clear(); }, ""},
       // A changed text stays where it is until the next child comes.
       {"[a]\n[b]\n", "", changed([](T) {}), "[z][b]"},
@@ -160,7 +157,6 @@ TEST(IniTree, AMirrorFollowsAnySequenceOfEdits) {
       [&](IniNode*, Text text) { tree.AddSection(text); },
       [&](IniNode*, Text text) { tree.AddEntryToAllSections(text, IniTag::Value); },
       [&](IniNode* node, Text text) { tree.SetText(node, text); },
-      [&](IniNode* node, Text) { tree.RemoveTextEqualTo(node->Text()); },
       [&](IniNode*, Text text) { ReadInto(tree, "[" + text + "]\nb\na\n[" + text + "]\n" + text); },
       [&](IniNode* node, Text) { tree.Remove(node == tree.Root() ? tree.AddSection("gone") : node); },
       [&](IniNode*, Text) { tree.RemoveStartingWithSelectedKey(); },

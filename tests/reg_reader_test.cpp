@@ -152,7 +152,7 @@ TEST(RegReader, AsksBeforeItReads) {
       EXPECT_LE(before = now.lines, test.line_count);
     };
     const RegReadResult result =
-        RegReader::Read(document, Reg(test.text), {[&] { return answer(0); }, [&] { return answer(1); }, progress});
+        ReadReg(document, Reg(test.text), {[&] { return answer(0); }, [&] { return answer(1); }, progress});
     EXPECT_EQ(asked, test.answers);
     EXPECT_EQ(result.end, test.end);
     EXPECT_EQ(result.line_count, test.line_count);

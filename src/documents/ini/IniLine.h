@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "base/Utf8.h"
@@ -30,5 +31,9 @@ constexpr std::string_view EntryValueOf(std::string_view entry) {
   const std::size_t equals = entry.find('=');
   return equals == std::string_view::npos ? std::string_view() : entry.substr(equals + 1);
 }
+
+/// Returns the lines of a text, blank ones left out, in an order that depends on the lines alone. Texts are compared
+/// so, because a save sorts sections and entries. It is not the order of a tree.
+std::string SortedIni(std::string_view text);
 
 }  // namespace tme

@@ -101,20 +101,15 @@ bool IniSorter::Sort(std::span<IniNode*> nodes) {
   items_.clear();
   items_.reserve(nodes.size());
   for (IniNode* node : nodes) items_.push_back({FoldedPrefix(node->Text()), node});
-  if (InOrder(items_)) return false;
+  if (std::ranges::is_sorted(items_, IsBefore)) return false;
   SortFrom(items_, 0);
   std::ranges::transform(items_, nodes.begin(), &Item::node);
   return true;
 }
 
-bool IniSorter::InOrder(std::span<const Item> items) {
-  for (std::size_t i = 1; i < items.size(); ++i) {
-    const Item& left = items[i - 1];
-    const Item& right = items[i];
-    if (left.prefix > right.prefix) return false;
-    if (left.prefix == right.prefix && CompareFolded(left.node->Text(), right.node->Text()) > 0) return false;
-  }
-  return true;
+bool IniSorter::IsBefore(const Item& left, const Item& right) {
+  if (left.prefix != right.prefix) return left.prefix < right.prefix;
+  return CompareFolded(left.node->Text(), right.node->Text()) < 0;
 }
 
 /// Sorts items that agree before depth, with prefixes of the texts from there.

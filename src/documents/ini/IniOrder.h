@@ -23,7 +23,7 @@ class IniSorter {
     IniNode* node;
   };
 
-  static bool InOrder(std::span<const Item> items);
+  static bool IsBefore(const Item& left, const Item& right);
   static void SortFrom(std::span<Item> items, std::size_t depth);
   static void ResolveTie(std::span<Item> items, std::size_t depth);
 

@@ -4,12 +4,10 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
-
-#include "base/LineReader.h"
-#include "documents/ini/IniTreeLoad.h"
 
 namespace tme {
+
+class IniTree;
 
 struct IniQuestions {
   /// Is asked for a section that the tree already has: true overwrites it, false ends the read at once. The tree is
@@ -50,37 +48,11 @@ struct IniReadResult {
 
 /// Turns lines of INI text into nodes below the selected node of a tree. A file (root selected) and a paste follow the
 /// same rules. Lines may end in CR LF, LF or CR; nothing is trimmed; NUL is a character like any other.
-class IniReader {
- public:
-  /// text: UTF-8, taken over by the tree, so that its nodes need no copy. The cost is linear but for sorting each list
-  /// of children.
-  static IniReadResult Read(IniTree& tree, std::string text, const IniQuestions& ask);
-  /// Fills a fresh tree from the text of any tree, in which edits may have made what Read would not take: equal names,
-  /// several comments at the top. The root is selected afterwards.
-  static void ReadEveryLine(IniTree& tree, const std::string& text);
-
- private:
-  IniReader(IniTree& tree, std::string text, const IniQuestions& ask);
-
-  /// Reads a text that begins with a header or a comment.
-  IniReadResult ReadSections();
-  /// Returns false where the read ends.
-  bool TakeLine(std::string_view line);
-  bool StartSection(std::string_view name);
-  bool MayOverwrite(std::string_view name);
-  void FinishSection();
-
-  IniTree& tree_;
-  const IniQuestions& ask_;
-  IniTree::Load load_;
-  LineReader lines_;
-  IniReadResult result_;
-  /// Texts of the root's children.
-  std::unordered_set<std::string_view> names_;
-  /// A header came before the current line.
-  bool in_section_ = false;
-  /// Those directly before the current line.
-  std::uint64_t blank_lines_ = 0;
-};
+/// text: UTF-8, taken over by the tree, so that its nodes need no copy. The cost is linear but for sorting each list of
+/// children.
+IniReadResult ReadIni(IniTree& tree, std::string text, const IniQuestions& ask);
+/// Fills a fresh tree from the text of any tree, in which edits may have made what ReadIni would not take: equal names,
+/// several comments at the top. The root is selected afterwards.
+void ReadEveryIniLine(IniTree& tree, const std::string& text);
 
 }  // namespace tme

@@ -1,9 +1,9 @@
 #include "documents/ini/IniTree.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
-#include "documents/ini/IniLine.h"
 #include "documents/ini/IniOrder.h"
 
 namespace tme {
@@ -13,21 +13,15 @@ static_assert(std::is_trivially_destructible_v<IniNode>, "nodes are given up by 
 
 namespace {
 
-SilentTreeObserver<IniNode> silent_observer;
+IniTreeObserver silent_observer;
 
 /// Returns where a new text belongs among sorted children: after those that are equal.
 std::size_t RowFor(const IniNode& parent, std::string_view text) {
-  int first = 0;
-  int last = parent.ChildCount();
-  while (first < last) {
-    const int middle = first + (last - first) / 2;
-    if (CompareFolded(text, parent.Child(middle)->Text()) < 0) {
-      last = middle;
-    } else {
-      first = middle + 1;
-    }
-  }
-  return static_cast<std::size_t>(first);
+  const auto rows = std::views::iota(0, parent.ChildCount());
+  const auto is_before = [&](std::string_view left, int row) {
+    return CompareFolded(left, parent.Child(row)->Text()) < 0;
+  };
+  return static_cast<std::size_t>(std::upper_bound(rows.begin(), rows.end(), text, is_before) - rows.begin());
 }
 
 bool StandsInOrder(const IniNode& node) {
@@ -39,54 +33,17 @@ bool StandsInOrder(const IniNode& node) {
 
 }  // namespace
 
-std::string_view TagText(IniTag tag) {
-  switch (tag) {
-    case IniTag::OpenedFile:
-      return "OPENEDFILE";
-    case IniTag::Section:
-      return "SECTION";
-    case IniTag::Value:
-      return "VALUE";
-    case IniTag::Comments:
-      return "COMMENTS";
-  }
-  return {};
-}
-
-std::string IniNode::Key() const {
-  if (tag_ == IniTag::OpenedFile) return "Primary";
-  return tag_ == IniTag::Section ? "Section" + std::to_string(created_) : std::string();
-}
-
-std::string_view IniNode::EntryKey() const { return EntryKeyOf(Text()); }
-
-std::string_view IniNode::EntryValue() const { return EntryValueOf(Text()); }
-
 IniTree::IniTree(std::string_view root_text)
     : observer_(&silent_observer),
       root_(new IniNode(nullptr, texts_.Copy(root_text), IniTag::OpenedFile, 0)),
       selected_(root_.get()) {}
 
-IniTree::~IniTree() = default;
-
 void IniTree::SetObserver(IniTreeObserver* observer) { observer_ = observer == nullptr ? &silent_observer : observer; }
-
-IniNode* IniTree::Root() const { return root_.get(); }
-
-IniNode* IniTree::Selected() const { return selected_; }
-
-void IniTree::Select(IniNode* node) { selected_ = node == nullptr ? root_.get() : node; }
 
 bool IniTree::IsUniqueSectionName(std::string_view name) const {
   return root_->children_ == nullptr ||
          std::ranges::none_of(*root_->children_, [name](const IniNode* child) { return child->Text() == name; });
 }
-
-std::size_t IniTree::SectionCount() const { return section_count_; }
-
-std::size_t IniTree::NodeCount() const { return node_count_; }
-
-std::uint64_t IniTree::Revision() const { return revision_; }
 
 IniNode* IniTree::AddSection(std::string_view name) {
   root_->expanded_ = true;
@@ -132,18 +89,9 @@ IniNode* IniTree::ReplaceWithComment(IniNode* node, std::string_view text) {
   return comment;
 }
 
-void IniTree::SetExpanded(IniNode* node, bool expanded) { node->expanded_ = expanded; }
-
-void IniTree::ExpandAll() {
+void IniTree::SetAllExpanded(bool expanded) {
   root_->expanded_ = true;
-  if (root_->children_ == nullptr) return;
-  for (IniNode* child : *root_->children_) child->expanded_ = true;
-}
-
-void IniTree::CollapseAll() {
-  root_->expanded_ = true;
-  if (root_->children_ == nullptr) return;
-  for (IniNode* child : *root_->children_) child->expanded_ = false;
+  for (int row = 0; row < root_->ChildCount(); ++row) root_->Child(row)->expanded_ = expanded;
 }
 
 IniNode* IniTree::NewNode(IniNode* parent, std::string_view text, IniTag tag) {

@@ -16,11 +16,7 @@ namespace tme {
 
 class IniSorter;
 
-/// Kind of a node; TagText gives the name it goes by.
 enum class IniTag : std::uint8_t { OpenedFile, Section, Value, Comments };
-
-/// "OPENEDFILE", "SECTION", "VALUE" or "COMMENTS".
-std::string_view TagText(IniTag tag);
 
 /// One line of the tree: the file (root), a section, an entry or a comment.
 /// Nodes belong to their IniTree and stay at one address until they are removed.
@@ -40,11 +36,6 @@ class IniNode {
   IniNode* Child(int row) const { return (*children_)[static_cast<std::size_t>(row)]; }
   /// Display state, for the window to restore after a reset.
   bool Expanded() const { return expanded_; }
-  /// "Primary" for the root, a text unique within the tree for a section, empty for entries and comments.
-  std::string Key() const;
-  /// See EntryKeyOf and EntryValueOf.
-  std::string_view EntryKey() const;
-  std::string_view EntryValue() const;
 
  private:
   friend class IniTree;
@@ -92,27 +83,26 @@ class IniTree {
   class Load;
 
   explicit IniTree(std::string_view root_text = "New INI File");
-  ~IniTree();
   IniTree(const IniTree&) = delete;
   IniTree& operator=(const IniTree&) = delete;
 
   /// Not owned; null for none.
   void SetObserver(IniTreeObserver* observer);
 
-  IniNode* Root() const;
+  IniNode* Root() const { return root_.get(); }
   /// Never null: the root when nothing else is selected.
-  IniNode* Selected() const;
+  IniNode* Selected() const { return selected_; }
   /// Null selects the root.
-  void Select(IniNode* node);
+  void Select(IniNode* node) { selected_ = node == nullptr ? root_.get() : node; }
 
   /// Whether no child of the root has exactly this text.
   bool IsUniqueSectionName(std::string_view name) const;
   /// Counts the children of the root with the tag Section.
-  std::size_t SectionCount() const;
+  std::size_t SectionCount() const { return section_count_; }
   /// Counts every node, the root included.
-  std::size_t NodeCount() const;
+  std::size_t NodeCount() const { return node_count_; }
   /// Grows with every change of content, reading and pasting included, and not with selection and expansion.
-  std::uint64_t Revision() const;
+  std::uint64_t Revision() const { return revision_; }
 
   // Edits. Texts are copied unless said otherwise.
 
@@ -128,8 +118,6 @@ class IniTree {
   /// Removes the node with its subtree, but never the root. If the selected node goes too, its next sibling is
   /// selected, else the previous one, else the parent.
   void Remove(IniNode* node);
-  /// Removes every node but the root whose text equals this one.
-  void RemoveTextEqualTo(std::string_view text);
   /// Walks all nodes from the last created to the first and removes those (sections and comments too, never the root)
   /// whose text begins with the key of the selected entry, as long as the selected node is an entry. Intended. Where
   /// the walk removes the selected node itself, any entry that is left takes the selection for as long as the walk
@@ -142,10 +130,9 @@ class IniTree {
   void Reset(std::string_view root_text);
 
   // Display state.
-  void SetExpanded(IniNode* node, bool expanded);
-  void ExpandAll();
-  /// Collapses every node but the root.
-  void CollapseAll();
+  void SetExpanded(IniNode* node, bool expanded) { node->expanded_ = expanded; }
+  /// The root is expanded either way.
+  void SetAllExpanded(bool expanded);
 
  private:
   // Building. The views must lie in texts_.
@@ -163,8 +150,7 @@ class IniTree {
   static void NumberChildren(IniNode* parent, std::size_t first_row);
 
   // Removing (IniTreeRemoval.cpp).
-  struct Neighbours;
-  static IniNode* NextSelected(const IniNode* node, Neighbours& neighbours);
+  static IniNode* NextSelected(const IniNode* node);
   void Discard(IniNode* node);
   void DiscardAll();
   /// Returns how many nodes are marked.

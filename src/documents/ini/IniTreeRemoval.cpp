@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <span>
 #include <string>
 #include <utility>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniTree.h"
 
 namespace tme {
@@ -20,24 +22,14 @@ void ForEachNode(const IniNode& root, Visit visit) {
 
 }  // namespace
 
-/// The rows around a selected node whose siblings are being removed; those between are marked. They only ever move
-/// outwards, so that following the selection through a long list stays linear.
-struct IniTree::Neighbours {
-  explicit Neighbours(const IniNode* node) : before(node->row_), after(before + 1) {}
-
-  std::size_t before;
-  std::size_t after;
-};
-
 /// Returns the next sibling that is not marked, else the previous one, else the parent.
-IniNode* IniTree::NextSelected(const IniNode* node, Neighbours& neighbours) {
-  const IniNode::Children& siblings = *node->parent_->children_;
-  std::size_t& after = neighbours.after;
-  while (after < siblings.size() && siblings[after]->removed_) ++after;
-  if (after < siblings.size()) return siblings[after];
-  std::size_t& before = neighbours.before;
-  while (before > 0 && siblings[before - 1]->removed_) --before;
-  return before > 0 ? siblings[before - 1] : node->parent_;
+IniNode* IniTree::NextSelected(const IniNode* node) {
+  const std::span siblings(*node->parent_->children_);
+  const auto is_left = [](const IniNode* sibling) { return !sibling->removed_; };
+  const auto after = siblings.subspan(node->row_ + 1), before = siblings.first(node->row_);
+  if (const auto next = std::ranges::find_if(after, is_left); next != after.end()) return *next;
+  const auto previous = std::find_if(before.rbegin(), before.rend(), is_left);
+  return previous != before.rend() ? *previous : node->parent_;
 }
 
 void IniTree::Remove(IniNode* node) {
@@ -45,10 +37,7 @@ void IniTree::Remove(IniNode* node) {
   IniNode* parent = node->parent_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
-  if (selected_ == node || selected_->parent_ == node) {
-    Neighbours neighbours(node);
-    MoveSelection(NextSelected(node, neighbours));
-  }
+  if (selected_ == node || selected_->parent_ == node) MoveSelection(NextSelected(node));
   parent->children_->erase(parent->children_->begin() + static_cast<std::ptrdiff_t>(row));
   NumberChildren(parent, row);
   Discard(node);
@@ -57,17 +46,10 @@ void IniTree::Remove(IniNode* node) {
   TellIfSelectionMoved();
 }
 
-void IniTree::RemoveTextEqualTo(std::string_view text) {
-  if (MarkTextEqualTo(text) == 0) return;
-  observer_->BeforeReset();
-  RemoveMarked();
-  EndReset();
-}
-
 void IniTree::RemoveStartingWithSelectedKey() {
   if (selected_->tag_ != IniTag::Value) return;
   observer_->BeforeReset();
-  MarkWalkingBack(selected_->EntryKey());
+  MarkWalkingBack(EntryKeyOf(selected_->Text()));
   RemoveMarked();
   EndReset();
 }
@@ -141,10 +123,7 @@ void IniTree::MarkWalkingBack(std::string_view key) {
 void IniTree::RemoveMarked() {
   IniNode* parent = selected_->parent_;
   IniNode* gone = parent != nullptr && parent->removed_ ? parent : selected_;
-  if (gone->removed_) {
-    Neighbours neighbours(gone);
-    MoveSelection(NextSelected(gone, neighbours));
-  }
+  if (gone->removed_) MoveSelection(NextSelected(gone));
   for (IniNode* child : *root_->children_) {
     if (!child->removed_) CompactChildren(child);
   }
@@ -155,8 +134,7 @@ void IniTree::RemoveMarked() {
 void IniTree::CompactChildren(IniNode* parent) {
   if (parent->children_ == nullptr) return;
   IniNode::Children& children = *parent->children_;
-  const auto is_removed = [](const IniNode* child) { return child->removed_; };
-  const auto first = std::ranges::find_if(children, is_removed);
+  const auto first = std::ranges::find_if(children, &IniNode::removed_);
   if (first == children.end()) return;
   const auto first_row = static_cast<std::size_t>(first - children.begin());
   std::erase_if(children, [this](IniNode* child) {

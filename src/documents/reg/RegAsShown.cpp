@@ -12,23 +12,16 @@ namespace tme {
 namespace {
 
 constexpr std::string_view kMarkedHeader = "REGEDIT4\r\n; every key as it was shown\r\n\r\n";
-constexpr std::string_view kDwordMark = "dword:";
-constexpr std::string_view kHexMark = "hex:";
 
 /// Passes over a line that has no place that divides name and data, and so is no value.
 void AddValue(RegDocument::Load& load, RegNode* key, std::string_view line) {
   for (std::size_t at = line.find("\"=", 1); at != std::string_view::npos; at = line.find("\"=", at + 1)) {
-    const std::string_view name = line.substr(1, at - 1);
-    std::string_view data = line.substr(at + 2);
-    RegType type = RegType::None;
-    if (data.starts_with(kDwordMark)) type = RegType::Dword;
-    if (data.starts_with(kHexMark)) type = RegType::Hex;
-    if (data.size() > 1 && data.front() == '"' && data.back() == '"') type = RegType::String;
-    if (type == RegType::None) continue;
-    data.remove_prefix(type == RegType::Dword ? kDwordMark.size() : type == RegType::Hex ? kHexMark.size() : 1);
-    if (type == RegType::String) data.remove_suffix(1);
-    load.AppendValue(key, type, name, data);
-    return;
+    const std::string_view rest = line.substr(at);
+    for (const auto& [type, name, before, after] : kRegTypes) {
+      const std::size_t marks = before.size() + after.size();
+      if (type == RegType::None || rest.size() < marks || !rest.starts_with(before) || !rest.ends_with(after)) continue;
+      return load.AppendValue(key, type, line.substr(1, at - 1), rest.substr(before.size(), rest.size() - marks));
+    }
   }
 }
 

@@ -1,5 +1,7 @@
 #include "documents/reg/RegChildren.h"
 
+#include <algorithm>
+
 #include "documents/reg/RegDocument.h"
 
 namespace tme {
@@ -13,12 +15,10 @@ constexpr std::size_t kFewChildren = 12;
 void RegChildren::Append(RegNode* node) {
   nodes_.push_back(node);
   if (rows_.Room() == 0) return;
-  if (nodes_.size() > rows_.Room()) {
+  if (nodes_.size() <= rows_.Room())
+    Enter(static_cast<std::uint32_t>(nodes_.size() - 1));
+  else
     MakeTable();
-  } else {
-    const auto row = static_cast<std::uint32_t>(nodes_.size() - 1);
-    rows_.FindOrEnter(node->Text(), row, [this](std::uint32_t other) { return nodes_[other]->Text(); });
-  }
 }
 
 void RegChildren::Erase(std::size_t row) {
@@ -28,10 +28,8 @@ void RegChildren::Erase(std::size_t row) {
 
 RegNode* RegChildren::Find(std::string_view text) {
   if (nodes_.size() <= kFewChildren) {
-    for (RegNode* node : nodes_) {
-      if (node->Text() == text) return node;
-    }
-    return nullptr;
+    const auto found = std::ranges::find(nodes_, text, &RegNode::Text);
+    return found == nodes_.end() ? nullptr : *found;
   }
   if (rows_.Room() == 0) MakeTable();
   const std::uint32_t row = rows_.Find(text, [this](std::uint32_t other) { return nodes_[other]->Text(); });
@@ -40,9 +38,11 @@ RegNode* RegChildren::Find(std::string_view text) {
 
 void RegChildren::MakeTable() {
   rows_.Reset(2 * nodes_.size());
-  for (std::uint32_t row = 0; row < nodes_.size(); ++row) {
-    rows_.FindOrEnter(nodes_[row]->Text(), row, [this](std::uint32_t other) { return nodes_[other]->Text(); });
-  }
+  for (std::uint32_t row = 0; row < nodes_.size(); ++row) Enter(row);
+}
+
+void RegChildren::Enter(std::uint32_t row) {
+  rows_.FindOrEnter(nodes_[row]->Text(), row, [this](std::uint32_t other) { return nodes_[other]->Text(); });
 }
 
 }  // namespace tme

@@ -28,6 +28,7 @@ class RegChildren {
 
  private:
   void MakeTable();
+  void Enter(std::uint32_t row);
 
   std::pmr::vector<RegNode*> nodes_;
   /// The first row of each text; no room when not in use.

@@ -16,11 +16,7 @@ static_assert(std::is_trivially_destructible_v<RegNode>, "nodes are given up by 
 
 namespace {
 
-struct SilentObserver : SilentTreeObserver<RegNode, RegDocumentObserver> {
-  void ValueAdded(std::size_t) override {}
-  void ValueChanged(std::size_t) override {}
-};
-SilentObserver silent_observer;
+RegDocumentObserver silent_observer;
 
 bool IsBelow(const RegNode* node, const RegNode* top) {
   while (node != nullptr && node != top) node = node->Parent();
@@ -29,23 +25,7 @@ bool IsBelow(const RegNode* node, const RegNode* top) {
 
 }  // namespace
 
-std::string_view TypeText(RegType type) {
-  switch (type) {
-    case RegType::None:
-      return {};
-    case RegType::String:
-      return "REG_SZ";
-    case RegType::Dword:
-      return "DWORD";
-    case RegType::Hex:
-      return "HEX";
-  }
-  return {};
-}
-
 bool IsHiveName(std::string_view text) { return std::ranges::find(HiveNames, text) != std::end(HiveNames); }
-
-std::string RegNode::Key() const { return parent_ == nullptr ? "PRIMARY" : "Key" + std::to_string(created_); }
 
 std::string RegNode::KeyPath() const {
   if (parent_ == nullptr) return {};
@@ -62,26 +42,12 @@ std::string RegNode::KeyPath() const {
 
 RegDocument::RegDocument(std::string_view title)
     : observer_(&silent_observer),
-      root_(new RegNode(nullptr, texts_.Copy(title), RegTag::File, 0)),
+      root_(new RegNode(nullptr, texts_.Copy(title), RegTag::File)),
       selected_(root_.get()) {}
-
-RegDocument::~RegDocument() = default;
 
 void RegDocument::SetObserver(RegDocumentObserver* observer) {
   observer_ = observer == nullptr ? &silent_observer : observer;
 }
-
-RegNode* RegDocument::Root() const { return root_.get(); }
-
-RegNode* RegDocument::Selected() const { return selected_; }
-
-void RegDocument::Select(RegNode* node) { selected_ = node == nullptr ? root_.get() : node; }
-
-std::size_t RegDocument::NodeCount() const { return node_count_; }
-
-std::uint64_t RegDocument::Revision() const { return revision_; }
-
-const std::vector<RegValueRecord>& RegDocument::Values() const { return values_; }
 
 RegNode* RegDocument::FindChild(const RegNode* parent, std::string_view text) const {
   return parent->children_ == nullptr ? nullptr : parent->children_->Find(text);
@@ -96,10 +62,6 @@ std::vector<std::size_t> RegDocument::ValuesOfPath(const RegNode* node) const {
   for (const RegNode* same : NodesOfPath(node->KeyPath())) CollectRecords(same, records);
   std::ranges::sort(records);
   return records;
-}
-
-bool RegDocument::KeyHasValues(const RegNode* node) const {
-  return std::ranges::any_of(runs_, [node](const Run& run) { return run.owner->Text() == node->Text(); });
 }
 
 bool RegDocument::HasValueNamed(const RegNode* node, std::string_view name) const {
@@ -177,11 +139,10 @@ void RegDocument::RemoveKey(RegNode* node) {
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
-  const auto count = [this](const RegNode&) {
+  WalkKeys(*node, [this](const RegNode&) {
     --node_count_;
     return true;
-  };
-  WalkKeys(*node, count);
+  });
   const bool selection_moves = IsBelow(selected_, node);
   siblings.Erase(row);
   for (std::size_t after = row; after < siblings.Count(); ++after) {
@@ -201,10 +162,9 @@ void RegDocument::Reset(std::string_view title) {
   nodes_.Clear();
   lists_.release();
   texts_.Clear();
-  *root_ = RegNode(nullptr, texts_.Copy(kept), RegTag::File, 0);
+  *root_ = RegNode(nullptr, texts_.Copy(kept), RegTag::File);
   selected_ = root_.get();
   node_count_ = 1;
-  next_created_ = 1;
   paths_are_unique_ = true;
   ++revision_;
   observer_->AfterReset();
@@ -215,7 +175,7 @@ RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag)
     void* memory = lists_.allocate(sizeof(RegChildren), alignof(RegChildren));
     parent->children_ = new (memory) RegChildren(&lists_);
   }
-  auto* node = new (nodes_.Take()) RegNode(parent, text, tag, next_created_++);
+  auto* node = new (nodes_.Take()) RegNode(parent, text, tag);
   node->row_ = static_cast<std::uint32_t>(parent->children_->Count());
   parent->children_->Append(node);
   ++node_count_;

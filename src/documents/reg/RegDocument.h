@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,8 +23,24 @@ enum class RegTag : std::uint8_t { File, Hive, Branch };
 /// Type of a value; None for a deleted record.
 enum class RegType : std::uint8_t { None, String, Dword, Hex };
 
-/// "REG_SZ", "DWORD", "HEX"; empty for None.
-std::string_view TypeText(RegType type);
+/// What a type of value is in texts.
+struct RegTypeTraits {
+  RegType type;
+  std::string_view name;    ///< for people
+  std::string_view before;  ///< in a line of a file, from the quote behind the value's name to the data
+  std::string_view after;   ///< behind the data
+};
+/// By RegType.
+inline constexpr std::array<RegTypeTraits, 4> kRegTypes{{
+    {RegType::None, "", "\"=", ""},
+    {RegType::String, "REG_SZ", "\"=\"", "\""},
+    {RegType::Dword, "DWORD", "\"=dword:", ""},
+    {RegType::Hex, "HEX", "\"=hex:", ""},
+}};
+/// Those whose mark ("=dword:") a reader looks for in a line, in this order. A line without one is a string.
+inline constexpr std::span kMarkedRegTypes = std::span(kRegTypes).subspan<2>();
+
+constexpr const RegTypeTraits& TraitsOf(RegType type) { return kRegTypes[static_cast<std::size_t>(type)]; }
 
 /// The hives of a registry, in the order in which they are offered. Compared with regard to letter case.
 inline constexpr std::string_view HiveNames[] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",   "HKEY_LOCAL_MACHINE",
@@ -43,8 +61,6 @@ class RegNode {
   int Row() const { return static_cast<int>(row_); }
   int ChildCount() const { return children_ == nullptr ? 0 : static_cast<int>(children_->Count()); }
   RegNode* Child(int row) const { return children_->At(static_cast<std::size_t>(row)); }
-  /// "PRIMARY" for the root, else a text unique within the document. Never shown, never written.
-  std::string Key() const;
   /// The path without the root ("HKEY_USERS\\Alpha\\Beta"); empty for the root. Costs a walk up the tree.
   std::string KeyPath() const;
 
@@ -54,10 +70,7 @@ class RegNode {
 
   static constexpr std::uint32_t kNoRun = UINT32_MAX;
 
-  RegNode(RegNode* parent, std::string_view text, RegTag tag, std::uint32_t created)
-      : parent_(parent), created_(created), tag_(tag) {
-    SetTextView(text);
-  }
+  RegNode(RegNode* parent, std::string_view text, RegTag tag) : parent_(parent), tag_(tag) { SetTextView(text); }
 
   void SetTextView(std::string_view text) {
     text_ = text.data();
@@ -72,8 +85,6 @@ class RegNode {
   RegChildren* children_ = nullptr;
   std::uint32_t size_ = 0;
   std::uint32_t row_ = 0;
-  /// Grows from node to node.
-  std::uint32_t created_;
   /// The node's records, as a chain of runs of the document.
   std::uint32_t first_run_ = kNoRun;
   std::uint32_t last_run_ = kNoRun;
@@ -95,8 +106,8 @@ struct RegValueRecord {
 class RegDocumentObserver : public TreeObserver<RegNode> {
  public:
   /// record: an index of RegDocument::Values.
-  virtual void ValueAdded(std::size_t record) = 0;
-  virtual void ValueChanged(std::size_t record) = 0;
+  virtual void ValueAdded(std::size_t /*record*/) {}
+  virtual void ValueChanged(std::size_t /*record*/) {}
 };
 
 /// The document of a registry window: the tree of keys and one table of values. Every edit is one call with a name.
@@ -107,24 +118,23 @@ class RegDocument {
   class Load;
 
   explicit RegDocument(std::string_view title = "New Registry File");
-  ~RegDocument();
   RegDocument(const RegDocument&) = delete;
   RegDocument& operator=(const RegDocument&) = delete;
 
   /// Not owned; null for none.
   void SetObserver(RegDocumentObserver* observer);
 
-  RegNode* Root() const;
+  RegNode* Root() const { return root_.get(); }
   /// Never null.
-  RegNode* Selected() const;
+  RegNode* Selected() const { return selected_; }
   /// Null selects the root.
-  void Select(RegNode* node);
+  void Select(RegNode* node) { selected_ = node == nullptr ? root_.get() : node; }
   /// Counts every node in the tree, the root included.
-  std::size_t NodeCount() const;
+  std::size_t NodeCount() const { return node_count_; }
   /// Grows with every change of content.
-  std::uint64_t Revision() const;
+  std::uint64_t Revision() const { return revision_; }
   /// The table, in order of creation.
-  const std::vector<RegValueRecord>& Values() const;
+  const std::vector<RegValueRecord>& Values() const { return values_; }
 
   /// Returns the first child with exactly this text, or null. Constant time on average.
   RegNode* FindChild(const RegNode* parent, std::string_view text) const;
@@ -132,10 +142,8 @@ class RegDocument {
   /// table order, deleted ones included. Costs the records found and the siblings along the path, never the whole
   /// table.
   std::vector<std::size_t> ValuesOfPath(const RegNode* node) const;
-  /// Whether any record's owner (removed keys and deleted records included) has this node's text. Saving goes by the
-  /// last component alone, unlike ValuesOfPath; intended.
-  bool KeyHasValues(const RegNode* node) const;
-  /// Whether a record of this name exists for the node's text, by the same rule.
+  /// Whether there is a record of this name whose owner (removed keys and deleted records included) has the node's
+  /// text. Saving goes by the last component alone, unlike ValuesOfPath; intended.
   bool HasValueNamed(const RegNode* node, std::string_view name) const;
   /// Counts the keys that a save gives values of other keys, removed ones included, because their last component is the
   /// same. Linear.
@@ -204,7 +212,6 @@ class RegDocument {
   std::vector<Run> runs_;
   std::size_t node_count_ = 1;
   std::uint64_t revision_ = 0;
-  std::uint32_t next_created_ = 1;
   /// No two nodes have had one path so far: neither equal siblings nor texts with a backslash, which only edits make.
   bool paths_are_unique_ = true;
 };

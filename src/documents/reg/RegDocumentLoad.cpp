@@ -5,17 +5,6 @@
 
 namespace tme {
 
-namespace {
-
-std::size_t CommonPrefix(std::string_view left, std::string_view right) {
-  const std::size_t size = std::min(left.size(), right.size());
-  return static_cast<std::size_t>(
-      std::mismatch(left.begin(), left.begin() + static_cast<std::ptrdiff_t>(size), right.begin()).first -
-      left.begin());
-}
-
-}  // namespace
-
 RegDocument::Load::Load(RegDocument& document, std::string&& text, std::size_t values)
     : document_(document),
       text_(document.texts_.Keep(std::move(text))),
@@ -36,7 +25,7 @@ RegDocument::Load::~Load() {
 }
 
 RegNode* RegDocument::Load::KeyOf(std::string_view path) {
-  const std::size_t common = CommonPrefix(path, path_);
+  const auto common = static_cast<std::size_t>(std::ranges::mismatch(path, path_).in1 - path.begin());
   const auto leads_to = [path, common](const Level& level) {
     return level.end <= common && (level.end == path.size() || path[level.end] == '\\');
   };

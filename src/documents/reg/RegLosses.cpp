@@ -68,7 +68,7 @@ class LossCount {
     document_.ForEachValueOf(&node, [this](const RegValueRecord& record) {
       if (record.deleted) return;
       ++losses_.values;
-      for (const std::string_view text : {record.name, TypeText(record.type), record.data}) Note(text);
+      for (const std::string_view text : {record.name, TraitsOf(record.type).name, record.data}) Note(text);
     });
   }
 

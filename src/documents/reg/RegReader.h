@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <string_view>
-
-#include "base/LineReader.h"
-#include "documents/reg/RegDocumentLoad.h"
 
 namespace tme {
+
+class RegDocument;
 
 /// Where a read stands.
 struct RegProgress {
@@ -82,41 +80,9 @@ struct RegReadResult {
   std::uint64_t cut_keys = 0;
 };
 
-/// Fills a fresh document from the text of a registry export file.
-class RegReader {
- public:
-  /// text: UTF-8, taken over by the document, and changed where lines of one value are joined. Lines may end in CR LF,
-  /// LF or CR. The cost is linear. The root is selected afterwards.
-  static RegReadResult Read(RegDocument& document, std::string text, const RegQuestions& ask);
-
- private:
-  RegReader(RegDocument& document, std::string text, const RegQuestions& ask, RegReadResult& result);
-
-  static bool MayRead(const std::string& text, const RegQuestions& ask, RegReadResult& result);
-  static bool CountLines(const std::string& text, const RegQuestions& ask, RegReadResult& result);
-
-  void Import();
-  bool NextLine(std::string_view& line);
-  bool FindFirstKey(std::string_view& line);
-  bool TakeKeyLine(std::string_view line);
-  bool TakeBareHive(std::string_view path);
-  void TakeValueLine(std::string_view line);
-  bool JoinHexLines(std::string_view& data);
-  void PassOver(std::string_view line);
-  void LogFailure(std::string_view line);
-  void EndAtUnknownHive(std::string_view hive);
-
-  const RegQuestions& ask_;
-  RegReadResult& result_;
-  RegNode* const root_;
-  /// Its text may change behind the current line.
-  RegDocument::Load load_;
-  LineReader lines_;
-  RegProgress progress_;
-  /// What the next value belongs to.
-  RegNode* current_;
-  /// The line before was part of a typed hex value that goes on.
-  bool in_typed_hex_ = false;
-};
+/// Fills a fresh document from the text of a registry export file, whose lines may end in CR LF, LF or CR. The cost is
+/// linear. The root is selected afterwards.
+/// text: UTF-8, taken over by the document, and changed where lines of one value are joined.
+RegReadResult ReadReg(RegDocument& document, std::string text, const RegQuestions& ask);
 
 }  // namespace tme

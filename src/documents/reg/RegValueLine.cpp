@@ -11,11 +11,11 @@ namespace tme {
 namespace {
 
 constexpr std::string_view kDefaultName = "[default]";
-constexpr std::string_view kDword = "=dword:";
-constexpr std::string_view kHex = "=hex:";
 constexpr std::string_view kTypedHex = "hex(";
-constexpr std::string_view kString = "=\"";
 constexpr std::string_view kDeletion = "-";
+
+/// What stands between name and data, from the "=" on.
+constexpr std::string_view MarkOf(RegType type) { return TraitsOf(type).before.substr(1); }
 
 std::string_view WithoutLast(std::string_view text) {
   text.remove_suffix(utf8::LastCharacterBytes(text));
@@ -40,11 +40,12 @@ std::string_view WithoutFirst(std::string_view text, std::size_t characters) {
 /// The type is looked for in the whole line, a double word first: it may well stand in a name or a string. Intended.
 RegType TypeOf(std::string_view line, std::size_t equals) {
   const std::string_view rest = line.substr(equals);
-  if (rest.starts_with(kDword)) return RegType::Dword;
-  const bool is_hex = rest.starts_with(kHex);
-  if (rest.find('=', 1) == std::string_view::npos) return is_hex ? RegType::Hex : RegType::String;
-  if (rest.find(kDword) != std::string_view::npos) return RegType::Dword;
-  return is_hex || rest.find(kHex) != std::string_view::npos ? RegType::Hex : RegType::String;
+  const bool is_only_equals = rest.find('=', 1) == std::string_view::npos;
+  for (const RegTypeTraits& traits : kMarkedRegTypes) {
+    const std::string_view mark = MarkOf(traits.type);
+    if (is_only_equals ? rest.starts_with(mark) : rest.find(mark) != std::string_view::npos) return traits.type;
+  }
+  return RegType::String;
 }
 
 /// equals: of the first "=". data: from there on; counted from the length of the name, so a name that lost its own
@@ -52,27 +53,17 @@ RegType TypeOf(std::string_view line, std::size_t equals) {
 bool TakeData(std::string_view line, std::size_t equals, std::size_t data, RegValueLine& value) {
   value.type = TypeOf(line, equals);
   value.data = line.substr(data);
-  switch (value.type) {
-    case RegType::Dword:
-      value.data = WithoutFirst(value.data, kDword.size() - 1);
-      break;
-    case RegType::Hex:
-      value.data = WithoutFirst(value.data, kHex.size() - 1);
-      break;
-    case RegType::None:
-    case RegType::String:
-      if (value.data.starts_with('"')) return TakeOffQuotes(value.data);
-      break;
-  }
+  if (value.type == RegType::String) return !value.data.starts_with('"') || TakeOffQuotes(value.data);
+  value.data = WithoutFirst(value.data, MarkOf(value.type).size() - 1);
   return true;
 }
 
 /// assignment: the line from behind the name's closing quote on.
 RegLineForm FormOf(std::string_view assignment, const RegValueLine& value) {
   const bool is_string = value.type == RegType::String;
-  const std::string_view mark = is_string ? kString : value.type == RegType::Dword ? kDword : kHex;
+  const std::string_view mark = MarkOf(value.type);
   std::string_view data = assignment.substr(std::min(mark.size(), assignment.size()));
-  const bool has_quotes = !is_string || (data.ends_with('"') && assignment.starts_with(kString));
+  const bool has_quotes = !is_string || (data.ends_with('"') && assignment.starts_with(mark));
   if (is_string && has_quotes) data.remove_suffix(1);
   if (has_quotes && assignment.starts_with(mark) && data == value.data) return RegLineForm::Same;
   if (!is_string || assignment.substr(1) != value.data) return RegLineForm::Other;

@@ -25,17 +25,8 @@ bool ForEachBlock(const RegDocument& document, const RegValueIndex& index, RegLa
 }  // namespace
 
 RegLine LineOf(const RegValueRecord& record) {
-  switch (record.type) {
-    case RegType::String:
-      return {"\"", record.name, "\"=\"", record.data, "\"", kRegLineEnd};
-    case RegType::Dword:
-      return {"\"", record.name, "\"=dword:", record.data, "", kRegLineEnd};
-    case RegType::Hex:
-      return {"\"", record.name, "\"=hex:", record.data, "", kRegLineEnd};
-    case RegType::None:
-      break;
-  }
-  return {"\"", record.name, "\"=", "", "", kRegLineEnd};
+  const RegTypeTraits& traits = TraitsOf(record.type);
+  return {"\"", record.name, traits.before, record.data, traits.after, kRegLineEnd};
 }
 
 bool WriteReg(const RegDocument& document, RegLayout layout, const PartSink& sink) {

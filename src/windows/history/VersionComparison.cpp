@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "documents/ini/SortedIni.h"
+#include "documents/ini/IniLine.h"
 #include "documents/reg/RegAsShown.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfWriter.h"

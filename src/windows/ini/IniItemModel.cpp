@@ -9,41 +9,22 @@ namespace tme {
 
 IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
     : TreeItemModel(tree, parent),
-      root_icon_(Icon(u"ini-file"_s)),
-      section_icon_(Icon(u"section"_s, u"section-open"_s)),
-      entry_icon_(Icon(u"entry"_s)),
-      comment_icon_(Icon(u"comment"_s)) {}
+      kinds_{{{Icon(u"ini-file"_s), tr("File")},
+              {Icon(u"section"_s, u"section-open"_s), tr("Section")},
+              {Icon(u"entry"_s), tr("Entry")},
+              {Icon(u"comment"_s), tr("Comment")}}} {}
 
 QVariant IniItemModel::data(const QModelIndex& index, int role) const {
   const IniNode* node = NodeOf(index);
   if (!node) return {};
+  const Kind& kind = kinds_[static_cast<std::size_t>(node->Tag())];
   switch (role) {
     case Qt::DisplayRole:
       return DisplayText(node->Text());
     case Qt::DecorationRole:
-      switch (node->Tag()) {
-        case IniTag::OpenedFile:
-          return root_icon_;
-        case IniTag::Section:
-          return section_icon_;
-        case IniTag::Value:
-          return entry_icon_;
-        case IniTag::Comments:
-          return comment_icon_;
-      }
-      return {};
+      return kind.icon;
     case Qt::AccessibleDescriptionRole:
-      switch (node->Tag()) {
-        case IniTag::OpenedFile:
-          return tr("File");
-        case IniTag::Section:
-          return tr("Section");
-        case IniTag::Value:
-          return tr("Entry");
-        case IniTag::Comments:
-          return tr("Comment");
-      }
-      return {};
+      return kind.name;
     default:
       return {};
   }

@@ -15,7 +15,11 @@ class IniItemModel : public TreeItemModel<IniTree, IniNode> {
   QVariant data(const QModelIndex& index, int role) const override;
 
  private:
-  QIcon root_icon_, section_icon_, entry_icon_, comment_icon_;
+  struct Kind {
+    QIcon icon;
+    QString name;
+  };
+  const std::array<Kind, 4> kinds_;  ///< by IniTag
 };
 
 }  // namespace tme

@@ -222,7 +222,7 @@ IniReadResult form_INI::Read(std::string text) {
                   "like to overwrite the existing section with the clipboard data?"),
                MsgButtons::YesNo, MsgIcon::Question, tr("Duplicate Section")) == MsgAnswer::Yes;
   }};
-  const IniReadResult result = IniReader::Read(tree_, std::move(text), ask);
+  const IniReadResult result = ReadIni(tree_, std::move(text), ask);
   RestoreView();
   return result;
 }
@@ -269,7 +269,7 @@ void form_INI::PutContent(std::string bytes) {
   file_.SetFormat(decoded.format);
   is_8bit_ = Is8Bit(decoded.format, decoded.text);
   tree_.Reset(file_.Title().toStdString());
-  IniReader::ReadEveryLine(tree_, decoded.text);
+  ReadEveryIniLine(tree_, decoded.text);
   RestoreView();
   SetChanged(true);
 }

@@ -84,9 +84,9 @@ void form_INI::cmd_Edit_Click() {
     case IniTag::Value:
       return EditEntry(node);
     case IniTag::Section:
-      return RenameSection(node);
+      return EditText(node, tr("New name for this section"), tr("Section Name Change"));
     case IniTag::Comments:
-      return EditComment(node);
+      return EditText(node, tr("Alter the comment:"), tr("Comments"));
     case IniTag::OpenedFile:
       return;
   }
@@ -95,7 +95,7 @@ void form_INI::cmd_Edit_Click() {
 void form_INI::EditEntry(IniNode* node) {
   form_ADE dialog(this, tr("Edit %1 Section").arg(DisplayText(node->Parent()->Text(), kMaxCharactersInMessage)),
                   form_ADE::DeleteButton::Shown);
-  const QString old_key = TextOf(node->EntryKey()), old_value = TextOf(node->EntryValue());
+  const QString old_key = TextOf(EntryKeyOf(node->Text())), old_value = TextOf(EntryValueOf(node->Text()));
   dialog.SetEntry(old_key, old_value);
   dialog.exec();
   const QString value = dialog.Value();
@@ -116,7 +116,7 @@ void form_INI::EditEntry(IniNode* node) {
     return now == before ? std::string(old) : now.toStdString();
   };
   const std::string text =
-      bytes(new_key, old_key, node->EntryKey()) + '=' + bytes(new_value, old_value, node->EntryValue());
+      bytes(new_key, old_key, EntryKeyOf(node->Text())) + '=' + bytes(new_value, old_value, EntryValueOf(node->Text()));
   if (TagOfKey(new_key) == IniTag::Comments)
     tree_.ReplaceWithComment(node, text);
   else
@@ -125,17 +125,9 @@ void form_INI::EditEntry(IniNode* node) {
   ShowSelection();
 }
 
-void form_INI::RenameSection(IniNode* node) {
-  const QString old_name = TextOf(node->Text());
-  const QString name = global_.dialogs.InputBox(tr("New name for this section"), tr("Section Name Change"), old_name);
-  if (name.isEmpty() || name == old_name) return;
-  tree_.SetText(node, name.toStdString());
-  SetChanged(true);
-}
-
-void form_INI::EditComment(IniNode* node) {
+void form_INI::EditText(IniNode* node, const QString& prompt, const QString& title) {
   const QString old_text = TextOf(node->Text());
-  const QString text = global_.dialogs.InputBox(tr("Alter the comment:"), tr("Comments"), old_text);
+  const QString text = global_.dialogs.InputBox(prompt, title, old_text);
   if (text.isEmpty() || text == old_text) return;
   tree_.SetText(node, text.toStdString());
   SetChanged(true);
@@ -186,7 +178,7 @@ void form_INI::DeleteAllNodes() {
 
 void form_INI::ExpandAll() {
   const WaitCursor wait_cursor;
-  tree_.ExpandAll();
+  tree_.SetAllExpanded(true);
   TV->expandAll();
 }
 
@@ -194,7 +186,7 @@ void form_INI::CollapseAll() {
   // What is selected stays in sight.
   if (const IniNode* selected = tree_.Selected(); selected->Parent() && selected->Parent() != tree_.Root())
     tree_.Select(selected->Parent());
-  tree_.CollapseAll();
+  tree_.SetAllExpanded(false);
   TV->collapseAll();
   TV->expand(model_->IndexOf(tree_.Root()));
   ShowSelection();

@@ -14,17 +14,12 @@ namespace {
 
 QString Tr(const char* text) { return QCoreApplication::translate("RegNotice", text); }
 
-/// Counts as the items of a list.
-class Items {
- public:
+/// Counts as the items of a list or as sentences.
+struct Items : QStringList {
   void Add(std::uint64_t count, const QString& one, const QString& many = {}) {
-    if (count > 0) items_ += Counted(count, one, many);
+    if (count > 0) append(Counted(count, one, many));
   }
-  bool IsEmpty() const { return items_.isEmpty(); }
-  QString Text() const { return items_.join(u", "_s); }
-
- private:
-  QStringList items_;
+  QString Text() const { return join(u", "_s); }
 };
 
 void AddNotTaken(Items& items, const RegReadResult& result) {
@@ -32,12 +27,10 @@ void AddNotTaken(Items& items, const RegReadResult& result) {
   items.Add(result.comment_lines, Tr("1 comment"), Tr("%1 comments"));
   items.Add(result.typed_hex_lines, Tr("1 further line of a typed hex value"),
             Tr("%1 further lines of typed hex values"));
-  if (result.ended_at_deletion)
-    items.Add(result.after_unknown_hive, Tr("1 line from the deletion of a key on"),
-              Tr("%1 lines from the deletion of a key on"));
-  else
-    items.Add(result.after_unknown_hive, Tr("1 line from a key of no known hive on"),
-              Tr("%1 lines from a key of no known hive on"));
+  const bool is_deletion = result.ended_at_deletion;
+  items.Add(result.after_unknown_hive,
+            is_deletion ? Tr("1 line from the deletion of a key on") : Tr("1 line from a key of no known hive on"),
+            is_deletion ? Tr("%1 lines from the deletion of a key on") : Tr("%1 lines from a key of no known hive on"));
   items.Add(result.unfinished_last_line, Tr("the last line, which needs an empty one after it"));
   items.Add(result.other_lines, Tr("1 line that is no value"), Tr("%1 lines that are no values"));
 }
@@ -68,9 +61,9 @@ QString NoticeOf(const RegReadResult& result) {
   }
   Items not_taken, otherwise;
   AddNotTaken(not_taken, result);
-  if (!not_taken.IsEmpty()) sentences += Tr("Not taken: ") + not_taken.Text() + u'.';
+  if (!not_taken.isEmpty()) sentences += Tr("Not taken: ") + not_taken.Text() + u'.';
   if (result.end != RegReadEnd::LargeFileRefused) AddOtherwise(otherwise, result);
-  if (!otherwise.IsEmpty()) sentences += Tr("Saved otherwise: ") + otherwise.Text() + u'.';
+  if (!otherwise.isEmpty()) sentences += Tr("Saved otherwise: ") + otherwise.Text() + u'.';
   return sentences.join(u' ');
 }
 
@@ -92,20 +85,15 @@ QString NoticeOf(const RegLosses& losses, RegNoticeTime time) {
            Tr("%1 keys that have the name of the tree's root"));
   lost.Add(losses.values, Tr("1 value that stands directly under the file, a hive or such a key"),
            Tr("%1 values that stand directly under the file, a hive or such a key"));
-  QStringList sentences;
-  if (!lost.IsEmpty())
+  Items sentences;
+  if (!lost.isEmpty())
     sentences += (is_saved ? Tr("Not written: ") : Tr("A save does not write: ")) + lost.Text() + u'.';
-  if (losses.deleted_values > 0)
-    sentences += Counted(losses.deleted_values, Tr("1 deleted value is written as a line without a name (\"\"=)."),
-                         Tr("%1 deleted values are written as lines without a name (\"\"=)."));
-  if (losses.shared_keys > 0)
-    sentences +=
-        Counted(losses.shared_keys,
+  sentences.Add(losses.deleted_values, Tr("1 deleted value is written as a line without a name (\"\"=)."),
+                Tr("%1 deleted values are written as lines without a name (\"\"=)."));
+  sentences.Add(losses.shared_keys,
                 Tr("1 key shares a name with another key: saving writes the values of all of them under each."),
                 Tr("%1 keys share a name with another key: saving writes the values of all of them under each."));
-  if (losses.unknown_hives > 0)
-    sentences +=
-        Counted(losses.unknown_hives, Tr("1 hive has an unknown name: opened again, the file ends at its keys."),
+  sentences.Add(losses.unknown_hives, Tr("1 hive has an unknown name: opened again, the file ends at its keys."),
                 Tr("%1 hives have unknown names: opened again, the file ends at their keys."));
   return sentences.join(u' ');
 }

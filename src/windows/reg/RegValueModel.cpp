@@ -12,9 +12,7 @@ namespace tme {
 RegValueModel::RegValueModel(const RegDocument& document, QObject* parent)
     : QAbstractTableModel(parent),
       document_(document),
-      string_icon_(Icon(u"value-string"_s)),
-      dword_icon_(Icon(u"value-dword"_s)),
-      hex_icon_(Icon(u"value-hex"_s)) {}
+      icons_{QIcon(), Icon(u"value-string"_s), Icon(u"value-dword"_s), Icon(u"value-hex"_s)} {}
 
 void RegValueModel::ShowKey(const RegNode* node) {
   beginResetModel();
@@ -52,23 +50,15 @@ QVariant RegValueModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const RegValueRecord& record = document_.Values()[RecordOf(index)];
   if (role == Qt::DecorationRole && index.column() == Name) {
-    switch (record.type) {
-      case RegType::String:
-        return string_icon_;
-      case RegType::Dword:
-        return dword_icon_;
-      case RegType::Hex:
-        return hex_icon_;
-      case RegType::None:
-        return {};
-    }
+    const QIcon& icon = icons_[static_cast<std::size_t>(record.type)];
+    return icon.isNull() ? QVariant() : icon;
   }
   if (role != Qt::DisplayRole) return {};
   switch (index.column()) {
     case Name:
       return DisplayText(record.name);
     case Type:
-      return DisplayText(TypeText(record.type));
+      return DisplayText(TraitsOf(record.type).name);
     case Data:
       return DisplayText(record.data);
     default:

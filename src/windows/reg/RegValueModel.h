@@ -34,7 +34,7 @@ class RegValueModel : public QAbstractTableModel {
  private:
   const RegDocument& document_;
   std::vector<std::size_t> records_;
-  QIcon string_icon_, dword_icon_, hex_icon_;
+  const std::array<QIcon, kRegTypes.size()> icons_;  ///< by RegType
 };
 
 }  // namespace tme

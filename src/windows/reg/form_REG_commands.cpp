@@ -76,9 +76,9 @@ void form_REG::EditModify() {
   if (FocusMarker != Focus::LV || SelectedRow() < 0) return;
   const std::size_t index = values_->RecordOf(LV->currentIndex());
   const RegValueRecord& record = document_.Values()[index];
-  form_REGEdit dialog(this, record.type == RegType::Hex     ? tr("Edit Binary Value")
-                            : record.type == RegType::Dword ? tr("Edit DWORD Value")
-                                                            : tr("Edit String Value"));
+  const std::array<QString, kRegTypes.size()> captions{tr("Edit String Value"), tr("Edit String Value"),
+                                                       tr("Edit DWORD Value"), tr("Edit Binary Value")};
+  form_REGEdit dialog(this, captions[static_cast<std::size_t>(record.type)]);
   if (record.type == RegType::Hex) dialog.SetDataFont(u"COURIER"_s);
   const QString before = TextOf(record.data);
   dialog.SetValue(TextOf(record.name), before);

@@ -92,7 +92,7 @@ RegReadResult form_REG::Read(std::string text) {
   questions.progress = [this](const RegProgress& progress) { ShowProgress(progress); };
   TV->hide();
   since_progress_.start();
-  return RegReader::Read(document_, std::move(text), questions);
+  return ReadReg(document_, std::move(text), questions);
 }
 
 void form_REG::ShowProgress(const RegProgress& progress) {
@@ -144,7 +144,7 @@ void form_REG::PutContent(std::string bytes) {
   document_.Reset(file_.Title().toStdString());
   if (!ReadRegAsShown(document_, decoded.text)) {
     const RegQuestions take_all{.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}};
-    AddNotice(NoticeOf(RegReader::Read(document_, std::move(decoded.text), take_all)));
+    AddNotice(NoticeOf(ReadReg(document_, std::move(decoded.text), take_all)));
   }
   EndProgress();
   TV->show();

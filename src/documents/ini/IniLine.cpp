@@ -1,10 +1,9 @@
-#include "documents/ini/SortedIni.h"
+#include "documents/ini/IniLine.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "base/LineReader.h"
-#include "documents/ini/IniLine.h"
 
 namespace tme {
 
