@@ -6,7 +6,7 @@
 
 #include "FailingSteps.h"
 #include "WriteFile.h"
-#include "files/PrivateFile.h"
+#include "files/FileBytes.h"
 
 namespace tme {
 namespace {

@@ -1,8 +1,7 @@
 #include "files/FileBytes.h"
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
+#include <exception>
 
 #include "files/FileSteps.h"
 #include "files/SystemFile.h"
@@ -61,6 +60,11 @@ std::optional<FileFailure> PutInPlace(TemporaryFile& temporary, const system_fil
   return failure;
 }
 
+std::optional<FileFailure> WriteWhole(const fs::path& path, std::string_view bytes, FileSteps& steps) {
+  const auto produce = [bytes](const PartSink& put) { return put(bytes); };
+  return WriteFileParts(path, produce, steps);
+}
+
 }  // namespace
 
 std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& bytes) {
@@ -71,9 +75,7 @@ std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& byte
   auto error = std::make_error_code(std::errc::file_too_large);
   try {
     if (size <= kMaxFileBytes) error = ReadToEnd(handle, static_cast<std::size_t>(size), bytes);
-  } catch (const std::bad_alloc&) {
-    error = std::make_error_code(std::errc::not_enough_memory);
-  } catch (const std::length_error&) {
+  } catch (const std::exception&) {  // bad_alloc, length_error
     error = std::make_error_code(std::errc::not_enough_memory);
   }
   system_file::CloseReading(handle);
@@ -124,8 +126,13 @@ std::optional<FileFailure> WriteFileParts(const fs::path& path, const PartProduc
 
 std::optional<FileFailure> WriteFileBytes(const fs::path& path, std::string_view bytes) {
   FileSteps steps;
-  return WriteFileParts(
-      path, [bytes](const PartSink& put) { return put(bytes); }, steps);
+  return WriteWhole(path, bytes, steps);
+}
+
+std::optional<FileFailure> WritePrivateFile(const fs::path& path, std::string_view bytes) {
+  PrivateFileSteps steps;
+  MakePrivate(path);
+  return WriteWhole(path, bytes, steps);
 }
 
 }  // namespace tme

@@ -33,4 +33,10 @@ std::optional<FileFailure> WriteFileInPlace(const std::filesystem::path& path, s
                                             std::string_view old_bytes, FileSteps& steps);
 std::optional<FileFailure> WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
 
+/// As WriteFileBytes, for a file of the program's own.
+std::optional<FileFailure> WritePrivateFile(const std::filesystem::path& path, std::string_view bytes);
+/// Takes away what others may do with a file or folder of the program's own. It does nothing on Windows, whose folders
+/// for the user hand down that nobody else may. A failure changes nothing.
+void MakePrivate(const std::filesystem::path& path);
+
 }  // namespace tme

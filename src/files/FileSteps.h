@@ -33,4 +33,12 @@ class FileSteps {
   virtual void Remove(const std::filesystem::path& path);
 };
 
+/// The steps for files that only the user may read, whatever the system gives to new ones.
+class PrivateFileSteps : public FileSteps {
+ public:
+  std::error_code OpenTemporary(const std::filesystem::path& path, unsigned /*mode*/, FileHandle& handle) override {
+    return FileSteps::OpenTemporary(path, 0600, handle);
+  }
+};
+
 }  // namespace tme

@@ -10,8 +10,9 @@
 #include <string>
 #include <utility>
 
+#include "files/FileBytes.h"
+#include "files/FileStamp.h"
 #include "files/NativeFile_linux.h"
-#include "files/PrivateFile.h"
 #include "files/SystemFile.h"
 
 namespace tme {
@@ -114,6 +115,21 @@ void MakePrivate(const fs::path& path) {
 }
 
 FileFailure FailureOf(const std::error_code& error) { return FileFailure{error.message()}; }
+
+std::optional<FileStamp> StampOf(const fs::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size),
+                   status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec,
+                   static_cast<std::uint64_t>(status.st_ino)};
+}
+
+bool IsAbsent(const fs::path& path) {
+  struct stat status {};
+  const std::error_code error = native::ResultOf(::stat(path.c_str(), &status));
+  return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+}
 
 namespace system_file {
 

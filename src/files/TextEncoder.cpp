@@ -1,13 +1,39 @@
 #include "files/TextEncoder.h"
 
-#include <array>
 #include <utility>
 
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 #include "files/CodePage.h"
-#include "files/Utf16Bytes.h"
 
 namespace tme {
+namespace {
+
+/// Gives the mark, then the text. Three bytes of a lone surrogate are taken. Returns null when the text is not UTF-8.
+std::optional<std::string> EncodeUtf16(std::string_view text, std::endian order, std::string_view mark) {
+  std::string bytes(mark.size() + 2 * text.size(), '\0');  // no character takes more than twice its bytes
+  std::size_t used = mark.copy(bytes.data(), mark.size());
+  const auto put = [&bytes, &used, little = order == std::endian::little](char32_t unit) {
+    const auto low = static_cast<char>(unit & 0xFF);
+    const auto high = static_cast<char>(unit >> 8);
+    bytes[used++] = little ? low : high;
+    bytes[used++] = little ? high : low;
+  };
+  while (!text.empty()) {
+    const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept);
+    if (!character) return std::nullopt;
+    if (*character < utf16::kFirstSupplementary) {
+      put(*character);
+    } else {
+      put(utf16::HighSurrogateOf(*character));
+      put(utf16::LowSurrogateOf(*character));
+    }
+  }
+  bytes.resize(used);
+  return bytes;
+}
+
+}  // namespace
 
 std::optional<std::string> TextEncoder::Encode(std::string_view part) {
   const bool is_first = std::exchange(at_start_, false);

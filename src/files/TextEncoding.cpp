@@ -1,14 +1,49 @@
 #include "files/TextEncoding.h"
 
+#include <array>
 #include <utility>
 
+#include "base/Utf16.h"
 #include "base/Utf8.h"
 #include "files/CodePage.h"
 #include "files/EncodingEvidence.h"
 #include "files/TextEncoder.h"
-#include "files/Utf16Bytes.h"
 
 namespace tme {
+namespace {
+
+/// Gives UTF-8 for UTF-16 bytes without a mark. Lone surrogates become three bytes each; an odd byte at the end is left
+/// out.
+std::string DecodeUtf16(std::string_view bytes, std::endian order) {
+  const std::size_t low_byte = order == std::endian::little ? 0 : 1;
+  const auto unit_at = [bytes, low_byte](std::size_t at) {
+    const auto low = static_cast<unsigned char>(bytes[at + low_byte]);
+    const auto high = static_cast<unsigned char>(bytes[at + 1 - low_byte]);
+    return static_cast<char32_t>(low) | static_cast<char32_t>(high) << 8;
+  };
+
+  std::string text;
+  text.reserve(bytes.size() / 2);
+  std::array<char, 4096> buffer;
+  std::size_t used = 0;
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    char32_t character = unit_at(at);
+    if (utf16::IsHighSurrogate(character) && at + 3 < bytes.size()) {
+      if (const char32_t next = unit_at(at + 2); utf16::IsLowSurrogate(next)) {
+        character = utf16::Join(character, next);
+        at += 2;
+      }
+    }
+    if (used + utf8::kMaxCharacterBytes > buffer.size()) {
+      text.append(buffer.data(), used);
+      used = 0;
+    }
+    used += utf8::PutCharacter(character, buffer.data() + used);
+  }
+  return text.append(buffer.data(), used);
+}
+
+}  // namespace
 
 std::string_view EncodingName(TextEncoding encoding) { return TraitsOf(encoding).name; }
 

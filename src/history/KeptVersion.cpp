@@ -1,26 +1,15 @@
 #include "history/KeptVersion.h"
 
 #include <QCoreApplication>
+#include <array>
 
 namespace tme {
 
 QString ReasonText(KeptReason reason) {
-  const char* text = "";
-  switch (reason) {
-    case KeptReason::BeforeSave:
-      text = QT_TRANSLATE_NOOP("KeptReason", "Before a save");
-      break;
-    case KeptReason::NotSaved:
-      text = QT_TRANSLATE_NOOP("KeptReason", "Closed without saving");
-      break;
-    case KeptReason::BeforeRestore:
-      text = QT_TRANSLATE_NOOP("KeptReason", "Before a restore");
-      break;
-    case KeptReason::Rescued:
-      text = QT_TRANSLATE_NOOP("KeptReason", "Rescued after a crash");
-      break;
-  }
-  return QCoreApplication::translate("KeptReason", text);
+  constexpr std::array kTexts{
+      QT_TRANSLATE_NOOP("KeptReason", "Before a save"), QT_TRANSLATE_NOOP("KeptReason", "Closed without saving"),
+      QT_TRANSLATE_NOOP("KeptReason", "Before a restore"), QT_TRANSLATE_NOOP("KeptReason", "Rescued after a crash")};
+  return QCoreApplication::translate("KeptReason", kTexts[static_cast<std::size_t>(reason)]);
 }
 
 bool SameOrigin(const ContentOrigin& a, const ContentOrigin& b) {

@@ -5,7 +5,6 @@
 #include <QFileInfo>
 
 #include "files/FileBytes.h"
-#include "files/PrivateFile.h"
 #include "system/FilePath.h"
 
 using namespace Qt::StringLiterals;

@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
-#include "files/PrivateFile.h"
+#include "files/FileBytes.h"
 #include "system/FilePath.h"
 
 namespace tme {

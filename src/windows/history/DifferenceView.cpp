@@ -76,9 +76,7 @@ class Rows {
   std::size_t SideOf(std::size_t line) const { return lines_[line].change == LineChange::Removed ? 0 : 1; }
 
   static std::size_t CommonStart(std::string_view a, std::string_view b) {
-    const std::size_t shorter = std::min(a.size(), b.size());
-    return static_cast<std::size_t>(
-        std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(shorter), b.begin()).first - a.begin());
+    return static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());
   }
 
   void AddRow(const DiffLine& line, std::size_t differs_at) {
@@ -168,9 +166,7 @@ int DifferenceView::CaretRow() const {
 }
 
 int DifferenceView::CurrentDifference() const {
-  const auto behind =
-      std::upper_bound(differences_.begin(), differences_.end(), CaretRow(),
-                       [](int row, const Difference& difference) { return row < difference.first_row; });
+  const auto behind = std::ranges::upper_bound(differences_, CaretRow(), {}, &Difference::first_row);
   return static_cast<int>(behind - differences_.begin());
 }
 
@@ -186,8 +182,7 @@ void DifferenceView::GoToNext() {
 
 void DifferenceView::GoToPrevious() {
   if (!HasPrevious()) return;
-  const auto at = std::lower_bound(differences_.begin(), differences_.end(), CaretRow(),
-                                   [](const Difference& difference, int row) { return difference.first_row < row; });
+  const auto at = std::ranges::lower_bound(differences_, CaretRow(), {}, &Difference::first_row);
   GoTo(*std::prev(at));
 }
 

@@ -42,8 +42,7 @@ std::string ReadableText(DocumentKind kind, std::string content) {
 void CompareTexts(VersionComparison& result) {
   result.lines = DiffLines(result.now_text, result.text);
   const auto count = [&](LineChange change) {
-    return static_cast<std::uint64_t>(std::count_if(result.lines.begin(), result.lines.end(),
-                                                    [change](const DiffLine& line) { return line.change == change; }));
+    return static_cast<std::uint64_t>(std::ranges::count(result.lines, change, &DiffLine::change));
   };
   result.only_here = count(LineChange::Added);
   result.only_now = count(LineChange::Removed);

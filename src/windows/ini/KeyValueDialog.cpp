@@ -70,4 +70,27 @@ bool KeyValueDialog::eventFilter(QObject* watched, QEvent* event) {
   return QDialog::eventFilter(watched, event);
 }
 
+form_ADE::form_ADE(QWidget* parent, const QString& caption, DeleteButton delete_button) : KeyValueDialog(parent) {
+  setObjectName(u"form_ADE"_s);
+  setWindowTitle(caption);
+  AddButton("cmd_Exit", tr("OK"), {});
+  SetCancelButton(AddButton("cmd_Cancel", tr("Cancel"), [this] { txt_value->setText(kCancelled); }));
+  QPushButton* cmd_Delete = AddButton("cmd_Delete", tr("&Delete"), [this] { txt_value->setText(kDelete); });
+  cmd_Delete->setVisible(delete_button == DeleteButton::Shown);
+}
+
+void form_ADE::SetEntry(const QString& key, const QString& value) {
+  txt_Key->setText(key);
+  txt_value->setText(value);
+  txt_value->setFocus();
+  txt_value->selectAll();
+}
+
+form_INIAddValue::form_INIAddValue(QWidget* parent) : KeyValueDialog(parent) {
+  setObjectName(u"form_INIAddValue"_s);
+  setWindowTitle(tr("Add Key to All Sections"));
+  AddButton("cmd_Add", tr("&Add"), {});
+  SetCancelButton(AddButton("cmd_Cancel", tr("Cancel"), [this] { txt_Key->clear(); }));
+}
+
 }  // namespace tme

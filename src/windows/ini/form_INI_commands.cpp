@@ -12,9 +12,8 @@
 #include "system/Dialogs.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
-#include "windows/ini/form_ADE.h"
+#include "windows/ini/KeyValueDialog.h"
 #include "windows/ini/form_INI.h"
-#include "windows/ini/form_INIAddValue.h"
 
 using namespace Qt::StringLiterals;
 

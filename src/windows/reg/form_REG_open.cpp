@@ -5,7 +5,7 @@
 
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
-#include "files/PrivateFile.h"
+#include "files/FileSteps.h"
 #include "files/TextFile.h"
 #include "shell/Global.h"
 #include "shell/WaitCursor.h"

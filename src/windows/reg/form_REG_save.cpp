@@ -10,7 +10,7 @@
 #include "documents/reg/RegLosses.h"
 #include "documents/reg/RegWriter.h"
 #include "files/FileBytes.h"
-#include "files/PrivateFile.h"
+#include "files/FileSteps.h"
 #include "files/TextFile.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
