@@ -1,3 +1,4 @@
+// What files need of this system: FileSteps.h, FileStamp.h, SystemFile.h.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -5,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
 #include <map>
 #include <string>
@@ -12,17 +14,20 @@
 
 #include "files/FileBytes.h"
 #include "files/FileStamp.h"
-#include "files/NativeFile_linux.h"
+#include "files/FileSteps.h"
 #include "files/SystemFile.h"
 
 namespace tme {
 namespace {
 
 namespace fs = std::filesystem;
-using native::Descriptor;
-using native::Error;
-using native::LastError;
-using native::ResultOf;
+
+std::error_code Error(int number) { return {number, std::generic_category()}; }
+/// Of the call that failed just now.
+std::error_code LastError() { return Error(errno); }
+/// Of a call that returns 0 when all is well.
+std::error_code ResultOf(int result) { return result == 0 ? std::error_code() : LastError(); }
+int Descriptor(FileHandle handle) { return static_cast<int>(handle); }
 
 /// As many as the system follows itself.
 constexpr int kMaxLinks = 40;
@@ -127,9 +132,62 @@ std::optional<FileStamp> StampOf(const fs::path& path) {
 
 bool IsAbsent(const fs::path& path) {
   struct stat status {};
-  const std::error_code error = native::ResultOf(::stat(path.c_str(), &status));
+  const std::error_code error = ResultOf(::stat(path.c_str(), &status));
   return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
 }
+
+std::error_code FileSteps::OpenTemporary(const fs::path& path, unsigned mode, FileHandle& handle) {
+  handle = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+  if (handle == kNoFile) return LastError();
+  // The lock tells RemoveIfLeft of another process that somebody writes the file. Where there are no locks, none is
+  // ever removed.
+  ::flock(Descriptor(handle), LOCK_EX | LOCK_NB);
+  return {};
+}
+
+std::error_code FileSteps::OpenExisting(const fs::path& path, FileHandle& handle) {
+  handle = ::open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+  return handle != kNoFile ? std::error_code() : LastError();
+}
+
+std::error_code FileSteps::Truncate(FileHandle handle, std::size_t size) {
+  return ResultOf(::ftruncate(Descriptor(handle), static_cast<off_t>(size)));
+}
+
+std::error_code FileSteps::Write(FileHandle handle, const char* data, std::size_t size, std::size_t& written) {
+  const ssize_t count = ::write(Descriptor(handle), data, size);
+  written = count > 0 ? static_cast<std::size_t>(count) : 0;
+  return count >= 0 ? std::error_code() : LastError();
+}
+
+std::error_code FileSteps::Flush(FileHandle handle) {
+  std::error_code error;
+  do {
+    error = ResultOf(::fsync(Descriptor(handle)));
+  } while (error == std::errc::interrupted);
+  if (error == std::errc::invalid_argument) return {};  // a file system that cannot flush
+  return error;
+}
+
+std::error_code FileSteps::Close(FileHandle handle) {
+  const std::error_code error = ResultOf(::close(Descriptor(handle)));
+  // After an interruption the handle is closed all the same on this system.
+  return error == std::errc::interrupted ? std::error_code() : error;
+}
+
+std::error_code FileSteps::Replace(const fs::path& from, const fs::path& to) {
+  return ResultOf(::rename(from.c_str(), to.c_str()));
+}
+
+std::error_code FileSteps::FlushFolder(const fs::path& folder) {
+  const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (handle < 0) return LastError();
+  const std::error_code error = ResultOf(::fsync(handle));
+  ::close(handle);
+  return error;
+}
+
+void FileSteps::Remove(const fs::path& path) { ::unlink(path.c_str()); }
 
 namespace system_file {
 

@@ -15,8 +15,6 @@ enum class KeptReason : std::uint8_t {
   BeforeRestore,  ///< what stood there before an older version was put back
   Rescued,        ///< unsaved content that a crash left and that no window had room for
 };
-/// For people: "Before a save".
-QString ReasonText(KeptReason reason);
 
 /// What a content belongs to.
 struct ContentOrigin {
@@ -26,9 +24,13 @@ struct ContentOrigin {
 };
 
 /// Two contents of equal origin are versions of one thing.
-bool SameOrigin(const ContentOrigin& a, const ContentOrigin& b);
+inline bool SameOrigin(const ContentOrigin& a, const ContentOrigin& b) {
+  return a.kind == b.kind && a.path == b.path && (!a.path.isEmpty() || a.title == b.title);
+}
 /// Path of the file, or a text that is no path and holds the title; kinds that share a path share it.
-QString OriginKey(const ContentOrigin& origin);
+inline QString OriginKey(const ContentOrigin& origin) {
+  return origin.path.isEmpty() ? u'\n' + origin.title : origin.path;  // no path begins with a line break
+}
 
 /// A content of the store and what names it: a version, or a recovery snapshot of an open document (whose reason says
 /// nothing).

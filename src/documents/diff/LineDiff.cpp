@@ -1,6 +1,7 @@
 #include "documents/diff/LineDiff.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 #include "base/LineReader.h"
@@ -20,12 +21,8 @@ TextLines Split(std::string_view text) {
 /// The furthest place on each diagonal, one generation for each number of changes.
 class EditGraph {
  public:
-  EditGraph(const std::string_view* before, std::size_t before_count, const std::string_view* after,
-            std::size_t after_count)
-      : before_(before),
-        after_(after),
-        rows_(static_cast<std::ptrdiff_t>(before_count)),
-        columns_(static_cast<std::ptrdiff_t>(after_count)) {}
+  EditGraph(std::span<const std::string_view> before, std::span<const std::string_view> after)
+      : before_(before.data()), after_(after.data()), rows_(std::ssize(before)), columns_(std::ssize(after)) {}
 
   /// Returns false when more than `limit` changes are needed.
   bool Solve(std::ptrdiff_t limit) {
@@ -127,7 +124,8 @@ class Comparison {
       --range.before_end, --range.after_end;
     Add(LineChange::Same, before_, begin, range.before_begin);
     const std::size_t rows = range.before_end - range.before_begin, columns = range.after_end - range.after_begin;
-    EditGraph graph(before_.data() + range.before_begin, rows, after_.data() + range.after_begin, columns);
+    EditGraph graph(std::span(before_).subspan(range.before_begin, rows),
+                    std::span(after_).subspan(range.after_begin, columns));
     if (graph.Solve(static_cast<std::ptrdiff_t>(std::min(max_changes, rows + columns))))
       graph.Walk(result_);
     else

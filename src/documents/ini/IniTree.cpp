@@ -38,6 +38,8 @@ IniTree::IniTree(std::string_view root_text)
       root_(new IniNode(nullptr, texts_.Copy(root_text), IniTag::OpenedFile, 0)),
       selected_(root_.get()) {}
 
+IniTree::~IniTree() = default;
+
 void IniTree::SetObserver(IniTreeObserver* observer) { observer_ = observer == nullptr ? &silent_observer : observer; }
 
 bool IniTree::IsUniqueSectionName(std::string_view name) const {
@@ -109,10 +111,7 @@ IniNode::Children& IniTree::ChildrenOf(IniNode* parent) {
 }
 
 IniNode* IniTree::Append(IniNode* parent, std::string_view text, IniTag tag) {
-  IniNode* node = NewNode(parent, text, tag);
-  IniNode::Children& children = ChildrenOf(parent);
-  node->row_ = static_cast<std::uint32_t>(children.size());
-  children.push_back(node);
+  IniNode* node = InsertAt(parent, static_cast<std::size_t>(parent->ChildCount()), text, tag);
   parent->children_sorted_ = false;
   return node;
 }

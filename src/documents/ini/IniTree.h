@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -83,6 +82,7 @@ class IniTree {
   class Load;
 
   explicit IniTree(std::string_view root_text = "New INI File");
+  ~IniTree();
   IniTree(const IniTree&) = delete;
   IniTree& operator=(const IniTree&) = delete;
 

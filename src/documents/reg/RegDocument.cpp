@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <type_traits>
-#include <utility>
 
 #include "documents/reg/RegKeyWalk.h"
 #include "documents/reg/RegValueIndex.h"
@@ -44,6 +43,8 @@ RegDocument::RegDocument(std::string_view title)
     : observer_(&silent_observer),
       root_(new RegNode(nullptr, texts_.Copy(title), RegTag::File)),
       selected_(root_.get()) {}
+
+RegDocument::~RegDocument() = default;
 
 void RegDocument::SetObserver(RegDocumentObserver* observer) {
   observer_ = observer == nullptr ? &silent_observer : observer;

@@ -118,6 +118,7 @@ class RegDocument {
   class Load;
 
   explicit RegDocument(std::string_view title = "New Registry File");
+  ~RegDocument();
   RegDocument(const RegDocument&) = delete;
   RegDocument& operator=(const RegDocument&) = delete;
 

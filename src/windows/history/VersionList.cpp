@@ -1,8 +1,10 @@
 #include "windows/history/VersionList.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QHeaderView>
 #include <QLocale>
+#include <array>
 
 #include "shell/DisplayText.h"
 #include "shell/PlainText.h"
@@ -15,6 +17,13 @@ namespace {
 enum Column { kTimeColumn, kReasonColumn, kNameColumn, kSizeColumn, kColumns };
 constexpr int kIndexRole = Qt::UserRole;     ///< place in versions_, newest first
 constexpr int kSortRole = Qt::UserRole + 1;  ///< a number, where the text is none to sort by
+
+QString ReasonText(KeptReason reason) {
+  constexpr std::array kTexts{
+      QT_TRANSLATE_NOOP("KeptReason", "Before a save"), QT_TRANSLATE_NOOP("KeptReason", "Closed without saving"),
+      QT_TRANSLATE_NOOP("KeptReason", "Before a restore"), QT_TRANSLATE_NOOP("KeptReason", "Rescued after a crash")};
+  return QCoreApplication::translate("KeptReason", kTexts[static_cast<std::size_t>(reason)]);
+}
 
 /// A row of the list; what is equal stays in the order of time.
 class VersionItem : public QTreeWidgetItem {

@@ -2,7 +2,6 @@
 
 #include <QEvent>
 #include <QMdiSubWindow>
-#include <QPrinter>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTextEdit>

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QPrinter>
-#include <optional>
-
 #include "documents/ini/IniTree.h"
 #include "files/TextEncoding.h"
 #include "shell/DocumentWindow.h"
 
+class QPrinter;
 class QPushButton;
 class QTextEdit;
 class QTreeView;

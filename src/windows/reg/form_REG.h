@@ -6,7 +6,6 @@
 #include "documents/reg/RegDocument.h"
 #include "documents/reg/RegReader.h"
 #include "documents/reg/RegWriter.h"
-#include "files/FileFailure.h"
 #include "files/TextEncoding.h"
 #include "shell/DocumentWindow.h"
 
@@ -93,10 +92,9 @@ class form_REG : public DocumentWindow {
   void EndProgress();
   void ReportErrors(const std::string& error_log);
   SaveOutcome SaveIn(RegLayout layout, const SaveRequest& request);
-  /// Writes a file of the program's own into its folder, or else into the user's data folder. Its path; empty after a
-  /// message when neither can be written.
-  QString WriteOwnFile(const char* name,
-                       const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write);
+  /// Writes a text file of the program's own into its folder, or else into the user's data folder. Its path; empty
+  /// after a message when neither can be written.
+  QString WriteOwnFile(const char* name, const PartProducer& produce);
   /// Keeps what a save left out and says so.
   void TellLosses(const RegLosses& losses);
   /// The document in a layout.

@@ -5,8 +5,6 @@
 
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
-#include "files/FileSteps.h"
-#include "files/TextFile.h"
 #include "shell/Global.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
@@ -127,12 +125,7 @@ void form_REG::EndProgress() {
 void form_REG::ReportErrors(const std::string& error_log) {
   const std::string text =
       tr("The following entries could not be processed:").toStdString() + "\r\n\r\n" + error_log + "\r\n";
-  const QString path = WriteOwnFile(kErrorLogName, [&](const std::filesystem::path& file) {
-    TextFormat format = file_.Format();
-    PrivateFileSteps steps;
-    return WriteTextFile(
-        file, format, [&text](const PartSink& put) { return put(text); }, steps);
-  });
+  const QString path = WriteOwnFile(kErrorLogName, [&text](const PartSink& put) { return put(text); });
   if (path.isEmpty()) return;
   global_.dialogs.MsgBox(tr("Errors were reported during inport.  Please see %1  for details.").arg(path),
                          MsgButtons::Ok, MsgIcon::Information, tr("Errors:"));

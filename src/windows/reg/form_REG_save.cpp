@@ -1,6 +1,5 @@
 // Saving and printing a registry document.
 #include <QDir>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLocale>
 #include <QPrinter>
@@ -8,7 +7,6 @@
 #include <QTextEdit>
 
 #include "documents/reg/RegLosses.h"
-#include "documents/reg/RegWriter.h"
 #include "files/FileBytes.h"
 #include "files/FileSteps.h"
 #include "files/TextFile.h"
@@ -38,15 +36,16 @@ QString SizeText(std::uint64_t bytes) { return QLocale().formattedDataSize(stati
 
 }  // namespace
 
-QString form_REG::WriteOwnFile(
-    const char* name, const std::function<std::optional<FileFailure>(const std::filesystem::path& file)>& write) {
+QString form_REG::WriteOwnFile(const char* name, const PartProducer& produce) {
   const ShellUtilities& utilities = global_.shell_utilities;
   QString path;
   std::optional<FileFailure> failure;
   for (const QString& folder : {utilities.ProgramFolder(), utilities.UserDataFolder()}) {
     path = QDir::toNativeSeparators(folder + u'/' + QLatin1StringView(name));
     MakePrivate(FilePath(path));
-    failure = write(FilePath(path));
+    TextFormat format = file_.Format();
+    PrivateFileSteps steps;
+    failure = WriteTextFile(FilePath(path), format, produce, steps);
     if (!failure) return path;
   }
   ShowWriteFailure(path, *failure);
@@ -165,11 +164,7 @@ void form_REG::PrintDoc(QPrinter& printer) {
         MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
     return;
   }
-  const QString path = WriteOwnFile(kPrintFileName, [this](const std::filesystem::path& file) {
-    TextFormat format = file_.Format();
-    PrivateFileSteps steps;
-    return WriteTextFile(file, format, ProducerIn(RegLayout::Expanded), steps);
-  });
+  const QString path = WriteOwnFile(kPrintFileName, ProducerIn(RegLayout::Expanded));
   SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
   std::string bytes;
   if (path.isEmpty()) return;
