@@ -2,7 +2,6 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 
 #include "Editor.h"
 #include "TestSystem.h"

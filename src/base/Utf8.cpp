@@ -86,27 +86,15 @@ std::size_t LastCharacterBytes(std::string_view text) {
 }
 
 std::size_t PutCharacter(char32_t character, char* out) {
-  const auto put = [out](std::size_t at, char32_t byte) { out[at] = static_cast<char>(byte); };
   if (character < 0x80) {
-    put(0, character);
+    out[0] = static_cast<char>(character);
     return 1;
   }
-  if (character < 0x800) {
-    put(0, 0xC0 | (character >> 6));
-    put(1, 0x80 | (character & 0x3F));
-    return 2;
-  }
-  if (character < 0x10000) {
-    put(0, 0xE0 | (character >> 12));
-    put(1, 0x80 | ((character >> 6) & 0x3F));
-    put(2, 0x80 | (character & 0x3F));
-    return 3;
-  }
-  put(0, 0xF0 | (character >> 18));
-  put(1, 0x80 | ((character >> 12) & 0x3F));
-  put(2, 0x80 | ((character >> 6) & 0x3F));
-  put(3, 0x80 | (character & 0x3F));
-  return 4;
+  const std::size_t size = character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+  for (std::size_t at = size - 1; at > 0; --at, character >>= 6) out[at] = static_cast<char>(0x80 | (character & 0x3F));
+  // The first byte has as many high bits set as there are bytes.
+  out[0] = static_cast<char>((0xF00U >> size & 0xFF) | character);
+  return size;
 }
 
 }  // namespace tme::utf8

@@ -20,11 +20,10 @@ inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
 /// kMaxFileBytes. `bytes` is empty after a failure.
 std::optional<FileFailure> ReadFileBytes(const std::filesystem::path& path, std::string& bytes);
 
-/// Writes whole or not at all: a temporary file in the same folder with all that the target has beside its bytes
-/// (owner, group, mode, access list, labels; on Windows its attributes, access list and alternate streams), written,
-/// flushed to disk, put in place; symbolic links are followed, a read-only target is refused, and so is one of which a
-/// new file cannot have all that. After a failure, or when the producer gives up, the target has its old bytes (or is
-/// absent as before) and no temporary file is left.
+/// Writes whole or not at all: a temporary file in the same folder gets all that the target has beside its bytes
+/// (owner, rights, labels, streams), is flushed to disk and put in place. Links are followed; a read-only target is
+/// refused, and so is one of which a new file cannot have all that. After a failure, or when the producer gives up, the
+/// target is as it was and no temporary file is left.
 std::optional<FileFailure> WriteFileParts(const std::filesystem::path& path, const PartProducer& produce,
                                           FileSteps& steps);
 /// Writes over the bytes of an existing file, for a folder that allows no temporary file. After a failure the old bytes

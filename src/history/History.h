@@ -9,8 +9,7 @@
 namespace tme {
 
 /// The parts of one store. A content is on the disk before what names it, so a crash leaves at most a content that
-/// nothing names, which a later Prune takes away. Nothing is created before there is something to keep. Any thread may
-/// call, and no lock that Keep needs is held while a content is written.
+/// nothing names, which a later Prune takes away. Any thread may call, and no lock that Keep needs is held meanwhile.
 class History {
  public:
   /// limits: for tests.

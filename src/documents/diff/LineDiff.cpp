@@ -124,8 +124,7 @@ class Comparison {
       --range.before_end, --range.after_end;
     Add(LineChange::Same, before_, begin, range.before_begin);
     const std::size_t rows = range.before_end - range.before_begin, columns = range.after_end - range.after_begin;
-    EditGraph graph(std::span(before_).subspan(range.before_begin, rows),
-                    std::span(after_).subspan(range.after_begin, columns));
+    EditGraph graph({before_.data() + range.before_begin, rows}, {after_.data() + range.after_begin, columns});
     if (graph.Solve(static_cast<std::ptrdiff_t>(std::min(max_changes, rows + columns))))
       graph.Walk(result_);
     else

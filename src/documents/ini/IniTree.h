@@ -17,9 +17,8 @@ class IniSorter;
 
 enum class IniTag : std::uint8_t { OpenedFile, Section, Value, Comments };
 
-/// One line of the tree: the file (root), a section, an entry or a comment.
-/// Nodes belong to their IniTree and stay at one address until they are removed.
-/// 1,000,000 of them are ordinary, so a node is kept at 40 bytes: an entry carries no child list.
+/// One line of the tree: the file (root), a section, an entry or a comment. Nodes belong to their IniTree and stay at
+/// one address until they are removed. 1,000,000 of them are ordinary, so a node is kept at 40 bytes.
 class IniNode {
  public:
   /// UTF-8 (bytes that are not valid UTF-8 pass through), without a line end. The root: the file's name; a section: its
@@ -72,10 +71,9 @@ class IniNode {
 
 using IniTreeObserver = TreeObserver<IniNode>;
 
-/// The document of an INI window: one root, sections below it, entries and comments below those, each list kept sorted
-/// by text (Unicode simple case folding, code point by code point; equal texts in order of arrival) whenever a child is
-/// added. Changing a text does not sort; the next child that is added to the same parent does.
-/// Every edit is one call with a name; nothing else changes the tree.
+/// The document of an INI window: one root, sections below it, entries and comments below those. Each list is sorted by
+/// text (CompareFolded; equal texts in order of arrival) whenever a child is added to it; a changed text stays where it
+/// is until then. Every edit is one call with a name.
 class IniTree {
  public:
   /// What readers fill a tree with (IniTreeLoad.h).

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/TextTable.h"
+#include "base/HashIndex.h"
 
 namespace tme {
 

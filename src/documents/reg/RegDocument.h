@@ -140,8 +140,7 @@ class RegDocument {
   /// Returns the first child with exactly this text, or null. Constant time on average.
   RegNode* FindChild(const RegNode* parent, std::string_view text) const;
   /// Returns what is shown for a node: indices of the records whose owner, in the tree, has the same full path, in
-  /// table order, deleted ones included. Costs the records found and the siblings along the path, never the whole
-  /// table.
+  /// table order, deleted ones included. Never costs the whole table.
   std::vector<std::size_t> ValuesOfPath(const RegNode* node) const;
   /// Whether there is a record of this name whose owner (removed keys and deleted records included) has the node's
   /// text. Saving goes by the last component alone, unlike ValuesOfPath; intended.

@@ -7,9 +7,8 @@
 
 namespace tme {
 
-/// Visits every node from top downwards, a key before its children: enter(node) first, leave(node) after its last
-/// child. It needs no memory for the way back, so 100,000 levels are fine. Ends with false as soon as enter gives
-/// false.
+/// Visits every node from top downwards: enter(node) before its children, leave(node) after them. There is no
+/// recursion, so 100,000 levels are fine. Ends with false as soon as enter gives false.
 template <typename Enter, typename Leave>
 bool WalkKeys(const RegNode& top, Enter enter, Leave leave) {
   const RegNode* node = &top;

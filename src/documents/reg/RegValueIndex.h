@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/TextTable.h"
+#include "base/HashIndex.h"
 #include "documents/reg/RegDocument.h"
 
 namespace tme {

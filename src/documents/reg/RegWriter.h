@@ -30,8 +30,7 @@ inline bool PutLine(PartBuffer& out, const RegLine& line) {
 }
 
 /// Writes the document as REGEDIT4 text in UTF-8, CR LF, in parts of whole lines (PartBuffer). Values go under every
-/// key of their owner's last component; intended. Memory is taken for an index of the values only. Returns false when
-/// the sink stopped it.
+/// key of their owner's last component; intended. Returns false when the sink stopped it.
 bool WriteReg(const RegDocument& document, RegLayout layout, const PartSink& sink);
 
 /// Counts the bytes that WriteReg would give, without writing them.

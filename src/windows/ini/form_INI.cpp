@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QMdiSubWindow>
+#include <QPrinter>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTextEdit>
@@ -10,8 +11,6 @@
 #include "base/Utf8.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
-#include "files/FileBytes.h"
-#include "shell/DisplayText.h"
 #include "shell/DocumentArea.h"
 #include "shell/DocumentTreeView.h"
 #include "shell/Global.h"

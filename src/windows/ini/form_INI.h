@@ -78,7 +78,7 @@ class form_INI : public DocumentWindow {
   void cmd_Edit_Click();
   void EditEntry(IniNode* node);
   void EditText(IniNode* node, const QString& prompt, const QString& title);
-  bool ConfirmDeletion(const QString& label, const IniNode& node);
+  void DeleteWhenConfirmed(IniNode* node, const QString& label);
   void AddEntryTo(IniNode* section, const QString& key, const QString& value);
   IniReadResult Read(std::string text);
 

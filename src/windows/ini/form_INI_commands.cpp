@@ -132,20 +132,21 @@ void form_INI::EditText(IniNode* node, const QString& prompt, const QString& tit
   SetChanged(true);
 }
 
-bool form_INI::ConfirmDeletion(const QString& label, const IniNode& node) {
+void form_INI::DeleteWhenConfirmed(IniNode* node, const QString& label) {
   const QString question =
-      tr("Are you sure you want to delete %1 %2?").arg(label, DisplayText(node.Text(), kMaxCharactersInMessage));
-  return global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, tr("Deletion Confirmation")) ==
-         MsgAnswer::Yes;
+      tr("Are you sure you want to delete %1 %2?").arg(label, DisplayText(node->Text(), kMaxCharactersInMessage));
+  if (global_.dialogs.MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, tr("Deletion Confirmation")) !=
+      MsgAnswer::Yes)
+    return;
+  tree_.Remove(node);
+  SetChanged(true);
 }
 
 void form_INI::DeleteValue() {
   IniNode* node = tree_.Selected();
   const bool comment = node->Tag() == IniTag::Comments;
   if (!comment && node->Tag() != IniTag::Value) return;
-  if (!ConfirmDeletion(comment ? tr("Comment") : tr("Key / Value"), *node)) return;
-  tree_.Remove(node);
-  SetChanged(true);
+  DeleteWhenConfirmed(node, comment ? tr("Comment") : tr("Key / Value"));
 }
 
 void form_INI::DeleteSection() {
@@ -155,9 +156,7 @@ void form_INI::DeleteSection() {
                            MsgIcon::None, tr("Section Deletion"));
     return;
   }
-  if (!ConfirmDeletion(tr("Section"), *node)) return;
-  tree_.Remove(node);
-  SetChanged(true);
+  DeleteWhenConfirmed(node, tr("Section"));
 }
 
 void form_INI::EditDelete() {

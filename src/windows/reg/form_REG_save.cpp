@@ -12,7 +12,6 @@
 #include "files/TextFile.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
-#include "shell/PlainText.h"
 #include "shell/RecoverySnapshots.h"
 #include "shell/SaveDialog.h"
 #include "shell/WaitCursor.h"
