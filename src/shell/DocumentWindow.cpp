@@ -7,7 +7,7 @@
 #include <QMdiSubWindow>
 #include <QShortcut>
 #include <QVBoxLayout>
-#include <new>
+#include <exception>
 
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
@@ -161,7 +161,7 @@ bool DocumentWindow::KeepUnsaved() { return !is_open_ || !IsModified() || KeepCo
 bool DocumentWindow::KeepContent() {
   try {
     return file_.Keep(Content());
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     return false;
   }
 }
