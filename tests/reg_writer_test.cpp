@@ -87,7 +87,9 @@ const std::vector<LossCase> kLosses = {
     {"hives", "[$]|[$/a]|@=|", [](RegDocument& d) { d.AddHiveNode("HKEY_DYN_DATA"); }, {.empty_hives = 1}, {.empty_hives = 1}},
     {"values of the root, of hives and of keys with the root's text; deleted ones are no loss",
      "[$]|'r'=''|[$/T]|'1'=''|'2'=''|[$/]|'h'=''|", [](RegDocument& d) { d.DeleteValue(1); },
-     {.keys_of_title = 1, .values = 3}, {.keys_of_title = 1, .values = 3}},
+     {.keys_of_title = 1, .values = 3, .values_of_title = 1}, {.keys_of_title = 1, .values = 3, .values_of_title = 1}},
+    {"a key with the root's text comes back with what is written below it", "[$/T/a]|'1'=''|[%/T/b]|@=|[%/T]|'2'=''|",
+     nullptr, {.values = 1, .values_of_title = 1}, {.values = 1, .values_of_title = 1}},
     {"deleted values where their key is written", "[$/a]|'1'=''|'2'=''|[$/b/c]|'3'=''|",
      [](RegDocument& d) { d.DeleteValue(0), d.DeleteValue(2), d.RemoveKey(NodeAt(d, "$/b")); },
      {.deleted_values = 1}, {.deleted_values = 1}},
@@ -107,8 +109,8 @@ TEST(RegWriter, CountsWhatASaveLeavesOut) {
       const RegLosses losses = LossesOf(document, layout);
       const RegLosses& expected = layout == RegLayout::Regular ? test.regular : test.expanded;
       const auto counts = [](const RegLosses& l) {
-        return std::array{l.empty_keys,     l.empty_hives, l.keys_of_title, l.values,
-                          l.deleted_values, l.shared_keys, l.unknown_hives};
+        return std::array{l.empty_keys,      l.empty_hives,    l.keys_of_title, l.values,
+                          l.values_of_title, l.deleted_values, l.shared_keys,   l.unknown_hives};
       };
       EXPECT_EQ(counts(losses), counts(expected));
       EXPECT_EQ(losses.fingerprint != 0,

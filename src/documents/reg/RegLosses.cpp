@@ -32,9 +32,7 @@ class LossCount {
  private:
   bool Enter(const RegNode& node) {
     levels_.push_back({blocks_, Mixed(levels_.empty() ? 0 : levels_.back().path, node.Text())});
-    const bool bears_title = node.Tag() == RegTag::Branch && node.Text() == document_.Root()->Text();
-    if (node.Tag() != RegTag::Branch || bears_title) {
-      if (bears_title) Lose(losses_.keys_of_title);
+    if (node.Tag() != RegTag::Branch || BearsTitle(node)) {
       LoseValues(node);
       return true;
     }
@@ -53,10 +51,12 @@ class LossCount {
       const std::string_view text = node.Text();
       if (!nothing_below && !IsHiveName(text.substr(0, text.find('\\')))) ++losses_.unknown_hives;
     }
-    if (node.Tag() == RegTag::Branch && nothing_below && node.Text() != document_.Root()->Text())
-      Lose(losses_.empty_keys);
+    if (node.Tag() == RegTag::Branch && nothing_below)
+      Lose(BearsTitle(node) ? losses_.keys_of_title : losses_.empty_keys);
     levels_.pop_back();
   }
+
+  bool BearsTitle(const RegNode& node) const { return node.Text() == document_.Root()->Text(); }
 
   /// Counts the key that the walk is at.
   void Lose(std::size_t& count) {
@@ -65,9 +65,10 @@ class LossCount {
   }
 
   void LoseValues(const RegNode& node) {
-    document_.ForEachValueOf(&node, [this](const RegValueRecord& record) {
+    document_.ForEachValueOf(&node, [this, &node](const RegValueRecord& record) {
       if (record.deleted) return;
       ++losses_.values;
+      if (node.Tag() == RegTag::Branch) ++losses_.values_of_title;
       for (const std::string_view text : {record.name, TraitsOf(record.type).name, record.data}) Note(text);
     });
   }

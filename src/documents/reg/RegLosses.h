@@ -15,10 +15,12 @@ struct RegLosses {
   std::size_t empty_keys = 0;
   /// Hives that no key stands below.
   std::size_t empty_hives = 0;
-  /// Branches that bear the root's text.
+  /// Branches that bear the root's text and that nothing written stands below.
   std::size_t keys_of_title = 0;
   /// Values under the root, a hive or a key that bears the root's text; deleted ones do not count.
   std::size_t values = 0;
+  /// Those of them that stand under a key that bears the root's text.
+  std::size_t values_of_title = 0;
 
   // In the file, but otherwise.
   /// Deleted values of which a line with an empty name is left.

@@ -96,7 +96,8 @@ void form_REG::TellWhatASaveMakesOf(const RegNode& node) {
                   .arg(DisplayText(node.Text(), kMaxCharactersInMessage)));
   if (node.Tag() != RegTag::Branch && !document_.ValuesOfPath(&node).empty())
     AddNotice(tr("What stands directly under the file or a hive is not saved."));
-  if (LossesOf(document_, RegLayout::Expanded).keys_of_title > 0)
+  const RegLosses losses = LossesOf(document_, RegLayout::Expanded);
+  if (losses.keys_of_title + losses.values_of_title > 0)
     AddNotice(tr("A key that has the name of the tree's root is not saved, nor are its values."));
 }
 
