@@ -276,6 +276,16 @@ TEST_F(FormTxt, CancelledOverwriteOfANewDocumentEmptiesItsCaption) {
   window.Altered(false);
 }
 
+TEST_F(FormTxt, CancelledOverwriteKeepsTheCaptionThatASaveAsSaw) {
+  form_TXT& window = New();
+  common_dialog_.ExpectSave({});
+  window.SaveAs();
+  common_dialog_.ExpectSave(File(u"there.txt"_s, "old"));
+  ExpectOverwrite(MsgAnswer::Cancel);
+  window.SaveFile();
+  EXPECT_EQ(window.windowTitle(), u"New Text Document"_s);
+}
+
 TEST_F(FormTxt, ClosingAsks) {
   form_TXT& window = Open("text");
   const QString question = u"Save this file?\r"_s + window.File().Path(), path = window.File().Path();

@@ -40,12 +40,18 @@ bool IsClipboardKey(const QKeyEvent& key) {
 
 void PadWindow::DocumentCloses() {
   if (form_SR* search = form_SR::Opened(global_); search && search->IsBoundTo(*this)) search->cmd_Cance_Click();
+  title_at_save_as_.clear();
 }
 
 void PadWindow::PathNotChosen() {
   if (global_.common_dialog.file_name.isEmpty()) return;
-  file_.SetTitle({});
-  setWindowTitle({});
+  file_.SetTitle(title_at_save_as_);
+  setWindowTitle(title_at_save_as_.isEmpty() ? QString() : CaptionText(Caption()));
+}
+
+PadWindow::SaveOutcome PadWindow::Save(const SaveRequest& request) {
+  if (request.path == SaveRequest::Path::AskedAlways) title_at_save_as_ = file_.Title();
+  return DocumentWindow::Save(request);
 }
 
 void PadWindow::PrintDoc(QPrinter& printer) {

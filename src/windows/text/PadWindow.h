@@ -22,6 +22,7 @@ class PadWindow : public DocumentWindow {
   /// Lays out the client area; nothing while the window is minimized.
   Q_INVOKABLE virtual void ResizeForm() = 0;
   Q_INVOKABLE void SaveAs() { Save({.path = SaveRequest::Path::AskedAlways}); }
+  SaveOutcome Save(const SaveRequest& request) override;
   Q_INVOKABLE void SaveFile() { Save({}); }
   void PrintDoc(QPrinter& printer) override;
   Q_INVOKABLE void EditUndo();
@@ -50,7 +51,8 @@ class PadWindow : public DocumentWindow {
   void SearchForLast();
 
   void UpdateCommands() override;
-  /// The question about overwriting a file was cancelled: the document loses its caption; intended.
+  /// The question about overwriting a file was cancelled: the title is again what it was at the last Save As, and empty
+  /// when there was none; intended.
   void PathNotChosen() override;
   void DocumentCloses() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -61,6 +63,7 @@ class PadWindow : public DocumentWindow {
   void CloseForeignSearch();
 
   QWidget* client_ = nullptr;
+  QString title_at_save_as_;
 };
 
 }  // namespace tme
