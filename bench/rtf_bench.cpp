@@ -64,7 +64,7 @@ void BM_RtfRead(benchmark::State& state) {
 }
 BENCHMARK(BM_RtfRead)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-void Write(benchmark::State& state, bool (*write)(const rtf::RtfDocument&, const rtf::RtfPart&)) {
+void Write(benchmark::State& state, bool (*write)(const rtf::RtfDocument&, const PartSink&)) {
   const rtf::RtfDocument document = rtf::ReadRtf(Input(), BytesToUtf8);
   std::size_t written = 0;
   for (auto _ : state) {

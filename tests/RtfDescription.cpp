@@ -18,9 +18,7 @@ class Description {
     std::size_t text_at = 0;
     for (std::size_t i = 0; i < document_.paragraphs.size(); ++i) {
       const Paragraph& paragraph = document_.paragraphs[i];
-      const bool is_last = i + 1 == document_.paragraphs.size();
-      const std::size_t end = is_last ? document_.runs.size() : document_.paragraphs[i + 1].first_run;
-      for (std::size_t run = paragraph.first_run; run < end; ++run) {
+      for (std::size_t run = paragraph.first_run; run < document_.EndOfRuns(i); ++run) {
         if (document_.runs[run].object != 0)
           AddObject(document_.objects[document_.runs[run].object - 1]);
         else

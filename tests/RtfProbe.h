@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -84,9 +83,7 @@ inline std::string Dump(const RtfDocument& document) {
     if (paragraph.cell >= 0) dump += std::to_string(paragraph.cell) + "/";
     const std::string marks = MarksOf(document, document.paragraph_formats[paragraph.format]);
     if (!marks.empty()) dump += "(" + marks + ")";
-    const bool is_last = i + 1 == document.paragraphs.size();
-    for (const std::size_t end = is_last ? document.runs.size() : document.paragraphs[i + 1].first_run; run < end;
-         ++run) {
+    for (; run < document.EndOfRuns(i); ++run) {
       const Run& it = document.runs[run];
       const std::string run_marks = MarksOf(document, document.char_formats[it.format]);
       std::string text = document.text.substr(at, it.bytes);

@@ -12,7 +12,6 @@
 #include <QTest>
 #include <QTextBlock>
 #include <QTimer>
-#include <QToolBar>
 #include <QToolButton>
 
 #include "Editor.h"
@@ -42,10 +41,7 @@ class FormRtf : public Editor {
   }
   static RtfPad& PadOf(form_RTF& window) { return static_cast<RtfPad&>(window.EditingArea()); }
   static QString NoticeOf(form_RTF& window) { return window.findChild<NoticeBar*>()->Text(); }
-  static void Click(form_RTF& window, const QString& tag) {
-    for (QAction* action : window.findChild<QToolBar*>(u"Toolbar1"_s)->actions())
-      if (action->data() == tag) action->trigger();
-  }
+  static void Click(form_RTF& window, const QString& tag) { window.findChild<QToolButton*>(tag)->click(); }
   bool IsChecked(const char* item) { return global_.menus.Action(QLatin1StringView(item))->isChecked(); }
 };
 

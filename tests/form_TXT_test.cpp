@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDir>
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QRegularExpression>

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QTextBlock>
 #include <QTextDocument>
-#include <QTextTable>
 
+#include "RtfDescription.h"
 #include "windows/rich/RtfExport.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
@@ -46,38 +45,13 @@ struct Source {
   }
 };
 
-/// The text side, a line a paragraph: "cell|format|text" with <n> for the format of a run and {…} for an object.
-std::string LinesOf(const RtfDocument& document) {
-  std::string dump;
-  std::size_t offset = 0;
-  for (std::size_t index = 0; index < document.paragraphs.size(); ++index) {
-    const rtf::Paragraph& paragraph = document.paragraphs[index];
-    const std::size_t end =
-        index + 1 < document.paragraphs.size() ? document.paragraphs[index + 1].first_run : document.runs.size();
-    dump += std::to_string(paragraph.cell) + "|" + std::to_string(paragraph.format) + "|";
-    for (std::size_t run = paragraph.first_run; run < end; ++run) {
-      dump += "<" + std::to_string(document.runs[run].format) + ">";
-      if (document.runs[run].object) dump += document.objects[document.runs[run].object - 1].rtf;
-      dump += document.text.substr(offset, document.runs[run].bytes);
-      offset += document.runs[run].bytes;
-    }
-    dump += "<" + std::to_string(paragraph.mark_format) + ">\n";
-  }
-  for (const rtf::Cell& cell : document.cells)
-    dump += "cell " + std::to_string(cell.row) + " " + std::to_string(cell.right_edge) + " " +
-            std::to_string(cell.row_span) + "\n";
-  for (const rtf::Row& row : document.rows) dump += "row " + std::to_string(row.table) + row.definition + "\n";
-  for (const rtf::Table& table : document.tables) dump += "table " + std::to_string(table.parent_cell) + "\n";
-  return dump;
-}
-
 void ExpectSameAfterView(const RtfDocument& document) {
   RtfStore store;
   QTextDocument view;
   RtfSimplified simplified;
   ASSERT_TRUE(ImportRtf(RtfDocument(document), store, view, simplified));
   const RtfExport written(view, store);
-  EXPECT_EQ(LinesOf(written.Document()), LinesOf(document));
+  EXPECT_EQ(Describe(written.Document()), Describe(document));
   EXPECT_EQ(written.Document().char_formats, document.char_formats);
   EXPECT_EQ(written.Document().paragraph_formats, document.paragraph_formats);
   EXPECT_EQ(written.Document().objects.size(), document.objects.size());

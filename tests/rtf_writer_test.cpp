@@ -10,7 +10,7 @@
 namespace tme::rtf {
 namespace {
 
-using Writing = bool (*)(const RtfDocument&, const RtfPart&);
+using Writing = bool (*)(const RtfDocument&, const PartSink&);
 
 std::string Written(const RtfDocument& document, Writing write = WriteRtf) {
   std::string bytes;

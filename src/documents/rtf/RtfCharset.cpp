@@ -1,8 +1,10 @@
 #include "documents/rtf/RtfCharset.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/Utf8.h"
+#include "documents/rtf/RtfDocument.h"
 
 namespace tme::rtf {
 namespace {
@@ -29,6 +31,14 @@ constexpr std::array<char16_t, 95 * 2> kSymbol = {
     0x239F, 0x23A0, 0x23A4, 0x23A5, 0x23A6, 0x23AB, 0x23AC, 0x23AD,
 };
 
+struct CharsetPage {
+  int charset;
+  int page;
+};
+constexpr CharsetPage kCharsetPages[] = {{0, 1252},   {77, 10000}, {128, 932},  {129, 949},  {130, 1361}, {134, 936},
+                                         {136, 950},  {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256},
+                                         {186, 1257}, {204, 1251}, {222, 874},  {238, 1250}, {254, 437},  {255, 850}};
+
 bool IsDoubleByte(int page) { return page == 932 || page == 936 || page == 949 || page == 950 || page == 1361; }
 
 std::uint32_t KeyOf(std::string_view bytes) {
@@ -40,48 +50,9 @@ std::uint32_t KeyOf(std::string_view bytes) {
 }  // namespace
 
 int CodePageOfCharset(int charset) {
-  switch (charset) {
-    case 0:
-      return 1252;
-    case 2:
-      return kPrivateSymbolPage;
-    case 77:
-      return 10000;
-    case 128:
-      return 932;
-    case 129:
-      return 949;
-    case 130:
-      return 1361;
-    case 134:
-      return 936;
-    case 136:
-      return 950;
-    case 161:
-      return 1253;
-    case 162:
-      return 1254;
-    case 163:
-      return 1258;
-    case 177:
-      return 1255;
-    case 178:
-      return 1256;
-    case 186:
-      return 1257;
-    case 204:
-      return 1251;
-    case 222:
-      return 874;
-    case 238:
-      return 1250;
-    case 254:
-      return 437;
-    case 255:
-      return 850;
-    default:
-      return -1;
-  }
+  if (charset == kSymbolCharset) return kPrivateSymbolPage;
+  const auto known = std::ranges::find(kCharsetPages, charset, &CharsetPage::charset);
+  return known != std::end(kCharsetPages) ? known->page : -1;
 }
 
 int CodePageOfFont(int charset, std::string_view name) {

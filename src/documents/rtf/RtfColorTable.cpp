@@ -10,9 +10,8 @@ constexpr std::size_t kMaxColors = 65'536;
 }  // namespace
 
 void ColorTable::ReadWord(const ControlWord& word, std::int32_t value) {
-  if (word.control != Control::Red && word.control != Control::Green && word.control != Control::Blue) return;
-  const auto shift = word.control == Control::Red ? 16u : word.control == Control::Green ? 8u : 0u;
-  entry_ |= static_cast<std::uint32_t>(std::clamp(value, 0, 255)) << shift;
+  if (word.control != Control::ColorPart) return;
+  entry_ |= static_cast<std::uint32_t>(std::clamp(value, 0, 255)) << word.value;
   is_entry_given_ = true;
 }
 

@@ -14,10 +14,10 @@ constexpr std::int32_t kLineSeparator = 0x2028;
 constexpr std::int32_t Of(auto value) { return static_cast<std::int32_t>(value); }
 
 // clang-format off
-constexpr auto kIgnoredWords = std::to_array<ControlWord>({
-    {"rtf"}, {"nosectexpand"}, {"softline"}, {"softpage"}, {"softcol"}, {"softlheight"}, {"loch"}, {"hich"}, {"dbch"},
-    {"fcs"}, {"insrsid"}, {"charrsid"}, {"pararsid"}, {"sectrsid"}, {"delrsid"}, {"tblrsid"}, {"styrsid"}, {"yts"},
-    {"ltrpar"}, {"fldedit"}, {"flddirty"}, {"fldlock"}, {"fldpriv"}, {"wrapdefault"},
+constexpr auto kIgnoredWords = std::to_array<std::string_view>({
+    "rtf", "nosectexpand", "softline", "softpage", "softcol", "softlheight", "loch", "hich", "dbch", "fcs", "insrsid",
+    "charrsid", "pararsid", "sectrsid", "delrsid", "tblrsid", "styrsid", "yts", "ltrpar", "fldedit", "flddirty",
+    "fldlock", "fldpriv", "wrapdefault",
 });
 
 constexpr auto kTextWords = std::to_array<ControlWord>({
@@ -50,15 +50,12 @@ constexpr auto kCharacterWords = std::to_array<ControlWord>({
     {"super", C::Scripted, Of(Script::Super)}, {"sub", C::Scripted, Of(Script::Sub)},
     {"nosupersub", C::Scripted, Of(Script::Normal)}, {"up", C::Raised, 1}, {"dn", C::Raised, -1},
     {"caps", C::Capital, Of(Capitals::All)}, {"scaps", C::Capital, Of(Capitals::Small)}, {"v", C::Hidden},
-    {"ltrch", C::LeftToRight}, {"lang", C::CharacterWord}, {"langfe", C::CharacterWord}, {"langnp", C::CharacterWord},
-    {"langfenp", C::CharacterWord}, {"noproof", C::CharacterWord}, {"kerning", C::CharacterWord},
-    {"expnd", C::CharacterWord}, {"expndtw", C::CharacterWord}, {"charscalex", C::CharacterWord},
-    {"cs", C::CharacterWord}, {"outl", C::CharacterWord}, {"shad", C::CharacterWord}, {"embo", C::CharacterWord},
-    {"impr", C::CharacterWord}, {"rtlch", C::CharacterWord}, {"af", C::CharacterWord}, {"afs", C::CharacterWord},
-    {"ab", C::CharacterWord}, {"ai", C::CharacterWord}, {"alang", C::CharacterWord}, {"animtext", C::CharacterWord},
-    {"ulc", C::CharacterWord}, {"webhidden", C::CharacterWord}, {"deleted", C::CharacterWord},
-    {"revised", C::CharacterWord}, {"chbrdr", C::CharacterWord}, {"chshdng", C::CharacterWord},
-    {"chcfpat", C::CharacterWord},
+    {"ltrch", C::LeftToRight},
+});
+constexpr auto kKeptCharacterWords = std::to_array<std::string_view>({
+    "lang", "langfe", "langnp", "langfenp", "noproof", "kerning", "expnd", "expndtw", "charscalex", "cs", "outl",
+    "shad", "embo", "impr", "rtlch", "af", "afs", "ab", "ai", "alang", "animtext", "ulc", "webhidden", "deleted",
+    "revised", "chbrdr", "chshdng", "chcfpat",
 });
 
 constexpr auto kParagraphWords = std::to_array<ControlWord>({
@@ -73,49 +70,32 @@ constexpr auto kParagraphWords = std::to_array<ControlWord>({
     {"tlhyph", C::TabLeaderNext, Of(TabLeader::Hyphens)}, {"tlul", C::TabLeaderNext, Of(TabLeader::Underline)},
     {"tlth", C::TabLeaderNext, Of(TabLeader::Thick)}, {"tleq", C::TabLeaderNext, Of(TabLeader::Equal)},
     {"pagebb", C::PageBreakBefore}, {"ls", C::ListOverride}, {"ilvl", C::ListLevel}, {"intbl", C::InTable},
-    {"itap", C::TableDepth}, {"nocwrap", C::ParagraphWord}, {"s", C::ParagraphWord}, {"keep", C::ParagraphWord},
-    {"keepn", C::ParagraphWord}, {"widctlpar", C::ParagraphWord}, {"nowidctlpar", C::ParagraphWord},
-    {"hyphpar", C::ParagraphWord}, {"noline", C::ParagraphWord}, {"sbauto", C::ParagraphWord},
-    {"saauto", C::ParagraphWord}, {"lisb", C::ParagraphWord}, {"lisa", C::ParagraphWord}, {"rtlpar", C::ParagraphWord},
-    {"outlinelevel", C::ParagraphWord}, {"level", C::ParagraphWord}, {"shading", C::ParagraphWord},
-    {"cfpat", C::ParagraphWord}, {"cbpat", C::ParagraphWord}, {"aspalpha", C::ParagraphWord},
-    {"aspnum", C::ParagraphWord}, {"faauto", C::ParagraphWord}, {"fahang", C::ParagraphWord},
-    {"facenter", C::ParagraphWord}, {"faroman", C::ParagraphWord}, {"favar", C::ParagraphWord},
-    {"fafixed", C::ParagraphWord}, {"adjustright", C::ParagraphWord}, {"contextualspace", C::ParagraphWord},
-    {"sbys", C::ParagraphWord}, {"nooverflow", C::ParagraphWord}, {"cufi", C::ParagraphWord},
-    {"culi", C::ParagraphWord}, {"curi", C::ParagraphWord}, {"indmirror", C::ParagraphWord},
-    {"posx", C::ParagraphWord}, {"posy", C::ParagraphWord}, {"posxc", C::ParagraphWord}, {"posxr", C::ParagraphWord},
-    {"posyt", C::ParagraphWord}, {"absw", C::ParagraphWord}, {"absh", C::ParagraphWord}, {"abslock", C::ParagraphWord},
-    {"phmrg", C::ParagraphWord}, {"phpg", C::ParagraphWord}, {"phcol", C::ParagraphWord}, {"pvpara", C::ParagraphWord},
-    {"pvmrg", C::ParagraphWord}, {"pvpg", C::ParagraphWord}, {"dxfrtext", C::ParagraphWord},
-    {"dfrmtxtx", C::ParagraphWord}, {"dfrmtxty", C::ParagraphWord}, {"nowrap", C::ParagraphWord},
-    {"dropcapli", C::ParagraphWord}, {"dropcapt", C::ParagraphWord},
+    {"itap", C::TableDepth},
+});
+constexpr auto kKeptParagraphWords = std::to_array<std::string_view>({
+    "nocwrap", "s", "keep", "keepn", "widctlpar", "nowidctlpar", "hyphpar", "noline", "sbauto", "saauto", "lisb",
+    "lisa", "rtlpar", "outlinelevel", "level", "shading", "cfpat", "cbpat", "aspalpha", "aspnum", "faauto", "fahang",
+    "facenter", "faroman", "favar", "fafixed", "adjustright", "contextualspace", "sbys", "nooverflow", "cufi", "culi",
+    "curi", "indmirror", "posx", "posy", "posxc", "posxr", "posyt", "absw", "absh", "abslock", "phmrg", "phpg", "phcol",
+    "pvpara", "pvmrg", "pvpg", "dxfrtext", "dfrmtxtx", "dfrmtxty", "nowrap", "dropcapli", "dropcapt",
 });
 
-constexpr auto kBorderWords = std::to_array<ControlWord>({
-    {"brdrt", C::BorderWord}, {"brdrb", C::BorderWord}, {"brdrl", C::BorderWord}, {"brdrr", C::BorderWord},
-    {"brdrbtw", C::BorderWord}, {"brdrbar", C::BorderWord}, {"box", C::BorderWord}, {"brdrs", C::BorderWord},
-    {"brdrth", C::BorderWord}, {"brdrsh", C::BorderWord}, {"brdrdb", C::BorderWord}, {"brdrdot", C::BorderWord},
-    {"brdrdash", C::BorderWord}, {"brdrdashsm", C::BorderWord}, {"brdrdashd", C::BorderWord},
-    {"brdrdashdd", C::BorderWord}, {"brdrhair", C::BorderWord}, {"brdrtriple", C::BorderWord},
-    {"brdrtnthsg", C::BorderWord}, {"brdrthtnsg", C::BorderWord}, {"brdrwavy", C::BorderWord},
-    {"brdrinset", C::BorderWord}, {"brdroutset", C::BorderWord}, {"brdrnone", C::BorderWord},
-    {"brdrnil", C::BorderWord}, {"brdrtbl", C::BorderWord}, {"brdrw", C::BorderWord}, {"brdrcf", C::BorderWord},
-    {"brsp", C::BorderWord}, {"brdrframe", C::BorderWord},
+constexpr auto kBorderWords = std::to_array<std::string_view>({
+    "brdrt", "brdrb", "brdrl", "brdrr", "brdrbtw", "brdrbar", "box", "brdrs", "brdrth", "brdrsh", "brdrdb", "brdrdot",
+    "brdrdash", "brdrdashsm", "brdrdashd", "brdrdashdd", "brdrhair", "brdrtriple", "brdrtnthsg", "brdrthtnsg",
+    "brdrwavy", "brdrinset", "brdroutset", "brdrnone", "brdrnil", "brdrtbl", "brdrw", "brdrcf", "brsp", "brdrframe",
 });
 
 // What begins with \tr, \cl or \ts is kept with the row even when it is not here.
 constexpr auto kRowWords = std::to_array<ControlWord>({
-    {"trowd", C::RowStart}, {"lastrow", C::RowWord}, {"irow", C::RowWord}, {"irowband", C::RowWord},
-    {"tdfrmtxtLeft", C::RowWord}, {"tdfrmtxtRight", C::RowWord}, {"tdfrmtxtTop", C::RowWord},
-    {"tdfrmtxtBottom", C::RowWord}, {"tposx", C::RowWord}, {"tposy", C::RowWord}, {"tphpg", C::RowWord},
-    {"tphmrg", C::RowWord}, {"tphcol", C::RowWord}, {"tpvpg", C::RowWord}, {"tpvmrg", C::RowWord},
-    {"tpvpara", C::RowWord}, {"rtlrow", C::RowWord}, {"ltrrow", C::RowWord}, {"tbllkhdrrows", C::RowWord},
-    {"tbllklastrow", C::RowWord}, {"tbllkhdrcols", C::RowWord}, {"tbllklastcol", C::RowWord},
-    {"tbllknorowband", C::RowWord}, {"tbllknocolband", C::RowWord}, {"tblind", C::RowWord}, {"tblindtype", C::RowWord},
-    {"taprtl", C::RowWord}, {"cellx", C::CellEdge}, {"clvmgf", C::VerticalMerge, 1}, {"clvmrg", C::VerticalMerge, 2},
+    {"trowd", C::RowStart}, {"cellx", C::CellEdge}, {"clvmgf", C::VerticalMerge, 1}, {"clvmrg", C::VerticalMerge, 2},
     {"clmgf", C::HorizontalMerge, 1}, {"clmrg", C::HorizontalMerge, 2}, {"cell", C::CellEnd},
     {"nestcell", C::NestedCellEnd}, {"row", C::RowEnd}, {"nestrow", C::NestedRowEnd},
+});
+constexpr auto kKeptRowWords = std::to_array<std::string_view>({
+    "lastrow", "irow", "irowband", "tdfrmtxtLeft", "tdfrmtxtRight", "tdfrmtxtTop", "tdfrmtxtBottom", "tposx", "tposy",
+    "tphpg", "tphmrg", "tphcol", "tpvpg", "tpvmrg", "tpvpara", "rtlrow", "ltrrow", "tbllkhdrrows", "tbllklastrow",
+    "tbllkhdrcols", "tbllklastcol", "tbllknorowband", "tbllknocolband", "tblind", "tblindtype", "taprtl",
 });
 
 constexpr auto kFileWords = std::to_array<ControlWord>({
@@ -124,34 +104,35 @@ constexpr auto kFileWords = std::to_array<ControlWord>({
 });
 
 constexpr auto kTableEntryWords = std::to_array<ControlWord>({
-    {"red", C::Red}, {"green", C::Green}, {"blue", C::Blue}, {"fcharset", C::FontCharset}, {"cpg", C::FontCodePage},
-    {"fnil", C::FontFamily}, {"froman", C::FontFamily}, {"fswiss", C::FontFamily}, {"fmodern", C::FontFamily},
-    {"fscript", C::FontFamily}, {"fdecor", C::FontFamily}, {"ftech", C::FontFamily}, {"fbidi", C::FontFamily},
+    {"red", C::ColorPart, 16}, {"green", C::ColorPart, 8}, {"blue", C::ColorPart, 0}, {"fcharset", C::FontCharset}, {"cpg", C::FontCodePage},
+});
+constexpr auto kFontFamilies = std::to_array<std::string_view>({
+    "fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi",
 });
 
 constexpr auto kGroupWords = std::to_array<ControlWord>({
-    {"fonttbl", C::FontTable}, {"colortbl", C::ColorTable}, {"stylesheet", C::HeaderGroup}, {"info", C::HeaderGroup},
-    {"listtable", C::ListTable}, {"listoverridetable", C::OverrideTable}, {"revtbl", C::HeaderGroup},
-    {"rsidtbl", C::HeaderGroup}, {"generator", C::HeaderGroup}, {"themedata", C::HeaderGroup},
-    {"colorschememapping", C::HeaderGroup}, {"latentstyles", C::HeaderGroup}, {"datastore", C::HeaderGroup},
-    {"xmlnstbl", C::HeaderGroup}, {"mmathPr", C::HeaderGroup}, {"filetbl", C::HeaderGroup}, {"pgptbl", C::HeaderGroup},
-    {"docvar", C::HeaderGroup}, {"userprops", C::HeaderGroup}, {"defchp", C::HeaderGroup}, {"defpap", C::HeaderGroup},
-    {"background", C::HeaderGroup}, {"ftnsep", C::HeaderGroup}, {"ftnsepc", C::HeaderGroup}, {"ftncn", C::HeaderGroup},
-    {"aftnsep", C::HeaderGroup}, {"aftnsepc", C::HeaderGroup}, {"aftncn", C::HeaderGroup}, {"header", C::SectionGroup},
-    {"headerl", C::SectionGroup}, {"headerr", C::SectionGroup}, {"headerf", C::SectionGroup},
-    {"footer", C::SectionGroup}, {"footerl", C::SectionGroup}, {"footerr", C::SectionGroup},
-    {"footerf", C::SectionGroup}, {"bkmkstart", C::InvisibleGroup}, {"bkmkend", C::InvisibleGroup},
-    {"xe", C::InvisibleGroup}, {"rxe", C::InvisibleGroup}, {"tc", C::InvisibleGroup}, {"tcn", C::InvisibleGroup},
-    {"txe", C::InvisibleGroup}, {"atnid", C::InvisibleGroup}, {"atnauthor", C::InvisibleGroup},
-    {"atndate", C::InvisibleGroup}, {"annotation", C::InvisibleGroup}, {"atrfstart", C::InvisibleGroup},
-    {"atrfend", C::InvisibleGroup}, {"datafield", C::InvisibleGroup}, {"formfield", C::InvisibleGroup},
-    {"fontemb", C::SkippedGroup}, {"falt", C::SkippedGroup}, {"fname", C::SkippedGroup}, {"panose", C::SkippedGroup},
-    {"nonesttables", C::SkippedGroup}, {"pn", C::LegacyNumbering}, {"pntext", C::ListText}, {"listtext", C::ListText},
-    {"field", C::Field}, {"fldinst", C::FieldInstruction}, {"fldrslt", C::TransparentGroup}, {"upr", C::TwoForms},
-    {"ud", C::UnicodeForm}, {"nesttableprops", C::NestedTableProperties}, {"pict", C::Picture},
+    {"fonttbl", C::FontTable}, {"colortbl", C::ColorTable}, {"listtable", C::ListTable},
+    {"listoverridetable", C::OverrideTable}, {"pn", C::LegacyNumbering}, {"pntext", C::ListText},
+    {"listtext", C::ListText}, {"field", C::Field}, {"fldinst", C::FieldInstruction}, {"fldrslt", C::TransparentGroup},
+    {"upr", C::TwoForms}, {"ud", C::UnicodeForm}, {"nesttableprops", C::NestedTableProperties}, {"pict", C::Picture},
     {"shppict", C::ShownPicture}, {"nonshppict", C::AlternativePicture}, {"object", C::Object}, {"shp", C::Drawing},
-    {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shprslt", C::SkippedGroup}, {"shptxt", C::DrawingText},
-    {"dptxbxtext", C::DrawingText}, {"result", C::DrawingText}, {"footnote", C::Footnote},
+    {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shptxt", C::DrawingText}, {"dptxbxtext", C::DrawingText},
+    {"result", C::DrawingText}, {"footnote", C::Footnote},
+});
+constexpr auto kHeaderGroups = std::to_array<std::string_view>({
+    "stylesheet", "info", "revtbl", "rsidtbl", "generator", "themedata", "colorschememapping", "latentstyles",
+    "datastore", "xmlnstbl", "mmathPr", "filetbl", "pgptbl", "docvar", "userprops", "defchp", "defpap", "background",
+    "ftnsep", "ftnsepc", "ftncn", "aftnsep", "aftnsepc", "aftncn",
+});
+constexpr auto kSectionGroups = std::to_array<std::string_view>({
+    "header", "headerl", "headerr", "headerf", "footer", "footerl", "footerr", "footerf",
+});
+constexpr auto kInvisibleGroups = std::to_array<std::string_view>({
+    "bkmkstart", "bkmkend", "xe", "rxe", "tc", "tcn", "txe", "atnid", "atnauthor", "atndate", "annotation", "atrfstart",
+    "atrfend", "datafield", "formfield",
+});
+constexpr auto kSkippedGroups = std::to_array<std::string_view>({
+    "fontemb", "falt", "fname", "panose", "nonesttables", "shprslt",
 });
 
 constexpr auto kSectionBreaks = std::to_array<std::string_view>({"sbkpage", "sbknone", "sbkcol", "sbkeven", "sbkodd"});
@@ -207,15 +188,26 @@ constexpr std::array<ControlWord, kSlots> kTable = [] {
   const auto add_all = [&](const auto& words, ControlClass control_class) {
     for (const ControlWord& word : words) add(word, control_class);
   };
-  add_all(kIgnoredWords, ControlClass::Ignored);
+  const auto add_names = [&](const auto& names, ControlClass control_class, Control control) {
+    for (const std::string_view name : names) add({name, control}, control_class);
+  };
+  add_names(kIgnoredWords, ControlClass::Ignored, C::None);
   add_all(kTextWords, ControlClass::Text);
   add_all(kCharacterWords, ControlClass::CharacterFormat);
+  add_names(kKeptCharacterWords, ControlClass::CharacterFormat, C::CharacterWord);
   add_all(kParagraphWords, ControlClass::ParagraphFormat);
-  add_all(kBorderWords, ControlClass::Border);
+  add_names(kKeptParagraphWords, ControlClass::ParagraphFormat, C::ParagraphWord);
+  add_names(kBorderWords, ControlClass::Border, C::BorderWord);
   add_all(kRowWords, ControlClass::Row);
+  add_names(kKeptRowWords, ControlClass::Row, C::RowWord);
   add_all(kFileWords, ControlClass::File);
   add_all(kTableEntryWords, ControlClass::TableEntry);
+  add_names(kFontFamilies, ControlClass::TableEntry, C::FontFamily);
   add_all(kGroupWords, ControlClass::Group);
+  add_names(kHeaderGroups, ControlClass::Group, C::HeaderGroup);
+  add_names(kSectionGroups, ControlClass::Group, C::SectionGroup);
+  add_names(kInvisibleGroups, ControlClass::Group, C::InvisibleGroup);
+  add_names(kSkippedGroups, ControlClass::Group, C::SkippedGroup);
   std::int32_t number = 0;
   add({"sectd", C::SectionReset, number++}, ControlClass::File);
   for (const std::string_view name : kSectionBreaks) add({name, C::SectionBreak, number++}, ControlClass::File);

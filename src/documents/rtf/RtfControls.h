@@ -88,9 +88,7 @@ enum class Control : std::uint8_t {
   SectionBreak,  ///< \sbknone and its kin; value: as for DocumentWord
   SectionWord,   ///< value: as for DocumentWord
   // ControlClass::TableEntry
-  Red,
-  Green,
-  Blue,
+  ColorPart,  ///< value: how far it is shifted in RtfDocument::colors
   FontCharset,
   FontCodePage,
   FontFamily,

@@ -132,11 +132,11 @@ std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat
   return text;
 }
 
-std::string RowControls(const RtfDocument& document, const std::uint32_t* cells, std::size_t count) {
+std::string RowControls(const RtfDocument& document, std::span<const std::uint32_t> cells) {
   std::string text = "\\trowd\\trgaph108";
   std::int32_t edge = 0;
-  for (const std::uint32_t* place = cells; place != cells + count; ++place) {
-    const Cell& cell = document.cells[*place];
+  for (const std::uint32_t number : cells) {
+    const Cell& cell = document.cells[number];
     if (cell.row_span != 1) text.append(cell.row_span == 0 ? "\\clvmrg" : "\\clvmgf");
     if (cell.column_span != 1) text.append(cell.column_span == 0 ? "\\clmrg" : "\\clmgf");
     // Edges go up, or word processors leave the cell out.
@@ -146,12 +146,12 @@ std::string RowControls(const RtfDocument& document, const std::uint32_t* cells,
   return text;
 }
 
-std::string CompletedDefinition(const RtfDocument& document, const std::uint32_t* cells, std::size_t count) {
+std::string CompletedDefinition(const RtfDocument& document, std::span<const std::uint32_t> cells) {
   constexpr std::string_view kEdge = "\\cellx";
-  std::string text = document.rows[document.cells[*cells].row].definition;
+  std::string text = document.rows[document.cells[cells.front()].row].definition;
   std::size_t defined = 0;
   for (std::size_t at = text.find(kEdge); at != std::string::npos; at = text.find(kEdge, at + kEdge.size())) ++defined;
-  for (; defined < count; ++defined) Add(text, kEdge, document.cells[cells[defined]].right_edge);
+  for (; defined < cells.size(); ++defined) Add(text, kEdge, document.cells[cells[defined]].right_edge);
   return text;
 }
 

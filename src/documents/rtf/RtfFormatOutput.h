@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "documents/rtf/RtfDocument.h"
 #include "documents/rtf/RtfOutput.h"
 
 namespace tme::rtf {
@@ -21,10 +22,10 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format);
 
 /// From \trowd to the last \cellx, made from the cells' edges.
-std::string RowControls(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
+std::string RowControls(const RtfDocument& document, std::span<const std::uint32_t> cells);
 
 /// A row's definition as it came, with an edge for each cell that it left out: word processors drop those.
-std::string CompletedDefinition(const RtfDocument& document, const std::uint32_t* cells, std::size_t count);
+std::string CompletedDefinition(const RtfDocument& document, std::span<const std::uint32_t> cells);
 
 /// Font and colour table.
 void WriteTables(const RtfDocument& document, RtfOutput& out);

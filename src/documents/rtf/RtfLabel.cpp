@@ -155,17 +155,8 @@ void LabelReader::ReadBodyWord(const ControlWord& word) {
     case Control::CellEnd:
     case Control::NestedCellEnd:
       return decoder_.Put('\t');
-    case Control::Character:
-    case Control::Break:
-      return decoder_.Put(static_cast<char32_t>(word.value));
-    case Control::Unicode:
-      if (token_.has_value) decoder_.ReadUnicode(token_.value, Top().encoding);
-      return;
-    case Control::UnicodeSkip:
-      Top().encoding.unicode_skip = UnicodeSkipOf(token_);
-      return;
     default:
-      return;
+      return decoder_.ReadWord(word, token_, Top().encoding);
   }
 }
 

@@ -1,6 +1,8 @@
 #include "documents/rtf/RtfLists.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "documents/rtf/RtfTokenizer.h"
 
@@ -10,22 +12,11 @@ namespace {
 constexpr std::size_t kMaxLists = 10'000;
 
 ListKind KindOfNumberFormat(std::int32_t format) {
-  switch (format) {
-    case 1:
-      return ListKind::UpperRoman;
-    case 2:
-      return ListKind::LowerRoman;
-    case 3:
-      return ListKind::UpperLetter;
-    case 4:
-      return ListKind::LowerLetter;
-    case 23:
-      return ListKind::Bullet;
-    case 255:
-      return ListKind::None;
-    default:
-      return ListKind::Decimal;
-  }
+  constexpr std::pair<std::int32_t, ListKind> kFormats[] = {{1, ListKind::UpperRoman},  {2, ListKind::LowerRoman},
+                                                            {3, ListKind::UpperLetter}, {4, ListKind::LowerLetter},
+                                                            {23, ListKind::Bullet},     {255, ListKind::None}};
+  const auto known = std::ranges::find(kFormats, format, &std::pair<std::int32_t, ListKind>::first);
+  return known != std::end(kFormats) ? known->second : ListKind::Decimal;
 }
 
 void ReadLevelWord(const Token& word, ListStyle& style) {
@@ -35,24 +26,24 @@ void ReadLevelWord(const Token& word, ListStyle& style) {
 
 }  // namespace
 
-LegacyList ReadLegacyNumbering(std::string_view group) {
-  LegacyList list;
-  list.style.kind = ListKind::Decimal;
+void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format) {
+  format.list = ListKind::Decimal;
+  format.list_start = 1;
+  format.list_level = 0;
   Tokenizer tokens(group);
   Token token;
   for (tokens.Next(token); token.kind != TokenKind::End; tokens.Next(token)) {
     if (token.kind != TokenKind::Word) continue;
     const std::string_view name = token.text;
-    if (name == "pnlvlblt") list.style.kind = ListKind::Bullet;
-    if (name == "pnlvlcont") list.style.kind = ListKind::None;
-    if (name == "pnlcltr") list.style.kind = ListKind::LowerLetter;
-    if (name == "pnucltr") list.style.kind = ListKind::UpperLetter;
-    if (name == "pnlcrm") list.style.kind = ListKind::LowerRoman;
-    if (name == "pnucrm") list.style.kind = ListKind::UpperRoman;
-    if (name == "pnstart") list.style.start = token.value;
-    if (name == "pnlvl") list.level = static_cast<std::uint8_t>(std::clamp(token.value, 1, 9) - 1);
+    if (name == "pnlvlblt") format.list = ListKind::Bullet;
+    if (name == "pnlvlcont") format.list = ListKind::None;
+    if (name == "pnlcltr") format.list = ListKind::LowerLetter;
+    if (name == "pnucltr") format.list = ListKind::UpperLetter;
+    if (name == "pnlcrm") format.list = ListKind::LowerRoman;
+    if (name == "pnucrm") format.list = ListKind::UpperRoman;
+    if (name == "pnstart") format.list_start = token.value;
+    if (name == "pnlvl") format.list_level = static_cast<std::uint8_t>(std::clamp(token.value, 1, 9) - 1);
   }
-  return list;
 }
 
 ListKind ListKindOfText(std::string_view text) {

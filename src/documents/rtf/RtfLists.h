@@ -15,12 +15,8 @@ struct ListStyle {
   ListKind kind = ListKind::None;
   std::int32_t start = 1;
 };
-struct LegacyList {
-  ListStyle style;
-  std::uint8_t level = 0;
-};
-/// A \pn group.
-LegacyList ReadLegacyNumbering(std::string_view group);
+/// Makes a paragraph's format that of the list which a \pn group describes.
+void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format);
 
 /// What kind of list the number or bullet before a paragraph (\pntext, \listtext) speaks of.
 ListKind ListKindOfText(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace tme::rtf {
 
@@ -11,32 +12,17 @@ constexpr std::int64_t kLargestLetter = 26 * 20;
 constexpr std::int64_t kLargestRoman = 3999;
 
 std::string Roman(std::int64_t number) {
-  struct Step {
-    std::int32_t value;
-    std::string_view text;
-  };
-  constexpr std::array<Step, 13> kSteps{{{1000, "m"},
-                                         {900, "cm"},
-                                         {500, "d"},
-                                         {400, "cd"},
-                                         {100, "c"},
-                                         {90, "xc"},
-                                         {50, "l"},
-                                         {40, "xl"},
-                                         {10, "x"},
-                                         {9, "ix"},
-                                         {5, "v"},
-                                         {4, "iv"},
-                                         {1, "i"}}};
+  constexpr std::pair<std::int32_t, std::string_view> kSteps[] = {
+      {1000, "m"}, {900, "cm"}, {500, "d"}, {400, "cd"}, {100, "c"}, {90, "xc"}, {50, "l"},
+      {40, "xl"},  {10, "x"},   {9, "ix"},  {5, "v"},    {4, "iv"},  {1, "i"}};
   std::string text;
-  for (const Step& step : kSteps) {
-    for (; number >= step.value; number -= step.value) text.append(step.text);
+  for (const auto& [value, letters] : kSteps) {
+    for (; number >= value; number -= value) text.append(letters);
   }
   return text;
 }
 
-}  // namespace
-
+/// "7", "g", "VII" and so on; plain digits where the kind has nothing for the number.
 std::string ListNumber(ListKind kind, std::int64_t number) {
   std::string text;
   const bool is_letter = kind == ListKind::LowerLetter || kind == ListKind::UpperLetter;
@@ -53,6 +39,8 @@ std::string ListNumber(ListKind kind, std::int64_t number) {
   }
   return text;
 }
+
+}  // namespace
 
 std::string RtfNumbering::Next(const ParagraphFormat& format) {
   if (format.list == ListKind::None || format.list_id != 0) plain_ = {};

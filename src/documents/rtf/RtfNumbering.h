@@ -28,7 +28,4 @@ class RtfNumbering {
   std::map<std::int32_t, Levels> named_;
 };
 
-/// "7", "g", "VII" and so on; plain digits where the kind has nothing for the number.
-std::string ListNumber(ListKind kind, std::int64_t number);
-
 }  // namespace tme::rtf

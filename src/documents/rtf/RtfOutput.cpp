@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <map>
+#include <utility>
 
 #include "base/Utf16.h"
 #include "base/Utf8.h"
@@ -13,7 +15,6 @@ namespace tme::rtf {
 
 namespace {
 
-constexpr std::size_t kPartBytes = std::size_t{1} << 16;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kDigits = "0123456789abcdef";
 constexpr char32_t kReplacementCharacter = 0xFFFD;
@@ -77,87 +78,56 @@ char FallbackOf(char32_t character) {
 
 /// Characters that have a control of their own; empty for others.
 std::string_view ControlOf(char32_t character) {
-  switch (character) {
-    case U'\t':
-      return "\\tab";
-    case U'\n':
-    case U'\r':
-    case U'\v':
-    case 0x2028:
-      return "\\line";
-    case U'\f':
-      return "\\page";
-    case U'\\':
-      return "\\\\";
-    case U'{':
-      return "\\{";
-    case U'}':
-      return "\\}";
-    case 0xA0:
-      return "\\~";
-    case 0xAD:
-      return "\\-";
-    case 0x2011:
-      return "\\_";
-    case 0x2013:
-      return "\\endash";
-    case 0x2014:
-      return "\\emdash";
-    case 0x2018:
-      return "\\lquote";
-    case 0x2019:
-      return "\\rquote";
-    case 0x201C:
-      return "\\ldblquote";
-    case 0x201D:
-      return "\\rdblquote";
-    case 0x2022:
-      return "\\bullet";
-    default:
-      return {};
-  }
+  using Control = std::pair<char32_t, std::string_view>;
+  static constexpr Control kControls[] = {
+      // by character
+      {U'\t', "\\tab"},        {U'\n', "\\line"},    {U'\v', "\\line"},    {U'\f', "\\page"},
+      {U'\r', "\\line"},       {U'\\', "\\\\"},      {U'{', "\\{"},        {U'}', "\\}"},
+      {0xA0, "\\~"},           {0xAD, "\\-"},        {0x2011, "\\_"},      {0x2013, "\\endash"},
+      {0x2014, "\\emdash"},    {0x2018, "\\lquote"}, {0x2019, "\\rquote"}, {0x201C, "\\ldblquote"},
+      {0x201D, "\\rdblquote"}, {0x2022, "\\bullet"}, {0x2028, "\\line"}};
+  const auto found = std::ranges::lower_bound(kControls, character, {}, &Control::first);
+  return found != std::end(kControls) && found->first == character ? found->second : std::string_view();
 }
 
 }  // namespace
 
-RtfOutput::RtfOutput(const RtfPart& put) : put_(put) { part_.reserve(2 * kPartBytes); }
-
 void RtfOutput::Words(std::string_view controls) {
   if (controls.empty()) return;
-  part_.append(controls);
+  out_.Append(controls);
   after_word_ = controls.back() != '}';
 }
 
 void RtfOutput::Word(std::string_view control, std::int64_t number) {
   std::array<char, 24> digits;
   const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  part_.append(control).append(digits.data(), static_cast<std::size_t>(result.ptr - digits.data()));
+  out_.Append(control).Append({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())});
   after_word_ = true;
 }
 
 void RtfOutput::Syntax(char brace) {
-  part_.push_back(brace);
+  out_.Append({&brace, 1});
   after_word_ = false;
-  HandOnWhenFull();
+  EndPiece();
 }
 
 void RtfOutput::LineEnd() {
-  part_.append(kLineEnd);
+  out_.Append(kLineEnd);
   after_word_ = false;
-  HandOnWhenFull();
+  EndPiece();
 }
 
 void RtfOutput::Delimit(char next) {
-  if (after_word_ && kRunsIntoWords[static_cast<unsigned char>(next)]) part_.push_back(' ');
+  if (after_word_ && kRunsIntoWords[static_cast<unsigned char>(next)]) out_.Append(" ");
   after_word_ = false;
 }
 
 void RtfOutput::Text(std::string_view text, Alphabet alphabet) {
   while (!text.empty()) {
-    const std::size_t run = alphabet == Alphabet::Unicode ? PlainRun(text.substr(0, kPartBytes)) : 0;
+    const std::size_t run = alphabet == Alphabet::Unicode ? PlainRun(text.substr(0, PartBuffer::kPartBytes)) : 0;
     if (run > 0) {
       Delimit(text.front());
-      part_.append(text.substr(0, run));
+      out_.Append(text.substr(0, run));
       text.remove_prefix(run);
     } else if (const auto character = utf8::TakeCharacter(text)) {
       Character(*character, alphabet);
@@ -165,7 +135,7 @@ void RtfOutput::Text(std::string_view text, Alphabet alphabet) {
       text.remove_prefix(1);
       Character(kReplacementCharacter, alphabet);
     }
-    HandOnWhenFull();
+    EndPiece();
   }
 }
 
@@ -175,7 +145,7 @@ void RtfOutput::Character(char32_t character, Alphabet alphabet) {
   const bool is_escaped = character == U'\\' || character == U'{' || character == U'}';
   if (is_escaped && alphabet != Alphabet::Unicode) return CodeUnit(character, '?');
   if (const std::string_view control = ControlOf(character); !control.empty()) {
-    part_.append(control);
+    out_.Append(control);
     after_word_ = control.size() > 2;
     return;
   }
@@ -188,26 +158,22 @@ void RtfOutput::Character(char32_t character, Alphabet alphabet) {
 void RtfOutput::CodeUnit(std::uint32_t unit, char fallback) {
   Word("\\u", unit < 0x8000 ? static_cast<std::int64_t>(unit) : static_cast<std::int64_t>(unit) - 0x10000);
   Delimit(fallback);
-  part_.push_back(fallback);
+  out_.Append({&fallback, 1});
   after_word_ = false;
 }
 
 void RtfOutput::Byte(unsigned byte) {
-  part_.append("\\'").append(1, kDigits[byte / 16]).append(1, kDigits[byte % 16]);
+  out_.Append("\\'").Append(kDigits.substr(byte / 16, 1)).Append(kDigits.substr(byte % 16, 1));
   after_word_ = false;
 }
 
 void RtfOutput::Kept(std::string_view groups) {
   if (groups.empty()) return;
   Delimit(groups.front());
-  if (groups.size() <= kPartBytes) {
-    part_.append(groups);
-    return HandOnWhenFull();
+  for (; !groups.empty(); groups.remove_prefix(std::min(groups.size(), PartBuffer::kPartBytes))) {
+    out_.Append(groups.substr(0, PartBuffer::kPartBytes));
+    EndPiece();
   }
-  HandOn(part_);
-  part_.clear();
-  for (; !groups.empty(); groups.remove_prefix(std::min(groups.size(), kPartBytes)))
-    HandOn(groups.substr(0, kPartBytes));
 }
 
 void RtfOutput::Hex(std::string_view bytes) {
@@ -220,26 +186,15 @@ void RtfOutput::Hex(std::string_view bytes) {
       line[2 * i] = kDigits[byte / 16];
       line[2 * i + 1] = kDigits[byte % 16];
     }
-    part_.append(kLineEnd).append(line.data(), 2 * count);
+    out_.Append(kLineEnd).Append({line.data(), 2 * count});
     bytes.remove_prefix(count);
-    HandOnWhenFull();
+    EndPiece();
   }
   after_word_ = false;
 }
 
-void RtfOutput::HandOn(std::string_view part) {
-  if (!stopped_ && !part.empty()) stopped_ = !put_(part);
-}
-
-void RtfOutput::HandOnWhenFull() {
-  if (part_.size() < kPartBytes) return;
-  HandOn(part_);
-  part_.clear();
-}
-
 bool RtfOutput::Finish() {
-  HandOn(part_);
-  part_.clear();
+  stopped_ = stopped_ || !out_.Flush();
   return !stopped_;
 }
 

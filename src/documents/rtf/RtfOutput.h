@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
-#include "documents/rtf/RtfWriter.h"
+#include "base/Parts.h"
 
 namespace tme::rtf {
 
@@ -18,7 +17,8 @@ enum class Alphabet : std::uint8_t {
 /// The file in the making: joins control words, groups and text, and hands them on in parts of about 64 KB.
 class RtfOutput {
  public:
-  explicit RtfOutput(const RtfPart& put);
+  /// sink: not owned.
+  explicit RtfOutput(const PartSink& sink) : out_(sink) {}
 
   /// Control words with their backslashes.
   void Words(std::string_view controls);
@@ -33,7 +33,7 @@ class RtfOutput {
   void Hex(std::string_view bytes);
 
   bool Stopped() const { return stopped_; }
-  /// Hands on what is left. False when the receiver gave up, now or before.
+  /// Hands on what is left. False when the sink stopped, now or before.
   bool Finish();
 
  private:
@@ -42,11 +42,9 @@ class RtfOutput {
   void Character(char32_t character, Alphabet alphabet);
   void CodeUnit(std::uint32_t unit, char fallback);
   void Byte(unsigned byte);
-  void HandOn(std::string_view part);
-  void HandOnWhenFull();
+  void EndPiece() { stopped_ = stopped_ || !out_.EndPiece(); }
 
-  const RtfPart& put_;
-  std::string part_;
+  PartBuffer out_;
   bool after_word_ = false;  ///< text would run into the control word before it
   bool stopped_ = false;
 };

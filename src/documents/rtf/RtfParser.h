@@ -11,7 +11,6 @@
 #include "documents/rtf/RtfControls.h"
 #include "documents/rtf/RtfDocumentControls.h"
 #include "documents/rtf/RtfFontTable.h"
-#include "documents/rtf/RtfFormatWords.h"
 #include "documents/rtf/RtfLabel.h"
 #include "documents/rtf/RtfLists.h"
 #include "documents/rtf/RtfReader.h"
@@ -19,6 +18,18 @@
 #include "documents/rtf/RtfTokenizer.h"
 
 namespace tme::rtf {
+
+/// What control words have said about a paragraph.
+struct ParagraphState {
+  ParagraphFormat format{};
+  std::int32_t table_depth = 0;
+  bool is_in_table = false;
+  TabKind next_tab = TabKind::Left;
+  TabLeader next_leader = TabLeader::None;
+
+  /// How many tables it stands in.
+  int TableLevel() const { return table_depth > 0 ? table_depth : is_in_table ? 1 : 0; }
+};
 
 /// Reads the groups, control words and text of a file into a document. Internal to the reader.
 class Parser : private TextDecoder::Sink {
@@ -110,7 +121,6 @@ class Parser : private TextDecoder::Sink {
   void BeginField();
   void AddField();
   void ReadLists(const ControlWord& word);
-  void ReadLegacyList();
   void KeepInvisible(std::string group);
   bool IsFieldTooDeep(std::uint32_t parent) const;
 

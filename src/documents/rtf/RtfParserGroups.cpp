@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "documents/rtf/RtfHyperlink.h"
 #include "documents/rtf/RtfParser.h"
 #include "documents/rtf/RtfPicture.h"
 
@@ -25,6 +24,43 @@ void SayUnicodeSkip(std::string& group, int skip) {
   while (has_word && at < group.size() && is_number(group[at])) ++at;
   if (!has_word) at = 1;
   group.insert(at, "\\uc" + std::to_string(skip));
+}
+
+/// Takes a word or a quoted text off the front.
+std::string TakeArgument(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n"), text.size()));
+  const bool is_quoted = text.starts_with('"');
+  if (is_quoted) text.remove_prefix(1);
+  const std::size_t end = std::min(text.find_first_of(is_quoted ? "\"" : " \t\n"), text.size());
+  std::string argument;
+  for (std::size_t i = 0; i < end; ++i) {
+    if (is_quoted && text[i] == '\\' && i + 1 < end && text[i + 1] == '\\') ++i;
+    argument += text[i];
+  }
+  text.remove_prefix(std::min(end + (is_quoted ? 1u : 0u), text.size()));
+  return argument;
+}
+
+/// Where a HYPERLINK field leads, with "#" and the place in it; empty for other fields. `instruction`: the text of its
+/// \fldinst group.
+std::string UrlOfInstruction(std::string_view instruction) {
+  if (TakeArgument(instruction) != "HYPERLINK") return {};
+  std::string url;
+  std::string place;
+  while (true) {
+    instruction.remove_prefix(std::min(instruction.find_first_not_of(" \t\n"), instruction.size()));
+    if (instruction.empty()) break;
+    const bool is_quoted = instruction.starts_with('"');
+    const std::string argument = TakeArgument(instruction);
+    if (is_quoted || !argument.starts_with('\\')) {
+      if (url.empty()) url = argument;
+    } else if (argument == "\\l") {
+      place = TakeArgument(instruction);
+    } else if (argument == "\\o" || argument == "\\t") {
+      TakeArgument(instruction);
+    }
+  }
+  return place.empty() ? url : url + "#" + place;
 }
 
 }  // namespace
@@ -99,8 +135,10 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       if (!is_first_section_) return KeepInvisible(TakeGroup());
       document_.kept_section += TakeGroup();
       return;
-    case Control::LegacyNumbering:
-      return ReadLegacyList();
+    case Control::LegacyNumbering: {
+      const std::string group = TakeGroup();
+      return ReadLegacyNumbering(group, OwnParagraph().format);
+    }
     case Control::ListText:
       list_of_text_ = ListKindOfText(LabelOfGroup(TakeGroup(), LabelText::All));
       return;
@@ -132,14 +170,6 @@ void Parser::ReadLists(const ControlWord& word) {
   const bool all = word.control == Control::ListTable ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
   if (!all) ++document_.losses.limits;
   document_.kept_header += group;
-}
-
-void Parser::ReadLegacyList() {
-  const LegacyList list = ReadLegacyNumbering(TakeGroup());
-  ParagraphFormat& format = OwnParagraph().format;
-  format.list = list.style.kind;
-  format.list_start = list.style.start;
-  format.list_level = list.level;
 }
 
 void Parser::AddObject(Object&& object) {

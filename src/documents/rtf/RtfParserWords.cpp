@@ -1,9 +1,128 @@
 #include <algorithm>
+#include <utility>
 
 #include "documents/rtf/RtfParser.h"
 
 namespace tme::rtf {
 namespace {
+
+constexpr std::int32_t kMaxHalfPoints = 3276;
+constexpr std::uint32_t kDefaultHalfPoints = 24;
+constexpr std::int32_t kMaxListLevel = 8;
+constexpr std::size_t kMaxTabs = 64;
+
+/// Words that set a length to their number.
+constexpr std::pair<Control, std::int32_t ParagraphFormat::*> kLengths[] = {
+    {Control::IndentLeft, &ParagraphFormat::left},        {Control::IndentRight, &ParagraphFormat::right},
+    {Control::IndentFirst, &ParagraphFormat::first_line}, {Control::SpaceBefore, &ParagraphFormat::space_before},
+    {Control::SpaceAfter, &ParagraphFormat::space_after}, {Control::LineSpacing, &ParagraphFormat::line_spacing}};
+
+void AddTab(std::int32_t position, TabKind kind, ParagraphState& paragraph, Losses& losses) {
+  if (paragraph.format.tabs.size() < kMaxTabs) {
+    paragraph.format.tabs.push_back({position, kind, paragraph.next_leader});
+  } else {
+    ++losses.limits;
+  }
+  paragraph.next_tab = TabKind::Left;
+  paragraph.next_leader = TabLeader::None;
+}
+
+void FindList(const ListTables& lists, ParagraphFormat& format) {
+  if (format.list_id == 0) return;
+  const ListStyle style = lists.Find(format.list_id, format.list_level);
+  format.list = style.kind;
+  format.list_start = style.start;
+}
+
+/// Words of ControlClass::CharacterFormat. Fonts, \plain and words that are kept as they are, are none of its business.
+void ApplyCharacterWord(const ControlWord& word, const Token& token, const ColorTable& colors, CharFormat& format) {
+  const bool is_on = token.IsOn();
+  switch (word.control) {
+    case Control::FontSize:
+      format.half_points =
+          token.value > 0 ? static_cast<std::uint32_t>(std::min(token.value, kMaxHalfPoints)) : kDefaultHalfPoints;
+      return;
+    case Control::Color:
+      format.color = colors.IndexOf(token.value);
+      return;
+    case Control::Background:
+      format.background = colors.IndexOf(token.value);
+      return;
+    case Control::Bold:
+      format.bold = is_on;
+      return;
+    case Control::Italic:
+      format.italic = is_on;
+      return;
+    case Control::Hidden:
+      format.hidden = is_on;
+      return;
+    case Control::Underlined:
+      format.underline = is_on ? static_cast<Underline>(word.value) : Underline::None;
+      return;
+    case Control::Struck:
+      format.strike = is_on ? static_cast<Strike>(word.value) : Strike::None;
+      return;
+    case Control::Scripted:
+      format.script = is_on ? static_cast<Script>(word.value) : Script::Normal;
+      return;
+    case Control::Raised: {
+      const bool is_up = (word.value > 0) == (token.value > 0);
+      format.script = !is_on ? Script::Normal : is_up ? Script::Super : Script::Sub;
+      return;
+    }
+    case Control::Capital:
+      format.capitals = is_on ? static_cast<Capitals>(word.value) : Capitals::None;
+      return;
+    default:
+      return;
+  }
+}
+
+/// Words of ControlClass::ParagraphFormat but \pard and words that are kept as they are; what is over a limit counts as
+/// a loss.
+void ApplyParagraphWord(const ControlWord& word, const Token& token, const ListTables& lists, ParagraphState& paragraph,
+                        Losses& losses) {
+  ParagraphFormat& format = paragraph.format;
+  const std::int32_t value = token.value;
+  for (const auto& [control, length] : kLengths) {
+    if (control == word.control) format.*length = value;
+  }
+  switch (word.control) {
+    case Control::Aligned:
+      format.alignment = static_cast<Alignment>(word.value);
+      return;
+    case Control::LineMultiple:
+      format.line_multiple = token.IsOn();
+      return;
+    case Control::TabAt:
+      return AddTab(value, word.value != 0 ? TabKind::Bar : paragraph.next_tab, paragraph, losses);
+    case Control::TabKindNext:
+      paragraph.next_tab = static_cast<TabKind>(word.value);
+      return;
+    case Control::TabLeaderNext:
+      paragraph.next_leader = static_cast<TabLeader>(word.value);
+      return;
+    case Control::PageBreakBefore:
+      format.page_break_before = token.IsOn();
+      return;
+    case Control::ListOverride:
+      format.list_id = value;
+      return FindList(lists, format);
+    case Control::ListLevel:
+      format.list_level = static_cast<std::uint8_t>(std::clamp(value, 0, kMaxListLevel));
+      return FindList(lists, format);
+    case Control::InTable:
+      paragraph.is_in_table = token.IsOn();
+      return;
+    case Control::TableDepth:
+      paragraph.table_depth = std::clamp(value, 0, kMaxTableLevel);
+      losses.deep_tables = losses.deep_tables || value > kMaxTableLevel;
+      return;
+    default:
+      return;
+  }
+}
 
 std::string InBraces(std::string_view word) {
   std::string text("{");
@@ -69,15 +188,6 @@ void Parser::ReadBodyWord(const ControlWord& word) {
 
 void Parser::ReadTextWord(const ControlWord& word) {
   switch (word.control) {
-    case Control::Character:
-    case Control::Break:
-      return decoder_.Put(static_cast<char32_t>(word.value));
-    case Control::Unicode:
-      if (token_.has_value) decoder_.ReadUnicode(token_.value, Top().encoding);
-      return;
-    case Control::UnicodeSkip:
-      Top().encoding.unicode_skip = UnicodeSkipOf(token_);
-      return;
     case Control::Paragraph:
       EndParagraph(Paragraph().TableLevel());
       Top().has_only_words = false;
@@ -96,7 +206,7 @@ void Parser::ReadTextWord(const ControlWord& word) {
       return AddObject({.kind = ObjectKind::Placeholder, .rtf = InBraces(RawWord()), .label = std::string(label)});
     }
     default:
-      return;
+      return decoder_.ReadWord(word, token_, Top().encoding);
   }
 }
 

@@ -1,7 +1,5 @@
 #include "documents/rtf/RtfReader.h"
 
-#include <utility>
-
 #include "base/Utf8.h"
 #include "documents/rtf/RtfParser.h"
 

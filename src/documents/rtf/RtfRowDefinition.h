@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "documents/rtf/RtfControls.h"
-#include "documents/rtf/RtfTokenizer.h"
 
 namespace tme::rtf {
 

@@ -69,7 +69,7 @@ bool RtfTableWalk::Leave(const Paragraph* next) {
     const std::size_t depth = open_.size() - 1;
     if (GoOnInRow(depth)) return true;
     const std::uint32_t row = RowOf(open_[depth]);
-    SkipCells(place_[open_[depth]] + 1, static_cast<std::uint32_t>(CellCountOf(row)));
+    SkipCells(place_[open_[depth]] + 1, static_cast<std::uint32_t>(CellsOf(row).size()));
     listener_.EndRow(row, depth);
     open_.pop_back();
     if (open_.empty() || NextStandsIn(depth - 1)) return true;

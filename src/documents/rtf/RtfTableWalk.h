@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "documents/rtf/RtfDocument.h"
@@ -34,8 +35,9 @@ class RtfTableWalk {
   /// How many tables the paragraph stands in.
   std::size_t Depth() const { return open_.size(); }
   /// The cells of a row, in their order: indices into RtfDocument::cells.
-  const std::uint32_t* CellsOf(std::uint32_t row) const { return cells_.data() + first_cell_[row]; }
-  std::size_t CellCountOf(std::uint32_t row) const { return first_cell_[row + 1] - first_cell_[row]; }
+  std::span<const std::uint32_t> CellsOf(std::uint32_t row) const {
+    return std::span(cells_).subspan(first_cell_[row], first_cell_[row + 1] - first_cell_[row]);
+  }
 
  private:
   void FindPath(std::int32_t cell);

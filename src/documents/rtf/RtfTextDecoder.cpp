@@ -9,11 +9,6 @@
 
 namespace tme::rtf {
 
-std::uint8_t UnicodeSkipOf(const Token& token) {
-  constexpr int kMaxUnicodeSkip = 255;
-  return static_cast<std::uint8_t>(token.has_value ? std::clamp(token.value, 0, kMaxUnicodeSkip) : 1);
-}
-
 void TextDecoder::Read(const Token& token, const TextEncoding& encoding) {
   switch (token.kind) {
     case TokenKind::Text:
@@ -34,6 +29,24 @@ void TextDecoder::Read(const Token& token, const TextEncoding& encoding) {
       return;
     case TokenKind::Binary:
       SkipFallback();
+      return;
+    default:
+      return;
+  }
+}
+
+void TextDecoder::ReadWord(const ControlWord& word, const Token& token, TextEncoding& encoding) {
+  constexpr int kMaxUnicodeSkip = 255;
+  switch (word.control) {
+    case Control::Character:
+    case Control::Break:
+      return Put(static_cast<char32_t>(word.value));
+    case Control::Unicode:
+      if (token.has_value) ReadUnicode(token.value, encoding);
+      return;
+    case Control::UnicodeSkip:
+      encoding.unicode_skip =
+          static_cast<std::uint8_t>(token.has_value ? std::clamp(token.value, 0, kMaxUnicodeSkip) : 1);
       return;
     default:
       return;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "documents/rtf/RtfCharset.h"
+#include "documents/rtf/RtfControls.h"
 #include "documents/rtf/RtfTokenizer.h"
 
 namespace tme::rtf {
@@ -15,9 +15,6 @@ struct TextEncoding {
   CodePage* page = nullptr;
   std::uint8_t unicode_skip = 1;  ///< the N of \ucN: how many characters stand behind a \u for readers without it
 };
-
-/// What a \uc says.
-std::uint8_t UnicodeSkipOf(const Token& token);
 
 /// Makes UTF-8 of the tokens that are text: bytes of a code page and \u with its fallback. Internal to the reader.
 class TextDecoder {
@@ -37,8 +34,8 @@ class TextDecoder {
 
   /// Any token but words and groups. `\*` and the line ends that stand for \par are none of its business.
   void Read(const Token& token, const TextEncoding& encoding);
-  /// The number of a \u.
-  void ReadUnicode(std::int32_t value, const TextEncoding& encoding);
+  /// A word that stands for a character, and \u and \uc; others are passed over.
+  void ReadWord(const ControlWord& word, const Token& token, TextEncoding& encoding);
   void Put(char32_t character);
 
   /// Ends a character of several bytes that is not complete.
@@ -51,6 +48,7 @@ class TextDecoder {
   void ReadAscii(std::string_view text, CodePage& page);
   void ReadByte(unsigned char byte, CodePage& page);
   void ReadSymbol(unsigned char symbol, CodePage& page);
+  void ReadUnicode(std::int32_t value, const TextEncoding& encoding);
   void PutDecoded(std::string_view text);
   void PutText(std::string_view text);
   void PutUnknown();

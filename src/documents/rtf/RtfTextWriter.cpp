@@ -1,4 +1,3 @@
-#include <string>
 
 #include "documents/rtf/RtfTableWalk.h"
 #include "documents/rtf/RtfWriter.h"
@@ -9,12 +8,11 @@ namespace {
 /// Text without formats.
 class PlainWriter : private RtfTableWalk::Listener {
  public:
-  PlainWriter(const RtfDocument& document, const RtfPart& put)
-      : document_(document), put_(put), walk_(document, *this) {}
+  PlainWriter(const RtfDocument& document, const PartSink& sink)
+      : document_(document), out_(sink), walk_(document, *this) {}
   bool Write();
 
  private:
-  static constexpr std::size_t kPartBytes = std::size_t{1} << 16;
   static constexpr std::string_view kLineEnd = "\r\n";
   static constexpr std::string_view kLineBreak = "\u2028";
 
@@ -22,31 +20,29 @@ class PlainWriter : private RtfTableWalk::Listener {
   void BeginRow(std::uint32_t, std::size_t) override {}
   void EndCell(std::size_t) override { pending_tab_ = true; }
   void EmptyCell(std::size_t) override { Tab(), pending_tab_ = true; }
-  void EndRow(std::uint32_t, std::size_t) override { pending_tab_ = false, part_.append(kLineEnd); }
+  void EndRow(std::uint32_t, std::size_t) override { pending_tab_ = false, out_.Append(kLineEnd); }
   void Tab();
 
   const RtfDocument& document_;
-  const RtfPart& put_;
+  PartBuffer out_;
   RtfTableWalk walk_;
-  std::string part_;
   bool pending_tab_ = false;  ///< a cell has ended, and maybe its row
 };
 
 void PlainWriter::Tab() {
-  if (pending_tab_) part_.push_back('\t');
+  if (pending_tab_) out_.Append("\t");
   pending_tab_ = false;
 }
 
 void PlainWriter::Text(std::string_view text) {
   for (std::size_t end = text.find(kLineBreak); end != std::string_view::npos; end = text.find(kLineBreak)) {
-    part_.append(text.substr(0, end)).append(kLineEnd);
+    out_.Append(text.substr(0, end)).Append(kLineEnd);
     text.remove_prefix(end + kLineBreak.size());
   }
-  part_.append(text);
+  out_.Append(text);
 }
 
 bool PlainWriter::Write() {
-  part_.reserve(2 * kPartBytes);
   std::size_t text_at = 0;
   for (std::size_t i = 0; i < document_.paragraphs.size(); ++i) {
     const bool is_last = i + 1 == document_.paragraphs.size();
@@ -58,20 +54,18 @@ bool PlainWriter::Write() {
         Text(std::string_view(document_.text).substr(text_at, document_.runs[run].bytes));
         text_at += document_.runs[run].bytes;
       } else if (object->kind == ObjectKind::Placeholder && !object->label.empty()) {
-        part_.append("[").append(object->label).append("]");
+        out_.Append("[").Append(object->label).Append("]");
       }
     }
     const bool ended_cell = walk_.Leave(is_last ? nullptr : &document_.paragraphs[i + 1]);
-    if (!ended_cell && !is_last) part_.append(kLineEnd);
-    if (part_.size() < kPartBytes) continue;
-    if (!put_(part_)) return false;
-    part_.clear();
+    if (!ended_cell && !is_last) out_.Append(kLineEnd);
+    if (!out_.EndPiece()) return false;
   }
-  return part_.empty() || put_(part_);
+  return out_.Flush();
 }
 
 }  // namespace
 
-bool WriteRtfAsText(const RtfDocument& document, const RtfPart& put) { return PlainWriter(document, put).Write(); }
+bool WriteRtfAsText(const RtfDocument& document, const PartSink& sink) { return PlainWriter(document, sink).Write(); }
 
 }  // namespace tme::rtf

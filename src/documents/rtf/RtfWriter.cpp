@@ -18,9 +18,9 @@ constexpr std::string_view kPngSignature = "\x89PNG";
 
 class Writer : private RtfTableWalk::Listener {
  public:
-  Writer(const RtfDocument& document, const RtfPart& put)
+  Writer(const RtfDocument& document, const PartSink& sink)
       : document_(document),
-        out_(put),
+        out_(sink),
         walk_(document, *this),
         plain_(PlainFormat(document)),
         alphabets_(AlphabetsOf(document.fonts)),
@@ -255,11 +255,8 @@ void Writer::CloseFields(std::size_t stay_open) {
 }
 
 void Writer::RowDefinition(std::uint32_t row) {
-  const std::string& definition = document_.rows[row].definition;
-  if (definition.empty())
-    out_.Words(RowControls(document_, walk_.CellsOf(row), walk_.CellCountOf(row)));
-  else
-    out_.Words(CompletedDefinition(document_, walk_.CellsOf(row), walk_.CellCountOf(row)));
+  const bool is_new = document_.rows[row].definition.empty();
+  out_.Words((is_new ? RowControls : CompletedDefinition)(document_, walk_.CellsOf(row)));
 }
 
 void Writer::BeginRow(std::uint32_t row, std::size_t depth) {
@@ -303,6 +300,6 @@ void Writer::EndRow(std::uint32_t row, std::size_t depth) {
 
 }  // namespace
 
-bool WriteRtf(const RtfDocument& document, const RtfPart& put) { return Writer(document, put).Write(); }
+bool WriteRtf(const RtfDocument& document, const PartSink& sink) { return Writer(document, sink).Write(); }
 
 }  // namespace tme::rtf

@@ -24,7 +24,8 @@ struct TextMatch {
 /// bytes, and so may the match. A line feed in the search text matches any line end: CR LF, CR or LF. Bytes that are
 /// no UTF-8 match themselves.
 ///
-/// A whole word is a match that no word character (WordCharacter.h) stands beside.
+/// A whole word is a match that no word character stands beside: letters, digits and the underscore, and beyond ASCII
+/// whatever is no punctuation, symbol or space.
 class TextSearch {
  public:
   TextSearch(std::string_view wanted, SearchCase search_case, SearchWords words);

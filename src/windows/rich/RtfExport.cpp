@@ -3,7 +3,6 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextFrame>
-#include <QTextList>
 #include <QTextTable>
 #include <algorithm>
 #include <unordered_map>
@@ -228,22 +227,13 @@ class Exporter {
   std::unordered_set<int> written_;
 };
 
-void ClearText(RtfDocument& document) {
-  document.text = {};
-  document.runs = {};
-  document.paragraphs = {};
-  document.cells = {};
-  document.rows = {};
-  document.tables = {};
-}
-
 }  // namespace
 
 RtfExport::RtfExport(const QTextDocument& view, RtfStore& store) : store_(store) {
-  ClearText(store_.document);
+  TakeRtfText(store_.document);
   Exporter(store).Run(view);
 }
 
-RtfExport::~RtfExport() { ClearText(store_.document); }
+RtfExport::~RtfExport() { TakeRtfText(store_.document); }
 
 }  // namespace tme

@@ -7,8 +7,6 @@
 #include "system/Twips.h"
 #include "windows/rich/RtfPieces.h"
 
-using namespace Qt::StringLiterals;
-
 namespace tme {
 namespace {
 

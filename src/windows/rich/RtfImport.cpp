@@ -12,10 +12,8 @@
 #include "windows/rich/RtfFlatTables.h"
 #include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfGrid.h"
-#include "windows/rich/RtfMerge.h"
 #include "windows/rich/RtfRunInserter.h"
 #include "windows/rich/RtfShape.h"
-#include "windows/rich/RtfViewLists.h"
 
 namespace tme {
 namespace {
@@ -27,6 +25,47 @@ constexpr double kSeamUnits = 1;
 const QColor kFlatBackground(0xF3, 0xF5, 0xF7);
 // Short enough to answer a click on Cancel at once.
 constexpr std::size_t kParagraphsBetweenSteps = 256;
+
+/// The lists of a view that paragraphs join while they are inserted in their order.
+class ViewLists {
+ public:
+  /// The list that a paragraph goes on with; null when it is in none or begins one. Ends the lists that it leaves.
+  QTextList* Find(const rtf::ParagraphFormat& format);
+  /// Begins a list with the paragraph of the cursor, if it is in one.
+  void Begin(const rtf::ParagraphFormat& format, QTextCursor& cursor);
+
+ private:
+  struct Key {
+    std::int32_t id;
+    std::uint8_t level;
+    rtf::ListKind kind;
+    auto operator<=>(const Key&) const = default;
+  };
+  std::map<Key, QTextList*> lists_;
+};
+
+QTextList* ViewLists::Find(const rtf::ParagraphFormat& format) {
+  if (format.list == rtf::ListKind::None) {
+    // Lists of the file's tables go on behind other text, others end.
+    std::erase_if(lists_, [](const auto& entry) { return entry.first.id == 0; });
+    return nullptr;
+  }
+  std::erase_if(lists_, [&format](const auto& entry) {
+    return entry.first.id == format.list_id && entry.first.level > format.list_level;
+  });
+  const auto found = lists_.find({format.list_id, format.list_level, format.list});
+  return found == lists_.end() ? nullptr : found->second;
+}
+
+void ViewLists::Begin(const rtf::ParagraphFormat& format, QTextCursor& cursor) {
+  if (format.list == rtf::ListKind::None) return;
+  QTextListFormat shown;
+  shown.setStyle(RtfFormats::StyleOf(format.list));
+  if (format.list == rtf::ListKind::Bullet && format.list_level % 3 != 0)
+    shown.setStyle(format.list_level % 3 == 1 ? QTextListFormat::ListCircle : QTextListFormat::ListSquare);
+  shown.setIndent(0);
+  lists_[{format.list_id, format.list_level, format.list}] = cursor.createList(shown);
+}
 
 class Importer {
  public:
@@ -213,7 +252,7 @@ class Importer {
   std::size_t known_run_ = 0;
   std::uint32_t known_offset_ = 0;
   std::map<std::pair<std::uint32_t, const QTextList*>, QTextBlockFormat> block_formats_;
-  RtfViewLists lists_;
+  ViewLists lists_;
   std::size_t since_step_ = 0;
 };
 

@@ -10,8 +10,6 @@
 
 #include "system/Twips.h"
 
-using namespace Qt::StringLiterals;
-
 namespace tme {
 namespace {
 

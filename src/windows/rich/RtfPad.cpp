@@ -99,14 +99,14 @@ std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfIm
   return simplified;
 }
 
-bool RtfPad::WriteRtf(const Part& put) {
+bool RtfPad::WriteRtf(const PartSink& sink) {
   const RtfExport written(*document(), *store_);
-  return rtf::WriteRtf(written.Document(), put);
+  return rtf::WriteRtf(written.Document(), sink);
 }
 
-bool RtfPad::WriteText(const Part& put) {
+bool RtfPad::WriteText(const PartSink& sink) {
   const RtfExport written(*document(), *store_);
-  return rtf::WriteRtfAsText(written.Document(), put);
+  return rtf::WriteRtfAsText(written.Document(), sink);
 }
 
 PadPosition RtfPad::End() const { return document()->characterCount() - 1; }

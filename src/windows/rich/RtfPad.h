@@ -1,12 +1,11 @@
 #pragma once
 
-#include <QTextCursor>
 #include <QTextEdit>
 #include <functional>
 #include <memory>
 #include <set>
-#include <string_view>
 
+#include "base/Parts.h"
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfStore.h"
@@ -22,9 +21,6 @@ class RtfPad : public QTextEdit, public Pad {
   Q_OBJECT
 
  public:
-  /// Takes the next part of what is written; false to stop.
-  using Part = std::function<bool(std::string_view)>;
-
   explicit RtfPad(QWidget* parent);
   ~RtfPad() override;
 
@@ -38,7 +34,6 @@ class RtfPad : public QTextEdit, public Pad {
   void ReplaceSelection(const QString& text) override;
   std::optional<PadPosition> Find(const QString& text, PadPosition from, PadPosition to, unsigned options) override;
   void SetRightMargin(int twips) override;
-  int RightMargin() const override { return right_margin_; }
   void Print(QPrinter& printer) override;
   std::uint64_t Revision() const override { return revision_; }
   bool CanUndo() const override { return document()->isUndoAvailable(); }
@@ -63,10 +58,10 @@ class RtfPad : public QTextEdit, public Pad {
   void Clear();
   /// Null when `step` gave up: the pad is as it was.
   std::optional<RtfSimplified> SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
-  /// The whole document; false when `put` gave up.
-  bool WriteRtf(const Part& put);
+  /// The whole document; false when the sink stopped.
+  bool WriteRtf(const PartSink& sink);
   /// Without formats, lines ended by CR LF.
-  bool WriteText(const Part& put);
+  bool WriteText(const PartSink& sink);
   std::string SelectedRtf() const;
   /// Null when `step` gave up: the text is as it was.
   std::optional<RtfSimplified> ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
@@ -78,7 +73,6 @@ class RtfPad : public QTextEdit, public Pad {
   std::optional<bool> SelectionBold() const;
   std::optional<bool> SelectionItalic() const;
   std::optional<bool> SelectionUnderline() const;
-  std::optional<bool> SelectionStrikeThru() const;
   std::optional<QColor> SelectionColor() const;
   std::optional<QString> SelectionFontName() const;
   /// Points; 0 stands for the smallest size, half a point.
@@ -141,10 +135,12 @@ class RtfPad : public QTextEdit, public Pad {
   void ApplyZoom();
   /// What stands at the top stays there.
   void ZoomInPlace();
-  void MergeFormat(const QTextCharFormat& format);
+  /// Sets what `set` sets in a format given to it.
+  template <typename Set>
+  void MergeFormat(Set set);
   std::unique_ptr<QTextDocument> SelectionAsDocument() const;
-  template <typename Value, typename Of>
-  std::optional<Value> Uniform(Of of) const;
+  template <typename Of>
+  auto Uniform(Of of) const -> std::optional<decltype(of(QTextCharFormat()))>;
 
   // `store_` changes when a selection is written: fonts and formats that are new join its tables.
   std::unique_ptr<RtfStore> store_;

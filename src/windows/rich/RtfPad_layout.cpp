@@ -12,8 +12,6 @@
 #include "windows/rich/RtfPieces.h"
 #include "windows/rich/RtfShape.h"
 
-using namespace Qt::StringLiterals;
-
 namespace tme {
 namespace {
 

@@ -3,7 +3,6 @@
 #include <QTextBlock>
 #include <QTextList>
 #include <algorithm>
-#include <cmath>
 
 #include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
@@ -22,11 +21,11 @@ bool IsBulleted(const QTextBlock& block) {
 
 }  // namespace
 
-template <typename Value, typename Of>
-std::optional<Value> RtfPad::Uniform(Of of) const {
+template <typename Of>
+auto RtfPad::Uniform(Of of) const -> std::optional<decltype(of(QTextCharFormat()))> {
   const QTextCursor cursor = textCursor();
   if (!cursor.hasSelection()) return of(currentCharFormat());
-  std::optional<Value> value;
+  std::optional<decltype(of(currentCharFormat()))> value;
   int known_format = -1;
   const int start = cursor.selectionStart(), end = cursor.selectionEnd();
   for (QTextBlock block = document()->findBlock(start); block.isValid() && block.position() < end;
@@ -36,7 +35,7 @@ std::optional<Value> RtfPad::Uniform(Of of) const {
       if (fragment.position() >= end) break;
       if (fragment.position() + fragment.length() <= start) continue;
       if (std::exchange(known_format, fragment.charFormatIndex()) == fragment.charFormatIndex()) continue;
-      const Value here = of(fragment.charFormat());
+      const auto here = of(fragment.charFormat());
       if (value && *value != here) return std::nullopt;
       value = here;
     }
@@ -45,40 +44,35 @@ std::optional<Value> RtfPad::Uniform(Of of) const {
 }
 
 std::optional<bool> RtfPad::SelectionBold() const {
-  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontWeight() > QFont::Medium; });
+  return Uniform([](const QTextCharFormat& format) { return format.fontWeight() > QFont::Medium; });
 }
 
 std::optional<bool> RtfPad::SelectionItalic() const {
-  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontItalic(); });
+  return Uniform([](const QTextCharFormat& format) { return format.fontItalic(); });
 }
 
 std::optional<bool> RtfPad::SelectionUnderline() const {
-  return Uniform<bool>(
-      [](const QTextCharFormat& format) { return format.underlineStyle() != QTextCharFormat::NoUnderline; });
-}
-
-std::optional<bool> RtfPad::SelectionStrikeThru() const {
-  return Uniform<bool>([](const QTextCharFormat& format) { return format.fontStrikeOut(); });
+  return Uniform([](const QTextCharFormat& format) { return format.underlineStyle() != QTextCharFormat::NoUnderline; });
 }
 
 std::optional<QColor> RtfPad::SelectionColor() const {
-  return Uniform<QColor>([](const QTextCharFormat& format) {
+  return Uniform([](const QTextCharFormat& format) {
     return format.foreground().style() == Qt::NoBrush ? QColor(Qt::black) : format.foreground().color();
   });
 }
 
 std::optional<QString> RtfPad::SelectionFontName() const {
-  return Uniform<QString>([this](const QTextCharFormat& format) {
+  return Uniform([this](const QTextCharFormat& format) {
     const QString name = format.fontFamilies().toStringList().value(0);
     return name.isEmpty() ? document()->defaultFont().family() : name;
   });
 }
 
 std::optional<double> RtfPad::SelectionFontSize() const {
-  return Uniform<double>([this](const QTextCharFormat& format) {
+  return Uniform([this](const QTextCharFormat& format) {
     double points = format.fontPointSize();
     if (points <= 0) points = document()->defaultFont().pointSizeF();
-    return points <= kSmallestPoints ? 0 : points;
+    return points <= kSmallestPoints ? 0.0 : points;
   });
 }
 
@@ -91,52 +85,44 @@ std::optional<bool> RtfPad::SelectionBullet() const {
   return first;
 }
 
-void RtfPad::MergeFormat(const QTextCharFormat& format) {
+template <typename Set>
+void RtfPad::MergeFormat(Set set) {
+  QTextCharFormat format;
+  set(format);
   // Without a selection this sets what is typed next, and marks nothing.
   const LargeEdit edit(*this);
   mergeCurrentCharFormat(format);
 }
 
 void RtfPad::SetSelectionBold(bool bold) {
-  QTextCharFormat format;
-  format.setFontWeight(bold ? QFont::Bold : QFont::Normal);
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) { format.setFontWeight(bold ? QFont::Bold : QFont::Normal); });
 }
 
 void RtfPad::SetSelectionItalic(bool italic) {
-  QTextCharFormat format;
-  format.setFontItalic(italic);
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) { format.setFontItalic(italic); });
 }
 
 void RtfPad::SetSelectionUnderline(bool underline) {
-  QTextCharFormat format;
-  format.setUnderlineStyle(underline ? QTextCharFormat::SingleUnderline : QTextCharFormat::NoUnderline);
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) {
+    format.setUnderlineStyle(underline ? QTextCharFormat::SingleUnderline : QTextCharFormat::NoUnderline);
+  });
 }
 
 void RtfPad::SetSelectionStrikeThru(bool strike) {
-  QTextCharFormat format;
-  format.setFontStrikeOut(strike);
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) { format.setFontStrikeOut(strike); });
 }
 
 void RtfPad::SetSelectionColor(const QColor& color) {
-  QTextCharFormat format;
-  format.setForeground(color);
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) { format.setForeground(color); });
 }
 
 void RtfPad::SetSelectionFontName(const QString& name) {
-  QTextCharFormat format;
-  format.setFontFamilies({name});
-  MergeFormat(format);
+  MergeFormat([&](QTextCharFormat& format) { format.setFontFamilies({name}); });
 }
 
 void RtfPad::SetSelectionFontSize(double points) {
-  QTextCharFormat format;
-  format.setFontPointSize(std::clamp(points, kSmallestPoints, kLargestPoints));
-  MergeFormat(format);
+  MergeFormat(
+      [&](QTextCharFormat& format) { format.setFontPointSize(std::clamp(points, kSmallestPoints, kLargestPoints)); });
 }
 
 void RtfPad::SetSelectionBullet(bool bullet) {
@@ -144,6 +130,9 @@ void RtfPad::SetSelectionBullet(bool bullet) {
   const int end = cursor.selectionEnd();
   const LargeEdit edit(*this);
   cursor.beginEditBlock();
+  QTextListFormat list_format;
+  list_format.setStyle(QTextListFormat::ListDisc);
+  list_format.setIndent(0);
   QTextList* list = nullptr;
   QTextBlock block = document()->findBlock(cursor.selectionStart());
   do {
@@ -160,9 +149,6 @@ void RtfPad::SetSelectionBullet(bool bullet) {
         format.setLeftMargin(std::max(format.leftMargin() - indent, 0.0));
       }
       at.setBlockFormat(format);
-      QTextListFormat list_format;
-      list_format.setStyle(QTextListFormat::ListDisc);
-      list_format.setIndent(0);
       if (bullet && list)
         list->add(block);
       else if (bullet)

@@ -27,12 +27,6 @@ std::int32_t RtfShape::CellAround(std::int32_t cell) const {
   return around < cell ? around : -1;
 }
 
-std::size_t RtfShape::RunsOf(std::size_t paragraph) const {
-  const bool is_last = paragraph + 1 == source_.paragraphs.size();
-  const std::size_t end = is_last ? source_.runs.size() : source_.paragraphs[paragraph + 1].first_run;
-  return end - source_.paragraphs[paragraph].first_run;
-}
-
 void RtfShape::Measure() {
   std::vector<std::uint32_t> outermost_row(source_.tables.size());  // around each table in a table
   for (std::uint32_t table = 0; table < source_.tables.size(); ++table) {
@@ -47,9 +41,9 @@ void RtfShape::Measure() {
         depth_[outer] == 1 ? source_.cells[static_cast<std::size_t>(around)].row : outermost_row[outer];
   }
   for (std::size_t paragraph = 0; paragraph < source_.paragraphs.size(); ++paragraph) {
-    std::size_t run = source_.paragraphs[paragraph].first_run;
-    const std::size_t end = run + RunsOf(paragraph);
-    for (; run < end; ++run) bytes_[paragraph] += source_.runs[run].bytes;
+    const std::size_t end = source_.EndOfRuns(paragraph);
+    for (std::size_t run = source_.paragraphs[paragraph].first_run; run < end; ++run)
+      bytes_[paragraph] += source_.runs[run].bytes;
     const std::int32_t cell = source_.paragraphs[paragraph].cell;
     if (cell < 0) continue;
     const std::uint32_t table = TableOf(cell);

@@ -44,11 +44,12 @@ class RtfShape {
   /// A table that is not flat is shown as one table for each of these stretches of RowsOf: where each ends.
   std::vector<std::size_t> PartsOf(std::uint32_t table) const;
 
-  std::size_t BytesOf(std::size_t paragraph) const { return bytes_[paragraph]; }
-  std::size_t RunsOf(std::size_t paragraph) const;
-  bool IsLong(std::size_t paragraph) const { return BytesOf(paragraph) > kLongBytes || RunsOf(paragraph) > kLongRuns; }
+  bool IsLong(std::size_t paragraph) const { return bytes_[paragraph] > kLongBytes || RunsOf(paragraph) > kLongRuns; }
 
  private:
+  std::size_t RunsOf(std::size_t paragraph) const {
+    return source_.EndOfRuns(paragraph) - source_.paragraphs[paragraph].first_run;
+  }
   void Measure();
   void Flatten();
   /// Of a row of an outermost table, when no more than `depth` tables are shown inside each other.

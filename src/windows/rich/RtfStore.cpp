@@ -11,4 +11,15 @@ rtf::RtfDocument EmptyRtfDocument() {
   return document;
 }
 
+rtf::RtfDocument TakeRtfText(rtf::RtfDocument& from) {
+  rtf::RtfDocument text;
+  text.text.swap(from.text);
+  text.runs.swap(from.runs);
+  text.paragraphs.swap(from.paragraphs);
+  text.cells.swap(from.cells);
+  text.rows.swap(from.rows);
+  text.tables.swap(from.tables);
+  return text;
+}
+
 }  // namespace tme

@@ -73,5 +73,7 @@ struct RtfStore {
 inline constexpr const char* kDefaultRtfFont = "Arial";
 /// A document without text in the editor's default font.
 rtf::RtfDocument EmptyRtfDocument();
+/// Takes the text and its structure out of a document, which keeps the rest.
+rtf::RtfDocument TakeRtfText(rtf::RtfDocument& from);
 
 }  // namespace tme

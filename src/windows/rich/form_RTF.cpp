@@ -1,7 +1,6 @@
 #include "windows/rich/form_RTF.h"
 
 #include <QAction>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
 #include <QScopedValueRollback>
@@ -10,7 +9,6 @@
 
 #include "documents/rtf/RtfReader.h"
 #include "files/CodePage.h"
-#include "files/FileBytes.h"
 #include "files/TextEncoding.h"
 #include "shell/DisplayText.h"
 #include "shell/DocumentArea.h"
@@ -76,15 +74,18 @@ void form_RTF::BuildToolbar(QWidget& client) {
   Toolbar1->setObjectName(u"Toolbar1"_s);
   Toolbar1->setAccessibleName(tr("Format"));
   Toolbar1->setIconSize({16, 16});
-  const auto add = [this](const QString& tag, const QString& icon, const QString& name, const QString& tip) {
+  const auto add = [this](const QString& tag, const QString& icon, const QString& name, const QString& tip,
+                          void (form_RTF::*command)()) {
     QAction* action = Toolbar1->addAction(Icon(icon), name);
-    action->setData(tag);
     SetTip(*action, tip);
     QWidget* button = Toolbar1->widgetForAction(action);
     button->setObjectName(tag);
     button->setAccessibleName(name);
     button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys with the text
-    const auto click = [this, action] { ButtonClick(action->data().toString()); };
+    const auto click = [this, command] {
+      (this->*command)();
+      UpdateFormatState();
+    };
     connect(action, &QAction::triggered, this, [action, click] {
       if (!action->isCheckable()) click();
     });
@@ -94,14 +95,15 @@ void form_RTF::BuildToolbar(QWidget& client) {
     });
     return action;
   };
-  add(u"cut"_s, u"edit-cut"_s, tr("Cut"), tr("Cut (Ctrl+X)"));
-  add(u"copy"_s, u"edit-copy"_s, tr("Copy"), tr("Copy (Ctrl+C)"));
-  add(u"paste"_s, u"edit-paste"_s, tr("Paste"), tr("Paste (Ctrl+V)"));
+  add(u"cut"_s, u"edit-cut"_s, tr("Cut"), tr("Cut (Ctrl+X)"), &form_RTF::EditCut);
+  add(u"copy"_s, u"edit-copy"_s, tr("Copy"), tr("Copy (Ctrl+C)"), &form_RTF::EditCopy);
+  add(u"paste"_s, u"edit-paste"_s, tr("Paste"), tr("Paste (Ctrl+V)"), &form_RTF::EditPaste);
   Toolbar1->addSeparator();
-  button_bold_ = add(u"bold"_s, u"format-bold"_s, tr("Bold"), tr("Bold (Ctrl+B)"));
-  button_italic_ = add(u"italic"_s, u"format-italic"_s, tr("Italic"), tr("Italic (Ctrl+I)"));
-  button_underline_ = add(u"underline"_s, u"format-underline"_s, tr("Underline"), tr("Underline (Ctrl+U)"));
-  add(u"color"_s, u"format-color"_s, tr("Color"), tr("Color of the text"));
+  button_bold_ = add(u"bold"_s, u"format-bold"_s, tr("Bold"), tr("Bold (Ctrl+B)"), &form_RTF::FormatBold);
+  button_italic_ = add(u"italic"_s, u"format-italic"_s, tr("Italic"), tr("Italic (Ctrl+I)"), &form_RTF::FormatItalic);
+  button_underline_ =
+      add(u"underline"_s, u"format-underline"_s, tr("Underline"), tr("Underline (Ctrl+U)"), &form_RTF::FormatUnderline);
+  add(u"color"_s, u"format-color"_s, tr("Color"), tr("Color of the text"), &form_RTF::FormatColor);
   Toolbar1->addSeparator();
   // No menu has these two, so they need keys of their own.
   const auto on_key = [this](QAction* action, const QKeySequence& key) {
@@ -109,10 +111,11 @@ void form_RTF::BuildToolbar(QWidget& client) {
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     addAction(action);
   };
-  on_key(add(u"FD"_s, u"font-smaller"_s, tr("Smaller"), tr("Smaller text (Ctrl+[)")), u"Ctrl+["_s);
-  on_key(add(u"FU"_s, u"font-larger"_s, tr("Larger"), tr("Larger text (Ctrl+])")), u"Ctrl+]"_s);
+  on_key(add(u"FD"_s, u"font-smaller"_s, tr("Smaller"), tr("Smaller text (Ctrl+[)"), &form_RTF::FontSizeDown),
+         u"Ctrl+["_s);
+  on_key(add(u"FU"_s, u"font-larger"_s, tr("Larger"), tr("Larger text (Ctrl+])"), &form_RTF::FontSizeUp), u"Ctrl+]"_s);
   Toolbar1->addSeparator();
-  button_list_ = add(u"list"_s, u"format-list"_s, tr("Bullets"), tr("Bulleted list"));
+  button_list_ = add(u"list"_s, u"format-list"_s, tr("Bullets"), tr("Bulleted list"), &form_RTF::FormatBulleted);
   for (QAction* action : {button_bold_, button_italic_, button_underline_, button_list_}) action->setCheckable(true);
 }
 
@@ -273,12 +276,12 @@ void form_RTF::PutContent(std::string bytes) {
   AddSimplifiedNotice(*pad->SetRtf(std::move(read)));
   pad->SetBulletIndent(kBulletIndent);
   read_bytes_ = {};
-  Altered(true);
+  SetChanged(true);
 }
 
 void form_RTF::TextChanged() {
   if (!IsOpen()) return;
-  Altered(true);
+  SetChanged(true);
   UpdateFormatState();
 }
 

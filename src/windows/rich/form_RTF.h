@@ -59,9 +59,7 @@ class form_RTF : public PadWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Altered(bool changed) { SetChanged(changed); }
   void BuildToolbar(QWidget& client);
-  void ButtonClick(const QString& tag);
   void FontSizeDown();
   void FontSizeUp();
   /// Check marks and pressed buttons from the selection; a mixed one counts as not set.

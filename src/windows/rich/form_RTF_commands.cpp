@@ -15,8 +15,6 @@
 #include "windows/rich/RtfPad.h"
 #include "windows/rich/form_RTF.h"
 
-using namespace Qt::StringLiterals;
-
 namespace tme {
 namespace {
 
@@ -68,20 +66,6 @@ void form_RTF::PastePlainText(const QString& text) {
 void form_RTF::EditPasteSpecialPlainText() {
   const WaitCursor wait_cursor;
   PastePlainText(QGuiApplication::clipboard()->text());
-}
-
-void form_RTF::ButtonClick(const QString& tag) {
-  if (tag == u"bold") FormatBold();
-  if (tag == u"italic") FormatItalic();
-  if (tag == u"underline") FormatUnderline();
-  if (tag == u"color") FormatColor();
-  if (tag == u"cut") EditCut();
-  if (tag == u"copy") EditCopy();
-  if (tag == u"paste") EditPaste();
-  if (tag == u"list") FormatBulleted();
-  if (tag == u"FD") FontSizeDown();
-  if (tag == u"FU") FontSizeUp();
-  UpdateFormatState();
 }
 
 void form_RTF::FontSizeDown() {

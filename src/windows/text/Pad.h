@@ -41,7 +41,6 @@ class Pad {
 
   /// Where lines wrap, in twips from the left edge; kNoWrap and beyond: nowhere.
   virtual void SetRightMargin(int twips) = 0;
-  virtual int RightMargin() const = 0;
 
   /// The selection if there is one, else all.
   virtual void Print(QPrinter& printer) = 0;

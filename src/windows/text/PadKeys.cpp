@@ -1,6 +1,8 @@
 #include "windows/text/PadKeys.h"
 
 #include <QKeyEvent>
+#include <algorithm>
+#include <array>
 
 namespace tme {
 namespace {
@@ -29,25 +31,10 @@ bool IsUnboundKey(const QKeyEvent& key) {
   if (TypesText(key)) return false;
   if (key.modifiers().testFlag(Qt::MetaModifier)) return true;
   if (!key.modifiers().testFlag(Qt::ControlModifier)) return false;
-  switch (key.key()) {
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_Home:
-    case Qt::Key_End:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-    case Qt::Key_Backspace:
-    case Qt::Key_Delete:
-    case Qt::Key_Insert:
-    case Qt::Key_A:
-    case Qt::Key_Y:
-    case Qt::Key_Z:
-      return false;
-    default:
-      return true;
-  }
+  constexpr std::array kBoundKeys{Qt::Key_Left,   Qt::Key_Right,  Qt::Key_Up,       Qt::Key_Down,      Qt::Key_Home,
+                                  Qt::Key_End,    Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Backspace, Qt::Key_Delete,
+                                  Qt::Key_Insert, Qt::Key_A,      Qt::Key_Y,        Qt::Key_Z};
+  return std::ranges::find(kBoundKeys, key.key()) == kBoundKeys.end();
 }
 
 }  // namespace tme

@@ -40,7 +40,7 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ReplaceSelection(const QString& text) override;
   std::optional<PadPosition> Find(const QString& text, PadPosition from, PadPosition to, unsigned options) override;
   void SetRightMargin(int twips) override;
-  int RightMargin() const override { return right_margin_; }
+  int RightMargin() const { return right_margin_; }
   void Print(QPrinter& printer) override;
   std::uint64_t Revision() const override { return revision_; }
   bool CanUndo() const override { return Send(SCI_CANUNDO) != 0; }

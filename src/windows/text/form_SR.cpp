@@ -117,13 +117,9 @@ void form_SR::BuildControls() {
 
   connect(cmd_FindNext, &QPushButton::clicked, this, &form_SR::cmd_FindNext_Click);
   connect(cmd_Cance, &QPushButton::clicked, this, &form_SR::cmd_Cance_Click);
-  for (QWidget* control :
-       std::initializer_list<QWidget*>{txt_SearchString, txt_R, cb_MatchCase, cb_WholeWord, cmd_FindNext, cmd_Cance})
-    control->installEventFilter(this);
 }
 
-/// The boxes and what belongs to them in the frame, the buttons beside it, the hints below. The order of the controls'
-/// making is that of Tab.
+/// The boxes and what belongs to them in the frame, the buttons beside it, the hints below.
 void form_SR::LayOut() {
   auto* boxes = new QGridLayout(frm_Search);
   boxes->addWidget(Label1, 0, 0);
@@ -152,9 +148,11 @@ void form_SR::LayOut() {
   all->addWidget(Label2, 4, 0, 1, 2);
   all->setColumnStretch(0, 1);
   all->setRowStretch(5, 1);
-  QWidget* before = txt_SearchString;
-  for (QWidget* control : std::initializer_list<QWidget*>{txt_R, cb_MatchCase, cb_WholeWord, cmd_FindNext, cmd_Cance}) {
-    setTabOrder(before, control);
+  QWidget* before = nullptr;
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{txt_SearchString, txt_R, cb_MatchCase, cb_WholeWord, cmd_FindNext, cmd_Cance}) {
+    control->installEventFilter(this);
+    if (before) setTabOrder(before, control);
     before = control;
   }
 }

@@ -2,7 +2,7 @@
 
 #include <QMdiSubWindow>
 
-#include "files/FileBytes.h"
+#include "files/TextEncoding.h"
 #include "shell/Global.h"
 #include "shell/Icon.h"
 #include "shell/WaitCursor.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "files/TextEncoding.h"
 #include "windows/text/PadWindow.h"
 
 namespace tme {
