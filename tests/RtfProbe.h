@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -100,6 +101,27 @@ inline std::string Dump(const RtfDocument& document) {
     dump += "|";
   }
   return dump;
+}
+
+/// All that a document holds: what two documents that say the same have in common.
+inline std::string Describe(const RtfDocument& document) {
+  std::ostringstream out;
+  out << Dump(document) << document.ansi_code_page << ' ' << document.default_font << '\n';
+  for (const Font& font : document.fonts)
+    out << "font " << font.number << ' ' << font.name << ' ' << font.family << ' ' << font.charset << '\n';
+  for (const std::uint32_t color : document.colors) out << "colour " << color << '\n';
+  out << document.kept_header << '\n' << document.document_controls << '\n' << document.kept_section << '\n';
+  for (const Paragraph& it : document.paragraphs)
+    out << "mark " << MarksOf(document, document.char_formats[it.mark_format]) << '\n';
+  for (const Object& it : document.objects)
+    out << "object " << static_cast<int>(it.kind) << ' ' << it.rtf << ' ' << it.picture.size() << ' ' << it.label
+        << '\n';
+  for (const Field& it : document.fields) out << "field " << it.parent << ' ' << it.instruction << '\n';
+  for (const Cell& it : document.cells)
+    out << "cell " << it.row << ' ' << it.right_edge << ' ' << it.row_span << '/' << it.column_span << '\n';
+  for (const Row& it : document.rows) out << "row " << it.table << ' ' << it.definition << '\n';
+  for (const Table& it : document.tables) out << "table " << it.parent_cell << '\n';
+  return out.str();
 }
 
 /// "" when all is kept.

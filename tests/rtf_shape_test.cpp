@@ -70,26 +70,20 @@ struct Shape {
 };
 
 std::vector<Shape> Shapes() {
-  const auto piece = static_cast<int>(kLongBytes);
+  constexpr auto piece = static_cast<int>(kLongBytes);
+  const Largest no_tables{0, 0, piece, 0};
   return {
       {"few levels", Nested(3), {3, 3, piece, 2}, 0, 0},
       {"many levels", Nested(19), {7, 3, piece, 7}, 11, 0},
       {"deep ones behind each other", Times(300, Nested(12) + "\\pard\\par"), {9, 3, piece, 624}, 2'312, 0},
-      {"a large text in tables",
-       "\\itap3 " + Times(20'000, "\\itap3 word\\par ") + "\\nestcell",
-       {0, 0, piece, 0},
-       1,
-       0},
+      {"a large text in tables", "\\itap3 " + Times(20'000, "\\itap3 word\\par ") + "\\nestcell", no_tables, 1, 0},
       {"many rows", Times(3'000, kRow), {1, 1'000, piece, 14}, 0, 0},
-      {"a row of many cells", "\\trowd\\pard\\intbl " + Times(20'000, "c\\cell ") + "\\row", {0, 0, piece, 0}, 1, 0},
-      {"a long paragraph", Times(10'000, "some words ") + "\\par end", {0, 0, piece, 0}, 0, 1},
-      {"one without blanks", Times(30'000, "\\u20013?"), {0, 0, piece, 0}, 0, 1},
-      {"many objects", Times(3'000, "{\\object\\objemb x}") + "\\par", {0, 0, piece, 0}, 0, 1},
-      {"many formats",
-       "\\pard\\fi300\\sb100\\sa100 " + Times(2'000, "{\\b x}y") + "{\\*\\bkmkend a}\\par",
-       {0, 0, piece, 0},
-       0,
-       1},
+      {"a row of many cells", "\\trowd\\pard\\intbl " + Times(20'000, "c\\cell ") + "\\row", no_tables, 1, 0},
+      {"a long paragraph", Times(10'000, "some words ") + "\\par end", no_tables, 0, 1},
+      {"one without blanks", Times(30'000, "\\u20013?"), no_tables, 0, 1},
+      {"many objects", Times(3'000, "{\\object\\objemb x}") + "\\par", no_tables, 0, 1},
+      {"many formats", "\\pard\\fi300\\sb100\\sa100 " + Times(2'000, "{\\b x}y") + "{\\*\\bkmkend a}\\par", no_tables,
+       0, 1},
       {"a long paragraph in a table in too many",
        Nested(19) + "\\itap19 " + Times(4'000, "some words ") + "\\nestcell\\itap0\\pard end\\par",
        {4, 3, piece, 4},

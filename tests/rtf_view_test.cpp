@@ -2,7 +2,7 @@
 
 #include <QTextDocument>
 
-#include "RtfDescription.h"
+#include "RtfProbe.h"
 #include "windows/rich/RtfExport.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
@@ -51,7 +51,7 @@ void ExpectSameAfterView(const RtfDocument& document) {
   RtfSimplified simplified;
   ASSERT_TRUE(ImportRtf(RtfDocument(document), store, view, simplified));
   const RtfExport written(view, store);
-  EXPECT_EQ(Describe(written.Document()), Describe(document));
+  EXPECT_EQ(rtf::Describe(written.Document()), rtf::Describe(document));
   EXPECT_EQ(written.Document().char_formats, document.char_formats);
   EXPECT_EQ(written.Document().paragraph_formats, document.paragraph_formats);
   EXPECT_EQ(written.Document().objects.size(), document.objects.size());
@@ -108,15 +108,10 @@ TEST(RtfView, GivesBackTables) {
   const std::int32_t left = source.Cell(2, 4000), right = source.Cell(2, 6000);
   const std::int32_t last = source.Cell(3, 1000);
   source.document.cells[static_cast<std::size_t>(tall)].row_span = 2;
-  for (const auto& [cell, text] : std::vector<std::pair<std::int32_t, std::string>>{{tall, "tall"},
-                                                                                    {outer, "before"},
-                                                                                    {inner, "inner"},
-                                                                                    {outer, "after"},
-                                                                                    {below, ""},
-                                                                                    {left, "l"},
-                                                                                    {right, "r"},
-                                                                                    {last, "last"},
-                                                                                    {-1, "end"}}) {
+  const std::pair<std::int32_t, std::string> texts[] = {{tall, "tall"},   {outer, "before"}, {inner, "inner"},
+                                                        {outer, "after"}, {below, ""},       {left, "l"},
+                                                        {right, "r"},     {last, "last"},    {-1, "end"}};
+  for (const auto& [cell, text] : texts) {
     source.Paragraph(0, cell);
     if (!text.empty()) source.Text(text);
   }

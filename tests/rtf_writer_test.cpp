@@ -3,14 +3,15 @@
 #include <string>
 #include <vector>
 
-#include "RtfDescription.h"
-#include "documents/rtf/RtfReader.h"
+#include "RtfProbe.h"
 #include "documents/rtf/RtfWriter.h"
 
 namespace tme::rtf {
 namespace {
 
 using Writing = bool (*)(const RtfDocument&, const PartSink&);
+
+const DecodeCodePage kDecode = [](int, std::string_view) { return std::string("\u00B7"); };
 
 std::string Written(const RtfDocument& document, Writing write = WriteRtf) {
   std::string bytes;
@@ -208,11 +209,10 @@ TEST(RtfWriterTest, WhatIsReadComesBack) {
 \pard\intbl\itap2 in\nestcell{\*\nesttableprops\trowd\cellx500\nestrow}{\nonesttables\par}\pard\intbl c\cell\row
 \trowd\clvmrg\cellx1000\cellx3000\pard\intbl\cell d\cell\row\pard after\par})",
       R"({\rtf1\ansi\deff0{\fonttbl{\f0\ftech\fcharset2 Symbol;}}\f9 unknown font\par})"};
-  const DecodeCodePage decode = [](int, std::string_view) { return std::string("\u00B7"); };
   for (const std::string_view file : files) {
-    const RtfDocument first = ReadRtf(file, decode);
+    const RtfDocument first = ReadRtf(file, kDecode);
     const std::string saved = Written(first);
-    EXPECT_EQ(Describe(ReadRtf(saved, decode)), Describe(first)) << saved;
+    EXPECT_EQ(Describe(ReadRtf(saved, kDecode)), Describe(first)) << saved;
   }
 }
 
@@ -235,10 +235,9 @@ TEST(RtfWriterTest, TextOfABrokenFileComesBack) {
       {"binary data in a kept group", R"(\uc2 a{\bin4 }}}}\footnote \u65 ab}c)"},
       {"fields in a thousand groups", nested + "text" + std::string(900, '}')},
   };
-  const DecodeCodePage decode = [](int, std::string_view) { return std::string("\u00B7"); };
   for (const auto& [name, body] : cases) {
-    const RtfDocument first = ReadRtf("{\\rtf1" + body + "}", decode);
-    const RtfDocument again = ReadRtf(Written(first), decode);
+    const RtfDocument first = ReadRtf("{\\rtf1" + body + "}", kDecode);
+    const RtfDocument again = ReadRtf(Written(first), kDecode);
     EXPECT_EQ(again.text, first.text) << name;
     EXPECT_FALSE(again.losses.ended_early) << name;
   }

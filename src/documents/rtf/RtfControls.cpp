@@ -90,7 +90,7 @@ constexpr auto kBorderWords = std::to_array<std::string_view>({
 constexpr auto kRowWords = std::to_array<ControlWord>({
     {"trowd", C::RowStart}, {"cellx", C::CellEdge}, {"clvmgf", C::VerticalMerge, 1}, {"clvmrg", C::VerticalMerge, 2},
     {"clmgf", C::HorizontalMerge, 1}, {"clmrg", C::HorizontalMerge, 2}, {"cell", C::CellEnd},
-    {"nestcell", C::NestedCellEnd}, {"row", C::RowEnd}, {"nestrow", C::NestedRowEnd},
+    {"nestcell", C::CellEnd, 1}, {"row", C::RowEnd}, {"nestrow", C::RowEnd, 1},
 });
 constexpr auto kKeptRowWords = std::to_array<std::string_view>({
     "lastrow", "irow", "irowband", "tdfrmtxtLeft", "tdfrmtxtRight", "tdfrmtxtTop", "tdfrmtxtBottom", "tposx", "tposy",
@@ -104,7 +104,8 @@ constexpr auto kFileWords = std::to_array<ControlWord>({
 });
 
 constexpr auto kTableEntryWords = std::to_array<ControlWord>({
-    {"red", C::ColorPart, 16}, {"green", C::ColorPart, 8}, {"blue", C::ColorPart, 0}, {"fcharset", C::FontCharset}, {"cpg", C::FontCodePage},
+    {"red", C::ColorPart, 16}, {"green", C::ColorPart, 8}, {"blue", C::ColorPart, 0}, {"fcharset", C::FontCharset},
+    {"cpg", C::FontCodePage},
 });
 constexpr auto kFontFamilies = std::to_array<std::string_view>({
     "fnil", "froman", "fswiss", "fmodern", "fscript", "fdecor", "ftech", "fbidi",
@@ -112,10 +113,10 @@ constexpr auto kFontFamilies = std::to_array<std::string_view>({
 
 constexpr auto kGroupWords = std::to_array<ControlWord>({
     {"fonttbl", C::FontTable}, {"colortbl", C::ColorTable}, {"listtable", C::ListTable},
-    {"listoverridetable", C::OverrideTable}, {"pn", C::LegacyNumbering}, {"pntext", C::ListText},
+    {"listoverridetable", C::ListTable, 1}, {"pn", C::LegacyNumbering}, {"pntext", C::ListText},
     {"listtext", C::ListText}, {"field", C::Field}, {"fldinst", C::FieldInstruction}, {"fldrslt", C::TransparentGroup},
     {"upr", C::TwoForms}, {"ud", C::UnicodeForm}, {"nesttableprops", C::NestedTableProperties}, {"pict", C::Picture},
-    {"shppict", C::ShownPicture}, {"nonshppict", C::AlternativePicture}, {"object", C::Object}, {"shp", C::Drawing},
+    {"shppict", C::ShownPicture}, {"nonshppict", C::Picture}, {"object", C::Object}, {"shp", C::Drawing},
     {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shptxt", C::DrawingText}, {"dptxbxtext", C::DrawingText},
     {"result", C::DrawingText}, {"footnote", C::Footnote},
 });

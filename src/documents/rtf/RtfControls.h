@@ -76,10 +76,8 @@ enum class Control : std::uint8_t {
   CellEdge,
   VerticalMerge,    ///< value: 1 first, 2 continued
   HorizontalMerge,  ///< value: 1 first, 2 continued
-  CellEnd,
-  NestedCellEnd,
-  RowEnd,
-  NestedRowEnd,
+  CellEnd,          ///< value: 1 in a nested table
+  RowEnd,           ///< the same
   // ControlClass::File
   CodePage,      ///< value: the page, or 0 for that of the word's number
   DefaultFont,   ///< \deff
@@ -97,8 +95,7 @@ enum class Control : std::uint8_t {
   ColorTable,
   SkippedGroup,
   HeaderGroup,      ///< kept_header, wherever it stands
-  ListTable,        ///< the same, and read
-  OverrideTable,    ///< the same, and read
+  ListTable,        ///< the same, and read; value: 1 for the overrides
   SectionGroup,     ///< headers and footers
   InvisibleGroup,   ///< kept in its place
   LegacyNumbering,  ///< \pn
@@ -109,9 +106,8 @@ enum class Control : std::uint8_t {
   TwoForms,          ///< \upr
   UnicodeForm,       ///< \ud
   NestedTableProperties,
-  Picture,
-  ShownPicture,        ///< \shppict
-  AlternativePicture,  ///< \nonshppict
+  Picture,       ///< \pict, \nonshppict
+  ShownPicture,  ///< \shppict
   Object,
   Drawing,      ///< \shp, \do
   DrawingText,  ///< \shptxt, \dptxbxtext and \result: what is read of an object for its label

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,13 +15,29 @@ namespace tme::rtf {
 class DocumentControls {
  public:
   /// A word of ControlClass::File, `raw` in the file's bytes, which outlive this. The last one of its name counts.
-  void Keep(const ControlWord& word, std::string_view raw);
+  void Keep(const ControlWord& word, std::string_view raw) {
+    std::uint32_t& place = places_[static_cast<std::size_t>(word.value)];
+    if (place == 0) {
+      words_.emplace_back();
+      place = static_cast<std::uint32_t>(words_.size());
+    }
+    words_[place - 1] = raw;
+  }
   /// A word that is in no table; the same again is kept once, and those over a limit are dropped.
-  void KeepUnknown(std::string_view raw);
+  void KeepUnknown(std::string_view raw) {
+    if (words_.size() < kMaxWordsWithUnknown && std::ranges::find(words_, raw) == words_.end()) words_.push_back(raw);
+  }
 
-  std::string Joined() const;
+  std::string Joined() const {
+    std::string joined;
+    for (const std::string_view word : words_) joined += word;
+    return joined;
+  }
 
  private:
+  /// Counts known words too, because they are looked through for each unknown one.
+  static constexpr std::size_t kMaxWordsWithUnknown = 256;
+
   std::vector<std::string_view> words_;
   std::vector<std::uint32_t> places_ = std::vector<std::uint32_t>(kDocumentWordCount);  ///< index plus 1, by value
 };

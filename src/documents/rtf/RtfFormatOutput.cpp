@@ -1,7 +1,6 @@
 #include "documents/rtf/RtfFormatOutput.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 #include "documents/rtf/RtfCharset.h"
@@ -12,26 +11,25 @@ namespace {
 
 constexpr std::int32_t kNewCellWidth = 1440;
 
-constexpr std::array<std::string_view, 10> kUnderlines = {"\\ulnone", "\\ul",      "\\ulw",      "\\uldb", "\\uld",
-                                                          "\\uldash", "\\uldashd", "\\uldashdd", "\\ulth", "\\ulwave"};
-constexpr std::array<std::string_view, 3> kScripts = {"\\nosupersub", "\\super", "\\sub"};
-constexpr std::array<std::string_view, 4> kAlignments = {"", "\\qr", "\\qc", "\\qj"};
+constexpr std::string_view kUnderlines[] = {"\\ulnone", "\\ul",      "\\ulw",      "\\uldb", "\\uld",
+                                            "\\uldash", "\\uldashd", "\\uldashdd", "\\ulth", "\\ulwave"};
+constexpr std::string_view kScripts[] = {"\\nosupersub", "\\super", "\\sub"};
+constexpr std::string_view kAlignments[] = {"", "\\qr", "\\qc", "\\qj"};
 /// By ListKind.
-constexpr std::array<std::string_view, 7> kListKinds = {"",
-                                                        "\\pnlvlblt",
-                                                        "\\pnlvlbody\\pndec",
-                                                        "\\pnlvlbody\\pnlcltr",
-                                                        "\\pnlvlbody\\pnucltr",
-                                                        "\\pnlvlbody\\pnlcrm",
-                                                        "\\pnlvlbody\\pnucrm"};
+constexpr std::string_view kListKinds[] = {"",
+                                           "\\pnlvlblt",
+                                           "\\pnlvlbody\\pndec",
+                                           "\\pnlvlbody\\pnlcltr",
+                                           "\\pnlvlbody\\pnucltr",
+                                           "\\pnlvlbody\\pnlcrm",
+                                           "\\pnlvlbody\\pnucrm"};
 /// By TabKind, before the position.
-constexpr std::array<std::string_view, 5> kTabs = {"\\tx", "\\tqr\\tx", "\\tqc\\tx", "\\tqdec\\tx", "\\tb"};
+constexpr std::string_view kTabs[] = {"\\tx", "\\tqr\\tx", "\\tqc\\tx", "\\tqdec\\tx", "\\tb"};
 /// By TabLeader, before the kind.
-constexpr std::array<std::string_view, 7> kLeaders = {"",       "\\tldot", "\\tlmdot", "\\tlhyph",
-                                                      "\\tlul", "\\tlth",  "\\tleq"};
+constexpr std::string_view kLeaders[] = {"", "\\tldot", "\\tlmdot", "\\tlhyph", "\\tlul", "\\tlth", "\\tleq"};
 
 template <std::size_t count, typename Choice>
-std::string_view Pick(const std::array<std::string_view, count>& words, Choice choice) {
+std::string_view Pick(const std::string_view (&words)[count], Choice choice) {
   return words[std::min(static_cast<std::size_t>(choice), count - 1)];
 }
 
@@ -156,8 +154,7 @@ std::string CompletedDefinition(const RtfDocument& document, std::span<const std
 }
 
 void WriteTables(const RtfDocument& document, RtfOutput& out) {
-  out.Open();
-  out.Words("\\fonttbl");
+  out.Open("\\fonttbl");
   for (const Font& font : document.fonts) {
     out.Open();
     out.Word("\\f", font.number);
@@ -172,8 +169,7 @@ void WriteTables(const RtfDocument& document, RtfOutput& out) {
   out.Close();
   out.LineEnd();
   if (document.colors.size() < 2) return;
-  out.Open();
-  out.Words("\\colortbl");
+  out.Open("\\colortbl");
   out.Text(";");
   for (std::size_t i = 1; i < document.colors.size(); ++i) {
     out.Word("\\red", document.colors[i] >> 16 & 0xFF);

@@ -150,10 +150,8 @@ void LabelReader::ReadBodyWord(const ControlWord& word) {
       return SetFont(fonts_.DefaultNumber());
     case Control::Paragraph:
     case Control::RowEnd:
-    case Control::NestedRowEnd:
       return Text("\n");
     case Control::CellEnd:
-    case Control::NestedCellEnd:
       return decoder_.Put('\t');
     default:
       return decoder_.ReadWord(word, token_, Top().encoding);

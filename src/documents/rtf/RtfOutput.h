@@ -23,7 +23,11 @@ class RtfOutput {
   /// Control words with their backslashes.
   void Words(std::string_view controls);
   void Word(std::string_view control, std::int64_t number);
-  void Open() { Syntax('{'); }
+  /// Begins a group with control words.
+  void Open(std::string_view controls = {}) {
+    Syntax('{');
+    Words(controls);
+  }
   void Close() { Syntax('}'); }
   void LineEnd();
   /// UTF-8, escaped; invalid bytes as U+FFFD.

@@ -129,7 +129,6 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       document_.kept_header += TakeGroup();
       return;
     case Control::ListTable:
-    case Control::OverrideTable:
       return ReadLists(word);
     case Control::SectionGroup:
       if (!is_first_section_) return KeepInvisible(TakeGroup());
@@ -150,7 +149,6 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       Top().is_nested_properties = true;
       return;
     case Control::Picture:
-    case Control::AlternativePicture:
       return AddPicture(TakeGroup());
     case Control::ShownPicture:
       return AddShownPicture();
@@ -167,7 +165,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
 
 void Parser::ReadLists(const ControlWord& word) {
   const std::string group = TakeGroup();
-  const bool all = word.control == Control::ListTable ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
+  const bool all = word.value == 0 ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
   if (!all) ++document_.losses.limits;
   document_.kept_header += group;
 }

@@ -11,6 +11,9 @@ constexpr std::uint32_t kDefaultHalfPoints = 24;
 constexpr std::int32_t kMaxListLevel = 8;
 constexpr std::size_t kMaxTabs = 64;
 
+/// Words that switch an attribute on or off.
+constexpr std::pair<Control, bool CharFormat::*> kSwitches[] = {
+    {Control::Bold, &CharFormat::bold}, {Control::Italic, &CharFormat::italic}, {Control::Hidden, &CharFormat::hidden}};
 /// Words that set a length to their number.
 constexpr std::pair<Control, std::int32_t ParagraphFormat::*> kLengths[] = {
     {Control::IndentLeft, &ParagraphFormat::left},        {Control::IndentRight, &ParagraphFormat::right},
@@ -37,6 +40,9 @@ void FindList(const ListTables& lists, ParagraphFormat& format) {
 /// Words of ControlClass::CharacterFormat. Fonts, \plain and words that are kept as they are, are none of its business.
 void ApplyCharacterWord(const ControlWord& word, const Token& token, const ColorTable& colors, CharFormat& format) {
   const bool is_on = token.IsOn();
+  for (const auto& [control, attribute] : kSwitches) {
+    if (control == word.control) format.*attribute = is_on;
+  }
   switch (word.control) {
     case Control::FontSize:
       format.half_points =
@@ -47,15 +53,6 @@ void ApplyCharacterWord(const ControlWord& word, const Token& token, const Color
       return;
     case Control::Background:
       format.background = colors.IndexOf(token.value);
-      return;
-    case Control::Bold:
-      format.bold = is_on;
-      return;
-    case Control::Italic:
-      format.italic = is_on;
-      return;
-    case Control::Hidden:
-      format.hidden = is_on;
       return;
     case Control::Underlined:
       format.underline = is_on ? static_cast<Underline>(word.value) : Underline::None;
@@ -260,13 +257,9 @@ void Parser::ReadRowWord(const ControlWord& word) {
       if (IsBody()) StartBody();
       return rows_.Begin(Top().is_nested_properties ? nested : 1, RawWord());
     case Control::CellEnd:
-      return EndCell(1);
-    case Control::NestedCellEnd:
-      return EndCell(nested);
+      return EndCell(word.value == 0 ? 1 : nested);
     case Control::RowEnd:
-      return EndRow(1);
-    case Control::NestedRowEnd:
-      return EndRow(nested);
+      return EndRow(word.value == 0 ? 1 : nested);
     default:
       if (rows_.IsOpen()) AddRowWord(word);
       return;

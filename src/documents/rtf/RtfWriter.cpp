@@ -93,8 +93,7 @@ class Writer : private RtfTableWalk::Listener {
 };
 
 void Writer::Header() {
-  out_.Open();
-  out_.Words("\\rtf1");
+  out_.Open("\\rtf1");
   out_.Words(document_.ansi_code_page == 10000 ? "\\mac" : "\\ansi");
   out_.Word("\\ansicpg", document_.ansi_code_page);
   out_.Words("\\uc1");
@@ -139,8 +138,7 @@ void Writer::WriteParagraphFormat(const Place& place, std::string_view item) {
     if (place.depth > 1) out_.Word("\\itap", static_cast<std::int64_t>(place.depth));
   }
   if (!item.empty()) {
-    out_.Open();
-    out_.Words(in_file_list ? "\\listtext" : "\\pntext");
+    out_.Open(in_file_list ? "\\listtext" : "\\pntext");
     out_.Text(item);
     out_.Text("\t");
     out_.Close();
@@ -169,8 +167,7 @@ void Writer::Text(std::size_t from, std::size_t to) {
 void Writer::Object(const rtf::Object& object) {
   if (!object.rtf.empty()) return out_.Kept(object.rtf);
   if (object.picture.empty()) return;
-  out_.Open();
-  out_.Words(object.picture.starts_with(kPngSignature) ? "\\pict\\pngblip" : "\\pict\\jpegblip");
+  out_.Open(object.picture.starts_with(kPngSignature) ? "\\pict\\pngblip" : "\\pict\\jpegblip");
   if (object.width > 0) out_.Word("\\picwgoal", object.width);
   if (object.height > 0) out_.Word("\\pichgoal", object.height);
   out_.Hex(object.picture);
@@ -221,8 +218,7 @@ void Writer::EnterField(std::uint32_t number) {
 void Writer::OpenField(std::uint32_t number) {
   const Field& field = document_.fields[number - 1];
   fields_.push_back({number, format_, place_});
-  out_.Open();
-  out_.Words("\\field");
+  out_.Open("\\field");
   if (!field.instruction.empty()) {
     out_.Kept(field.instruction);
   } else {
@@ -231,13 +227,11 @@ void Writer::OpenField(std::uint32_t number) {
       if (each == '\\') instruction.push_back('\\');
       each == '"' ? instruction.append("%22") : instruction.append(1, each);
     }
-    out_.Open();
-    out_.Words("\\*\\fldinst");
+    out_.Open("\\*\\fldinst");
     out_.Text(instruction.append("\""));
     out_.Close();
   }
-  out_.Open();
-  out_.Words("\\fldrslt");
+  out_.Open("\\fldrslt");
 }
 
 /// The groups' ends bring back what stood before them.
@@ -286,13 +280,11 @@ void Writer::EndRow(std::uint32_t row, std::size_t depth) {
     if (has_nested_row_) RowDefinition(row);
     out_.Words("\\row");
   } else {
-    out_.Open();
-    out_.Words("\\*\\nesttableprops");
+    out_.Open("\\*\\nesttableprops");
     RowDefinition(row);
     out_.Words("\\nestrow");
     out_.Close();
-    out_.Open();
-    out_.Words("\\nonesttables\\par");
+    out_.Open("\\nonesttables\\par");
     out_.Close();
   }
   out_.LineEnd();

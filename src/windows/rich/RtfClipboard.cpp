@@ -24,8 +24,6 @@ std::unique_ptr<QMimeData> RtfMimeData(const std::string& rtf, const QString& te
   return data;
 }
 
-bool HasRtf(const QMimeData& data) { return !RtfOf(data).isEmpty(); }
-
 QByteArray RtfOf(const QMimeData& data) {
   for (const QLatin1StringView name : kNames) {
     if (!data.hasFormat(name)) continue;

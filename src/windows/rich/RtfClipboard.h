@@ -12,8 +12,7 @@ namespace tme {
 /// Rich text under every name that programs look for, with plain text beside it. The caller owns it.
 std::unique_ptr<QMimeData> RtfMimeData(const std::string& rtf, const QString& text);
 
-bool HasRtf(const QMimeData& data);
-/// Under whichever name it stands; empty when there is none.
+/// Rich text under whichever name it stands; empty when there is none.
 QByteArray RtfOf(const QMimeData& data);
 
 /// A picture as the bytes of a PNG file; empty when there is none.

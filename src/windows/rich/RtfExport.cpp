@@ -170,9 +170,10 @@ class Exporter {
     return kept ? Part{number, kept->group, kept->part} : Part{};
   }
 
+  /// cell: invalid where the view shows none.
   void CellText(const QTextTableCell& cell, std::int32_t number) {
     const std::size_t before = document_.paragraphs.size();
-    Frame(cell.begin(), cell.end(), number);
+    if (cell.isValid()) Frame(cell.begin(), cell.end(), number);
     if (document_.paragraphs.size() == before || document_.paragraphs.back().cell != number)
       AddEmptyParagraph(document_, number);
   }
@@ -191,11 +192,7 @@ class Exporter {
     for (const rtf::Cell& cell : kept.cells) {
       const std::int32_t number = AddCell(document_, row_number, cell);
       const bool is_merged_away = cell.row_span == 0 || cell.column_span == 0;
-      const QTextTableCell shown = is_merged_away ? QTextTableCell() : next();
-      if (shown.isValid())
-        CellText(shown, number);
-      else
-        AddEmptyParagraph(document_, number);
+      CellText(is_merged_away ? QTextTableCell() : next(), number);
     }
   }
 
@@ -209,10 +206,7 @@ class Exporter {
       made.right_edge = kWidthOfNewTable * end / table.columns();
       made.row_span = starts_here ? static_cast<std::uint16_t>(cell.rowSpan()) : std::uint16_t{0};
       const std::int32_t number = AddCell(document_, row_number, made);
-      if (starts_here)
-        CellText(cell, number);
-      else
-        AddEmptyParagraph(document_, number);
+      CellText(starts_here ? cell : QTextTableCell(), number);
       column = end;
     }
   }

@@ -143,13 +143,16 @@ QString RtfPad::SelectedText() const {
 }
 
 void RtfPad::ReplaceSelection(const QString& text) {
+  Insert(text.size(), text.count(u'\n'), [&text](QTextCursor& cursor) { cursor.insertText(text); });
+}
+
+void RtfPad::Insert(qsizetype characters, qsizetype lines, const std::function<void(QTextCursor&)>& insert) {
   const int first = textCursor().selectionStart();
   {
-    const LargeEdit edit(
-        *this, static_cast<std::size_t>(text.size()) + static_cast<std::size_t>(text.count(u'\n')) * kCostOfCell);
+    const LargeEdit edit(*this, static_cast<std::size_t>(characters) + static_cast<std::size_t>(lines) * kCostOfCell);
     QTextCursor cursor = textCursor();
     cursor.beginEditBlock();
-    cursor.insertText(text);
+    insert(cursor);
     AfterInsertion(first);
     cursor.endEditBlock();
   }
@@ -204,9 +207,7 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
   const bool to_end =
       event->matches(QKeySequence::MoveToEndOfDocument) || event->matches(QKeySequence::SelectEndOfDocument);
   // A key alone does not move the caret.
-  const bool is_modifier = event->key() == Qt::Key_Shift || event->key() == Qt::Key_Control ||
-                           event->key() == Qt::Key_Alt || event->key() == Qt::Key_Meta;
-  if (is_modifier || LayOutTo(to_end ? static_cast<int>(End()) : textCursor().position()))
+  if (IsModifierKey(event->key()) || LayOutTo(to_end ? static_cast<int>(End()) : textCursor().position()))
     QTextEdit::keyPressEvent(event);
 }
 

@@ -130,6 +130,8 @@ class RtfPad : public QTextEdit, public Pad {
   /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
   /// long.
   void AfterInsertion(int first);
+  /// Replaces the selection with what `insert` inserts: so many characters in so many lines.
+  void Insert(qsizetype characters, qsizetype lines, const std::function<void(QTextCursor&)>& insert);
   void InsertFragment(const QTextDocument& part);
   void LayOutUnwrapped();
   void ApplyZoom();

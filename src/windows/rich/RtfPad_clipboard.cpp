@@ -1,6 +1,7 @@
 // What RtfPad gives to the clipboard and takes from it.
 
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
@@ -40,35 +41,21 @@ std::unique_ptr<QTextDocument> RtfPad::SelectionAsDocument() const {
 
 std::string RtfPad::SelectedRtf() const {
   const std::unique_ptr<QTextDocument> part = SelectionAsDocument();
-  rtf::RtfDocument& kept = store_->document;
   // Of the page and of headers, a part knows nothing.
-  const std::string controls = std::exchange(kept.document_controls, {});
-  const std::string section = std::exchange(kept.kept_section, {});
+  const QScopedValueRollback controls(store_->document.document_controls, std::string());
+  const QScopedValueRollback section(store_->document.kept_section, std::string());
+  const RtfExport written(*part, *store_);
   std::string rtf;
-  {
-    const RtfExport written(*part, *store_);
-    rtf::WriteRtf(written.Document(), [&rtf](std::string_view text) {
-      rtf += text;
-      return true;
-    });
-  }
-  kept.document_controls = controls;
-  kept.kept_section = section;
+  rtf::WriteRtf(written.Document(), [&rtf](std::string_view text) {
+    rtf += text;
+    return true;
+  });
   return rtf;
 }
 
 void RtfPad::InsertFragment(const QTextDocument& part) {
-  const int first = textCursor().selectionStart();
-  {
-    const LargeEdit edit(*this, static_cast<std::size_t>(part.characterCount()) +
-                                    static_cast<std::size_t>(part.blockCount()) * kCostOfCell);
-    QTextCursor cursor = textCursor();
-    cursor.beginEditBlock();
-    cursor.insertFragment(QTextDocumentFragment(&part));
-    AfterInsertion(first);
-    cursor.endEditBlock();
-  }
-  ShowCaret();
+  Insert(part.characterCount(), part.blockCount(),
+         [&part](QTextCursor& cursor) { cursor.insertFragment(QTextDocumentFragment(&part)); });
 }
 
 std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
@@ -86,11 +73,7 @@ std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& htm
   RemovePictures(part);
   RtfStore store;
   store.document = EmptyRtfDocument();
-  rtf::RtfDocument text;
-  {
-    const RtfExport written(part, store);
-    text = written.Document();
-  }
+  rtf::RtfDocument text = RtfExport(part, store).Document();
   // Tables that the view could not bear are simplified as those of a file.
   if (RtfShape(text).FlatTables() > 0) return ReplaceSelectionWithRtf(std::move(text), step);
   InsertFragment(part);
@@ -113,7 +96,7 @@ void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {
 QMimeData* RtfPad::createMimeDataFromSelection() const { return RtfMimeData(SelectedRtf(), SelectedText()).release(); }
 
 bool RtfPad::canInsertFromMimeData(const QMimeData* source) const {
-  return source->hasText() || source->hasHtml() || source->hasImage() || HasRtf(*source);
+  return source->hasText() || source->hasHtml() || source->hasImage() || !RtfOf(*source).isEmpty();
 }
 
 void RtfPad::insertFromMimeData(const QMimeData* source) { emit PasteRequested(*source); }

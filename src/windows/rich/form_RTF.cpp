@@ -23,6 +23,7 @@
 #include "system/CommonDialog.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
+#include "windows/text/PadKeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,11 +35,6 @@ constexpr int kPadTop = 400;
 constexpr int kBulletIndent = 200;
 constexpr int kOpenedFallbackSize = 10;
 constexpr int kRichIndex = 1, kPlainIndex = 2;
-
-bool IsModifier(int key) {
-  return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
-         key == Qt::Key_AltGr;
-}
 
 }  // namespace
 
@@ -290,9 +286,9 @@ bool form_RTF::eventFilter(QObject* watched, QEvent* event) {
   if (!pad || !IsOpen()) return swallowed;
   if (watched == pad && event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
-    const bool searched = swallowed && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);
+    const bool searched = swallowed && (IsEnterKey(key) || key == Qt::Key_Escape);
     const bool command = searched || ZoomOf(*static_cast<QKeyEvent*>(event));
-    if (!command && !IsModifier(key) && !keys_down_.contains(key)) keys_down_.append(key);
+    if (!command && !IsModifierKey(key) && !keys_down_.contains(key)) keys_down_.append(key);
   }
   if (watched == pad && event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat())
     PadKeyReleased(static_cast<QKeyEvent*>(event)->key());
@@ -308,8 +304,7 @@ void form_RTF::PadKeyReleased(int key) {
   if (!keys_down_.removeOne(key)) return;
   // Any other key marks the document changed, an arrow key, too; intended.
   TextChanged();
-  const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
-  if (enter && pad->SelectionBullet() == true) pad->ReplaceSelection(u" "_s);
+  if (IsEnterKey(key) && pad->SelectionBullet() == true) pad->ReplaceSelection(u" "_s);
 }
 
 void form_RTF::UpdateFormatState() {

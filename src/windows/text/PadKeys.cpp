@@ -17,6 +17,13 @@ char32_t FirstCharacter(const QString& text) {
 
 }  // namespace
 
+bool IsEnterKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+bool IsModifierKey(int key) {
+  return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
+         key == Qt::Key_AltGr;
+}
+
 bool TypesText(const QKeyEvent& key) {
   const char32_t first = FirstCharacter(key.text());
   const QChar::Category category = QChar::category(first);

@@ -4,6 +4,9 @@ class QKeyEvent;
 
 namespace tme {
 
+bool IsEnterKey(int key);
+bool IsModifierKey(int key);
+
 /// Whether a key means the text that it carries: any character but a control character, alone, with Shift, or with
 /// AltGr, which is Ctrl+Alt on some systems. Characters without width count with Ctrl+Shift too: some layouts have them
 /// there.

@@ -28,7 +28,6 @@ constexpr const char* kWordWrapItem = "menu_EditWordWrap";
 /// Twips between the place where lines wrap and the right edge of the editing area.
 constexpr int kWrapMargin = 500;
 
-bool IsEnter(const QKeyEvent& key) { return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter; }
 bool IsTab(const QKeyEvent& key) { return key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab; }
 
 /// Menus have these keys too; whoever gets the key first, the command runs once.
@@ -190,10 +189,10 @@ bool PadWindow::PadKeyPressed(const QKeyEvent& key) {
 bool PadWindow::SearchKeyPressed(const QKeyEvent& key) {
   form_SR* dialog = form_SR::Opened(global_);
   if (!dialog || !dialog->isVisible()) return false;
-  const bool shift_held = (IsEnter(key) || IsTab(key)) && key.modifiers().testFlag(Qt::ShiftModifier);
+  const bool shift_held = (IsEnterKey(key.key()) || IsTab(key)) && key.modifiers().testFlag(Qt::ShiftModifier);
   if (shift_held || key.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
     return false;
-  if (IsEnter(key)) {
+  if (IsEnterKey(key.key())) {
     dialog->cmd_FindNext_Click();
     return true;
   }

@@ -18,8 +18,6 @@ void* TextPadAccessible::interface_cast(QAccessible::InterfaceType type) {
   return QAccessibleWidget::interface_cast(type);
 }
 
-QString TextPadAccessible::text(QAccessible::Text type) const { return QAccessibleWidget::text(type); }
-
 QAccessible::State TextPadAccessible::state() const {
   QAccessible::State state = QAccessibleWidget::state();
   state.multiLine = state.selectableText = true;

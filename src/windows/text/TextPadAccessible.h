@@ -15,7 +15,7 @@ class TextPadAccessible : public QAccessibleWidget, public QAccessibleTextInterf
   static void Install();
 
   void* interface_cast(QAccessible::InterfaceType type) override;
-  QString text(QAccessible::Text type) const override;
+  using QAccessibleWidget::text;
   QAccessible::State state() const override;
 
   void selection(int index, int* start, int* end) const override;

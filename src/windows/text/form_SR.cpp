@@ -22,6 +22,7 @@
 #include "system/Dialogs.h"
 #include "system/RegistryAccess.h"
 #include "system/Twips.h"
+#include "windows/text/PadKeys.h"
 #include "windows/text/PadWindow.h"
 
 using namespace Qt::StringLiterals;
@@ -326,8 +327,7 @@ void form_SR::closeEvent(QCloseEvent* event) {
 bool form_SR::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::KeyPress) return QDialog::eventFilter(watched, event);
   const auto& key = *static_cast<QKeyEvent*>(event);
-  const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
-  if (enter && (watched == txt_SearchString || watched == txt_R)) {
+  if (IsEnterKey(key.key()) && (watched == txt_SearchString || watched == txt_R)) {
     cmd_FindNext_Click();
   } else if (key.key() == Qt::Key_Escape) {
     cmd_Cance_Click();
