@@ -45,7 +45,8 @@ void PadWindow::DocumentCloses() {
 void PadWindow::PathNotChosen() {
   if (global_.common_dialog.file_name.isEmpty()) return;
   file_.SetTitle(title_at_save_as_);
-  setWindowTitle(title_at_save_as_.isEmpty() ? QString() : CaptionText(Caption()));
+  const bool has_title = !title_at_save_as_.isEmpty();
+  setWindowTitle(has_title ? CaptionText(Caption()) : QString());
 }
 
 PadWindow::SaveOutcome PadWindow::Save(const SaveRequest& request) {
