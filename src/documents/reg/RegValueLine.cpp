@@ -17,6 +17,11 @@ constexpr std::string_view kDeletion = "-";
 /// What stands between name and data, from the "=" on.
 constexpr std::string_view MarkOf(RegType type) { return TraitsOf(type).before.substr(1); }
 
+/// Both begin with "=". Most lines show in the character behind it what they are.
+bool HasMark(std::string_view text, std::string_view mark) {
+  return text.size() >= mark.size() && text[1] == mark[1] && (mark.size() == 2 || text.starts_with(mark));
+}
+
 std::string_view WithoutLast(std::string_view text) {
   text.remove_suffix(utf8::LastCharacterBytes(text));
   return text;
@@ -43,7 +48,7 @@ RegType TypeOf(std::string_view line, std::size_t equals) {
   const bool is_only_equals = rest.find('=', 1) == std::string_view::npos;
   for (const RegTypeTraits& traits : kMarkedRegTypes) {
     const std::string_view mark = MarkOf(traits.type);
-    if (is_only_equals ? rest.starts_with(mark) : rest.find(mark) != std::string_view::npos) return traits.type;
+    if (is_only_equals ? HasMark(rest, mark) : rest.find(mark) != std::string_view::npos) return traits.type;
   }
   return RegType::String;
 }
@@ -62,10 +67,11 @@ bool TakeData(std::string_view line, std::size_t equals, std::size_t data, RegVa
 RegLineForm FormOf(std::string_view assignment, const RegValueLine& value) {
   const bool is_string = value.type == RegType::String;
   const std::string_view mark = MarkOf(value.type);
+  const bool is_marked = HasMark(assignment, mark);
   std::string_view data = assignment.substr(std::min(mark.size(), assignment.size()));
-  const bool has_quotes = !is_string || (data.ends_with('"') && assignment.starts_with(mark));
+  const bool has_quotes = !is_string || (data.ends_with('"') && is_marked);
   if (is_string && has_quotes) data.remove_suffix(1);
-  if (has_quotes && assignment.starts_with(mark) && data == value.data) return RegLineForm::Same;
+  if (has_quotes && is_marked && data == value.data) return RegLineForm::Same;
   if (!is_string || assignment.substr(1) != value.data) return RegLineForm::Other;
   if (value.data == kDeletion) return RegLineForm::Deletion;
   return value.data.starts_with(kTypedHex) ? RegLineForm::TypedHex : RegLineForm::Other;
