@@ -82,6 +82,7 @@ QByteArray Resource(const QString& name) {
 
 /// The first is the one that the state is read from: desktop entry ("Open With"), its icon, Thunar's Send To menu.
 /// The entry says what the package's says (packaging/linux/tamarind-editor.desktop), whose place it takes.
+/// Untranslated.
 std::vector<HookFile> SendToFiles(const QString& program) {
   const QString id = QLatin1StringView(kIntegrationId), data = DataFolder();
   const QByteArray entry =
@@ -99,6 +100,7 @@ std::vector<HookFile> SendToFiles(const QString& program) {
 }
 
 /// For Nautilus, Caja, Nemo and Dolphin. Thunar's action shares a file with others and is not among these.
+/// Untranslated.
 std::vector<HookFile> ContextMenuFiles(const QString& program) {
   const QString id = QLatin1StringView(kIntegrationId), data = DataFolder();
   const QByteArray script = "#!/bin/sh\n" + ScriptLine(program);
