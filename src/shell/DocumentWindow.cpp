@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <exception>
 
+#include "shell/DocumentArea.h"
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"

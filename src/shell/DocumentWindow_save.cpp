@@ -1,6 +1,7 @@
 // The save of a document of any kind.
 #include <QFileInfo>
 
+#include "files/FileSteps.h"
 #include "shell/DocumentWindow.h"
 #include "shell/FileMessages.h"
 #include "shell/Global.h"
