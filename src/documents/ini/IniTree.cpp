@@ -1,7 +1,6 @@
 #include "documents/ini/IniTree.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include "documents/ini/IniOrder.h"
@@ -17,11 +16,15 @@ IniTreeObserver silent_observer;
 
 /// Returns where a new text belongs among sorted children: after those that are equal.
 std::size_t RowFor(const IniNode& parent, std::string_view text) {
-  const auto rows = std::views::iota(0, parent.ChildCount());
-  const auto is_before = [&](std::string_view left, int row) {
-    return CompareFolded(left, parent.Child(row)->Text()) < 0;
-  };
-  return static_cast<std::size_t>(std::upper_bound(rows.begin(), rows.end(), text, is_before) - rows.begin());
+  int first = 0;
+  for (int last = parent.ChildCount(); first < last;) {
+    const int middle = first + (last - first) / 2;
+    if (CompareFolded(text, parent.Child(middle)->Text()) < 0)
+      last = middle;
+    else
+      first = middle + 1;
+  }
+  return static_cast<std::size_t>(first);
 }
 
 bool StandsInOrder(const IniNode& node) {

@@ -116,7 +116,8 @@ enum class Control : std::uint8_t {
 
 struct ControlWord {
   constexpr ControlWord() = default;
-  constexpr ControlWord(std::string_view its_name, Control its_control = Control::None, std::int32_t its_value = 0)
+  constexpr explicit ControlWord(std::string_view its_name) : name(its_name) {}
+  constexpr ControlWord(std::string_view its_name, Control its_control, std::int32_t its_value = 0)
       : name(its_name), value(its_value), control(its_control) {}
 
   std::string_view name{};

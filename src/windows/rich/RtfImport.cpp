@@ -6,6 +6,7 @@
 #include <QTextTable>
 #include <algorithm>
 #include <map>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -39,7 +40,9 @@ class ViewLists {
     std::int32_t id;
     std::uint8_t level;
     rtf::ListKind kind;
-    auto operator<=>(const Key&) const = default;
+    bool operator<(const Key& other) const {
+      return std::tie(id, level, kind) < std::tie(other.id, other.level, other.kind);
+    }
   };
   std::map<Key, QTextList*> lists_;
 };
