@@ -94,7 +94,10 @@ TEST_F(WriteFile, TextInPartsFallsBackToUtf8AsAWhole) {
     EXPECT_EQ(format.encoding, row.written);
   }
   TextFormat format;
-  const auto give_up = [](const PartSink& put) { return put("x") && false; };
+  const auto give_up = [](const PartSink& put) {
+    put("x");
+    return false;
+  };
   EXPECT_EQ(Reason(WriteTextFile(In("text"), format, give_up, steps)), "The file was not completed");
   EXPECT_EQ(Get(In("text")), std::end(rows)[-1].bytes);
   EXPECT_EQ(FilesInFolder(), 1);
