@@ -89,8 +89,9 @@ void form_TMEOptions::done(int result) {
 void form_TMEOptions::cmd_OK_Click() {
   if (!CheckAutoSave()) return;
   SaveFlags();
-  const QStringList failures = SetHook(ShellHook::SendTo, cb_SendTo, tr("Send To entry")) +
-                               SetHook(ShellHook::ContextMenu, Check1, tr("Context menu command"));
+  // One after the other: the operands of a sum have no order.
+  QStringList failures = SetHook(ShellHook::SendTo, cb_SendTo, tr("Send To entry"));
+  failures += SetHook(ShellHook::ContextMenu, Check1, tr("Context menu command"));
   SaveTexts();
   const std::optional<StoreFailure> unsaved = global_.registry.Flush();
   if (unsaved) global_.frame.SettingsFailureTold();
