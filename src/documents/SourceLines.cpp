@@ -1,0 +1,109 @@
+#include "documents/SourceLines.h"
+
+#include <algorithm>
+#include <string>
+
+namespace tme {
+namespace {
+
+constexpr std::string_view kUsualLineEnd = "\r\n";
+
+/// The line end of the first line of a text that has one.
+std::string_view FirstLineEnd(std::string_view lines) {
+  const std::size_t at = lines.find_first_of("\r\n");
+  if (at == std::string_view::npos) return {};
+  return lines.substr(at, lines.substr(at).starts_with(kUsualLineEnd) ? 2 : 1);
+}
+
+}  // namespace
+
+std::string_view LineEndOf(std::string_view lines) {
+  if (lines.ends_with(kUsualLineEnd)) return lines.substr(lines.size() - 2);
+  const bool has_end = lines.ends_with('\n') || lines.ends_with('\r');
+  return lines.substr(lines.size() - (has_end ? 1 : 0));
+}
+
+void SourceLines::Clear() { pieces_.assign(1, {.text = "", .size = 0, .next = kEnds, .previous = kEnds, .kind = 0}); }
+
+SourceLines::Piece SourceLines::InsertBehind(Piece piece, std::string_view lines, std::uint8_t kind) {
+  return Link(piece, WithLineEnds(piece, lines), kind);
+}
+
+void SourceLines::Replace(Piece piece, std::string_view lines) { SetText(pieces_[piece], texts_.Copy(lines)); }
+
+void SourceLines::Remove(Piece piece) {
+  const Entry& entry = pieces_[piece];
+  pieces_[entry.previous].next = entry.next;
+  pieces_[entry.next].previous = entry.previous;
+}
+
+void SourceLines::Restore(Piece piece) {
+  const Entry& entry = pieces_[piece];
+  pieces_[entry.previous].next = piece;
+  pieces_[entry.next].previous = piece;
+}
+
+void SourceLines::MoveBehind(Piece place, Piece piece) {
+  if (place == piece) return;
+  Remove(piece);
+  Entry& entry = pieces_[piece];
+  SetText(entry, WithLineEnds(place, Text(piece)));
+  entry.previous = place;
+  entry.next = Next(place);
+  Restore(piece);
+}
+
+std::string_view SourceLines::LineEndBehind(Piece piece) const {
+  for (Piece at = piece; at != kEnds; at = Previous(at))
+    if (const std::string_view end = LineEndOf(Text(at)); !end.empty()) return end;
+  for (Piece at = Next(piece); at != kEnds; at = Next(at))
+    if (const std::string_view end = FirstLineEnd(Text(at)); !end.empty()) return end;
+  return kUsualLineEnd;
+}
+
+bool SourceLines::Write(const PartSink& sink) const {
+  std::string_view part;
+  for (Piece at = First(); at != kEnds; at = Next(at)) {
+    const std::string_view text = Text(at);
+    if (part.data() + part.size() == text.data()) {
+      part = {part.data(), part.size() + text.size()};
+      continue;
+    }
+    if (!part.empty() && !sink(part)) return false;
+    part = text;
+  }
+  return part.empty() || sink(part);
+}
+
+std::uint64_t SourceLines::Size() const {
+  std::uint64_t size = 0;
+  for (Piece at = First(); at != kEnds; at = Next(at)) size += pieces_[at].size;
+  return size;
+}
+
+SourceLines::Piece SourceLines::Link(Piece place, std::string_view lines, std::uint8_t kind) {
+  const auto piece = static_cast<Piece>(pieces_.size());
+  pieces_.push_back({.text = "", .size = 0, .next = Next(place), .previous = place, .kind = kind});
+  SetText(pieces_.back(), lines);
+  Restore(piece);
+  return piece;
+}
+
+void SourceLines::SetText(Entry& entry, std::string_view lines) {
+  entry.text = lines.data();
+  entry.size = static_cast<std::uint32_t>(lines.size());
+}
+
+std::string_view SourceLines::WithLineEnds(Piece place, std::string_view lines) {
+  const std::string_view end = LineEndBehind(place);
+  if (place != kEnds && LineEndOf(Text(place)).empty()) {
+    // This was the last line, so the new one will be.
+    Replace(place, std::string(Text(place)).append(end));
+    lines.remove_suffix(LineEndOf(lines).size());
+    return texts_.Copy(lines);
+  }
+  if (LineEndOf(lines).empty()) return texts_.Copy(std::string(lines).append(end));
+  return texts_.Copy(lines);
+}
+
+}  // namespace tme

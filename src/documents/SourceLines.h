@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "base/Parts.h"
+#include "base/TextStore.h"
+
+namespace tme {
+
+/// The text of a document that is held whole, in pieces: runs of whole lines, line ends included, that each belong to
+/// one thing (a header, an entry, a value with its continuation lines, a comment, blank lines). The pieces stand in a
+/// ring in the order of the file, so that every edit costs the same at any size. A piece that was not edited is a view
+/// of the text that was read; a removed one stays in memory, and can be put back.
+class SourceLines {
+ public:
+  /// The number of a piece. Numbers grow and are not used again before Clear.
+  using Piece = std::uint32_t;
+  /// Always there, and empty: it stands before the first piece and behind the last one.
+  static constexpr Piece kEnds = 0;
+
+  /// texts: holds what edits make; outlives this.
+  explicit SourceLines(TextStore& texts) : texts_(texts) { Clear(); }
+
+  /// Forgets all pieces. The texts are the caller's to give up.
+  void Clear();
+  /// Makes room for so many.
+  void Reserve(std::size_t pieces) { pieces_.reserve(pieces + 1); }
+
+  Piece First() const { return pieces_[kEnds].next; }
+  Piece Last() const { return pieces_[kEnds].previous; }
+  /// kEnds behind the last one.
+  Piece Next(Piece piece) const { return pieces_[piece].next; }
+  Piece Previous(Piece piece) const { return pieces_[piece].previous; }
+  std::string_view Text(Piece piece) const { return {pieces_[piece].text, pieces_[piece].size}; }
+  /// What the reader gave: its own business.
+  std::uint8_t Kind(Piece piece) const { return pieces_[piece].kind; }
+
+  // Edits. Texts are copied but for Append's.
+
+  /// Adds a piece behind the last one. lines: not copied, so it must lie in memory that stays.
+  Piece Append(std::string_view lines, std::uint8_t kind) { return Link(Last(), lines, kind); }
+  /// Adds lines behind a piece (kEnds: at the start). What stood last without a line end gets one, and then the new
+  /// last line goes without.
+  Piece InsertBehind(Piece piece, std::string_view lines, std::uint8_t kind);
+  void Replace(Piece piece, std::string_view lines);
+  void SetKind(Piece piece, std::uint8_t kind) { pieces_[piece].kind = kind; }
+  /// The piece keeps its text and its neighbours, so that removals can be taken back, the last one first.
+  void Remove(Piece piece);
+  void Restore(Piece piece);
+  /// Takes a piece from its place and puts it behind another one. The line ends are as for InsertBehind.
+  void MoveBehind(Piece place, Piece piece);
+
+  /// The line end that a new line behind a piece takes: that of the piece, or of the nearest one before it that has
+  /// one, or of the next one behind it; CR LF where the document has none.
+  std::string_view LineEndBehind(Piece piece) const;
+  /// Hands over the text of all pieces; those that follow one another in memory as one part.
+  bool Write(const PartSink& sink) const;
+  /// Bytes.
+  std::uint64_t Size() const;
+
+ private:
+  struct Entry {
+    const char* text;
+    std::uint32_t size;
+    Piece next;
+    Piece previous;
+    std::uint8_t kind;
+  };
+
+  Piece Link(Piece place, std::string_view lines, std::uint8_t kind);
+  void SetText(Entry& entry, std::string_view lines);
+  /// Before lines come behind a piece: ends the line before them, or the lines themselves. Returns the lines.
+  std::string_view WithLineEnds(Piece place, std::string_view lines);
+
+  TextStore& texts_;
+  std::vector<Entry> pieces_;
+};
+
+/// The line end of the last line of a text: CR LF, LF, CR, or nothing.
+std::string_view LineEndOf(std::string_view lines);
+
+}  // namespace tme
