@@ -34,7 +34,7 @@ TEST_F(ReplacedFileTest, WhatNoCopyHoldsIsReplacedOnlyWhenTheUserSaysSo) {
     EXPECT_NE(BytesOf(path), row.old_bytes);
     EXPECT_FALSE(window.IsModified());
     EXPECT_TRUE(Notice(window).contains(u"could not be kept in the history"_s)) << row.name;
-    window.PutContent(row.old_bytes);
+    window.PutContent(row.old_bytes, Holding::ByRules);
     dialogs_.AnswerAll(MsgAnswer::No);
     window.FileClose();
     EXPECT_EQ(window.Tag(), u"") << "nor a close";
@@ -87,7 +87,7 @@ TEST_F(ReplacedFileTest, AFileOfSeveralNamesIsWrittenInPlaceOnceItsBytesAreKept)
   std::filesystem::create_hard_link(path.toStdU16String(), other.toStdU16String(), error);
   if (error) GTEST_SKIP() << error.message();
   Start({path});
-  Window(DocumentKind::Txt).PutContent("new");
+  Window(DocumentKind::Txt).PutContent("new", Holding::ByRules);
   QMetaObject::invokeMethod(&Window(DocumentKind::Txt), "SaveFile");
   EXPECT_EQ(BytesOf(path), "new");
   EXPECT_EQ(BytesOf(other), "new");
@@ -119,7 +119,7 @@ TEST_F(ReplacedFileTest, AChangeOnTheDiskIsToldOnceAndKept) {
     window.Form_Activate();
     EXPECT_EQ(Notice(window), u"") << "put away, it stays away";
   }
-  window.PutContent("mine");
+  window.PutContent("mine", Holding::ByRules);
   QMetaObject::invokeMethod(&window, "SaveFile");
   EXPECT_EQ(count(u"that content is kept"_s), 1);
   EXPECT_TRUE(HistoryHolds("theirs again"));
@@ -128,12 +128,12 @@ TEST_F(ReplacedFileTest, AChangeOnTheDiskIsToldOnceAndKept) {
   const auto time = std::filesystem::last_write_time(path.toStdU16String());
   File(u"a.txt"_s, "evil");
   std::filesystem::last_write_time(path.toStdU16String(), time);
-  window.PutContent("mine 2");
+  window.PutContent("mine 2", Holding::ByRules);
   QMetaObject::invokeMethod(&window, "SaveFile");
   EXPECT_EQ(count(u"that content is kept"_s), 1);
   EXPECT_TRUE(HistoryHolds("evil"));
   const auto kept = history_.versions.List().size();
-  window.PutContent("mine 3");
+  window.PutContent("mine 3", Holding::ByRules);
   QMetaObject::invokeMethod(&window, "SaveFile");
   EXPECT_EQ(history_.versions.List().size(), kept) << "what was ours needs no keeping";
   EXPECT_EQ(Notice(window), u"");

@@ -138,7 +138,7 @@ TEST_F(SnapshotsTest, WhatIsThrownWhereTheDiskIsWrittenIsTold) {
   DocumentWindow& window = Window(DocumentKind::Txt);
   WaitFor([&] { return !Notice(window).isEmpty(); });
   EXPECT_EQ(Notice(window), u"Old versions could not be removed from the history: Out of order.");
-  window.PutContent("new");
+  window.PutContent("new", Holding::ByRules);
   global_.snapshots.Poll(RecoverySnapshots::Clock::now());
   global_.snapshots.WaitForDisk();
   EXPECT_TRUE(Notice(window).contains(u"cannot be put aside for the case of a crash: Out of order."_s));

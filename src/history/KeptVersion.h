@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "documents/DocumentKind.h"
+#include "documents/Holding.h"
 
 namespace tme {
 
@@ -21,6 +22,8 @@ struct ContentOrigin {
   DocumentKind kind = DocumentKind::Txt;
   QString path;   ///< empty for a document that never had a file
   QString title;  ///< the caption of such a document; else the file's name
+  /// How the document held it, and is to hold it again.
+  Holding holding = Holding::ByRules;
 };
 
 /// Two contents of equal origin are versions of one thing.

@@ -12,6 +12,8 @@ namespace {
 
 const QString kFileEnding = QStringLiteral(".json");
 const QString kTimeForm = QStringLiteral("yyyyMMdd'T'HHmmsszzz");
+/// Only in records of what was held whole.
+constexpr QLatin1StringView kHolding = "holding"_L1, kWhole = "whole"_L1;
 /// In the order of KeptReason.
 constexpr std::array kReasonNames{"before-save", "not-saved", "before-restore", "rescued"};
 
@@ -52,6 +54,7 @@ std::string RecordFolder::Bytes(const KeptVersion& record) {
   object["kind"_L1] = QLatin1StringView(NameOf(record.origin.kind));
   object["path"_L1] = record.origin.path;
   object["title"_L1] = record.origin.title;
+  if (record.origin.holding == Holding::Whole) object[kHolding] = kWhole;
   object["digest"_L1] = QString::fromLatin1(record.digest);
   object["bytes"_L1] = record.bytes;
   return QJsonDocument(object).toJson().toStdString();
@@ -68,6 +71,7 @@ std::optional<KeptVersion> RecordFolder::Read(const QString& id) const {
   record.bytes = object["bytes"_L1].toInteger();
   record.origin.path = object["path"_L1].toString();
   record.origin.title = object["title"_L1].toString();
+  if (object[kHolding].toString() == kWhole) record.origin.holding = Holding::Whole;
   const QString reason = object["reason"_L1].toString(), kind = object["kind"_L1].toString();
   for (std::size_t index = 0; index < kReasonNames.size(); ++index)
     if (reason == QLatin1StringView(kReasonNames[index])) record.reason = static_cast<KeptReason>(index);

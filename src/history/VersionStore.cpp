@@ -19,7 +19,7 @@ std::optional<FileFailure> VersionStore::Keep(const ContentOrigin& origin, KeptR
   contents_.Pin(record.digest);
   if (auto failure = contents_.Write(content, record.digest)) return failure;
   const std::optional<KeptVersion> newest = Newest(origin);
-  const bool is_there = newest && newest->digest == record.digest;
+  const bool is_there = newest && newest->digest == record.digest && newest->origin.holding == origin.holding;
   // An old one could soon go for its age; it becomes the newest again.
   if (is_there && newest->time.daysTo(time) < 1) return std::nullopt;
   record.id = NextId(origin);

@@ -24,6 +24,7 @@ void DocumentFile::BecomeFileAt(const QString& path, Recent recent) {
 void DocumentFile::BecomeKept(const ContentOrigin& origin) {
   state_ = {};
   state_.path = origin.path;
+  state_.holding = origin.holding;
   state_.title = origin.title;
   if (!origin.path.isEmpty()) state_.stamp = StampOf(FilePath(origin.path));
 }
@@ -40,10 +41,11 @@ void DocumentFile::ForgetPath() {
 
 std::optional<FileFailure> DocumentFile::Read(std::string& bytes) {
   const std::filesystem::path file = FilePath(Path());
-  state_.stamp = StampOf(file);  // before: a write in between must count as a change
-  std::optional<FileFailure> failure = ReadFileBytes(file, bytes);
-  state_.is_being_read = !failure;
-  return failure;
+  std::optional<FileStamp> stamp = StampOf(file);  // before: a write in between must count as a change
+  if (std::optional<FileFailure> failure = ReadFileBytes(file, bytes)) return failure;
+  state_.stamp = std::move(stamp);
+  state_.is_being_read = true;
+  return std::nullopt;
 }
 
 void DocumentFile::MarkUnmodified(std::uint64_t revision) {
@@ -125,6 +127,8 @@ bool DocumentFile::Keep(std::string_view content) const {
   return !history_.versions.Keep(Origin(), KeptReason::NotSaved, content);
 }
 
-ContentOrigin DocumentFile::OriginAt(const QString& path) const { return {kind_, path, QFileInfo(path).fileName()}; }
+ContentOrigin DocumentFile::OriginAt(const QString& path) const {
+  return {kind_, path, QFileInfo(path).fileName(), HeldAs()};
+}
 
 }  // namespace tme

@@ -29,7 +29,10 @@ class DocumentFile {
   const QString& Path() const { return state_.path; }
   /// What the caption shows: the file's name without its folder, or the name of a document without a file.
   const QString& Title() const { return state_.title; }
-  ContentOrigin Origin() const { return {kind_, Path(), Title()}; }
+  ContentOrigin Origin() const { return {kind_, Path(), Title(), HeldAs()}; }
+  /// How the document is held; by the rules for kinds that know no other way.
+  Holding HeldAs() const { return state_.holding; }
+  void Hold(Holding holding) { state_.holding = holding; }
   bool JoinsRecentFiles() const { return state_.recent == Recent::Joins; }
 
   /// The changed flag, which its marker and the questions follow. Not every edit sets it, and not every set flag has an
@@ -55,10 +58,16 @@ class DocumentFile {
   /// The document has no file any more and keeps its title.
   void ForgetPath();
 
-  /// Replaces `bytes` with those of the file at Path(). Until MarkUnmodified the document counts as being read.
+  /// Replaces `bytes` with those of the file at Path(). Until MarkUnmodified the document counts as being read. After a
+  /// failure all is as it was.
   std::optional<FileFailure> Read(std::string& bytes);
+  /// The content is read from elsewhere than the file, and counts as being read until MarkUnmodified or MarkModified.
+  void BeginReading() { state_.is_being_read = true; }
+  bool IsBeingRead() const { return state_.is_being_read; }
   /// The content of this revision is what the file holds.
   void MarkUnmodified(std::uint64_t revision);
+  /// The content is in no file.
+  void MarkModified() { MarkUnmodified(kNoRevision); }
   /// Whether the content was edited since it was read or written, given its revision now. Not before a file is wholly
   /// read, which may take a question to the user.
   bool IsModified(std::uint64_t revision) const { return !state_.is_being_read && revision != state_.file_revision; }
@@ -104,6 +113,8 @@ class DocumentFile {
   bool Keep(std::string_view content) const;
 
  private:
+  static constexpr std::uint64_t kNoRevision = ~std::uint64_t{0};
+
   ContentOrigin OriginAt(const QString& path) const;
   std::optional<FileFailure> WriteInPlace(const Target& target, TextFormat* format, const PartProducer& produce,
                                           FileSteps& steps) const;
@@ -114,6 +125,7 @@ class DocumentFile {
     QString path{};
     QString title{};
     Recent recent = Recent::Joins;
+    Holding holding = Holding::ByRules;
     bool is_changed = false;
     bool is_being_read = false;
     TextFormat format{};

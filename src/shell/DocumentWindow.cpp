@@ -90,7 +90,7 @@ void DocumentWindow::ShowKept(const ContentOrigin& origin, std::string content) 
   file_.BecomeKept(origin);
   TakeSlot();
   MarkUnmodified();
-  PutContent(std::move(content));
+  PutContent(std::move(content), origin.holding);
   ShowInFrame();
 }
 

@@ -63,7 +63,8 @@ class DocumentWindow : public QWidget {
   /// The bytes that a save would write now; for what the file's form cannot hold, those that make the document again.
   virtual std::string Content();
   /// Makes the window's document from bytes, as opening a file of them would, and marks it changed. Name and path stay.
-  virtual void PutContent(std::string bytes) = 0;
+  /// holding: for kinds that know more than one.
+  virtual void PutContent(std::string bytes, Holding holding) = 0;
   /// Before the document is dropped: content that reached no file joins the history, however the user came to drop it
   /// (answered "No", cancelled the save dialog, saved with an entry that writes nothing). False when it could not.
   bool KeepUnsaved();
@@ -129,6 +130,9 @@ class DocumentWindow : public QWidget {
   NoticeAction FileHistoryButton();
   /// The content joins the history as one that reached no file. False when it could not.
   bool KeepContent();
+
+  /// Nothing of what was said holds any more.
+  void ClearNotices() { notice_bar_->Clear(); }
 
   // What differs between the kinds in a save; the order is that of the calls.
   virtual SaveDialogTexts SaveTexts() const = 0;

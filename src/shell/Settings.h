@@ -26,6 +26,9 @@ struct Settings {
   bool contain_srd = false;
   bool start_editors_max = false;
   bool multi_select = false;
+  /// Whether documents are held whole from the start.
+  bool ini_whole = false;
+  bool reg_whole = false;
   /// Of all text and rich-text windows.
   bool word_wrap = false;
   /// Minutes, 0 to 99; 0 is off.

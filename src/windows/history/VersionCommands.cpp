@@ -57,7 +57,7 @@ bool VersionCommands::OpenAsNew(const KeptVersion& version) {
   std::optional<std::string> content = ContentOf(version);
   DocumentWindow* window = content ? NewDocument(global_, version.origin.kind) : nullptr;
   if (!window) return false;
-  window->PutContent(std::move(*content));
+  window->PutContent(std::move(*content), version.origin.holding);
   window->AddNotice(tr("This is %1 as it was kept at %2.").arg(ShownName(version.origin), ShownTime(version.time)));
   return true;
 }
@@ -106,7 +106,7 @@ bool VersionCommands::Restore(const KeptVersion& version) {
   }
   // A file that is not open need not be there any more: its document comes back without it.
   if (window)
-    window->PutContent(std::move(*content));
+    window->PutContent(std::move(*content), version.origin.holding);
   else
     global_.documents.At(version.origin.kind, slot)->ShowKept(version.origin, std::move(*content));
   return true;

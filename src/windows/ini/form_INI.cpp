@@ -18,6 +18,7 @@
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
 #include "shell/SaveDialog.h"
+#include "shell/Settings.h"
 #include "shell/WaitCursor.h"
 #include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
@@ -48,7 +49,8 @@ bool Is8Bit(const TextFormat& format, std::string_view text) {
 
 }  // namespace
 
-form_INI::form_INI(Global& global, int slot) : DocumentWindow(global, DocumentKind::Ini, slot) {}
+form_INI::form_INI(Global& global, int slot)
+    : TreeDocumentWindow(global, DocumentKind::Ini, slot, &Settings::ini_whole) {}
 
 form_INI::~form_INI() = default;
 
@@ -123,7 +125,7 @@ void form_INI::BuildButtons(QWidget& client) {
 
 bool form_INI::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Resize && watched == TV->parentWidget()) Form_Resize();
-  return DocumentWindow::eventFilter(watched, event);
+  return TreeDocumentWindow::eventFilter(watched, event);
 }
 
 void form_INI::Form_Resize() {
@@ -190,6 +192,7 @@ void form_INI::ShowSelection() {
 
 void form_INI::NewINI() {
   TakeSlotForNew();
+  HoldAsSettings();
   is_8bit_ = false;
   tree_.Reset(file_.Title().toStdString());
   tree_.SetExpanded(tree_.Root(), true);
@@ -200,16 +203,22 @@ void form_INI::NewINI() {
 void form_INI::OpenINI() {
   std::optional<std::string> text = TakeSlotText();
   if (!text) return;
-  is_8bit_ = Is8Bit(file_.Format(), *text);
-  tree_.Reset(file_.Title().toStdString());
-  const IniReadResult result = Read(std::move(*text));
-  MarkOpened(LeftOutOf(result));
-  AddNotice(NoticeOf(result, tr("The file")));
+  HoldAsSettings();
+  ReadText(std::move(*text));
   ShowInFrame();
   QMdiSubWindow* sub_window = SubWindow();
   if (!sub_window->isMinimized() && !sub_window->isMaximized())
     sub_window->resize(PreferredWidth(), sub_window->height());
   TV->setFocus();
+}
+
+form_INI::ReadEnd form_INI::ReadText(std::string text) {
+  is_8bit_ = Is8Bit(file_.Format(), text);
+  tree_.Reset(file_.Title().toStdString());
+  const IniReadResult result = Read(std::move(text));
+  MarkRead(LeftOutOf(result));
+  AddNotice(NoticeOf(result, tr("The file")));
+  return ReadEnd::Taken;
 }
 
 IniReadResult form_INI::Read(std::string text) {
@@ -245,7 +254,7 @@ PartProducer form_INI::Producer() {
 }
 
 form_INI::SaveOutcome form_INI::WriteTo(QString& path, const SaveRequest& request) {
-  const SaveOutcome outcome = DocumentWindow::WriteTo(path, request);
+  const SaveOutcome outcome = TreeDocumentWindow::WriteTo(path, request);
   if (outcome != SaveOutcome::Saved) return outcome;
   AddNotice(NoticeOf(tree_));
   was_8bit_ = std::exchange(is_8bit_, file_.Format().encoding == TextEncoding::CodePage && !wrote_ascii_);
@@ -262,14 +271,13 @@ void form_INI::TitleChanged(const QString&) {
   MarkUnmodified();
 }
 
-void form_INI::PutContent(std::string bytes) {
+void form_INI::PutByRules(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
   is_8bit_ = Is8Bit(decoded.format, decoded.text);
   tree_.Reset(file_.Title().toStdString());
   ReadEveryIniLine(tree_, decoded.text);
   RestoreView();
-  SetChanged(true);
 }
 
 void form_INI::PrintDoc(QPrinter& printer) {

@@ -2,7 +2,7 @@
 
 #include "documents/ini/IniTree.h"
 #include "files/TextEncoding.h"
-#include "shell/DocumentWindow.h"
+#include "shell/TreeDocumentWindow.h"
 
 class QPrinter;
 class QPushButton;
@@ -16,7 +16,7 @@ struct IniReadResult;
 
 /// The window of an INI document: its tree in `TV` above five buttons. Everything that changes the document is a call
 /// of IniTree; the view follows through IniItemModel.
-class form_INI : public DocumentWindow {
+class form_INI : public TreeDocumentWindow {
   Q_OBJECT
 
  public:
@@ -49,12 +49,12 @@ class form_INI : public DocumentWindow {
   Q_INVOKABLE void ExpandAll();
   Q_INVOKABLE void CollapseAll();
 
-  void PutContent(std::string bytes) override;
-
   /// The document as it stands.
   const IniTree& Tree() const { return tree_; }
 
  protected:
+  ReadEnd ReadText(std::string text) override;
+  void PutByRules(std::string bytes) override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   SaveDialogTexts SaveTexts() const override;

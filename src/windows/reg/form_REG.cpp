@@ -16,6 +16,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
 #include "shell/PlainText.h"
+#include "shell/Settings.h"
 #include "shell/Zoom.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/RegistryAccess.h"
@@ -36,7 +37,8 @@ constexpr int kLeastDataWidth = 1100;  // twips
 
 }  // namespace
 
-form_REG::form_REG(Global& global, int slot) : DocumentWindow(global, DocumentKind::Reg, slot) {}
+form_REG::form_REG(Global& global, int slot)
+    : TreeDocumentWindow(global, DocumentKind::Reg, slot, &Settings::reg_whole) {}
 
 form_REG::~form_REG() = default;
 
@@ -149,7 +151,7 @@ bool form_REG::eventFilter(QObject* watched, QEvent* event) {
     default:
       break;
   }
-  return DocumentWindow::eventFilter(watched, event);
+  return TreeDocumentWindow::eventFilter(watched, event);
 }
 
 void form_REG::SetFocusMarker(Focus focus) {

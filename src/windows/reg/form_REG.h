@@ -7,7 +7,7 @@
 #include "documents/reg/RegReader.h"
 #include "documents/reg/RegWriter.h"
 #include "files/TextEncoding.h"
-#include "shell/DocumentWindow.h"
+#include "shell/TreeDocumentWindow.h"
 
 class QLabel;
 class QProgressBar;
@@ -22,7 +22,7 @@ class RegValueModel;
 
 /// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
 /// key's path. Everything that changes the document is a call of RegDocument; the views follow through their models.
-class form_REG : public DocumentWindow {
+class form_REG : public TreeDocumentWindow {
   Q_OBJECT
 
  public:
@@ -58,9 +58,10 @@ class form_REG : public DocumentWindow {
   SaveOutcome SavePlain(const SaveRequest& request) override { return SaveIn(RegLayout::Regular, request); }
   std::string Content() override;
   bool HoldsWholeFile() const override;
-  void PutContent(std::string bytes) override;
 
  protected:
+  ReadEnd ReadText(std::string text) override;
+  void PutByRules(std::string bytes) override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   SaveDialogTexts SaveTexts() const override;

@@ -24,6 +24,7 @@ constexpr const char* kErrorLogName = "REG_ERR.TME";
 
 void form_REG::NewREG() {
   TakeSlotForNew();
+  HoldAsSettings();
   layout_ = RegLayout::Regular;
   document_.Reset(file_.Title().toStdString());
   TV->show();
@@ -35,13 +36,28 @@ void form_REG::NewREG() {
 void form_REG::OpenREG() {
   std::optional<std::string> text = TakeSlotText();
   if (!text) return;
-  layout_ = RegLayout::Regular;
+  HoldAsSettings();
   document_.Reset(file_.Title().toStdString());
   ShowInFrame();
-  const RegReadResult result = Read(std::move(*text));
+  switch (ReadText(std::move(*text))) {
+    case ReadEnd::Taken:
+      break;
+    case ReadEnd::NothingTaken:
+      MarkUnmodified();
+      file_.SetLeftOut(tr("all that the file held"));
+      break;
+    case ReadEnd::Refused:
+      FileClose();
+  }
+}
+
+form_REG::ReadEnd form_REG::ReadText(std::string text) {
+  layout_ = RegLayout::Regular;
+  document_.Reset(file_.Title().toStdString());
+  const RegReadResult result = Read(std::move(text));
   switch (result.end) {
     case RegReadEnd::HeaderRefused:
-      return FileClose();
+      return ReadEnd::Refused;
     case RegReadEnd::LargeFileRefused:
       TV->show();
       SetLocation({});
@@ -58,17 +74,16 @@ void form_REG::OpenREG() {
       TV->setFocus();
       break;
   }
-  if (result.end == RegReadEnd::LargeFileRefused) {
-    MarkUnmodified();
-    file_.SetLeftOut(tr("all that the file held"));
-  } else {
+  const bool is_taken = result.end != RegReadEnd::LargeFileRefused;
+  if (is_taken) {
     const QString left_out = LeftOutOf(result);
     const bool is_unsaid = left_out.isEmpty() && result.end != RegReadEnd::EndOfInput;
-    MarkOpened(is_unsaid ? std::nullopt : std::optional(left_out));
+    MarkRead(is_unsaid ? std::nullopt : std::optional(left_out));
   }
   AddNotice(NoticeOf(result));
   AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
+  return is_taken ? ReadEnd::Taken : ReadEnd::NothingTaken;
 }
 
 RegReadResult form_REG::Read(std::string text) {
@@ -131,7 +146,7 @@ void form_REG::ReportErrors(const std::string& error_log) {
                          MsgButtons::Ok, MsgIcon::Information, tr("Errors:"));
 }
 
-void form_REG::PutContent(std::string bytes) {
+void form_REG::PutByRules(std::string bytes) {
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
   document_.Reset(file_.Title().toStdString());
@@ -143,7 +158,6 @@ void form_REG::PutContent(std::string bytes) {
   TV->show();
   RestoreView();
   AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
-  SetChanged(true);
 }
 
 }  // namespace tme

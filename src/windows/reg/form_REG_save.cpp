@@ -67,7 +67,7 @@ form_REG::SaveOutcome form_REG::Save(const SaveRequest& request) {
   SetLocation(layout_ == RegLayout::Expanded ? tr("Saving File with Expanded Structure") : tr("Saving File"));
   // Before the root gets another text, which decides what is written.
   const RegLosses losses = LossesOf(document_, layout_);
-  const SaveOutcome outcome = DocumentWindow::Save(request);
+  const SaveOutcome outcome = TreeDocumentWindow::Save(request);
   if (outcome != SaveOutcome::Saved) {
     SetLocation(location);
     return outcome;
@@ -136,7 +136,7 @@ TextFormat form_REG::FormatToWrite() const {
 }
 
 bool form_REG::HoldsWholeFile() const {
-  return DocumentWindow::HoldsWholeFile() && LossesOf(document_, layout_).fingerprint == 0;
+  return TreeDocumentWindow::HoldsWholeFile() && LossesOf(document_, layout_).fingerprint == 0;
 }
 
 PartProducer form_REG::ProducerWithProgress() {

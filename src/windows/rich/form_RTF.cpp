@@ -266,7 +266,7 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
 
 std::string form_RTF::Content() { return DocumentFile::BytesOf(nullptr, Producer()); }
 
-void form_RTF::PutContent(std::string bytes) {
+void form_RTF::PutContent(std::string bytes, Holding /*holding*/) {
   rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
   AddLossNotice(read.losses);
   AddSimplifiedNotice(*pad->SetRtf(std::move(read)));

@@ -26,7 +26,7 @@ class form_RTF : public PadWindow {
   std::uint64_t Revision() const override;
   std::string Content() override;
   bool HoldsWholeFile() const override;
-  void PutContent(std::string bytes) override;
+  void PutContent(std::string bytes, Holding holding) override;
 
   Q_INVOKABLE void NewRTF();
   /// Loads the document's file. A file that cannot be read: a message, and the slot is free again.

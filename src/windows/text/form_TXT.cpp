@@ -88,7 +88,7 @@ PartProducer form_TXT::Producer() {
   };
 }
 
-void form_TXT::PutContent(std::string bytes) {
+void form_TXT::PutContent(std::string bytes, Holding /*holding*/) {
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);

@@ -15,7 +15,7 @@ class form_TXT : public PadWindow {
 
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
-  void PutContent(std::string bytes) override;
+  void PutContent(std::string bytes, Holding holding) override;
 
   Q_INVOKABLE void NewTXT();
   /// Loads the document's file. A file that cannot be read: a message, and the slot is free again.

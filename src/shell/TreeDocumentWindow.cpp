@@ -1,0 +1,95 @@
+#include "shell/TreeDocumentWindow.h"
+
+#include "shell/Global.h"
+#include "shell/Settings.h"
+#include "system/Dialogs.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr Holding OtherThan(Holding holding) { return holding == Holding::Whole ? Holding::ByRules : Holding::Whole; }
+
+}  // namespace
+
+void TreeDocumentWindow::HoldAsSettings() {
+  SetHolding(global_.settings.*always_whole_ ? Holding::Whole : Holding::ByRules);
+}
+
+void TreeDocumentWindow::MarkRead(const std::optional<QString>& left_out) {
+  if (file_.IsBeingRead() && !file_.Path().isEmpty()) MarkOpened(left_out);
+}
+
+void TreeDocumentWindow::PutContent(std::string bytes, Holding holding) {
+  SetHolding(holding);
+  if (GetHolding() == Holding::ByRules) {
+    PutByRules(std::move(bytes));
+  } else {
+    DecodedText decoded = DecodeText(std::move(bytes));
+    file_.SetFormat(decoded.format);
+    ReadText(std::move(decoded.text));
+    file_.MarkModified();
+  }
+  SetChanged(true);
+}
+
+TreeDocumentWindow::ReadEnd TreeDocumentWindow::ReadBytes(std::string bytes, Holding holding) {
+  ClearNotices();
+  SetHolding(holding);
+  DecodedText decoded = DecodeText(std::move(bytes));
+  file_.SetFormat(decoded.format);
+  return ReadText(std::move(decoded.text));
+}
+
+bool TreeDocumentWindow::ConfirmSwitch() {
+  if (!file_.IsChanged() && !IsModified()) return true;
+  const bool becomes_whole = GetHolding() == Holding::ByRules;
+  QString text = becomes_whole ? tr("The whole file is to be shown, and it has changes that are not saved.")
+                               : tr("The file is to be shown by the rules, and it has changes that are not saved.");
+  text += u"\r\r"_s + (file_.Path().isEmpty()
+                           ? tr("Save writes them to a file first, which is then read again.  Don't Save goes on with "
+                                "the document's own text.  File History keeps it as it is now.")
+                           : tr("Save writes them first, and the file is then read again.  Don't Save reads the file "
+                                "without them.  File History keeps them."));
+  switch (global_.dialogs.Choose(text, {tr("&Save"), tr("&Don't Save"), tr("Cancel")}, MsgIcon::Question,
+                                 tr("Document Changed"))) {
+    case 0:
+      return Save({}) == SaveOutcome::Saved;
+    case 1:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void TreeDocumentWindow::WholeFile() {
+  if (!CanHoldWhole() || !ConfirmSwitch()) return;
+  const Holding before = GetHolding();
+  const bool has_file = !file_.Path().isEmpty();
+  const bool is_modified = IsModified(), is_changed = file_.IsChanged();
+  if (!KeepUnsaved()) {
+    AddNotice(tr("The changes could not be kept in the history, so the document stays as it is."));
+    return;
+  }
+  // Whole reading asks nothing, so only from the other one can the user come back.
+  const std::string content = before == Holding::Whole ? Content() : std::string();
+  std::string bytes;
+  if (!has_file) {
+    bytes = TextForOtherHolding();
+    file_.BeginReading();
+  } else if (const std::optional<FileFailure> failure = file_.Read(bytes)) {
+    return ShowReadFailure(file_.Path(), *failure);
+  }
+  const bool is_taken = ReadBytes(std::move(bytes), OtherThan(before)) == ReadEnd::Taken;
+  if (!is_taken) ReadBytes(content, before);
+  if (has_file && is_taken) return;
+  // As before: what it holds now is in the file only if it was.
+  if (is_modified)
+    file_.MarkModified();
+  else
+    MarkUnmodified();
+  SetChanged(is_changed);
+}
+
+}  // namespace tme

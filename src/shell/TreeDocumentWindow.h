@@ -1,0 +1,59 @@
+#pragma once
+
+#include "documents/Holding.h"
+#include "shell/DocumentWindow.h"
+
+namespace tme {
+
+struct Settings;
+
+/// A document window that shows a tree, and whose document can be held in two ways.
+class TreeDocumentWindow : public DocumentWindow {
+  Q_OBJECT
+
+ public:
+  /// always_whole: the setting that new documents and opened files follow.
+  TreeDocumentWindow(Global& global, DocumentKind kind, int slot, bool Settings::*always_whole)
+      : DocumentWindow(global, kind, slot), always_whole_(always_whole) {}
+
+  Holding GetHolding() const { return file_.HeldAs(); }
+  /// Whether a document can be held whole here.
+  virtual bool CanHoldWhole() const { return false; }
+
+  void PutContent(std::string bytes, Holding holding) override;
+
+  /// Changes how the document is held, and reads its file again for that, or its own text where it has no file. Asks
+  /// first what becomes of changes. When anything comes in between, all stays as it was.
+  Q_INVOKABLE void WholeFile();
+
+ protected:
+  /// How the reading of a text went.
+  enum class ReadEnd : std::uint8_t {
+    Taken,         ///< as far as the holding takes it
+    NothingTaken,  ///< the user stopped it, and the document is empty
+    Refused,       ///< the user would have no document of it
+  };
+  /// Makes the window's document anew from a text, in the document's holding, with its questions and notices. Calls
+  /// MarkRead once it is taken, before it shows a message. The format of the file is the text's already.
+  virtual ReadEnd ReadText(std::string text) = 0;
+  /// The same by the rules for bytes that the program kept: whatever edits made comes back, and nothing is asked.
+  virtual void PutByRules(std::string bytes) = 0;
+  /// A text that holds as much of the document as its files can.
+  virtual std::string TextForOtherHolding() { return Content(); }
+
+  /// A document begins: it is held as the settings say.
+  void HoldAsSettings();
+  /// The text is taken: when it is that of the document's file, see MarkOpened.
+  void MarkRead(const std::optional<QString>& left_out);
+
+ private:
+  /// False when the user would rather leave it. The document may have got a file.
+  bool ConfirmSwitch();
+  /// Reads bytes into the document in a holding, and clears what was said of it before.
+  ReadEnd ReadBytes(std::string bytes, Holding holding);
+  void SetHolding(Holding holding) { file_.Hold(CanHoldWhole() ? holding : Holding::ByRules); }
+
+  bool Settings::*const always_whole_;
+};
+
+}  // namespace tme
