@@ -4,6 +4,7 @@
 
 using namespace tme;
 using namespace Qt::StringLiterals;
+using namespace std::string_literals;
 
 namespace {
 
@@ -43,6 +44,24 @@ TEST_F(DocumentFileTest, AFileThatIsReadOrWrittenIsKnown) {
   EXPECT_TRUE(file_.HoldsWholeFile() && !file_.IsAsRead(path_));
   EXPECT_EQ(file_.CheckDisk(), DocumentFile::DiskChange::None);
   EXPECT_EQ(history_.versions.List(path_).size(), 1) << "kept once, over a save that failed";
+}
+
+TEST_F(DocumentFileTest, EqualBytesOnTheDiskAreSeen) {
+  Put(In("a.txt"),
+      "\xFF\xFE"
+      "o\0n\0x"s);
+  file_.BecomeFileAt(path_);
+  ASSERT_FALSE(file_.Read(bytes_));
+  const DecodedText decoded = DecodeText(bytes_);
+  const auto parts = [](const std::string& text) {
+    return [text](const PartSink& put) { return put(text.substr(0, 1)) && put(text.substr(1)); };
+  };
+  EXPECT_TRUE(file_.IsOnDisk(decoded.format, parts(decoded.text)));
+  EXPECT_FALSE(file_.IsOnDisk(decoded.format, parts("o")) || file_.IsOnDisk(decoded.format, parts("one")));
+  EXPECT_FALSE(file_.IsOnDisk({}, parts(decoded.text)));
+  Put(In("a.txt"), bytes_);
+  EXPECT_TRUE(file_.IsOnDisk(decoded.format, parts(decoded.text)));
+  EXPECT_EQ(file_.CheckDisk(), DocumentFile::DiskChange::None) << "the same again is no change";
 }
 
 TEST_F(DocumentFileTest, WhatAnotherWroteIsToldOnceAndKept) {

@@ -32,4 +32,18 @@ std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, Text
   return WriteTextFile(path, format, produce, steps);
 }
 
+bool TextFileHolds(const std::filesystem::path& path, const TextFormat& format, const PartProducer& produce) {
+  std::string bytes;
+  if (ReadFileBytes(path, bytes)) return false;
+  TextEncoder encoder(format);
+  std::string_view rest = bytes;
+  const auto take = [&](std::string_view part) {
+    const std::optional<std::string> encoded = encoder.Encode(part);
+    if (!encoded || !rest.starts_with(*encoded)) return false;
+    rest.remove_prefix(encoded->size());
+    return true;
+  };
+  return produce(take) && take({}) && rest == encoder.Rest();
+}
+
 }  // namespace tme

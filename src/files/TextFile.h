@@ -16,4 +16,7 @@ class FileSteps;
 std::optional<FileFailure> WriteTextFile(const std::filesystem::path& path, TextFormat& format,
                                          const PartProducer& produce, FileSteps& steps);
 
+/// Whether the file has exactly the bytes of the text in this encoding. False, too, where it cannot be read.
+bool TextFileHolds(const std::filesystem::path& path, const TextFormat& format, const PartProducer& produce);
+
 }  // namespace tme

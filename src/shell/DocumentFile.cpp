@@ -63,6 +63,14 @@ DocumentFile::DiskChange DocumentFile::CheckDisk() {
   return now ? DiskChange::Changed : DiskChange::Gone;
 }
 
+bool DocumentFile::IsOnDisk(const TextFormat& format, const PartProducer& produce) {
+  const std::filesystem::path file = FilePath(Path());
+  const std::optional<FileStamp> stamp = StampOf(file);  // before: a write in between must count as a change
+  if (Path().isEmpty() || !TextFileHolds(file, format, produce)) return false;
+  state_.stamp = stamp;
+  return true;
+}
+
 DocumentFile::Target DocumentFile::KeepReplaced(const QString& path) {
   const std::filesystem::path file = FilePath(path);
   Target target{path};

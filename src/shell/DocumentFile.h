@@ -83,6 +83,9 @@ class DocumentFile {
   /// What happened to the file on the disk after it was read or written here; each change is told once.
   DiskChange CheckDisk();
 
+  /// Whether the file has on the disk what a write would put there; it counts as written then.
+  bool IsOnDisk(const TextFormat& format, const PartProducer& produce);
+
   /// A file that a save is about to replace.
   struct Target {
     QString path{};

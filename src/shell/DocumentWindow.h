@@ -142,6 +142,8 @@ class DocumentWindow : public QWidget {
   virtual SaveOutcome ConfirmWrite(const SaveRequest&) { return SaveOutcome::Saved; }
   /// Writes the content, with notices and, on failure, the message. path: the user may choose another one meanwhile.
   virtual SaveOutcome WriteTo(QString& path, const SaveRequest& request);
+  /// Whether a save leaves the document's file alone when it has the same bytes already.
+  virtual bool LeavesEqualFile() const { return false; }
   /// How WriteTo encodes.
   virtual TextFormat FormatToWrite() const { return file_.Format(); }
   /// What WriteTo writes, and Content gives.

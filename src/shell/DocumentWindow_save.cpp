@@ -43,8 +43,13 @@ DocumentWindow::SaveOutcome DocumentWindow::Save(const SaveRequest& request) {
 
 DocumentWindow::SaveOutcome DocumentWindow::WriteTo(QString& path, const SaveRequest& request) {
   const WaitCursor wait_cursor;
-  const std::optional<DocumentFile::Target> target = PrepareTarget(path, request);
   TextFormat format = FormatToWrite();
+  if (LeavesEqualFile() && path == file_.Path() && file_.IsOnDisk(format, Producer())) {
+    notice_bar_->EndUntilSave();
+    MarkUnmodified();
+    return SaveOutcome::Saved;
+  }
+  const std::optional<DocumentFile::Target> target = PrepareTarget(path, request);
   if (!target || !Write(*target, &format, Producer())) return SaveOutcome::Failed;
   path = target->path;
   const TextFormat before = file_.Format();

@@ -41,6 +41,10 @@ class TreeDocumentWindow : public DocumentWindow {
   /// A text that holds as much of the document as its files can.
   virtual std::string TextForOtherHolding() { return Content(); }
 
+  /// A document that is held whole makes the same bytes again, and a million of them are compared sooner than kept,
+  /// written and flushed.
+  bool LeavesEqualFile() const override { return GetHolding() == Holding::Whole; }
+
   /// A document begins: it is held as the settings say.
   void HoldAsSettings();
   /// The text is taken: when it is that of the document's file, see MarkOpened.
