@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "documents/SourceLines.h"
 
@@ -24,15 +23,25 @@ class SourceLinesTest : public testing::Test {
   SourceLines lines_{texts_};
 };
 
-TEST_F(SourceLinesTest, UntouchedTextIsOnePart) {
-  const std::string text = "a\r\n\nb\rlast";
-  for (const auto& [from, size] : std::vector<std::pair<std::size_t, std::size_t>>{{0, 3}, {3, 1}, {4, 2}, {6, 4}})
-    lines_.Append(std::string_view(text).substr(from, size), 0);
+TEST_F(SourceLinesTest, UntouchedTextIsNotCopied) {
+  const std::string line(1000, 'x'), text = [&] {
+    std::string all;
+    while (all.size() < 3'000'000) all.append(line).append("\n");
+    return all;
+  }();
+  for (std::size_t at = 0; at < text.size(); at += line.size() + 1)
+    lines_.Append(std::string_view(text).substr(at, line.size() + 1), 0);
+  std::string written;
   int parts = 0;
-  EXPECT_TRUE(lines_.Write([&](std::string_view part) { return ++parts == 1 && part == text; }));
-  EXPECT_EQ(parts, 1);
+  EXPECT_TRUE(lines_.Write([&](std::string_view part) {
+    written.append(part);
+    return ++parts > 0 && part.data() >= text.data() && part.data() < text.data() + text.size() && part.ends_with('\n');
+  }));
+  EXPECT_EQ(parts, 3);
+  EXPECT_TRUE(written == text && lines_.Size() == text.size());
+  lines_.InsertBehind(lines_.Next(lines_.First()), "new", 0);
+  EXPECT_EQ(Written(), std::string(text).insert(2 * line.size() + 2, "new\n"));
   EXPECT_FALSE(lines_.Write([](std::string_view) { return false; }));
-  EXPECT_EQ(lines_.Size(), text.size());
 }
 
 TEST_F(SourceLinesTest, ANewLineTakesTheEndOfItsNeighbourAndALastOneStaysWithout) {

@@ -19,6 +19,17 @@ void ForEachSequence(const std::vector<std::string>& pieces, int length, const s
   for (const std::string& piece : pieces) ForEachSequence(pieces, length - 1, start + piece, use);
 }
 
+TEST(TextEncoding, Utf16IsReadAtAnyPlace) {
+  for (std::size_t before = 0; before < 70; ++before) {
+    const std::string text = std::string(before, 'a') + "\U0001F600\u00E9" + std::string(70, 'b');
+    for (const TextEncoding encoding : {TextEncoding::Utf16Le, TextEncoding::Utf16Be}) {
+      TextFormat format{encoding, {}};
+      const DecodedText decoded = DecodeText(EncodeText(text, format));
+      ASSERT_TRUE(decoded.text == text && decoded.format.encoding == encoding) << before;
+    }
+  }
+}
+
 TEST(TextEncoding, Decodes) {
   using enum TextEncoding;
   const struct {

@@ -7,6 +7,8 @@ namespace tme {
 namespace {
 
 constexpr std::string_view kUsualLineEnd = "\r\n";
+/// Bytes. Whoever encodes a part needs up to three times as much memory.
+constexpr std::size_t kLargePart = std::size_t{1} << 20;
 
 /// The line end of the first line of a text that has one.
 std::string_view FirstLineEnd(std::string_view lines) {
@@ -62,17 +64,21 @@ std::string_view SourceLines::LineEndBehind(Piece piece) const {
 }
 
 bool SourceLines::Write(const PartSink& sink) const {
+  PartBuffer small(sink);
+  const auto put = [&](std::string_view part) {
+    return part.size() < PartBuffer::kPartBytes ? small.Append(part).EndPiece() : small.Flush() && sink(part);
+  };
   std::string_view part;
   for (Piece at = First(); at != kEnds; at = Next(at)) {
     const std::string_view text = Text(at);
-    if (part.data() + part.size() == text.data()) {
+    if (part.data() + part.size() == text.data() && part.size() < kLargePart) {
       part = {part.data(), part.size() + text.size()};
       continue;
     }
-    if (!part.empty() && !sink(part)) return false;
+    if (!put(part)) return false;
     part = text;
   }
-  return part.empty() || sink(part);
+  return put(part) && small.Flush();
 }
 
 std::uint64_t SourceLines::Size() const {

@@ -56,7 +56,8 @@ class SourceLines {
   /// The line end that a new line behind a piece takes: that of the piece, or of the nearest one before it that has
   /// one, or of the next one behind it; CR LF where the document has none.
   std::string_view LineEndBehind(Piece piece) const;
-  /// Hands over the text of all pieces; those that follow one another in memory as one part.
+  /// Hands over the text of all pieces in parts of whole pieces. Those that follow one another in memory are not copied
+  /// unless they are few.
   bool Write(const PartSink& sink) const;
   /// Bytes.
   std::uint64_t Size() const;

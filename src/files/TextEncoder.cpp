@@ -20,6 +20,11 @@ std::optional<std::string> EncodeUtf16(std::string_view text, std::endian order,
     bytes[used++] = little ? high : low;
   };
   while (!text.empty()) {
+    // Most text is ASCII: a run of it takes no decoding.
+    const std::size_t run = utf8::AsciiRun(text);
+    for (const char ascii : text.substr(0, run)) put(static_cast<unsigned char>(ascii));
+    text.remove_prefix(run);
+    if (text.empty()) break;
     const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept);
     if (!character) return std::nullopt;
     if (*character < utf16::kFirstSupplementary) {

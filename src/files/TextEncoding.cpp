@@ -12,6 +12,22 @@
 namespace tme {
 namespace {
 
+/// Units that are looked at together: most text is ASCII, and compilers make a few instructions of a block of it.
+constexpr std::size_t kBlockUnits = 32;
+
+/// Narrows a block of units, two bytes each, to `out`. Returns false when it is not all ASCII; what is there then does
+/// not count.
+bool NarrowAscii(const char* units, std::size_t low_byte, char* out) {
+  unsigned beyond = 0;
+  for (std::size_t i = 0; i < kBlockUnits; ++i) {
+    const auto low = static_cast<unsigned char>(units[2 * i + low_byte]);
+    const auto high = static_cast<unsigned char>(units[2 * i + 1 - low_byte]);
+    beyond |= (low & 0x80U) | high;
+    out[i] = static_cast<char>(low);
+  }
+  return beyond == 0;
+}
+
 /// Gives UTF-8 for UTF-16 bytes without a mark. Lone surrogates become three bytes each; an odd byte at the end is left
 /// out.
 std::string DecodeUtf16(std::string_view bytes, std::endian order) {
@@ -26,7 +42,20 @@ std::string DecodeUtf16(std::string_view bytes, std::endian order) {
   text.reserve(bytes.size() / 2);
   std::array<char, 4096> buffer;
   std::size_t used = 0;
+  std::size_t no_block_before = 0;
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    if (at >= no_block_before && at + 2 * kBlockUnits <= bytes.size()) {
+      if (used + kBlockUnits > buffer.size()) {
+        text.append(buffer.data(), used);
+        used = 0;
+      }
+      if (NarrowAscii(bytes.data() + at, low_byte, buffer.data() + used)) {
+        used += kBlockUnits;
+        at += 2 * kBlockUnits - 2;
+        continue;
+      }
+      no_block_before = at + 2 * kBlockUnits;
+    }
     char32_t character = unit_at(at);
     if (utf16::IsHighSurrogate(character) && at + 3 < bytes.size()) {
       if (const char32_t next = unit_at(at + 2); utf16::IsLowSurrogate(next)) {
