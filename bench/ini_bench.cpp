@@ -145,25 +145,25 @@ BENCHMARK(BM_WriteIni)->Unit(benchmark::kMillisecond);
 void BM_AddEntryToAllSections(benchmark::State& state) {
   IniTree tree;
   ReadInto(tree, Input());
-  for (auto _ : state) tree.AddEntryToAllSections("NewEntry=1", IniTag::Value);
+  for (auto _ : state) tree.AddEntryToAllSections("NewEntry", "1");
 }
 BENCHMARK(BM_AddEntryToAllSections)->Unit(benchmark::kMillisecond)->Iterations(5);
 
-void BM_RemoveStartingWithSelectedKey(benchmark::State& state) {
+void BM_RemoveSelectedKey(benchmark::State& state) {
   IniTree tree;
   ReadInto(tree, Input());
   for (auto _ : state) {
     state.PauseTiming();
-    tree.AddEntryToAllSections("NewEntry=1", IniTag::Value);
+    tree.AddEntryToAllSections("NewEntry", "1");
     IniNode* section = tree.Root()->Child(0);
     for (int row = 0; row < section->ChildCount(); ++row) {
       if (EntryKeyOf(section->Child(row)->Text()) == "NewEntry") tree.Select(section->Child(row));
     }
     state.ResumeTiming();
-    tree.RemoveStartingWithSelectedKey();
+    tree.RemoveSelectedKey();
   }
 }
-BENCHMARK(BM_RemoveStartingWithSelectedKey)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RemoveSelectedKey)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace tme

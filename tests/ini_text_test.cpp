@@ -139,14 +139,14 @@ TEST(IniWriter, SaysWhatAReaderWouldNotTakeBack) {
   const Case cases[] = {
       {";c\n[a]\nx\n;d\n", [](T) {}, {}},
       {"[a]\nx\n",
-       [](T t) { t.AddEntry(t.Root(), ";c", IniTag::Comments), t.AddEntry(t.Root(), ";d", IniTag::Comments); },
+       [](T t) { t.AddLine(t.Root(), ";c", IniTag::Comments), t.AddLine(t.Root(), ";d", IniTag::Comments); },
        {.ends_at_line = 2}},
       {";c\n[a]\nx\n", [](T t) { t.SetText(FindNode(t, ";c"), "c"); }, {.ends_at_line = 1}},
       {";c\n[a]\nx\n", [](T t) { t.SetText(FindNode(t, ";c"), "[c"); }, {.headers = 1}},
       {"[a]\nx\n;d\n", [](T t) { t.SetText(FindNode(t, "x"), "[x=1"); }, {.headers = 1}},
       {"[a]\nx\n;d\n", [](T t) { t.SetText(FindNode(t, ";d"), "d"); }, {.other_kinds = 1}},
-      {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), ";p", IniTag::Value); }, {.other_kinds = 1}},
-      {"[a]\nx\n", [](T t) { t.AddEntry(FindNode(t, "a"), "", IniTag::Value); }, {.blank_entries = 1}},
+      {"[a]\nx\n", [](T t) { t.AddLine(FindNode(t, "a"), ";p", IniTag::Value); }, {.other_kinds = 1}},
+      {"[a]\nx\n", [](T t) { t.AddLine(FindNode(t, "a"), "", IniTag::Value); }, {.blank_entries = 1}},
       {"[a]\n[b]\n[c]\n", [](T t) { t.SetText(FindNode(t, "b"), "a"); }, {.doubles = 1}},
   };
   for (const auto& [file, edit, expected] : cases) {

@@ -49,7 +49,7 @@ TEST(IniOrder, ReadingAddingAndAStableSortAgree) {
     std::string text = random() % 2 == 0 ? "x" + std::string(70, 'y') : "x";  // so long that sorting by bytes gives in
     for (auto count = random() % 12; count > 0; --count) text += pieces[random() % std::size(pieces)];
     file += text + "\n";
-    added.AddEntry(section, text, IniTag::Value);
+    added.AddLine(section, text, IniTag::Value);
     texts.push_back(text);
   }
   IniTree read;
@@ -95,10 +95,10 @@ TEST(IniTree, Edits) {
   const EditCase cases[] = {
       // A new child goes to its place, behind its equals.
       {"[b]\n[d]\n", "", [](T t) { t.AddSection("C"); }, "[b][C][d]"},
-      {"[s]\na\nA\n", "", [](T t) { t.AddEntry(t.Root()->Child(0), "a", IniTag::Comments); }, "[s|a|A|(a)]"},
-      {"[s]\n", "", [](T t) { t.AddEntry(t.Root(), ";c", IniTag::Comments); }, "(;c)[s]"},
-      {";c\n[b]\nz\na\n[a]\n", "", [](T t) { t.AddEntryToAllSections("M", IniTag::Value); }, "(;c)[a|M][b|a|M|z]"},
-      {"[s]\na\nb\nc\n", "b", [](T t) { t.ReplaceWithComment(FindNode(t, "b"), ";b"); }, "[s|(;b)|a|c]", ";b"},
+      {"[s]\na\nA\n", "", [](T t) { t.AddLine(t.Root()->Child(0), "a", IniTag::Comments); }, "[s|a|A|(a)]"},
+      {"[s]\n", "", [](T t) { t.AddLine(t.Root(), ";c", IniTag::Comments); }, "(;c)[s]"},
+      {";c\n[b]\nz\na\n[a]\n", "", [](T t) { t.AddLineToAllSections("M", IniTag::Value); }, "(;c)[a|M][b|a|M|z]"},
+      {"[s]\na\nb\nc\n", "b", [](T t) { t.SetEntry(FindNode(t, "b"), ";b", "1"); }, "[s|(;b=1)|a|c]", ";b=1"},
       // Where the selection goes: next, previous, parent.
       {"[s]\na\nb\nc\n", "b", remove_selected, "[s|a|c]", "c"},
       {"[s]\na\nb\n", "b", remove_selected, "[s|a]", "a"},
@@ -112,13 +112,13 @@ TEST(IniTree, Edits) {
       {"[a]\n[b]\n", "", changed([](T) {}), "[z][b]"},
       {"[a]\n[b]\n", "", changed([](T t) { t.AddSection("c"); }), "[b][c][z]"},
       {"[a]\n[b]\n", "", changed([](T t) { ReadInto(t, "[y]\nx\n"); }), "[b][y|x][z]"},
-      {"[s]\na\nb\n", "", changed([](T t) { t.AddEntryToAllSections("c", IniTag::Value); }), "[s|b|c|z]"},
+      {"[s]\na\nb\n", "", changed([](T t) { t.AddLineToAllSections("c", IniTag::Value); }), "[s|b|c|z]"},
   };
   for (const EditCase& test : cases) RunCase(test);
 }
 
 TEST(IniTree, RemovesWhatBeginsWithTheSelectedKey) {
-  const auto remove = [](T t) { t.RemoveStartingWithSelectedKey(); };
+  const auto remove = [](T t) { t.RemoveSelectedKey(); };
   const EditCase cases[] = {
       // Longer keys, sections and comments too; exact, bytewise; a text without "=" is the key; an empty key fits all.
       {";Fo\n[Fonts]\nx=1\n[s]\nFont=Arial\nFontSize=10\n;Font\nfont=2\nF=1\n", "F=1", remove,
@@ -155,15 +155,15 @@ TEST(IniTree, AMirrorFollowsAnySequenceOfEdits) {
   using Text = const std::string&;
   const std::function<void(IniNode*, Text)> edits[] = {
       [&](IniNode*, Text text) { tree.AddSection(text); },
-      [&](IniNode*, Text text) { tree.AddEntryToAllSections(text, IniTag::Value); },
+      [&](IniNode*, Text text) { tree.AddLineToAllSections(text, IniTag::Value); },
       [&](IniNode* node, Text text) { tree.SetText(node, text); },
       [&](IniNode*, Text text) { ReadInto(tree, "[" + text + "]\nb\na\n[" + text + "]\n" + text); },
       [&](IniNode* node, Text) { tree.Remove(node == tree.Root() ? tree.AddSection("gone") : node); },
-      [&](IniNode*, Text) { tree.RemoveStartingWithSelectedKey(); },
+      [&](IniNode*, Text) { tree.RemoveSelectedKey(); },
       [&](IniNode* node, Text text) {
         const bool is_entry = node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments;
-        if (is_entry) tree.ReplaceWithComment(node, text);
-        if (!is_entry) tree.AddEntry(node, text, node == tree.Root() ? IniTag::Comments : IniTag::Value);
+        if (is_entry) tree.SetEntry(node, ";" + text, text);
+        if (!is_entry) tree.AddLine(node, text, node == tree.Root() ? IniTag::Comments : IniTag::Value);
       }};
   std::size_t largest = 0;
   for (int i = 0; i < 2000 && !HasFailure(); ++i) {

@@ -5,6 +5,7 @@
 
 #include "base/LineReader.h"
 #include "documents/ini/IniLine.h"
+#include "documents/ini/IniSourceLine.h"
 #include "documents/ini/IniTreeLoad.h"
 
 namespace tme {
@@ -129,7 +130,7 @@ IniReadResult ReadIni(IniTree& tree, std::string text, const IniQuestions& ask) 
     if (kind == IniLine::Header || (selected == IniTag::OpenedFile && kind == IniLine::Comment)) {
       result = SectionReader(tree, std::move(text), ask).Read();
     } else if (selected == IniTag::Section) {
-      tree.AddEntry(tree.Selected(), line, IniTag::Value);
+      tree.AddLine(tree.Selected(), line, IniTag::Value);
       EndBefore(IniReadEnd::OneEntryOnly, 2, lines, result);
     } else {
       EndBefore(IniReadEnd::LineNotTaken, 1, lines, result);
@@ -156,6 +157,24 @@ void ReadEveryIniLine(IniTree& tree, const std::string& text) {
     tree.SetExpanded(tree.Root(), true);
   }
   tree.Select(tree.Root());
+}
+
+void ReadWholeIni(IniTree& tree, std::string text) {
+  IniTree::Load load(tree, std::move(text));
+  SourceLineReader lines(load.Text());
+  std::string_view blank;
+  for (std::string_view line; lines.Next(line);) {
+    const IniLine kind = SourceKindOf(line);
+    if (kind == IniLine::Blank) {
+      blank = blank.empty() ? line : std::string_view(blank.data(), blank.size() + line.size());
+      continue;
+    }
+    if (!blank.empty()) load.AppendLines(std::exchange(blank, {}), IniLine::Blank);
+    load.AppendLines(line, kind);
+  }
+  if (!blank.empty()) load.AppendLines(blank, IniLine::Blank);
+  load.Commit();
+  tree.SetExpanded(tree.Root(), true);
 }
 
 }  // namespace tme

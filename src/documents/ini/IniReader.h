@@ -55,4 +55,7 @@ IniReadResult ReadIni(IniTree& tree, std::string text, const IniQuestions& ask);
 /// several comments at the top. The root is selected afterwards.
 void ReadEveryIniLine(IniTree& tree, const std::string& text);
 
+/// Fills a fresh tree in whole holding. Every text is one.
+void ReadWholeIni(IniTree& tree, std::string text);
+
 }  // namespace tme

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniOrder.h"
+#include "documents/ini/IniSourceLine.h"
 
 namespace tme {
 
@@ -34,6 +36,12 @@ bool StandsInOrder(const IniNode& node) {
   return row + 1 == parent.ChildCount() || CompareFolded(node.Text(), parent.Child(row + 1)->Text()) <= 0;
 }
 
+std::string EntryText(std::string_view key, std::string_view value) {
+  return std::string(key).append("=").append(value);
+}
+
+IniTag TagOfKey(std::string_view key) { return KindOf(key) == IniLine::Comment ? IniTag::Comments : IniTag::Value; }
+
 }  // namespace
 
 IniTree::IniTree(std::string_view root_text)
@@ -45,21 +53,41 @@ IniTree::~IniTree() = default;
 
 void IniTree::SetObserver(IniTreeObserver* observer) { observer_ = observer == nullptr ? &silent_observer : observer; }
 
+std::string_view IniTree::KeyOf(const IniNode& entry) const {
+  return holding_ == Holding::Whole ? EntryPartsOf(entry.Text()).key : EntryKeyOf(entry.Text());
+}
+
+std::string_view IniTree::ValueOf(const IniNode& entry) const {
+  return holding_ == Holding::Whole ? EntryPartsOf(entry.Text()).value : EntryValueOf(entry.Text());
+}
+
 bool IniTree::IsUniqueSectionName(std::string_view name) const {
   return root_->children_ == nullptr ||
          std::ranges::none_of(*root_->children_, [name](const IniNode* child) { return child->Text() == name; });
 }
 
 IniNode* IniTree::AddSection(std::string_view name) {
+  if (holding_ == Holding::Whole) return AddSectionLine(name);
   root_->expanded_ = true;
-  return Add(root_.get(), texts_.Copy(name), IniTag::Section);
+  return Add(root_.get(), ByRules(texts_.Copy(name), IniTag::Section));
 }
 
-IniNode* IniTree::AddEntry(IniNode* parent, std::string_view text, IniTag tag) {
-  return Add(parent, texts_.Copy(text), tag);
+IniNode* IniTree::AddEntry(IniNode* parent, std::string_view key, std::string_view value) {
+  if (holding_ == Holding::Whole) return AddEntryLine(parent, key, value);
+  return AddLine(parent, EntryText(key, value), TagOfKey(key));
 }
 
-void IniTree::AddEntryToAllSections(std::string_view text, IniTag tag) {
+bool IniTree::AddEntryToAllSections(std::string_view key, std::string_view value) {
+  if (holding_ == Holding::Whole) return AddEntryLines(key, value);
+  AddLineToAllSections(EntryText(key, value), TagOfKey(key));
+  return true;
+}
+
+IniNode* IniTree::AddLine(IniNode* parent, std::string_view text, IniTag tag) {
+  return Add(parent, ByRules(texts_.Copy(text), tag));
+}
+
+void IniTree::AddLineToAllSections(std::string_view text, IniTag tag) {
   if (section_count_ == 0) return;
   observer_->BeforeReset();
   const std::string_view shared = texts_.Copy(text);
@@ -67,28 +95,33 @@ void IniTree::AddEntryToAllSections(std::string_view text, IniTag tag) {
     if (section->tag_ != IniTag::Section) continue;
     section->expanded_ = true;
     if (section->children_sorted_) {
-      InsertAt(section, RowFor(*section, shared), shared, tag);
+      InsertAt(section, RowFor(*section, shared), ByRules(shared, tag));
     } else {
-      AppendAndSort(section, shared, tag);
+      AppendAndSort(section, ByRules(shared, tag));
     }
   }
   ++revision_;
   EndReset();
 }
 
-void IniTree::SetText(IniNode* node, std::string_view text) {
-  if (node->Text() == text) return;
+bool IniTree::SetText(IniNode* node, std::string_view text) {
+  if (node->Text() == text) return true;
+  if (holding_ == Holding::Whole && node->parent_ != nullptr) return SetLineText(node, text);
   node->SetTextView(texts_.Copy(text));
-  if (node->parent_ != nullptr) {
-    // The root's text is the file's name, not content.
-    ++revision_;
-    if (!StandsInOrder(*node)) node->parent_->children_sorted_ = false;
-  }
-  observer_->TextChanged(*node);
+  ShowText(node);
+  return true;
+}
+
+IniNode* IniTree::SetEntry(IniNode* node, std::string_view key, std::string_view value) {
+  if (holding_ == Holding::Whole) return SetEntryLine(node, key, value) ? node : nullptr;
+  const std::string text = EntryText(key, value);
+  if (TagOfKey(key) == IniTag::Comments) return ReplaceWithComment(node, text);
+  SetText(node, text);
+  return node;
 }
 
 IniNode* IniTree::ReplaceWithComment(IniNode* node, std::string_view text) {
-  IniNode* comment = AddEntry(node->parent_, text, IniTag::Comments);
+  IniNode* comment = AddLine(node->parent_, text, IniTag::Comments);
   if (selected_ == node) MoveSelection(comment);
   Remove(node);
   return comment;
@@ -99,10 +132,15 @@ void IniTree::SetAllExpanded(bool expanded) {
   for (int row = 0; row < root_->ChildCount(); ++row) root_->Child(row)->expanded_ = expanded;
 }
 
-IniNode* IniTree::NewNode(IniNode* parent, std::string_view text, IniTag tag) {
+IniNode* IniTree::NewNode(IniNode* parent, const NodeSource& source) {
   ++node_count_;
-  if (tag == IniTag::Section) ++section_count_;
-  return new (nodes_.Take()) IniNode(parent, text, tag, next_created_++);
+  if (source.tag == IniTag::Section) ++section_count_;
+  auto* node = new (nodes_.Take()) IniNode(parent, source.text, source.tag, source.number);
+  if (holding_ == Holding::Whole) {
+    if (node_of_.size() <= source.number) node_of_.resize(source.number + 1);
+    node_of_[source.number] = node;
+  }
+  return node;
 }
 
 IniNode::Children& IniTree::ChildrenOf(IniNode* parent) {
@@ -113,40 +151,50 @@ IniNode::Children& IniTree::ChildrenOf(IniNode* parent) {
   return *parent->children_;
 }
 
-IniNode* IniTree::Append(IniNode* parent, std::string_view text, IniTag tag) {
-  IniNode* node = InsertAt(parent, static_cast<std::size_t>(parent->ChildCount()), text, tag);
+IniNode* IniTree::Append(IniNode* parent, const NodeSource& source) {
+  IniNode* node = InsertAt(parent, static_cast<std::size_t>(parent->ChildCount()), source);
   parent->children_sorted_ = false;
   return node;
 }
 
-IniNode* IniTree::InsertAt(IniNode* parent, std::size_t row, std::string_view text, IniTag tag) {
-  IniNode* node = NewNode(parent, text, tag);
+IniNode* IniTree::InsertAt(IniNode* parent, std::size_t row, const NodeSource& source) {
+  IniNode* node = NewNode(parent, source);
   IniNode::Children& children = ChildrenOf(parent);
   children.insert(children.begin() + static_cast<std::ptrdiff_t>(row), node);
   NumberChildren(parent, row);
   return node;
 }
 
-IniNode* IniTree::AppendAndSort(IniNode* parent, std::string_view text, IniTag tag) {
-  IniNode* node = Append(parent, text, tag);
+IniNode* IniTree::AppendAndSort(IniNode* parent, const NodeSource& source) {
+  IniNode* node = Append(parent, source);
   IniSorter sorter;
   SortChildren(parent, sorter);
   return node;
 }
 
-IniNode* IniTree::Add(IniNode* parent, std::string_view text, IniTag tag) {
+IniNode* IniTree::Add(IniNode* parent, const NodeSource& source, std::size_t row) {
   ++revision_;
-  if (!parent->children_sorted_) {
+  const bool by_name = arrangement_ == IniArrangement::ByName;
+  if (by_name && !parent->children_sorted_) {
     observer_->BeforeReset();
-    IniNode* node = AppendAndSort(parent, text, tag);
+    IniNode* node = AppendAndSort(parent, source);
     EndReset();
     return node;
   }
-  const std::size_t row = RowFor(*parent, text);
+  if (by_name) row = RowFor(*parent, source.text);
   observer_->BeforeInsert(*parent, static_cast<int>(row));
-  IniNode* node = InsertAt(parent, row, text, tag);
+  IniNode* node = InsertAt(parent, row, source);
   observer_->AfterInsert();
   return node;
+}
+
+void IniTree::ShowText(IniNode* node) {
+  if (node->parent_ != nullptr) {
+    // The root's text is the file's name, not content.
+    ++revision_;
+    if (!StandsInOrder(*node)) node->parent_->children_sorted_ = false;
+  }
+  observer_->TextChanged(*node);
 }
 
 bool IniTree::SortChildren(IniNode* parent, IniSorter& sorter) {

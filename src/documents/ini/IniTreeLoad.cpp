@@ -1,38 +1,56 @@
 #include "documents/ini/IniTreeLoad.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tme {
 
 IniTree::Load::Load(IniTree& tree, std::string text)
-    : tree_(tree), text_(tree.texts_.Keep(std::move(text))), first_created_(tree.next_created_) {
+    : tree_(tree), text_(tree.texts_.Keep(std::move(text))), first_number_(tree.next_number_) {
+  if (IsWhole()) {
+    const auto count = [this](char end) { return static_cast<std::size_t>(std::ranges::count(text_, end)); };
+    const std::size_t lines = std::max(count('\n'), count('\r')) + 1;
+    tree_.lines_.Reserve(lines);
+    tree_.node_of_.reserve(lines + 1);
+  }
   tree_.observer_->BeforeReset();
 }
 
 IniTree::Load::~Load() {
   if (is_open_) tree_.EndReset();
-  if (tree_.next_created_ == first_created_) tree_.texts_.GiveBackLast();
+  if (!IsWhole() && tree_.next_number_ == first_number_) tree_.texts_.GiveBackLast();
 }
 
 void IniTree::Load::AppendSection(std::string_view name) {
   FinishSection();
-  section_ = tree_.Append(tree_.Root(), name, IniTag::Section);
+  section_ = tree_.Append(tree_.Root(), tree_.ByRules(name, IniTag::Section));
 }
 
-void IniTree::Load::AppendEntry(std::string_view text, IniTag tag) {
+void IniTree::Load::AppendEntry(std::string_view text, IniTag tag) { AppendNode(tree_.ByRules(text, tag)); }
+
+void IniTree::Load::AppendLines(std::string_view lines, IniLine kind) {
+  const Piece piece = tree_.lines_.Append(lines, static_cast<std::uint8_t>(kind));
+  if (kind == IniLine::Blank) return;
+  const NodeSource source = tree_.SourceOfNode(piece);
+  if (kind != IniLine::Header) return AppendNode(source);
+  FinishSection();
+  section_ = tree_.Append(tree_.Root(), source);
+}
+
+void IniTree::Load::AppendNode(const NodeSource& source) {
   if (section_ == nullptr) {
-    tree_.Append(tree_.Root(), text, tag);
+    tree_.Append(tree_.Root(), source);
     return;
   }
-  IniNode* entry = tree_.NewNode(section_, text, tag);
+  IniNode* entry = tree_.NewNode(section_, source);
   entry->row_ = static_cast<std::uint32_t>(entries_.size());
   entries_.push_back(entry);
 }
 
 void IniTree::Load::Commit() {
   FinishSection();
-  SortChildren(tree_.Root(), sorter_);
-  if (tree_.next_created_ != first_created_) ++tree_.revision_;
+  if (!IsWhole()) SortChildren(tree_.Root(), sorter_);
+  if (IsWhole() || tree_.next_number_ != first_number_) ++tree_.revision_;
   is_open_ = false;
   tree_.EndReset();
 }
@@ -51,12 +69,12 @@ std::size_t IniTree::Load::RemoveTextEqualTo(std::string_view text) {
 
 bool IniTree::Load::SectionsReordered() const {
   const IniNode* root = tree_.Root();
-  std::uint32_t last_created = 0;
+  std::uint32_t last_number = 0;
   for (int row = 0; row < root->ChildCount(); ++row) {
     const IniNode* child = root->Child(row);
-    if (child->Tag() != IniTag::Section || child->created_ < first_created_) continue;
-    if (child->created_ < last_created) return true;
-    last_created = child->created_;
+    if (child->Tag() != IniTag::Section || child->number_ < first_number_) continue;
+    if (child->number_ < last_number) return true;
+    last_number = child->number_;
   }
   return false;
 }
@@ -64,7 +82,7 @@ bool IniTree::Load::SectionsReordered() const {
 void IniTree::Load::FinishSection() {
   if (section_ != nullptr && !entries_.empty()) {
     tree_.ChildrenOf(section_).assign(entries_.begin(), entries_.end());
-    if (SortChildren(section_, sorter_)) entries_reordered_ = true;
+    if (!IsWhole() && SortChildren(section_, sorter_)) entries_reordered_ = true;
     entries_.clear();
   }
   section_ = nullptr;

@@ -6,13 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "documents/ini/IniLine.h"
 #include "documents/ini/IniOrder.h"
 #include "documents/ini/IniTree.h"
 
 namespace tme {
 
-/// Fills a tree from a text: the one way in for readers. The observer sees a reset from construction to Commit, and
-/// only these calls change the tree meanwhile.
+/// Fills a tree from a text: the one way in for readers. In whole holding it fills an empty tree, once. The observer
+/// sees a reset from construction to Commit, and only these calls change the tree meanwhile.
 class IniTree::Load {
  public:
   /// text: taken over by the tree, and given back when nothing was appended.
@@ -27,6 +28,8 @@ class IniTree::Load {
   void AppendSection(std::string_view name);
   /// Appends to the section that was appended last, or to the root before the first one.
   void AppendEntry(std::string_view text, IniTag tag);
+  /// In whole holding, instead of both: one line with its end, or a run of blank ones, right behind those before.
+  void AppendLines(std::string_view lines, IniLine kind);
 
   /// Puts what was appended in order and ends the reset.
   void Commit();
@@ -42,12 +45,14 @@ class IniTree::Load {
   bool EntriesReordered() const { return entries_reordered_; }
 
  private:
+  bool IsWhole() const { return tree_.Holding() == Holding::Whole; }
+  void AppendNode(const NodeSource& source);
   void FinishSection();
 
   IniTree& tree_;
   const std::string_view text_;
   /// Nodes from here on were appended.
-  const std::uint32_t first_created_;
+  const std::uint32_t first_number_;
   bool is_open_ = true;
   bool entries_reordered_ = false;
   /// Null before the first section.

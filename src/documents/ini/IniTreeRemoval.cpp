@@ -34,6 +34,11 @@ IniNode* IniTree::NextSelected(const IniNode* node) {
 
 void IniTree::Remove(IniNode* node) {
   if (node == root_.get()) return;
+  if (holding_ == Holding::Whole) RemoveLines(node);
+  RemoveNode(node);
+}
+
+void IniTree::RemoveNode(IniNode* node) {
   IniNode* parent = node->parent_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
@@ -46,21 +51,26 @@ void IniTree::Remove(IniNode* node) {
   TellIfSelectionMoved();
 }
 
-void IniTree::RemoveStartingWithSelectedKey() {
+void IniTree::RemoveSelectedKey() {
   if (selected_->tag_ != IniTag::Value) return;
   observer_->BeforeReset();
-  MarkWalkingBack(EntryKeyOf(selected_->Text()));
+  if (holding_ == Holding::Whole)
+    MarkEntriesWithKey(KeyOf(*selected_));
+  else
+    MarkWalkingBack(EntryKeyOf(selected_->Text()));
   RemoveMarked();
   EndReset();
 }
 
-void IniTree::Clear() { Reset(root_->Text()); }
+void IniTree::Clear() { Reset(root_->Text(), holding_); }
 
-void IniTree::Reset(std::string_view root_text) {
+void IniTree::Reset(std::string_view root_text, tme::Holding holding) {
   const std::string kept(root_text);
   observer_->BeforeReset();
   if (selected_ != root_.get()) MoveSelection(root_.get());
   DiscardAll();
+  holding_ = holding;
+  arrangement_ = holding == Holding::Whole ? IniArrangement::AsInFile : IniArrangement::ByName;
   root_->SetTextView(texts_.Copy(kept));
   ++revision_;
   EndReset();
@@ -75,6 +85,7 @@ void IniTree::Discard(IniNode* node) {
     std::destroy_at(node->children_);
     lists_.deallocate(node->children_, sizeof(IniNode::Children), alignof(IniNode::Children));
   }
+  if (holding_ == Holding::Whole) node_of_[node->number_] = nullptr;
   nodes_.GiveBack(node);
 }
 
@@ -84,10 +95,12 @@ void IniTree::DiscardAll() {
   root_->expanded_ = false;
   nodes_.Clear();
   lists_.release();
+  lines_.Clear();
+  node_of_.assign(1, root_.get());
   texts_.Clear();
   node_count_ = 1;
   section_count_ = 0;
-  next_created_ = 1;
+  next_number_ = 1;
 }
 
 std::size_t IniTree::MarkTextEqualTo(std::string_view text) {
@@ -107,17 +120,25 @@ void IniTree::MarkWalkingBack(std::string_view key) {
   std::size_t entries_left = 0;
   const auto is_left = [](const IniNode* node) { return node->tag_ == IniTag::Value && !node->removed_; };
   ForEachNode(*root_, [&](IniNode* node) {
-    if (node->Text().starts_with(key)) matches.emplace_back(node->created_, node);
+    if (node->Text().starts_with(key)) matches.emplace_back(node->number_, node);
     if (is_left(node)) ++entries_left;
   });
   std::ranges::sort(matches, std::ranges::greater());
 
-  for (const auto& [created, node] : matches) {
+  for (const auto& [number, node] : matches) {
     if (entries_left == 0) return;
     if (is_left(node)) --entries_left;
     node->removed_ = true;
     for (int row = 0; row < node->ChildCount(); ++row) entries_left -= is_left(node->Child(row)) ? 1 : 0;
   }
+}
+
+void IniTree::MarkEntriesWithKey(std::string_view key) {
+  ForEachNode(*root_, [&](IniNode* node) {
+    if (node->tag_ != IniTag::Value || CompareFolded(KeyOf(*node), key) != 0) return;
+    node->removed_ = true;
+    lines_.Remove(node->number_);
+  });
 }
 
 void IniTree::RemoveMarked() {

@@ -48,8 +48,13 @@ std::string WriteIni(const IniTree& tree) {
   return out;
 }
 
+bool WriteIni(const IniTree& tree, const PartSink& sink) {
+  return tree.Holding() == Holding::Whole ? tree.WriteSource(sink) : sink(WriteIni(tree));
+}
+
 IniReadBack ReadBackOf(const IniTree& tree) {
   IniReadBack back;
+  if (tree.Holding() == Holding::Whole) return back;
   const IniNode& root = *tree.Root();
   std::uint64_t line = 0;
   std::unordered_set<std::string_view> names;
@@ -82,7 +87,8 @@ IniReadBack ReadBackOf(const IniTree& tree) {
   return back;
 }
 
-std::string ClipboardText(const IniNode& node) {
+std::string ClipboardText(const IniTree& tree, const IniNode& node) {
+  if (tree.Holding() == Holding::Whole) return tree.SourceOf(node);
   std::string out;
   switch (node.Tag()) {
     case IniTag::OpenedFile:

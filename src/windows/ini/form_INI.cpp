@@ -291,7 +291,7 @@ void form_INI::PrintDoc(QPrinter& printer) {
     RTFPrintBox->setUndoRedoEnabled(false);
     RTFPrintBox->hide();
   }
-  RTFPrintBox->setPlainText(QString::fromStdString(ClipboardText(*tree_.Root())));
+  RTFPrintBox->setPlainText(QString::fromStdString(ClipboardText(tree_, *tree_.Root())));
   RTFPrintBox->print(&printer);
   RTFPrintBox->clear();
 }

@@ -20,12 +20,6 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-IniTag TagOfKey(const QString& key) {
-  return KindOf(key.toStdString()) == IniLine::Comment ? IniTag::Comments : IniTag::Value;
-}
-
-std::string EntryText(const QString& key, const QString& value) { return (key + u'=' + value).toStdString(); }
-
 /// Lines end in CR LF, LF or CR; the last one may have no end.
 QStringList LinesOf(QString text) {
   text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
@@ -51,7 +45,7 @@ void form_INI::AddSection() {
 }
 
 void form_INI::AddEntryTo(IniNode* section, const QString& key, const QString& value) {
-  tree_.Select(tree_.AddEntry(section, EntryText(key, value), TagOfKey(key)));
+  tree_.Select(tree_.AddEntry(section, key.toStdString(), value.toStdString()));
   TV->expand(model_->IndexOf(section));
   ShowSelection();
   SetChanged(true);
@@ -73,7 +67,7 @@ void form_INI::AddSectionToAll() {
   dialog.exec();
   if (dialog.Key().isEmpty()) return;
   const WaitCursor wait_cursor;
-  tree_.AddEntryToAllSections(EntryText(dialog.Key(), dialog.Value()), TagOfKey(dialog.Key()));
+  tree_.AddEntryToAllSections(dialog.Key().toStdString(), dialog.Value().toStdString());
   SetChanged(true);
 }
 
@@ -94,7 +88,7 @@ void form_INI::cmd_Edit_Click() {
 void form_INI::EditEntry(IniNode* node) {
   form_ADE dialog(this, tr("Edit %1 Section").arg(DisplayText(node->Parent()->Text(), kMaxCharactersInMessage)),
                   form_ADE::DeleteButton::Shown);
-  const QString old_key = TextOf(EntryKeyOf(node->Text())), old_value = TextOf(EntryValueOf(node->Text()));
+  const QString old_key = TextOf(tree_.KeyOf(*node)), old_value = TextOf(tree_.ValueOf(*node));
   dialog.SetEntry(old_key, old_value);
   dialog.exec();
   const QString value = dialog.Value();
@@ -114,12 +108,7 @@ void form_INI::EditEntry(IniNode* node) {
   const auto bytes = [](const QString& now, const QString& before, std::string_view old) {
     return now == before ? std::string(old) : now.toStdString();
   };
-  const std::string text =
-      bytes(new_key, old_key, EntryKeyOf(node->Text())) + '=' + bytes(new_value, old_value, EntryValueOf(node->Text()));
-  if (TagOfKey(new_key) == IniTag::Comments)
-    tree_.ReplaceWithComment(node, text);
-  else
-    tree_.SetText(node, text);
+  tree_.SetEntry(node, bytes(new_key, old_key, tree_.KeyOf(*node)), bytes(new_value, old_value, tree_.ValueOf(*node)));
   SetChanged(true);
   ShowSelection();
 }
@@ -170,7 +159,7 @@ void form_INI::EditDelete() {
 void form_INI::DeleteAllNodes() {
   if (tree_.Selected()->Tag() != IniTag::Value) return;
   const WaitCursor wait_cursor;
-  tree_.RemoveStartingWithSelectedKey();
+  tree_.RemoveSelectedKey();
   SetChanged(true);
 }
 
@@ -193,7 +182,7 @@ void form_INI::CollapseAll() {
 void form_INI::EditCopy() {
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
-  const QString text = QString::fromStdString(ClipboardText(*tree_.Selected()));
+  const QString text = QString::fromStdString(ClipboardText(tree_, *tree_.Selected()));
   if (!text.isEmpty()) clipboard->setText(text);
 }
 
