@@ -31,6 +31,9 @@ class LineReader {
   /// Whether no line is left.
   bool AtEnd() const { return position_ == end_; }
 
+  /// Where the next line begins.
+  const char* Position() const { return position_; }
+
   /// The number of the line that Next gave last, from 1; 0 before the first.
   std::uint64_t Number() const { return number_; }
 

@@ -1,6 +1,6 @@
 #include "documents/reg/RegChildren.h"
 
-#include <algorithm>
+#include <functional>
 
 #include "documents/reg/RegDocument.h"
 
@@ -26,14 +26,41 @@ void RegChildren::Erase(std::size_t row) {
   nodes_.erase(nodes_.begin() + static_cast<std::ptrdiff_t>(row));
 }
 
+void RegChildren::Insert(std::size_t row, RegNode* node) {
+  ForgetTexts();
+  nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(row), node);
+}
+
+void RegChildren::InsertFirst(std::span<RegNode* const> nodes) {
+  ForgetTexts();
+  nodes_.insert(nodes_.begin(), nodes.begin(), nodes.end());
+}
+
+void RegChildren::EraseFirst(std::size_t count) {
+  ForgetTexts();
+  nodes_.erase(nodes_.begin(), nodes_.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
 RegNode* RegChildren::Find(std::string_view text) {
   if (nodes_.size() <= kFewChildren) {
-    const auto found = std::ranges::find(nodes_, text, &RegNode::Text);
-    return found == nodes_.end() ? nullptr : *found;
+    for (std::uint32_t row = 0; row < nodes_.size(); ++row)
+      if (IsIt(row, text)) return nodes_[row];
+    return nullptr;
   }
   if (rows_.Room() == 0) MakeTable();
-  const std::uint32_t row = rows_.Find(text, [this](std::uint32_t other) { return nodes_[other]->Text(); });
-  return row == TextTable::kNone ? nullptr : nodes_[row];
+  const std::uint32_t row = rows_.Find(HashOf(text), [this, text](std::uint32_t other) { return IsIt(other, text); });
+  return row == HashIndex::kNone ? nullptr : nodes_[row];
+}
+
+bool RegChildren::IsIt(std::uint32_t row, std::string_view text) const {
+  const RegNode& node = *nodes_[row];
+  if (letters_ == RegLetters::Exact) return node.Text() == text;
+  return IsKey(node.Tag()) && SameRegName(node.Text(), text);
+}
+
+std::uint32_t RegChildren::HashOf(std::string_view text) const {
+  if (letters_ == RegLetters::AnyCase) return HashOfRegName(text);
+  return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
 }
 
 void RegChildren::MakeTable() {
@@ -42,7 +69,9 @@ void RegChildren::MakeTable() {
 }
 
 void RegChildren::Enter(std::uint32_t row) {
-  rows_.FindOrEnter(nodes_[row]->Text(), row, [this](std::uint32_t other) { return nodes_[other]->Text(); });
+  if (!IsKey(nodes_[row]->Tag())) return;
+  const std::string_view text = nodes_[row]->Text();
+  rows_.FindOrEnter(HashOf(text), row, [this, text](std::uint32_t other) { return IsIt(other, text); });
 }
 
 }  // namespace tme

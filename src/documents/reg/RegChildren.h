@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory_resource>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "base/HashIndex.h"
+#include "documents/reg/RegNames.h"
 
 namespace tme {
 
@@ -15,24 +18,32 @@ class RegNode;
 /// needed. 100,000 children of one node are ordinary (class identifiers).
 class RegChildren {
  public:
-  explicit RegChildren(std::pmr::memory_resource* memory) : nodes_(memory), rows_(memory) {}
+  /// letters: how Find compares.
+  RegChildren(std::pmr::memory_resource* memory, RegLetters letters)
+      : nodes_(memory), rows_(memory), letters_(letters) {}
 
   std::size_t Count() const { return nodes_.size(); }
   RegNode* At(std::size_t row) const { return nodes_[row]; }
   void Append(RegNode* node);
+  void Insert(std::size_t row, RegNode* node);
   void Erase(std::size_t row);
-  /// Returns the first with exactly this text, or null.
+  void InsertFirst(std::span<RegNode* const> nodes);
+  void EraseFirst(std::size_t count);
+  /// Returns the first key with this text, or null. Deletions and comments are no keys.
   RegNode* Find(std::string_view text);
   /// Must be called before a child gets another text.
   void ForgetTexts() { rows_.Clear(); }
 
  private:
+  bool IsIt(std::uint32_t row, std::string_view text) const;
+  std::uint32_t HashOf(std::string_view text) const;
   void MakeTable();
   void Enter(std::uint32_t row);
 
   std::pmr::vector<RegNode*> nodes_;
   /// The first row of each text; no room when not in use.
-  TextTable rows_;
+  HashIndex rows_;
+  RegLetters letters_;
 };
 
 }  // namespace tme

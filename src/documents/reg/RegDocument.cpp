@@ -56,6 +56,11 @@ RegNode* RegDocument::FindChild(const RegNode* parent, std::string_view text) co
 
 std::vector<std::size_t> RegDocument::ValuesOfPath(const RegNode* node) const {
   std::vector<std::size_t> records;
+  if (holding_ == Holding::Whole) {
+    CollectRecords(node, records);
+    std::erase_if(records, [this](std::size_t record) { return values_[record].deleted; });
+    return records;
+  }
   if (paths_are_unique_ || node == root_.get()) {
     CollectRecords(node, records);
     return records;
@@ -118,6 +123,7 @@ void RegDocument::SetValueData(std::size_t record, std::string_view data) {
 }
 
 void RegDocument::DeleteValue(std::size_t record) {
+  if (holding_ == Holding::Whole) return DeleteValueLines(record);
   values_[record] = {.owner = values_[record].owner, .name = {}, .data = {}, .type = RegType::None, .deleted = true};
   ValueHasChanged(record);
 }
@@ -140,19 +146,20 @@ void RegDocument::RemoveKey(RegNode* node) {
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
+  std::vector<std::uint32_t> left_behind;
+  if (holding_ == Holding::Whole) left_behind = RemoveBlocks(node);
   WalkKeys(*node, [this](const RegNode&) {
     --node_count_;
     return true;
   });
   const bool selection_moves = IsBelow(selected_, node);
   siblings.Erase(row);
-  for (std::size_t after = row; after < siblings.Count(); ++after) {
-    siblings.At(after)->row_ = static_cast<std::uint32_t>(after);
-  }
+  RenumberFrom(parent, row);
   if (selection_moves) selected_ = siblings.Count() == 0 ? parent : siblings.At(std::min(row, siblings.Count() - 1));
   ++revision_;
   observer_->AfterRemove();
   if (selection_moves) observer_->SelectionMoved();
+  if (comments_ == RegComments::Shown) std::ranges::for_each(left_behind, [this](auto h) { AdoptComments(h); });
 }
 
 void RegDocument::Reset(std::string_view title) {
@@ -160,6 +167,10 @@ void RegDocument::Reset(std::string_view title) {
   const std::string kept(title);
   values_ = {};
   runs_ = {};
+  headers_.assign(1, Header{});
+  lines_.Clear();
+  holding_ = Holding::ByRules;
+  comments_ = RegComments::Hidden;
   nodes_.Clear();
   lists_.release();
   texts_.Clear();
@@ -171,12 +182,22 @@ void RegDocument::Reset(std::string_view title) {
   observer_->AfterReset();
 }
 
-RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag) {
+void RegDocument::RenumberFrom(const RegNode* parent, std::size_t row) {
+  RegChildren& children = *parent->children_;
+  for (; row < children.Count(); ++row) children.At(row)->row_ = static_cast<std::uint32_t>(row);
+}
+
+RegNode* RegDocument::MakeNode(RegNode* parent, std::string_view text, RegTag tag) {
   if (parent->children_ == nullptr) {
     void* memory = lists_.allocate(sizeof(RegChildren), alignof(RegChildren));
-    parent->children_ = new (memory) RegChildren(&lists_);
+    const RegLetters letters = holding_ == Holding::Whole ? RegLetters::AnyCase : RegLetters::Exact;
+    parent->children_ = new (memory) RegChildren(&lists_, letters);
   }
-  auto* node = new (nodes_.Take()) RegNode(parent, text, tag);
+  return new (nodes_.Take()) RegNode(parent, text, tag);
+}
+
+RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag) {
+  RegNode* node = MakeNode(parent, text, tag);
   node->row_ = static_cast<std::uint32_t>(parent->children_->Count());
   parent->children_->Append(node);
   ++node_count_;

@@ -13,14 +13,26 @@
 #include "base/NodePool.h"
 #include "base/TextStore.h"
 #include "base/TreeObserver.h"
+#include "documents/Holding.h"
+#include "documents/SourceLines.h"
 #include "documents/reg/RegChildren.h"
+#include "documents/reg/RegData.h"
+#include "documents/reg/RegSourceLine.h"
 
 namespace tme {
 
-/// Kind of a node.
-enum class RegTag : std::uint8_t { File, Hive, Branch };
+/// Kind of a node. The last two are in whole documents alone.
+enum class RegTag : std::uint8_t {
+  File,
+  Hive,
+  Branch,
+  Deletion,  ///< [-path]: the key is deleted where the file is imported; stands beside the key of that name, if any
+  Comment,   ///< a comment line, where the user asks for them
+};
+constexpr bool IsKey(RegTag tag) { return tag <= RegTag::Branch; }
 
-/// Type of a value; None for a deleted record.
+/// Type of a value; None for a deleted record. In a whole document its form: in quotes, dword:, hex: with or without a
+/// type number; None for the deletion of a value ("name"=-).
 enum class RegType : std::uint8_t { None, String, Dword, Hex };
 
 /// What a type of value is in texts.
@@ -52,7 +64,7 @@ bool IsHiveName(std::string_view text);
 class RegNode {
  public:
   /// The root: the document's title; a hive: its name; a branch: one component of the path. UTF-8; bytes that are not
-  /// valid UTF-8 pass through.
+  /// valid UTF-8 pass through. A comment: its line without blanks at both ends.
   std::string_view Text() const { return {text_, size_}; }
   RegTag Tag() const { return tag_; }
   /// Null for the root only.
@@ -88,18 +100,25 @@ class RegNode {
   /// The node's records, as a chain of runs of the document.
   std::uint32_t first_run_ = kNoRun;
   std::uint32_t last_run_ = kNoRun;
+  /// Whole holding. A key or deletion: the last of its header lines in the document's ring, 0 for none. A comment: its
+  /// piece.
+  std::uint32_t place_ = 0;
   RegTag tag_;
 };
 
-/// One value of the flat table. Records are never removed or moved; a deleted one has no type, name and data.
+/// One value of the flat table. Records are never removed or moved. A deleted one has no type, name and data by the
+/// rules, and keeps them in a whole document.
 struct RegValueRecord {
   RegNode* owner = nullptr;
-  /// Without quotes; "[default]" for the default value.
+  /// Without quotes; "[default]" for the default value. In a whole document unescaped, and empty for the default value.
   std::string_view name;
   /// As in the file, not decoded: text between the quotes, eight hexadecimal digits, or bytes separated by commas.
+  /// In a whole document all that stands behind "=", over several lines where it is wrapped: see DecodeAssignment.
   std::string_view data;
   RegType type = RegType::None;
   bool deleted = false;
+  /// Whole holding: of Lines.
+  SourceLines::Piece piece = SourceLines::kEnds;
 };
 
 /// Learns of changes of the values, too.
@@ -110,8 +129,13 @@ class RegDocumentObserver : public TreeObserver<RegNode> {
   virtual void ValueChanged(std::size_t /*record*/) {}
 };
 
+/// Whether comment lines are nodes of a whole document.
+enum class RegComments : std::uint8_t { Hidden, Shown };
+
 /// The document of a registry window: the tree of keys and one table of values. Every edit is one call with a name.
 /// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
+/// In whole holding the lines of the file are the truth; nodes and records show them, keys are found in any letter
+/// case, and those whose lines stand in several blocks are one node.
 class RegDocument {
  public:
   /// What readers fill a document with (RegDocumentLoad.h).
@@ -137,10 +161,22 @@ class RegDocument {
   /// The table, in order of creation.
   const std::vector<RegValueRecord>& Values() const { return values_; }
 
+  Holding HeldAs() const { return holding_; }
+  /// Whole holding: what the first line says.
+  RegVersion Version() const { return version_; }
+  /// Whole holding: the text. A save of the regular layout is its Write.
+  const SourceLines& Lines() const { return lines_; }
+  /// Whole holding: how comments are shown.
+  RegComments Comments() const { return comments_; }
+  /// Whole holding: the last header line of a key or deletion, kEnds where only longer paths imply it; a comment's
+  /// line.
+  SourceLines::Piece PieceOf(const RegNode* node) const;
+
   /// Returns the first child with exactly this text, or null. Constant time on average.
   RegNode* FindChild(const RegNode* parent, std::string_view text) const;
   /// Returns what is shown for a node: indices of the records whose owner, in the tree, has the same full path, in
-  /// table order, deleted ones included. Never costs the whole table.
+  /// table order, deleted ones included. Never costs the whole table. In whole holding the node's own that are not
+  /// deleted.
   std::vector<std::size_t> ValuesOfPath(const RegNode* node) const;
   /// Whether there is a record of this name whose owner (removed keys and deleted records included) has the node's
   /// text. Saving goes by the last component alone, unlike ValuesOfPath; intended.
@@ -153,25 +189,52 @@ class RegDocument {
   /// Calls visit(record) for the node's own records, deleted ones included, in table order.
   template <typename Visit>
   void ForEachValueOf(const RegNode* node, Visit visit) const {
-    for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next)
-      for (std::uint32_t i = 0; i < runs_[at].count; ++i) visit(values_[runs_[at].first + i]);
+    ForEachRecordOf(node, [this, &visit](std::size_t record) { visit(values_[record]); });
   }
 
-  // Edits.
+  // Edits by the rules.
   // Texts are copied, and not checked; neither is whether there is such a child already.
   RegNode* AddHiveNode(std::string_view name);
   RegNode* AddBranch(RegNode* parent, std::string_view text);
   /// Returns the record's index. No check of names.
   std::size_t AddValueRecord(RegNode* node, RegType type, std::string_view name, std::string_view data);
   void SetValueData(std::size_t record, std::string_view data);
-  /// The record stays, empty and marked.
-  void DeleteValue(std::size_t record);
   void SetText(RegNode* node, std::string_view text);
+
+  // Edits of both ways.
+  /// The record stays, marked. In whole holding its lines go, and a key of a REGEDIT file stays as a path alone.
+  void DeleteValue(std::size_t record);
   /// Takes the node with its subtree out of the tree, but never the root. Its records stay. If the selected node goes
   /// too, its next sibling is selected, else the previous one, else the parent. There is no recursion.
+  /// In whole holding its blocks go, with the blank lines behind them; a comment that touches the next header stays.
   void RemoveKey(RegNode* node);
-  /// Empties the document and gives it this title.
+  /// Empties the document and gives it this title. It is held by the rules then.
   void Reset(std::string_view title);
+
+  // Edits of whole holding. Each changes its own lines alone. Texts are copied; names of keys are one component, and
+  // neither they nor assignments (EncodeAssignment) are checked.
+
+  /// Adds a key with its header line behind the last block below the parent, else at the end. Below the root it is a
+  /// hive.
+  RegNode* AddKey(RegNode* parent, std::string_view name);
+  /// Adds a line at the end of the key's last block, in the style of the line before. A key without a block gets one.
+  /// name: empty for the default value, which is all that a REGEDIT file can hold. Returns the record's index.
+  std::size_t AddValue(RegNode* key, std::string_view name, std::string_view assignment);
+  /// Replaces what stands behind "="; hex is wrapped here.
+  void SetAssignment(std::size_t record, std::string_view assignment);
+  void RenameValue(std::size_t record, std::string_view name);
+  /// Makes the value's line the deletion of that value. Not for REGEDIT.
+  void WriteDeletion(std::size_t record);
+  /// Makes a key's blocks and those below it one line that deletes the key, where the first of them stood, and the node
+  /// one of tag Deletion in the key's place, which is returned. Not for the root, nor for REGEDIT.
+  RegNode* WriteDeletion(RegNode* key);
+  /// Changes this component of the path in the header lines of the key or deletion and of all below it.
+  void RenameKey(RegNode* key, std::string_view name);
+  /// text: without line ends; begins with ";".
+  void SetComment(RegNode* comment, std::string_view text);
+  /// Makes a node of each comment line, above the keys of the key in whose block it stands, or drops them all. No
+  /// change of content.
+  void ShowComments(RegComments comments);
 
  private:
   friend class RegValueIndex;
@@ -194,7 +257,43 @@ class RegDocument {
   }
   void StartRun(RegNode* owner);
 
+  // Whole holding.
+
+  /// A header line, in two rings: of the file in its order, in which the first of the table is the ends, and of its
+  /// node, which has the number of the last one.
+  struct Header {
+    RegNode* node = nullptr;
+    SourceLines::Piece piece = SourceLines::kEnds;
+    std::uint32_t next = 0;
+    std::uint32_t previous = 0;
+    std::uint32_t next_of_node = 0;
+  };
+
+  void LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind);
+  void UnlinkHeader(std::uint32_t header);
+  std::uint32_t LastHeaderBelow(const RegNode* node) const;
+  SourceLines::Piece LeadOf(std::uint32_t header) const;
+  SourceLines::Piece TailOf(std::uint32_t header) const;
+  SourceLines::Piece BlockEnd(std::uint32_t header) const;
+  RegPiece KindOf(SourceLines::Piece piece) const { return static_cast<RegPiece>(lines_.Kind(piece)); }
+  void AddHeaderLine(RegNode* node);
+  void ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text);
+  void FollowPiece(std::size_t record);
+  void DeleteValueLines(std::size_t record);
+  std::vector<std::uint32_t> RemoveBlocks(const RegNode* node);
+  void AdoptComments(std::uint32_t header);
+  void RenumberFrom(const RegNode* parent, std::size_t row);
+  RegNode* MakeNode(RegNode* parent, std::string_view text, RegTag tag);
+  void MakeComments();
+  RegNode* MakeComment(RegNode* parent, SourceLines::Piece piece);
+  void DropComments();
+
   RegNode* Add(RegNode* parent, std::string_view text, RegTag tag);
+  template <typename Visit>
+  void ForEachRecordOf(const RegNode* node, Visit visit) const {
+    for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next)
+      for (std::uint32_t i = 0; i < runs_[at].count; ++i) visit(std::size_t{runs_[at].first} + i);
+  }
   void NoteSibling(const RegNode* parent, std::string_view text);
   void CollectRecords(const RegNode* node, std::vector<std::size_t>& records) const;
   std::vector<const RegNode*> NodesOfPath(std::string_view path) const;
@@ -212,6 +311,11 @@ class RegDocument {
   std::vector<Run> runs_;
   std::size_t node_count_ = 1;
   std::uint64_t revision_ = 0;
+  Holding holding_ = Holding::ByRules;
+  RegVersion version_ = RegVersion::Version5;
+  RegComments comments_ = RegComments::Hidden;
+  SourceLines lines_{texts_};
+  std::vector<Header> headers_{Header{}};
   /// No two nodes have had one path so far: neither equal siblings nor texts with a backslash, which only edits make.
   bool paths_are_unique_ = true;
 };

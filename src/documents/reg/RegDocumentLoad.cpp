@@ -16,12 +16,34 @@ RegDocument::Load::Load(RegDocument& document, std::string&& text, std::size_t v
 
 RegDocument::Load::~Load() {
   document_.Select(document_.Root());
-  if (document_.NodeCount() != first_nodes_ || document_.Values().size() != first_values_) {
+  if (document_.NodeCount() != first_nodes_ || document_.Values().size() != first_values_ ||
+      document_.lines_.First() != SourceLines::kEnds) {
     ++document_.revision_;
   } else {
     document_.texts_.GiveBackLast();
   }
   document_.observer_->AfterReset();
+}
+
+void RegDocument::Load::HoldWhole(std::size_t pieces) {
+  document_.holding_ = Holding::Whole;
+  document_.lines_.Reserve(pieces);
+}
+
+RegNode* RegDocument::Load::AppendHeader(std::string_view path, SourceLines::Piece piece) {
+  RegNode* key = KeyOf(path);
+  document_.LinkHeader(key, piece, document_.headers_[0].previous);
+  return key;
+}
+
+RegNode* RegDocument::Load::AppendDeletion(std::string_view path, SourceLines::Piece piece) {
+  path = path.substr(0, path.find_last_not_of('\\') + 1);
+  const std::size_t divider = path.rfind('\\');
+  const std::size_t above = divider == std::string_view::npos ? 0 : divider;
+  RegNode* key =
+      document_.Append(KeyOf(path.substr(0, above)), path.substr(above == 0 ? 0 : above + 1), RegTag::Deletion);
+  document_.LinkHeader(key, piece, document_.headers_[0].previous);
+  return key;
 }
 
 RegNode* RegDocument::Load::KeyOf(std::string_view path) {
@@ -36,6 +58,10 @@ RegNode* RegDocument::Load::KeyOf(std::string_view path) {
   while (start <= path.size()) {
     const std::size_t end = std::min(path.find('\\', start), path.size());
     const std::string_view text = path.substr(start, end - start);
+    if (text.empty() && document_.holding_ == Holding::Whole) {
+      start = end + 1;
+      continue;
+    }
     RegNode* child = document_.FindChild(key, text);
     if (child == nullptr) child = document_.Append(key, text, levels_.empty() ? RegTag::Hive : RegTag::Branch);
     key = child;

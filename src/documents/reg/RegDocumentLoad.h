@@ -30,6 +30,25 @@ class RegDocument::Load {
     document_.AppendRecord(owner, type, name, data);
   }
 
+  // Whole holding.
+  /// Must come before all else. pieces: room is made for so many.
+  void HoldWhole(std::size_t pieces);
+  void SetVersion(RegVersion version) { document_.version_ = version; }
+  SourceLines::Piece AppendPiece(std::string_view lines, RegPiece kind) {
+    return document_.lines_.Append(lines, static_cast<std::uint8_t>(kind));
+  }
+  void SetKind(SourceLines::Piece piece, RegPiece kind) {
+    document_.lines_.SetKind(piece, static_cast<std::uint8_t>(kind));
+  }
+  /// The key of the header line that was appended as a piece.
+  RegNode* AppendHeader(std::string_view path, SourceLines::Piece piece);
+  RegNode* AppendDeletion(std::string_view path, SourceLines::Piece piece);
+  void AppendValue(RegNode* owner, RegType type, std::string_view name, std::string_view data,
+                   SourceLines::Piece piece) {
+    document_.AppendRecord(owner, type, name, data);
+    document_.values_.back().piece = piece;
+  }
+
  private:
   /// Where a level of the last path ends, and its node.
   struct Level {

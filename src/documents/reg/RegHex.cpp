@@ -73,6 +73,8 @@ std::size_t BehindDigits(std::string_view text, std::size_t at) {
 
 }  // namespace
 
+bool IsHexDigit(char c) { return DigitOf(c) != kNoDigit; }
+
 RegMark RegMarkOf(std::string_view assignment) {
   if (StartsWithWord(assignment, kDwordWord)) return {RegForm::Dword, 4, kDwordWord.size()};
   if (!StartsWithWord(assignment, kHexWord)) return {};

@@ -10,6 +10,8 @@ namespace tme {
 
 inline constexpr std::string_view kHexDigits = "0123456789abcdef";
 
+bool IsHexDigit(char c);
+
 /// What an assignment begins with.
 enum class RegForm : std::uint8_t { None, Dword, Hex };
 struct RegMark {

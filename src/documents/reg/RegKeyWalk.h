@@ -41,7 +41,9 @@ bool WalkKeys(const RegNode& top, Enter enter) {
 template <typename Enter>
 bool WalkKeyPaths(const RegNode& root, Enter enter) {
   std::string path;
-  const auto separator = [](const RegNode& node) { return node.Tag() == RegTag::Branch ? 1U : 0U; };
+  const auto separator = [&root](const RegNode& node) {
+    return node.Tag() == RegTag::Branch || (node.Tag() > RegTag::Branch && node.Parent() != &root) ? 1U : 0U;
+  };
   return WalkKeys(
       root,
       [&](const RegNode& node) {

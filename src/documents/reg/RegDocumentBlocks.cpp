@@ -1,0 +1,143 @@
+// The header lines of a whole document and the blocks that they begin.
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegKeyWalk.h"
+
+namespace tme {
+
+namespace {
+
+/// The last child that is no comment, or null.
+const RegNode* LastWithLines(const RegNode* parent, int before) {
+  for (int row = before - 1; row >= 0; --row)
+    if (const RegNode* child = parent->Child(row); child->Tag() != RegTag::Comment) return child;
+  return nullptr;
+}
+
+const RegNode* LastDescendant(const RegNode* node) {
+  while (const RegNode* last = LastWithLines(node, node->ChildCount())) node = last;
+  return node;
+}
+
+}  // namespace
+
+SourceLines::Piece RegDocument::PieceOf(const RegNode* node) const {
+  return node->tag_ == RegTag::Comment ? node->place_ : headers_[node->place_].piece;
+}
+
+/// behind: the header before it in the file; 0 for the first.
+void RegDocument::LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind) {
+  const auto header = static_cast<std::uint32_t>(headers_.size());
+  headers_.push_back({node, piece, headers_[behind].next, behind, header});
+  headers_[headers_[header].next].previous = header;
+  headers_[behind].next = header;
+  if (node->place_ != 0) headers_[header].next_of_node = std::exchange(headers_[node->place_].next_of_node, header);
+  node->place_ = header;
+}
+
+/// Takes it out of the file's ring alone: its node goes, too.
+void RegDocument::UnlinkHeader(std::uint32_t header) {
+  const Header& gone = headers_[header];
+  headers_[gone.previous].next = gone.next;
+  headers_[gone.next].previous = gone.previous;
+}
+
+/// The header of the last node that has one, from the node downwards, as the tree stands; 0 without.
+std::uint32_t RegDocument::LastHeaderBelow(const RegNode* node) const {
+  const RegNode* at = LastDescendant(node);
+  while (at->place_ == 0) {
+    if (at == node) return 0;
+    const RegNode* before = LastWithLines(at->Parent(), at->Row());
+    at = before == nullptr ? at->Parent() : LastDescendant(before);
+  }
+  return at->place_;
+}
+
+/// The first line of the comment that touches a header; the header's own without one.
+SourceLines::Piece RegDocument::LeadOf(std::uint32_t header) const {
+  SourceLines::Piece lead = headers_[header].piece;
+  while (KindOf(lines_.Previous(lead)) == RegPiece::Comment) lead = lines_.Previous(lead);
+  return lead;
+}
+
+/// The last piece of a block: what touches the next header is not of it.
+SourceLines::Piece RegDocument::TailOf(std::uint32_t header) const {
+  const Header& block = headers_[header];
+  SourceLines::Piece tail = lines_.Previous(headers_[block.next].piece);
+  if (block.next == 0) return tail;
+  while (KindOf(tail) == RegPiece::Comment) tail = lines_.Previous(tail);
+  return tail;
+}
+
+/// The last piece of a block that is not blank.
+SourceLines::Piece RegDocument::BlockEnd(std::uint32_t header) const {
+  SourceLines::Piece end = TailOf(header);
+  while (end != SourceLines::kEnds && KindOf(end) == RegPiece::Blank) end = lines_.Previous(end);
+  return end;
+}
+
+/// A header line for a key that has none, behind the blocks below it, else below its parent, else at the end.
+void RegDocument::AddHeaderLine(RegNode* node) {
+  constexpr auto kHeaderKind = static_cast<std::uint8_t>(RegPiece::FileHeader);
+  constexpr auto kBlankKind = static_cast<std::uint8_t>(RegPiece::Blank);
+  if (lines_.First() == SourceLines::kEnds) lines_.InsertBehind(SourceLines::kEnds, HeaderOf(version_), kHeaderKind);
+  std::uint32_t behind = LastHeaderBelow(node);
+  if (behind == 0) behind = LastHeaderBelow(node->Parent());
+  if (behind == 0) behind = headers_[0].previous;
+  SourceLines::Piece place = BlockEnd(behind);
+  const std::string end(lines_.LineEndBehind(place));
+  const bool is_pair = version_ == RegVersion::Regedit;
+  const RegPiece above = behind == 0 ? RegPiece::Blank : KindOf(lines_.Previous(LeadOf(behind)));
+  const bool follows_directly = above != RegPiece::Blank && above != RegPiece::FileHeader;
+  if (place != SourceLines::kEnds && !follows_directly && !(is_pair && KindOf(place) != RegPiece::FileHeader))
+    place = lines_.InsertBehind(place, end, kBlankKind);
+  const std::string path = node->KeyPath();
+  const SourceLines::Piece piece = lines_.InsertBehind(place, is_pair ? path + end : '[' + path + ']' + end,
+                                                       static_cast<std::uint8_t>(RegPiece::Key));
+  LinkHeader(node, piece, behind);
+}
+
+/// Takes the lines of a node and all below it from the file. A comment node is its line.
+/// Returns the headers whose touching comments stood in one of these blocks, and stay.
+std::vector<std::uint32_t> RegDocument::RemoveBlocks(const RegNode* node) {
+  if (node->tag_ == RegTag::Comment) {
+    lines_.Remove(node->place_);
+    return {};
+  }
+  const auto is_of_node = [this, node](std::uint32_t header) {
+    const RegNode* at = headers_[header].node;
+    while (at != nullptr && at != node) at = at->parent_;
+    return at != nullptr;
+  };
+  struct Block {
+    std::uint32_t header;
+    SourceLines::Piece tail;
+  };
+  std::vector<Block> blocks;
+  std::vector<std::uint32_t> with_comments;
+  WalkKeys(*node, [&](const RegNode& below) {
+    if (below.tag_ == RegTag::Comment || below.place_ == 0) return true;
+    std::uint32_t header = below.place_;
+    do {
+      header = headers_[header].next_of_node;
+      const std::uint32_t next = headers_[header].next;
+      const SourceLines::Piece last = lines_.Previous(headers_[next].piece);
+      blocks.push_back({header, is_of_node(next) ? last : TailOf(header)});
+      if (blocks.back().tail != last) with_comments.push_back(next);
+    } while (header != below.place_);
+    ForEachRecordOf(&below, [this](std::size_t record) { values_[record].deleted = true; });
+    return true;
+  });
+  for (const auto& [header, tail] : blocks) {
+    for (SourceLines::Piece piece = headers_[header].piece; piece != tail; piece = lines_.Next(piece))
+      lines_.Remove(piece);
+    lines_.Remove(tail);
+    UnlinkHeader(header);
+  }
+  return with_comments;
+}
+
+}  // namespace tme

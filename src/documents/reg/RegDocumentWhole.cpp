@@ -1,0 +1,218 @@
+// The edits of whole holding.
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "documents/reg/RegDocument.h"
+#include "documents/reg/RegKeyWalk.h"
+
+namespace tme {
+
+namespace {
+
+constexpr auto kValuePiece = static_cast<std::uint8_t>(RegPiece::Value);
+
+/// The first line of a text, without its line end.
+std::string_view FirstLineOf(std::string_view text) { return text.substr(0, text.find_first_of("\r\n")); }
+
+/// Where the value's name and assignment stand in its piece.
+std::optional<RegValuePlace> PlaceIn(std::string_view text, RegPiece kind) {
+  const std::string_view line = FirstLineOf(text);
+  if (kind == RegPiece::Value) return FindRegValue(text, line.size());
+  const std::optional<RegPairPlace> pair = FindRegPair(line);
+  return pair ? std::optional(pair->place) : std::nullopt;
+}
+
+RegType TypeOf(std::string_view assignment, RegPiece kind) {
+  if (kind == RegPiece::Pair || assignment.starts_with('"')) return RegType::String;
+  if (assignment == "-") return RegType::None;
+  return assignment.starts_with('d') || assignment.starts_with('D') ? RegType::Dword : RegType::Hex;
+}
+
+int LevelOf(const RegNode* node) {
+  int level = -1;
+  while ((node = node->Parent()) != nullptr) ++level;
+  return level;
+}
+
+/// The component of a path that names a level, hives being 0. Empty components do not count.
+RegSpan ComponentOf(std::string_view path, int level) {
+  std::size_t at = path.find_first_not_of('\\');
+  for (; level > 0 && at != path.npos; --level)
+    at = path.find_first_not_of('\\', std::min(path.find('\\', at), path.size()));
+  at = std::min(at, path.size());
+  return {at, std::min(path.find('\\', at), path.size()) - at};
+}
+
+}  // namespace
+
+RegNode* RegDocument::AddKey(RegNode* parent, std::string_view name) {
+  observer_->BeforeInsert(*parent, parent->ChildCount());
+  RegNode* node = Append(parent, texts_.Copy(name), parent == root_.get() ? RegTag::Hive : RegTag::Branch);
+  AddHeaderLine(node);
+  ++revision_;
+  observer_->AfterInsert();
+  return node;
+}
+
+std::size_t RegDocument::AddValue(RegNode* key, std::string_view name, std::string_view assignment) {
+  const bool is_pair = version_ == RegVersion::Regedit;
+  if (key->place_ == 0) AddHeaderLine(key);
+  SourceLines::Piece place = BlockEnd(key->place_);
+  const std::string end(lines_.LineEndBehind(place));
+  const std::size_t record = values_.size();
+  if (is_pair) {
+    // Its own line, which says that the key is there, becomes the value's, or another one stands behind it.
+    const std::string line = key->KeyPath().append(" = ").append(assignment);
+    place = headers_[key->place_].piece;
+    if (KindOf(place) == RegPiece::Key) {
+      lines_.Replace(place, line + end);
+    } else {
+      const std::uint32_t behind = key->place_;
+      place = lines_.InsertBehind(BlockEnd(behind), line + end, kValuePiece);
+      LinkHeader(key, place, behind);
+    }
+    lines_.SetKind(place, static_cast<std::uint8_t>(RegPiece::Pair));
+  } else {
+    std::string line = QuotedRegName(name) + '=';
+    SourceLines::Piece above = place;
+    while (KindOf(above) == RegPiece::Comment || KindOf(above) == RegPiece::Other) above = lines_.Previous(above);
+    const std::string_view style = KindOf(above) == RegPiece::Value ? lines_.Text(above) : std::string_view();
+    if (const std::optional<RegValuePlace> like = PlaceIn(style, RegPiece::Value)) {
+      const std::size_t name_end = like->name.End();
+      line = std::string(style.substr(0, like->name.at)) + QuotedRegName(name);
+      line.append(style.substr(name_end, like->assignment.at - name_end));
+    }
+    line.append(WrapAssignment(line, assignment, end));
+    place = lines_.InsertBehind(place, line + end, kValuePiece);
+  }
+  AppendRecord(key, RegType::None, texts_.Copy(is_pair ? "" : name), texts_.Copy(assignment));
+  values_[record].piece = place;
+  FollowPiece(record);
+  ++revision_;
+  observer_->ValueAdded(record);
+  return record;
+}
+
+void RegDocument::SetAssignment(std::size_t record, std::string_view assignment) {
+  const SourceLines::Piece piece = values_[record].piece;
+  const std::string_view text = lines_.Text(piece);
+  const std::optional<RegValuePlace> place = PlaceIn(text, KindOf(piece));
+  if (!place) return;
+  const std::string end(lines_.LineEndBehind(piece));
+  const std::string wrapped = KindOf(piece) == RegPiece::Pair
+                                  ? std::string(assignment)
+                                  : WrapAssignment(text.substr(0, place->assignment.at), assignment, end);
+  if (place->assignment.Of(text) == wrapped) return;
+  ReplaceIn(piece, place->assignment, wrapped);
+  FollowPiece(record);
+  ValueHasChanged(record);
+}
+
+void RegDocument::RenameValue(std::size_t record, std::string_view name) {
+  RegValueRecord& value = values_[record];
+  const std::optional<RegValuePlace> place = PlaceIn(lines_.Text(value.piece), KindOf(value.piece));
+  if (value.name == name || !place || KindOf(value.piece) == RegPiece::Pair) return;
+  ReplaceIn(value.piece, place->name, QuotedRegName(name));
+  value.name = texts_.Copy(name);
+  FollowPiece(record);
+  ValueHasChanged(record);
+}
+
+void RegDocument::WriteDeletion(std::size_t record) { SetAssignment(record, "-"); }
+
+void RegDocument::DeleteValueLines(std::size_t record) {
+  const SourceLines::Piece piece = values_[record].piece;
+  if (KindOf(piece) == RegPiece::Pair) {
+    const std::string_view line = FirstLineOf(lines_.Text(piece));
+    const RegSpan path = FindRegPair(line)->place.name;
+    ReplaceIn(piece, {path.End(), line.size() - path.End()}, "");
+    lines_.SetKind(piece, static_cast<std::uint8_t>(RegPiece::Key));
+  } else {
+    lines_.Remove(piece);
+  }
+  values_[record].deleted = true;
+  ValueHasChanged(record);
+}
+
+RegNode* RegDocument::WriteDeletion(RegNode* key) {
+  std::uint32_t first = 0;
+  WalkKeys(*key, [&](const RegNode& node) {
+    if (node.tag_ != RegTag::Comment && node.place_ != 0) first = headers_[node.place_].next_of_node;
+    return first == 0;
+  });
+  const SourceLines::Piece above = first == 0 ? lines_.Last() : lines_.Previous(headers_[first].piece);
+  const std::string end(lines_.LineEndBehind(above));
+  const bool blank_follows = first != 0 && KindOf(TailOf(first)) == RegPiece::Blank;
+  const SourceLines::Piece piece =
+      lines_.InsertBehind(above, "[-" + key->KeyPath() + ']' + end, static_cast<std::uint8_t>(RegPiece::KeyDeletion));
+  if (blank_follows) lines_.InsertBehind(piece, end, static_cast<std::uint8_t>(RegPiece::Blank));
+  RegNode* parent = key->parent_;
+  observer_->BeforeInsert(*parent, key->Row());
+  RegNode* deletion = MakeNode(parent, key->Text(), RegTag::Deletion);
+  parent->children_->Insert(key->row_, deletion);
+  RenumberFrom(parent, key->row_);
+  ++node_count_;
+  LinkHeader(deletion, piece, first == 0 ? headers_[0].previous : headers_[first].previous);
+  observer_->AfterInsert();
+  const RegNode* selected = selected_;
+  while (selected != nullptr && selected != key) selected = selected->parent_;
+  if (selected == key) {
+    selected_ = deletion;
+    observer_->SelectionMoved();
+  }
+  RemoveKey(key);
+  return deletion;
+}
+
+void RegDocument::RenameKey(RegNode* key, std::string_view name) {
+  if (key->Text() == name) return;
+  const int level = LevelOf(key);
+  WalkKeys(*key, [&](const RegNode& node) {
+    if (node.tag_ == RegTag::Comment || node.place_ == 0) return true;
+    std::uint32_t header = node.place_;
+    do {
+      header = headers_[header].next_of_node;
+      const SourceLines::Piece piece = headers_[header].piece;
+      const std::string_view line = FirstLineOf(lines_.Text(piece));
+      const bool is_pair = version_ == RegVersion::Regedit;
+      const RegSpan path = is_pair ? FindRegPair(line)->place.name : FindRegHeader(line)->path;
+      RegSpan component = ComponentOf(path.Of(line), level);
+      component.at += path.at;
+      ReplaceIn(piece, component, name);
+    } while (header != node.place_);
+    return true;
+  });
+  ++revision_;
+  key->parent_->children_->ForgetTexts();
+  key->SetTextView(texts_.Copy(name));
+  observer_->TextChanged(*key);
+}
+
+void RegDocument::SetComment(RegNode* comment, std::string_view text) {
+  if (comment->Text() == text) return;
+  const std::string_view line = lines_.Text(comment->place_);
+  const std::size_t first = FirstText(line);
+  ReplaceIn(comment->place_, {first, comment->Text().size()}, text);
+  comment->SetTextView(texts_.Copy(text));
+  ++revision_;
+  observer_->TextChanged(*comment);
+}
+
+void RegDocument::ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text) {
+  const std::string_view old = lines_.Text(piece);
+  lines_.Replace(piece, std::string(old.substr(0, place.at)).append(text).append(old.substr(place.End())));
+}
+
+/// A record shows what its piece says.
+void RegDocument::FollowPiece(std::size_t record) {
+  RegValueRecord& value = values_[record];
+  const std::string_view text = lines_.Text(value.piece);
+  const std::optional<RegValuePlace> place = PlaceIn(text, KindOf(value.piece));
+  if (!place) return;
+  value.data = place->assignment.Of(text);
+  value.type = TypeOf(value.data, KindOf(value.piece));
+}
+
+}  // namespace tme
