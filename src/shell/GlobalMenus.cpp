@@ -141,6 +141,8 @@ constexpr std::array kRows{
     Row{"menu_Format", "menu_FormatBulleted", QT_TR_NOOP("Bulleted"), kRtf, "FormatBulleted"},
 
     OpenMenu("", "menu_View", QT_TR_NOOP("&View")),
+    Row{"menu_View", "menu_ViewWholeFile", QT_TR_NOOP("&Whole File"), kIni | kReg, "WholeFile"},
+    Separator("menu_View"),
     Row{"menu_View", "menu_ViewExpandAll", QT_TR_NOOP("&Expand All"), kIni, "ExpandAll"},
     Row{"menu_View", "menu_ViewCollaspeAlll", QT_TR_NOOP("&Collapse All"), kIni, "CollapseAll"},
 

@@ -29,14 +29,14 @@ std::optional<double> ParseNumber(const QString& text) {
 
 void Settings::ReadFrameGroup(const RegistryAccess& registry) {
   for (const Flag& flag : kFlags)
-    this->*flag.field = registry.ReadValue(SettingsRoot, QString::fromLatin1(flag.value_name)) == u"1";
+    this->*flag.field = registry.ReadValue(*flag.key, QString::fromLatin1(flag.value_name)) == u"1";
 }
 
 void Settings::SetFlag(bool Settings::*flag, bool on, RegistryAccess& registry) {
   this->*flag = on;
   const auto* const row =
       std::find_if(kFlags.begin(), kFlags.end(), [&](const Flag& each) { return each.field == flag; });
-  if (present) registry.WriteValue(SettingsRoot, QString::fromLatin1(row->value_name), on ? u"1"_s : u"0"_s);
+  if (present) registry.WriteValue(*row->key, QString::fromLatin1(row->value_name), on ? u"1"_s : u"0"_s);
 }
 
 void Settings::ReadTxtGroup(const RegistryAccess& registry) {

@@ -11,6 +11,7 @@ namespace tme {
 
 /// Keys and value names of the settings store. Values are texts; a flag is true exactly when its text is "1".
 inline const QString kMruKey = SettingsRoot + QStringLiteral("\\MRU");
+inline const QString kIniKey = SettingsRoot + QStringLiteral("\\INI Editor");
 inline const QString kTxtKey = SettingsRoot + QStringLiteral("\\TXT Editor");
 inline const QString kRtfKey = SettingsRoot + QStringLiteral("\\RTF Editor");
 inline const QString kRegKey = SettingsRoot + QStringLiteral("\\REG Editor");
@@ -53,6 +54,7 @@ struct Settings {
 struct Flag {
   bool Settings::*field;
   const char* value_name;
+  const QString* key = &SettingsRoot;
 };
 /// In the order in which the options are written.
 inline constexpr std::array kFlags{
@@ -61,6 +63,8 @@ inline constexpr std::array kFlags{
     Flag{&Settings::start_editors_max, "Start Editors Max"},
     Flag{&Settings::multi_select, "MultiSelect"},
     Flag{&Settings::word_wrap, "Word Wrap"},
+    Flag{&Settings::ini_whole, "Whole File", &kIniKey},
+    Flag{&Settings::reg_whole, "Whole File", &kRegKey},
 };
 
 /// A finite number, blanks around it allowed; nothing for anything else.

@@ -1,6 +1,11 @@
 #include "shell/TreeDocumentWindow.h"
 
+#include <QLabel>
+
+#include "shell/DocumentArea.h"
 #include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/PlainText.h"
 #include "shell/Settings.h"
 #include "system/Dialogs.h"
 
@@ -9,9 +14,51 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+constexpr int kBadgeMargin = 4;  // pixels
+
 constexpr Holding OtherThan(Holding holding) { return holding == Holding::Whole ? Holding::ByRules : Holding::Whole; }
 
 }  // namespace
+
+QWidget* TreeDocumentWindow::MakeBadge(QWidget* parent) {
+  badge_ = PlainLabel({}, parent);
+  badge_->setObjectName(u"holding_badge"_s);
+  badge_->setContentsMargins(kBadgeMargin, 0, kBadgeMargin, 0);
+  badge_->setAlignment(Qt::AlignBottom);
+  badge_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  ShowHolding();
+  return badge_;
+}
+
+void TreeDocumentWindow::ShowHolding() {
+  if (!badge_) return;
+  const bool is_whole = GetHolding() == Holding::Whole;
+  badge_->setText(is_whole ? tr("whole") : tr("by the rules"));
+  badge_->setAccessibleName(is_whole ? tr("The file is held whole") : tr("The file is held by the rules"));
+  SetTip(*badge_, is_whole
+                      ? tr("All of the file is kept and shown, and an edit changes its own lines alone.  View, Whole "
+                           "File changes that.")
+                      : tr("The file is read by the editor's rules: what they do not take is left out, and the rest "
+                           "gets their order and form.  View, Whole File keeps all of it."));
+  badge_->setVisible(CanHoldWhole());
+}
+
+void TreeDocumentWindow::UpdateCommands() {
+  if (global_.area.ActiveDocument() == this)
+    global_.menus.SetChecked("menu_ViewWholeFile", GetHolding() == Holding::Whole);
+}
+
+std::vector<NoticeAction> TreeDocumentWindow::HoldingButton() {
+  if (!CanHoldWhole()) return {};
+  const bool is_whole = GetHolding() == Holding::Whole;
+  return {{is_whole ? tr("Show by the Rules") : tr("Show the Whole File"), [this] { WholeFile(); }}};
+}
+
+void TreeDocumentWindow::SetHolding(Holding holding) {
+  file_.Hold(CanHoldWhole() ? holding : Holding::ByRules);
+  ShowHolding();
+  TreeDocumentWindow::UpdateCommands();
+}
 
 void TreeDocumentWindow::HoldAsSettings() {
   SetHolding(global_.settings.*always_whole_ ? Holding::Whole : Holding::ByRules);
@@ -83,6 +130,7 @@ void TreeDocumentWindow::WholeFile() {
   }
   const bool is_taken = ReadBytes(std::move(bytes), OtherThan(before)) == ReadEnd::Taken;
   if (!is_taken) ReadBytes(content, before);
+  setFocus();  // it may have been on a button of the notice, which is gone
   if (has_file && is_taken) return;
   // As before: what it holds now is in the file only if it was.
   if (is_modified)

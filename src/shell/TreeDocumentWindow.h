@@ -3,6 +3,8 @@
 #include "documents/Holding.h"
 #include "shell/DocumentWindow.h"
 
+class QLabel;
+
 namespace tme {
 
 struct Settings;
@@ -27,6 +29,12 @@ class TreeDocumentWindow : public DocumentWindow {
   Q_INVOKABLE void WholeFile();
 
  protected:
+  /// The window's badge, which says how the document is held; owned by the window's controls.
+  QWidget* MakeBadge(QWidget* parent);
+  void UpdateCommands() override;
+  /// For a notice about what the holding means for the document: the button to the other one.
+  std::vector<NoticeAction> HoldingButton();
+
   /// How the reading of a text went.
   enum class ReadEnd : std::uint8_t {
     Taken,         ///< as far as the holding takes it
@@ -55,9 +63,11 @@ class TreeDocumentWindow : public DocumentWindow {
   bool ConfirmSwitch();
   /// Reads bytes into the document in a holding, and clears what was said of it before.
   ReadEnd ReadBytes(std::string bytes, Holding holding);
-  void SetHolding(Holding holding) { file_.Hold(CanHoldWhole() ? holding : Holding::ByRules); }
+  void SetHolding(Holding holding);
+  void ShowHolding();
 
   bool Settings::*const always_whole_;
+  QLabel* badge_ = nullptr;
 };
 
 }  // namespace tme

@@ -69,6 +69,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->setAccessibleName(tr("Sections and entries"));
   TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
   TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  TV->addScrollBarWidget(MakeBadge(TV), Qt::AlignRight);
   TV->setModel(model_.get());
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
@@ -172,7 +173,10 @@ void form_INI::TV_NodeClick() {
   menus.SetAvailable("menu_SectionsDelete", on_section);
 }
 
-void form_INI::UpdateCommands() { TV_NodeClick(); }
+void form_INI::UpdateCommands() {
+  TreeDocumentWindow::UpdateCommands();
+  TV_NodeClick();
+}
 
 void form_INI::RestoreView() {
   const IniNode* root = tree_.Root();
@@ -217,7 +221,7 @@ form_INI::ReadEnd form_INI::ReadText(std::string text) {
   tree_.Reset(file_.Title().toStdString());
   const IniReadResult result = Read(std::move(text));
   MarkRead(LeftOutOf(result));
-  AddNotice(NoticeOf(result, tr("The file")));
+  AddNotice(NoticeOf(result, tr("The file")), HoldingButton());
   return ReadEnd::Taken;
 }
 

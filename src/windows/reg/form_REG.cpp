@@ -80,6 +80,7 @@ void form_REG::BuildControls(QWidget& client) {
   PB = make_bar(u"PB"_s, tr("Lines read"));
   PB2 = make_bar(u"PB2"_s, tr("Stage within the line"));
   PB2->setMaximum(kStages);
+  status->addWidget(MakeBadge(&client));
   column->addLayout(status);
   new ViewZoom({TV, LV}, this);
   setFocusProxy(TV);
@@ -160,6 +161,7 @@ void form_REG::SetFocusMarker(Focus focus) {
 }
 
 void form_REG::UpdateCommands() {
+  TreeDocumentWindow::UpdateCommands();
   if (global_.area.ActiveDocument() != this) return;
   GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);

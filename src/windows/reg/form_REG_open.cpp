@@ -61,7 +61,7 @@ form_REG::ReadEnd form_REG::ReadText(std::string text) {
     case RegReadEnd::LargeFileRefused:
       TV->show();
       SetLocation({});
-      AddNotice(tr("Nothing of the file was read. A save would put an empty document in its place."));
+      AddNotice(tr("Nothing of the file was read. A save would put an empty document in its place."), HoldingButton());
       break;
     case RegReadEnd::UnknownHive:
       // Intended: the import just stops; the bars, the label and the hidden tree stay as they are.
@@ -80,8 +80,8 @@ form_REG::ReadEnd form_REG::ReadText(std::string text) {
     const bool is_unsaid = left_out.isEmpty() && result.end != RegReadEnd::EndOfInput;
     MarkRead(is_unsaid ? std::nullopt : std::optional(left_out));
   }
-  AddNotice(NoticeOf(result));
-  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave));
+  AddNotice(NoticeOf(result), HoldingButton());
+  AddNotice(NoticeOf(LossesOf(document_, RegLayout::Expanded), RegNoticeTime::BeforeSave), HoldingButton());
   if (result.end == RegReadEnd::EndOfInput && !result.error_log.empty()) ReportErrors(result.error_log);
   return is_taken ? ReadEnd::Taken : ReadEnd::NothingTaken;
 }
