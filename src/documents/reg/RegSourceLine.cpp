@@ -84,6 +84,7 @@ std::optional<RegValuePlace> FindRegValue(std::string_view text, std::size_t lin
   const std::string_view line = text.substr(0, line_size);
   RegValuePlace place;
   place.name.at = FirstText(line);
+  if (place.name.at == line.size()) return std::nullopt;
   std::optional<std::size_t> end = place.name.at + 1;
   if (line[place.name.at] == '"') end = BehindQuoted(line, place.name.at);
   if (!end) return std::nullopt;
