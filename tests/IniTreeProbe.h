@@ -10,6 +10,7 @@
 #include "TreeMirror.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniTree.h"
+#include "documents/ini/IniWriter.h"
 
 namespace tme {
 
@@ -36,6 +37,18 @@ inline IniNode* FindNode(const IniTree& tree, std::string_view text) {
 /// Reads at the selected node, the root of a new tree; overwrites duplicates.
 inline IniReadResult ReadInto(IniTree& tree, std::string text) {
   return ReadIni(tree, std::move(text), {[](std::string_view) { return true; }});
+}
+
+/// Reads a text into whole holding.
+inline void ReadWhole(IniTree& tree, std::string text) {
+  tree.Reset("f.ini", Holding::Whole);
+  ReadWholeIni(tree, std::move(text));
+}
+
+inline std::string WholeText(const IniTree& tree) {
+  std::string text;
+  EXPECT_TRUE(WriteIni(tree, [&](std::string_view part) { return text += part, true; }));
+  return text;
 }
 
 using IniMirror = TreeMirror<IniTree, IniNode, IniTreeObserver>;

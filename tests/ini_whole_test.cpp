@@ -15,17 +15,6 @@ using namespace std::string_literals;
 namespace tme {
 namespace {
 
-void ReadWhole(IniTree& tree, std::string text) {
-  tree.Reset("f.ini", Holding::Whole);
-  ReadWholeIni(tree, std::move(text));
-}
-
-std::string WholeText(const IniTree& tree) {
-  std::string text;
-  EXPECT_TRUE(WriteIni(tree, [&](std::string_view part) { return text += part, true; }));
-  return text;
-}
-
 TEST(IniWhole, PartsOfLines) {
   const std::pair<const char*, const char*> names[] = {
       {"[a]", "a"},          {" \t[a] ", "a"},     {"[ a ]", " a "}, {"[a", "a"},   {"[", ""},       {"[]", ""},
@@ -172,6 +161,57 @@ TEST(IniWhole, RefusesWhatWouldBeReadOtherwise) {
                for (const char* name : {"a\nb", "a]"}) EXPECT_FALSE(t.SetText(section, name)) << name;
              },
              file}});
+}
+
+TEST(IniWhole, RemovesLinesAndWhatBelongsToThem) {
+  const auto remove = [](T t) { t.Remove(t.Selected()); };
+  const auto with_comments = [](T t) { t.RemoveWithComments(t.Selected()); };
+  const auto key = [](T t) { t.RemoveSelectedKey(); };
+  RunWhole({
+      {"[s]\n;c\nk=v\n\nx\n", "k=v", remove, "[s]\n;c\n\nx\n", "[s|(;c)|x]", "x"},
+      {"[s]\n;b\n\n;c\n#d\nk=v\nx", "k=v", with_comments, "[s]\n;b\n\nx", "[s|(;b)|x]", "x"},
+      {"[s]\n;c\n;d\n", ";d", with_comments, "[s]\n;c\n"},
+      {"a\n[s]\nk=v", "k=v", remove, "a\n[s]\n", "a[s]", "s"},
+      // A section leaves the comments of the next one, and one run of blank lines.
+      {"a\n\n;s\n[s]\nk\n\n;t\n[t]\nl\n", "s", remove, "a\n\n;s\n\n;t\n[t]\nl\n", "a(;s)(;t)[t|l]", "t"},
+      {"a\n\n;s\n[s]\nk\n\n;t\n[t]\nl\n", "s", with_comments, "a\n\n;t\n[t]\nl\n", "a(;t)[t|l]", "t"},
+      {"[a]\nx\n[s]\nk\n\n\n[t]\n", "s", remove, "[a]\nx\n\n\n[t]\n", "[a|x][t]", "t"},
+      {"[a]\n\n[s]\n;t\n[t]\n", "s", remove, "[a]\n\n;t\n[t]\n", "[a|(;t)][t]", "t"},
+      {"[s]\r\nk\r\n[t]", "t", remove, "[s]\r\nk\r\n", "[s|k]", "s"},
+      {"[s]\n;c\n", "s", with_comments, "", "", "f.ini"},
+      {"x\n[s]\nKey = 1\nkey\nkeys=2\n;key\n[key]\nKEY=3\nl\n", "KEY=3", key, "x\n[s]\nkeys=2\n;key\n[key]\nl\n",
+       "x[s|keys=2|(;key)][key|l]", "l"},
+      {"[s]\nk\n", "s", [](T t) { t.Clear(); }, "", "", "f.ini"},
+  });
+}
+
+TEST(IniWhole, PastesEveryLine) {
+  const auto paste = [](const char* text) { return [=](T t) { t.Paste(text); }; };
+  const auto cut_and_paste_on = [](const char* place) {
+    return [=](T t) {
+      const std::string text = ClipboardText(t, *t.Selected());
+      t.RemoveWithComments(t.Selected());
+      t.Select(FindNode(t, place));
+      t.Paste(text);
+    };
+  };
+  RunWhole({
+      {"[s]\r\nx\r\n\r\n[t]\r\n", "s", paste("a=1\n\n;c\n b"), "[s]\r\nx\r\na=1\r\n\r\n;c\r\n b\r\n\r\n[t]\r\n",
+       "[s|x|a=1|(;c)|b][t]", "a=1"},
+      {"[s]\nx\ny", "x", paste("a"), "[s]\nx\ny\na", nullptr, "a"},
+      {"x\n\n[s]\n", "", paste("a\n"), "x\na\n\n[s]\n", "xa[s]", "a"},
+      {"", "", paste("\n;c\n[s]\na"), "\r\n;c\r\n[s]\r\na\r\n", "(;c)[s|a]", "s"},
+      {"[s]\n", "s", paste("\n"), "[s]\n\n", "[s]", "s"},
+      {"[s]\n\n;t\n[t]\n", "s", paste("a\n;b\n[b]\nc\n[s]"), "[s]\na\n\n;b\n[b]\nc\n[s]\n\n;t\n[t]\n",
+       "[s|a|(;b)][b|c][s|(;t)][t]", "a"},
+      {"[s]\nk\n[t]\nl", "k", paste("[b]\n;c"), "[s]\nk\n[b]\n;c\n[t]\nl", "[s|k][b|(;c)][t|l]", "b"},
+      {"a\n[s]\nk", "", paste("b\n[c]"), "a\nb\n[s]\nk\n[c]", "ab[s|k][c]", "b"},
+      {"[a]\nx\n\n; of b\n[b]\ny\n\n[c]\nz\n", "b", cut_and_paste_on("c"), "[a]\nx\n\n[c]\nz\n\n; of b\n[b]\ny\n\n",
+       "[a|x][c|z|(; of b)][b|y]", "b"},
+      {"[a]\n;c\nx=1\n\n[b]\n  y=2\n", "x=1", cut_and_paste_on("b"), "[a]\n\n[b]\n  y=2\n;c\nx=1\n",
+       "[a][b|y=2|(;c)|x=1]", ";c"},
+      {"x\n[a]\ny", "", cut_and_paste_on(""), "x\nx\n[a]\ny\n[a]\ny"},
+  });
 }
 
 }  // namespace

@@ -137,6 +137,7 @@ void IniTree::MoveBlock(const std::vector<IniNode*>& block, IniNode* from, IniNo
 void IniTree::InsertAll(IniNode* parent, std::size_t row, const std::vector<IniNode*>& nodes) {
   if (nodes.empty()) return;
   IniNode::Children& children = ChildrenOf(parent);
+  if (arrangement_ == IniArrangement::ByName) row = children.size();
   children.insert(children.begin() + static_cast<std::ptrdiff_t>(row), nodes.begin(), nodes.end());
   NumberChildren(parent, row);
   for (IniNode* node : nodes) node->parent_ = parent;
@@ -199,8 +200,8 @@ void IniTree::PasteSections(Piece place, std::string_view text, IniNode* parent,
   const std::vector<IniNode*> own_block(nodes.begin(), first), sections(first, nodes.end());
   MoveBlock(next_block, parent, sections.back());
   InsertAll(parent, row, own_block);
-  const bool is_last = parent == root_.get() || arrangement_ == IniArrangement::ByName;
-  InsertAll(root_.get(), is_last ? static_cast<std::size_t>(root_->ChildCount()) : parent->row_ + std::size_t{1},
+  const bool has_none = parent == root_.get();
+  InsertAll(root_.get(), has_none ? static_cast<std::size_t>(root_->ChildCount()) : parent->row_ + std::size_t{1},
             sections);
   pasted.insert(pasted.end(), sections.begin(), sections.end());
 }
