@@ -145,6 +145,7 @@ constexpr std::array kRows{
     Separator("menu_View"),
     Row{"menu_View", "menu_ViewExpandAll", QT_TR_NOOP("&Expand All"), kIni, "ExpandAll"},
     Row{"menu_View", "menu_ViewCollaspeAlll", QT_TR_NOOP("&Collapse All"), kIni, "CollapseAll"},
+    Row{"menu_View", "menu_ViewSortByName", QT_TR_NOOP("&Sort by Name"), kIni, "SortByName"},
 
     OpenMenu("", "menu_Tools", QT_TR_NOOP("&Tools")),
     Row{"menu_Tools", "menu_FeatureDIR", QT_TR_NOOP("Gather &DIR list"), kAlways, nullptr},

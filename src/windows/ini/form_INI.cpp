@@ -4,6 +4,7 @@
 #include <QMdiSubWindow>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QTextEdit>
 #include <QTreeView>
@@ -74,6 +75,8 @@ void form_INI::BuildTreeView(QWidget& client) {
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 
+  connect(model_.get(), &QAbstractItemModel::modelAboutToBeReset, this,
+          [this] { scrolled_ = TV->verticalScrollBar()->value(); });
   connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
   connect(model_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_INI::ShowSelection);
   connect(TV, &QTreeView::expanded, this,
@@ -156,19 +159,19 @@ void form_INI::Form_Resize() {
 void form_INI::TV_NodeClick() {
   const IniTag tag = tree_.Selected()->Tag();
   const bool has_sections = tree_.SectionCount() > 0;
-  const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section;
+  const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section, on_comment = tag == IniTag::Comments;
   cmd_DeleteSection->setEnabled(on_section);
   cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
   const IniNode* parent = tree_.Selected()->Parent();
-  cmd_AddValue->setEnabled(on_section || (parent != nullptr && parent != tree_.Root()));
-  cmd_DeleteValue->setEnabled(on_entry || tag == IniTag::Comments);
+  cmd_AddValue->setEnabled(IsWhole() || on_section || (parent != nullptr && parent != tree_.Root()));
+  cmd_DeleteValue->setEnabled(on_entry || on_comment);
   if (global_.area.ActiveDocument() != this) return;
   GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditAddToAll", has_sections);
-  // A comment leaves the other items as they were; intended.
-  if (tag == IniTag::Comments) return;
-  menus.SetAvailable("menu_EditAddKeyValue", on_section || on_entry);
-  menus.SetAvailable("menu_EditDeleteValue", on_entry);
+  // By the rules a comment leaves the other items as they were; intended.
+  if (on_comment && !IsWhole()) return;
+  menus.SetAvailable("menu_EditAddKeyValue", IsWhole() || on_section || on_entry);
+  menus.SetAvailable("menu_EditDeleteValue", on_entry || on_comment);
   menus.SetAvailable("menu_EditRemovefromAll", on_entry);
   menus.SetAvailable("menu_SectionsDelete", on_section);
 }
@@ -176,6 +179,13 @@ void form_INI::TV_NodeClick() {
 void form_INI::UpdateCommands() {
   TreeDocumentWindow::UpdateCommands();
   TV_NodeClick();
+  ShowArrangement();
+}
+
+void form_INI::ShowArrangement() {
+  if (global_.area.ActiveDocument() != this) return;
+  global_.menus.SetHidden(u"menu_ViewSortByName"_s, !IsWhole());
+  global_.menus.SetChecked("menu_ViewSortByName", tree_.Arrangement() == IniArrangement::ByName);
 }
 
 void form_INI::RestoreView() {
@@ -186,6 +196,9 @@ void form_INI::RestoreView() {
     if (child->Expanded()) TV->setExpanded(model_->IndexOf(child), true);
   }
   ShowSelection();
+  TV->verticalScrollBar()->setValue(scrolled_);
+  TV->scrollTo(TV->currentIndex());
+  ShowArrangement();
 }
 
 void form_INI::ShowSelection() {
@@ -198,7 +211,7 @@ void form_INI::NewINI() {
   TakeSlotForNew();
   HoldAsSettings();
   is_8bit_ = false;
-  tree_.Reset(file_.Title().toStdString());
+  tree_.Reset(file_.Title().toStdString(), GetHolding());
   tree_.SetExpanded(tree_.Root(), true);
   RestoreView();
   ShowNew();
@@ -218,7 +231,14 @@ void form_INI::OpenINI() {
 
 form_INI::ReadEnd form_INI::ReadText(std::string text) {
   is_8bit_ = Is8Bit(file_.Format(), text);
-  tree_.Reset(file_.Title().toStdString());
+  tree_.Reset(file_.Title().toStdString(), GetHolding());
+  if (IsWhole()) {
+    const WaitCursor wait_cursor;
+    ReadWholeIni(tree_, std::move(text));
+    RestoreView();
+    MarkRead(QString());
+    return ReadEnd::Taken;
+  }
   const IniReadResult result = Read(std::move(text));
   MarkRead(LeftOutOf(result));
   AddNotice(NoticeOf(result, tr("The file")), HoldingButton());
@@ -251,9 +271,11 @@ TextFormat form_INI::FormatToWrite() const {
 
 PartProducer form_INI::Producer() {
   return [this](const PartSink& put) {
-    const std::string text = WriteIni(tree_);
-    wrote_ascii_ = IsAscii(text);
-    return put(text);
+    wrote_ascii_ = true;
+    return WriteIni(tree_, [&](std::string_view part) {
+      wrote_ascii_ = wrote_ascii_ && IsAscii(part);
+      return put(part);
+    });
   };
 }
 

@@ -36,7 +36,7 @@ class form_INI : public TreeDocumentWindow {
 
   Q_INVOKABLE void EditCut();
   Q_INVOKABLE void EditCopy();
-  /// Reads the clipboard below the selected node. Does not mark the document changed; intended.
+  /// Reads the clipboard below the selected node. By the rules this does not mark the document changed; intended.
   Q_INVOKABLE void EditPaste();
   Q_INVOKABLE void PasteNewSection();
   Q_INVOKABLE void EditDelete();
@@ -48,6 +48,10 @@ class form_INI : public TreeDocumentWindow {
   Q_INVOKABLE void DeleteAllNodes();
   Q_INVOKABLE void ExpandAll();
   Q_INVOKABLE void CollapseAll();
+  /// In whole holding: arranges the tree by name, or as in the file again. The file stays as it is.
+  Q_INVOKABLE void SortByName();
+
+  bool CanHoldWhole() const override { return true; }
 
   /// The document as it stands.
   const IniTree& Tree() const { return tree_; }
@@ -74,12 +78,14 @@ class form_INI : public TreeDocumentWindow {
   void TV_NodeClick();
   void RestoreView();
   void ShowSelection();
+  void ShowArrangement();
 
   void cmd_Edit_Click();
   void EditEntry(IniNode* node);
   void EditText(IniNode* node, const QString& prompt, const QString& title);
   void DeleteWhenConfirmed(IniNode* node, const QString& label);
-  void AddEntryTo(IniNode* section, const QString& key, const QString& value);
+  void SayRefused();
+  bool IsWhole() const { return tree_.Holding() == Holding::Whole; }
   IniReadResult Read(std::string text);
 
   IniTree tree_;
@@ -91,6 +97,8 @@ class form_INI : public TreeDocumentWindow {
   bool wrote_ascii_ = false;  ///< what Producer gave last
   std::unique_ptr<IniItemModel> model_;
   QTreeView* TV = nullptr;
+  /// Of the view before the model was reset.
+  int scrolled_ = 0;
   QTextEdit* RTFPrintBox = nullptr;
   QPushButton* cmd_AddSection = nullptr;
   QPushButton* cmd_DeleteSection = nullptr;

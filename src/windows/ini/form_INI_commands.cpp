@@ -38,28 +38,41 @@ void form_INI::AddSection() {
     if (tree_.IsUniqueSectionName(name.toStdString())) break;
     prompt = tr("This name already exists in the INI file.  Please enter a unique name for the new section.");
   }
-  tree_.Select(tree_.AddSection(name.toStdString()));
+  IniNode* section = tree_.AddSection(name.toStdString());
+  if (!section) return SayRefused();
+  tree_.Select(section);
   TV->expand(model_->IndexOf(tree_.Root()));
   ShowSelection();
   SetChanged(true);
 }
 
-void form_INI::AddEntryTo(IniNode* section, const QString& key, const QString& value) {
-  tree_.Select(tree_.AddEntry(section, key.toStdString(), value.toStdString()));
-  TV->expand(model_->IndexOf(section));
-  ShowSelection();
-  SetChanged(true);
+/// What the tree would not take, because its line would be read as something else.
+void form_INI::SayRefused() {
+  global_.dialogs.MsgBox(
+      tr("The file cannot hold this.  Read again, it would be something else: a line that begins with "
+         "\"[\" is a section, the name of a section ends at its \"]\", and a line has no end "
+         "within."),
+      MsgButtons::Ok, MsgIcon::Warning, tr("Whole File"));
 }
 
 void form_INI::AddValue() {
   IniNode* section = tree_.Selected();
   if (section->Tag() == IniTag::Value || section->Tag() == IniTag::Comments) section = section->Parent();
-  if (section->Tag() != IniTag::Section) return;
-  form_ADE dialog(this, tr("Add Key/Value to section %1").arg(DisplayText(section->Text(), kMaxCharactersInMessage)),
+  const bool on_section = section->Tag() == IniTag::Section;
+  if (!on_section && !IsWhole()) return;
+  form_ADE dialog(this,
+                  on_section
+                      ? tr("Add Key/Value to section %1").arg(DisplayText(section->Text(), kMaxCharactersInMessage))
+                      : tr("Add Key/Value before the first section"),
                   form_ADE::DeleteButton::Hidden);
   dialog.exec();
   if (dialog.Key().isEmpty() || dialog.Value() == form_ADE::kCancelled) return;
-  AddEntryTo(section, dialog.Key(), dialog.Value());
+  IniNode* entry = tree_.AddEntry(section, dialog.Key().toStdString(), dialog.Value().toStdString());
+  if (!entry) return SayRefused();
+  tree_.Select(entry);
+  TV->expand(model_->IndexOf(section));
+  ShowSelection();
+  SetChanged(true);
 }
 
 void form_INI::AddSectionToAll() {
@@ -67,7 +80,7 @@ void form_INI::AddSectionToAll() {
   dialog.exec();
   if (dialog.Key().isEmpty()) return;
   const WaitCursor wait_cursor;
-  tree_.AddEntryToAllSections(dialog.Key().toStdString(), dialog.Value().toStdString());
+  if (!tree_.AddEntryToAllSections(dialog.Key().toStdString(), dialog.Value().toStdString())) return SayRefused();
   SetChanged(true);
 }
 
@@ -86,13 +99,17 @@ void form_INI::cmd_Edit_Click() {
 }
 
 void form_INI::EditEntry(IniNode* node) {
-  form_ADE dialog(this, tr("Edit %1 Section").arg(DisplayText(node->Parent()->Text(), kMaxCharactersInMessage)),
-                  form_ADE::DeleteButton::Shown);
+  const QString section = DisplayText(node->Parent()->Text(), kMaxCharactersInMessage);
+  form_ADE dialog(
+      this,
+      node->Parent() == tree_.Root() ? tr("Edit Line Before the First Section") : tr("Edit %1 Section").arg(section),
+      form_ADE::DeleteButton::Shown);
   const QString old_key = TextOf(tree_.KeyOf(*node)), old_value = TextOf(tree_.ValueOf(*node));
   dialog.SetEntry(old_key, old_value);
   dialog.exec();
   const QString value = dialog.Value();
-  if (value.isEmpty()) {
+  // A file that is held whole may have keys without values.
+  if (value.isEmpty() && (!IsWhole() || dialog.Key().isEmpty())) {
     if (global_.dialogs.MsgBox(tr("There is no value listed for the Key.  Delete this entry?"), MsgButtons::YesNo,
                                MsgIcon::Question, tr("Entry Delete")) != MsgAnswer::Yes)
       return;
@@ -102,13 +119,16 @@ void form_INI::EditEntry(IniNode* node) {
   }
   if (value == form_ADE::kCancelled) return;
   if (value == form_ADE::kDelete) return DeleteValue();
-  const QString new_key = TrimBlanks(dialog.Key()), new_value = TrimBlanks(value);
+  // Quotes that are not shown may keep blanks.
+  const QString new_key = TrimBlanks(dialog.Key()), new_value = IsWhole() ? value : TrimBlanks(value);
   // The same boxes again change nothing, bytes that are not text included.
   if (new_key == old_key && new_value == old_value) return;
   const auto bytes = [](const QString& now, const QString& before, std::string_view old) {
     return now == before ? std::string(old) : now.toStdString();
   };
-  tree_.SetEntry(node, bytes(new_key, old_key, tree_.KeyOf(*node)), bytes(new_value, old_value, tree_.ValueOf(*node)));
+  if (!tree_.SetEntry(node, bytes(new_key, old_key, tree_.KeyOf(*node)),
+                      bytes(new_value, old_value, tree_.ValueOf(*node))))
+    return SayRefused();
   SetChanged(true);
   ShowSelection();
 }
@@ -117,8 +137,9 @@ void form_INI::EditText(IniNode* node, const QString& prompt, const QString& tit
   const QString old_text = TextOf(node->Text());
   const QString text = global_.dialogs.InputBox(prompt, title, old_text);
   if (text.isEmpty() || text == old_text) return;
-  tree_.SetText(node, text.toStdString());
+  if (!tree_.SetText(node, text.toStdString())) return SayRefused();
   SetChanged(true);
+  TV_NodeClick();
 }
 
 void form_INI::DeleteWhenConfirmed(IniNode* node, const QString& label) {
@@ -179,6 +200,12 @@ void form_INI::CollapseAll() {
   ShowSelection();
 }
 
+void form_INI::SortByName() {
+  if (!IsWhole()) return;
+  const WaitCursor wait_cursor;
+  tree_.Arrange(tree_.Arrangement() == IniArrangement::AsInFile ? IniArrangement::ByName : IniArrangement::AsInFile);
+}
+
 void form_INI::EditCopy() {
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
@@ -189,11 +216,11 @@ void form_INI::EditCopy() {
 void form_INI::EditCut() {
   EditCopy();
   const IniTag tag = tree_.Selected()->Tag();
-  // A comment is neither copied nor removed; intended.
-  if (tag == IniTag::Value || tag == IniTag::Section) {
-    tree_.Remove(tree_.Selected());
+  // By the rules a comment is neither copied nor removed; intended.
+  if (tag == IniTag::Value || tag == IniTag::Section || (tag == IniTag::Comments && IsWhole())) {
+    tree_.RemoveWithComments(tree_.Selected());
     SetChanged(true);
-  } else if (tag == IniTag::OpenedFile && tree_.SectionCount() > 0) {
+  } else if (tag == IniTag::OpenedFile && (IsWhole() ? tree_.NodeCount() > 1 : tree_.SectionCount() > 0)) {
     tree_.Clear();
     SetChanged(true);
   }
@@ -202,6 +229,12 @@ void form_INI::EditCut() {
 void form_INI::EditPaste() {
   const QString text = QGuiApplication::clipboard()->text();
   if (text.isEmpty()) return;
+  if (IsWhole()) {
+    const WaitCursor wait_cursor;
+    tree_.Paste(text.toStdString());
+    SetChanged(true);
+    return;
+  }
   IniReadResult result = Read(text.toStdString());
   // Whoever refused a section knows.
   if (result.end == IniReadEnd::DuplicateRefused) result.ended_at_line = 0;
