@@ -146,7 +146,7 @@ void RegDocument::RemoveKey(RegNode* node) {
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
-  std::vector<std::uint32_t> left_behind;
+  std::vector<Lead> left_behind;
   if (holding_ == Holding::Whole) left_behind = RemoveBlocks(node);
   WalkKeys(*node, [this](const RegNode&) {
     --node_count_;
@@ -159,7 +159,8 @@ void RegDocument::RemoveKey(RegNode* node) {
   ++revision_;
   observer_->AfterRemove();
   if (selection_moves) observer_->SelectionMoved();
-  if (comments_ == RegComments::Shown) std::ranges::for_each(left_behind, [this](auto h) { AdoptComments(h); });
+  if (comments_ == RegComments::Shown)
+    std::ranges::for_each(left_behind, [this](const Lead& lead) { AdoptComments(lead); });
 }
 
 void RegDocument::Reset(std::string_view title) {

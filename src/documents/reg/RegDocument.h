@@ -121,6 +121,23 @@ struct RegValueRecord {
   SourceLines::Piece piece = SourceLines::kEnds;
 };
 
+/// A key's or deletion's block of lines in a whole document.
+struct RegBlock {
+  const RegNode* node;
+  /// The first line of the comment that touches the header, else the header.
+  SourceLines::Piece lead;
+  /// Behind it: the lead of the next block, or kEnds.
+  SourceLines::Piece end;
+};
+
+/// What a paste put in.
+struct RegPasteResult {
+  std::size_t keys = 0;
+  std::size_t values = 0;
+  /// Values that the document's version cannot say, or that would be the root's.
+  std::size_t left_out = 0;
+};
+
 /// Learns of changes of the values, too.
 class RegDocumentObserver : public TreeObserver<RegNode> {
  public:
@@ -140,6 +157,7 @@ class RegDocument {
  public:
   /// What readers fill a document with (RegDocumentLoad.h).
   class Load;
+  class Pasting;
 
   explicit RegDocument(std::string_view title = "New Registry File");
   ~RegDocument();
@@ -192,6 +210,15 @@ class RegDocument {
     ForEachRecordOf(node, [this, &visit](std::size_t record) { visit(values_[record]); });
   }
 
+  /// Whole holding: calls visit(block) in the order of the file.
+  template <typename Visit>
+  void ForEachBlock(Visit visit) const {
+    for (std::uint32_t at = headers_[0].next; at != 0; at = headers_[at].next) {
+      const std::uint32_t next = headers_[at].next;
+      visit(RegBlock{headers_[at].node, LeadOf(at), next == 0 ? SourceLines::kEnds : LeadOf(next)});
+    }
+  }
+
   // Edits by the rules.
   // Texts are copied, and not checked; neither is whether there is such a child already.
   RegNode* AddHiveNode(std::string_view name);
@@ -232,6 +259,14 @@ class RegDocument {
   void RenameKey(RegNode* key, std::string_view name);
   /// text: without line ends; begins with ";".
   void SetComment(RegNode* comment, std::string_view text);
+  /// Puts the lines of a registry file in, as they stand but for their line ends. Values before its first key go to the
+  /// end of the key's block, blocks behind the last one below it. Their paths lose what all have in common, and go on
+  /// from the key; below the root they stay. Data are encoded anew where the versions differ; what cannot be is left
+  /// out. Equal names are no matter. Nothing is done in a REGEDIT document. coding: its version does not count.
+  RegPasteResult Paste(RegNode* key, std::string_view text, const RegCoding& coding);
+  /// Makes the file one of another version, between REGEDIT4 and 5.00: the first line, and texts in hex. What cannot be
+  /// said there keeps its bytes (UnsayableIn lists it). coding: as for Paste.
+  void ConvertTo(RegVersion target, const RegCoding& coding);
   /// Makes a node of each comment line, above the keys of the key in whose block it stands, or drops them all. No
   /// change of content.
   void ShowComments(RegComments comments);
@@ -269,6 +304,12 @@ class RegDocument {
     std::uint32_t next_of_node = 0;
   };
 
+  /// The comment lines that touch a header.
+  struct Lead {
+    SourceLines::Piece first;
+    std::uint32_t header;
+  };
+
   void LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind);
   void UnlinkHeader(std::uint32_t header);
   std::uint32_t LastHeaderBelow(const RegNode* node) const;
@@ -277,11 +318,13 @@ class RegDocument {
   SourceLines::Piece BlockEnd(std::uint32_t header) const;
   RegPiece KindOf(SourceLines::Piece piece) const { return static_cast<RegPiece>(lines_.Kind(piece)); }
   void AddHeaderLine(RegNode* node);
+  SourceLines::Piece MakeRoomBehind(std::uint32_t& header);
+  bool PutAssignment(std::size_t record, std::string_view assignment);
   void ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text);
   void FollowPiece(std::size_t record);
   void DeleteValueLines(std::size_t record);
-  std::vector<std::uint32_t> RemoveBlocks(const RegNode* node);
-  void AdoptComments(std::uint32_t header);
+  std::vector<Lead> RemoveBlocks(const RegNode* node);
+  void AdoptComments(const Lead& lead);
   void RenumberFrom(const RegNode* parent, std::size_t row);
   RegNode* MakeNode(RegNode* parent, std::string_view text, RegTag tag);
   void MakeComments();

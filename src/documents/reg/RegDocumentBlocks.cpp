@@ -79,30 +79,35 @@ SourceLines::Piece RegDocument::BlockEnd(std::uint32_t header) const {
   return end;
 }
 
+/// Where the next block comes behind a header's; 0 is behind the last one. Writes the file's first line and an empty
+/// one where they are missing.
+SourceLines::Piece RegDocument::MakeRoomBehind(std::uint32_t& header) {
+  constexpr auto kHeaderKind = static_cast<std::uint8_t>(RegPiece::FileHeader);
+  if (lines_.First() == SourceLines::kEnds) lines_.InsertBehind(SourceLines::kEnds, HeaderOf(version_), kHeaderKind);
+  if (header == 0) header = headers_[0].previous;
+  const SourceLines::Piece place = BlockEnd(header);
+  if (place == SourceLines::kEnds) return place;
+  const RegPiece above = header == 0 ? RegPiece::Blank : KindOf(lines_.Previous(LeadOf(header)));
+  const bool blocks_touch = above != RegPiece::Blank && above != RegPiece::FileHeader;
+  const bool is_list = version_ == RegVersion::Regedit && KindOf(place) != RegPiece::FileHeader;
+  if (blocks_touch || is_list) return place;
+  return lines_.InsertBehind(place, std::string(lines_.LineEndBehind(place)),
+                             static_cast<std::uint8_t>(RegPiece::Blank));
+}
+
 /// A header line for a key that has none, behind the blocks below it, else below its parent, else at the end.
 void RegDocument::AddHeaderLine(RegNode* node) {
-  constexpr auto kHeaderKind = static_cast<std::uint8_t>(RegPiece::FileHeader);
-  constexpr auto kBlankKind = static_cast<std::uint8_t>(RegPiece::Blank);
-  if (lines_.First() == SourceLines::kEnds) lines_.InsertBehind(SourceLines::kEnds, HeaderOf(version_), kHeaderKind);
   std::uint32_t behind = LastHeaderBelow(node);
   if (behind == 0) behind = LastHeaderBelow(node->Parent());
-  if (behind == 0) behind = headers_[0].previous;
-  SourceLines::Piece place = BlockEnd(behind);
-  const std::string end(lines_.LineEndBehind(place));
-  const bool is_pair = version_ == RegVersion::Regedit;
-  const RegPiece above = behind == 0 ? RegPiece::Blank : KindOf(lines_.Previous(LeadOf(behind)));
-  const bool follows_directly = above != RegPiece::Blank && above != RegPiece::FileHeader;
-  if (place != SourceLines::kEnds && !follows_directly && !(is_pair && KindOf(place) != RegPiece::FileHeader))
-    place = lines_.InsertBehind(place, end, kBlankKind);
+  const SourceLines::Piece place = MakeRoomBehind(behind);
   const std::string path = node->KeyPath();
-  const SourceLines::Piece piece = lines_.InsertBehind(place, is_pair ? path + end : '[' + path + ']' + end,
-                                                       static_cast<std::uint8_t>(RegPiece::Key));
-  LinkHeader(node, piece, behind);
+  const std::string line = version_ == RegVersion::Regedit ? path : '[' + path + ']';
+  LinkHeader(node, lines_.InsertBehind(place, line, static_cast<std::uint8_t>(RegPiece::Key)), behind);
 }
 
 /// Takes the lines of a node and all below it from the file. A comment node is its line.
-/// Returns the headers whose touching comments stood in one of these blocks, and stay.
-std::vector<std::uint32_t> RegDocument::RemoveBlocks(const RegNode* node) {
+/// Returns the comments that stood in one of these blocks, touch the next header, and stay.
+std::vector<RegDocument::Lead> RegDocument::RemoveBlocks(const RegNode* node) {
   if (node->tag_ == RegTag::Comment) {
     lines_.Remove(node->place_);
     return {};
@@ -117,7 +122,7 @@ std::vector<std::uint32_t> RegDocument::RemoveBlocks(const RegNode* node) {
     SourceLines::Piece tail;
   };
   std::vector<Block> blocks;
-  std::vector<std::uint32_t> with_comments;
+  std::vector<Lead> left_behind;
   WalkKeys(*node, [&](const RegNode& below) {
     if (below.tag_ == RegTag::Comment || below.place_ == 0) return true;
     std::uint32_t header = below.place_;
@@ -126,7 +131,7 @@ std::vector<std::uint32_t> RegDocument::RemoveBlocks(const RegNode* node) {
       const std::uint32_t next = headers_[header].next;
       const SourceLines::Piece last = lines_.Previous(headers_[next].piece);
       blocks.push_back({header, is_of_node(next) ? last : TailOf(header)});
-      if (blocks.back().tail != last) with_comments.push_back(next);
+      if (blocks.back().tail != last) left_behind.push_back({lines_.Next(blocks.back().tail), next});
     } while (header != below.place_);
     ForEachRecordOf(&below, [this](std::size_t record) { values_[record].deleted = true; });
     return true;
@@ -137,7 +142,7 @@ std::vector<std::uint32_t> RegDocument::RemoveBlocks(const RegNode* node) {
     lines_.Remove(tail);
     UnlinkHeader(header);
   }
-  return with_comments;
+  return left_behind;
 }
 
 }  // namespace tme

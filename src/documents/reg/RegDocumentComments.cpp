@@ -56,10 +56,10 @@ RegNode* RegDocument::MakeComment(RegNode* parent, SourceLines::Piece piece) {
 }
 
 /// The comment that touches a header stays when the block before it goes; it belongs to the one before that.
-void RegDocument::AdoptComments(std::uint32_t header) {
-  const std::uint32_t above = headers_[header].previous;
+void RegDocument::AdoptComments(const Lead& lead) {
+  const std::uint32_t above = headers_[lead.header].previous;
   RegNode* parent = above == 0 ? root_.get() : headers_[above].node;
-  for (SourceLines::Piece piece = LeadOf(header); piece != headers_[header].piece; piece = lines_.Next(piece)) {
+  for (SourceLines::Piece piece = lead.first; piece != headers_[lead.header].piece; piece = lines_.Next(piece)) {
     const std::size_t row = CommentCount(*parent);
     observer_->BeforeInsert(*parent, static_cast<int>(row));
     RegNode* node = MakeComment(parent, piece);

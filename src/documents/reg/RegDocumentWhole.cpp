@@ -30,6 +30,11 @@ RegType TypeOf(std::string_view assignment, RegPiece kind) {
   return assignment.starts_with('d') || assignment.starts_with('D') ? RegType::Dword : RegType::Hex;
 }
 
+bool IsOfNode(const RegNode* node, const RegNode* top) {
+  while (node != nullptr && node != top) node = node->Parent();
+  return node == top;
+}
+
 int LevelOf(const RegNode* node) {
   int level = -1;
   while ((node = node->Parent()) != nullptr) ++level;
@@ -96,18 +101,23 @@ std::size_t RegDocument::AddValue(RegNode* key, std::string_view name, std::stri
 }
 
 void RegDocument::SetAssignment(std::size_t record, std::string_view assignment) {
+  if (PutAssignment(record, assignment)) ValueHasChanged(record);
+}
+
+/// Returns whether anything changed.
+bool RegDocument::PutAssignment(std::size_t record, std::string_view assignment) {
   const SourceLines::Piece piece = values_[record].piece;
   const std::string_view text = lines_.Text(piece);
   const std::optional<RegValuePlace> place = PlaceIn(text, KindOf(piece));
-  if (!place) return;
+  if (!place) return false;
   const std::string end(lines_.LineEndBehind(piece));
   const std::string wrapped = KindOf(piece) == RegPiece::Pair
                                   ? std::string(assignment)
                                   : WrapAssignment(text.substr(0, place->assignment.at), assignment, end);
-  if (place->assignment.Of(text) == wrapped) return;
+  if (place->assignment.Of(text) == wrapped) return false;
   ReplaceIn(piece, place->assignment, wrapped);
   FollowPiece(record);
-  ValueHasChanged(record);
+  return true;
 }
 
 void RegDocument::RenameValue(std::size_t record, std::string_view name) {
@@ -137,11 +147,8 @@ void RegDocument::DeleteValueLines(std::size_t record) {
 }
 
 RegNode* RegDocument::WriteDeletion(RegNode* key) {
-  std::uint32_t first = 0;
-  WalkKeys(*key, [&](const RegNode& node) {
-    if (node.tag_ != RegTag::Comment && node.place_ != 0) first = headers_[node.place_].next_of_node;
-    return first == 0;
-  });
+  std::uint32_t first = headers_[0].next;
+  while (first != 0 && !IsOfNode(headers_[first].node, key)) first = headers_[first].next;
   const SourceLines::Piece above = first == 0 ? lines_.Last() : lines_.Previous(headers_[first].piece);
   const std::string end(lines_.LineEndBehind(above));
   const bool blank_follows = first != 0 && KindOf(TailOf(first)) == RegPiece::Blank;
@@ -156,9 +163,7 @@ RegNode* RegDocument::WriteDeletion(RegNode* key) {
   ++node_count_;
   LinkHeader(deletion, piece, first == 0 ? headers_[0].previous : headers_[first].previous);
   observer_->AfterInsert();
-  const RegNode* selected = selected_;
-  while (selected != nullptr && selected != key) selected = selected->parent_;
-  if (selected == key) {
+  if (IsOfNode(selected_, key)) {
     selected_ = deletion;
     observer_->SelectionMoved();
   }
