@@ -74,5 +74,29 @@ TEST_F(SourceLinesTest, RemovalsAreTakenBackAndPiecesMove) {
   EXPECT_EQ(Written(), "a\nb\nC\n");
 }
 
+TEST_F(SourceLinesTest, AllLinesTakeOneEnd) {
+  EXPECT_EQ(lines_.UsedLineEnds(), LineEnds::CrLf) << "no lines";
+  const std::pair<const char*, LineEnds> pieces[] = {{"a\n", LineEnds::Lf},
+                                                     {"\n\n", LineEnds::Lf},
+                                                     {"b\\\r\n  c\r\n", LineEnds::Mixed},
+                                                     {"d\r", LineEnds::Mixed},
+                                                     {"e", LineEnds::Mixed}};
+  for (const auto& [lines, ends] : pieces) {
+    Append(lines);
+    EXPECT_EQ(lines_.UsedLineEnds(), ends) << lines;
+  }
+  const std::string before = Written();
+  lines_.SetLineEnds(LineEnds::Mixed);
+  EXPECT_EQ(Written(), before);
+  lines_.SetLineEnds(LineEnds::CrLf);
+  EXPECT_EQ(Written(), "a\r\n\r\n\r\nb\\\r\n  c\r\nd\r\ne");
+  EXPECT_EQ(lines_.UsedLineEnds(), LineEnds::CrLf);
+  const char* untouched = lines_.Text(lines_.First()).data();
+  lines_.SetLineEnds(LineEnds::CrLf);
+  EXPECT_EQ(lines_.Text(lines_.First()).data(), untouched);
+  lines_.SetLineEnds(LineEnds::Lf);
+  EXPECT_EQ(Written(), "a\n\n\nb\\\n  c\nd\ne");
+}
+
 }  // namespace
 }  // namespace tme

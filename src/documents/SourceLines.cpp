@@ -1,6 +1,7 @@
 #include "documents/SourceLines.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 namespace tme {
@@ -15,6 +16,33 @@ std::string_view FirstLineEnd(std::string_view lines) {
   const std::size_t at = lines.find_first_of("\r\n");
   if (at == std::string_view::npos) return {};
   return lines.substr(at, lines.substr(at).starts_with(kUsualLineEnd) ? 2 : 1);
+}
+
+/// Calls visit(line, end) for each line of a text; the end of the last one may be empty.
+template <typename Visit>
+void ForEachLine(std::string_view lines, Visit visit) {
+  while (!lines.empty()) {
+    const std::string_view end = FirstLineEnd(lines);
+    const std::size_t size = end.empty() ? lines.size() : static_cast<std::size_t>(end.data() - lines.data());
+    visit(lines.substr(0, size), end);
+    lines.remove_prefix(size + end.size());
+  }
+}
+
+LineEnds LineEndsOf(std::string_view end) {
+  if (end == kUsualLineEnd) return LineEnds::CrLf;
+  return end == "\n" ? LineEnds::Lf : LineEnds::Mixed;
+}
+
+/// What the lines of a text end in; null without a line end.
+std::optional<LineEnds> LineEndsIn(std::string_view lines) {
+  std::optional<LineEnds> used;
+  ForEachLine(lines, [&used](std::string_view, std::string_view end) {
+    if (end.empty()) return;
+    const LineEnds ends = LineEndsOf(end);
+    used = used.value_or(ends) == ends ? ends : LineEnds::Mixed;
+  });
+  return used;
 }
 
 }  // namespace
@@ -79,6 +107,28 @@ bool SourceLines::Write(const PartSink& sink) const {
     part = text;
   }
   return put(part) && small.Flush();
+}
+
+LineEnds SourceLines::UsedLineEnds() const {
+  std::optional<LineEnds> used;
+  for (Piece at = First(); at != kEnds && used != LineEnds::Mixed; at = Next(at))
+    if (const std::optional<LineEnds> ends = LineEndsIn(Text(at)))
+      used = used.value_or(*ends) == *ends ? ends : LineEnds::Mixed;
+  return used.value_or(LineEnds::CrLf);
+}
+
+void SourceLines::SetLineEnds(LineEnds ends) {
+  if (ends == LineEnds::Mixed) return;
+  const std::string_view new_end = ends == LineEnds::CrLf ? kUsualLineEnd : "\n";
+  std::string changed;
+  for (Piece at = First(); at != kEnds; at = Next(at)) {
+    if (LineEndsIn(Text(at)).value_or(ends) == ends) continue;
+    changed.clear();
+    ForEachLine(Text(at), [&](std::string_view line, std::string_view end) {
+      changed.append(line).append(end.empty() ? end : new_end);
+    });
+    Replace(at, changed);
+  }
 }
 
 std::uint64_t SourceLines::Size() const {

@@ -10,6 +10,9 @@
 
 namespace tme {
 
+/// What lines end in. Mixed: in several ways, or in CR alone.
+enum class LineEnds : std::uint8_t { Mixed, CrLf, Lf };
+
 /// The text of a document that is held whole, in pieces: runs of whole lines, line ends included, that each belong to
 /// one thing (a header, an entry, a value with its continuation lines, a comment, blank lines). The pieces stand in a
 /// ring in the order of the file, so that every edit costs the same at any size. A piece that was not edited is a view
@@ -56,6 +59,11 @@ class SourceLines {
   /// The line end that a new line behind a piece takes: that of the piece, or of the nearest one before it that has
   /// one, or of the next one behind it; CR LF where the document has none.
   std::string_view LineEndBehind(Piece piece) const;
+  /// What all lines end in; CrLf for a document without line ends. Linear in the bytes.
+  LineEnds UsedLineEnds() const;
+  /// Gives all lines this end; Mixed leaves them. A last line without an end stays without. Linear in the bytes, and
+  /// pieces that change are copied.
+  void SetLineEnds(LineEnds ends);
   /// Hands over the text of all pieces in parts of whole pieces. Those that follow one another in memory are not copied
   /// unless they are few.
   bool Write(const PartSink& sink) const;

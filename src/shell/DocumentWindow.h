@@ -26,6 +26,8 @@ struct SaveRequest {
   Caller caller = Caller::User;
   /// The document's title for the caption of a save dialog that the user did not call up; empty for all others.
   QString asked_for{};
+  /// Where the file goes, when the user was asked already; empty for all others.
+  QString chosen_path{};
 };
 
 /// A document window of any kind. Twenty exist from the start, so construction does next to nothing: the controls are

@@ -23,8 +23,9 @@ QString AskForPath(Global& global, SaveDialogTexts texts, const SaveRequest& req
 }  // namespace
 
 DocumentWindow::SaveOutcome DocumentWindow::Save(const SaveRequest& request) {
-  const bool asks = request.path == SaveRequest::Path::AskedAlways || file_.Path().isEmpty();
-  QString path = asks ? AskForPath(global_, SaveTexts(), request) : file_.Path();
+  const bool has_place = !request.chosen_path.isEmpty();
+  const bool asks = !has_place && (request.path == SaveRequest::Path::AskedAlways || file_.Path().isEmpty());
+  QString path = asks ? AskForPath(global_, SaveTexts(), request) : has_place ? request.chosen_path : file_.Path();
   if (path.isEmpty()) {
     if (file_.Path().isEmpty() && request.path == SaveRequest::Path::AskedWhenMissing) PathNotChosen();
     return SaveOutcome::Cancelled;

@@ -66,6 +66,7 @@ constexpr std::array kRows{
     Row{"menu_FileRegSaveAs", "Menu_FileSaveAsRegular", QT_TR_NOOP("&Regular"), kReg, "FileSaveAsRegular",
         "file-save-as", "Ctrl+Shift+S"},
     Row{"menu_FileRegSaveAs", "menu_FileSaveAsExpanded", QT_TR_NOOP("&Expanded"), kReg, "FileSaveAsExpanded"},
+    Row{"md_Menu_File", "menu_FileSaveForm", QT_TR_NOOP("Save As Another &Form..."), kIni | kReg, "SaveAsAnotherForm"},
     Row{"md_Menu_File", "menu_FileSaveAll", QT_TR_NOOP("Save A&ll"), kDocuments, nullptr},
     Separator("md_Menu_File"),
     Row{"md_Menu_File", "menu_FileClose", QT_TR_NOOP("&Close File"), kDocuments, "FileClose", "file-close",

@@ -44,8 +44,11 @@ void TreeDocumentWindow::ShowHolding() {
 }
 
 void TreeDocumentWindow::UpdateCommands() {
-  if (global_.area.ActiveDocument() == this)
-    global_.menus.SetChecked("menu_ViewWholeFile", GetHolding() == Holding::Whole);
+  if (global_.area.ActiveDocument() == this) {
+    const bool is_whole = GetHolding() == Holding::Whole;
+    global_.menus.SetChecked("menu_ViewWholeFile", is_whole);
+    global_.menus.SetHidden(u"menu_FileSaveForm"_s, !is_whole);
+  }
 }
 
 std::vector<NoticeAction> TreeDocumentWindow::HoldingButton() {
@@ -114,13 +117,13 @@ void TreeDocumentWindow::WholeFile() {
   if (!CanHoldWhole() || !ConfirmSwitch()) return;
   const Holding before = GetHolding();
   const bool has_file = !file_.Path().isEmpty();
-  const bool is_modified = IsModified(), is_changed = file_.IsChanged();
   if (!KeepUnsaved()) {
     AddNotice(tr("The changes could not be kept in the history, so the document stays as it is."));
     return;
   }
-  // Whole reading asks nothing, so only from the other one can the user come back.
-  const std::string content = before == Holding::Whole ? Content() : std::string();
+  // Whole reading asks nothing, so only on the way to the rules can the user turn back.
+  Held held{{}, IsModified(), file_.IsChanged()};
+  if (before == Holding::Whole) held.content = Content();
   std::string bytes;
   if (!has_file) {
     bytes = TextForOtherHolding();
@@ -128,16 +131,25 @@ void TreeDocumentWindow::WholeFile() {
   } else if (const std::optional<FileFailure> failure = file_.Read(bytes)) {
     return ShowReadFailure(file_.Path(), *failure);
   }
-  const bool is_taken = ReadBytes(std::move(bytes), OtherThan(before)) == ReadEnd::Taken;
-  if (!is_taken) ReadBytes(content, before);
+  if (ReadBytes(std::move(bytes), OtherThan(before)) != ReadEnd::Taken)
+    PutBack(held);
+  else if (!has_file)
+    MarkAs(held);
   setFocus();  // it may have been on a button of the notice, which is gone
-  if (has_file && is_taken) return;
-  // As before: what it holds now is in the file only if it was.
-  if (is_modified)
+}
+
+void TreeDocumentWindow::PutBack(const Held& held) {
+  MarkUnmodified();
+  ReadBytes(held.content, Holding::Whole);
+  MarkAs(held);
+}
+
+void TreeDocumentWindow::MarkAs(const Held& held) {
+  if (held.is_modified)
     file_.MarkModified();
   else
     MarkUnmodified();
-  SetChanged(is_changed);
+  SetChanged(held.is_changed);
 }
 
 }  // namespace tme

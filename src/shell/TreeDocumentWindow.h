@@ -1,7 +1,9 @@
 #pragma once
 
 #include "documents/Holding.h"
+#include "documents/SourceLines.h"
 #include "shell/DocumentWindow.h"
+#include "shell/SaveForm.h"
 
 class QLabel;
 
@@ -27,11 +29,25 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Changes how the document is held, and reads its file again for that, or its own text where it has no file. Asks
   /// first what becomes of changes. When anything comes in between, all stays as it was.
   Q_INVOKABLE void WholeFile();
+  /// Saves a document that is held whole in another form: it becomes that file. What the form cannot say is asked
+  /// first; when it is not saved, the document stays as it was.
+  Q_INVOKABLE void SaveAsAnotherForm();
 
  protected:
   /// The window's badge, which says how the document is held; owned by the window's controls.
   QWidget* MakeBadge(QWidget* parent);
   void UpdateCommands() override;
+
+  // The form of a document that is held whole.
+  virtual LineEnds UsedLineEnds() const = 0;
+  virtual void SetLineEnds(LineEnds ends) = 0;
+  /// The kinds of file that it can become, its own among them; none where there is one alone.
+  virtual std::vector<FormKind> FormKinds() const { return {}; }
+  virtual std::size_t PresentKind() const { return 0; }
+  /// Asks what is to become of what the kind cannot say. False when the document is to stay as it is.
+  virtual bool ConfirmKind(std::size_t /*kind*/) { return true; }
+  virtual void BecomeKind(std::size_t /*kind*/) {}
+
   /// For a notice about what the holding means for the document: the button to the other one.
   std::vector<NoticeAction> HoldingButton();
 
@@ -64,6 +80,17 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Reads bytes into the document in a holding, and clears what was said of it before.
   ReadEnd ReadBytes(std::string bytes, Holding holding);
   void SetHolding(Holding holding);
+  /// A document that is held whole, to be put back.
+  struct Held {
+    std::string content;
+    bool is_modified;
+    bool is_changed;
+  };
+  void PutBack(const Held& held);
+  /// What the document holds is in its file, or not.
+  void MarkAs(const Held& held);
+  /// Whether the document's text fits a format, or the user agrees to the one that is put in its place.
+  bool FitsOrIsAgreed(TextFormat& format);
   void ShowHolding();
 
   bool Settings::*const always_whole_;

@@ -125,6 +125,8 @@ class IniTree {
   std::string SourceOf(const IniNode& node) const;
   /// Whole holding: hands over the file. Returns false when the sink stopped.
   bool WriteSource(const PartSink& sink) const { return lines_.Write(sink); }
+  /// Whole holding: the text.
+  const SourceLines& Lines() const { return lines_; }
 
   /// Whether no child of the root has exactly this text.
   bool IsUniqueSectionName(std::string_view name) const;
@@ -184,6 +186,8 @@ class IniTree {
   /// section to the end of the selected section (the root: before the first section), its sections behind the selected
   /// one (the root: at the end). Returns and selects the first node that came; null when there was none.
   IniNode* Paste(std::string_view text);
+  /// Gives all lines this end; Mixed leaves them.
+  void SetLineEnds(LineEnds ends);
   /// Whether children stand as in the file, which they do at first, or by name. No line moves.
   void Arrange(IniArrangement arrangement);
 

@@ -146,6 +146,12 @@ void IniTree::InsertAll(IniNode* parent, std::size_t row, const std::vector<IniN
   SortChildren(parent, sorter);
 }
 
+void IniTree::SetLineEnds(LineEnds ends) {
+  if (lines_.UsedLineEnds() == ends || ends == LineEnds::Mixed) return;
+  lines_.SetLineEnds(ends);
+  ++revision_;
+}
+
 void IniTree::RemoveWithComments(IniNode* node) {
   const bool owns_comments =
       holding_ == Holding::Whole && (node->tag_ == IniTag::Section || node->tag_ == IniTag::Value);

@@ -257,6 +257,8 @@ class RegDocument {
   RegNode* WriteDeletion(RegNode* key);
   /// Changes this component of the path in the header lines of the key or deletion and of all below it.
   void RenameKey(RegNode* key, std::string_view name);
+  /// Gives all lines this end; Mixed leaves them.
+  void SetLineEnds(LineEnds ends);
   /// text: without line ends; begins with ";".
   void SetComment(RegNode* comment, std::string_view text);
   /// Puts the lines of a registry file in, as they stand but for their line ends. Values before its first key go to the

@@ -132,6 +132,14 @@ void RegDocument::RenameValue(std::size_t record, std::string_view name) {
 
 void RegDocument::WriteDeletion(std::size_t record) { SetAssignment(record, "-"); }
 
+void RegDocument::SetLineEnds(LineEnds ends) {
+  if (lines_.UsedLineEnds() == ends || ends == LineEnds::Mixed) return;
+  lines_.SetLineEnds(ends);
+  for (std::size_t record = 0; record < values_.size(); ++record)
+    if (!values_[record].deleted) FollowPiece(record);
+  ++revision_;
+}
+
 void RegDocument::DeleteValueLines(std::size_t record) {
   const SourceLines::Piece piece = values_[record].piece;
   if (KindOf(piece) == RegPiece::Pair) {

@@ -59,6 +59,8 @@ class form_INI : public TreeDocumentWindow {
  protected:
   ReadEnd ReadText(std::string text) override;
   void PutByRules(std::string bytes) override;
+  LineEnds UsedLineEnds() const override { return tree_.Lines().UsedLineEnds(); }
+  void SetLineEnds(LineEnds ends) override { tree_.SetLineEnds(ends); }
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   SaveDialogTexts SaveTexts() const override;

@@ -62,6 +62,8 @@ class form_REG : public TreeDocumentWindow {
  protected:
   ReadEnd ReadText(std::string text) override;
   void PutByRules(std::string bytes) override;
+  LineEnds UsedLineEnds() const override { return document_.Lines().UsedLineEnds(); }
+  void SetLineEnds(LineEnds ends) override { document_.SetLineEnds(ends); }
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   SaveDialogTexts SaveTexts() const override;
