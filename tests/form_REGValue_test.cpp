@@ -14,7 +14,7 @@
 
 #include "files/CodePage.h"
 #include "windows/reg/HexView.h"
-#include "windows/reg/RegConversion.h"
+#include "windows/reg/RegTypeChange.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

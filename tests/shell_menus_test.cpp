@@ -43,8 +43,8 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     const char* bar;
     int routed;
     DocumentKind kind;
-  } kinds[] = {{"File Edit View Tools Window Help", 16, DocumentKind::Ini},
-               {"File Edit Tools Window Help", 12, DocumentKind::Reg},
+  } kinds[] = {{"File Edit View Tools Window Help", 17, DocumentKind::Ini},
+               {"File Edit View Tools Window Help", 13, DocumentKind::Reg},
                {"File Edit Search Tools Window Help", 15, DocumentKind::Txt},
                {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {

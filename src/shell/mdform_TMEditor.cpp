@@ -146,8 +146,7 @@ void mdform_TMEditor::BindItems() {
   for (int index = 1; index <= RecentFiles::kEntries; ++index)
     menus_.Handle("menu_mru" + QByteArray::number(index), [this, index] { recent_files_.OpenRecentFile(index); });
   BindTools(global_);
-  menus_.SetHidden(u"menu_FileSaveForm"_s, true);   // until the active document is held whole
-  menus_.SetHidden(u"menu_ViewWholeFile"_s, true);  // until the windows can hold a file whole
+  menus_.SetHidden(u"menu_FileSaveForm"_s, true);  // until the active document is held whole
   menus_.Handle("menu_FilePrint", [this] { PrintActiveDocument(); });
   BindWindowItems();
 }

@@ -14,7 +14,7 @@
 #include "shell/PlainText.h"
 #include "windows/reg/FieldReason.h"
 #include "windows/reg/HexView.h"
-#include "windows/reg/RegConversion.h"
+#include "windows/reg/RegTypeChange.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,7 @@
 #include "windows/reg/RegKeyModel.h"
 
+#include <QFont>
+
 #include "shell/DisplayText.h"
 #include "shell/Icon.h"
 
@@ -9,21 +11,29 @@ namespace tme {
 
 RegKeyModel::RegKeyModel(RegDocument& document, QObject* parent)
     : TreeItemModel(document, parent),
-      file_icon_(Icon(u"reg-file"_s)),
-      hive_icon_(Icon(u"hive"_s)),
-      key_icon_(Icon(u"key"_s, {}, u"key-open"_s)) {}
+      icons_{Icon(u"reg-file"_s), Icon(u"hive"_s), Icon(u"key"_s, {}, u"key-open"_s), Icon(u"key-deletion"_s),
+             Icon(u"comment"_s)} {}
 
 QVariant RegKeyModel::data(const QModelIndex& index, int role) const {
   const RegNode* node = NodeOf(index);
   if (!node) return {};
-  const RegTag tag = node->Tag();
+  const auto tag = static_cast<std::size_t>(node->Tag());
   switch (role) {
     case Qt::DisplayRole:
       return DisplayText(node->Text());
     case Qt::DecorationRole:
-      return tag == RegTag::File ? file_icon_ : tag == RegTag::Hive ? hive_icon_ : key_icon_;
+      return icons_[tag];
+    case Qt::FontRole: {
+      if (node->Tag() != RegTag::Deletion) return {};
+      QFont font;
+      font.setStrikeOut(true);
+      return font;
+    }
+    case Qt::AccessibleTextRole:
+      if (node->Tag() != RegTag::Deletion) return {};
+      return tr("%1 (deletion)").arg(DisplayText(node->Text()));
     case Qt::AccessibleDescriptionRole:
-      return tag == RegTag::File ? tr("File") : tag == RegTag::Hive ? tr("Hive") : tr("Key");
+      return std::array{tr("File"), tr("Hive"), tr("Key"), tr("Deletion of a key"), tr("Comment")}[tag];
     default:
       return {};
   }

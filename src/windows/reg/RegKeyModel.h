@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <array>
 
 #include "documents/reg/RegDocument.h"
 #include "shell/TreeItemModel.h"
@@ -24,7 +25,8 @@ class RegKeyModel : public TreeItemModel<RegDocument, RegNode, RegDocumentObserv
   void ValueAdded(std::size_t record) override { emit ValueAddedToTable(record); }
   void ValueChanged(std::size_t record) override { emit ValueChangedInTable(record); }
 
-  QIcon file_icon_, hive_icon_, key_icon_;
+  /// By RegTag.
+  const std::array<QIcon, 5> icons_;
 };
 
 }  // namespace tme

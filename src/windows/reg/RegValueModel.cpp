@@ -1,5 +1,6 @@
 #include "windows/reg/RegValueModel.h"
 
+#include <QFont>
 #include <algorithm>
 
 #include "shell/DisplayText.h"
@@ -12,10 +13,12 @@ namespace tme {
 RegValueModel::RegValueModel(const RegDocument& document, QObject* parent)
     : QAbstractTableModel(parent),
       document_(document),
-      icons_{QIcon(), Icon(u"value-string"_s), Icon(u"value-dword"_s), Icon(u"value-hex"_s)} {}
+      icons_{QIcon(), Icon(u"value-string"_s), Icon(u"value-dword"_s), Icon(u"value-hex"_s)},
+      deletion_icon_(Icon(u"value-deletion"_s)) {}
 
 void RegValueModel::ShowKey(const RegNode* node) {
   beginResetModel();
+  texts_.clear();
   records_ = node ? document_.ValuesOfPath(node) : std::vector<std::size_t>();
   endResetModel();
 }
@@ -28,10 +31,13 @@ void RegValueModel::Append(std::size_t record) {
 }
 
 void RegValueModel::Refresh(std::size_t record) {
+  texts_.remove(record);
+  if (const int row = RowOf(record); row >= 0) emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
+}
+
+int RegValueModel::RowOf(std::size_t record) const {
   const auto found = std::find(records_.begin(), records_.end(), record);
-  if (found == records_.end()) return;
-  const int row = static_cast<int>(found - records_.begin());
-  emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
+  return found == records_.end() ? -1 : static_cast<int>(found - records_.begin());
 }
 
 void RegValueModel::TakeRow(int row) {
@@ -48,6 +54,7 @@ int RegValueModel::columnCount(const QModelIndex& parent) const { return parent.
 
 QVariant RegValueModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
+  if (document_.HeldAs() == Holding::Whole) return DecodedData(RecordOf(index), index.column(), role);
   const RegValueRecord& record = document_.Values()[RecordOf(index)];
   if (role == Qt::DecorationRole && index.column() == Name) {
     const QIcon& icon = icons_[static_cast<std::size_t>(record.type)];
@@ -61,6 +68,33 @@ QVariant RegValueModel::data(const QModelIndex& index, int role) const {
       return DisplayText(TraitsOf(record.type).name);
     case Data:
       return DisplayText(record.data);
+    default:
+      return {};
+  }
+}
+
+QVariant RegValueModel::DecodedData(std::size_t record, int column, int role) const {
+  RegValueText* text = texts_.object(record);
+  if (!text) {
+    text = new RegValueText(TextOfValue(document_.Values()[record], CodingOf(document_)));
+    texts_.insert(record, text);
+  }
+  const bool is_deletion = text->picture == RegValueText::Picture::Deletion;
+  switch (role) {
+    case Qt::DisplayRole:
+      return column == Name ? text->name : column == Type ? text->type : text->data;
+    case Qt::DecorationRole:
+      // Pictures of texts, numbers and bytes stand in this order.
+      if (column != Name) return {};
+      return is_deletion ? deletion_icon_ : icons_[static_cast<std::size_t>(text->picture) + 1];
+    case Qt::FontRole: {
+      if (!is_deletion || column != Name) return {};
+      QFont font;
+      font.setStrikeOut(true);
+      return font;
+    }
+    case Qt::AccessibleTextRole:
+      return is_deletion && column == Name ? tr("%1 (deletion)").arg(text->name) : QVariant();
     default:
       return {};
   }

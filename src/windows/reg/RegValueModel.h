@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QCache>
 #include <QIcon>
+#include <array>
 #include <vector>
 
 #include "documents/reg/RegDocument.h"
+#include "windows/reg/RegValueText.h"
 
 namespace tme {
 
@@ -24,6 +27,8 @@ class RegValueModel : public QAbstractTableModel {
   void Refresh(std::size_t record);
   /// Takes the row away; the record stays in the table.
   void TakeRow(int row);
+  /// -1 when it is not shown.
+  int RowOf(std::size_t record) const;
   std::size_t RecordOf(const QModelIndex& index) const { return records_[static_cast<std::size_t>(index.row())]; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -32,9 +37,15 @@ class RegValueModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
+  /// In a whole document.
+  QVariant DecodedData(std::size_t record, int column, int role) const;
+
   const RegDocument& document_;
   std::vector<std::size_t> records_;
   const std::array<QIcon, kRegTypes.size()> icons_;  ///< by RegType
+  const QIcon deletion_icon_;
+  /// What is in sight of a whole document, by record.
+  mutable QCache<std::size_t, RegValueText> texts_{1000};
 };
 
 }  // namespace tme

@@ -23,6 +23,7 @@
 #include "system/Twips.h"
 #include "windows/reg/RegKeyModel.h"
 #include "windows/reg/RegValueModel.h"
+#include "windows/reg/RegWholeCommands.h"
 
 using namespace Qt::StringLiterals;
 
@@ -46,6 +47,7 @@ void form_REG::BuildControls(QWidget& client) {
   setWindowIcon(Icon(u"reg-file"_s));
   keys_ = std::make_unique<RegKeyModel>(document_);
   values_ = std::make_unique<RegValueModel>(document_);
+  whole_ = std::make_unique<RegWholeCommands>(*this, global_.dialogs, document_);
 
   auto* column = new QVBoxLayout(&client);
   column->setContentsMargins(0, 0, 0, 0);
@@ -124,6 +126,7 @@ void form_REG::BuildValueList(QWidget* parent) {
   connect(LV->header(), &QHeaderView::sectionResized, this,
           [this](int column, int, int pixels) { WriteColumnWidth(column, pixels); });
   connect(LV->selectionModel(), &QItemSelectionModel::currentChanged, this, &form_REG::UpdateCommands);
+  connect(LV->selectionModel(), &QItemSelectionModel::selectionChanged, this, &form_REG::UpdateCommands);
   connect(LV, &QTreeView::doubleClicked, this, &form_REG::EditModify);
   connect(LV, &QWidget::customContextMenuRequested, this,
           [this](const QPoint& position) { global_.frame.PopUpEditMenu(LV->viewport()->mapToGlobal(position)); });
@@ -163,6 +166,8 @@ void form_REG::SetFocusMarker(Focus focus) {
 void form_REG::UpdateCommands() {
   TreeDocumentWindow::UpdateCommands();
   if (global_.area.ActiveDocument() != this) return;
+  UpdateWholeCommands();
+  if (IsWhole()) return;
   GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);
   menus.SetAvailable("menu_EditNewKey", FocusMarker == Focus::TV);
@@ -194,6 +199,7 @@ void form_REG::WriteColumnWidth(int column, int pixels) {
 }
 
 void form_REG::RestoreView() {
+  LV->setSelectionMode(IsWhole() ? QAbstractItemView::ExtendedSelection : QAbstractItemView::SingleSelection);
   TV->setExpanded(keys_->IndexOf(document_.Root()), true);
   ShowSelection();
 }
@@ -219,6 +225,10 @@ void form_REG::SetLocation(const QString& text) {
 }
 
 std::string form_REG::Content() {
+  if (IsWhole()) {
+    TextFormat whole_format = FormatToWrite();
+    return DocumentFile::BytesOf(&whole_format, ProducerIn(RegLayout::Regular));
+  }
   TextFormat format = file_.Format();
   return DocumentFile::BytesOf(&format, [this](const PartSink& put) { return WriteRegAsShown(document_, put); });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <functional>
 #include <memory>
 
 #include "documents/reg/RegDocument.h"
@@ -19,6 +20,8 @@ namespace tme {
 class RegKeyModel;
 struct RegLosses;
 class RegValueModel;
+class RegWholeCommands;
+struct RegTarget;
 
 /// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
 /// key's path. Everything that changes the document is a call of RegDocument; the views follow through their models.
@@ -50,6 +53,18 @@ class form_REG : public TreeDocumentWindow {
   Q_INVOKABLE void EditDelete();
   Q_INVOKABLE void EditRename();
 
+  // In whole holding alone. Menus show them nowhere else.
+  Q_INVOKABLE void EditNewExpandString();
+  Q_INVOKABLE void EditNewMultiString();
+  Q_INVOKABLE void EditNewQword();
+  /// Rows of the list when it was worked in last, else the selected key.
+  Q_INVOKABLE void EditCut();
+  Q_INVOKABLE void EditCopy();
+  Q_INVOKABLE void EditPaste();
+  Q_INVOKABLE void EditWriteDeletion();
+  /// Shows comment lines as nodes, or no longer.
+  Q_INVOKABLE void ShowComments();
+
   /// The document as it stands.
   const RegDocument& Document() const { return document_; }
 
@@ -58,6 +73,7 @@ class form_REG : public TreeDocumentWindow {
   SaveOutcome SavePlain(const SaveRequest& request) override { return SaveIn(RegLayout::Regular, request); }
   std::string Content() override;
   bool HoldsWholeFile() const override;
+  bool CanHoldWhole() const override { return true; }
 
  protected:
   ReadEnd ReadText(std::string text) override;
@@ -89,6 +105,17 @@ class form_REG : public TreeDocumentWindow {
   void ReadColumnWidths();
   void WriteColumnWidth(int column, int pixels);
 
+  bool IsWhole() const { return document_.HeldAs() == Holding::Whole; }
+  ReadEnd ReadWhole(std::string text);
+  void UpdateWholeCommands();
+  RegTarget Target() const;
+  /// What follows from an edit of whole holding. first_row: of the list, at which the user worked.
+  void FollowEdit(bool is_changed, int first_row);
+  /// Runs a change that resets the tree.
+  void KeepExpanded(const std::function<void()>& change);
+  void NewWholeValue(std::uint32_t type);
+  /// Runs an edit and what follows from it.
+  void RunWhole(bool (RegWholeCommands::*command)(const RegTarget&));
   RegReadResult Read(std::string text);
   void ShowProgress(const RegProgress& progress);
   void ShowImport(const RegProgress& progress);
@@ -115,6 +142,7 @@ class form_REG : public TreeDocumentWindow {
   RegDocument document_;
   std::unique_ptr<RegKeyModel> keys_;
   std::unique_ptr<RegValueModel> values_;
+  std::unique_ptr<RegWholeCommands> whole_;
   /// Of the last save, or the one that goes on.
   RegLayout layout_ = RegLayout::Regular;
   /// RegLosses::fingerprint of what the history has of this document.

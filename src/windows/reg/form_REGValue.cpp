@@ -16,7 +16,7 @@
 #include "system/Dialogs.h"
 #include "windows/reg/FieldReason.h"
 #include "windows/reg/RegContentPages.h"
-#include "windows/reg/RegConversion.h"
+#include "windows/reg/RegTypeChange.h"
 
 using namespace Qt::StringLiterals;
 
@@ -131,6 +131,12 @@ void form_REGValue::SetValue(const QString& name, const RegData& value) {
   given_ = value;
   ShowData(value);
   Page().setFocus();
+}
+
+void form_REGValue::EditName() {
+  if (txt_Name->isReadOnly()) return;
+  txt_Name->setFocus();
+  txt_Name->selectAll();
 }
 
 void form_REGValue::ChooseType(std::uint32_t type) {

@@ -31,6 +31,9 @@ class form_REGValue : public QDialog {
   /// check: gives the reason against a name, or nothing.
   void SetNameCheck(std::function<QString(const QString& name)> check);
 
+  /// For a new value: the name is what is typed first.
+  void EditName();
+
   QString Name() const;
   /// Only after Accepted. What was not edited is exactly what was given.
   RegData Data() const;

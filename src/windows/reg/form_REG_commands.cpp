@@ -8,6 +8,7 @@
 #include "system/Dialogs.h"
 #include "windows/reg/RegKeyModel.h"
 #include "windows/reg/RegValueModel.h"
+#include "windows/reg/RegWholeCommands.h"
 #include "windows/reg/form_AddHK.h"
 #include "windows/reg/form_REG.h"
 #include "windows/reg/form_REGEdit.h"
@@ -18,6 +19,7 @@ namespace tme {
 
 void form_REG::EditNewKey() {
   if (FocusMarker != Focus::TV) return;
+  if (IsWhole()) return FollowEdit(whole_->NewKey(), -1);
   RegNode* node = document_.Selected();
   if (node->Tag() == RegTag::File) {
     QStringList present;
@@ -42,11 +44,20 @@ void form_REG::EditNewKey() {
   SetChanged(true);
 }
 
-void form_REG::EditNewString() { AddValueOfType(RegType::String, tr("Add New StringValue")); }
+void form_REG::EditNewString() {
+  if (IsWhole()) return NewWholeValue(reg_type::kString);
+  AddValueOfType(RegType::String, tr("Add New StringValue"));
+}
 
-void form_REG::EditNewDword() { AddValueOfType(RegType::Dword, tr("Add New DWORD Value")); }
+void form_REG::EditNewDword() {
+  if (IsWhole()) return NewWholeValue(reg_type::kDword);
+  AddValueOfType(RegType::Dword, tr("Add New DWORD Value"));
+}
 
-void form_REG::EditNewBinary() { AddValueOfType(RegType::Hex, tr("Add New Binary Value")); }
+void form_REG::EditNewBinary() {
+  if (IsWhole()) return NewWholeValue(reg_type::kBinary);
+  AddValueOfType(RegType::Hex, tr("Add New Binary Value"));
+}
 
 void form_REG::AddValueOfType(RegType type, const QString& caption) {
   RegNode* node = document_.Selected();
@@ -73,6 +84,7 @@ void form_REG::AddValueOfType(RegType type, const QString& caption) {
 }
 
 void form_REG::EditModify() {
+  if (IsWhole()) return RunWhole(&RegWholeCommands::Modify);
   if (FocusMarker != Focus::LV || SelectedRow() < 0) return;
   const std::size_t index = values_->RecordOf(LV->currentIndex());
   const RegValueRecord& record = document_.Values()[index];
@@ -102,6 +114,7 @@ void form_REG::TellWhatASaveMakesOf(const RegNode& node) {
 }
 
 void form_REG::EditDelete() {
+  if (IsWhole()) return RunWhole(&RegWholeCommands::Delete);
   const bool in_list = FocusMarker == Focus::LV;
   if (in_list && SelectedRow() < 0) return;
   const QString what = in_list ? tr("this value?")
@@ -123,6 +136,7 @@ void form_REG::EditDelete() {
 }
 
 void form_REG::EditRename() {
+  if (IsWhole()) return RunWhole(&RegWholeCommands::Rename);
   RegNode* node = document_.Selected();
   const QString old_name = TextOf(node->Text());
   const QString name = global_.dialogs.InputBox(tr("Rename this Key"), tr("Branch Rename"), old_name);

@@ -5,6 +5,7 @@
 
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
+#include "documents/reg/RegWholeReader.h"
 #include "shell/Global.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
@@ -27,6 +28,7 @@ void form_REG::NewREG() {
   HoldAsSettings();
   layout_ = RegLayout::Regular;
   document_.Reset(file_.Title().toStdString());
+  if (GetHolding() == Holding::Whole) ReadWholeReg(document_, std::string(kRegHeader));
   TV->show();
   EndProgress();
   RestoreView();
@@ -54,6 +56,7 @@ void form_REG::OpenREG() {
 form_REG::ReadEnd form_REG::ReadText(std::string text) {
   layout_ = RegLayout::Regular;
   document_.Reset(file_.Title().toStdString());
+  if (GetHolding() == Holding::Whole) return ReadWhole(std::move(text));
   const RegReadResult result = Read(std::move(text));
   switch (result.end) {
     case RegReadEnd::HeaderRefused:

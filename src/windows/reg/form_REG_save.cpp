@@ -7,6 +7,7 @@
 #include <QTextEdit>
 
 #include "documents/reg/RegLosses.h"
+#include "documents/reg/RegWholeWriter.h"
 #include "files/FileBytes.h"
 #include "files/FileSteps.h"
 #include "files/TextFile.h"
@@ -63,6 +64,7 @@ form_REG::SaveOutcome form_REG::SaveIn(RegLayout layout, const SaveRequest& requ
 }
 
 form_REG::SaveOutcome form_REG::Save(const SaveRequest& request) {
+  if (IsWhole()) return TreeDocumentWindow::Save(request);
   const QString location = location_;
   SetLocation(layout_ == RegLayout::Expanded ? tr("Saving File with Expanded Structure") : tr("Saving File"));
   // Before the root gets another text, which decides what is written.
@@ -78,7 +80,7 @@ form_REG::SaveOutcome form_REG::Save(const SaveRequest& request) {
 }
 
 form_REG::SaveOutcome form_REG::ConfirmWrite(const SaveRequest& request) {
-  if (large_output_is_allowed_) return SaveOutcome::Saved;
+  if (large_output_is_allowed_ || IsWhole()) return SaveOutcome::Saved;
   const std::uint64_t bytes = RegOutputBytes(document_, layout_);
   if (bytes <= kLargeOutput) return SaveOutcome::Saved;
   if (request.caller == SaveRequest::Caller::AutoSave) {
@@ -124,6 +126,7 @@ void form_REG::TellLosses(const RegLosses& losses) {
 }
 
 PartProducer form_REG::ProducerIn(RegLayout layout) const {
+  if (IsWhole()) return [this, layout](const PartSink& put) { return WriteWholeReg(document_, layout, put); };
   return [this, layout](const PartSink& put) { return WriteReg(document_, layout, put); };
 }
 
@@ -136,7 +139,7 @@ TextFormat form_REG::FormatToWrite() const {
 }
 
 bool form_REG::HoldsWholeFile() const {
-  return TreeDocumentWindow::HoldsWholeFile() && LossesOf(document_, layout_).fingerprint == 0;
+  return TreeDocumentWindow::HoldsWholeFile() && (IsWhole() || LossesOf(document_, layout_).fingerprint == 0);
 }
 
 PartProducer form_REG::ProducerWithProgress() {
@@ -156,7 +159,8 @@ PartProducer form_REG::ProducerWithProgress() {
 }
 
 void form_REG::PrintDoc(QPrinter& printer) {
-  if (const std::uint64_t size = RegOutputBytes(document_, RegLayout::Expanded); size > kLargeOutput) {
+  const std::uint64_t size = IsWhole() ? 0 : RegOutputBytes(document_, RegLayout::Expanded);
+  if (size > kLargeOutput) {
     global_.dialogs.MsgBox(
         tr("So many keys share their names that the printout would have %1.  That is too much to print.")
             .arg(SizeText(size)),

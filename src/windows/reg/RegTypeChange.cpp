@@ -1,4 +1,4 @@
-#include "windows/reg/RegConversion.h"
+#include "windows/reg/RegTypeChange.h"
 
 #include <charconv>
 #include <optional>

@@ -1,0 +1,198 @@
+// What form_REG does when its document is held whole.
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTreeView>
+#include <algorithm>
+#include <span>
+
+#include "documents/reg/RegWholeReader.h"
+#include "documents/reg/RegWholeWriter.h"
+#include "shell/DisplayText.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/LongWork.h"
+#include "shell/WaitCursor.h"
+#include "shell/mdform_TMEditor.h"
+#include "system/Dialogs.h"
+#include "windows/reg/RegClipboard.h"
+#include "windows/reg/RegKeyModel.h"
+#include "windows/reg/RegValueModel.h"
+#include "windows/reg/RegValueText.h"
+#include "windows/reg/RegWholeCommands.h"
+#include "windows/reg/form_REG.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+/// Items that whole holding adds to the menus.
+constexpr const char* kWholeItems[] = {
+    "menu_EditNewExpandString", "menu_EditNewMultiString", "menu_EditNewQword", "menu_EditRegClipboard",
+    "menu_EditRegCut",          "menu_EditRegCopy",        "menu_EditRegPaste", "menu_EditRegClipboardEnd",
+    "menu_EditWriteDeletion",   "menu_ViewShowComments",
+};
+
+}  // namespace
+
+form_REG::ReadEnd form_REG::ReadWhole(std::string text) {
+  {
+    LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
+    RegWholeOptions options;
+    if (const TextEncoding encoding = file_.Format().encoding;
+        encoding == TextEncoding::Utf16Le || encoding == TextEncoding::Utf16Be)
+      options.unsaid = RegVersion::Version5;
+    options.progress = [&work](std::uint64_t done, std::uint64_t all) { return work.GoOn(done, all); };
+    // Nothing of a document that is half read is painted.
+    TV->hide();
+    values_->ShowKey(nullptr);
+    const RegWholeResult result = ReadWholeReg(document_, std::move(text), options);
+    TV->show();
+    if (!IsOpen() || result.cancelled) return ReadEnd::Refused;
+    MarkRead(QString());
+    if (result.not_understood > 0)
+      AddNotice(Counted(result.not_understood, tr("1 line is not understood and stays as it is: line %2."),
+                        tr("%1 lines are not understood and stay as they are. The first one is line %2."))
+                    .replace(u"%2"_s, QLocale().toString(static_cast<qulonglong>(result.first_not_understood))),
+                HoldingButton(), NoticeLife::Document);
+  }
+  EndProgress();
+  RestoreView();
+  TV->setFocus();
+  return ReadEnd::Taken;
+}
+
+void form_REG::UpdateWholeCommands() {
+  GlobalMenus& menus = global_.menus;
+  for (const char* item : kWholeItems) menus.SetHidden(QLatin1StringView(item), !IsWhole());
+  if (!IsWhole()) return;
+  const RegTarget target = Target();
+  const RegTag tag = document_.Selected()->Tag();
+  const bool has_any = target.is_in_list ? !target.records.empty() : tag != RegTag::File;
+  const bool is_key = tag == RegTag::Hive || tag == RegTag::Branch;
+  menus.SetAvailable("menu_EditModify", target.is_in_list ? target.records.size() == 1 : tag == RegTag::Comment);
+  menus.SetAvailable("menu_EditNewKey", !target.is_in_list && whole_->CanAddValue());
+  for (const char* item : {"menu_EditNewString", "Menu_EditNewDword", "menu_EditNewBinary", "menu_EditNewExpandString",
+                           "menu_EditNewMultiString", "menu_EditNewQword"})
+    menus.SetAvailable(item, whole_->CanAddValue());
+  menus.SetAvailable("menu_EditRegCut", has_any);
+  menus.SetAvailable("menu_EditRegCopy", has_any || !target.is_in_list);
+  menus.SetAvailable("menu_EditRegPaste", whole_->CanPaste());
+  menus.SetAvailable("menu_EditDelete", has_any);
+  menus.SetAvailable("menu_EditWriteDeletion", whole_->CanHaveDeletions() && (target.is_in_list ? has_any : is_key));
+  menus.SetAvailable("menu_EditRename", whole_->CanRename(target));
+  menus.SetChecked("menu_ViewShowComments", document_.Comments() == RegComments::Shown);
+}
+
+RegTarget form_REG::Target() const {
+  RegTarget target;
+  target.is_in_list = FocusMarker == Focus::LV;
+  if (!target.is_in_list) return target;
+  QModelIndexList rows = LV->selectionModel()->selectedRows();
+  std::ranges::sort(rows, {}, &QModelIndex::row);
+  for (const QModelIndex& row : rows) target.records.push_back(values_->RecordOf(row));
+  return target;
+}
+
+void form_REG::RunWhole(bool (RegWholeCommands::*command)(const RegTarget&)) {
+  const RegTarget target = Target();
+  const int row = target.records.empty() ? -1 : values_->RowOf(target.records.front());
+  FollowEdit((whole_.get()->*command)(target), row);
+}
+
+void form_REG::FollowEdit(bool is_changed, int first_row) {
+  if (!is_changed) return;
+  const Focus focus = FocusMarker;
+  ShowKey();
+  if (const int last = values_->rowCount() - 1; first_row >= 0 && last >= 0) {
+    LV->setCurrentIndex(values_->index(std::min(first_row, last), 0));
+    LV->scrollTo(LV->currentIndex());
+  }
+  SetFocusMarker(focus);
+  SetChanged(true);
+}
+
+void form_REG::NewWholeValue(std::uint32_t type) {
+  if (!whole_->NewValue(type)) return;
+  FollowEdit(true, values_->rowCount());
+}
+
+void form_REG::EditNewExpandString() { NewWholeValue(reg_type::kExpandString); }
+
+void form_REG::EditNewMultiString() { NewWholeValue(reg_type::kMultiString); }
+
+void form_REG::EditNewQword() { NewWholeValue(reg_type::kQword); }
+
+void form_REG::EditWriteDeletion() {
+  if (IsWhole()) RunWhole(&RegWholeCommands::WriteDeletion);
+}
+
+void form_REG::EditCopy() {
+  const RegTarget target = Target();
+  if (!IsWhole() || (target.is_in_list && target.records.empty())) return;
+  const std::string text = target.is_in_list ? ClipboardText(document_, std::span(target.records))
+                                             : ClipboardText(document_, *document_.Selected());
+  QGuiApplication::clipboard()->setText(TextOf(text));
+}
+
+void form_REG::EditCut() {
+  const RegTarget target = Target();
+  const RegTag tag = document_.Selected()->Tag();
+  if (!IsWhole() || (target.is_in_list ? target.records.empty() : tag == RegTag::File || tag == RegTag::Comment))
+    return;
+  EditCopy();
+  const int row = target.records.empty() ? -1 : values_->RowOf(target.records.front());
+  for (const std::size_t record : target.records) document_.DeleteValue(record);
+  if (!target.is_in_list) document_.RemoveKey(document_.Selected());
+  FollowEdit(true, row);
+}
+
+void form_REG::EditPaste() {
+  if (!IsWhole() || !whole_->CanPaste()) return;
+  const QString text = QGuiApplication::clipboard()->text();
+  const std::uint64_t revision = document_.Revision();
+  RegNode* node = document_.Selected();
+  const int row_count = values_->rowCount();
+  RegPasteResult result;
+  {
+    const WaitCursor wait_cursor;
+    const std::string lines = WithFreeNames(document_, node, text.toStdString());
+    KeepExpanded([&] { result = document_.Paste(node, lines, CodingOf(document_)); });
+  }
+  if (document_.Revision() == revision) {
+    if (!text.isEmpty()) AddNotice(tr("The clipboard holds no keys and no values."));
+    return;
+  }
+  if (result.left_out > 0)
+    AddNotice(
+        node->Tag() == RegTag::File
+            ? tr("Values of the clipboard that belong to no key were not taken: select the key that is to have them.")
+            : Counted(result.left_out, tr("1 value was not taken, since this kind of file cannot say it."),
+                      tr("%1 values were not taken, since this kind of file cannot say them.")));
+  TV->expand(keys_->IndexOf(node));
+  FollowEdit(true, row_count);
+}
+
+void form_REG::KeepExpanded(const std::function<void()>& change) {
+  std::vector<RegNode*> expanded, open{document_.Root()};
+  while (!open.empty()) {
+    RegNode* node = open.back();
+    open.pop_back();
+    if (!TV->isExpanded(keys_->IndexOf(node))) continue;
+    expanded.push_back(node);
+    for (int row = 0; row < node->ChildCount(); ++row)
+      if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
+  }
+  change();
+  for (const RegNode* node : expanded) TV->setExpanded(keys_->IndexOf(node), true);
+  TV->scrollTo(TV->currentIndex());
+}
+
+void form_REG::ShowComments() {
+  if (!IsWhole()) return;
+  const bool is_shown = document_.Comments() == RegComments::Shown;
+  KeepExpanded([&] { document_.ShowComments(is_shown ? RegComments::Hidden : RegComments::Shown); });
+  UpdateCommands();
+}
+
+}  // namespace tme
