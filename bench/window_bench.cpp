@@ -9,43 +9,18 @@
 #include <chrono>
 #include <fstream>
 
+#include "BenchEditor.h"
 #include "IniInput.h"
 #include "documents/ini/IniReader.h"
 #include "files/FileBytes.h"
 #include "files/TextEncoding.h"
-#include "history/History.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
 #include "shell/RecoverySnapshots.h"
-#include "shell/mdform_TMEditor.h"
-#include "system/CommonDialog.h"
-#include "system/Dialogs.h"
-#include "system/InstanceLink.h"
-#include "system/RegistryAccess.h"
-#include "system/ShellUtilities.h"
-#include "windows/ini/form_INI.h"
 #include "windows/rich/RtfPad.h"
-#include "windows/rich/form_RTF.h"
-#include "windows/text/form_TXT.h"
 
 namespace tme {
 namespace {
-
-struct Editor {
-  RegistryAccess registry;
-  ShellUtilities shell_utilities;
-  Dialogs dialogs;
-  CommonDialog common_dialog;
-  InstanceLink link;
-  const QTemporaryDir history_folder;
-  History history{history_folder.path()};
-  mdform_TMEditor frame{{registry, shell_utilities, dialogs, common_dialog, link, history},
-                        [](Global& global, DocumentKind kind, int slot) -> DocumentWindow* {
-                          if (kind == DocumentKind::Txt) return new form_TXT(global, slot);
-                          if (kind == DocumentKind::Rtf) return new form_RTF(global, slot);
-                          return kind == DocumentKind::Ini ? new form_INI(global, slot) : nullptr;
-                        }};
-};
 
 QString InputFile() {
   static const QTemporaryDir folder;
