@@ -106,6 +106,33 @@ TEST_F(FormHistoryTest, OpensAsNewAndSavesCopies) {
   EXPECT_EQ(Text(1).File().Path(), u"");
 }
 
+TEST_F(FormHistoryTest, WhatWasHeldWholeComesBackWhole) {
+  const std::string bytes = "; 1\n; 2\n\n[B]\n[A]\n";
+  const QString path = File(u"a.ini"_s, bytes);
+  Start({path});
+  Ini().WholeFile();
+  Keep(DocumentKind::Ini, path, {";\n;\n"});
+  history_.versions.Keep({DocumentKind::Ini, path, u"a.ini"_s}, KeptReason::NotSaved, "[X]");
+  history_.versions.Keep({DocumentKind::Ini, path, u"a.ini"_s, Holding::Whole}, KeptReason::NotSaved,
+                         "; 1\n; 2\n\n[A]\n[B]\n");
+  form_History form(global_);
+  const struct {
+    int version;
+    Holding holding;
+    std::string content, said;
+  } rows[] = {{0, Holding::Whole, "; 1\n; 2\n\n[A]\n[B]\n",
+               "1 line only in this version (+), 1 line only in what is there now (-)."},
+              {3, Holding::Whole, ";\n;\n", {}},
+              {3, Holding::ByRules, "[X]\r\n\r\n", {}}};
+  for (const auto& [version, holding, content, said] : rows) {
+    Select(form, version);
+    EXPECT_TRUE(said.empty() || Said(form) == said) << Said(form) << ": order counts";
+    Click(form, u"cmd_Restore"_s);
+    EXPECT_EQ(Ini().GetHolding(), holding);
+    EXPECT_EQ(Ini().Content(), content);
+  }
+}
+
 TEST_F(FormHistoryTest, GoesFromDifferenceToDifference) {
   std::string now, kept, long_line(9'000, 'x');
   for (int line = 0; line < 40'000; ++line) {

@@ -66,6 +66,9 @@ class OptionsDialog : public Editor {
 TEST_F(OptionsDialog, OkSavesEverything) {
   Open();
   for (const char* name : {"cb_Notifications", "cb_SEM", "cb_MultiSelect", "cb_SendTo"}) Find<QCheckBox>(name).click();
+  ShowTab(1);
+  Find<QCheckBox>("cb_WholeINI").click();
+  ShowTab(0);
   Find<QRadioButton>("opt_DefOpen2").click();
   EnterMinutes(u"12"_s);
   ShowTab(3);
@@ -96,12 +99,14 @@ TEST_F(OptionsDialog, OkSavesEverything) {
                                                         {"Start Editors Max", "1"}, {"MultiSelect", "1"},
                                                         {"Default Open Type", "2"}, {"AutoSave", "12"}};
   for (const auto& [name, text] : values) EXPECT_EQ(Stored(QString::fromLatin1(name)).toStdString(), text) << name;
+  EXPECT_EQ(Stored(u"Whole File"_s, kIniKey) + Stored(u"Whole File"_s, kRegKey), u"10");
   EXPECT_EQ(Stored(u"File Filter"_s, kTxtKey), Settings().txt_filter + u";*.LOG"_s);
   EXPECT_EQ(Stored(u"File Filter"_s, kRtfKey), u"*.WRI;*.LOG");
   EXPECT_EQ(Stored(u"Default Font"_s, kTxtKey) + Stored(u"Default Size"_s, kTxtKey), u"Monospace14");
 
   Open();
   EXPECT_TRUE(Find<QCheckBox>("cb_SendTo").isChecked());
+  EXPECT_TRUE(Find<QCheckBox>("cb_WholeINI").isChecked());
   EXPECT_TRUE(Find<QRadioButton>("opt_DefOpen2").isChecked());
   EXPECT_EQ(Find<QLineEdit>("txt_AutoSave").text(), u"12");
   Find<QCheckBox>("cb_SEM").click();
@@ -200,6 +205,7 @@ TEST_F(OptionsDialog, TabWalksInTheOrderOfReading) {
   const std::pair<int, const char*> rows[] = {
       {0,
        "cb_SEM cb_ContainSRD cb_Notifications cb_MultiSelect opt_DefOpen0 cb_AutoSave txt_AutoSave cb_SendTo Check1 "},
+      {2, "cb_WholeREG "},
       {3, "txt_ext cmd_Add list_text cmd_Remove txt_txtfont txt_txtsize cmd_SetFS "},
       {4, "txt_ext cmd_RTFAdd list_rtf Cmd_RTFRemove "}};
   for (const auto& [tab, names] : rows) {

@@ -144,6 +144,11 @@ void DocumentWindow::AddNotice(const QString& sentence, std::vector<NoticeAction
   notice_bar_->Add(sentence, std::move(actions), life);
 }
 
+void DocumentWindow::SetNotices(const std::vector<NoticeBar::Notice>& notices) {
+  notice_bar_->Clear();
+  for (const NoticeBar::Notice& notice : notices) AddNotice(notice.sentence, notice.actions, notice.life);
+}
+
 void DocumentWindow::WithdrawNotice(const QString& sentence) { notice_bar_->Remove(sentence); }
 
 NoticeAction DocumentWindow::FileHistoryButton() {

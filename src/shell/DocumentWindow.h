@@ -133,8 +133,9 @@ class DocumentWindow : public QWidget {
   /// The content joins the history as one that reached no file. False when it could not.
   bool KeepContent();
 
-  /// Nothing of what was said holds any more.
-  void ClearNotices() { notice_bar_->Clear(); }
+  /// What is said, and what is to be said in its place.
+  std::vector<NoticeBar::Notice> Notices() const { return notice_bar_->Notices(); }
+  void SetNotices(const std::vector<NoticeBar::Notice>& notices);
 
   // What differs between the kinds in a save; the order is that of the calls.
   virtual SaveDialogTexts SaveTexts() const = 0;

@@ -29,6 +29,12 @@ class NoticeBar : public QFrame {
  public:
   explicit NoticeBar(QWidget* parent);
 
+  struct Notice {
+    QString sentence;
+    std::vector<NoticeAction> actions{};
+    NoticeLife life{};
+  };
+
   /// Adds a sentence and its buttons to what stands there and shows the bar. A sentence that stands there already is
   /// not said twice, and of two buttons with one caption the later one counts. An empty sentence is ignored with its
   /// buttons.
@@ -39,6 +45,7 @@ class NoticeBar : public QFrame {
   void Clear();
   /// The document was saved: takes away what was about it before.
   void EndUntilSave();
+  const std::vector<Notice>& Notices() const { return notices_; }
   QString Text() const;
   /// Puts the focus on the first button that shows, since areas that take the Tab leave no other way to it.
   void FocusFirst();
@@ -54,11 +61,6 @@ class NoticeBar : public QFrame {
   /// Gives the text its height and the buttons their place for the width there is.
   void Arrange();
 
-  struct Notice {
-    QString sentence;
-    std::vector<NoticeAction> actions;
-    NoticeLife life;
-  };
   std::vector<Notice> notices_;
   QLabel* label_;
   QScrollArea* area_;

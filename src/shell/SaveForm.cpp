@@ -86,12 +86,13 @@ std::optional<SaveForm> AskForSaveForm(QWidget* parent, const std::vector<FormKi
       const auto chosen = static_cast<std::size_t>(kind->Chosen());
       encodings.Choose(static_cast<int>(chosen == present.kind ? present.encoding : kinds[chosen].encoding));
     });
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, &dialog);
   QPushButton* save = buttons->addButton(FormTexts::tr("&Save As..."), QDialogButtonBox::AcceptRole);
   save->setDefault(true);
   QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
   QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
   column->addWidget(buttons);
+  (kind ? kind->Box() : encodings.Box()).setFocus();
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   return SaveForm{kind ? static_cast<std::size_t>(kind->Chosen()) : 0, static_cast<TextEncoding>(encodings.Chosen()),
                   static_cast<LineEnds>(ends.Chosen())};

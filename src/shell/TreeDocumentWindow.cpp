@@ -40,7 +40,6 @@ void TreeDocumentWindow::ShowHolding() {
                            "File changes that.")
                       : tr("The file is read by the editor's rules: what they do not take is left out, and the rest "
                            "gets their order and form.  View, Whole File keeps all of it."));
-  badge_->setVisible(CanHoldWhole());
 }
 
 void TreeDocumentWindow::UpdateCommands() {
@@ -52,13 +51,12 @@ void TreeDocumentWindow::UpdateCommands() {
 }
 
 std::vector<NoticeAction> TreeDocumentWindow::HoldingButton() {
-  if (!CanHoldWhole()) return {};
   const bool is_whole = GetHolding() == Holding::Whole;
   return {{is_whole ? tr("Show by the Rules") : tr("Show the Whole File"), [this] { WholeFile(); }}};
 }
 
 void TreeDocumentWindow::SetHolding(Holding holding) {
-  file_.Hold(CanHoldWhole() ? holding : Holding::ByRules);
+  file_.Hold(holding);
   ShowHolding();
   TreeDocumentWindow::UpdateCommands();
 }
@@ -78,14 +76,16 @@ void TreeDocumentWindow::PutContent(std::string bytes, Holding holding) {
   } else {
     DecodedText decoded = DecodeText(std::move(bytes));
     file_.SetFormat(decoded.format);
+    is_putting_ = true;
     ReadText(std::move(decoded.text));
+    is_putting_ = false;
     file_.MarkModified();
   }
   SetChanged(true);
 }
 
 TreeDocumentWindow::ReadEnd TreeDocumentWindow::ReadBytes(std::string bytes, Holding holding) {
-  ClearNotices();
+  SetNotices({});
   SetHolding(holding);
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
@@ -114,16 +114,13 @@ bool TreeDocumentWindow::ConfirmSwitch() {
 }
 
 void TreeDocumentWindow::WholeFile() {
-  if (!CanHoldWhole() || !ConfirmSwitch()) return;
-  const Holding before = GetHolding();
+  if (!ConfirmSwitch()) return;
   const bool has_file = !file_.Path().isEmpty();
   if (!KeepUnsaved()) {
     AddNotice(tr("The changes could not be kept in the history, so the document stays as it is."));
     return;
   }
-  // Whole reading asks nothing, so only on the way to the rules can the user turn back.
-  Held held{{}, IsModified(), file_.IsChanged()};
-  if (before == Holding::Whole) held.content = Content();
+  const Held held = HeldNow();
   std::string bytes;
   if (!has_file) {
     bytes = TextForOtherHolding();
@@ -131,17 +128,25 @@ void TreeDocumentWindow::WholeFile() {
   } else if (const std::optional<FileFailure> failure = file_.Read(bytes)) {
     return ShowReadFailure(file_.Path(), *failure);
   }
-  if (ReadBytes(std::move(bytes), OtherThan(before)) != ReadEnd::Taken)
+  const ReadEnd end = ReadBytes(std::move(bytes), OtherThan(held.holding));
+  if (!IsOpen()) return;
+  if (end != ReadEnd::Taken)
     PutBack(held);
   else if (!has_file)
     MarkAs(held);
   setFocus();  // it may have been on a button of the notice, which is gone
 }
 
+TreeDocumentWindow::Held TreeDocumentWindow::HeldNow() {
+  return {GetHolding(), Content(), file_.Format(), IsModified(), file_.IsChanged(), Notices()};
+}
+
 void TreeDocumentWindow::PutBack(const Held& held) {
   MarkUnmodified();
-  ReadBytes(held.content, Holding::Whole);
+  PutContent(held.content, held.holding);
+  file_.SetFormat(held.format);
   MarkAs(held);
+  SetNotices(held.notices);
 }
 
 void TreeDocumentWindow::MarkAs(const Held& held) {

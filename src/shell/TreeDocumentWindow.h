@@ -21,8 +21,6 @@ class TreeDocumentWindow : public DocumentWindow {
       : DocumentWindow(global, kind, slot), always_whole_(always_whole) {}
 
   Holding GetHolding() const { return file_.HeldAs(); }
-  /// Whether a document can be held whole here.
-  virtual bool CanHoldWhole() const { return false; }
 
   void PutContent(std::string bytes, Holding holding) override;
 
@@ -55,19 +53,24 @@ class TreeDocumentWindow : public DocumentWindow {
   enum class ReadEnd : std::uint8_t {
     Taken,         ///< as far as the holding takes it
     NothingTaken,  ///< the user stopped it, and the document is empty
-    Refused,       ///< the user would have no document of it
+    Refused,       ///< the user would have no document of it, or the window has none any more
   };
   /// Makes the window's document anew from a text, in the document's holding, with its questions and notices. Calls
   /// MarkRead once it is taken, before it shows a message. The format of the file is the text's already.
   virtual ReadEnd ReadText(std::string text) = 0;
   /// The same by the rules for bytes that the program kept: whatever edits made comes back, and nothing is asked.
   virtual void PutByRules(std::string bytes) = 0;
+  /// False while a content is put into the document that is nowhere else.
+  bool MayStopReading() const { return !is_putting_; }
   /// A text that holds as much of the document as its files can.
   virtual std::string TextForOtherHolding() { return Content(); }
 
   /// A document that is held whole makes the same bytes again, and a million of them are compared sooner than kept,
   /// written and flushed.
   bool LeavesEqualFile() const override { return GetHolding() == Holding::Whole; }
+
+  /// Which line of the document has a character that the encoding has no place for, for people; empty for none.
+  QString UnfitLine(const TextFormat& format);
 
   /// A document begins: it is held as the settings say.
   void HoldAsSettings();
@@ -80,12 +83,16 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Reads bytes into the document in a holding, and clears what was said of it before.
   ReadEnd ReadBytes(std::string bytes, Holding holding);
   void SetHolding(Holding holding);
-  /// A document that is held whole, to be put back.
+  /// A document, to be put back.
   struct Held {
+    Holding holding;
     std::string content;
+    TextFormat format;
     bool is_modified;
     bool is_changed;
+    std::vector<NoticeBar::Notice> notices;
   };
+  Held HeldNow();
   void PutBack(const Held& held);
   /// What the document holds is in its file, or not.
   void MarkAs(const Held& held);
@@ -95,6 +102,7 @@ class TreeDocumentWindow : public DocumentWindow {
 
   bool Settings::*const always_whole_;
   QLabel* badge_ = nullptr;
+  bool is_putting_ = false;
 };
 
 }  // namespace tme

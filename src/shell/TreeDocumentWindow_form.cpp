@@ -15,37 +15,27 @@ namespace {
 
 QString NameOfEncoding(TextEncoding encoding) { return QString::fromUtf8(EncodingName(encoding)); }
 
-/// The first line that the encoding has no place for, from 1; 0 for none.
-struct UnfitLine {
-  qulonglong number = 0;
-  std::string_view text;
-};
-UnfitLine FirstUnfitLine(std::string_view text, const TextFormat& format) {
+}  // namespace
+
+QString TreeDocumentWindow::UnfitLine(const TextFormat& format) {
+  TextEncoder encoder(format);
+  if (Producer()([&encoder](std::string_view part) { return encoder.Encode(part).has_value(); })) return {};
+  const std::string text = DocumentFile::BytesOf(nullptr, Producer());
   LineReader lines(text);
-  UnfitLine found;
-  for (std::string_view line; lines.Next(line);) {
-    ++found.number;
-    found.text = line;
-    if (!TextEncoder(format).Encode(line)) return found;
-  }
+  for (std::string_view line; lines.Next(line);)
+    if (!TextEncoder(format).Encode(line))
+      return tr("line %1:\r%2").arg(QString::number(lines.Number()), DisplayText(line, kMaxCharactersInMessage));
   return {};
 }
 
-}  // namespace
-
 bool TreeDocumentWindow::FitsOrIsAgreed(TextFormat& format) {
   const WaitCursor wait_cursor;
-  std::string text = DocumentFile::BytesOf(nullptr, Producer());
   const TextFormat wanted = format;
-  EncodeText(text, format);
+  EncodeText(DocumentFile::BytesOf(nullptr, Producer()), format);
   if (format.encoding == wanted.encoding) return true;
-  const UnfitLine unfit = FirstUnfitLine(text, wanted);
-  const QString why =
-      unfit.number > 0
-          ? tr("%1 has no place for a character of line %2:\r%3")
-                .arg(NameOfEncoding(wanted.encoding), QString::number(unfit.number),
-                     DisplayText(unfit.text, kMaxCharactersInMessage))
-          : tr("Bytes of this text in %1 would be read as another encoding.").arg(NameOfEncoding(wanted.encoding));
+  const QString unfit = UnfitLine(wanted), name = NameOfEncoding(wanted.encoding);
+  const QString why = unfit.isEmpty() ? tr("This text in %1 would be read as another encoding.").arg(name)
+                                      : tr("There is no place in %1 for a character of %2").arg(name, unfit);
   return global_.dialogs.Choose(why, {tr("&Save as %1").arg(NameOfEncoding(format.encoding)), tr("Cancel")},
                                 MsgIcon::Question, tr("Save As Another Form")) == 0;
 }
@@ -60,7 +50,7 @@ void TreeDocumentWindow::SaveAsAnotherForm() {
   if (!FitsOrIsAgreed(format)) return;
   const QString path = AskForSavePath(global_, SaveTexts());
   if (path.isEmpty()) return;
-  const Held before{Content(), IsModified(), file_.IsChanged()};
+  const Held before = HeldNow();
   if (form->kind != present.kind) BecomeKind(form->kind);
   SetLineEnds(form->line_ends);
   file_.SetFormat(format);

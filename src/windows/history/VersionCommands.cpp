@@ -19,6 +19,15 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+
+/// A file's own bytes can be held whole by a window that holds its document so; anything else comes back as it was.
+Holding HoldingFor(const KeptVersion& version, const DocumentWindow& window) {
+  return version.reason == KeptReason::BeforeSave && window.File().HeldAs() == Holding::Whole ? Holding::Whole
+                                                                                              : version.origin.holding;
+}
+
+}  // namespace
 
 void VersionCommands::Say(const QString& text) {
   global_.dialogs.MsgBox(text, MsgButtons::Ok, MsgIcon::Warning, kProgramTitle);
@@ -57,7 +66,7 @@ bool VersionCommands::OpenAsNew(const KeptVersion& version) {
   std::optional<std::string> content = ContentOf(version);
   DocumentWindow* window = content ? NewDocument(global_, version.origin.kind) : nullptr;
   if (!window) return false;
-  window->PutContent(std::move(*content), version.origin.holding);
+  window->PutContent(std::move(*content), HoldingFor(version, *window));
   window->AddNotice(tr("This is %1 as it was kept at %2.").arg(ShownName(version.origin), ShownTime(version.time)));
   return true;
 }
@@ -106,7 +115,7 @@ bool VersionCommands::Restore(const KeptVersion& version) {
   }
   // A file that is not open need not be there any more: its document comes back without it.
   if (window)
-    window->PutContent(std::move(*content), version.origin.holding);
+    window->PutContent(std::move(*content), HoldingFor(version, *window));
   else
     global_.documents.At(version.origin.kind, slot)->ShowKept(version.origin, std::move(*content));
   return true;

@@ -91,7 +91,8 @@ void Compare(const ContentStore& contents, const KeptVersion& version, std::opti
   result.now_text = ReadableText(version.origin.kind, std::move(*now));
   CompareTexts(result);
   result.outcome = result.only_here + result.only_now == 0 ? Outcome::SameLines : Outcome::Different;
-  if (result.outcome == Outcome::Different && version.origin.kind == DocumentKind::Ini) CompareSorted(result);
+  const bool is_sorted = version.origin.kind == DocumentKind::Ini && version.origin.holding == Holding::ByRules;
+  if (result.outcome == Outcome::Different && is_sorted) CompareSorted(result);
 }
 
 QString Summary(const VersionComparison& comparison, const KeptVersion& version, const QString& history_folder) {

@@ -51,8 +51,6 @@ class form_INI : public TreeDocumentWindow {
   /// In whole holding: arranges the tree by name, or as in the file again. The file stays as it is.
   Q_INVOKABLE void SortByName();
 
-  bool CanHoldWhole() const override { return true; }
-
   /// The document as it stands.
   const IniTree& Tree() const { return tree_; }
 

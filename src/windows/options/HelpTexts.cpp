@@ -95,6 +95,14 @@ constexpr std::array kTexts = {
         "minute on up."),
     // 117
     QT_TRANSLATE_NOOP("HelpTexts", "Your entry for the time is not valid.  You must enter a number greater than 1."),
+    // 118
+    QT_TRANSLATE_NOOP(
+        "HelpTexts",
+        "By the rules of this editor, opening a file leaves out what they do not take, and puts the rest in their "
+        "order "
+        "and form.##If this option is checked, each file is kept whole: all of it is shown in its own order, a save "
+        "without an edit writes the same bytes, and an edit changes its own lines alone.##View, Whole File changes "
+        "between the two for one document."),
 };
 
 constexpr std::array kTopics = {
@@ -108,6 +116,8 @@ constexpr std::array kTopics = {
     HelpTopic{"Frame3", QT_TRANSLATE_NOOP("HelpTexts", "RTF File Filter Help"), 105},
     HelpTopic{"cb_MultiSelect", QT_TRANSLATE_NOOP("HelpTexts", "MultiSelect Help"), 114},
     HelpTopic{"opt_DefOpen", QT_TRANSLATE_NOOP("HelpTexts", "Default Filter Type Help"), 115},
+    HelpTopic{"cb_WholeINI", QT_TRANSLATE_NOOP("HelpTexts", "Whole File Help"), 118},
+    HelpTopic{"cb_WholeREG", QT_TRANSLATE_NOOP("HelpTexts", "Whole File Help"), 118},
     HelpTopic{"cb_AutoSave", QT_TRANSLATE_NOOP("HelpTexts", "AutoSave Help"), 116},
     HelpTopic{"txt_AutoSave", QT_TRANSLATE_NOOP("HelpTexts", "AutoSave Help"), 116},
 };

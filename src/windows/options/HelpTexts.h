@@ -6,7 +6,7 @@
 
 namespace tme {
 
-/// The string table of the options, 101 to 117; "#" stands for a line break (see ShellUtilities::FormatHelpText).
+/// The string table of the options, 101 to 118; "#" stands for a line break (see ShellUtilities::FormatHelpText).
 /// Spelling and doubled blanks belong to the texts. Empty for any other identifier.
 QString HelpText(int id);
 

@@ -60,6 +60,8 @@ class form_TMEOptions : public QDialog {
   /// A box for one of kFlags.
   void AddFlag(QVBoxLayout* column, const QString& name, const QString& caption, bool Settings::*field);
   void BuildGeneralTab(QVBoxLayout* column);
+  /// name: of the box.
+  void BuildTreeTab(QVBoxLayout* column, const QString& name, bool Settings::*always_whole);
   void BuildDefaultOpenType(QVBoxLayout* column);
   void BuildAutoSave(QVBoxLayout* column);
   void BuildDefaultDisplay(QVBoxLayout* column);

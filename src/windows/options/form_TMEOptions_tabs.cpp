@@ -63,18 +63,11 @@ void form_TMEOptions::BuildTabs() {
   TS->setElideMode(Qt::ElideNone);
   TS->tabBar()->setAccessibleName(tr("Option pages"));
 
-  const auto add_empty = [this](const QString& caption, const QString& tool_tip, const QString& text) {
-    QVBoxLayout* column = AddTab(caption, tool_tip);
-    QLabel* label = PlainLabel(text);
-    label->setWordWrap(true);
-    column->addWidget(label);
-    column->addStretch();
-  };
   BuildGeneralTab(AddTab(tr("General"), tr("General Program Options")));
-  add_empty(tr("INI Editor"), tr("Options specific to the INI Editor"),
-            tr("The INI editor has no options of its own."));
-  add_empty(tr("REG Editor"), tr("Options specific to the REG Editor"),
-            tr("The REG editor has no options of its own."));
+  BuildTreeTab(AddTab(tr("INI Editor"), tr("Options specific to the INI Editor")), u"cb_WholeINI"_s,
+               &Settings::ini_whole);
+  BuildTreeTab(AddTab(tr("REG Editor"), tr("Options specific to the REG Editor")), u"cb_WholeREG"_s,
+               &Settings::reg_whole);
   BuildExtensionBox();
   QVBoxLayout* txt = AddTab(tr("TXT Editor"), tr("Options specific to the TXT Editor"));
   txt->addWidget(BuildFilter(Txt, u"Frame2"_s, tr("Text Files")), 1);
@@ -144,6 +137,16 @@ void form_TMEOptions::BuildGeneralTab(QVBoxLayout* column) {
   cb_SendTo =
       AddCheckBox(manager, u"cb_SendTo"_s, tr("Offer the editor under %1").arg(ShellIntegration::SendToPlace()));
   Check1 = AddCheckBox(manager, u"Check1"_s, tr("Offer the editor in the context &menu of all files"));
+  column->addStretch();
+}
+
+void form_TMEOptions::BuildTreeTab(QVBoxLayout* column, const QString& name, bool Settings::*always_whole) {
+  AddFlag(column, name, tr("Always &keep the whole file"), always_whole);
+  QLabel* label = PlainLabel(
+      tr("Files then open with all that they hold, in its order, and an edit changes its own lines alone.  View, Whole "
+         "File chooses for one document."));
+  label->setWordWrap(true);
+  column->addWidget(label);
   column->addStretch();
 }
 

@@ -73,13 +73,17 @@ class form_REG : public TreeDocumentWindow {
   SaveOutcome SavePlain(const SaveRequest& request) override { return SaveIn(RegLayout::Regular, request); }
   std::string Content() override;
   bool HoldsWholeFile() const override;
-  bool CanHoldWhole() const override { return true; }
 
  protected:
   ReadEnd ReadText(std::string text) override;
   void PutByRules(std::string bytes) override;
   LineEnds UsedLineEnds() const override { return document_.Lines().UsedLineEnds(); }
   void SetLineEnds(LineEnds ends) override { document_.SetLineEnds(ends); }
+  std::vector<FormKind> FormKinds() const override;
+  std::size_t PresentKind() const override;
+  bool ConfirmKind(std::size_t kind) override;
+  void BecomeKind(std::size_t kind) override;
+  std::string TextForOtherHolding() override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   SaveDialogTexts SaveTexts() const override;
@@ -105,6 +109,9 @@ class form_REG : public TreeDocumentWindow {
   void ReadColumnWidths();
   void WriteColumnWidth(int column, int pixels);
 
+  /// A character without a byte in the code page makes a REGEDIT4 file one of version 5.00, if the user agrees.
+  SaveOutcome ConfirmCharacters(const SaveRequest& request);
+  void BecomeVersion(RegVersion target);
   bool IsWhole() const { return document_.HeldAs() == Holding::Whole; }
   ReadEnd ReadWhole(std::string text);
   void UpdateWholeCommands();

@@ -80,7 +80,8 @@ form_REG::SaveOutcome form_REG::Save(const SaveRequest& request) {
 }
 
 form_REG::SaveOutcome form_REG::ConfirmWrite(const SaveRequest& request) {
-  if (large_output_is_allowed_ || IsWhole()) return SaveOutcome::Saved;
+  if (IsWhole()) return ConfirmCharacters(request);
+  if (large_output_is_allowed_) return SaveOutcome::Saved;
   const std::uint64_t bytes = RegOutputBytes(document_, layout_);
   if (bytes <= kLargeOutput) return SaveOutcome::Saved;
   if (request.caller == SaveRequest::Caller::AutoSave) {

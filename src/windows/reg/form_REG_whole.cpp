@@ -42,7 +42,9 @@ form_REG::ReadEnd form_REG::ReadWhole(std::string text) {
     if (const TextEncoding encoding = file_.Format().encoding;
         encoding == TextEncoding::Utf16Le || encoding == TextEncoding::Utf16Be)
       options.unsaid = RegVersion::Version5;
-    options.progress = [&work](std::uint64_t done, std::uint64_t all) { return work.GoOn(done, all); };
+    options.progress = [this, &work](std::uint64_t done, std::uint64_t all) {
+      return work.GoOn(done, all) || !MayStopReading();
+    };
     // Nothing of a document that is half read is painted.
     TV->hide();
     values_->ShowKey(nullptr);
