@@ -1,7 +1,6 @@
-#include "documents/reg/RegData.h"
-
 #include <gtest/gtest.h>
 
+#include "documents/reg/RegData.h"
 #include "files/CodePage.h"
 
 namespace tme {
