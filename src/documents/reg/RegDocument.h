@@ -321,6 +321,8 @@ class RegDocument {
   RegPiece KindOf(SourceLines::Piece piece) const { return static_cast<RegPiece>(lines_.Kind(piece)); }
   void AddHeaderLine(RegNode* node);
   SourceLines::Piece MakeRoomBehind(std::uint32_t& header);
+  SourceLines::Piece AddValueLine(const RegNode* key, std::string_view name, std::string_view assignment);
+  SourceLines::Piece AddPairLine(RegNode* key, std::string_view assignment);
   bool PutAssignment(std::size_t record, std::string_view assignment);
   void ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text);
   void FollowPiece(std::size_t record);

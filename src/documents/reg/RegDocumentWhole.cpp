@@ -62,42 +62,48 @@ RegNode* RegDocument::AddKey(RegNode* parent, std::string_view name) {
 }
 
 std::size_t RegDocument::AddValue(RegNode* key, std::string_view name, std::string_view assignment) {
-  const bool is_pair = version_ == RegVersion::Regedit;
   if (key->place_ == 0) AddHeaderLine(key);
-  SourceLines::Piece place = BlockEnd(key->place_);
-  const std::string end(lines_.LineEndBehind(place));
+  const bool is_pair = version_ == RegVersion::Regedit;
+  const SourceLines::Piece piece = is_pair ? AddPairLine(key, assignment) : AddValueLine(key, name, assignment);
   const std::size_t record = values_.size();
-  if (is_pair) {
-    // Its own line, which says that the key is there, becomes the value's, or another one stands behind it.
-    const std::string line = key->KeyPath().append(" = ").append(assignment);
-    place = headers_[key->place_].piece;
-    if (KindOf(place) == RegPiece::Key) {
-      lines_.Replace(place, line + end);
-    } else {
-      const std::uint32_t behind = key->place_;
-      place = lines_.InsertBehind(BlockEnd(behind), line + end, kValuePiece);
-      LinkHeader(key, place, behind);
-    }
-    lines_.SetKind(place, static_cast<std::uint8_t>(RegPiece::Pair));
-  } else {
-    std::string line = QuotedRegName(name) + '=';
-    SourceLines::Piece above = place;
-    while (KindOf(above) == RegPiece::Comment || KindOf(above) == RegPiece::Other) above = lines_.Previous(above);
-    const std::string_view style = KindOf(above) == RegPiece::Value ? lines_.Text(above) : std::string_view();
-    if (const std::optional<RegValuePlace> like = PlaceIn(style, RegPiece::Value)) {
-      const std::size_t name_end = like->name.End();
-      line = std::string(style.substr(0, like->name.at)) + QuotedRegName(name);
-      line.append(style.substr(name_end, like->assignment.at - name_end));
-    }
-    line.append(WrapAssignment(line, assignment, end));
-    place = lines_.InsertBehind(place, line + end, kValuePiece);
-  }
   AppendRecord(key, RegType::None, texts_.Copy(is_pair ? "" : name), texts_.Copy(assignment));
-  values_[record].piece = place;
+  values_[record].piece = piece;
   FollowPiece(record);
   ++revision_;
   observer_->ValueAdded(record);
   return record;
+}
+
+SourceLines::Piece RegDocument::AddValueLine(const RegNode* key, std::string_view name, std::string_view assignment) {
+  const SourceLines::Piece place = BlockEnd(key->place_);
+  std::string line = QuotedRegName(name) + '=';
+  SourceLines::Piece above = place;
+  while (KindOf(above) == RegPiece::Comment || KindOf(above) == RegPiece::Other) above = lines_.Previous(above);
+  const std::string_view style = KindOf(above) == RegPiece::Value ? lines_.Text(above) : std::string_view();
+  if (const std::optional<RegValuePlace> like = PlaceIn(style, RegPiece::Value)) {
+    const std::size_t name_end = like->name.End();
+    line = std::string(style.substr(0, like->name.at)) + QuotedRegName(name);
+    line.append(style.substr(name_end, like->assignment.at - name_end));
+  }
+  line.append(WrapAssignment(line, assignment, lines_.LineEndBehind(place)));
+  return lines_.InsertBehind(place, line, kValuePiece);
+}
+
+/// The line that says that the key is there becomes the value's, or another one stands behind it.
+SourceLines::Piece RegDocument::AddPairLine(RegNode* key, std::string_view assignment) {
+  const std::string text = std::string(" = ").append(assignment);
+  SourceLines::Piece piece = headers_[key->place_].piece;
+  if (KindOf(piece) == RegPiece::Key) {
+    const std::string_view line = FirstLineOf(lines_.Text(piece));
+    const std::size_t path_end = FindRegPair(line)->place.name.End();
+    ReplaceIn(piece, {path_end, line.size() - path_end}, text);
+  } else {
+    const std::uint32_t behind = key->place_;
+    piece = lines_.InsertBehind(BlockEnd(behind), key->KeyPath() + text, kValuePiece);
+    LinkHeader(key, piece, behind);
+  }
+  lines_.SetKind(piece, static_cast<std::uint8_t>(RegPiece::Pair));
+  return piece;
 }
 
 void RegDocument::SetAssignment(std::size_t record, std::string_view assignment) {
