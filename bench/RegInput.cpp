@@ -87,4 +87,17 @@ std::string MakeRegInput(std::size_t keys, std::size_t values_per_key) {
   return text;
 }
 
+std::string WithTypedValues(std::string text) {
+  constexpr std::string_view kPlain = "=hex:";
+  std::string typed;
+  typed.reserve(text.size() + text.size() / 32);
+  std::size_t from = 0;
+  for (std::size_t at = text.find(kPlain), count = 0; at != std::string::npos;
+       at = text.find(kPlain, at + 1), ++count) {
+    typed.append(text, from, at - from).append(count % 2 == 0 ? "=hex(2):" : kPlain);
+    from = at + kPlain.size();
+  }
+  return typed.append(text, from);
+}
+
 }  // namespace tme

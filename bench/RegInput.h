@@ -10,4 +10,7 @@ namespace tme {
 /// ten values each are about 52 MB and 1.4 million lines. The same on every run and system.
 std::string MakeRegInput(std::size_t keys, std::size_t values_per_key);
 
+/// The same with a type number on each second hex value.
+std::string WithTypedValues(std::string text);
+
 }  // namespace tme

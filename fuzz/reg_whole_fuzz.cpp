@@ -352,8 +352,11 @@ class Edit {
 };
 
 /// Lines that mean something else where others stand before them: hex that goes on in nothing, a first line that is not
-/// the first.
+/// the first, a hive whose name makes its header a deletion.
 bool DependsOnPlace(const RegDocument& document, const RegWholeResult& result) {
+  const RegNode& root = *document.Root();
+  for (int row = 0; row < root.ChildCount(); ++row)
+    if (root.Child(row)->Text().starts_with('-')) return true;
   return !result.has_header || result.not_understood > 0 ||
          std::ranges::any_of(document.Values(), [](const RegValueRecord& value) { return value.data.ends_with('\\'); });
 }

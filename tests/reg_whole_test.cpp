@@ -202,5 +202,94 @@ TEST(RegWhole, BecomesAnotherVersion) {
   EXPECT_NE(WholeText(document).find("\"w\"=hex(7):e9,00,00,00,00,00 ;c"), std::string::npos);
 }
 
+/// A file as a list of lines, edited by looking at them. Every value has another name.
+class LineModel {
+ public:
+  std::vector<std::string> lines{"REGEDIT4", "", "[H\\a]", "\"0\"=\"0\"", "", "[H\\b]", "", "[H\\a\\c]", "[H\\A]"};
+
+  std::string Text() const {
+    std::string text;
+    for (const std::string& line : lines) text.append(line).append("\r\n");
+    return text;
+  }
+  std::size_t LineOf(const std::string& name) const {
+    for (std::size_t at = 0; at < lines.size(); ++at)
+      if (lines[at].starts_with('"' + name + "\"=")) return at;
+    return lines.size();
+  }
+  void Delete(const std::string& name) {
+    const std::size_t at = LineOf(name);
+    do lines.erase(Place(at));
+    while (at < lines.size() && lines[at].starts_with("  "));
+  }
+  void Set(const std::string& name, const std::vector<std::string>& assignment) {
+    const std::size_t at = LineOf(name);
+    Delete(name);
+    lines.insert(Place(at), assignment.begin(), assignment.end());
+    lines[at].insert(0, '"' + name + "\"=");
+  }
+  void Add(const std::string& key, const std::string& line) {
+    std::size_t end = lines.size();
+    while (lines[end - 1] != key) --end;
+    while (end < lines.size() && !lines[end].starts_with('[')) ++end;
+    while (lines[end - 1].empty()) --end;
+    lines.insert(Place(end), line);
+  }
+  void Rename(const std::string& from, const std::string& to) {
+    for (std::string& line : lines)
+      if (line.starts_with('[' + from)) line.replace(1, from.size(), to);
+  }
+
+ private:
+  std::vector<std::string>::iterator Place(std::size_t at) { return lines.begin() + static_cast<std::ptrdiff_t>(at); }
+};
+
+TEST(RegWhole, RandomEditsAreThoseOfAModelOfLines) {
+  std::mt19937 random(7);
+  LineModel model;
+  RegDocument document;
+  ReadWholeReg(document, model.Text());
+  RegNode* hive = document.Root()->Child(0);
+  std::string b = "H\\b";
+  std::vector<std::pair<std::string, std::size_t>> values{{"0", 0}};
+  for (int step = 1; step < 2000; ++step) {
+    const std::string number = std::to_string(1000 + step);
+    const std::size_t chosen = values.empty() ? 0 : random() % values.size();
+    switch (values.empty() ? 0 : random() % 5) {
+      case 0: {
+        const bool first = random() % 2 == 0;
+        model.Add(first ? "[H\\A]" : '[' + b + ']', '"' + number + "\"=dword:1");
+        values.emplace_back(number, document.AddValue(hive->Child(first ? 0 : 1), number, "dword:1"));
+        break;
+      }
+      case 1: {
+        std::string bytes = "hex(7):";
+        for (int i = 0; i < 25; ++i) bytes += "0f,";
+        const std::size_t before = 1 + values[chosen].first.size() + 2;
+        const std::size_t split = bytes.find(',', 77 - before - 1) + 1;
+        std::vector<std::string> wrapped{bytes.substr(0, split) + '\\', "  " + bytes.substr(split) + "00"};
+        model.Set(values[chosen].first, wrapped);
+        document.SetAssignment(values[chosen].second, bytes + "00");
+        break;
+      }
+      case 2:
+        model.Set(values[chosen].first, {"-"});
+        document.WriteDeletion(values[chosen].second);
+        break;
+      case 3:
+        model.Delete(values[chosen].first);
+        document.DeleteValue(values[chosen].second);
+        values.erase(values.begin() + static_cast<std::ptrdiff_t>(chosen));
+        break;
+      default:
+        model.Rename(b, "H\\" + number);
+        b = "H\\" + number;
+        document.RenameKey(hive->Child(1), number);
+    }
+    ASSERT_EQ(WholeText(document), model.Text()) << step;
+  }
+  ExpectTreeOfText(document);
+}
+
 }  // namespace
 }  // namespace tme
