@@ -67,7 +67,7 @@ std::string ShapeOf(std::string_view data) {
   std::size_t more = 0;
   for (std::size_t at = 0; at < data.size(); ++at)
     more += data[at] == '\n' || (data[at] == '\r' && !data.substr(at + 1).starts_with('\n'));
-  return Shape(data.substr(0, data.find_first_of("\r\n")), more);
+  return Shape(more == 0 ? data : data.substr(0, data.find('\\') + 1), more);
 }
 
 /// A line of what a file holds: "K path", "D path", "V path" with name and assignment.
