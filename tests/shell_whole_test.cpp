@@ -3,15 +3,21 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
+#include <QProgressDialog>
 #include <QPushButton>
+#include <QTest>
+#include <QTreeView>
 
 #include "FailingSteps.h"
 #include "KindsEditor.h"
 #include "shell/AutoSave.h"
 #include "shell/GlobalMenus.h"
+#include "shell/LongWork.h"
 #include "shell/OpenDispatch.h"
 #include "shell/RecoverySnapshots.h"
 #include "shell/TreeDocumentWindow.h"
+#include "windows/reg/form_REG.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -58,10 +64,11 @@ class WholeFileTest : public KindsEditor {
   }
   bool IsChecked() const { return global_.menus.Action(u"menu_ViewWholeFile"_s)->isChecked(); }
   /// Chooses in the dialog of the other form.
-  static void ChooseForm(const QStringList& encoding_and_ends) {
+  static void ChooseForm(const QStringList& choices) {
     OnDialog(u"SaveForm"_s, [=](QWidget& dialog) {
-      dialog.findChild<QComboBox*>(u"cb_Encoding"_s)->setCurrentText(encoding_and_ends[0]);
-      dialog.findChild<QComboBox*>(u"cb_LineEnds"_s)->setCurrentText(encoding_and_ends[1]);
+      for (const QString& choice : choices)
+        for (QComboBox* box : dialog.findChildren<QComboBox*>())
+          if (const int index = box->findText(choice); index >= 0) box->setCurrentIndex(index);
       dynamic_cast<QDialog&>(dialog).accept();
     });
   }
@@ -195,6 +202,26 @@ TEST_F(WholeFileTest, ASaveLeavesNothingOut) {
   }
 }
 
+TEST_F(WholeFileTest, OddEncodingsStayAsTheyAre) {
+  using namespace std::string_literals;
+  Start();
+  global_.settings.ini_whole = global_.settings.reg_whole = true;
+  for (WholeKind row : kWholeKinds)
+    for (const std::string& bytes : {"\xFE\xFF\0[\0A\0"s, "\xFF\xFE[\0\x00\xD8\n"s, "[\0A\0]\0\r\0\n\0x\0=\0\x02\0"s,
+                                     "\xEF\xBB\xBF\0[\x80\xFF\r"s, "\xC3\xA9\xC3\xA9\xE9\n\r\n\x1A"s, ""s}) {
+      row.bytes = bytes;
+      TreeDocumentWindow& window = Open(row);
+      EXPECT_EQ(window.Content(), bytes);
+      window.SavePlain({});
+      common_dialog_.ExpectSave(InFolder(u"copy."_s + QLatin1StringView(NameOf(row.kind))));
+      dialogs_.AnswerAll(MsgAnswer::Yes);
+      window.Save({.path = SaveRequest::Path::AskedAlways});
+      EXPECT_EQ(BytesOf(path_), bytes);
+      EXPECT_EQ(BytesOf(window.File().Path()), bytes);
+      window.FileClose();
+    }
+}
+
 TEST_F(WholeFileTest, AnotherFormIsAnotherFile) {
   const WholeKind& row = kWholeKinds[0];
   TreeDocumentWindow& window = Open(row);
@@ -244,4 +271,126 @@ TEST_F(WholeFileTest, WhatTheEncodingCannotHoldIsAskedAbout) {
     dialogs_.ExpectAllAsked();
   }
   EXPECT_EQ(BytesOf(InFolder(u"b.ini"_s)), row.bytes);
+}
+
+TEST_F(WholeFileTest, WhoRefusesTheRulesKeepsTheDocument) {
+  Start();
+  const std::string bytes = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_USERS\\a]\r\n";
+  global_.settings.reg_whole = true;
+  OpenPathList(global_, File(u"a.reg"_s, bytes));
+  TreeDocumentWindow& window = Tree(DocumentKind::Reg);
+  window.PutContent(bytes + "line\r\n", Holding::Whole);
+  const QString notice = Notice(window);
+  EXPECT_FALSE(notice.isEmpty());
+  ExpectQuestion(1);
+  dialogs_.ExpectMsgBox(
+      u"This file does not have the correct header definitions required for registry files.  Do you wish to attemp to "
+      "open this file anyway?"_s,
+      u"Error in File Type"_s, MsgButtons::YesNo, MsgAnswer::No);
+  window.WholeFile();
+  EXPECT_EQ(window.GetHolding(), Holding::Whole);
+  EXPECT_EQ(window.Content(), bytes + "line\r\n");
+  EXPECT_TRUE(window.IsModified() && window.File().IsChanged());
+  EXPECT_EQ(Notice(window), notice);
+}
+
+TEST_F(WholeFileTest, ACancelledReadingLeavesTheDocument) {
+  std::string bytes = "REGEDIT4\r\n\r\n; c\r\n[HKEY_USERS\\a]\r\n";
+  for (int value = 0; value < 20'000; ++value) bytes += "\"" + std::to_string(value) + "\"=\"\"\r\n";
+  dialogs_.AnswerAll(MsgAnswer::Yes);
+  TreeDocumentWindow& window = Open({DocumentKind::Reg, "a.reg", bytes, {}});
+  const std::string content = window.Content();
+  const QString notice = Notice(window);
+  LongWork::quiet_ms = 0;
+  OnDialog(u"LongWorkProgress"_s, [](QWidget& box) { dynamic_cast<QProgressDialog&>(box).cancel(); });
+  window.WholeFile();
+  LongWork::quiet_ms = 500;
+  EXPECT_EQ(window.GetHolding(), Holding::ByRules);
+  EXPECT_EQ(window.Content(), content);
+  EXPECT_EQ(Notice(window), notice);
+  EXPECT_FALSE(window.IsModified());
+  EXPECT_FALSE(window.HoldsWholeFile());
+}
+
+TEST_F(WholeFileTest, ARegistryFileBecomesAnotherKind) {
+  Start();
+  global_.settings.reg_whole = true;
+  const QString v5 = u"Windows Registry Editor Version 5.00"_s, v4 = u"REGEDIT4"_s, utf8 = u"UTF-8"_s;
+  const struct {
+    std::string bytes;
+    QStringList form;
+    std::string unsayable, expected;
+  } rows[] = {
+      {"REGEDIT4\n\n[HKEY_USERS\\a]\n\"x\"=hex(2):E9,00\n",
+       {v5, utf8},
+       {},
+       "Windows Registry Editor Version 5.00\n\n[HKEY_USERS\\a]\n\"x\"=hex(2):e9,00,00,00\n"},
+      {"Windows Registry Editor Version 5.00\n\n[HKEY_USERS\\a]\n\"x\"=hex(2):b1,03,00,00\n",
+       {v4},
+       "x",
+       "REGEDIT4\n\n[HKEY_USERS\\a]\n\"x\"=hex(2):b1,03,00,00\n"},
+      {"REGEDIT\nHKEY_CLASSES_ROOT\\.a = b\n",
+       {v5, utf8, u"LF, as on Linux"_s},
+       {},
+       "Windows Registry Editor Version 5.00\n\n[HKEY_CLASSES_ROOT\\.a]\n@=\"b\"\n"},
+  };
+  for (const auto& [bytes, form, unsayable, expected] : rows) {
+    OpenPathList(global_, File(u"a.reg"_s, bytes));
+    TreeDocumentWindow& window = Tree(DocumentKind::Reg);
+    for (const int chosen : {1, 0}) {
+      if (unsayable.empty() && chosen == 1) continue;
+      ChooseForm(form);
+      if (!unsayable.empty())
+        dialogs_.ExpectChoice(
+            u"1 value has a text that cannot be said in REGEDIT4:\rline 4: \"x\"\r\rConverted anyway, "
+            "each keeps its bytes as they are, which are another text in such a file."_s,
+            u"Save As Another Form"_s, {u"Convert &Anyway"_s, u"Cancel"_s}, chosen);
+      if (chosen == 0) common_dialog_.ExpectSave(InFolder(u"b%1.reg"_s.arg(&expected - &rows[0].expected)));
+      window.SaveAsAnotherForm();
+      EXPECT_EQ(window.Content(), chosen == 0 ? expected : bytes);
+    }
+    EXPECT_EQ(BytesOf(window.File().Path()), expected);
+    window.FileClose();
+  }
+}
+
+TEST_F(WholeFileTest, ACharacterWithoutAByteMakesARegistryFileUnicode) {
+  Start();
+  global_.settings.reg_whole = true;
+  const QString path = File(u"a.reg"_s, "REGEDIT4\r\n\r\n[HKEY_USERS\\a]\r\n\"x\"=\"\xE9\"\r\n");
+  OpenPathList(global_, path);
+  TreeDocumentWindow& window = Tree(DocumentKind::Reg);
+  auto* keys = window.findChild<QTreeView*>(u"TV"_s);
+  keys->expandAll();
+  keys->setCurrentIndex(keys->indexBelow(keys->indexBelow(keys->model()->index(0, 0))));
+  OnDialog(u"form_REGName"_s, [](QWidget& dialog) {
+    dialog.findChild<QLineEdit*>(u"txt_Name"_s)->setText(u"\u03B1"_s);
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
+  dynamic_cast<form_REG&>(window).EditRename();
+  const QString why = u"A file of this kind, REGEDIT4, has no place for a character of line 3:\r[HKEY_USERS\\\u03B1]"_s;
+  window.SavePlain({.caller = SaveRequest::Caller::AutoSave});
+  EXPECT_EQ(Notice(window), u"AutoSave passed over this document. "_s + why);
+  const QString question = why + u"\r\rAs Windows Registry Editor Version 5.00, in UTF-16, it has."_s;
+  for (const int chosen : {1, 0}) {
+    EXPECT_EQ(BytesOf(path).substr(0, 8), "REGEDIT4");
+    dialogs_.ExpectChoice(question, kProgramTitle, {u"&Save as 5.00"_s, u"Cancel"_s}, chosen);
+    EXPECT_EQ(window.SavePlain({}) == DocumentWindow::SaveOutcome::Saved, chosen == 0);
+    EXPECT_EQ(window.IsModified(), chosen == 1);
+  }
+  EXPECT_EQ(DecodeText(BytesOf(path)).text,
+            "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_USERS\\\xCE\xB1]\r\n\"x\"=\"\xC3\xA9\"\r\n");
+  EXPECT_EQ(window.File().Format().encoding, TextEncoding::Utf16Le);
+}
+
+TEST_F(WholeFileTest, ANewRegistryDocumentBecomesWholeWithItsEmptyKeysAndValues) {
+  Start();
+  TreeDocumentWindow& window = dynamic_cast<TreeDocumentWindow&>(*NewDocument(global_, DocumentKind::Reg));
+  window.PutContent(
+      "REGEDIT4\r\n; every key as it was shown\r\n\r\n[HKEY_USERS\\a\\n]\r\n\"x\"=\"1\"\r\n\r\n"
+      "[HKEY_USERS\\b\\n]\r\n\r\n",
+      Holding::ByRules);
+  ExpectQuestion(1);
+  window.WholeFile();
+  EXPECT_EQ(window.Content(), "REGEDIT4\r\n\r\n[HKEY_USERS\\a\\n]\r\n\"x\"=\"1\"\r\n\r\n[HKEY_USERS\\b\\n]\r\n\r\n");
 }

@@ -1,6 +1,7 @@
 #include "shell/TreeDocumentWindow.h"
 
 #include <QLabel>
+#include <QScopedValueRollback>
 
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
@@ -66,7 +67,7 @@ void TreeDocumentWindow::HoldAsSettings() {
 }
 
 void TreeDocumentWindow::MarkRead(const std::optional<QString>& left_out) {
-  if (file_.IsBeingRead() && !file_.Path().isEmpty()) MarkOpened(left_out);
+  if (file_.IsBeingRead() && !is_putting_ && !file_.Path().isEmpty()) MarkOpened(left_out);
 }
 
 void TreeDocumentWindow::PutContent(std::string bytes, Holding holding) {
@@ -76,9 +77,9 @@ void TreeDocumentWindow::PutContent(std::string bytes, Holding holding) {
   } else {
     DecodedText decoded = DecodeText(std::move(bytes));
     file_.SetFormat(decoded.format);
-    is_putting_ = true;
+    const QScopedValueRollback putting(is_putting_, true);
+    file_.BeginReading();
     ReadText(std::move(decoded.text));
-    is_putting_ = false;
     file_.MarkModified();
   }
   SetChanged(true);

@@ -14,14 +14,6 @@ IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
               {Icon(u"entry"_s), tr("Entry")},
               {Icon(u"comment"_s), tr("Comment")}}} {}
 
-Qt::ItemFlags IniItemModel::flags(const QModelIndex& index) const {
-  const IniNode* node = NodeOf(index);
-  if (!node) return Qt::NoItemFlags;
-  const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
-  // A view that expands all remembers every node that might have children, and goes through them with each edit.
-  return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? flags | Qt::ItemNeverHasChildren : flags;
-}
-
 QVariant IniItemModel::data(const QModelIndex& index, int role) const {
   const IniNode* node = NodeOf(index);
   if (!node) return {};
