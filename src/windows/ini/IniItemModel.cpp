@@ -14,6 +14,14 @@ IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
               {Icon(u"entry"_s), tr("Entry")},
               {Icon(u"comment"_s), tr("Comment")}}} {}
 
+Qt::ItemFlags IniItemModel::flags(const QModelIndex& index) const {
+  const IniNode* node = NodeOf(index);
+  if (!node) return {};
+  const bool is_leaf = node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments;
+  const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+  return is_leaf ? flags | Qt::ItemNeverHasChildren : flags;
+}
+
 QVariant IniItemModel::data(const QModelIndex& index, int role) const {
   const IniNode* node = NodeOf(index);
   if (!node) return {};
