@@ -112,7 +112,9 @@ TEST_F(WholeIni, CommandsChangeTheirOwnLines) {
 }
 
 TEST_F(WholeIni, LinesBeforeTheSectionsAreEditedLikeOthers) {
-  form_INI& window = Open("a=1\n;c\n[s]\n");
+  form_INI& window = Open(
+      "\xEF\xBB\xBF"
+      "a=1\n;c\n#\xFF\n[s]\n");
   struct {
     QStringList selected;
     bool add, remove, from_all, section;
@@ -131,9 +133,15 @@ TEST_F(WholeIni, LinesBeforeTheSectionsAreEditedLikeOthers) {
   Select(window, {u";c"_s});
   window.EditCut();
   EXPECT_EQ(QGuiApplication::clipboard()->text(), u";c\n");
+  window.EditCut();  // the next line, which is no text
+  Select(window, {u"s"_s});
+  window.EditPaste();
+  EXPECT_EQ(Saved(),
+            "\xEF\xBB\xBF"
+            "a=1\n[s]\n#\xFF\n");
   Select(window);
   window.EditCut();
-  EXPECT_EQ(Saved(), "");
+  EXPECT_EQ(Saved(), "\xEF\xBB\xBF");
 }
 
 TEST_F(WholeIni, SortingByNameIsDisplayAlone) {

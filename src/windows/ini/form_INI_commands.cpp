@@ -1,6 +1,7 @@
 // The commands of form_INI that edit its document, and its clipboard.
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QTreeView>
 
 #include "documents/ini/IniLine.h"
@@ -19,6 +20,9 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
+
+/// The bytes of lines beside their text, which cannot hold those that are no UTF-8.
+const QString kLinesFormat = QStringLiteral("application/x-tamarind-ini-lines");
 
 /// Lines end in CR LF, LF or CR; the last one may have no end.
 QStringList LinesOf(QString text) {
@@ -209,8 +213,13 @@ void form_INI::SortByName() {
 void form_INI::EditCopy() {
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
-  const QString text = QString::fromStdString(ClipboardText(tree_, *tree_.Selected()));
-  if (!text.isEmpty()) clipboard->setText(text);
+  const std::string bytes = ClipboardText(tree_, *tree_.Selected());
+  const QString text = QString::fromStdString(bytes);
+  if (text.isEmpty()) return;
+  auto* copied = new QMimeData;
+  copied->setText(text);
+  if (IsWhole()) copied->setData(kLinesFormat, QByteArray::fromStdString(bytes));
+  clipboard->setMimeData(copied);
 }
 
 void form_INI::EditCut() {
@@ -231,7 +240,8 @@ void form_INI::EditPaste() {
   if (text.isEmpty()) return;
   if (IsWhole()) {
     const WaitCursor wait_cursor;
-    tree_.Paste(text.toStdString());
+    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+    tree_.Paste(copied->hasFormat(kLinesFormat) ? copied->data(kLinesFormat).toStdString() : text.toStdString());
     SetChanged(true);
     return;
   }
