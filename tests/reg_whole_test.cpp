@@ -22,6 +22,7 @@ std::string WholeText(const RegDocument& document, RegLayout layout = RegLayout:
     text += part;
     return true;
   }));
+  EXPECT_EQ(WholeRegBytes(document, layout), text.size());
   return text;
 }
 
@@ -84,6 +85,17 @@ TEST(RegWhole, OddFilesStayAsTheyAre) {
     EXPECT_EQ(result.not_understood, file.not_understood);
     EXPECT_EQ(document.HeldAs(), Holding::Whole);
   }
+}
+
+TEST(RegWhole, CancelLeavesNothing) {
+  std::string text;
+  for (int i = 0; i < 20'000; ++i) text += "[H]\n";
+  RegDocument document("title");
+  std::uint64_t last = 0;
+  const auto cancel = [&last](std::uint64_t done, std::uint64_t all) { return last = done, 2 * done < all; };
+  EXPECT_TRUE(ReadWholeReg(document, text, {.unsaid = {}, .first_values = {}, .progress = cancel}).cancelled);
+  EXPECT_TRUE(2 * last >= text.size() && last < text.size());
+  EXPECT_TRUE(document.NodeCount() == 1 && WholeText(document).empty() && document.Root()->Text() == "title");
 }
 
 struct WholeEdit {

@@ -4,6 +4,7 @@
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "documents/reg/RegConversion.h"
 #include "documents/reg/RegDocument.h"
@@ -125,14 +126,21 @@ class RegDocument::Pasting {
   }
 
   RegNode* NodeFor(const RegNode* node) {
-    if (const auto known = nodes_.find(node); known != nodes_.end()) return known->second;
-    RegNode* parent = NodeFor(node->parent_);
-    RegNode* own = IsKey(node->tag_) ? target_.FindChild(parent, node->Text()) : nullptr;
-    if (own == nullptr) {
-      const RegTag key_tag = parent->parent_ == nullptr ? RegTag::Hive : RegTag::Branch;
-      own = target_.Append(parent, target_.texts_.Copy(node->Text()), IsKey(node->tag_) ? key_tag : node->tag_);
+    std::vector<const RegNode*> missing;
+    while (!nodes_.contains(node)) {
+      missing.push_back(node);
+      node = node->parent_;
     }
-    return nodes_[node] = own;
+    RegNode* own = nodes_[node];
+    for (; !missing.empty(); missing.pop_back()) nodes_[missing.back()] = own = ChildLike(own, *missing.back());
+    return own;
+  }
+
+  RegNode* ChildLike(RegNode* parent, const RegNode& node) {
+    RegNode* own = IsKey(node.tag_) ? target_.FindChild(parent, node.Text()) : nullptr;
+    if (own != nullptr) return own;
+    const RegTag key_tag = parent->parent_ == nullptr ? RegTag::Hive : RegTag::Branch;
+    return target_.Append(parent, target_.texts_.Copy(node.Text()), IsKey(node.tag_) ? key_tag : node.tag_);
   }
 
   void Put(SourceLines::Piece at, RegNode* owner) {

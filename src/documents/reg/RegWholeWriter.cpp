@@ -14,48 +14,41 @@ bool IsAtOrBelow(const RegNode* node, const RegNode* top) {
   return node != nullptr;
 }
 
-class ExpandedWrite {
- public:
-  ExpandedWrite(const RegDocument& document, const PartSink& sink) : document_(document), out_(sink) {}
-
-  bool Run() {
-    const SourceLines& lines = document_.Lines();
-    SourceLines::Piece at = lines.First();
-    const auto put_until = [&](SourceLines::Piece end) {
-      for (; at != end; at = lines.Next(at)) going_on_ = going_on_ && out_.Append(lines.Text(at)).EndPiece();
-    };
-    document_.ForEachBlock([&](const RegBlock& block) {
-      put_until(block.lead);
-      if (block.node->Tag() != RegTag::Deletion) {
-        PutKeysAbove(*block.node, block.lead);
-        written_.insert(block.node);
-      }
-    });
-    put_until(SourceLines::kEnds);
-    return going_on_ && out_.Flush();
-  }
-
- private:
-  void PutKeysAbove(const RegNode& node, SourceLines::Piece place) {
-    std::vector<const RegNode*> above;
-    for (const RegNode* key = node.Parent(); key->Tag() == RegTag::Branch && !written_.contains(key);
-         key = key->Parent())
-      above.push_back(key);
-    const std::string_view end = document_.Lines().LineEndBehind(place);
-    for (; !above.empty(); above.pop_back()) {
-      const RegNode* key = above.back();
-      written_.insert(key);
-      if (document_.PieceOf(key) != SourceLines::kEnds) continue;
-      going_on_ = going_on_ && out_.Append("[").Append(key->KeyPath()).Append("]").Append(end).Append(end).EndPiece();
-    }
-  }
-
-  const RegDocument& document_;
-  PartBuffer out_;
+/// Calls key(node) for each key that only longer paths imply, before the block that begins at lead.
+template <typename Key>
+void ForEachImpliedKey(const RegDocument& document, Key key) {
   /// Keys that need no line any more.
-  std::unordered_set<const RegNode*> written_;
-  bool going_on_ = true;
-};
+  std::unordered_set<const RegNode*> written;
+  std::vector<const RegNode*> above;
+  document.ForEachBlock([&](const RegBlock& block) {
+    if (block.node->Tag() == RegTag::Deletion) return;
+    const RegNode* at = block.node->Parent();
+    for (; at->Tag() == RegTag::Branch && !written.contains(at); at = at->Parent()) above.push_back(at);
+    for (; !above.empty(); above.pop_back()) {
+      written.insert(above.back());
+      if (document.PieceOf(above.back()) == SourceLines::kEnds) key(*above.back(), block.lead);
+    }
+    written.insert(block.node);
+  });
+}
+
+bool WriteExpanded(const RegDocument& document, const PartSink& sink) {
+  const SourceLines& lines = document.Lines();
+  PartBuffer out(sink);
+  bool going_on = true;
+  SourceLines::Piece at = lines.First();
+  const auto put_until = [&](SourceLines::Piece end) {
+    for (; at != end; at = lines.Next(at)) going_on = going_on && out.Append(lines.Text(at)).EndPiece();
+  };
+  ForEachImpliedKey(document, [&](const RegNode& key, SourceLines::Piece lead) {
+    put_until(lead);
+    if (!going_on) return;
+    const std::string_view end = lines.LineEndBehind(lead);
+    going_on = out.Append("[").Append(key.KeyPath()).Append("]").Append(end).Append(end).EndPiece();
+  });
+  put_until(SourceLines::kEnds);
+  return going_on && out.Flush();
+}
 
 /// The first line and an empty one.
 std::string FirstLines(const RegDocument& document, std::string_view end) {
@@ -72,7 +65,21 @@ void AppendPiece(std::string& text, std::string_view piece, std::string_view end
 
 bool WriteWholeReg(const RegDocument& document, RegLayout layout, const PartSink& sink) {
   if (layout == RegLayout::Regular || document.Version() == RegVersion::Regedit) return document.Lines().Write(sink);
-  return ExpandedWrite(document, sink).Run();
+  return WriteExpanded(document, sink);
+}
+
+std::uint64_t WholeRegBytes(const RegDocument& document, RegLayout layout) {
+  std::uint64_t bytes = document.Lines().Size();
+  if (layout == RegLayout::Regular || document.Version() == RegVersion::Regedit) return bytes;
+  const RegNode* last = nullptr;
+  std::size_t last_size = 0;
+  ForEachImpliedKey(document, [&](const RegNode& key, SourceLines::Piece lead) {
+    // The next one is mostly below the last: its path is counted from there.
+    last_size = key.Parent() == last ? last_size + 1 + key.Text().size() : key.KeyPath().size();
+    last = &key;
+    bytes += last_size + 2 + 2 * document.Lines().LineEndBehind(lead).size();
+  });
+  return bytes;
 }
 
 std::string ClipboardText(const RegDocument& document, const RegNode& node) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -15,6 +17,10 @@ class RegNode;
 /// of longer ones imply, before the first of these; not for hives, nor in a REGEDIT file. Returns false when the sink
 /// stopped it.
 bool WriteWholeReg(const RegDocument& document, RegLayout layout, const PartSink& sink);
+
+/// Counts the bytes that WriteWholeReg would give, without writing them. Where paths are deep, those of the expanded
+/// layout grow with the square of the depth.
+std::uint64_t WholeRegBytes(const RegDocument& document, RegLayout layout);
 
 /// The lines of a key and all below it, in the order of the file, as a registry file of the document's version.
 /// Comments that touch a header come along. A key without lines of its own gets a header line. For a comment its line.
