@@ -5,6 +5,7 @@
 
 #include "RegWindow.h"
 #include "shell/GlobalMenus.h"
+#include "shell/LongWork.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -133,8 +134,8 @@ TEST_F(RegWholeWindow, AnEditChangesItsLinesAlone) {
   expected = Replaced(expected, "\"n\"=dword:0000001a\r\n\"b\"=hex:01,02\r\n", "");
   EXPECT_EQ(Saved(), expected);
   SelectValue(3);
-  dialogs_.ExpectMsgBox(u"The file is to say that this value is deleted.  Its data go.  Go on?"_s,
-                        u"Write a Deletion"_s, MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
+  dialogs_.ExpectMsgBox(u"Are you sure you want to put a deletion in place of this value?"_s, u"Write a Deletion"_s,
+                        MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
   Reg().EditWriteDeletion();
   expected = Replaced(expected, "hex(7):61,00,00,00,62,00,00,00,\\\r\n  00,00", "-");
   EXPECT_EQ(Saved(), expected);
@@ -175,8 +176,9 @@ TEST_F(RegWholeWindow, KeysAreAddedRenamedAndDeleted) {
   expected = Replaced(expected, "ER\\Alpha\\New]", "ER\\Omega\\New]");
   EXPECT_EQ(Saved(), expected);
   SelectKey({u"HKEY_CURRENT_USER"_s, u"Omega"_s, u"Beta"_s});
-  dialogs_.ExpectMsgBox(u"The file is to say that this key is deleted.  Its keys and values in the file go.  Go on?"_s,
-                        u"Write a Deletion"_s, MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
+  dialogs_.ExpectMsgBox(
+      u"Are you sure you want to put a deletion in place of this branch, all branches under it, and all values associated with this branch and all branches under it?"_s,
+      u"Write a Deletion"_s, MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
   Reg().EditWriteDeletion();
   EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s, u"Omega"_s}), (QStringList{u"Beta (deletion)"_s, u"New"_s}));
   EXPECT_NE(Saved().find("[-HKEY_CURRENT_USER\\Omega\\Beta]\r\n"), std::string::npos);
@@ -275,4 +277,15 @@ TEST_F(RegWholeWindow, MenusAndOldFilesAndTheWayBack) {
   old.EditModify();
   old.FileSaveRegular();
   EXPECT_EQ(BytesOf(InFolder(u"old.reg"_s)), "REGEDIT\r\nHKEY_CLASSES_ROOT\\.x = other\r\n");
+}
+
+TEST_F(RegWholeWindow, ALongReadCanBeCancelled) {
+  std::string text = "REGEDIT4\r\n[HKEY_USERS\\A]\r\n";
+  for (int line = 0; line < 50'000; ++line) text += "\"v\"=\"1\"\r\n";
+  const int quiet_ms = std::exchange(LongWork::quiet_ms, 0);
+  OnDialog(u"LongWorkProgress"_s, [](QWidget& box) { box.findChild<QPushButton*>()->click(); });
+  OpenWhole(text);
+  LongWork::quiet_ms = quiet_ms;
+  EXPECT_FALSE(Reg().IsOpen());
+  EXPECT_EQ(Reg().Document().NodeCount(), 1U);
 }

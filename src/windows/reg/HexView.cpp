@@ -82,8 +82,7 @@ QString HexView::StatusText() const {
   const QString place =
       tr("Offset %1 (0x%2) of %3")
           .arg(locale.toString(cursor_), QString::number(cursor_, 16), locale.toString(bytes_.size()));
-  const QString mode =
-      overwrites_ ? tr("typing overwrites, the Insert key switches") : tr("typing inserts, the Insert key switches");
+  const QString mode = overwrites_ ? tr("overwriting (Insert switches)") : tr("inserting (Insert switches)");
   const qsizetype selected = SelectionEnd() - SelectionStart();
   if (selected == 0) return place + u"; "_s + mode;
   return place + u"; "_s + tr("%1 selected").arg(locale.toString(selected)) + u"; "_s + mode;
@@ -155,6 +154,7 @@ void HexView::Reveal(qsizetype byte) {
 void HexView::resizeEvent(QResizeEvent* event) {
   QAbstractScrollArea::resizeEvent(event);
   UpdateScrollBars();
+  if (hasFocus()) Reveal(cursor_);
 }
 
 void HexView::changeEvent(QEvent* event) {

@@ -162,13 +162,9 @@ bool RegWholeCommands::WriteDeletion(const RegTarget& target) {
   RegNode* node = document_.Selected();
   const bool is_key = node->Tag() == RegTag::Hive || node->Tag() == RegTag::Branch;
   if (!CanHaveDeletions() || (target.is_in_list ? target.records.empty() : !is_key)) return false;
-  const QString question =
-      target.is_in_list
-          ? Counted(target.records.size(), tr("The file is to say that this value is deleted.  Its data go.  Go on?"),
-                    tr("The file is to say that these %1 values are deleted.  Their data go.  Go on?"))
-          : tr("The file is to say that this key is deleted.  Its keys and values in the file go.  "
-               "Go on?");
-  if (!AskWhetherTo(question, tr("Write a Deletion"))) return false;
+  if (!AskWhetherTo(tr("Are you sure you want to put a deletion in place of %1").arg(LabelOf(target)),
+                    tr("Write a Deletion")))
+    return false;
   for (const std::size_t record : target.records) document_.WriteDeletion(record);
   if (!target.is_in_list) document_.WriteDeletion(node);
   return true;

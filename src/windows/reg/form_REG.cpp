@@ -185,6 +185,9 @@ void form_REG::ReadColumnWidths() {
     // Without a setting the last column gets the room that the others leave, so that it is in sight.
     int width = pixels(twips > 0 ? twips : kColumnWidths[column]);
     if (twips <= 0 && column == RegValueModel::Name) width = std::min(width, room * 2 / 5);
+    // The types of a whole document have longer names.
+    if (twips <= 0 && column == RegValueModel::Type && IsWhole())
+      width = std::max(width, LV->fontMetrics().horizontalAdvance(u"REG_EXPAND_SZ__"_s));
     if (twips <= 0 && column == RegValueModel::Data) width = std::max(room, pixels(kLeastDataWidth));
     LV->header()->resizeSection(static_cast<int>(column), width);
     room -= width;
@@ -200,6 +203,7 @@ void form_REG::WriteColumnWidth(int column, int pixels) {
 
 void form_REG::RestoreView() {
   LV->setSelectionMode(IsWhole() ? QAbstractItemView::ExtendedSelection : QAbstractItemView::SingleSelection);
+  ReadColumnWidths();
   TV->setExpanded(keys_->IndexOf(document_.Root()), true);
   ShowSelection();
 }

@@ -116,10 +116,14 @@ class form_REG : public TreeDocumentWindow {
   ReadEnd ReadWhole(std::string text);
   void UpdateWholeCommands();
   RegTarget Target() const;
-  /// What follows from an edit of whole holding. first_row: of the list, at which the user worked.
-  void FollowEdit(bool is_changed, int first_row);
+  int SelectedRowCount() const;
+  /// What follows from an edit of whole holding.
+  void FollowEdit(const RegTarget& target);
+  /// Or the last one.
+  void GoToRow(int row);
   /// Runs a change that resets the tree.
   void KeepExpanded(const std::function<void()>& change);
+  void NewWholeKey();
   void NewWholeValue(std::uint32_t type);
   /// Runs an edit and what follows from it.
   void RunWhole(bool (RegWholeCommands::*command)(const RegTarget&));

@@ -19,7 +19,7 @@ namespace tme {
 
 void form_REG::EditNewKey() {
   if (FocusMarker != Focus::TV) return;
-  if (IsWhole()) return FollowEdit(whole_->NewKey(), -1);
+  if (IsWhole()) return NewWholeKey();
   RegNode* node = document_.Selected();
   if (node->Tag() == RegTag::File) {
     QStringList present;

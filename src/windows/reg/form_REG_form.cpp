@@ -68,7 +68,7 @@ void form_REG::BecomeKind(std::size_t kind) { BecomeVersion(VersionsFor(document
 void form_REG::BecomeVersion(RegVersion target) {
   const WaitCursor wait_cursor;
   if (document_.Version() == RegVersion::Regedit) ReadText(WithoutPairs(document_));
-  document_.ConvertTo(target, CodingOf(document_));
+  KeepExpanded([this, target] { document_.ConvertTo(target, CodingOf(document_)); });
 }
 
 form_REG::SaveOutcome form_REG::ConfirmCharacters(const SaveRequest& request) {

@@ -68,22 +68,30 @@ void form_REG::UpdateWholeCommands() {
   GlobalMenus& menus = global_.menus;
   for (const char* item : kWholeItems) menus.SetHidden(QLatin1StringView(item), !IsWhole());
   if (!IsWhole()) return;
-  const RegTarget target = Target();
+  const bool is_in_list = FocusMarker == Focus::LV;
+  const int rows = is_in_list ? SelectedRowCount() : 0;
   const RegTag tag = document_.Selected()->Tag();
-  const bool has_any = target.is_in_list ? !target.records.empty() : tag != RegTag::File;
+  const bool has_any = is_in_list ? rows > 0 : tag != RegTag::File;
   const bool is_key = tag == RegTag::Hive || tag == RegTag::Branch;
-  menus.SetAvailable("menu_EditModify", target.is_in_list ? target.records.size() == 1 : tag == RegTag::Comment);
-  menus.SetAvailable("menu_EditNewKey", !target.is_in_list && whole_->CanAddValue());
+  menus.SetAvailable("menu_EditModify", is_in_list ? rows == 1 : tag == RegTag::Comment);
+  menus.SetAvailable("menu_EditNewKey", !is_in_list && whole_->CanAddValue());
   for (const char* item : {"menu_EditNewString", "Menu_EditNewDword", "menu_EditNewBinary", "menu_EditNewExpandString",
                            "menu_EditNewMultiString", "menu_EditNewQword"})
     menus.SetAvailable(item, whole_->CanAddValue());
   menus.SetAvailable("menu_EditRegCut", has_any);
-  menus.SetAvailable("menu_EditRegCopy", has_any || !target.is_in_list);
+  menus.SetAvailable("menu_EditRegCopy", has_any || !is_in_list);
   menus.SetAvailable("menu_EditRegPaste", whole_->CanPaste());
   menus.SetAvailable("menu_EditDelete", has_any);
-  menus.SetAvailable("menu_EditWriteDeletion", whole_->CanHaveDeletions() && (target.is_in_list ? has_any : is_key));
-  menus.SetAvailable("menu_EditRename", whole_->CanRename(target));
+  menus.SetAvailable("menu_EditWriteDeletion", whole_->CanHaveDeletions() && (is_in_list ? has_any : is_key));
+  menus.SetAvailable("menu_EditRename", is_in_list ? rows == 1 && whole_->CanHaveDeletions() : tag != RegTag::File);
   menus.SetChecked("menu_ViewShowComments", document_.Comments() == RegComments::Shown);
+}
+
+int form_REG::SelectedRowCount() const {
+  // By ranges: a list of a million rows may be selected.
+  int count = 0;
+  for (const QItemSelectionRange& range : LV->selectionModel()->selection()) count += range.height();
+  return count;
 }
 
 RegTarget form_REG::Target() const {
@@ -98,25 +106,44 @@ RegTarget form_REG::Target() const {
 
 void form_REG::RunWhole(bool (RegWholeCommands::*command)(const RegTarget&)) {
   const RegTarget target = Target();
-  const int row = target.records.empty() ? -1 : values_->RowOf(target.records.front());
-  FollowEdit((whole_.get()->*command)(target), row);
+  if ((whole_.get()->*command)(target)) FollowEdit(target);
 }
 
-void form_REG::FollowEdit(bool is_changed, int first_row) {
-  if (!is_changed) return;
-  const Focus focus = FocusMarker;
-  ShowKey();
-  if (const int last = values_->rowCount() - 1; first_row >= 0 && last >= 0) {
-    LV->setCurrentIndex(values_->index(std::min(first_row, last), 0));
-    LV->scrollTo(LV->currentIndex());
+void form_REG::FollowEdit(const RegTarget& target) {
+  const bool are_gone = !target.records.empty() && document_.Values()[target.records.front()].deleted;
+  if (are_gone) {
+    const int row = values_->RowOf(target.records.front());
+    // A list of a million rows is filled sooner than many of them are taken away one by one.
+    if (target.records.size() == 1)
+      values_->TakeRow(row);
+    else
+      values_->ShowKey(document_.Selected());
+    GoToRow(row);
   }
-  SetFocusMarker(focus);
+  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
+  SetFocusMarker(target.is_in_list ? Focus::LV : Focus::TV);
   SetChanged(true);
 }
 
+void form_REG::GoToRow(int row) {
+  LV->setCurrentIndex(values_->index(std::min(row, values_->rowCount() - 1), 0));
+  LV->scrollTo(LV->currentIndex());
+}
+
+void form_REG::NewWholeKey() {
+  const RegNode* parent = document_.Selected();
+  if (!whole_->NewKey()) return;
+  TV->expand(keys_->IndexOf(parent));
+  TV->scrollTo(keys_->IndexOf(parent->Child(parent->ChildCount() - 1)));
+  FollowEdit({});
+}
+
 void form_REG::NewWholeValue(std::uint32_t type) {
+  const Focus focus = FocusMarker;
   if (!whole_->NewValue(type)) return;
-  FollowEdit(true, values_->rowCount());
+  values_->Append(document_.Values().size() - 1);
+  FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
+  GoToRow(values_->rowCount() - 1);
 }
 
 void form_REG::EditNewExpandString() { NewWholeValue(reg_type::kExpandString); }
@@ -139,14 +166,12 @@ void form_REG::EditCopy() {
 
 void form_REG::EditCut() {
   const RegTarget target = Target();
-  const RegTag tag = document_.Selected()->Tag();
-  if (!IsWhole() || (target.is_in_list ? target.records.empty() : tag == RegTag::File || tag == RegTag::Comment))
-    return;
+  const bool has_any = target.is_in_list ? !target.records.empty() : document_.Selected()->Tag() != RegTag::File;
+  if (!IsWhole() || !has_any) return;
   EditCopy();
-  const int row = target.records.empty() ? -1 : values_->RowOf(target.records.front());
   for (const std::size_t record : target.records) document_.DeleteValue(record);
   if (!target.is_in_list) document_.RemoveKey(document_.Selected());
-  FollowEdit(true, row);
+  FollowEdit(target);
 }
 
 void form_REG::EditPaste() {
@@ -155,6 +180,7 @@ void form_REG::EditPaste() {
   const std::uint64_t revision = document_.Revision();
   RegNode* node = document_.Selected();
   const int row_count = values_->rowCount();
+  const Focus focus = FocusMarker;
   RegPasteResult result;
   {
     const WaitCursor wait_cursor;
@@ -172,7 +198,8 @@ void form_REG::EditPaste() {
             : Counted(result.left_out, tr("1 value was not taken, since this kind of file cannot say it."),
                       tr("%1 values were not taken, since this kind of file cannot say them.")));
   TV->expand(keys_->IndexOf(node));
-  FollowEdit(true, row_count);
+  FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
+  if (values_->rowCount() > row_count) GoToRow(row_count);
 }
 
 void form_REG::KeepExpanded(const std::function<void()>& change) {
