@@ -42,25 +42,37 @@ void ReadInto(IniTree& tree, std::string bytes) {
   ReadIni(tree, DecodeText(std::move(bytes)).text, ask);
 }
 
+void ReadWhole(IniTree& tree, std::string bytes) {
+  tree.Reset("f.ini", Holding::Whole);
+  ReadWholeIni(tree, DecodeText(std::move(bytes)).text);
+}
+
+using Reader = void (*)(IniTree& tree, std::string bytes);
+
 void SetBytes(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(Input().size()));
 }
 
-/// First, while no memory lies ready from before: what a document keeps, the file's own bytes included.
-void BM_IniDocumentMemory(benchmark::State& state) {
+/// What a document keeps, the file's own bytes included. Only the first benchmark of a process finds no memory ready
+/// from before: choose one of the two with --benchmark_filter.
+void BM_IniDocumentMemory(benchmark::State& state, Reader read) {
   Input();
   for (auto _ : state) {
     const std::size_t before = ResidentBytes();
     IniTree tree;
-    ReadInto(tree, Input());
+    read(tree, Input());
     const auto growth = static_cast<double>(ResidentBytes() - before);
     state.counters["memory/file"] = growth / static_cast<double>(Input().size());
   }
 }
-BENCHMARK(BM_IniDocumentMemory)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_IniDocumentMemory, by_rules, ReadInto)
+    ->Iterations(1)
+    ->Repetitions(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_IniDocumentMemory, whole, ReadWhole)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond);
 
 /// Opening moves the bytes in, and closing is another benchmark: neither is timed.
-void BM_IniDocumentFromBytes(benchmark::State& state) {
+void BM_IniDocumentFromBytes(benchmark::State& state, Reader read) {
   std::optional<IniTree> tree;
   for (auto _ : state) {
     state.PauseTiming();
@@ -68,11 +80,12 @@ void BM_IniDocumentFromBytes(benchmark::State& state) {
     std::string bytes = Input();
     state.ResumeTiming();
     tree.emplace();
-    ReadInto(*tree, std::move(bytes));
+    read(*tree, std::move(bytes));
   }
   SetBytes(state);
 }
-BENCHMARK(BM_IniDocumentFromBytes)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_IniDocumentFromBytes, by_rules, ReadInto)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_IniDocumentFromBytes, whole, ReadWhole)->Unit(benchmark::kMillisecond);
 
 #ifdef BENCH_INIH
 void BM_inih(benchmark::State& state) {
@@ -121,25 +134,68 @@ void BM_IniDocumentClose(benchmark::State& state) {
     tree.reset();
   }
 }
-BENCHMARK(BM_IniDocumentClose)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_IniDocumentClose)->Iterations(20)->Unit(benchmark::kMillisecond);
 
-void BM_MillionSections(benchmark::State& state) {
+void BM_MillionSections(benchmark::State& state, Reader read) {
   std::string text;
   for (int i = 0; i < 1'000'000; ++i) text += "[Section " + std::to_string(i) + "]\r\nkey=value\r\n";
   for (auto _ : state) {
     IniTree tree;
-    ReadInto(tree, text);
+    read(tree, text);
   }
 }
-BENCHMARK(BM_MillionSections)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_MillionSections, by_rules, ReadInto)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_MillionSections, whole, ReadWhole)->Unit(benchmark::kMillisecond);
 
-void BM_WriteIni(benchmark::State& state) {
+void BM_WriteIni(benchmark::State& state, Reader read) {
   IniTree tree;
-  ReadInto(tree, Input());
-  for (auto _ : state) benchmark::DoNotOptimize(WriteIni(tree));
+  read(tree, Input());
+  for (auto _ : state) {
+    std::string written;
+    WriteIni(tree, [&written](std::string_view part) { return written += part, true; });
+    benchmark::DoNotOptimize(written);
+  }
   SetBytes(state);
 }
-BENCHMARK(BM_WriteIni)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_WriteIni, by_rules, ReadInto)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_WriteIni, whole, ReadWhole)->Unit(benchmark::kMillisecond);
+
+/// Reads a file of one section of a million entries.
+IniNode* ReadLargeSection(IniTree& tree, Reader read) {
+  read(tree, MakeIniInput(1, 1'000'000));
+  return tree.Root()->Child(0);
+}
+
+/// Adds an entry, changes its value and removes it: in whole holding at the end of the section, by the rules in order.
+void BM_EditInMillionEntries(benchmark::State& state, Reader read) {
+  IniTree tree;
+  IniNode* section = ReadLargeSection(tree, read);
+  for (auto _ : state) {
+    IniNode* entry = tree.AddEntry(section, "new", "1");
+    tree.SetEntry(entry, "new", "2");
+    tree.Remove(entry);
+  }
+}
+BENCHMARK_CAPTURE(BM_EditInMillionEntries, by_rules, ReadInto)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_EditInMillionEntries, whole, ReadWhole)->Unit(benchmark::kMicrosecond);
+
+/// The worst place: every entry behind it gets another row.
+void BM_RemoveFirstOfMillionEntries(benchmark::State& state) {
+  IniTree tree;
+  const IniNode* section = ReadLargeSection(tree, ReadWhole);
+  for (auto _ : state) tree.Remove(section->Child(0));
+}
+BENCHMARK(BM_RemoveFirstOfMillionEntries)->Iterations(200)->Unit(benchmark::kMicrosecond);
+
+void BM_SortMillionEntriesByName(benchmark::State& state) {
+  IniTree tree;
+  ReadLargeSection(tree, ReadWhole);
+  for (auto _ : state) {
+    tree.Arrange(IniArrangement::ByName);
+    tree.Arrange(IniArrangement::AsInFile);
+  }
+}
+BENCHMARK(BM_SortMillionEntriesByName)->Unit(benchmark::kMillisecond);
 
 /// Each turn adds to the document that the turns before have left, as a user would.
 void BM_AddEntryToAllSections(benchmark::State& state) {
