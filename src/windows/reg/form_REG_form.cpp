@@ -78,7 +78,7 @@ form_REG::SaveOutcome form_REG::ConfirmCharacters(const SaveRequest& request) {
   const QString why =
       tr("A file of this kind, %1, has no place for a character of %2").arg(NameOfVersion(document_.Version()), unfit);
   if (request.caller == SaveRequest::Caller::AutoSave) {
-    AddNotice(tr("AutoSave passed over this document.") + u' ' + why);
+    AddNotice(tr("AutoSave passed over this document.") + u' ' + QString(why).replace(u'\r', u' '));
     return SaveOutcome::Cancelled;
   }
   const QString question = why + u"\r\r"_s + tr("As %1, in UTF-16, it has.").arg(NameOfVersion(RegVersion::Version5));
