@@ -135,6 +135,9 @@ void TreeDocumentWindow::WholeFile() {
     PutBack(held);
   else if (!has_file)
     MarkAs(held);
+  // The way back stands where the way here stood.
+  if (GetHolding() == Holding::Whole && end == ReadEnd::Taken)
+    AddNotice(tr("This is the whole file: every byte of it stays."), HoldingButton());
   setFocus();  // it may have been on a button of the notice, which is gone
 }
 
