@@ -16,10 +16,10 @@ IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
 
 Qt::ItemFlags IniItemModel::flags(const QModelIndex& index) const {
   const IniNode* node = NodeOf(index);
-  if (!node) return {};
-  const bool is_leaf = node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments;
+  if (!node) return Qt::NoItemFlags;
   const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
-  return is_leaf ? flags | Qt::ItemNeverHasChildren : flags;
+  // A view that expands all remembers every node that might have children, and goes through them with each edit.
+  return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? flags | Qt::ItemNeverHasChildren : flags;
 }
 
 QVariant IniItemModel::data(const QModelIndex& index, int role) const {

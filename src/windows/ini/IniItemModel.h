@@ -12,7 +12,6 @@ class IniItemModel : public TreeItemModel<IniTree, IniNode> {
  public:
   explicit IniItemModel(IniTree& tree, QObject* parent = nullptr);
 
-  /// Lines other than sections say that they are leaves, which spares a view the most of its layout.
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
 
