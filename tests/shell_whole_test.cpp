@@ -94,9 +94,9 @@ TEST_F(WholeFileTest, IsOneClickAwayAndBack) {
     EXPECT_EQ(Badge(window), u"whole");
     EXPECT_TRUE(IsChecked());
     EXPECT_TRUE(window.isAncestorOf(QApplication::focusWidget())) << "the pressed button is gone";
+    for (const QString& button : {u"Show by the Rules"_s, u"Show the Whole File"_s}) ASSERT_TRUE(Press(window, button));
     window.SavePlain({});
     EXPECT_EQ(BytesOf(path_), row.bytes);
-    for (const QString& button : {u"Show by the Rules"_s, u"Show the Whole File"_s}) ASSERT_TRUE(Press(window, button));
     global_.menus.Action(u"menu_ViewWholeFile"_s)->trigger();
     EXPECT_EQ(Notice(window), by_rules);
     EXPECT_EQ(Badge(window), u"by the rules");
