@@ -50,6 +50,16 @@ TEST_F(NoticeBarTest, StaysSlimHoweverMuchItSays) {
   EXPECT_LT(TextHeight(), 2 * line);
 }
 
+TEST_F(NoticeBarTest, CutsNoLineOffAtAnyWidth) {
+  bar->Add(u"This is the whole file: every byte of it stays."_s, {{u"Show by the Rules"_s, [] {}}});
+  const auto* label = bar->findChild<QLabel*>(u"notice_text"_s);
+  for (int width = 320; width < 700; width += 3) {
+    window.resize(width, window.height());
+    QCoreApplication::processEvents();
+    ASSERT_LE(label->heightForWidth(label->width()), TextHeight()) << width;
+  }
+}
+
 TEST_F(NoticeBarTest, SaysNothingTwiceAndRunsItsButtons) {
   int ran = 0;
   bar->Add(u"The file has 12 parts."_s, {{u"Show"_s, [&] { ran = 1; }}});

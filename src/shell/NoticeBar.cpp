@@ -166,9 +166,11 @@ void NoticeBar::Arrange() {
   if (notices_.empty()) return;
   more_->setText(is_expanded_ ? tr("less") : tr("more…"));
   const QMargins margins = layout()->contentsMargins();
-  const int extent = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
   // What the picture, the close button and the gaps leave.
-  const int width = contentsRect().width() - margins.left() - margins.right() - 3 * extent;
+  int width = contentsRect().width() - margins.left() - margins.right();
+  for (int item = 0; item < layout()->count(); ++item)
+    if (layout()->itemAt(item)->layout() != rows_)
+      width -= layout()->itemAt(item)->sizeHint().width() + layout()->spacing();
   const bool has_actions = !buttons_->findChildren<QPushButton*>().isEmpty();
   const auto place = [&](bool has_more) {
     more_->setVisible(has_more);
