@@ -21,7 +21,6 @@ namespace fs = std::filesystem;
 
 constexpr RegCoding kInRegistry{RegVersion::Version5, CodePageToUtf8, Utf8ToCodePage};
 constexpr std::string_view kHive = "HKEY_CURRENT_USER";
-constexpr std::string_view kTop = "Software\\Tame [Import]";
 
 struct Value {
   std::string name;
@@ -100,7 +99,7 @@ std::optional<RegData> InRegistry(std::string_view key, std::string_view name) {
 class RegImport : public testing::TestWithParam<RegVersion> {
  protected:
   ~RegImport() override {
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, Wide(kTop).c_str());
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, Wide(top_).c_str());
     std::error_code ignored;
     fs::remove(file_, ignored);
   }
@@ -120,7 +119,7 @@ class RegImport : public testing::TestWithParam<RegVersion> {
 
   void ReadExport(RegDocument& document) {
     fs::remove(file_);
-    RunRegedit(L"/E \"" + file_.wstring() + L"\" \"" + Wide(kHive) + L"\\" + Wide(kTop) + L"\"");
+    RunRegedit(L"/E \"" + file_.wstring() + L"\" \"" + Wide(kHive) + L"\\" + Wide(top_) + L"\"");
     std::ifstream in(file_, std::ios::binary);
     const RegWholeResult result =
         ReadWholeReg(document, DecodeText(std::string(std::istreambuf_iterator<char>(in), {})).text);
@@ -131,18 +130,21 @@ class RegImport : public testing::TestWithParam<RegVersion> {
 
   RegCoding Coding() const { return {GetParam(), CodePageToUtf8, Utf8ToCodePage}; }
 
-  const fs::path file_ = fs::temp_directory_path() / L"tme_import.reg";
+  // Two of these run at once.
+  const std::string version_ = std::to_string(static_cast<int>(GetParam()));
+  const std::string name_ = "Tame [Import " + version_ + "]";
+  const std::string top_ = "Software\\" + name_;
+  const fs::path file_ = fs::temp_directory_path() / ("tme_import" + version_ + ".reg");
 };
 
 INSTANTIATE_TEST_SUITE_P(Versions, RegImport, testing::Values(RegVersion::Regedit4, RegVersion::Version5));
 
 TEST_P(RegImport, TheSystemHoldsWhatTheDocumentShows) {
-  const std::string top(kTop);
   const std::vector<Value> values = AllValues(GetParam() == RegVersion::Version5 ? "é Жук 😀" : "é");
   RegDocument document;
   ReadWholeReg(document, std::string(HeaderOf(GetParam())) + "\r\n\r\n");
   RegNode* key = document.AddKey(document.AddKey(document.Root(), kHive), "Software");
-  key = document.AddKey(key, top.substr(top.find('\\') + 1));
+  key = document.AddKey(key, name_);
   RegNode* below = document.AddKey(key, "below");
   document.AddValue(below, "v", "\"1\"");
   for (const Value& value : values)
@@ -150,9 +152,9 @@ TEST_P(RegImport, TheSystemHoldsWhatTheDocumentShows) {
   Import(document);
   for (const Value& value : values) {
     SCOPED_TRACE(value.name);
-    EXPECT_TRUE(InRegistry(top, value.name) == value.data);
+    EXPECT_TRUE(InRegistry(top_, value.name) == value.data);
   }
-  EXPECT_TRUE(InRegistry(top + "\\below", "v").has_value());
+  EXPECT_TRUE(InRegistry(top_ + "\\below", "v").has_value());
 
   RegDocument exported;
   ReadExport(exported);
@@ -172,9 +174,9 @@ TEST_P(RegImport, TheSystemHoldsWhatTheDocumentShows) {
   document.WriteDeletion(below);
   document.WriteDeletion(1);
   Import(document);
-  EXPECT_FALSE(InRegistry(top + "\\below", "v").has_value());
-  EXPECT_FALSE(InRegistry(top, values[0].name).has_value());
-  EXPECT_TRUE(InRegistry(top, values[1].name) == values[1].data);
+  EXPECT_FALSE(InRegistry(top_ + "\\below", "v").has_value());
+  EXPECT_FALSE(InRegistry(top_, values[0].name).has_value());
+  EXPECT_TRUE(InRegistry(top_, values[1].name) == values[1].data);
 }
 
 }  // namespace

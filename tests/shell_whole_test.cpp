@@ -263,15 +263,17 @@ TEST_F(WholeFileTest, WhatTheEncodingCannotHoldIsAskedAbout) {
   row.bytes = "[A]\nb=\xE2\x82\xAC\nc=\xCE\xB1\xCE\xB2\n";
   TreeDocumentWindow& window = Open(row);
   window.WholeFile();
+  TextFormat format{SystemUnicode(), {}};
+  const QString encoding = QString::fromUtf8(EncodingName(format.encoding));
   for (const int chosen : {1, 0}) {
     ChooseForm({u"8-bit code page"_s, u"LF, as on Linux"_s});
     dialogs_.ExpectChoice(u"There is no place in the 8-bit code page for a character of line 3:\rc=\u03B1\u03B2"_s,
-                          u"Save As Another Form"_s, {u"&Save as UTF-8"_s, u"Cancel"_s}, chosen);
+                          u"Save As Another Form"_s, {u"&Save as "_s + encoding, u"Cancel"_s}, chosen);
     if (chosen == 0) common_dialog_.ExpectSave(InFolder(u"b.ini"_s));
     window.SaveAsAnotherForm();
     dialogs_.ExpectAllAsked();
   }
-  EXPECT_EQ(BytesOf(InFolder(u"b.ini"_s)), row.bytes);
+  EXPECT_EQ(BytesOf(InFolder(u"b.ini"_s)), EncodeText(row.bytes, format));
 }
 
 TEST_F(WholeFileTest, WhoRefusesTheRulesKeepsTheDocument) {
