@@ -83,16 +83,14 @@ TEST_F(WholeFileTest, IsOneClickAwayAndBack) {
     TreeDocumentWindow& window = Open(row);
     const QString caption = window.windowTitle(), by_rules = Notice(window);
     EXPECT_NE(window.Content(), row.bytes);
-    EXPECT_EQ(Badge(window), u"by the rules");
-    EXPECT_FALSE(IsChecked());
+    EXPECT_TRUE(Badge(window) == u"by the rules" && !IsChecked());
     ASSERT_TRUE(Press(window, u"Show the Whole File"_s));
     EXPECT_EQ(window.GetHolding(), Holding::Whole);
     EXPECT_EQ(window.Content(), row.bytes);
     EXPECT_FALSE(window.IsModified());
     EXPECT_EQ(window.windowTitle(), caption);
     EXPECT_FALSE(Notice(window).contains(by_rules)) << "of the other reading";
-    EXPECT_EQ(Badge(window), u"whole");
-    EXPECT_TRUE(IsChecked());
+    EXPECT_TRUE(Badge(window) == u"whole" && IsChecked());
     EXPECT_TRUE(window.isAncestorOf(QApplication::focusWidget())) << "the pressed button is gone";
     for (const QString& button : {u"Show by the Rules"_s, u"Show the Whole File"_s}) ASSERT_TRUE(Press(window, button));
     window.SavePlain({});
@@ -110,17 +108,19 @@ TEST_F(WholeFileTest, AsksAboutChangesFirst) {
   enum Button { kSave, kDontSave, kCancel };
   for (const WholeKind& row : kWholeKinds)
     for (const Button button : {kCancel, kDontSave, kSave}) {
+      const bool stays = button == kCancel;
       TreeDocumentWindow& window = Open(row);
       window.WholeFile();
       window.PutContent(row.other, Holding::Whole);
+      if (button == kSave) File(QFileInfo(path_).fileName(), "another's");
       ExpectQuestion(button);
       window.WholeFile();
-      EXPECT_EQ(window.GetHolding() == Holding::Whole, button == kCancel);
-      EXPECT_EQ(window.IsModified(), button == kCancel);
-      EXPECT_EQ(window.File().IsChanged(), button == kCancel);
+      EXPECT_EQ(window.GetHolding(), stays ? Holding::Whole : Holding::ByRules);
+      EXPECT_TRUE(window.IsModified() == stays && window.File().IsChanged() == stays);
+      EXPECT_EQ(Notice(window).contains(u"had been changed on the disk"_s), button == kSave);
       EXPECT_EQ(BytesOf(path_), button == kSave ? row.other : row.bytes);
-      EXPECT_EQ(HistoryHolds(row.other), button != kCancel);
-      if (button == kCancel) {
+      EXPECT_EQ(HistoryHolds(row.other), !stays);
+      if (stays) {
         EXPECT_EQ(window.Content(), row.other);
         ExpectQuestion(kDontSave);
         window.WholeFile();

@@ -86,15 +86,14 @@ void TreeDocumentWindow::PutContent(std::string bytes, Holding holding) {
 }
 
 TreeDocumentWindow::ReadEnd TreeDocumentWindow::ReadBytes(std::string bytes, Holding holding) {
-  SetNotices({});
   SetHolding(holding);
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
   return ReadText(std::move(decoded.text));
 }
 
-bool TreeDocumentWindow::ConfirmSwitch() {
-  if (!file_.IsChanged() && !IsModified()) return true;
+TreeDocumentWindow::Switch TreeDocumentWindow::ConfirmSwitch() {
+  if (!file_.IsChanged() && !IsModified()) return Switch::Confirmed;
   const bool becomes_whole = GetHolding() == Holding::ByRules;
   QString text = becomes_whole ? tr("The whole file is to be shown, and it has changes that are not saved.")
                                : tr("The file is to be shown by the rules, and it has changes that are not saved.");
@@ -106,16 +105,17 @@ bool TreeDocumentWindow::ConfirmSwitch() {
   switch (global_.dialogs.Choose(text, {tr("&Save"), tr("&Don't Save"), tr("Cancel")}, MsgIcon::Question,
                                  tr("Document Changed"))) {
     case 0:
-      return Save({}) == SaveOutcome::Saved;
+      return Save({}) == SaveOutcome::Saved ? Switch::Saved : Switch::Refused;
     case 1:
-      return true;
+      return Switch::Confirmed;
     default:
-      return false;
+      return Switch::Refused;
   }
 }
 
 void TreeDocumentWindow::WholeFile() {
-  if (!ConfirmSwitch()) return;
+  const Switch confirmed = ConfirmSwitch();
+  if (confirmed == Switch::Refused) return;
   const bool has_file = !file_.Path().isEmpty();
   if (!KeepUnsaved()) {
     AddNotice(tr("The changes could not be kept in the history, so the document stays as it is."));
@@ -129,6 +129,8 @@ void TreeDocumentWindow::WholeFile() {
   } else if (const std::optional<FileFailure> failure = file_.Read(bytes)) {
     return ShowReadFailure(file_.Path(), *failure);
   }
+  // What a save has just said is still so.
+  if (confirmed != Switch::Saved) SetNotices({});
   const ReadEnd end = ReadBytes(std::move(bytes), OtherThan(held.holding));
   if (!IsOpen()) return;
   if (end != ReadEnd::Taken)

@@ -78,9 +78,10 @@ class TreeDocumentWindow : public DocumentWindow {
   void MarkRead(const std::optional<QString>& left_out);
 
  private:
-  /// False when the user would rather leave it. The document may have got a file.
-  bool ConfirmSwitch();
-  /// Reads bytes into the document in a holding, and clears what was said of it before.
+  /// What the user says to a switch; a document that was saved may have got a file.
+  enum class Switch : std::uint8_t { Refused, Confirmed, Saved };
+  Switch ConfirmSwitch();
+  /// Reads bytes into the document in a holding.
   ReadEnd ReadBytes(std::string bytes, Holding holding);
   void SetHolding(Holding holding);
   /// A document, to be put back.
