@@ -70,7 +70,8 @@ std::string ShapeOf(std::string_view data) {
   return Shape(more == 0 ? data : data.substr(0, data.find('\\') + 1), more);
 }
 
-/// A line of what a file holds: "K path", "D path", "V path" with name and assignment.
+/// A line of what a file holds: "K path", "D path", "V path" with name and assignment, "C path" with a comment in
+/// sight.
 using Content = std::vector<std::string>;
 
 Content ShownBy(const RegDocument& document) {
@@ -83,6 +84,8 @@ Content ShownBy(const RegDocument& document) {
     if (IsKey(node.Tag()) && node.Parent() != nullptr)
       Promise(document.FindChild(node.Parent(), node.Text()) == &node, "a key stands once");
     if (node.Tag() == RegTag::Deletion) content.push_back("D " + folded);
+    if (node.Tag() == RegTag::Comment)
+      content.push_back("C " + Folded(node.Parent()->KeyPath()) + '\n' + std::string(node.Text()));
     if (IsKey(node.Tag()) && document.PieceOf(&node) != SourceLines::kEnds) content.push_back("K " + folded);
     for (const std::size_t record : document.ValuesOfPath(&node)) {
       const RegValueRecord& value = document.Values()[record];
@@ -197,11 +200,23 @@ class SimpleParser {
   /// Where a line's hex ends, "\\" included. Null when something stands behind it.
   static std::optional<std::size_t> EndOfDigits(const std::string& line, std::size_t digits) {
     std::size_t end = std::min(line.find_first_not_of("0123456789abcdefABCDEF, \t", digits), line.size());
+    if (!AreBytes(line.substr(digits, end - digits))) return std::nullopt;
     if (line.substr(end).starts_with('\\'))
       ++end;
     else
       end = std::max(digits, line.substr(0, end).find_last_not_of(" \t") + 1);
     return IsRest(line.substr(end)) ? std::optional(end) : std::nullopt;
+  }
+
+  /// Whether digits come in ones and twos, with a comma behind each but the last.
+  static bool AreBytes(std::string text) {
+    for (text = Cut(text); !text.empty(); text = Cut(text)) {
+      const std::size_t digits = std::min(text.find_first_of(", \t"), text.size());
+      text = Cut(text.erase(0, digits));
+      if (digits < 1 || digits > 2 || (!text.empty() && text[0] != ',')) return false;
+      text.erase(0, 1);
+    }
+    return true;
   }
 
   /// Goes to the last line of the value.
@@ -335,8 +350,10 @@ class Edit {
     } else if (which_ % 10 == 3) {
       document_.RenameValue(record_, Name());
     } else {
+      const bool has_comment = document_.Values()[record_].data.find(';') != std::string_view::npos;
       document_.DeleteValue(record_);
-      Promise(is_list || Written(document_) == around.before + around.behind, "a value goes with its lines");
+      Promise(is_list || has_comment || Written(document_) == around.before + around.behind,
+              "a value goes with its lines");
     }
     Promise(IsAround(around, Written(document_)), "an edit changes its own lines");
   }

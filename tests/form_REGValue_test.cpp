@@ -139,11 +139,30 @@ TEST(form_REGValue, WhatCannotBeTakenIsSaidAndOkStaysOff) {
 
   ValueDialog four(Text(reg_type::kExpandString, "a"), kFour);
   four.Find<QPlainTextEdit>("txt_Text")->setPlainText(u"\u4e2d"_s);
-  EXPECT_EQ(four.Reasons(), u"The code page of this file does not have all of these characters.");
+  EXPECT_EQ(
+      four.Reasons(),
+      u"The code page of this file does not have all of these characters. File, Save As Another Form makes it one "
+      u"of version 5.00, which has.");
   ValueDialog first(Text(reg_type::kString, "a"), {RegVersion::Regedit, CodePageToUtf8, Utf8ToCodePage});
   EXPECT_FALSE(first.Find<QComboBox>("cmb_Type")->isEnabled());
   first.Find<QPlainTextEdit>("txt_Text")->setPlainText(u"a\nb"_s);
   EXPECT_EQ(first.Reasons(), u"A value of this kind of file is one line of text.");
+}
+
+TEST(form_REGValue, ReasonsHaveTheirRoom) {
+  ValueDialog value(reg_type::kDword, std::string(4, '\0'));
+  value.dialog.SetNameCheck([](const QString&) { return u"many words about a name "_s.repeated(12); });
+  QTest::keyClicks(value.Find<QLineEdit>("txt_Hexadecimal"), u"xyz"_s);
+  QTest::keyClicks(value.Find<QLineEdit>("txt_Decimal"), u"-"_s);
+  QCoreApplication::processEvents();
+  for (const QLineEdit* box : value.dialog.findChildren<QLineEdit*>())
+    if (box->isVisible()) {
+      EXPECT_GE(box->height(), box->sizeHint().height()) << box->objectName().toStdString();
+    }
+  for (const QLabel* label : value.dialog.findChildren<QLabel*>(u"reason"_s))
+    if (label->isVisible()) {
+      EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+    }
 }
 
 TEST(form_REGValue, TextKeepsItsLineEndsAndEnterAccepts) {

@@ -88,7 +88,7 @@ TEST_F(RegWholeWindow, ShowsAllTypesDecodedAndSavesTheSameBytes) {
   EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s}), (QStringList{u"Alpha"_s, u"Old (deletion)"_s}));
   EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s, u"Alpha"_s}), (QStringList{u"Beta"_s}));
   Reg().ShowComments();
-  EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s, u"Alpha"_s}), (QStringList{u"; about Beta"_s, u"Beta"_s}));
+  EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s, u"Alpha"_s}), (QStringList{u"; top"_s, u"; about Beta"_s, u"Beta"_s}));
   EXPECT_TRUE(global_.menus.Action(u"menu_ViewShowComments"_s)->isChecked());
   Reg().ShowComments();
   EXPECT_EQ(Saved(), kAllTypes);
@@ -142,8 +142,20 @@ TEST_F(RegWholeWindow, AnEditChangesItsLinesAlone) {
   NameIs(u"M"_s);
   Reg().EditRename();
   expected = Replaced(expected, "\"m\"=-", "\"M\"=-");
-  // A deletion becomes a value again.
-  ValueIs({}, u"back"_s);
+  EXPECT_EQ(Saved(), expected);
+  // A deletion stays one until it gets a type.
+  OnDialog(u"form_REGValue"_s, [](QWidget& dialog) {
+    EXPECT_EQ(dialog.findChild<QComboBox*>(u"cmb_Type"_s)->currentText(), u"Deletion");
+    EXPECT_FALSE(dialog.findChild<QPlainTextEdit*>(u"txt_Text"_s)->isVisible());
+    QTest::keyClick(dialog.findChild<QComboBox*>(u"cmb_Type"_s), Qt::Key_Return);
+  });
+  Reg().EditModify();
+  EXPECT_FALSE(Reg().IsModified());
+  OnDialog(u"form_REGValue"_s, [](QWidget& dialog) {
+    QTest::keyClick(dialog.findChild<QComboBox*>(u"cmb_Type"_s), Qt::Key_Down);
+    QTest::keyClicks(dialog.findChild<QPlainTextEdit*>(u"txt_Text"_s), u"back"_s);
+    QTest::keyClick(&dialog, Qt::Key_Return);
+  });
   Reg().EditModify();
   expected = Replaced(expected, "\"M\"=-", "\"M\"=\"back\"");
   EXPECT_EQ(Saved(), expected);
@@ -187,9 +199,10 @@ TEST_F(RegWholeWindow, KeysAreAddedRenamedAndDeleted) {
   Reg().EditDelete();
   EXPECT_EQ(Children({u"HKEY_CURRENT_USER"_s}), (QStringList{u"Omega"_s}));
   Reg().ShowComments();
-  SelectKey({u"; top"_s});
+  SelectKey({u"HKEY_CURRENT_USER"_s, u"Omega"_s, u"; top"_s});
+  EXPECT_EQ(Reg().findChild<QLabel*>(u"lbl_location"_s)->text(), u"HKEY_CURRENT_USER\\Omega");
   NameIs(u"; new"_s);
-  Reg().EditRename();
+  Reg().EditModify();
   EXPECT_TRUE(Saved().starts_with("Windows Registry Editor Version 5.00\r\n\r\n; new\r\n[HKEY"));
 }
 
@@ -238,6 +251,11 @@ TEST_F(RegWholeWindow, CopiesBetweenKeysAndDocuments) {
   four.EditPaste();
   four.FileSaveRegular();
   EXPECT_NE(BytesOf(InFolder(u"b.reg"_s)).find("[HKEY_USERS\\K]\n\"X\"=\"2\"\nnone\n"), std::string::npos);
+  QApplication::clipboard()->setText(u"; c\nnone\n"_s);
+  four.EditPaste();
+  const QString notice = four.findChild<NoticeBar*>()->Text();
+  EXPECT_TRUE(notice.contains(u"1 line that came in is not understood and stays as it is."_s)) << notice.toStdString();
+  EXPECT_TRUE(notice.contains(u"1 comment came in. View, Show Comments shows it."_s)) << notice.toStdString();
 }
 
 TEST_F(RegWholeWindow, MenusAndOldFilesAndTheWayBack) {

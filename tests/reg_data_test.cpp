@@ -42,6 +42,7 @@ const DataCase kData[] = {
     {"hex(2):41,00", "REG_EXPAND_SZ Bytes 41 00"},
     {"hex(2):41,00,00,00,42,00,00,00", "REG_EXPAND_SZ Bytes 41 00 00 00 42 00 00 00"},
     {"hex(6):41,00,00", "REG_LINK Bytes 41 00 00"},
+    {"hex(6):41,00,00,00", "REG_LINK Text A", "", kPage},
     {"hex(2):3d,d8,00,00", "REG_EXPAND_SZ Bytes 3d d8 00 00"},
     {"hex(2):00,de,3d,d8,00,00", "REG_EXPAND_SZ Bytes 00 de 3d d8 00 00"},
     {"hex(2):", "REG_EXPAND_SZ Bytes "},

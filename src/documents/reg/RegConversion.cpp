@@ -30,8 +30,9 @@ std::optional<std::string> ConvertedAssignment(std::string_view assignment, cons
   fault = RegFault::None;
   const RegMark mark = RegMarkOf(assignment);
   const RegContent content = ContentOf(mark.type);
-  const bool is_text = mark.form == RegForm::Hex && (content == RegContent::Text || content == RegContent::Strings);
-  const std::optional<RegData> data = is_text ? DecodeAssignment(assignment, from) : std::nullopt;
+  const bool is_text = content == RegContent::Text || content == RegContent::Strings;
+  const bool is_coded = mark.form == RegForm::Hex && is_text && mark.type != reg_type::kLink;
+  const std::optional<RegData> data = is_coded ? DecodeAssignment(assignment, from) : std::nullopt;
   if (!data || data->content == RegContent::Bytes) return std::string(assignment);
   const std::optional<std::string> bytes = RegBytes(*data, to);
   if (bytes) return HexMark(data->type) + HexOfBytes(*bytes);
@@ -93,6 +94,7 @@ std::string WithoutPairs(const RegDocument& document) {
 void RegDocument::ConvertTo(RegVersion target, const RegCoding& coding) {
   if (version_ == target || version_ == RegVersion::Regedit || target == RegVersion::Regedit) return;
   observer_->BeforeReset();
+  if (comments_ == RegComments::Shown) DropComments();
   const RegCoding from = InVersion(coding, version_);
   const RegCoding to = InVersion(coding, target);
   for (std::size_t record = 0; record < values_.size(); ++record) {
@@ -117,6 +119,7 @@ void RegDocument::ConvertTo(RegVersion target, const RegCoding& coding) {
                                  static_cast<std::uint8_t>(RegPiece::FileHeader));
     if (KindOf(first) != RegPiece::Blank) lines_.InsertBehind(header, end, static_cast<std::uint8_t>(RegPiece::Blank));
   }
+  if (comments_ == RegComments::Shown) MakeComments();
   ++revision_;
   observer_->AfterReset();
 }

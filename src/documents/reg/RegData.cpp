@@ -87,13 +87,18 @@ std::optional<std::string> TextOfUtf16(std::string_view bytes) {
   return text;
 }
 
-std::optional<std::string> BytesOfText(std::string_view text, const RegCoding& coding) {
-  if (coding.version == RegVersion::Version5) return Utf16Bytes(text);
+/// The system takes the bytes of a link as they stand in files of every version.
+bool IsUtf16(std::uint32_t type, const RegCoding& coding) {
+  return coding.version == RegVersion::Version5 || type == reg_type::kLink;
+}
+
+std::optional<std::string> BytesOfText(std::string_view text, std::uint32_t type, const RegCoding& coding) {
+  if (IsUtf16(type, coding)) return Utf16Bytes(text);
   return coding.to_code_page == nullptr ? std::nullopt : coding.to_code_page(text);
 }
 
-std::optional<std::string> TextOfBytes(std::string_view bytes, const RegCoding& coding) {
-  if (coding.version == RegVersion::Version5) return TextOfUtf16(bytes);
+std::optional<std::string> TextOfBytes(std::string_view bytes, std::uint32_t type, const RegCoding& coding) {
+  if (IsUtf16(type, coding)) return TextOfUtf16(bytes);
   if (coding.from_code_page == nullptr) return std::nullopt;
   return coding.from_code_page(bytes);
 }
@@ -118,16 +123,17 @@ std::vector<std::string> Parted(std::string_view joined) {
 
 bool MayBeQuoted(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0", 3)) == text.npos; }
 
-RegFault FaultOfText(std::string_view text, const RegCoding& coding) {
+RegFault FaultOfText(std::string_view text, std::uint32_t type, const RegCoding& coding) {
   if (text.find('\0') != std::string_view::npos) return RegFault::HoldsNul;
-  if (coding.version == RegVersion::Version5) return utf8::IsValid(text) ? RegFault::None : RegFault::NotUnicode;
-  return BytesOfText(text, coding) ? RegFault::None : RegFault::NotInCodePage;
+  if (IsUtf16(type, coding)) return utf8::IsValid(text) ? RegFault::None : RegFault::NotUnicode;
+  return BytesOfText(text, type, coding) ? RegFault::None : RegFault::NotInCodePage;
 }
 
 RegFault FaultOfStrings(const std::vector<std::string>& strings, const RegCoding& coding) {
   for (const std::string& string : strings) {
     if (string.empty()) return RegFault::EmptyString;
-    if (const RegFault fault = FaultOfText(string, coding); fault != RegFault::None) return fault;
+    if (const RegFault fault = FaultOfText(string, reg_type::kMultiString, coding); fault != RegFault::None)
+      return fault;
   }
   return RegFault::None;
 }
@@ -203,7 +209,7 @@ RegFault FaultOf(const RegData& data, const RegCoding& coding) {
   switch (data.content) {
     case RegContent::Text:
       // What stands in quotes is a matter of the file's encoding alone.
-      return IsQuotedText(data) ? RegFault::None : FaultOfText(data.text, coding);
+      return IsQuotedText(data) ? RegFault::None : FaultOfText(data.text, data.type, coding);
     case RegContent::Strings:
       return FaultOfStrings(data.strings, coding);
     case RegContent::Number:
@@ -218,12 +224,12 @@ std::optional<std::string> RegBytes(const RegData& data, const RegCoding& coding
     case RegContent::Text: {
       const std::string_view text = data.text;
       if (text.find('\0') != std::string_view::npos) return std::nullopt;
-      return BytesOfText(std::string(text).append(kNulCharacter), coding);
+      return BytesOfText(std::string(text).append(kNulCharacter), data.type, coding);
     }
     case RegContent::Strings:
       if (std::ranges::any_of(data.strings, [](const std::string& s) { return s.empty() || s.find('\0') != s.npos; }))
         return std::nullopt;
-      return BytesOfText(Joined(data.strings), coding);
+      return BytesOfText(Joined(data.strings), data.type, coding);
     case RegContent::Number:
       if (NumberBytes(data.type) == 4 && data.number > UINT32_MAX) return std::nullopt;
       return BytesOfNumber(data.number, data.type);
@@ -239,7 +245,7 @@ RegData DataOfBytes(std::uint32_t type, std::string bytes, const RegCoding& codi
     return data;
   }
   if (data.content == RegContent::Text || data.content == RegContent::Strings) {
-    if (std::optional<std::string> text = TextOfBytes(bytes, coding)) {
+    if (std::optional<std::string> text = TextOfBytes(bytes, type, coding)) {
       if (data.content == RegContent::Strings)
         data.strings = Parted(*text);
       else

@@ -146,8 +146,7 @@ void RegDocument::RemoveKey(RegNode* node) {
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
-  std::vector<Lead> left_behind;
-  if (holding_ == Holding::Whole) left_behind = RemoveBlocks(node);
+  if (holding_ == Holding::Whole) RemoveBlocks(node);
   WalkKeys(*node, [this](const RegNode&) {
     --node_count_;
     return true;
@@ -159,8 +158,6 @@ void RegDocument::RemoveKey(RegNode* node) {
   ++revision_;
   observer_->AfterRemove();
   if (selection_moves) observer_->SelectionMoved();
-  if (comments_ == RegComments::Shown)
-    std::ranges::for_each(left_behind, [this](const Lead& lead) { AdoptComments(lead); });
 }
 
 void RegDocument::Reset(std::string_view title) {

@@ -136,6 +136,8 @@ struct RegPasteResult {
   std::size_t values = 0;
   /// Values that the document's version cannot say, or that would be the root's.
   std::size_t left_out = 0;
+  std::size_t comments = 0;
+  std::size_t not_understood = 0;  ///< lines
 };
 
 /// Learns of changes of the values, too.
@@ -229,11 +231,13 @@ class RegDocument {
   void SetText(RegNode* node, std::string_view text);
 
   // Edits of both ways.
-  /// The record stays, marked. In whole holding its lines go, and a key of a REGEDIT file stays as a path alone.
+  /// The record stays, marked. In whole holding its lines go but for comments between them, and a key of a REGEDIT file
+  /// stays as a path alone.
   void DeleteValue(std::size_t record);
   /// Takes the node with its subtree out of the tree, but never the root. Its records stay. If the selected node goes
   /// too, its next sibling is selected, else the previous one, else the parent. There is no recursion.
-  /// In whole holding its blocks go, with the blank lines behind them; a comment that touches the next header stays.
+  /// In whole holding its blocks go, with the blank lines behind them and the comments that touch their headers; a
+  /// comment that touches the next header stays.
   void RemoveKey(RegNode* node);
   /// Empties the document and gives it this title. It is held by the rules then.
   void Reset(std::string_view title);
@@ -247,7 +251,8 @@ class RegDocument {
   /// Adds a line at the end of the key's last block, in the style of the line before. A key without a block gets one.
   /// name: empty for the default value, which is all that a REGEDIT file can hold. Returns the record's index.
   std::size_t AddValue(RegNode* key, std::string_view name, std::string_view assignment);
-  /// Replaces what stands behind "="; hex is wrapped here.
+  /// Replaces what stands behind "="; hex is wrapped here. Comments between the lines that go stand above the value
+  /// then.
   void SetAssignment(std::size_t record, std::string_view assignment);
   void RenameValue(std::size_t record, std::string_view name);
   /// Makes the value's line the deletion of that value. Not for REGEDIT.
@@ -269,8 +274,8 @@ class RegDocument {
   /// Makes the file one of another version, between REGEDIT4 and 5.00: the first line, and texts in hex. What cannot be
   /// said there keeps its bytes (UnsayableIn lists it). coding: as for Paste.
   void ConvertTo(RegVersion target, const RegCoding& coding);
-  /// Makes a node of each comment line, above the keys of the key in whose block it stands, or drops them all. No
-  /// change of content.
+  /// Makes a node of each comment line, above the keys of the key whose header its block touches, else of the key in
+  /// whose block it stands, or drops them all. No change of content.
   void ShowComments(RegComments comments);
 
  private:
@@ -306,12 +311,6 @@ class RegDocument {
     std::uint32_t next_of_node = 0;
   };
 
-  /// The comment lines that touch a header.
-  struct Lead {
-    SourceLines::Piece first;
-    std::uint32_t header;
-  };
-
   void LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind);
   void UnlinkHeader(std::uint32_t header);
   std::uint32_t LastHeaderBelow(const RegNode* node) const;
@@ -327,13 +326,16 @@ class RegDocument {
   void ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text);
   void FollowPiece(std::size_t record);
   void DeleteValueLines(std::size_t record);
-  std::vector<Lead> RemoveBlocks(const RegNode* node);
-  void AdoptComments(const Lead& lead);
+  void RemoveBlocks(const RegNode* node);
+  void KeepComments(SourceLines::Piece piece, std::string_view assignment);
   void RenumberFrom(const RegNode* parent, std::size_t row);
   RegNode* MakeNode(RegNode* parent, std::string_view text, RegTag tag);
   void MakeComments();
   RegNode* MakeComment(RegNode* parent, SourceLines::Piece piece);
   void DropComments();
+  void AdoptComments(RegNode* parent, SourceLines::Piece first, SourceLines::Piece end);
+  void GiveCommentsAway(RegNode* from, SourceLines::Piece below);
+  std::size_t CommentRow(const RegNode& parent, SourceLines::Piece piece) const;
 
   RegNode* Add(RegNode* parent, std::string_view text, RegTag tag);
   template <typename Visit>

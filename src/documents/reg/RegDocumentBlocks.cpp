@@ -80,7 +80,7 @@ SourceLines::Piece RegDocument::BlockEnd(std::uint32_t header) const {
 }
 
 /// Where the next block comes behind a header's; 0 is behind the last one. Writes the file's first line and an empty
-/// one where they are missing.
+/// one where they are missing. A comment that stands last does not come to touch the new header.
 SourceLines::Piece RegDocument::MakeRoomBehind(std::uint32_t& header) {
   constexpr auto kHeaderKind = static_cast<std::uint8_t>(RegPiece::FileHeader);
   if (lines_.First() == SourceLines::kEnds) lines_.InsertBehind(SourceLines::kEnds, HeaderOf(version_), kHeaderKind);
@@ -90,7 +90,7 @@ SourceLines::Piece RegDocument::MakeRoomBehind(std::uint32_t& header) {
   const RegPiece above = header == 0 ? RegPiece::Blank : KindOf(lines_.Previous(LeadOf(header)));
   const bool blocks_touch = above != RegPiece::Blank && above != RegPiece::FileHeader;
   const bool is_list = version_ == RegVersion::Regedit && KindOf(place) != RegPiece::FileHeader;
-  if (blocks_touch || is_list) return place;
+  if ((blocks_touch || is_list) && KindOf(place) != RegPiece::Comment) return place;
   return lines_.InsertBehind(place, std::string(lines_.LineEndBehind(place)),
                              static_cast<std::uint8_t>(RegPiece::Blank));
 }
@@ -105,13 +105,10 @@ void RegDocument::AddHeaderLine(RegNode* node) {
   LinkHeader(node, lines_.InsertBehind(place, line, static_cast<std::uint8_t>(RegPiece::Key)), behind);
 }
 
-/// Takes the lines of a node and all below it from the file. A comment node is its line.
-/// Returns the comments that stood in one of these blocks, touch the next header, and stay.
-std::vector<RegDocument::Lead> RegDocument::RemoveBlocks(const RegNode* node) {
-  if (node->tag_ == RegTag::Comment) {
-    lines_.Remove(node->place_);
-    return {};
-  }
+/// Takes the lines of a node and all below it from the file, with the comments that touch their headers, which would
+/// belong to the next header otherwise. A comment node is its line.
+void RegDocument::RemoveBlocks(const RegNode* node) {
+  if (node->tag_ == RegTag::Comment) return lines_.Remove(node->place_);
   const auto is_of_node = [this, node](std::uint32_t header) {
     const RegNode* at = headers_[header].node;
     while (at != nullptr && at != node) at = at->parent_;
@@ -119,30 +116,28 @@ std::vector<RegDocument::Lead> RegDocument::RemoveBlocks(const RegNode* node) {
   };
   struct Block {
     std::uint32_t header;
-    SourceLines::Piece tail;
+    SourceLines::Piece first;
+    SourceLines::Piece last;
   };
   std::vector<Block> blocks;
-  std::vector<Lead> left_behind;
   WalkKeys(*node, [&](const RegNode& below) {
     if (below.tag_ == RegTag::Comment || below.place_ == 0) return true;
     std::uint32_t header = below.place_;
     do {
       header = headers_[header].next_of_node;
-      const std::uint32_t next = headers_[header].next;
-      const SourceLines::Piece last = lines_.Previous(headers_[next].piece);
-      blocks.push_back({header, is_of_node(next) ? last : TailOf(header)});
-      if (blocks.back().tail != last) left_behind.push_back({lines_.Next(blocks.back().tail), next});
+      const Header& block = headers_[header];
+      // Between two of these blocks all goes, and with the first of them.
+      blocks.push_back({header, is_of_node(block.previous) ? block.piece : LeadOf(header),
+                        is_of_node(block.next) ? lines_.Previous(headers_[block.next].piece) : TailOf(header)});
     } while (header != below.place_);
     ForEachRecordOf(&below, [this](std::size_t record) { values_[record].deleted = true; });
     return true;
   });
-  for (const auto& [header, tail] : blocks) {
-    for (SourceLines::Piece piece = headers_[header].piece; piece != tail; piece = lines_.Next(piece))
-      lines_.Remove(piece);
-    lines_.Remove(tail);
+  for (const auto& [header, first, last] : blocks) {
+    for (SourceLines::Piece piece = first; piece != last; piece = lines_.Next(piece)) lines_.Remove(piece);
+    lines_.Remove(last);
     UnlinkHeader(header);
   }
-  return left_behind;
 }
 
 }  // namespace tme

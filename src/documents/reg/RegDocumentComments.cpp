@@ -1,5 +1,6 @@
 // Comment lines of a whole document as nodes.
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "documents/reg/RegDocument.h"
@@ -36,11 +37,21 @@ void RegDocument::ShowComments(RegComments comments) {
 void RegDocument::MakeComments() {
   std::unordered_map<RegNode*, std::vector<RegNode*>> found;
   std::uint32_t header = 0;
-  for (SourceLines::Piece piece = lines_.First(); piece != SourceLines::kEnds; piece = lines_.Next(piece)) {
-    if (const std::uint32_t next = headers_[header].next; next != 0 && headers_[next].piece == piece) header = next;
-    if (KindOf(piece) != RegPiece::Comment) continue;
-    RegNode* parent = header == 0 ? root_.get() : headers_[header].node;
-    found[parent].push_back(MakeComment(parent, piece));
+  // The comment lines just above.
+  std::vector<SourceLines::Piece> block;
+  SourceLines::Piece piece = lines_.First();
+  while (true) {
+    const std::uint32_t next = headers_[header].next;
+    if (next != 0 && headers_[next].piece == piece) header = next;
+    if (piece != SourceLines::kEnds && KindOf(piece) == RegPiece::Comment) {
+      block.push_back(piece);
+    } else {
+      RegNode* parent = header == 0 ? root_.get() : headers_[header].node;
+      for (const SourceLines::Piece comment : block) found[parent].push_back(MakeComment(parent, comment));
+      block.clear();
+    }
+    if (piece == SourceLines::kEnds) break;
+    piece = lines_.Next(piece);
   }
   for (const auto& [parent, nodes] : found) {
     parent->children_->InsertFirst(nodes);
@@ -55,18 +66,57 @@ RegNode* RegDocument::MakeComment(RegNode* parent, SourceLines::Piece piece) {
   return node;
 }
 
-/// The comment that touches a header stays when the block before it goes; it belongs to the one before that.
-void RegDocument::AdoptComments(const Lead& lead) {
-  const std::uint32_t above = headers_[lead.header].previous;
-  RegNode* parent = above == 0 ? root_.get() : headers_[above].node;
-  for (SourceLines::Piece piece = lead.first; piece != headers_[lead.header].piece; piece = lines_.Next(piece)) {
-    const std::size_t row = CommentCount(*parent);
+/// The row of a new comment among those of a key, which stand in the order of the file. Linear where there are any.
+std::size_t RegDocument::CommentRow(const RegNode& parent, SourceLines::Piece piece) const {
+  std::unordered_map<SourceLines::Piece, std::size_t> rows;
+  for (std::size_t row = CommentCount(parent); row > 0; --row)
+    rows[parent.Child(static_cast<int>(row - 1))->place_] = row;
+  while (!rows.empty() && piece != SourceLines::kEnds) {
+    piece = lines_.Previous(piece);
+    if (const auto above = rows.find(piece); above != rows.end()) return above->second;
+  }
+  return 0;
+}
+
+/// Makes nodes of comment lines that follow one another and are new to a key.
+void RegDocument::AdoptComments(RegNode* parent, SourceLines::Piece first, SourceLines::Piece end) {
+  if (comments_ == RegComments::Hidden || first == end) return;
+  std::size_t row = CommentRow(*parent, first);
+  for (SourceLines::Piece piece = first; piece != end; piece = lines_.Next(piece), ++row) {
     observer_->BeforeInsert(*parent, static_cast<int>(row));
     RegNode* node = MakeComment(parent, piece);
     parent->children_->Insert(row, node);
     RenumberFrom(parent, row);
     observer_->AfterInsert();
   }
+}
+
+/// Where nothing parts the comments of a key from the next header any more, they are those of its key.
+void RegDocument::GiveCommentsAway(RegNode* from, SourceLines::Piece below) {
+  if (comments_ == RegComments::Hidden || KindOf(lines_.Previous(below)) != RegPiece::Comment) return;
+  std::uint32_t header = from->place_;
+  do header = headers_[header].next_of_node;
+  while (header != from->place_ && headers_[headers_[header].next].piece != below);
+  const std::uint32_t next = headers_[header].next;
+  if (next == 0 || headers_[next].piece != below) return;
+  RegNode* to = headers_[next].node;
+  if (to == from) return;
+  const SourceLines::Piece lead = LeadOf(next);
+  std::unordered_set<SourceLines::Piece> block;
+  for (SourceLines::Piece piece = lead; piece != below; piece = lines_.Next(piece)) block.insert(piece);
+  for (std::size_t row = CommentCount(*from); row > 0; --row) {
+    const RegNode* node = from->Child(static_cast<int>(row - 1));
+    if (!block.contains(node->place_)) continue;
+    observer_->BeforeRemove(*node);
+    from->children_->Erase(row - 1);
+    RenumberFrom(from, row - 1);
+    --node_count_;
+    const bool selection_moves = selected_ == node;
+    if (selection_moves) selected_ = from;
+    observer_->AfterRemove();
+    if (selection_moves) observer_->SelectionMoved();
+  }
+  AdoptComments(to, lead, below);
 }
 
 void RegDocument::DropComments() {

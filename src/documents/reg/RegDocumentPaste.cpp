@@ -76,7 +76,8 @@ class RegDocument::Pasting {
     while (start != blocks &&
            (source_.KindOf(start) == RegPiece::FileHeader || source_.KindOf(start) == RegPiece::Blank))
       start = lines.Next(start);
-    if (!source_.ValuesOfPath(source_.Root()).empty()) {
+    const bool has_no_key = blocks == SourceLines::kEnds && key_->parent_ != nullptr;
+    if (has_no_key || !source_.ValuesOfPath(source_.Root()).empty()) {
       PutFirstValues(start, blocks);
       start = blocks;
     }
@@ -93,6 +94,7 @@ class RegDocument::Pasting {
     place_ = target_.BlockEnd(key_->place_);
     for (; at != end; at = source_.lines_.Next(at))
       if (source_.KindOf(at) != RegPiece::Blank) Put(at, key_);
+    PartFromNext();
   }
 
   void PutBlocks(SourceLines::Piece at) {
@@ -110,6 +112,17 @@ class RegDocument::Pasting {
         Put(at, owner_);
       }
     }
+    PartFromNext();
+  }
+
+  /// A comment that comes last would belong to the next header.
+  void PartFromNext() {
+    const SourceLines::Piece next = target_.lines_.Next(place_);
+    if (target_.KindOf(place_) != RegPiece::Comment || next == SourceLines::kEnds ||
+        target_.KindOf(next) == RegPiece::Blank)
+      return;
+    target_.lines_.InsertBehind(place_, std::string(target_.lines_.LineEndBehind(place_)),
+                                static_cast<std::uint8_t>(RegPiece::Blank));
   }
 
   void PutHeader(SourceLines::Piece at, const RegNode* node) {
@@ -147,6 +160,9 @@ class RegDocument::Pasting {
     const std::string_view text = source_.lines_.Text(at);
     if (source_.KindOf(at) != RegPiece::Value) {
       place_ = target_.lines_.InsertBehind(place_, text, source_.lines_.Kind(at));
+      const RegPiece kind = source_.KindOf(at);
+      result_.comments += kind == RegPiece::Comment ? 1 : 0;
+      result_.not_understood += kind == RegPiece::Other ? 1 : 0;
       return;
     }
     const RegValuePlace value = *FindRegValue(text, std::min(text.find_first_of("\r\n"), text.size()));
@@ -156,6 +172,7 @@ class RegDocument::Pasting {
       return;
     }
     place_ = target_.lines_.InsertBehind(place_, *line, source_.lines_.Kind(at));
+    if (*line != text) target_.KeepComments(place_, value.assignment.Of(text));
     const std::string_view name = value.name.Of(text);
     const std::string plain = name.size() < 2 ? "" : UnescapedRegText(name.substr(1, name.size() - 2));
     target_.AppendRecord(owner, RegType::None, target_.texts_.Copy(plain), {});
@@ -207,7 +224,11 @@ RegPasteResult RegDocument::Paste(RegNode* key, std::string_view text, const Reg
     source.Reset("");
     ReadWholeReg(source, blocks, options);
   }
-  if (source.headers_.size() == 1 && source.values_.empty()) return result;
+  SourceLines::Piece taken = source.lines_.First();
+  while (taken != SourceLines::kEnds &&
+         (source.KindOf(taken) == RegPiece::Blank || source.KindOf(taken) == RegPiece::FileHeader))
+    taken = source.lines_.Next(taken);
+  if (taken == SourceLines::kEnds) return result;
   observer_->BeforeReset();
   if (comments_ == RegComments::Shown) DropComments();
   Pasting(*this, key, source, coding, result).Run();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "documents/reg/RegDocument.h"
+#include "documents/reg/RegHex.h"
 #include "documents/reg/RegKeyWalk.h"
 
 namespace tme {
@@ -98,8 +99,8 @@ SourceLines::Piece RegDocument::AddPairLine(RegNode* key, std::string_view assig
     const std::size_t path_end = FindRegPair(line)->place.name.End();
     ReplaceIn(piece, {path_end, line.size() - path_end}, text);
   } else {
-    const std::uint32_t behind = key->place_;
-    piece = lines_.InsertBehind(BlockEnd(behind), key->KeyPath() + text, kValuePiece);
+    std::uint32_t behind = key->place_;
+    piece = lines_.InsertBehind(MakeRoomBehind(behind), key->KeyPath() + text, kValuePiece);
     LinkHeader(key, piece, behind);
   }
   lines_.SetKind(piece, static_cast<std::uint8_t>(RegPiece::Pair));
@@ -107,7 +108,11 @@ SourceLines::Piece RegDocument::AddPairLine(RegNode* key, std::string_view assig
 }
 
 void RegDocument::SetAssignment(std::size_t record, std::string_view assignment) {
-  if (PutAssignment(record, assignment)) ValueHasChanged(record);
+  const RegValueRecord& value = values_[record];
+  const SourceLines::Piece above = lines_.Previous(value.piece);
+  if (!PutAssignment(record, assignment)) return;
+  AdoptComments(value.owner, lines_.Next(above), value.piece);
+  ValueHasChanged(record);
 }
 
 /// Returns whether anything changed.
@@ -121,9 +126,17 @@ bool RegDocument::PutAssignment(std::size_t record, std::string_view assignment)
                                   ? std::string(assignment)
                                   : WrapAssignment(text.substr(0, place->assignment.at), assignment, end);
   if (place->assignment.Of(text) == wrapped) return false;
+  KeepComments(piece, place->assignment.Of(text));
   ReplaceIn(piece, place->assignment, wrapped);
   FollowPiece(record);
   return true;
+}
+
+/// Puts the comments between the lines of a value above it: they go on belonging to it, and to its key.
+void RegDocument::KeepComments(SourceLines::Piece piece, std::string_view assignment) {
+  if (KindOf(piece) == RegPiece::Pair || RegMarkOf(assignment).form != RegForm::Hex) return;
+  for (const std::string_view comment : CommentsInHex(assignment))
+    lines_.InsertBehind(lines_.Previous(piece), comment, static_cast<std::uint8_t>(RegPiece::Comment));
 }
 
 void RegDocument::RenameValue(std::size_t record, std::string_view name) {
@@ -147,14 +160,20 @@ void RegDocument::SetLineEnds(LineEnds ends) {
 }
 
 void RegDocument::DeleteValueLines(std::size_t record) {
-  const SourceLines::Piece piece = values_[record].piece;
+  const RegValueRecord& value = values_[record];
+  const SourceLines::Piece piece = value.piece;
   if (KindOf(piece) == RegPiece::Pair) {
     const std::string_view line = FirstLineOf(lines_.Text(piece));
     const RegSpan path = FindRegPair(line)->place.name;
     ReplaceIn(piece, {path.End(), line.size() - path.End()}, "");
     lines_.SetKind(piece, static_cast<std::uint8_t>(RegPiece::Key));
   } else {
+    const SourceLines::Piece above = lines_.Previous(piece);
+    KeepComments(piece, value.data);
+    const SourceLines::Piece kept = lines_.Next(above);
     lines_.Remove(piece);
+    if (kept != piece) AdoptComments(value.owner, kept, lines_.Next(piece));
+    GiveCommentsAway(value.owner, lines_.Next(piece));
   }
   values_[record].deleted = true;
   ValueHasChanged(record);
@@ -177,6 +196,7 @@ RegNode* RegDocument::WriteDeletion(RegNode* key) {
   ++node_count_;
   LinkHeader(deletion, piece, first == 0 ? headers_[0].previous : headers_[first].previous);
   observer_->AfterInsert();
+  AdoptComments(deletion, LeadOf(deletion->place_), piece);
   if (IsOfNode(selected_, key)) {
     selected_ = deletion;
     observer_->SelectionMoved();

@@ -59,14 +59,18 @@ std::size_t AtNextText(std::string_view text, std::size_t at) {
   return at;
 }
 
-/// Behind the last byte of the digits and commas of one line, blanks between them included.
-std::size_t BehindDigits(std::string_view text, std::size_t at) {
+/// Behind the last of the bytes of one line and its comma. What no byte can be there is left standing.
+std::size_t BehindBytes(std::string_view text, std::size_t at) {
   std::size_t end = at;
-  for (; at < text.size(); ++at) {
-    if (DigitOf(text[at]) != kNoDigit || text[at] == ',')
-      end = at + 1;
-    else if (!IsBlankChar(text[at]))
-      break;
+  for (bool may_begin = true; may_begin;) {
+    at = BehindBlanks(text, at);
+    if (at >= text.size() || DigitOf(text[at]) == kNoDigit) break;
+    ++at;
+    if (at < text.size() && DigitOf(text[at]) != kNoDigit) ++at;
+    end = at;
+    at = BehindBlanks(text, at);
+    may_begin = at < text.size() && text[at] == ',';
+    if (may_begin) end = ++at;
   }
   return end;
 }
@@ -121,6 +125,19 @@ std::optional<std::string> BytesOfHex(std::string_view text) {
   return bytes;
 }
 
+std::vector<std::string_view> CommentsInHex(std::string_view text) {
+  std::vector<std::string_view> comments;
+  std::size_t end = 0;
+  for (std::size_t at = text.find(';'); at != text.npos; at = text.find(';', end)) {
+    end = std::min(text.find_first_of("\r\n", at), text.size());
+    std::size_t start = at;
+    while (start > 0 && IsBlankChar(text[start - 1])) --start;
+    if (start == 0 || !IsLineEndChar(text[start - 1])) start = at;
+    comments.push_back(text.substr(start, end - start));
+  }
+  return comments;
+}
+
 std::string HexOfBytes(std::string_view bytes) {
   std::string text;
   text.reserve(3 * bytes.size());
@@ -136,7 +153,7 @@ std::string HexOfBytes(std::string_view bytes) {
 std::optional<std::size_t> EndOfHex(std::string_view text, std::size_t at) {
   std::size_t last_end = std::string_view::npos;
   while (true) {
-    std::size_t end = BehindDigits(text, at);
+    std::size_t end = BehindBytes(text, at);
     const std::size_t behind = BehindBlanks(text, end);
     const bool goes_on = behind < text.size() && text[behind] == '\\';
     if (goes_on) end = behind + 1;

@@ -100,11 +100,10 @@ bool RegWholeCommands::Modify(const RegTarget& target) {
 bool RegWholeCommands::ModifyValue(std::size_t index) {
   const RegCoding coding = CodingOf(document_);
   const RegValueRecord& record = document_.Values()[index];
-  // A deletion has no data yet.
+  // Null for a deletion.
   const std::optional<RegData> before = DecodeAssignment(record.data, coding);
-  if (!before && record.data != "-") return false;
   form_REGValue dialog(&window_, tr("Edit Value"), coding);
-  dialog.SetValue(TextOf(record.name), before.value_or(EmptyRegData(reg_type::kString)));
+  before ? dialog.SetValue(TextOf(record.name), *before) : dialog.SetDeletion(TextOf(record.name));
   const std::string name_before(record.name);
   const RegNode* key = record.owner;
   dialog.SetNameCheck([this, key, index](const QString& name) {
@@ -116,8 +115,9 @@ bool RegWholeCommands::ModifyValue(std::size_t index) {
   const std::uint64_t revision = document_.Revision();
   if (dialog.Name() != TextOf(name_before)) document_.RenameValue(index, dialog.Name().toStdString());
   // The same data again change nothing, however the file writes them.
-  if (const RegData data = dialog.Data(); data != before)
-    if (const auto assignment = EncodeAssignment(data, coding)) document_.SetAssignment(index, *assignment);
+  const std::optional<RegData> after = dialog.IsDeletion() ? std::nullopt : std::optional(dialog.Data());
+  if (after && after != before)
+    if (const auto assignment = EncodeAssignment(*after, coding)) document_.SetAssignment(index, *assignment);
   return document_.Revision() != revision;
 }
 

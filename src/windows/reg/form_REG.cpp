@@ -1,6 +1,7 @@
 #include "windows/reg/form_REG.h"
 
 #include <QEvent>
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -106,6 +107,11 @@ void form_REG::BuildKeyTree(QWidget* parent) {
   auto* insert = new QShortcut(Qt::Key_Insert, TV);
   insert->setContext(Qt::WidgetShortcut);
   connect(insert, &QShortcut::activated, this, &form_REG::EditNewKey);
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+    auto* enter = new QShortcut(key, TV);
+    enter->setContext(Qt::WidgetShortcut);
+    connect(enter, &QShortcut::activated, this, &form_REG::EditModify);
+  }
 }
 
 void form_REG::BuildValueList(QWidget* parent) {
@@ -144,6 +150,12 @@ void form_REG::BuildValueList(QWidget* parent) {
 bool form_REG::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::FocusIn:
+      // The keyboard begins at a row.
+      if (const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+          watched == LV && !LV->currentIndex().isValid() &&
+          (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason))
+        LV->setCurrentIndex(values_->index(0, 0));
+      [[fallthrough]];
     case QEvent::MouseButtonPress:
     case QEvent::KeyPress:
       SetFocusMarker(watched == LV || watched == LV->viewport() ? Focus::LV : Focus::TV);
@@ -216,8 +228,13 @@ void form_REG::ShowSelection() {
 void form_REG::ShowKey() {
   const RegNode* node = document_.Selected();
   values_->ShowKey(node);
-  SetLocation(QString::fromStdString(node->KeyPath()));
+  ShowPath();
   SetFocusMarker(Focus::TV);
+}
+
+void form_REG::ShowPath() {
+  const RegNode* node = document_.Selected();
+  SetLocation(QString::fromStdString((node->Tag() == RegTag::Comment ? node->Parent() : node)->KeyPath()));
 }
 
 void form_REG::SetLocation(const QString& text) {

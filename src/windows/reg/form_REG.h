@@ -41,8 +41,8 @@ class form_REG : public TreeDocumentWindow {
   Q_INVOKABLE void FileSaveExpanded() { SaveIn(RegLayout::Expanded, {}); }
   Q_INVOKABLE void FileSaveAsRegular();
   Q_INVOKABLE void FileSaveAsExpanded();
-  /// Writes the expanded layout into a file of its own and prints that. The document counts as unchanged afterwards,
-  /// although its own file was not written; intended.
+  /// Writes the expanded layout into a file of its own and prints that. By the rules the document counts as unchanged
+  /// afterwards, although its own file was not written; intended.
   void PrintDoc(QPrinter& printer) override;
 
   Q_INVOKABLE void EditModify();
@@ -142,6 +142,8 @@ class form_REG : public TreeDocumentWindow {
   PartProducer ProducerIn(RegLayout layout) const;
   /// What a save writes, with a dialog that can stop it.
   PartProducer ProducerWithProgress();
+  /// Of the selected key, or of the key of the selected comment.
+  void ShowPath();
   void SetLocation(const QString& text);
   /// After an edit of a key or its values: what a save makes of it otherwise than it is shown.
   void TellWhatASaveMakesOf(const RegNode& node);

@@ -7,8 +7,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <initializer_list>
 #include <limits>
 #include <utility>
 
@@ -44,6 +48,17 @@ constexpr std::array kTypeChoices{
     TypeChoice{reg_type::kResourceRequirementsList},
 };
 
+/// As large as the page in sight wants to be.
+class RegPageStack : public QStackedWidget {
+ public:
+  using QStackedWidget::QStackedWidget;
+
+  QSize sizeHint() const override { return currentWidget()->sizeHint(); }
+  QSize minimumSizeHint() const override { return currentWidget()->minimumSizeHint(); }
+  bool hasHeightForWidth() const override { return currentWidget()->hasHeightForWidth(); }
+  int heightForWidth(int width) const override { return currentWidget()->heightForWidth(width); }
+};
+
 }  // namespace
 
 form_REGValue::form_REGValue(QWidget* parent, const QString& caption, const RegCoding& coding)
@@ -53,7 +68,8 @@ form_REGValue::form_REGValue(QWidget* parent, const QString& caption, const RegC
       name_reason_(new FieldReason(*txt_Name, this)),
       cmb_Type(new QComboBox(this)),
       lbl_Note(PlainLabel({}, this)),
-      stack_(new QStackedWidget(this)),
+      lbl_Data(PlainLabel(tr("Value &data:"), this)),
+      stack_(new RegPageStack(this)),
       pages_{new RegTextPage(this), new RegStringsPage(this), new RegNumberPage(this), new RegBinaryPage(this)} {
   setObjectName(u"form_REGValue"_s);
   setWindowTitle(caption);
@@ -85,10 +101,11 @@ form_REGValue::form_REGValue(QWidget* parent, const QString& caption, const RegC
   form->addRow(tr("&Type:"), cmb_Type);
   column->addLayout(form);
   column->addWidget(lbl_Note);
-  QLabel* lbl_Data = PlainLabel(tr("Value &data:"), this);
   lbl_Data->setBuddy(stack_);
   column->addWidget(lbl_Data);
   column->addWidget(stack_, 1);
+  // Where there is no page, the fields stay at the top.
+  column->addStretch();
   column->addWidget(buttons);
 }
 
@@ -101,7 +118,10 @@ void form_REGValue::BuildTypes() {
   }
   // A file of the first form has one type of value.
   cmb_Type->setEnabled(coding_.version != RegVersion::Regedit);
-  connect(cmb_Type, &QComboBox::activated, this, [this] { ChooseType(cmb_Type->currentData().toUInt()); });
+  connect(cmb_Type, &QComboBox::activated, this, [this] {
+    const QVariant type = cmb_Type->currentData();
+    type.isValid() ? ChooseType(type.toUInt()) : ShowDeletion();
+  });
 }
 
 void form_REGValue::BuildPages() {
@@ -133,15 +153,37 @@ void form_REGValue::SetValue(const QString& name, const RegData& value) {
   Page().setFocus();
 }
 
+void form_REGValue::SetDeletion(const QString& name) {
+  txt_Name->setText(name);
+  cmb_Type->insertItem(0, tr("Deletion"));
+  cmb_Type->setCurrentIndex(0);
+  given_ = EmptyRegData(reg_type::kString);
+  ShowDeletion();
+  cmb_Type->setFocus();
+}
+
 void form_REGValue::EditName() {
   if (txt_Name->isReadOnly()) return;
   txt_Name->setFocus();
   txt_Name->selectAll();
 }
 
-void form_REGValue::ChooseType(std::uint32_t type) {
+void form_REGValue::KeepEdited() {
   // What cannot be taken is given up with its page.
   if (is_edited_ && Page().IsValid()) given_ = Page().Data();
+  is_edited_ = false;
+}
+
+void form_REGValue::ShowDeletion() {
+  KeepEdited();
+  is_deletion_ = true;
+  for (QWidget* widget : std::initializer_list<QWidget*>{lbl_Note, lbl_Data, stack_}) widget->hide();
+  Grow();
+  Check();
+}
+
+void form_REGValue::ChooseType(std::uint32_t type) {
+  KeepEdited();
   type_ = type;
   ShowData(ConvertRegData(given_, type, coding_));
 }
@@ -154,22 +196,36 @@ void form_REGValue::ShowData(RegData value) {
     page = pages_[static_cast<std::size_t>(RegContent::Bytes)];
     page->Show(value);
   }
-  is_filling_ = is_edited_ = false;
-  // The dialog is as large as the page in sight wants it, and does not shrink while one looks at it.
-  for (RegContentPage* other : pages_) {
-    const auto policy = other == page ? QSizePolicy::Preferred : QSizePolicy::Ignored;
-    other->setSizePolicy(policy, policy);
-  }
+  is_filling_ = is_edited_ = is_deletion_ = false;
   stack_->setCurrentWidget(page);
+  lbl_Data->show();
+  stack_->show();
   stack_->setFocusProxy(page);
   const bool is_improper = value.content != ContentOf(type_);
   lbl_Note->setVisible(is_improper);
   if (is_improper)
     lbl_Note->setText(tr("These bytes cannot be shown as %1, so they are edited as bytes.")
                           .arg(QString::fromStdString(RegTypeName(type_))));
-  layout()->activate();
-  if (isVisible()) resize(size().expandedTo(sizeHint()));
+  Grow();
   Check();
+}
+
+void form_REGValue::Grow() {
+  layout()->invalidate();
+  layout()->activate();
+  QSize wanted = sizeHint();
+  if (isVisible()) {
+    wanted = wanted.expandedTo(size());
+    wanted.setHeight(std::max(wanted.height(), layout()->minimumHeightForWidth(wanted.width())));
+  }
+  // Before it is shown, the frame is not known.
+  const QRect free = screen()->availableGeometry();
+  const int title = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  const QSize frame = isVisible() ? frameSize() - size() : QSize(0, title);
+  resize(wanted.boundedTo(free.size() - frame));
+  if (!isVisible()) return;
+  const QPoint last = free.bottomRight() - QPoint(frameSize().width(), frameSize().height());
+  move(std::min(x(), last.x()), std::min(y(), last.y()));
 }
 
 QString form_REGValue::Name() const { return OneLine(txt_Name->text()); }
@@ -178,10 +234,13 @@ RegData form_REGValue::Data() const { return is_edited_ ? Page().Data() : Conver
 
 QString form_REGValue::ReasonAgainstData() const {
   // Any bytes can be written, and copying them for nothing may cost a pause.
-  if (&Page() == pages_[static_cast<std::size_t>(RegContent::Bytes)] || !Page().IsValid()) return {};
+  const bool is_binary = &Page() == pages_[static_cast<std::size_t>(RegContent::Bytes)];
+  if (is_deletion_ || is_binary || !Page().IsValid()) return {};
   switch (FaultOf(Page().Data(), coding_)) {
     case RegFault::NotInCodePage:
-      return tr("The code page of this file does not have all of these characters.");
+      return tr(
+          "The code page of this file does not have all of these characters. File, Save As Another Form makes it "
+          "one of version 5.00, which has.");
     case RegFault::NotUnicode:
       return tr("The text has half a character.");
     case RegFault::OnlyText:
@@ -196,7 +255,9 @@ void form_REGValue::Check() {
   name_reason_->Say(name_reason);
   const QString data_reason = ReasonAgainstData();
   Page().SayAgainst(data_reason);
-  cmd_OK->setEnabled(name_reason.isEmpty() && data_reason.isEmpty() && Page().IsValid());
+  cmd_OK->setEnabled(name_reason.isEmpty() && data_reason.isEmpty() && (is_deletion_ || Page().IsValid()));
+  // A reason may need more lines than it has.
+  if (isVisible() && layout()->minimumHeightForWidth(width()) > height()) Grow();
 }
 
 void form_REGValue::keyPressEvent(QKeyEvent* event) {

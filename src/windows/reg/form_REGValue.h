@@ -28,6 +28,8 @@ class form_REGValue : public QDialog {
 
   /// The value to begin with. An empty name is the key's default value.
   void SetValue(const QString& name, const RegData& value);
+  /// Begins with the deletion of a value, which is a choice beside the types then, and has no data.
+  void SetDeletion(const QString& name);
   /// check: gives the reason against a name, or nothing.
   void SetNameCheck(std::function<QString(const QString& name)> check);
 
@@ -35,7 +37,8 @@ class form_REGValue : public QDialog {
   void EditName();
 
   QString Name() const;
-  /// Only after Accepted. What was not edited is exactly what was given.
+  bool IsDeletion() const { return is_deletion_; }
+  /// Only after Accepted, and not for a deletion. What was not edited is exactly what was given.
   RegData Data() const;
 
  protected:
@@ -47,6 +50,10 @@ class form_REGValue : public QDialog {
   void BuildPages();
   void ChooseType(std::uint32_t type);
   void ShowData(RegData value);
+  void ShowDeletion();
+  void KeepEdited();
+  /// As large as what is in sight wants it and the screen has room for. Does not shrink while one looks at it.
+  void Grow();
   RegContentPage& Page() const;
   void Check();
   /// The reason against the data beside what their page knows; empty when there is none.
@@ -61,11 +68,13 @@ class form_REGValue : public QDialog {
   RegData given_;
   bool is_edited_ = false;   ///< since the page was filled
   bool is_filling_ = false;  ///< the page
+  bool is_deletion_ = false;
 
   QLineEdit* txt_Name;
   FieldReason* name_reason_;
   QComboBox* cmb_Type;
   QLabel* lbl_Note;
+  QLabel* lbl_Data;
   QStackedWidget* stack_;
   std::array<RegContentPage*, 4> pages_;  ///< by RegContent
   QPushButton* cmd_OK;

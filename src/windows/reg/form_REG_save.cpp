@@ -169,7 +169,7 @@ void form_REG::PrintDoc(QPrinter& printer) {
     return;
   }
   const QString path = WriteOwnFile(kPrintFileName, ProducerIn(RegLayout::Expanded));
-  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
+  ShowPath();
   std::string bytes;
   if (path.isEmpty()) return;
   if (const auto failure = ReadFileBytes(FilePath(path), bytes)) return ShowReadFailure(path, *failure);
@@ -183,7 +183,7 @@ void form_REG::PrintDoc(QPrinter& printer) {
   RTFPrint2->setPlainText(QString::fromStdString(DecodeText(std::move(bytes)).text));
   RTFPrint2->print(&printer);
   RTFPrint2->clear();
-  SetChanged(false);
+  if (!IsWhole()) SetChanged(false);
 }
 
 }  // namespace tme

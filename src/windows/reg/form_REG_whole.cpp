@@ -120,7 +120,7 @@ void form_REG::FollowEdit(const RegTarget& target) {
       values_->ShowKey(document_.Selected());
     GoToRow(row);
   }
-  SetLocation(QString::fromStdString(document_.Selected()->KeyPath()));
+  ShowPath();
   SetFocusMarker(target.is_in_list ? Focus::LV : Focus::TV);
   SetChanged(true);
 }
@@ -191,6 +191,12 @@ void form_REG::EditPaste() {
     if (!text.isEmpty()) AddNotice(tr("The clipboard holds no keys and no values."));
     return;
   }
+  if (result.not_understood > 0)
+    AddNotice(Counted(result.not_understood, tr("1 line that came in is not understood and stays as it is."),
+                      tr("%1 lines that came in are not understood and stay as they are.")));
+  if (result.keys + result.values == 0 && result.comments > 0)
+    AddNotice(Counted(result.comments, tr("1 comment came in. View, Show Comments shows it."),
+                      tr("%1 comments came in. View, Show Comments shows them.")));
   if (result.left_out > 0)
     AddNotice(
         node->Tag() == RegTag::File
