@@ -7,6 +7,7 @@
 #include <QTreeView>
 
 #include "Editor.h"
+#include "shell/DisplayText.h"
 #include "shell/GlobalMenus.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
@@ -62,6 +63,29 @@ TEST_F(WholeIni, AnUntouchedFileStaysAsItIs) {
   }
 }
 
+TEST_F(WholeIni, WhatIsNotTypedOverStays) {
+  form_INI& window = Open("; \xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9 \xFF.\n[s]\na=\xC3\xA9\xFF\nb=CANCEL\nc=DELETE\nd=e\n");
+  auto* edit = window.findChild<QPushButton*>(u"cmd_Edit"_s);
+  const QString comment = EditableText("; \xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9 \xFF.");
+  Select(window, {TextOf("; \xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9 \xFF.")});
+  dialogs_.ExpectInputBox(u"Alter the comment:"_s, u"Comments"_s, comment, comment + u'!');
+  edit->click();
+  const QString at[] = {TextOf("a=\xC3\xA9\xFF"), u"b=CANCEL"_s, u"c=DELETE"_s};
+  for (const QString& line : at) {
+    Select(window, {u"s"_s, line});
+    OnDialog(u"form_ADE"_s, [](QWidget& dialog) {
+      auto* key = dialog.findChild<QLineEdit*>(u"txt_Key"_s);
+      FillBoxes(key->text() + u'1', dialog.findChild<QLineEdit*>(u"txt_value"_s)->text())(dialog);
+    });
+    edit->click();
+  }
+  EXPECT_EQ(Saved(), "; \xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9 \xFF.!\n[s]\na1=\xC3\xA9\xFF\nb1=CANCEL\nc1=DELETE\nd=e\n");
+  Select(window, {u"s"_s, u"d=e"_s});
+  OnDialog(u"form_ADE"_s, FillBoxes(u"d"_s, u" e "_s));
+  edit->click();
+  EXPECT_FALSE(window.File().IsChanged()) << "not a byte";
+}
+
 TEST_F(WholeIni, CommandsChangeTheirOwnLines) {
   form_INI& window = Open("; top\nfirst = 1\n\n[s]  ; kept\n  a = \" x \" \n  ;b=2\nlist\n\n; of t\n[t]\n");
   auto* edit = window.findChild<QPushButton*>(u"cmd_Edit"_s);
@@ -75,11 +99,20 @@ TEST_F(WholeIni, CommandsChangeTheirOwnLines) {
   Select(window, {u"s"_s, u"list"_s});
   fill(u"lists"_s, u""_s);  // no question about the value that it never had
   edit->click();
-  dialogs_.ExpectMsgBox(
-      u"The file cannot hold this.  Read again, it would be something else: a line that begins with \"[\" is a section, the name of a section ends at its \"]\", and a line has no end within."_s,
-      u"Whole File"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  const auto expect_refusal = [this] {
+    dialogs_.ExpectMsgBox(
+        u"The file cannot hold this.  Read again, it would be something else: a line that begins with \"[\" is a section, the name of a section ends at its \"]\", a key at its \"=\", and a line has no end within."_s,
+        u"Whole File"_s, MsgButtons::Ok, MsgAnswer::Ok, MsgIcon::Warning);
+  };
+  expect_refusal();
   fill(u"[x"_s, u"1"_s);
   window.AddValue();
+  fill(u"  "_s, u"1"_s);  // no key
+  window.AddValue();
+  QGuiApplication::clipboard()->setText(u"p=1"_s);
+  dialogs_.ExpectInputBox(u"Enter New Section Name"_s, u"Paste as New Section"_s, {}, u"a] ;b"_s);
+  expect_refusal();
+  window.PasteNewSection();
   Select(window, {u"s"_s, u";b=2"_s});
   dialogs_.ExpectInputBox(u"Alter the comment:"_s, u"Comments"_s, u";b=2"_s, u"b=2"_s);
   edit->click();

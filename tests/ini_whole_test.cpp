@@ -155,6 +155,8 @@ TEST(IniWhole, RefusesWhatWouldBeReadOtherwise) {
                  EXPECT_FALSE(t.SetText(comment, key)) << key;
                }
                EXPECT_EQ(t.SetEntry(entry, "k", "a\nb"), nullptr);
+               EXPECT_EQ(t.SetEntry(entry, "a=b", "v"), nullptr);
+               EXPECT_TRUE(t.AddEntry(section, "a=b", "v") == nullptr && !t.AddEntryToAllSections("a=b", "v"));
                EXPECT_FALSE(t.SetText(comment, " "));
                EXPECT_EQ(t.SetEntry(FindNode(t, "x"), "", ""), nullptr);
                for (const char* name : {"a\nb", "a];b"}) EXPECT_EQ(t.AddSection(name), nullptr) << name;

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tme {
@@ -18,6 +19,11 @@ inline QString TextOf(std::string_view text) {
   const QString decoded = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
   return text.starts_with("\xEF\xBB\xBF") ? QChar(0xFEFF) + decoded : decoded;
 }
+
+/// As TextOf, but each byte that is no UTF-8 is a lone surrogate, U+DC80 to U+DCFF, of which EditedBytes makes that
+/// byte again: what the user leaves alone stays.
+QString EditableText(std::string_view text);
+std::string EditedBytes(const QString& text);
 
 /// "1 line", or "%1 lines" with the count as the locale writes it.
 QString Counted(std::uint64_t count, const QString& one, const QString& many);

@@ -24,6 +24,13 @@ std::size_t SizeBeforeSections(std::string_view text) {
   return size;
 }
 
+/// Whether a new line would not be read as an entry of this key, or a comment: a key ends at its "=".
+bool IsMisread(std::string_view line, std::string_view key) {
+  const IniLine kind = SourceKindOf(line);
+  return HasLineEnd(line) || kind == IniLine::Header ||
+         (kind == IniLine::Entry && EntryPartsOf(line).key != TrimIniBlanks(key));
+}
+
 }  // namespace
 
 IniTree::NodeSource IniTree::InsertLine(Piece place, std::string_view line) {
@@ -42,14 +49,13 @@ IniNode* IniTree::AddEntryLine(IniNode* parent, std::string_view key, std::strin
   const Piece place = LastLineBefore(HeaderBehind(*parent));
   std::optional<IniLineStyle> of_file;
   const std::string line = EntryLine(StyleFor(place, of_file), key, value);
-  if (HasLineEnd(line) || SourceKindOf(line) == IniLine::Header) return nullptr;
+  if (IsMisread(line, key)) return nullptr;
   const std::size_t row = RowBehind(place, *parent);
   return Add(parent, InsertLine(place, line), row);
 }
 
 bool IniTree::AddEntryLines(std::string_view key, std::string_view value) {
-  const std::string plain = EntryLine({}, key, value);
-  if (HasLineEnd(plain) || SourceKindOf(plain) == IniLine::Header) return false;
+  if (IsMisread(EntryLine({}, key, value), key)) return false;
   if (section_count_ == 0) return true;
   observer_->BeforeReset();
   std::optional<IniLineStyle> of_file;
@@ -97,7 +103,8 @@ bool IniTree::SetLineText(IniNode* node, std::string_view text) {
 bool IniTree::SetEntryLine(IniNode* node, std::string_view key, std::string_view value) {
   std::optional<IniLineStyle> of_file;
   const Piece above = lines_.Previous(node->number_);
-  return ReplaceLine(node, WithEntry(LineOf(node->number_), key, value, StyleFor(above, of_file)));
+  const std::string line = WithEntry(LineOf(node->number_), key, value, StyleFor(above, of_file));
+  return !IsMisread(line, key) && ReplaceLine(node, line);
 }
 
 /// Takes the lines of a node and what is below it out of the file, and of the tree what stays of a section.

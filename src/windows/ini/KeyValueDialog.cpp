@@ -74,8 +74,12 @@ form_ADE::form_ADE(QWidget* parent, const QString& caption, DeleteButton delete_
   setObjectName(u"form_ADE"_s);
   setWindowTitle(caption);
   AddButton("cmd_Exit", tr("OK"), {});
-  SetCancelButton(AddButton("cmd_Cancel", tr("Cancel"), [this] { txt_value->setText(kCancelled); }));
-  QPushButton* cmd_Delete = AddButton("cmd_Delete", tr("&Delete"), [this] { txt_value->setText(kDelete); });
+  const auto press = [this](const QString& word, Outcome outcome) {
+    txt_value->setText(word);
+    by_button_ = outcome;
+  };
+  SetCancelButton(AddButton("cmd_Cancel", tr("Cancel"), [=] { press(kCancelled, Outcome::Cancelled); }));
+  QPushButton* cmd_Delete = AddButton("cmd_Delete", tr("&Delete"), [=] { press(kDelete, Outcome::Deleted); });
   cmd_Delete->setVisible(delete_button == DeleteButton::Shown);
 }
 
@@ -84,6 +88,11 @@ void form_ADE::SetEntry(const QString& key, const QString& value) {
   txt_value->setText(value);
   txt_value->setFocus();
   txt_value->selectAll();
+}
+
+form_ADE::Outcome form_ADE::ByText() const {
+  if (Value() == kCancelled) return Outcome::Cancelled;
+  return Value() == kDelete ? Outcome::Deleted : Outcome::Accepted;
 }
 
 form_INIAddValue::form_INIAddValue(QWidget* parent) : KeyValueDialog(parent) {

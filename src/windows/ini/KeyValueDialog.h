@@ -36,8 +36,8 @@ class KeyValueDialog : public QDialog {
   QPushButton* cancel_button_ = nullptr;
 };
 
-/// Edits one entry. There is no result beside the boxes: Cancel writes "CANCEL" into the value box and Delete writes
-/// "DELETE", so a value typed as exactly that acts like the button. Intended.
+/// Edits one entry. By the rules there is no result beside the boxes: Cancel writes "CANCEL" into the value box and
+/// Delete writes "DELETE", so a value typed as exactly that acts like the button. Intended.
 class form_ADE : public KeyValueDialog {
   Q_OBJECT
 
@@ -46,9 +46,17 @@ class form_ADE : public KeyValueDialog {
   static inline const QString kDelete = QStringLiteral("DELETE");
 
   enum class DeleteButton { Hidden, Shown };
+  enum class Outcome { Accepted, Cancelled, Deleted };
 
   form_ADE(QWidget* parent, const QString& caption, DeleteButton delete_button);
   void SetEntry(const QString& key, const QString& value);
+
+  Outcome ByText() const;
+  /// What was pressed, whatever the value is.
+  Outcome ByButton() const { return by_button_; }
+
+ private:
+  Outcome by_button_ = Outcome::Accepted;
 };
 
 /// Asks for one entry that every section gets. An empty key means cancelled.

@@ -6,6 +6,7 @@
 
 #include "documents/ini/IniLine.h"
 #include "documents/ini/IniReader.h"
+#include "documents/ini/IniSourceLine.h"
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
@@ -23,6 +24,16 @@ namespace {
 
 /// The bytes of lines beside their text, which cannot hold those that are no UTF-8.
 const QString kLinesFormat = QStringLiteral("application/x-tamarind-ini-lines");
+
+/// By the rules the words in the value box alone tell.
+form_ADE::Outcome OutcomeOf(const form_ADE& dialog, Holding holding) {
+  return holding == Holding::Whole ? dialog.ByButton() : dialog.ByText();
+}
+
+/// In whole holding blanks are no key, since they would be read as none.
+bool HasNoKey(const KeyValueDialog& dialog, Holding holding) {
+  return (holding == Holding::Whole ? TrimBlanks(dialog.Key()) : dialog.Key()).isEmpty();
+}
 
 /// Lines end in CR LF, LF or CR; the last one may have no end.
 QStringList LinesOf(QString text) {
@@ -54,7 +65,7 @@ void form_INI::AddSection() {
 void form_INI::SayRefused() {
   global_.dialogs.MsgBox(
       tr("The file cannot hold this.  Read again, it would be something else: a line that begins with "
-         "\"[\" is a section, the name of a section ends at its \"]\", and a line has no end "
+         "\"[\" is a section, the name of a section ends at its \"]\", a key at its \"=\", and a line has no end "
          "within."),
       MsgButtons::Ok, MsgIcon::Warning, tr("Whole File"));
 }
@@ -70,7 +81,7 @@ void form_INI::AddValue() {
                       : tr("Add Key/Value before the first section"),
                   form_ADE::DeleteButton::Hidden);
   dialog.exec();
-  if (dialog.Key().isEmpty() || dialog.Value() == form_ADE::kCancelled) return;
+  if (HasNoKey(dialog, GetHolding()) || OutcomeOf(dialog, GetHolding()) == form_ADE::Outcome::Cancelled) return;
   IniNode* entry = tree_.AddEntry(section, dialog.Key().toStdString(), dialog.Value().toStdString());
   if (!entry) return SayRefused();
   tree_.Select(entry);
@@ -82,7 +93,7 @@ void form_INI::AddValue() {
 void form_INI::AddSectionToAll() {
   form_INIAddValue dialog(this);
   dialog.exec();
-  if (dialog.Key().isEmpty()) return;
+  if (HasNoKey(dialog, GetHolding())) return;
   const WaitCursor wait_cursor;
   if (!tree_.AddEntryToAllSections(dialog.Key().toStdString(), dialog.Value().toStdString())) return SayRefused();
   SetChanged(true);
@@ -108,7 +119,7 @@ void form_INI::EditEntry(IniNode* node) {
       this,
       node->Parent() == tree_.Root() ? tr("Edit Line Before the First Section") : tr("Edit %1 Section").arg(section),
       form_ADE::DeleteButton::Shown);
-  const QString old_key = TextOf(tree_.KeyOf(*node)), old_value = TextOf(tree_.ValueOf(*node));
+  const QString old_key = EditableText(tree_.KeyOf(*node)), old_value = EditableText(tree_.ValueOf(*node));
   dialog.SetEntry(old_key, old_value);
   dialog.exec();
   const QString value = dialog.Value();
@@ -121,27 +132,26 @@ void form_INI::EditEntry(IniNode* node) {
     SetChanged(true);
     return;
   }
-  if (value == form_ADE::kCancelled) return;
-  if (value == form_ADE::kDelete) return DeleteValue();
+  const form_ADE::Outcome outcome = OutcomeOf(dialog, GetHolding());
+  if (outcome == form_ADE::Outcome::Cancelled) return;
+  if (outcome == form_ADE::Outcome::Deleted) return DeleteValue();
   // Quotes that are not shown may keep blanks.
   const QString new_key = TrimBlanks(dialog.Key()), new_value = IsWhole() ? value : TrimBlanks(value);
-  // The same boxes again change nothing, bytes that are not text included.
+  // The same boxes again change nothing.
   if (new_key == old_key && new_value == old_value) return;
-  const auto bytes = [](const QString& now, const QString& before, std::string_view old) {
-    return now == before ? std::string(old) : now.toStdString();
-  };
-  if (!tree_.SetEntry(node, bytes(new_key, old_key, tree_.KeyOf(*node)),
-                      bytes(new_value, old_value, tree_.ValueOf(*node))))
-    return SayRefused();
+  const std::uint64_t before = tree_.Revision();
+  if (!tree_.SetEntry(node, EditedBytes(new_key), EditedBytes(new_value))) return SayRefused();
+  // Blanks around a value without quotes are no part of it.
+  if (IsWhole() && tree_.Revision() == before) return;
   SetChanged(true);
   ShowSelection();
 }
 
 void form_INI::EditText(IniNode* node, const QString& prompt, const QString& title) {
-  const QString old_text = TextOf(node->Text());
+  const QString old_text = EditableText(node->Text());
   const QString text = global_.dialogs.InputBox(prompt, title, old_text);
   if (text.isEmpty() || text == old_text) return;
-  if (!tree_.SetText(node, text.toStdString())) return SayRefused();
+  if (!tree_.SetText(node, EditedBytes(text))) return SayRefused();
   SetChanged(true);
   TV_NodeClick();
 }
@@ -256,8 +266,15 @@ void form_INI::PasteNewSection() {
   if (KindOf(lines.first().toStdString()) == IniLine::Header) return;
   const QString name = global_.dialogs.InputBox(tr("Enter New Section Name"), tr("Paste as New Section"));
   if (name.isEmpty()) return;
-  QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);
-  EditPaste();
+  const QString header = u'[' + name + u']';
+  const QString text = header + u"\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s;
+  if (IsWhole()) {
+    if (SourceHeaderName(header.toStdString()) != name.toStdString()) return SayRefused();
+    tree_.Paste(text.toStdString());
+  } else {
+    QGuiApplication::clipboard()->setText(text);
+    EditPaste();
+  }
   SetChanged(true);
 }
 
