@@ -2,6 +2,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
+#include <QPrinter>
 
 #include "RegWindow.h"
 #include "shell/GlobalMenus.h"
@@ -142,6 +143,10 @@ TEST_F(RegWholeWindow, AnEditChangesItsLinesAlone) {
   NameIs(u"M"_s);
   Reg().EditRename();
   expected = Replaced(expected, "\"m\"=-", "\"M\"=-");
+  QPrinter printer;
+  printer.setOutputFileName(InFolder(u"out.pdf"_s));
+  Reg().PrintDoc(printer);
+  EXPECT_TRUE(Reg().IsModified()) << "nothing was saved";
   EXPECT_EQ(Saved(), expected);
   // A deletion stays one until it gets a type.
   OnDialog(u"form_REGValue"_s, [](QWidget& dialog) {
@@ -269,6 +274,9 @@ TEST_F(RegWholeWindow, MenusAndOldFilesAndTheWayBack) {
   for (const QString& item : items) EXPECT_TRUE(shown(item)) << item.toStdString();
   SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});
   EXPECT_TRUE(Rows().startsWith(u"(Default)|REG_SZ|dft\n"));
+  QFocusEvent by_tab(QEvent::FocusIn, Qt::TabFocusReason);
+  QApplication::sendEvent(View(u"LV"_s), &by_tab);
+  EXPECT_TRUE(View(u"LV"_s)->selectionModel()->isRowSelected(0)) << "Enter has a row to open";
   Reg().WholeFile();
   for (const QString& item : items) EXPECT_FALSE(shown(item)) << item.toStdString();
   SelectKey({u"HKEY_CURRENT_USER"_s, u"Alpha"_s});

@@ -63,6 +63,9 @@ std::size_t AtNextText(std::string_view text, std::size_t at) {
 std::size_t BehindBytes(std::string_view text, std::size_t at) {
   std::size_t end = at;
   for (bool may_begin = true; may_begin;) {
+    // Exports write all bytes so.
+    const auto is_digit = [&](std::size_t place) { return DigitOf(text[place]) != kNoDigit; };
+    while (at + 2 < text.size() && is_digit(at) && is_digit(at + 1) && text[at + 2] == ',') end = at += 3;
     at = BehindBlanks(text, at);
     if (at >= text.size() || DigitOf(text[at]) == kNoDigit) break;
     ++at;

@@ -24,6 +24,7 @@ FieldReason::FieldReason(QWidget& field, QWidget* parent)
   sign_->hide();
   text_->setObjectName(u"reason"_s);
   text_->setWordWrap(true);
+  text_->setAlignment(Qt::AlignLeading | Qt::AlignTop);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);

@@ -150,11 +150,7 @@ void form_REG::BuildValueList(QWidget* parent) {
 bool form_REG::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::FocusIn:
-      // The keyboard begins at a row.
-      if (const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-          watched == LV && !LV->currentIndex().isValid() &&
-          (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason))
-        LV->setCurrentIndex(values_->index(0, 0));
+      if (watched == LV) SelectFirstRow(static_cast<QFocusEvent*>(event)->reason());
       [[fallthrough]];
     case QEvent::MouseButtonPress:
     case QEvent::KeyPress:
@@ -168,6 +164,13 @@ bool form_REG::eventFilter(QObject* watched, QEvent* event) {
       break;
   }
   return TreeDocumentWindow::eventFilter(watched, event);
+}
+
+void form_REG::SelectFirstRow(Qt::FocusReason reason) {
+  const bool is_by_key =
+      reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason || reason == Qt::ShortcutFocusReason;
+  if (!is_by_key || LV->selectionModel()->hasSelection()) return;
+  LV->setCurrentIndex(LV->currentIndex().isValid() ? LV->currentIndex() : values_->index(0, 0));
 }
 
 void form_REG::SetFocusMarker(Focus focus) {

@@ -105,6 +105,8 @@ class form_REG : public TreeDocumentWindow {
   void ShowSelection();
   /// The list and the path of the selected key.
   void ShowKey();
+  /// Whoever comes to the list by a key begins at a row.
+  void SelectFirstRow(Qt::FocusReason reason);
   void SetFocusMarker(Focus focus);
   void ReadColumnWidths();
   void WriteColumnWidth(int column, int pixels);
