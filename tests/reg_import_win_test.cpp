@@ -119,7 +119,9 @@ class RegImport : public testing::TestWithParam<RegVersion> {
 
   void ReadExport(RegDocument& document) {
     fs::remove(file_);
-    RunRegedit(L"/E \"" + file_.wstring() + L"\" \"" + Wide(kHive) + L"\\" + Wide(top_) + L"\"");
+    std::string path;
+    for (const std::string& name : path_) path += (path.empty() ? "" : "\\") + name;
+    RunRegedit(L"/E \"" + file_.wstring() + L"\" \"" + Wide(path) + L"\"");
     std::ifstream in(file_, std::ios::binary);
     const RegWholeResult result =
         ReadWholeReg(document, DecodeText(std::string(std::istreambuf_iterator<char>(in), {})).text);
@@ -130,10 +132,11 @@ class RegImport : public testing::TestWithParam<RegVersion> {
 
   RegCoding Coding() const { return {GetParam(), CodePageToUtf8, Utf8ToCodePage}; }
 
-  // Two of these run at once.
+  // Two of these run at once, and HKEY_CURRENT_USER is another key for this process than for regedit.
   const std::string version_ = std::to_string(static_cast<int>(GetParam()));
-  const std::string name_ = "Tame [Import " + version_ + "]";
-  const std::string top_ = "Software\\" + name_;
+  const std::string top_ = "Tame [Import " + version_ + "]";
+  const std::vector<std::string> path_ = {std::string(kHive), "Software", "Tamarind Editor Tests",
+                                          std::to_string(::GetCurrentProcessId()), top_};
   const fs::path file_ = fs::temp_directory_path() / ("tme_import" + version_ + ".reg");
 };
 
@@ -143,8 +146,8 @@ TEST_P(RegImport, TheSystemHoldsWhatTheDocumentShows) {
   const std::vector<Value> values = AllValues(GetParam() == RegVersion::Version5 ? "é Жук 😀" : "é");
   RegDocument document;
   ReadWholeReg(document, std::string(HeaderOf(GetParam())) + "\r\n\r\n");
-  RegNode* key = document.AddKey(document.AddKey(document.Root(), kHive), "Software");
-  key = document.AddKey(key, name_);
+  RegNode* key = document.Root();
+  for (const std::string& name : path_) key = document.AddKey(key, name);
   RegNode* below = document.AddKey(key, "below");
   document.AddValue(below, "v", "\"1\"");
   for (const Value& value : values)
