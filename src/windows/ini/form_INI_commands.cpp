@@ -30,6 +30,12 @@ form_ADE::Outcome OutcomeOf(const form_ADE& dialog, Holding holding) {
   return holding == Holding::Whole ? dialog.ByButton() : dialog.ByText();
 }
 
+/// The lines that were copied here, bytes that are no text included, or the text of another program.
+std::string ClipboardLines() {
+  const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+  return copied->hasFormat(kLinesFormat) ? copied->data(kLinesFormat).toStdString() : copied->text().toStdString();
+}
+
 /// In whole holding blanks are no key, since they would be read as none.
 bool HasNoKey(const KeyValueDialog& dialog, Holding holding) {
   return (holding == Holding::Whole ? TrimBlanks(dialog.Key()) : dialog.Key()).isEmpty();
@@ -250,8 +256,7 @@ void form_INI::EditPaste() {
   if (text.isEmpty()) return;
   if (IsWhole()) {
     const WaitCursor wait_cursor;
-    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
-    tree_.Paste(copied->hasFormat(kLinesFormat) ? copied->data(kLinesFormat).toStdString() : text.toStdString());
+    tree_.Paste(ClipboardLines());
     SetChanged(true);
     return;
   }
@@ -266,13 +271,12 @@ void form_INI::PasteNewSection() {
   if (KindOf(lines.first().toStdString()) == IniLine::Header) return;
   const QString name = global_.dialogs.InputBox(tr("Enter New Section Name"), tr("Paste as New Section"));
   if (name.isEmpty()) return;
-  const QString header = u'[' + name + u']';
-  const QString text = header + u"\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s;
   if (IsWhole()) {
-    if (SourceHeaderName(header.toStdString()) != name.toStdString()) return SayRefused();
-    tree_.Paste(text.toStdString());
+    const std::string header = '[' + name.toStdString() + ']';
+    if (SourceHeaderName(header) != name.toStdString()) return SayRefused();
+    tree_.Paste(header + '\n' + ClipboardLines());
   } else {
-    QGuiApplication::clipboard()->setText(text);
+    QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);
     EditPaste();
   }
   SetChanged(true);
