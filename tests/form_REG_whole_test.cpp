@@ -263,6 +263,32 @@ TEST_F(RegWholeWindow, CopiesBetweenKeysAndDocuments) {
   EXPECT_TRUE(notice.contains(u"1 comment came in. View, Show Comments shows it."_s)) << notice.toStdString();
 }
 
+TEST_F(RegWholeWindow, BytesThatAreNoTextStay) {
+  const std::string value = "\"\xC3\xA9\xFF\"=\"\xC3\xA9\xC3\xA9\xFE\"\r\n";
+  const std::string start = "REGEDIT4\r\n\r\n; \xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\r\n[HKEY_CURRENT_USER\\a]\r\n";
+  OpenWhole(start + value);
+  SelectKey({u"HKEY_CURRENT_USER"_s, u"a"_s});
+  const auto modify = [&](const QString& more) {
+    SelectValue(0);
+    OnDialog(u"form_REGValue"_s, [&more](QWidget& dialog) {
+      auto* text = dialog.findChild<QPlainTextEdit*>(u"txt_Text"_s);
+      text->moveCursor(QTextCursor::End);
+      text->insertPlainText(more);
+      QTest::mouseClick(dialog.findChild<QPushButton*>(u"cmd_OK"_s), Qt::LeftButton);
+    });
+    Reg().EditModify();
+  };
+  modify({});
+  EXPECT_EQ(Reg().Content(), start + value);
+  modify(u"!"_s);
+  EXPECT_EQ(Reg().Content(), start + std::string(value).insert(value.size() - 3, "!"));
+  SelectValue(0);
+  Reg().EditCut();
+  EXPECT_EQ(Reg().Content(), start);
+  Reg().EditPaste();
+  EXPECT_EQ(Reg().Content(), start + std::string(value).insert(value.size() - 3, "!"));
+}
+
 TEST_F(RegWholeWindow, MenusAndOldFilesAndTheWayBack) {
   Open(kFile);
   Reg().Form_Activate();

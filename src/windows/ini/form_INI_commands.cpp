@@ -1,7 +1,6 @@
 // The commands of form_INI that edit its document, and its clipboard.
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QTreeView>
 
 #include "documents/ini/IniLine.h"
@@ -10,6 +9,7 @@
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
+#include "shell/LinesClipboard.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
 #include "windows/ini/IniItemModel.h"
@@ -22,18 +22,9 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-/// The bytes of lines beside their text, which cannot hold those that are no UTF-8.
-const QString kLinesFormat = QStringLiteral("application/x-tamarind-ini-lines");
-
 /// By the rules the words in the value box alone tell.
 form_ADE::Outcome OutcomeOf(const form_ADE& dialog, Holding holding) {
   return holding == Holding::Whole ? dialog.ByButton() : dialog.ByText();
-}
-
-/// The lines that were copied here, bytes that are no text included, or the text of another program.
-std::string ClipboardLines() {
-  const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
-  return copied->hasFormat(kLinesFormat) ? copied->data(kLinesFormat).toStdString() : copied->text().toStdString();
 }
 
 /// In whole holding blanks are no key, since they would be read as none.
@@ -230,12 +221,11 @@ void form_INI::EditCopy() {
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
   const std::string bytes = ClipboardText(tree_, *tree_.Selected());
-  const QString text = QString::fromStdString(bytes);
-  if (text.isEmpty()) return;
-  auto* copied = new QMimeData;
-  copied->setText(text);
-  if (IsWhole()) copied->setData(kLinesFormat, QByteArray::fromStdString(bytes));
-  clipboard->setMimeData(copied);
+  if (bytes.empty()) return;
+  if (IsWhole())
+    CopyLines(bytes);
+  else
+    clipboard->setText(QString::fromStdString(bytes));
 }
 
 void form_INI::EditCut() {
@@ -256,7 +246,7 @@ void form_INI::EditPaste() {
   if (text.isEmpty()) return;
   if (IsWhole()) {
     const WaitCursor wait_cursor;
-    tree_.Paste(ClipboardLines());
+    tree_.Paste(CopiedLines());
     SetChanged(true);
     return;
   }
@@ -274,7 +264,7 @@ void form_INI::PasteNewSection() {
   if (IsWhole()) {
     const std::string header = '[' + name.toStdString() + ']';
     if (SourceHeaderName(header) != name.toStdString()) return SayRefused();
-    tree_.Paste(header + '\n' + ClipboardLines());
+    tree_.Paste(header + '\n' + CopiedLines());
   } else {
     QGuiApplication::clipboard()->setText(u'[' + name + u"]\r\n"_s + lines.join(u"\r\n"_s) + u"\r\n"_s);
     EditPaste();

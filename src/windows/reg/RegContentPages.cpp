@@ -99,7 +99,7 @@ RegTextPage::RegTextPage(QWidget* parent)
 }
 
 bool RegTextPage::Show(const RegData& shown) {
-  const QString text = TextOf(shown.text);
+  const QString text = EditableText(shown.text);
   if (!RegTextBox::CanHold(text)) return false;
   type_ = shown.type;
   txt_Text->SetText(text);
@@ -109,7 +109,7 @@ bool RegTextPage::Show(const RegData& shown) {
 
 RegData RegTextPage::Data() const {
   RegData made = EmptyRegData(type_);
-  made.text = txt_Text->Text().toStdString();
+  made.text = EditedBytes(txt_Text->Text());
   return made;
 }
 
@@ -200,7 +200,7 @@ RegStringsPage::RegStringsPage(QWidget* parent)
 
 bool RegStringsPage::Show(const RegData& shown) {
   QStringList lines;
-  for (const std::string& string : shown.strings) lines += TextOf(string);
+  for (const std::string& string : shown.strings) lines += EditableText(string);
   const auto is_line = [](const QString& line) {
     return RegTextBox::CanHold(line) && !line.contains(u'\n') && !line.contains(u'\r');
   };
@@ -220,7 +220,7 @@ int RegStringsPage::EmptyLine() const { return static_cast<int>(Strings().indexO
 
 RegData RegStringsPage::Data() const {
   RegData made = EmptyRegData(type_);
-  for (const QString& line : Strings()) made.strings.push_back(line.toStdString());
+  for (const QString& line : Strings()) made.strings.push_back(EditedBytes(line));
   return made;
 }
 

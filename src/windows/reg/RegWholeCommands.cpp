@@ -29,13 +29,13 @@ bool RegWholeCommands::AskWhetherTo(const QString& question, const QString& titl
 
 QString RegWholeCommands::ReasonAgainstKey(const RegNode* parent, const QString& name, const RegNode* renamed) const {
   if (name.contains(u'\\')) return tr("The name of a key has no backslash.");
-  const RegNode* same = document_.FindChild(parent, name.toStdString());
+  const RegNode* same = document_.FindChild(parent, EditedBytes(name));
   return same != nullptr && same != renamed ? tr("There is a key of this name already.") : QString();
 }
 
 QString RegWholeCommands::ReasonAgainstValue(const RegNode* key, const QString& name,
                                              const RegValueRecord* renamed) const {
-  const std::string text = name.toStdString();
+  const std::string text = EditedBytes(name);
   bool is_there = false;
   document_.ForEachValueOf(key, [&](const RegValueRecord& record) {
     is_there = is_there || (!record.deleted && &record != renamed && SameRegName(record.name, text));
@@ -66,7 +66,7 @@ bool RegWholeCommands::NewKey() {
   const auto check = [this, parent](const QString& name) { return ReasonAgainstKey(parent, name, nullptr); };
   form_REGName dialog(&window_, tr("Add Key"), tr("Key &name:"), {}, check);
   if (dialog.exec() != QDialog::Accepted) return false;
-  document_.AddKey(parent, dialog.Text().toStdString());
+  document_.AddKey(parent, EditedBytes(dialog.Text()));
   return true;
 }
 
@@ -87,7 +87,7 @@ bool RegWholeCommands::NewValue(std::uint32_t type) {
   dialog.EditName();
   if (dialog.exec() != QDialog::Accepted) return false;
   const std::optional<std::string> assignment = EncodeAssignment(dialog.Data(), coding);
-  if (assignment) document_.AddValue(key, dialog.Name().toStdString(), *assignment);
+  if (assignment) document_.AddValue(key, EditedBytes(dialog.Name()), *assignment);
   return assignment.has_value();
 }
 
@@ -103,17 +103,17 @@ bool RegWholeCommands::ModifyValue(std::size_t index) {
   // Null for a deletion.
   const std::optional<RegData> before = DecodeAssignment(record.data, coding);
   form_REGValue dialog(&window_, tr("Edit Value"), coding);
-  before ? dialog.SetValue(TextOf(record.name), *before) : dialog.SetDeletion(TextOf(record.name));
+  before ? dialog.SetValue(EditableText(record.name), *before) : dialog.SetDeletion(EditableText(record.name));
   const std::string name_before(record.name);
   const RegNode* key = record.owner;
   dialog.SetNameCheck([this, key, index](const QString& name) {
     const RegValueRecord& renamed = document_.Values()[index];
     // What stands twice in the file may stay so.
-    return TextOf(renamed.name) == name ? QString() : ReasonAgainstValue(key, name, &renamed);
+    return EditableText(renamed.name) == name ? QString() : ReasonAgainstValue(key, name, &renamed);
   });
   if (dialog.exec() != QDialog::Accepted) return false;
   const std::uint64_t revision = document_.Revision();
-  if (dialog.Name() != TextOf(name_before)) document_.RenameValue(index, dialog.Name().toStdString());
+  if (dialog.Name() != EditableText(name_before)) document_.RenameValue(index, EditedBytes(dialog.Name()));
   // The same data again change nothing, however the file writes them.
   const std::optional<RegData> after = dialog.IsDeletion() ? std::nullopt : std::optional(dialog.Data());
   if (after && after != before)
@@ -125,10 +125,10 @@ bool RegWholeCommands::ModifyComment(RegNode* comment) {
   const auto check = [](const QString& text) {
     return text.startsWith(u';') ? QString() : tr("A comment begins with a semicolon.");
   };
-  const QString before = TextOf(comment->Text());
+  const QString before = EditableText(comment->Text());
   form_REGName dialog(&window_, tr("Edit Comment"), tr("&Comment:"), before, check);
   if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
-  document_.SetComment(comment, dialog.Text().toStdString());
+  document_.SetComment(comment, EditedBytes(dialog.Text()));
   return true;
 }
 
@@ -181,24 +181,24 @@ bool RegWholeCommands::RenameKey(RegNode* key) {
   const bool is_key = IsKey(key->Tag());
   const auto check = [this, key, is_key](const QString& name) {
     // Next to a deletion a key of the same name may stand.
-    return ReasonAgainstKey(key->Parent(), name, is_key ? key : document_.FindChild(key->Parent(), name.toStdString()));
+    return ReasonAgainstKey(key->Parent(), name, is_key ? key : document_.FindChild(key->Parent(), EditedBytes(name)));
   };
-  const QString before = TextOf(key->Text());
+  const QString before = EditableText(key->Text());
   form_REGName dialog(&window_, tr("Rename Key"), tr("Key &name:"), before, check);
   if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
-  document_.RenameKey(key, dialog.Text().toStdString());
+  document_.RenameKey(key, EditedBytes(dialog.Text()));
   return true;
 }
 
 bool RegWholeCommands::RenameValue(std::size_t index) {
-  const QString before = TextOf(document_.Values()[index].name);
+  const QString before = EditableText(document_.Values()[index].name);
   const auto check = [this, index](const QString& name) {
     const RegValueRecord& record = document_.Values()[index];
     return ReasonAgainstValue(record.owner, name, &record);
   };
   form_REGName dialog(&window_, tr("Rename Value"), tr("Value &name:"), before, check);
   if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
-  document_.RenameValue(index, dialog.Text().toStdString());
+  document_.RenameValue(index, EditedBytes(dialog.Text()));
   return true;
 }
 

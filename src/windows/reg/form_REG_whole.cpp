@@ -1,15 +1,15 @@
 // What form_REG does when its document is held whole.
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QTreeView>
 #include <algorithm>
 #include <span>
 
 #include "documents/reg/RegWholeReader.h"
 #include "documents/reg/RegWholeWriter.h"
+#include "files/EncodingEvidence.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
+#include "shell/LinesClipboard.h"
 #include "shell/LongWork.h"
 #include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
@@ -39,9 +39,7 @@ form_REG::ReadEnd form_REG::ReadWhole(std::string text) {
   {
     LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
     RegWholeOptions options;
-    if (const TextEncoding encoding = file_.Format().encoding;
-        encoding == TextEncoding::Utf16Le || encoding == TextEncoding::Utf16Be)
-      options.unsaid = RegVersion::Version5;
+    if (TraitsOf(file_.Format().encoding).utf16_order) options.unsaid = RegVersion::Version5;
     options.progress = [this, &work](std::uint64_t done, std::uint64_t all) {
       return work.GoOn(done, all) || !MayStopReading();
     };
@@ -161,7 +159,7 @@ void form_REG::EditCopy() {
   if (!IsWhole() || (target.is_in_list && target.records.empty())) return;
   const std::string text = target.is_in_list ? ClipboardText(document_, std::span(target.records))
                                              : ClipboardText(document_, *document_.Selected());
-  QGuiApplication::clipboard()->setText(TextOf(text));
+  CopyLines(text);
 }
 
 void form_REG::EditCut() {
@@ -176,7 +174,7 @@ void form_REG::EditCut() {
 
 void form_REG::EditPaste() {
   if (!IsWhole() || !whole_->CanPaste()) return;
-  const QString text = QGuiApplication::clipboard()->text();
+  const std::string text = CopiedLines();
   const std::uint64_t revision = document_.Revision();
   RegNode* node = document_.Selected();
   const int row_count = values_->rowCount();
@@ -184,11 +182,11 @@ void form_REG::EditPaste() {
   RegPasteResult result;
   {
     const WaitCursor wait_cursor;
-    const std::string lines = WithFreeNames(document_, node, text.toStdString());
+    const std::string lines = WithFreeNames(document_, node, text);
     KeepExpanded([&] { result = document_.Paste(node, lines, CodingOf(document_)); });
   }
   if (document_.Revision() == revision) {
-    if (!text.isEmpty()) AddNotice(tr("The clipboard holds no keys and no values."));
+    if (!text.empty()) AddNotice(tr("The clipboard holds no keys and no values."));
     return;
   }
   if (result.not_understood > 0)
