@@ -11,6 +11,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <string>
+#include <tuple>
 
 #include "files/CodePage.h"
 #include "windows/reg/HexView.h"
@@ -62,14 +64,9 @@ RegData Text(std::uint32_t type, const std::string& text) {
 }  // namespace
 
 TEST(form_REGValue, ATypeTakesOverWhatKeepsItsMeaning) {
-  struct Case {
-    std::uint32_t from;
-    std::string bytes;
-    std::uint32_t to;
-    std::string expected;
-  };
   const std::string twelve("1\0002\0\0\0", 6), a_b("a\0\0\0b\0\0\0\0\0", 10);
-  const Case cases[] = {
+  // From a type, its bytes, to a type, and what becomes of them.
+  const std::tuple<std::uint32_t, std::string, std::uint32_t, std::string> cases[] = {
       {reg_type::kString, twelve, reg_type::kExpandString, twelve},
       {reg_type::kString, twelve, reg_type::kDword, std::string("\x0c\0\0\0", 4)},
       {reg_type::kString, twelve, reg_type::kQword, std::string("\x0c\0\0\0\0\0\0\0", 8)},
@@ -85,16 +82,15 @@ TEST(form_REGValue, ATypeTakesOverWhatKeepsItsMeaning) {
       {reg_type::kBinary, "odd", reg_type::kString, "odd"},
       {0xFFFF0012, "\1", reg_type::kString, "\1"},
   };
-  for (const Case& c : cases) {
-    ValueDialog value(c.from, c.bytes);
+  for (const auto& [from, bytes, to, expected] : cases) {
+    ValueDialog value(from, bytes);
     // The way between loses nothing.
-    for (const std::uint32_t type : {reg_type::kNone, reg_type::kDword, reg_type::kMultiString, c.to})
-      value.Choose(type);
-    EXPECT_EQ(value.Bytes(), c.expected) << c.from << " to " << c.to;
-    EXPECT_EQ(value.dialog.Data().type, c.to);
+    for (const std::uint32_t type : {reg_type::kNone, reg_type::kDword, reg_type::kMultiString, to}) value.Choose(type);
+    EXPECT_EQ(value.Bytes(), expected) << from << " to " << to;
+    EXPECT_EQ(value.dialog.Data().type, to);
     EXPECT_TRUE(value.CanAccept());
-    value.Choose(c.from);
-    EXPECT_EQ(value.dialog.Data(), DataOfBytes(c.from, c.bytes, kFive));
+    value.Choose(from);
+    EXPECT_EQ(value.dialog.Data(), DataOfBytes(from, bytes, kFive));
   }
 }
 

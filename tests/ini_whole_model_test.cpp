@@ -68,7 +68,7 @@ class IniLinesModel {
     });
   }
   /// owner: a header; the number of lines for the root.
-  void Paste(std::size_t owner, std::vector<std::string> entries, const std::vector<std::string>& section) {
+  void Paste(std::size_t owner, const std::vector<std::string>& entries, const std::vector<std::string>& section) {
     const std::size_t next = NextHeader(owner);
     const bool at_end = owner == lines_.size();
     std::size_t end = at_end ? lines_.size() : Block(next);

@@ -144,7 +144,7 @@ void IniTree::MarkEntriesWithKey(std::string_view key) {
 void IniTree::RemoveMarked() {
   IniNode* parent = selected_->parent_;
   IniNode* gone = parent != nullptr && parent->removed_ ? parent : selected_;
-  if (gone->removed_) MoveSelection(NextSelected(gone));
+  if (parent != nullptr && gone->removed_) MoveSelection(NextSelected(gone));
   for (IniNode* child : *root_->children_) {
     if (!child->removed_) CompactChildren(child);
   }

@@ -55,16 +55,16 @@ std::optional<RegData> WithSameMeaning(const RegData& data, std::uint32_t to) {
   if (data.content == RegContent::Strings) text = JoinedLines(data.strings);
   if (data.content == RegContent::Number) text = std::to_string(data.number);
   if (data.content == RegContent::Bytes || content == RegContent::Bytes) return std::nullopt;
-  if (content == RegContent::Text) result.text = std::move(text);
   if (content == RegContent::Strings) {
     auto lines = LinesOfText(text);
     if (!lines) return std::nullopt;
     result.strings = std::move(*lines);
-  }
-  if (content == RegContent::Number) {
+  } else if (content == RegContent::Number) {
     const auto number = NumberOfText(text, LargestNumberOf(to));
     if (!number) return std::nullopt;
     result.number = *number;
+  } else {
+    result.text = std::move(text);
   }
   return result;
 }
