@@ -155,7 +155,8 @@ const std::string& TypedInput() {
   return input;
 }
 
-void OpenByRules(benchmark::State& state, const std::string& input) {
+template <typename Read>
+void Open(benchmark::State& state, const std::string& input, Read read) {
   std::optional<RegDocument> document;
   for (auto _ : state) {
     state.PauseTiming();
@@ -163,19 +164,15 @@ void OpenByRules(benchmark::State& state, const std::string& input) {
     std::string bytes = input;
     state.ResumeTiming();
     document.emplace();
-    ReadInto(*document, std::move(bytes));
+    read(*document, std::move(bytes));
   }
 }
+void OpenByRules(benchmark::State& state, const std::string& input) {
+  Open(state, input, [](RegDocument& document, std::string bytes) { ReadInto(document, std::move(bytes)); });
+}
 void OpenWhole(benchmark::State& state, const std::string& input) {
-  std::optional<RegDocument> document;
-  for (auto _ : state) {
-    state.PauseTiming();
-    document.reset();
-    std::string bytes = input;
-    state.ResumeTiming();
-    document.emplace();
-    ReadWholeReg(*document, DecodeText(std::move(bytes)).text);
-  }
+  Open(state, input,
+       [](RegDocument& document, std::string bytes) { ReadWholeReg(document, DecodeText(std::move(bytes)).text); });
 }
 void BM_RegOpenPlainByRules(benchmark::State& state) { OpenByRules(state, Input()); }
 void BM_RegOpenPlainWhole(benchmark::State& state) { OpenWhole(state, Input()); }

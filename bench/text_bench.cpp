@@ -9,29 +9,22 @@
 #include <fstream>
 #include <map>
 
+#include "BenchEditor.h"
 #include "ResidentMemory.h"
 #include "Shuffle.h"
 #include "files/FileBytes.h"
 #include "files/TextEncoding.h"
-#include "history/History.h"
 #include "shell/Global.h"
 #include "shell/OpenDispatch.h"
-#include "shell/mdform_TMEditor.h"
-#include "system/CommonDialog.h"
-#include "system/Dialogs.h"
-#include "system/InstanceLink.h"
-#include "system/RegistryAccess.h"
-#include "system/ShellUtilities.h"
 #include "windows/text/TextPad.h"
-#include "windows/text/form_TXT.h"
 
 namespace tme {
 namespace {
 
 constexpr std::size_t kBytes = 100'000'000;
 
-struct Editor {
-  Editor() {
+struct TextEditor : Editor {
+  TextEditor() {
     frame.MDIForm_Load({});
     QApplication::processEvents();
   }
@@ -42,18 +35,6 @@ struct Editor {
     static_cast<TextPad&>(window.EditingArea()).viewport()->repaint();
     return window;
   }
-
-  RegistryAccess registry;
-  ShellUtilities shell_utilities;
-  Dialogs dialogs;
-  CommonDialog common_dialog;
-  InstanceLink link;
-  const QTemporaryDir history_folder;
-  History history{history_folder.path()};
-  mdform_TMEditor frame{{registry, shell_utilities, dialogs, common_dialog, link, history},
-                        [](Global& global, DocumentKind kind, int slot) -> DocumentWindow* {
-                          return kind == DocumentKind::Txt ? new form_TXT(global, slot) : nullptr;
-                        }};
 };
 
 /// A file of words, in lines that end or as one that does not.
@@ -88,7 +69,7 @@ BENCHMARK(BM_DecodeText)->Unit(benchmark::kMillisecond);
 /// From the choice of the file to the painted text; `memory` is what the document takes, in files.
 void BM_OpenToPaintedText(benchmark::State& state) {
   const QString path = InputFile();
-  Editor editor;
+  TextEditor editor;
   for (auto _ : state) {
     const auto before = static_cast<double>(ResidentBytes());
     form_TXT& window = editor.Open(path);
@@ -102,7 +83,7 @@ void BM_OpenToPaintedText(benchmark::State& state) {
 BENCHMARK(BM_OpenToPaintedText)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 void BM_Save(benchmark::State& state) {
-  Editor editor;
+  TextEditor editor;
   form_TXT& window = editor.Open(InputFile());
   for (auto _ : state) window.SaveFile();
 }
@@ -118,7 +99,7 @@ BENCHMARK(BM_CopyFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 /// A key in the middle of the text, painted.
 void BM_Key(benchmark::State& state) {
-  Editor editor;
+  TextEditor editor;
   auto& pad = static_cast<TextPad&>(editor.Open(InputFile()).EditingArea());
   const auto middle = static_cast<PadPosition>(kBytes / 2);
   pad.Select(middle, middle);
@@ -136,7 +117,7 @@ constexpr std::size_t kLineBytes = 10'000'000;
 
 void BM_OpenLongLine(benchmark::State& state) {
   const QString path = InputFile(kLineBytes, "");
-  Editor editor;
+  TextEditor editor;
   for (auto _ : state) {
     form_TXT& window = editor.Open(path);
     state.PauseTiming();
@@ -149,7 +130,7 @@ BENCHMARK(BM_OpenLongLine)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 /// A key at the start, in the middle or at the end of the line, without and with word wrap.
 void BM_KeyInLongLine(benchmark::State& state) {
-  Editor editor;
+  TextEditor editor;
   auto& pad = static_cast<TextPad&>(editor.Open(InputFile(kLineBytes, "")).EditingArea());
   if (state.range(1)) pad.SetRightMargin(kWrapTwips);
   const auto at = static_cast<PadPosition>(kLineBytes / 2) * state.range(0);
@@ -169,7 +150,7 @@ BENCHMARK(BM_KeyInLongLine)
 
 /// Word wrap switched on in the large file, and a jump to its end, painted.
 void BM_WrapAndJump(benchmark::State& state) {
-  Editor editor;
+  TextEditor editor;
   auto& pad = static_cast<TextPad&>(editor.Open(InputFile()).EditingArea());
   for (auto _ : state) {
     pad.SetRightMargin(kWrapTwips);

@@ -20,4 +20,12 @@ constexpr char16_t HighSurrogateOf(char32_t character) {
 }
 constexpr char16_t LowSurrogateOf(char32_t character) { return static_cast<char16_t>(0xDC00 + (character & 0x3FF)); }
 
+/// Calls put(unit) for the one or two units of a character.
+template <typename Put>
+void PutUnits(char32_t character, Put put) {
+  if (character < kFirstSupplementary) return put(character);
+  put(char32_t{HighSurrogateOf(character)});
+  put(char32_t{LowSurrogateOf(character)});
+}
+
 }  // namespace tme::utf16

@@ -27,12 +27,7 @@ std::optional<std::string> EncodeUtf16(std::string_view text, std::endian order,
     if (text.empty()) break;
     const auto character = utf8::TakeCharacter(text, utf8::Surrogates::Accept);
     if (!character) return std::nullopt;
-    if (*character < utf16::kFirstSupplementary) {
-      put(*character);
-    } else {
-      put(utf16::HighSurrogateOf(*character));
-      put(utf16::LowSurrogateOf(*character));
-    }
+    utf16::PutUnits(*character, put);
   }
   bytes.resize(used);
   return bytes;

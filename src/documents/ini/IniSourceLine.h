@@ -15,21 +15,17 @@ namespace tme {
 /// Splits a text into lines with their ends.
 class SourceLineReader {
  public:
-  explicit SourceLineReader(std::string_view text) : lines_(text), rest_(text) {}
+  explicit SourceLineReader(std::string_view text) : lines_(text) {}
   /// Returns false at the end of the text.
   bool Next(std::string_view& line_with_end) {
     std::string_view line;
     if (!lines_.Next(line)) return false;
-    const std::string_view behind = rest_.substr(line.size());
-    const std::size_t end = behind.starts_with("\r\n") ? 2 : behind.empty() ? 0 : 1;
-    line_with_end = rest_.substr(0, line.size() + end);
-    rest_.remove_prefix(line_with_end.size());
+    line_with_end = {line.data(), static_cast<std::size_t>(lines_.Position() - line.data())};
     return true;
   }
 
  private:
   LineReader lines_;
-  std::string_view rest_;
 };
 
 std::string_view TrimIniBlanks(std::string_view text);

@@ -54,12 +54,7 @@ std::optional<std::string> Utf16Bytes(std::string_view text) {
   while (!text.empty()) {
     const std::optional<char32_t> character = utf8::TakeCharacter(text);
     if (!character) return std::nullopt;
-    if (*character < utf16::kFirstSupplementary) {
-      put(*character);
-    } else {
-      put(utf16::HighSurrogateOf(*character));
-      put(utf16::LowSurrogateOf(*character));
-    }
+    utf16::PutUnits(*character, put);
   }
   return bytes;
 }
