@@ -58,7 +58,7 @@ TEST_F(SourceLinesTest, ANewLineTakesTheEndOfItsNeighbourAndALastOneStaysWithout
   EXPECT_EQ(Written(), "0\na\nx\nb\nd\n");
 }
 
-TEST_F(SourceLinesTest, RemovalsAreTakenBackAndPiecesMove) {
+TEST_F(SourceLinesTest, RemovalsAreTakenBack) {
   const auto a = Append("a\n"), b = Append("b\n"), c = Append("c");
   lines_.Remove(b);
   lines_.Remove(a);
@@ -66,10 +66,6 @@ TEST_F(SourceLinesTest, RemovalsAreTakenBackAndPiecesMove) {
   lines_.Restore(a);
   lines_.Restore(b);
   EXPECT_EQ(Written(), "a\nb\nc");
-  lines_.MoveBehind(c, a);
-  EXPECT_EQ(Written(), "b\nc\na");
-  lines_.MoveBehind(SourceLines::kEnds, a);
-  EXPECT_EQ(Written(), "a\nb\nc\n");
   lines_.Replace(c, "C\n");
   EXPECT_EQ(Written(), "a\nb\nC\n");
 }

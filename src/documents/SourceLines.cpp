@@ -73,16 +73,6 @@ void SourceLines::Restore(Piece piece) {
   pieces_[entry.next].previous = piece;
 }
 
-void SourceLines::MoveBehind(Piece place, Piece piece) {
-  if (place == piece) return;
-  Remove(piece);
-  Entry& entry = pieces_[piece];
-  SetText(entry, WithLineEnds(place, Text(piece)));
-  entry.previous = place;
-  entry.next = Next(place);
-  Restore(piece);
-}
-
 std::string_view SourceLines::LineEndBehind(Piece piece) const {
   for (Piece at = piece; at != kEnds; at = Previous(at))
     if (const std::string_view end = LineEndOf(Text(at)); !end.empty()) return end;

@@ -53,8 +53,6 @@ class SourceLines {
   /// The piece keeps its text and its neighbours, so that removals can be taken back, the last one first.
   void Remove(Piece piece);
   void Restore(Piece piece);
-  /// Takes a piece from its place and puts it behind another one. The line ends are as for InsertBehind.
-  void MoveBehind(Piece place, Piece piece);
 
   /// The line end that a new line behind a piece takes: that of the piece, or of the nearest one before it that has
   /// one, or of the next one behind it; CR LF where the document has none.
