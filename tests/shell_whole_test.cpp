@@ -16,8 +16,8 @@
 #include "shell/LongWork.h"
 #include "shell/OpenDispatch.h"
 #include "shell/RecoverySnapshots.h"
-#include "shell/TreeDocumentWindow.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/TreeDocumentWindow.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;

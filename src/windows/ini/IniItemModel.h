@@ -3,7 +3,7 @@
 #include <QIcon>
 
 #include "documents/ini/IniTree.h"
-#include "shell/TreeItemModel.h"
+#include "windows/tree/TreeItemModel.h"
 
 namespace tme {
 

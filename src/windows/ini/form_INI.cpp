@@ -13,7 +13,6 @@
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
 #include "shell/DocumentArea.h"
-#include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
@@ -28,6 +27,7 @@
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
 #include "windows/ini/ScrollBarUnderStrip.h"
+#include "windows/tree/DocumentTreeView.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,7 +2,7 @@
 
 #include "documents/ini/IniTree.h"
 #include "files/TextEncoding.h"
-#include "shell/TreeDocumentWindow.h"
+#include "windows/tree/TreeDocumentWindow.h"
 
 class QPrinter;
 class QPushButton;

@@ -9,13 +9,13 @@
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
-#include "shell/LinesClipboard.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
 #include "windows/ini/KeyValueDialog.h"
 #include "windows/ini/form_INI.h"
+#include "windows/tree/LinesClipboard.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "documents/reg/RegDocument.h"
-#include "shell/TreeItemModel.h"
+#include "windows/tree/TreeItemModel.h"
 
 namespace tme {
 

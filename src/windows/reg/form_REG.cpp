@@ -12,7 +12,6 @@
 
 #include "documents/reg/RegAsShown.h"
 #include "shell/DocumentArea.h"
-#include "shell/DocumentTreeView.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
@@ -25,6 +24,7 @@
 #include "windows/reg/RegKeyModel.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/RegWholeCommands.h"
+#include "windows/tree/DocumentTreeView.h"
 
 using namespace Qt::StringLiterals;
 

@@ -8,7 +8,7 @@
 #include "documents/reg/RegReader.h"
 #include "documents/reg/RegWriter.h"
 #include "files/TextEncoding.h"
-#include "shell/TreeDocumentWindow.h"
+#include "windows/tree/TreeDocumentWindow.h"
 
 class QLabel;
 class QProgressBar;

@@ -9,7 +9,6 @@
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/LinesClipboard.h"
 #include "shell/LongWork.h"
 #include "shell/WaitCursor.h"
 #include "shell/mdform_TMEditor.h"
@@ -20,6 +19,7 @@
 #include "windows/reg/RegValueText.h"
 #include "windows/reg/RegWholeCommands.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/LinesClipboard.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,4 +1,4 @@
-#include "shell/LinesClipboard.h"
+#include "windows/tree/LinesClipboard.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "shell/SaveForm.h"
+#include "windows/tree/SaveForm.h"
 
 #include <QComboBox>
 #include <QCoreApplication>

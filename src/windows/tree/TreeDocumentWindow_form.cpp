@@ -3,10 +3,10 @@
 #include "files/TextEncoder.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
-#include "shell/SaveForm.h"
-#include "shell/TreeDocumentWindow.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
+#include "windows/tree/SaveForm.h"
+#include "windows/tree/TreeDocumentWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,4 +1,4 @@
-#include "shell/DocumentTreeView.h"
+#include "windows/tree/DocumentTreeView.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

@@ -3,7 +3,7 @@
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
 #include "shell/DocumentWindow.h"
-#include "shell/SaveForm.h"
+#include "windows/tree/SaveForm.h"
 
 class QLabel;
 

@@ -1,4 +1,4 @@
-#include "shell/TreeDocumentWindow.h"
+#include "windows/tree/TreeDocumentWindow.h"
 
 #include <QLabel>
 #include <QScopedValueRollback>
