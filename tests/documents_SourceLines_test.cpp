@@ -58,16 +58,25 @@ TEST_F(SourceLinesTest, ANewLineTakesTheEndOfItsNeighbourAndALastOneStaysWithout
   EXPECT_EQ(Written(), "0\na\nx\nb\nd\n");
 }
 
-TEST_F(SourceLinesTest, RemovalsAreTakenBack) {
-  const auto a = Append("a\n"), b = Append("b\n"), c = Append("c");
-  lines_.Remove(b);
-  lines_.Remove(a);
-  EXPECT_EQ(Written(), "c");
-  lines_.Restore(a);
-  lines_.Restore(b);
-  EXPECT_EQ(Written(), "a\nb\nc");
-  lines_.Replace(c, "C\n");
-  EXPECT_EQ(Written(), "a\nb\nC\n");
+TEST_F(SourceLinesTest, EditsAreTakenBackAndMadeAgain) {
+  const auto a = Append("a\n"), b = Append("b\n"), c = Append("c\n"), d = Append("d");
+  SourceLines::Changes changes;
+  lines_.NoteIn(&changes);
+  lines_.Remove(c);
+  lines_.InsertBehind(d, "e", 1);
+  lines_.Remove(a, b);
+  lines_.Replace(d, "D\n");
+  lines_.SetKind(d, 3);
+  const std::string edited = Written();
+  EXPECT_EQ(edited, "D\ne");
+  for (int round = 0; round < 2; ++round) {
+    lines_.Revert(changes);
+    EXPECT_EQ(Written(), "a\nb\nc\nd");
+    EXPECT_EQ(lines_.Kind(d), 0);
+    lines_.Reapply(changes);
+    EXPECT_EQ(Written(), edited);
+    EXPECT_EQ(lines_.Kind(d), 3);
+  }
 }
 
 TEST_F(SourceLinesTest, AllLinesTakeOneEnd) {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <ranges>
 #include <string>
+#include <utility>
 
 namespace tme {
 namespace {
@@ -55,22 +57,39 @@ std::string_view LineEndOf(std::string_view lines) {
 
 void SourceLines::Clear() { pieces_.assign(1, {.text = "", .size = 0, .next = kEnds, .previous = kEnds, .kind = 0}); }
 
-SourceLines::Piece SourceLines::InsertBehind(Piece piece, std::string_view lines, std::uint8_t kind) {
-  return Link(piece, WithLineEnds(piece, lines), kind);
+SourceLines::Piece SourceLines::Append(std::string_view lines, std::uint8_t kind) {
+  const Piece last = Last();
+  const Piece piece = Make(last, lines, kind);
+  pieces_[last].next = pieces_[kEnds].previous = piece;
+  return piece;
 }
 
-void SourceLines::Replace(Piece piece, std::string_view lines) { SetText(pieces_[piece], texts_.Copy(lines)); }
-
-void SourceLines::Remove(Piece piece) {
-  const Entry& entry = pieces_[piece];
-  pieces_[entry.previous].next = entry.next;
-  pieces_[entry.next].previous = entry.previous;
+SourceLines::Piece SourceLines::InsertBehind(Piece place, std::string_view lines, std::uint8_t kind) {
+  const Piece piece = Make(place, WithLineEnds(place, lines), kind);
+  Edited(place).next = piece;
+  Edited(Next(piece)).previous = piece;
+  return piece;
 }
 
-void SourceLines::Restore(Piece piece) {
-  const Entry& entry = pieces_[piece];
-  pieces_[entry.previous].next = piece;
-  pieces_[entry.next].previous = piece;
+void SourceLines::Replace(Piece piece, std::string_view lines) { SetText(Edited(piece), texts_.Copy(lines)); }
+
+void SourceLines::Remove(Piece first, Piece last) {
+  const Piece before = Previous(first), behind = Next(last);
+  Edited(before).next = behind;
+  Edited(behind).previous = before;
+}
+
+void SourceLines::Revert(Changes& changes) {
+  for (auto& [piece, entry] : std::views::reverse(changes.changes_)) std::swap(pieces_[piece], entry);
+}
+
+void SourceLines::Reapply(Changes& changes) {
+  for (auto& [piece, entry] : changes.changes_) std::swap(pieces_[piece], entry);
+}
+
+SourceLines::Entry& SourceLines::Edited(Piece piece) {
+  if (changes_ != nullptr) changes_->changes_.push_back({piece, pieces_[piece]});
+  return pieces_[piece];
 }
 
 std::string_view SourceLines::LineEndBehind(Piece piece) const {
@@ -127,11 +146,10 @@ std::uint64_t SourceLines::Size() const {
   return size;
 }
 
-SourceLines::Piece SourceLines::Link(Piece place, std::string_view lines, std::uint8_t kind) {
+SourceLines::Piece SourceLines::Make(Piece place, std::string_view lines, std::uint8_t kind) {
   const auto piece = static_cast<Piece>(pieces_.size());
   pieces_.push_back({.text = "", .size = 0, .next = Next(place), .previous = place, .kind = kind});
   SetText(pieces_.back(), lines);
-  Restore(piece);
   return piece;
 }
 

@@ -18,11 +18,16 @@ enum class LineEnds : std::uint8_t { Mixed, CrLf, Lf };
 /// ring in the order of the file, so that every edit costs the same at any size. A piece that was not edited is a view
 /// of the text that was read; a removed one stays in memory, and can be put back.
 class SourceLines {
+  struct Entry;
+
  public:
   /// The number of a piece. Numbers grow and are not used again before Clear.
   using Piece = std::uint32_t;
   /// Always there, and empty: it stands before the first piece and behind the last one.
   static constexpr Piece kEnds = 0;
+
+  /// What edits changed, to be taken back and made again: 32 bytes for each piece that got another text or neighbour.
+  class Changes;
 
   /// texts: holds what edits make; outlives this.
   explicit SourceLines(TextStore& texts) : texts_(texts) { Clear(); }
@@ -44,15 +49,21 @@ class SourceLines {
   // Edits. Texts are copied but for Append's.
 
   /// Adds a piece behind the last one. lines: not copied, so it must lie in memory that stays.
-  Piece Append(std::string_view lines, std::uint8_t kind) { return Link(Last(), lines, kind); }
+  Piece Append(std::string_view lines, std::uint8_t kind);
   /// Adds lines behind a piece (kEnds: at the start). What stood last without a line end gets one, and then the new
   /// last line goes without.
-  Piece InsertBehind(Piece piece, std::string_view lines, std::uint8_t kind);
+  Piece InsertBehind(Piece place, std::string_view lines, std::uint8_t kind);
   void Replace(Piece piece, std::string_view lines);
-  void SetKind(Piece piece, std::uint8_t kind) { pieces_[piece].kind = kind; }
-  /// The piece keeps its text and its neighbours, so that removals can be taken back, the last one first.
-  void Remove(Piece piece);
-  void Restore(Piece piece);
+  void SetKind(Piece piece, std::uint8_t kind) { Edited(piece).kind = kind; }
+  void Remove(Piece piece) { Remove(piece, piece); }
+  /// Removes all from one to the other, which costs the same whatever their number. They keep their texts and order.
+  void Remove(Piece first, Piece last);
+
+  /// Edits note here what they change, but for Append; null for nowhere. Not owned.
+  void NoteIn(Changes* changes) { changes_ = changes; }
+  /// Takes changes back, the last one first, if nothing was changed since; Reapply makes them again.
+  void Revert(Changes& changes);
+  void Reapply(Changes& changes);
 
   /// The line end that a new line behind a piece takes: that of the piece, or of the nearest one before it that has
   /// one, or of the next one behind it; CR LF where the document has none.
@@ -77,13 +88,30 @@ class SourceLines {
     std::uint8_t kind;
   };
 
-  Piece Link(Piece place, std::string_view lines, std::uint8_t kind);
+  /// The piece, to be changed.
+  Entry& Edited(Piece piece);
+  /// A piece that is not linked yet. place: what it comes behind.
+  Piece Make(Piece place, std::string_view lines, std::uint8_t kind);
   void SetText(Entry& entry, std::string_view lines);
   /// Before lines come behind a piece: ends the line before them, or the lines themselves. Returns the lines.
   std::string_view WithLineEnds(Piece place, std::string_view lines);
 
   TextStore& texts_;
   std::vector<Entry> pieces_;
+  Changes* changes_ = nullptr;
+};
+
+class SourceLines::Changes {
+ public:
+  bool IsEmpty() const { return changes_.empty(); }
+
+ private:
+  friend class SourceLines;
+  struct Change {
+    Piece piece;
+    Entry entry;
+  };
+  std::vector<Change> changes_;
 };
 
 /// The line end of the last line of a text: CR LF, LF, CR, or nothing.

@@ -1,0 +1,54 @@
+#include "documents/EditableDocument.h"
+
+#include <utility>
+
+namespace tme {
+
+void EditableDocument::Undo() {
+  if (depth_ > 0 || !CanUndo()) return;
+  const StepState& step = steps_[--position_];
+  revision_ = step.revision_before;
+  if (step.undo_outside)
+    step.undo_outside();
+  else
+    UndoStep(position_);
+}
+
+void EditableDocument::Redo() {
+  if (depth_ > 0 || !CanRedo()) return;
+  const StepState& step = steps_[position_++];
+  revision_ = step.revision_after;
+  if (step.redo_outside)
+    step.redo_outside();
+  else
+    RedoStep(position_ - 1);
+}
+
+void EditableDocument::AddOutsideStep(EditName name, std::function<void()> undo, std::function<void()> redo) {
+  const Step step(*this, name);
+  NoteRevision();
+  open_.undo_outside = std::move(undo);
+  open_.redo_outside = std::move(redo);
+}
+
+void EditableDocument::ForgetSteps() {
+  steps_.clear();
+  position_ = 0;
+  DropSteps(0);
+  open_.revision_before = revision_;  // an open step leaves nothing
+}
+
+void EditableDocument::BeginStep(EditName name) {
+  if (depth_++ > 0) return;
+  open_ = {.name = name, .revision_before = revision_, .revision_after = 0, .undo_outside = {}, .redo_outside = {}};
+}
+
+void EditableDocument::EndStep() {
+  if (--depth_ > 0 || revision_ == open_.revision_before) return;
+  steps_.resize(position_);
+  open_.revision_after = revision_;
+  steps_.push_back(std::exchange(open_, {}));
+  CloseStep(position_++);
+}
+
+}  // namespace tme
