@@ -32,10 +32,13 @@ class Number : public EditLog<std::optional<int>> {
 
 TEST(EditableDocument, StepsAreUndoneAndRedone) {
   Number number;
+  int told = 0;
+  number.SetRevisionListener([&] { ++told; });
   number.Undo();
   number.Redo();
   EXPECT_FALSE(number.CanUndo() || number.CanRedo());
   number.Set(1);
+  EXPECT_EQ(told, 1);
   const std::uint64_t revision = number.Revision();
   {
     const Number::Step step(number, EditName::Replace);
@@ -50,7 +53,9 @@ TEST(EditableDocument, StepsAreUndoneAndRedone) {
   EXPECT_EQ(number.Value(), 1);
   EXPECT_EQ(number.Revision(), revision) << "the content of that time";
   EXPECT_EQ(number.RedoName(), EditName::Replace);
+  const int told_by_undo = told;
   number.Redo();
+  EXPECT_EQ(told, told_by_undo + 1);
   EXPECT_EQ(number.Value(), 3);
   number.Undo();
   number.Set(4);

@@ -12,6 +12,7 @@ void EditableDocument::Undo() {
     step.undo_outside();
   else
     UndoStep(position_);
+  TellRevision();
 }
 
 void EditableDocument::Redo() {
@@ -22,6 +23,7 @@ void EditableDocument::Redo() {
     step.redo_outside();
   else
     RedoStep(position_ - 1);
+  TellRevision();
 }
 
 void EditableDocument::AddOutsideStep(EditName name, std::function<void()> undo, std::function<void()> redo) {

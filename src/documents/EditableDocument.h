@@ -47,6 +47,8 @@ class EditableDocument {
   /// Grows with every change of content, reading and pasting included, and not with selection and expansion. Undo and
   /// redo bring back the number that the content had.
   std::uint64_t Revision() const { return revision_; }
+  /// Called with each change of it, in the midst of edits, so it may only note that there was one. Empty for none.
+  void SetRevisionListener(std::function<void()> listener) { listener_ = std::move(listener); }
 
   /// The steps that are done and not undone.
   std::size_t EditPosition() const { return position_; }
@@ -81,7 +83,10 @@ class EditableDocument {
   ~EditableDocument() = default;
 
   /// Every change of content calls it.
-  void NoteRevision() { revision_ = ++last_revision_; }
+  void NoteRevision() {
+    revision_ = ++last_revision_;
+    TellRevision();
+  }
   /// Whether changes are to be noted.
   bool IsInStep() const { return depth_ > 0; }
   /// Forgets all steps, as a reset does.
@@ -105,6 +110,9 @@ class EditableDocument {
 
   void BeginStep(EditName name);
   void EndStep();
+  void TellRevision() const {
+    if (listener_) listener_();
+  }
 
   std::vector<StepState> steps_;
   std::size_t position_ = 0;
@@ -112,6 +120,7 @@ class EditableDocument {
   StepState open_;
   std::uint64_t revision_ = 0;
   std::uint64_t last_revision_ = 0;
+  std::function<void()> listener_;
 };
 
 /// The part of an EditableDocument that keeps what its steps changed. Changes: what a step notes, in memory in
