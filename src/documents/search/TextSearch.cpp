@@ -213,7 +213,21 @@ std::optional<TextMatch> TextSearch::MatchAround(std::string_view text, std::siz
 std::optional<TextMatch> TextSearch::Find(std::string_view text, std::size_t from, std::size_t to) const {
   to = std::min(to, text.size());
   if (characters_.empty() || from >= to) return std::nullopt;
-  const Anchor anchor = ChooseAnchor(text.substr(from, to - from));
+  return FindBy(ChooseAnchor(text.substr(from, to - from)), text, from, to);
+}
+
+void TextSearch::FindAll(std::string_view text, std::vector<TextMatch>& matches) const {
+  if (characters_.empty() || text.empty()) return;
+  const Anchor anchor = ChooseAnchor(text);
+  std::size_t from = 0;
+  while (const std::optional<TextMatch> match = FindBy(anchor, text, from, text.size())) {
+    matches.push_back(*match);
+    from = match->end;
+  }
+}
+
+std::optional<TextMatch> TextSearch::FindBy(const Anchor& anchor, std::string_view text, std::size_t from,
+                                            std::size_t to) const {
   const ScanPair& pair = anchor.pair;
   for (std::size_t at = from; (at = ScanFor(pair, text.substr(0, to), at)) < to; ++at) {
     if (at - from < anchor.byte) continue;

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "documents/search/TextMatcher.h"
+
+namespace tme {
+
+/// What of a tree is searched.
+enum class SearchField : std::uint8_t {
+  Section,  ///< its name
+  Key,      ///< of an entry; of a registry, one component of a path
+  Value,    ///< of an entry
+  Comment,  ///< its line
+  Name,     ///< of a registry value
+  Data,     ///< of a registry value, decoded
+};
+/// A set of them.
+using SearchFields = std::uint32_t;
+constexpr SearchFields FieldBit(SearchField field) { return SearchFields{1} << static_cast<unsigned>(field); }
+
+/// A node, or a record that stands at it.
+struct SearchPlace {
+  static constexpr std::uint32_t kNoRecord = UINT32_MAX;
+
+  /// Of the tree that is searched. It holds until the document changes.
+  const void* node = nullptr;
+  std::uint32_t record = kNoRecord;
+
+  bool operator==(const SearchPlace&) const = default;
+};
+
+/// A match. Texts of 4 GB and more are not searched beyond that.
+struct SearchHit {
+  const void* node;
+  std::uint32_t record;
+  /// Bytes in the field's text.
+  std::uint32_t start;
+  std::uint32_t size;
+  SearchField field;
+
+  SearchPlace Place() const { return {node, record}; }
+};
+
+/// Texts of places, in their order, that are searched at once.
+class SearchBatch {
+ public:
+  void Clear();
+  void Add(const SearchPlace& place, SearchField field, std::string_view text) {
+    if (text.empty()) return;
+    texts_.push_back({place, static_cast<std::uint32_t>(bytes_.size()), field});
+    bytes_.append(text).push_back('\0');
+  }
+  bool IsFull() const { return bytes_.size() >= kFullBytes || texts_.size() >= kFullTexts; }
+  /// Adds the hits.
+  void FindAll(const TextMatcher& matcher, std::deque<SearchHit>& hits);
+
+ private:
+  /// Some tenths of a millisecond.
+  static constexpr std::size_t kFullBytes = std::size_t{1} << 16;
+  static constexpr std::size_t kFullTexts = 2048;
+
+  struct Text {
+    SearchPlace place;
+    std::uint32_t start;
+    SearchField field;
+  };
+
+  std::size_t EndOf(std::size_t text) const {
+    return (text + 1 < texts_.size() ? texts_[text + 1].start : bytes_.size()) - 1;
+  }
+  void AddHit(const Text& text, const TextMatch& match, std::deque<SearchHit>& hits) const;
+
+  /// With a NUL behind each text.
+  std::string bytes_;
+  std::vector<Text> texts_;
+  std::vector<TextMatch> matches_;
+};
+
+/// The places of a tree in the order in which they are shown, for one search. Not to be used once the tree has changed
+/// but for Restart.
+class SearchSource {
+ public:
+  virtual ~SearchSource() = default;
+  /// Back to the first place.
+  virtual void Restart() = 0;
+  /// Adds the texts of the next places until the batch is full. Returns false when nothing is left.
+  virtual bool Fill(SearchFields fields, SearchBatch& batch) = 0;
+  virtual bool IsBefore(const SearchPlace& one, const SearchPlace& other) const = 0;
+};
+
+/// A search through one tree, in slices.
+class TreeSearch {
+ public:
+  explicit TreeSearch(std::unique_ptr<SearchSource> source) : source_(std::move(source)) {}
+
+  /// Begins anew; what was found is forgotten. matcher: null finds nothing.
+  void Start(SearchFields fields, std::shared_ptr<const TextMatcher> matcher);
+  /// Searches until then, and at least one batch. Returns false once all is searched.
+  bool GoOn(std::chrono::steady_clock::time_point until);
+  bool IsDone() const { return is_done_; }
+  /// In the order of their places. They hold until the tree changes.
+  const std::deque<SearchHit>& Hits() const { return hits_; }
+  /// The index of the first hit that stands at the place or behind it; the count of hits if there is none yet.
+  std::size_t FirstFrom(const SearchPlace& place) const;
+
+ private:
+  std::unique_ptr<SearchSource> source_;
+  std::shared_ptr<const TextMatcher> matcher_;
+  SearchFields fields_ = 0;
+  SearchBatch batch_;
+  std::deque<SearchHit> hits_;
+  bool is_done_ = true;
+};
+
+}  // namespace tme

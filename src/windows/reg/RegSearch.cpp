@@ -1,0 +1,83 @@
+#include "windows/reg/RegSearch.h"
+
+#include "documents/search/TreeOrder.h"
+#include "windows/reg/RegValueText.h"
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kMostSearched = std::size_t{1} << 20;  // bytes
+
+const RegNode* NodeOfPlace(const SearchPlace& place) { return static_cast<const RegNode*>(place.node); }
+
+/// Most values, which need no decoding.
+bool IsPlainText(std::string_view assignment) {
+  return assignment.size() >= 2 && assignment.front() == '"' && assignment.back() == '"' &&
+         assignment.find('\\') == std::string_view::npos;
+}
+
+}  // namespace
+
+std::optional<SearchField> FieldOfNode(const RegNode& node) {
+  if (node.Tag() == RegTag::File) return std::nullopt;
+  return node.Tag() == RegTag::Comment ? SearchField::Comment : SearchField::Key;
+}
+
+std::string_view SearchedData(const RegDocument& document, const RegValueRecord& record, const RegCoding& coding,
+                              std::string& buffer) {
+  const std::string_view data = record.data;
+  if (document.HeldAs() == Holding::ByRules || coding.version == RegVersion::Regedit) return data;
+  if (data == "-") return {};
+  if (IsPlainText(data)) return data.substr(1, data.size() - 2);
+  const std::optional<RegData> decoded = DecodeAssignment(data, coding);
+  if (!decoded) return data;
+  buffer = DisplayOf(*decoded, kMostSearched);
+  return buffer;
+}
+
+RegSearchSource::RegSearchSource(const RegDocument& document) : document_(document), coding_(CodingOf(document)) {
+  Restart();
+}
+
+void RegSearchSource::Restart() {
+  coding_ = CodingOf(document_);
+  node_ = nullptr;
+  records_.clear();
+  next_record_ = 0;
+}
+
+bool RegSearchSource::Fill(SearchFields fields, SearchBatch& batch) {
+  while (!batch.IsFull()) {
+    if (next_record_ < records_.size()) {
+      AddRecord(records_[next_record_++], fields, batch);
+      continue;
+    }
+    node_ = node_ == nullptr ? document_.Root() : NextInTree(node_);
+    if (node_ == nullptr) return false;
+    const std::optional<SearchField> field = FieldOfNode(*node_);
+    if (field && fields & FieldBit(*field)) batch.Add({node_}, *field, node_->Text());
+    records_.clear();
+    next_record_ = 0;
+    const RegValueRecord* first = document_.Values().data();
+    document_.ForEachValueOf(node_, [&](const RegValueRecord& record) {
+      if (!record.deleted) records_.push_back(static_cast<std::uint32_t>(&record - first));
+    });
+  }
+  return true;
+}
+
+void RegSearchSource::AddRecord(std::uint32_t record, SearchFields fields, SearchBatch& batch) {
+  const RegValueRecord& value = document_.Values()[record];
+  const SearchPlace place{node_, record};
+  if (fields & FieldBit(SearchField::Name)) batch.Add(place, SearchField::Name, value.name);
+  if (fields & FieldBit(SearchField::Data))
+    batch.Add(place, SearchField::Data, SearchedData(document_, value, coding_, decoded_));
+}
+
+bool RegSearchSource::IsBefore(const SearchPlace& one, const SearchPlace& other) const {
+  if (one.node != other.node) return IsBeforeInTree(NodeOfPlace(one), NodeOfPlace(other));
+  // A key stands before its values.
+  return one.record + 1 < other.record + 1;
+}
+
+}  // namespace tme
