@@ -78,6 +78,8 @@ class SourceLines {
   bool Write(const PartSink& sink) const;
   /// Bytes.
   std::uint64_t Size() const;
+  /// Numbers of pieces are below it.
+  std::size_t PieceCount() const { return pieces_.size(); }
 
  private:
   struct Entry {

@@ -31,6 +31,31 @@ void RegChildren::Insert(std::size_t row, RegNode* node) {
   nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(row), node);
 }
 
+void RegChildren::InsertAll(std::span<const Place> places) {
+  ForgetTexts();
+  std::size_t from = nodes_.size();
+  nodes_.resize(nodes_.size() + places.size());
+  for (std::size_t to = nodes_.size(); !places.empty();) {
+    const bool is_here = --to == places.back().row;
+    nodes_[to] = is_here ? places.back().node : nodes_[--from];
+    if (is_here) places = places.first(places.size() - 1);
+  }
+}
+
+void RegChildren::EraseAll(std::span<const Place> places) {
+  if (places.empty()) return;
+  ForgetTexts();
+  const std::size_t count = nodes_.size() - places.size();
+  std::size_t to = places.front().row;
+  for (std::size_t from = to; from < nodes_.size(); ++from) {
+    if (!places.empty() && from == places.front().row)
+      places = places.subspan(1);
+    else
+      nodes_[to++] = nodes_[from];
+  }
+  nodes_.resize(count);
+}
+
 void RegChildren::InsertFirst(std::span<RegNode* const> nodes) {
   ForgetTexts();
   nodes_.insert(nodes_.begin(), nodes.begin(), nodes.end());

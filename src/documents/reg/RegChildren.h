@@ -27,6 +27,13 @@ class RegChildren {
   void Append(RegNode* node);
   void Insert(std::size_t row, RegNode* node);
   void Erase(std::size_t row);
+  struct Place {
+    std::size_t row;
+    RegNode* node;
+  };
+  /// places: in the order of their rows, which they have in the longer list. Linear.
+  void InsertAll(std::span<const Place> places);
+  void EraseAll(std::span<const Place> places);
   void InsertFirst(std::span<RegNode* const> nodes);
   void EraseFirst(std::size_t count);
   /// Returns the first key with this text, or null. Deletions and comments are no keys.

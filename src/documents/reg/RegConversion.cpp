@@ -93,6 +93,7 @@ std::string WithoutPairs(const RegDocument& document) {
 
 void RegDocument::ConvertTo(RegVersion target, const RegCoding& coding) {
   if (version_ == target || version_ == RegVersion::Regedit || target == RegVersion::Regedit) return;
+  const Editing editing(*this, EditName::Convert);
   observer_->BeforeReset();
   if (comments_ == RegComments::Shown) DropComments();
   const RegCoding from = InVersion(coding, version_);
@@ -120,7 +121,7 @@ void RegDocument::ConvertTo(RegVersion target, const RegCoding& coding) {
     if (KindOf(first) != RegPiece::Blank) lines_.InsertBehind(header, end, static_cast<std::uint8_t>(RegPiece::Blank));
   }
   if (comments_ == RegComments::Shown) MakeComments();
-  ++revision_;
+  NoteRevision();
   observer_->AfterReset();
 }
 

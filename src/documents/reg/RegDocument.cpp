@@ -39,6 +39,12 @@ std::string RegNode::KeyPath() const {
   return path;
 }
 
+std::size_t RegNode::CommentCount() const {
+  int count = 0;
+  while (count < ChildCount() && Child(count)->Tag() == RegTag::Comment) ++count;
+  return static_cast<std::size_t>(count);
+}
+
 RegDocument::RegDocument(std::string_view title)
     : observer_(&silent_observer),
       root_(new RegNode(nullptr, texts_.Copy(title), RegTag::File)),
@@ -71,7 +77,7 @@ std::vector<std::size_t> RegDocument::ValuesOfPath(const RegNode* node) const {
 }
 
 bool RegDocument::HasValueNamed(const RegNode* node, std::string_view name) const {
-  return std::ranges::any_of(runs_, [this, node, name](const Run& run) {
+  return std::ranges::any_of(runs_, [this, node, name](const RegRun& run) {
     if (run.owner->Text() != node->Text()) return false;
     const RegValueRecord* first = &values_[run.first];
     return std::any_of(first, first + run.count, [name](const RegValueRecord& record) { return record.name == name; });
@@ -98,7 +104,7 @@ bool RegDocument::SharesItsName(const RegNode* node) const {
   };
   if (node->tag_ != RegTag::Branch || node->Text() == root_->Text()) return false;
   if (std::ranges::any_of(runs_,
-                          [&](const Run& run) { return run.owner != node && run.owner->Text() == node->Text(); }))
+                          [&](const RegRun& run) { return run.owner != node && run.owner->Text() == node->Text(); }))
     return true;
   if (node->first_run_ == RegNode::kNoRun) return false;
   return !WalkKeys(*root_, [&](const RegNode& other) { return !is_namesake(other); });
@@ -109,53 +115,68 @@ RegNode* RegDocument::AddHiveNode(std::string_view name) { return Add(root_.get(
 RegNode* RegDocument::AddBranch(RegNode* parent, std::string_view text) { return Add(parent, text, RegTag::Branch); }
 
 std::size_t RegDocument::AddValueRecord(RegNode* node, RegType type, std::string_view name, std::string_view data) {
+  const Editing editing(*this, EditName::AddValue);
   const std::size_t record = values_.size();
   AppendRecord(node, type, texts_.Copy(name), texts_.Copy(data));
-  ++revision_;
+  NoteRevision();
   observer_->ValueAdded(record);
   return record;
 }
 
 void RegDocument::SetValueData(std::size_t record, std::string_view data) {
   if (values_[record].data == data) return;
-  values_[record].data = texts_.Copy(data);
+  const Editing editing(*this, EditName::Edit);
+  EditedRecord(record).data = texts_.Copy(data);
   ValueHasChanged(record);
 }
 
 void RegDocument::DeleteValue(std::size_t record) {
   if (holding_ == Holding::Whole) return DeleteValueLines(record);
-  values_[record] = {.owner = values_[record].owner, .name = {}, .data = {}, .type = RegType::None, .deleted = true};
+  const RegValueRecord& value = values_[record];
+  if (value.deleted && value.data.empty()) return;
+  const Editing editing(*this, EditName::DeleteValue);
+  EditedRecord(record) = {.owner = value.owner, .name = {}, .data = {}, .type = RegType::None, .deleted = true};
+  ValueHasChanged(record);
+}
+
+void RegDocument::RenameValue(std::size_t record, std::string_view name) {
+  if (values_[record].name == name) return;
+  if (holding_ == Holding::Whole) return RenameInLine(record, name);
+  const Editing editing(*this, EditName::Rename);
+  EditedRecord(record).name = texts_.Copy(name);
   ValueHasChanged(record);
 }
 
 void RegDocument::SetText(RegNode* node, std::string_view text) {
   if (node->Text() == text) return;
+  const Editing editing(*this, EditName::Rename);
   if (node->parent_ != nullptr) {
-    // The root's text is the file's name, not content.
-    ++revision_;
     NoteSibling(node->parent_, text);
     node->parent_->children_->ForgetTexts();
   }
-  node->SetTextView(texts_.Copy(text));
+  EditedNode(node).SetTextView(texts_.Copy(text));
+  NoteRevision();
   observer_->TextChanged(*node);
+}
+
+void RegDocument::SetTitle(std::string_view title) {
+  root_->SetTextView(texts_.Copy(title));
+  observer_->TextChanged(*root_);
 }
 
 void RegDocument::RemoveKey(RegNode* node) {
   if (node == root_.get()) return;
+  const Editing editing(*this, IsKey(node->tag_) ? EditName::DeleteKey : EditName::Delete);
   RegNode* parent = node->parent_;
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
   if (holding_ == Holding::Whole) RemoveBlocks(node);
-  WalkKeys(*node, [this](const RegNode&) {
-    --node_count_;
-    return true;
-  });
   const bool selection_moves = IsBelow(selected_, node);
-  siblings.Erase(row);
-  RenumberFrom(parent, row);
+  NoteRow(node, row, RegChanges::ListChange::Kind::Removed);
+  TakeRow(node);
   if (selection_moves) selected_ = siblings.Count() == 0 ? parent : siblings.At(std::min(row, siblings.Count() - 1));
-  ++revision_;
+  NoteRevision();
   observer_->AfterRemove();
   if (selection_moves) observer_->SelectionMoved();
 }
@@ -165,7 +186,8 @@ void RegDocument::Reset(std::string_view title) {
   const std::string kept(title);
   values_ = {};
   runs_ = {};
-  headers_.assign(1, Header{});
+  headers_.assign(1, RegHeader{});
+  comment_of_piece_ = {};
   lines_.Clear();
   holding_ = Holding::ByRules;
   comments_ = RegComments::Hidden;
@@ -176,7 +198,8 @@ void RegDocument::Reset(std::string_view title) {
   selected_ = root_.get();
   node_count_ = 1;
   paths_are_unique_ = true;
-  ++revision_;
+  NoteRevision();
+  ForgetSteps();
   observer_->AfterReset();
 }
 
@@ -185,18 +208,24 @@ void RegDocument::RenumberFrom(const RegNode* parent, std::size_t row) {
   for (; row < children.Count(); ++row) children.At(row)->row_ = static_cast<std::uint32_t>(row);
 }
 
-RegNode* RegDocument::MakeNode(RegNode* parent, std::string_view text, RegTag tag) {
+RegChildren& RegDocument::ChildrenOf(RegNode* parent) {
   if (parent->children_ == nullptr) {
     void* memory = lists_.allocate(sizeof(RegChildren), alignof(RegChildren));
     const RegLetters letters = holding_ == Holding::Whole ? RegLetters::AnyCase : RegLetters::Exact;
     parent->children_ = new (memory) RegChildren(&lists_, letters);
   }
+  return *parent->children_;
+}
+
+RegNode* RegDocument::MakeNode(RegNode* parent, std::string_view text, RegTag tag) {
+  ChildrenOf(parent);
   return new (nodes_.Take()) RegNode(parent, text, tag);
 }
 
 RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag) {
   RegNode* node = MakeNode(parent, text, tag);
   node->row_ = static_cast<std::uint32_t>(parent->children_->Count());
+  NoteRow(node, node->row_, RegChanges::ListChange::Kind::Added);
   parent->children_->Append(node);
   ++node_count_;
   return node;
@@ -204,20 +233,22 @@ RegNode* RegDocument::Append(RegNode* parent, std::string_view text, RegTag tag)
 
 void RegDocument::StartRun(RegNode* owner) {
   const auto run = static_cast<std::uint32_t>(runs_.size());
+  EditedNode(owner);
   if (owner->first_run_ == RegNode::kNoRun) {
     owner->first_run_ = run;
   } else {
-    runs_[owner->last_run_].next = run;
+    EditedRun(owner->last_run_).next = run;
   }
   owner->last_run_ = run;
   runs_.push_back({owner, static_cast<std::uint32_t>(values_.size()), 0, RegNode::kNoRun});
 }
 
 RegNode* RegDocument::Add(RegNode* parent, std::string_view text, RegTag tag) {
+  const Editing editing(*this, EditName::AddKey);
   NoteSibling(parent, text);
   observer_->BeforeInsert(*parent, parent->ChildCount());
   RegNode* node = Append(parent, texts_.Copy(text), tag);
-  ++revision_;
+  NoteRevision();
   observer_->AfterInsert();
   return node;
 }
@@ -260,7 +291,7 @@ std::vector<const RegNode*> RegDocument::NodesOfPath(std::string_view path) cons
 }
 
 void RegDocument::ValueHasChanged(std::size_t record) {
-  ++revision_;
+  NoteRevision();
   observer_->ValueChanged(record);
 }
 

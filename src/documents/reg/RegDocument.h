@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,113 +12,15 @@
 #include "base/NodePool.h"
 #include "base/TextStore.h"
 #include "base/TreeObserver.h"
+#include "documents/EditableDocument.h"
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
-#include "documents/reg/RegChildren.h"
+#include "documents/reg/RegChanges.h"
 #include "documents/reg/RegData.h"
+#include "documents/reg/RegNode.h"
 #include "documents/reg/RegSourceLine.h"
 
 namespace tme {
-
-/// Kind of a node. The last two are in whole documents alone.
-enum class RegTag : std::uint8_t {
-  File,
-  Hive,
-  Branch,
-  Deletion,  ///< [-path]: the key is deleted where the file is imported; stands beside the key of that name, if any
-  Comment,   ///< a comment line, where the user asks for them
-};
-constexpr bool IsKey(RegTag tag) { return tag <= RegTag::Branch; }
-
-/// Type of a value; None for a deleted record. In a whole document its form: in quotes, dword:, hex: with or without a
-/// type number; None for the deletion of a value ("name"=-).
-enum class RegType : std::uint8_t { None, String, Dword, Hex };
-
-/// What a type of value is in texts.
-struct RegTypeTraits {
-  RegType type;
-  std::string_view name;    ///< for people
-  std::string_view before;  ///< in a line of a file, from the quote behind the value's name to the data
-  std::string_view after;   ///< behind the data
-};
-/// By RegType.
-inline constexpr std::array<RegTypeTraits, 4> kRegTypes{{
-    {RegType::None, "", "\"=", ""},
-    {RegType::String, "REG_SZ", "\"=\"", "\""},
-    {RegType::Dword, "DWORD", "\"=dword:", ""},
-    {RegType::Hex, "HEX", "\"=hex:", ""},
-}};
-/// Those whose mark ("=dword:") a reader looks for in a line, in this order. A line without one is a string.
-inline constexpr std::span kMarkedRegTypes = std::span(kRegTypes).subspan<2>();
-
-constexpr const RegTypeTraits& TraitsOf(RegType type) { return kRegTypes[static_cast<std::size_t>(type)]; }
-
-/// The hives of a registry, in the order in which they are offered. Compared with regard to letter case.
-inline constexpr std::string_view HiveNames[] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",   "HKEY_LOCAL_MACHINE",
-                                                 "HKEY_USERS",        "HKEY_CURRENT_CONFIG", "HKEY_DYN_DATA"};
-bool IsHiveName(std::string_view text);
-
-/// One key of the tree. Nodes belong to their RegDocument and stay at one address; a removed node lives on unseen,
-/// since its values still count for saving.
-class RegNode {
- public:
-  /// The root: the document's title; a hive: its name; a branch: one component of the path. UTF-8; bytes that are not
-  /// valid UTF-8 pass through. A comment: its line without blanks at both ends.
-  std::string_view Text() const { return {text_, size_}; }
-  RegTag Tag() const { return tag_; }
-  /// Null for the root only.
-  RegNode* Parent() const { return parent_; }
-  /// Position among the parent's children, in order of creation, from 0.
-  int Row() const { return static_cast<int>(row_); }
-  int ChildCount() const { return children_ == nullptr ? 0 : static_cast<int>(children_->Count()); }
-  RegNode* Child(int row) const { return children_->At(static_cast<std::size_t>(row)); }
-  /// The path without the root ("HKEY_USERS\\Alpha\\Beta"); empty for the root. Costs a walk up the tree.
-  std::string KeyPath() const;
-
- private:
-  friend class RegDocument;
-  friend class RegValueIndex;
-
-  static constexpr std::uint32_t kNoRun = UINT32_MAX;
-
-  RegNode(RegNode* parent, std::string_view text, RegTag tag) : parent_(parent), tag_(tag) { SetTextView(text); }
-
-  void SetTextView(std::string_view text) {
-    text_ = text.data();
-    size_ = static_cast<std::uint32_t>(text.size());
-  }
-
-  /// In memory of the document.
-  const char* text_ = nullptr;
-  /// Kept when the node is removed.
-  RegNode* parent_;
-  /// In memory of the document; null until the first child comes.
-  RegChildren* children_ = nullptr;
-  std::uint32_t size_ = 0;
-  std::uint32_t row_ = 0;
-  /// The node's records, as a chain of runs of the document.
-  std::uint32_t first_run_ = kNoRun;
-  std::uint32_t last_run_ = kNoRun;
-  /// Whole holding. A key or deletion: the last of its header lines in the document's ring, 0 for none. A comment: its
-  /// piece.
-  std::uint32_t place_ = 0;
-  RegTag tag_;
-};
-
-/// One value of the flat table. Records are never removed or moved. A deleted one has no type, name and data by the
-/// rules, and keeps them in a whole document.
-struct RegValueRecord {
-  RegNode* owner = nullptr;
-  /// Without quotes; "[default]" for the default value. In a whole document unescaped, and empty for the default value.
-  std::string_view name;
-  /// As in the file, not decoded: text between the quotes, eight hexadecimal digits, or bytes separated by commas.
-  /// In a whole document all that stands behind "=", over several lines where it is wrapped: see DecodeAssignment.
-  std::string_view data;
-  RegType type = RegType::None;
-  bool deleted = false;
-  /// Whole holding: of Lines.
-  SourceLines::Piece piece = SourceLines::kEnds;
-};
 
 /// A key's or deletion's block of lines in a whole document.
 struct RegBlock {
@@ -146,6 +47,8 @@ class RegDocumentObserver : public TreeObserver<RegNode> {
   /// record: an index of RegDocument::Values.
   virtual void ValueAdded(std::size_t /*record*/) {}
   virtual void ValueChanged(std::size_t /*record*/) {}
+  /// Values came, went or changed, and not one by one. What is at an index, and whether it is one, is to be asked anew.
+  virtual void ValuesReset() {}
 };
 
 /// Whether comment lines are nodes of a whole document.
@@ -155,7 +58,7 @@ enum class RegComments : std::uint8_t { Hidden, Shown };
 /// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
 /// In whole holding the lines of the file are the truth; nodes and records show them, keys are found in any letter
 /// case, and those whose lines stand in several blocks are one node.
-class RegDocument {
+class RegDocument : public EditLog<RegChanges> {
  public:
   /// What readers fill a document with (RegDocumentLoad.h).
   class Load;
@@ -176,8 +79,6 @@ class RegDocument {
   void Select(RegNode* node) { selected_ = node == nullptr ? root_.get() : node; }
   /// Counts every node in the tree, the root included.
   std::size_t NodeCount() const { return node_count_; }
-  /// Grows with every change of content.
-  std::uint64_t Revision() const { return revision_; }
   /// The table, in order of creation.
   const std::vector<RegValueRecord>& Values() const { return values_; }
 
@@ -221,6 +122,9 @@ class RegDocument {
     }
   }
 
+  /// The root's text where it follows the file's name, which is no edit.
+  void SetTitle(std::string_view title);
+
   // Edits by the rules.
   // Texts are copied, and not checked; neither is whether there is such a child already.
   RegNode* AddHiveNode(std::string_view name);
@@ -234,12 +138,14 @@ class RegDocument {
   /// The record stays, marked. In whole holding its lines go but for comments between them, and a key of a REGEDIT file
   /// stays as a path alone.
   void DeleteValue(std::size_t record);
+  /// The name is copied, and not checked.
+  void RenameValue(std::size_t record, std::string_view name);
   /// Takes the node with its subtree out of the tree, but never the root. Its records stay. If the selected node goes
   /// too, its next sibling is selected, else the previous one, else the parent. There is no recursion.
   /// In whole holding its blocks go, with the blank lines behind them and the comments that touch their headers; a
   /// comment that touches the next header stays.
   void RemoveKey(RegNode* node);
-  /// Empties the document and gives it this title. It is held by the rules then.
+  /// Empties the document, forgets its steps and gives it this title. It is held by the rules then.
   void Reset(std::string_view title);
 
   // Edits of whole holding. Each changes its own lines alone. Texts are copied; names of keys are one component, and
@@ -254,7 +160,6 @@ class RegDocument {
   /// Replaces what stands behind "="; hex is wrapped here. Comments between the lines that go stand above the value
   /// then.
   void SetAssignment(std::size_t record, std::string_view assignment);
-  void RenameValue(std::size_t record, std::string_view name);
   /// Makes the value's line the deletion of that value. Not for REGEDIT.
   void WriteDeletion(std::size_t record);
   /// Makes a key's blocks and those below it one line that deletes the key, where the first of them stood, and the node
@@ -280,36 +185,52 @@ class RegDocument {
 
  private:
   friend class RegValueIndex;
-
-  /// Records that follow one another and have one owner. A file gives one run for nearly every key.
-  struct Run {
-    RegNode* owner;
-    std::uint32_t first;
-    std::uint32_t count;
-    /// The owner's next run, or RegNode::kNoRun.
-    std::uint32_t next;
-  };
+  class Editing;
+  enum class Turn : std::uint8_t { Back, Again };
 
   // Building, without telling the observer. Views must lie in texts_.
   RegNode* Append(RegNode* parent, std::string_view text, RegTag tag);
   void AppendRecord(RegNode* owner, RegType type, std::string_view name, std::string_view data) {
     if (runs_.empty() || runs_.back().owner != owner) StartRun(owner);
-    ++runs_.back().count;
+    ++EditedRun(runs_.size() - 1).count;
     values_.push_back({.owner = owner, .name = name, .data = data, .type = type});
   }
   void StartRun(RegNode* owner);
 
-  // Whole holding.
+  // Undo. What a step changes is noted in notes_ before; nothing where there is no step.
+  void Revert(RegChanges& changes) override { TurnChanges(changes, Turn::Back); }
+  void Reapply(RegChanges& changes) override { TurnChanges(changes, Turn::Again); }
+  void BeginNotes();
+  void EndNotes();
+  /// Must come before the node changes; where it stands is no part of it.
+  RegNode& EditedNode(RegNode* node);
+  RegValueRecord& EditedRecord(std::size_t record) { return Edited(values_, &RegChanges::records, record); }
+  RegRun& EditedRun(std::size_t run) { return Edited(runs_, &RegChanges::runs, run); }
+  RegHeader& EditedHeader(std::uint32_t header) { return Edited(headers_, &RegChanges::headers, header); }
+  template <class Row>
+  Row& Edited(std::vector<Row>& table, RegTableChanges<Row> RegChanges::*changes, std::size_t row) {
+    if (notes_ != nullptr) (notes_->*changes).Note(table, row);
+    return table[row];
+  }
+  /// Must come before the row comes or goes.
+  void NoteRow(RegNode* node, std::size_t row, RegChanges::ListChange::Kind kind);
+  void MarkDeleted(std::size_t record);
+  void TurnChanges(RegChanges& changes, Turn turn);
+  void TurnTables(RegChanges& changes, Turn turn);
+  void TurnNodes(std::vector<RegChanges::NodeChange>& nodes, Turn turn);
+  void TurnRows(const RegChanges& changes, Turn turn);
+  void TurnManyRows(const RegChanges& changes, Turn turn);
+  void TurnRun(std::vector<RegChanges::ListChange>& rows, RegChanges::ListChange::Kind kind);
+  /// The number of the arrangement of comments under which rows stand as they do.
+  std::uint64_t Arrangement() const { return comments_ == RegComments::Hidden ? 0 : arrangement_; }
+  RegNode* InTree(RegNode* node) const;
+  std::size_t CountBelow(const RegNode& node) const;
 
-  /// A header line, in two rings: of the file in its order, in which the first of the table is the ends, and of its
-  /// node, which has the number of the last one.
-  struct Header {
-    RegNode* node = nullptr;
-    SourceLines::Piece piece = SourceLines::kEnds;
-    std::uint32_t next = 0;
-    std::uint32_t previous = 0;
-    std::uint32_t next_of_node = 0;
-  };
+  // Rows of a parent, with all that follows from it but for the observer and the notes.
+  void PutRow(RegNode* node, std::size_t row);
+  void TakeRow(RegNode* node);
+
+  // Whole holding.
 
   void LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind);
   void UnlinkHeader(std::uint32_t header);
@@ -324,6 +245,7 @@ class RegDocument {
   SourceLines::Piece AddPairLine(RegNode* key, std::string_view assignment);
   bool PutAssignment(std::size_t record, std::string_view assignment);
   void ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string_view text);
+  void RenameInLine(std::size_t record, std::string_view name);
   void FollowPiece(std::size_t record);
   void DeleteValueLines(std::size_t record);
   void RemoveBlocks(const RegNode* node);
@@ -332,7 +254,10 @@ class RegDocument {
   RegNode* MakeNode(RegNode* parent, std::string_view text, RegTag tag);
   void MakeComments();
   RegNode* MakeComment(RegNode* parent, SourceLines::Piece piece);
+  RegNode* CommentAgain(RegNode* parent, SourceLines::Piece piece);
+  RegChildren& ChildrenOf(RegNode* parent);
   void DropComments();
+  std::size_t DropCommentsBelow(const RegNode& top);
   void AdoptComments(RegNode* parent, SourceLines::Piece first, SourceLines::Piece end);
   void GiveCommentsAway(RegNode* from, SourceLines::Piece below);
   std::size_t CommentRow(const RegNode& parent, SourceLines::Piece piece) const;
@@ -357,16 +282,40 @@ class RegDocument {
   std::unique_ptr<RegNode> root_;
   RegNode* selected_;
   std::vector<RegValueRecord> values_;
-  std::vector<Run> runs_;
+  std::vector<RegRun> runs_;
   std::size_t node_count_ = 1;
-  std::uint64_t revision_ = 0;
   Holding holding_ = Holding::ByRules;
   RegVersion version_ = RegVersion::Version5;
   RegComments comments_ = RegComments::Hidden;
+  /// Grows whenever comments come and go by themselves.
+  std::uint64_t arrangement_ = 0;
+  /// By piece: those that there were, and can be again.
+  std::vector<RegNode*> comment_of_piece_;
   SourceLines lines_{texts_};
-  std::vector<Header> headers_{Header{}};
+  std::vector<RegHeader> headers_{RegHeader{}};
   /// No two nodes have had one path so far: neither equal siblings nor texts with a backslash, which only edits make.
   bool paths_are_unique_ = true;
+  /// Null outside of edits.
+  RegChanges* notes_ = nullptr;
+};
+
+/// An edit: a step, or a part of one, that notes what it changes.
+class RegDocument::Editing {
+ public:
+  Editing(RegDocument& document, EditName name)
+      : step_(document, name), document_(document), is_inner_(document.notes_ != nullptr) {
+    document.BeginNotes();
+  }
+  ~Editing() {
+    if (!is_inner_) document_.EndNotes();
+  }
+  Editing(const Editing&) = delete;
+  Editing& operator=(const Editing&) = delete;
+
+ private:
+  const Step step_;
+  RegDocument& document_;
+  const bool is_inner_;
 };
 
 }  // namespace tme

@@ -32,17 +32,17 @@ SourceLines::Piece RegDocument::PieceOf(const RegNode* node) const {
 void RegDocument::LinkHeader(RegNode* node, SourceLines::Piece piece, std::uint32_t behind) {
   const auto header = static_cast<std::uint32_t>(headers_.size());
   headers_.push_back({node, piece, headers_[behind].next, behind, header});
-  headers_[headers_[header].next].previous = header;
-  headers_[behind].next = header;
-  if (node->place_ != 0) headers_[header].next_of_node = std::exchange(headers_[node->place_].next_of_node, header);
-  node->place_ = header;
+  EditedHeader(headers_[header].next).previous = header;
+  EditedHeader(behind).next = header;
+  if (node->place_ != 0) headers_[header].next_of_node = std::exchange(EditedHeader(node->place_).next_of_node, header);
+  EditedNode(node).place_ = header;
 }
 
 /// Takes it out of the file's ring alone: its node goes, too.
 void RegDocument::UnlinkHeader(std::uint32_t header) {
-  const Header& gone = headers_[header];
-  headers_[gone.previous].next = gone.next;
-  headers_[gone.next].previous = gone.previous;
+  const RegHeader& gone = headers_[header];
+  EditedHeader(gone.previous).next = gone.next;
+  EditedHeader(gone.next).previous = gone.previous;
 }
 
 /// The header of the last node that has one, from the node downwards, as the tree stands; 0 without.
@@ -65,7 +65,7 @@ SourceLines::Piece RegDocument::LeadOf(std::uint32_t header) const {
 
 /// The last piece of a block: what touches the next header is not of it.
 SourceLines::Piece RegDocument::TailOf(std::uint32_t header) const {
-  const Header& block = headers_[header];
+  const RegHeader& block = headers_[header];
   SourceLines::Piece tail = lines_.Previous(headers_[block.next].piece);
   if (block.next == 0) return tail;
   while (KindOf(tail) == RegPiece::Comment) tail = lines_.Previous(tail);
@@ -125,17 +125,16 @@ void RegDocument::RemoveBlocks(const RegNode* node) {
     std::uint32_t header = below.place_;
     do {
       header = headers_[header].next_of_node;
-      const Header& block = headers_[header];
+      const RegHeader& block = headers_[header];
       // Between two of these blocks all goes, and with the first of them.
       blocks.push_back({header, is_of_node(block.previous) ? block.piece : LeadOf(header),
                         is_of_node(block.next) ? lines_.Previous(headers_[block.next].piece) : TailOf(header)});
     } while (header != below.place_);
-    ForEachRecordOf(&below, [this](std::size_t record) { values_[record].deleted = true; });
+    ForEachRecordOf(&below, [this](std::size_t record) { MarkDeleted(record); });
     return true;
   });
   for (const auto& [header, first, last] : blocks) {
-    for (SourceLines::Piece piece = first; piece != last; piece = lines_.Next(piece)) lines_.Remove(piece);
-    lines_.Remove(last);
+    lines_.Remove(first, last);
     UnlinkHeader(header);
   }
 }

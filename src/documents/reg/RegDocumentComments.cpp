@@ -15,12 +15,6 @@ std::string_view CommentText(std::string_view line) {
   return line.substr(first, line.find_last_not_of(" \t\r\n") - first + 1);
 }
 
-std::size_t CommentCount(const RegNode& parent) {
-  int count = 0;
-  while (count < parent.ChildCount() && parent.Child(count)->Tag() == RegTag::Comment) ++count;
-  return static_cast<std::size_t>(count);
-}
-
 }  // namespace
 
 void RegDocument::ShowComments(RegComments comments) {
@@ -35,6 +29,7 @@ void RegDocument::ShowComments(RegComments comments) {
 }
 
 void RegDocument::MakeComments() {
+  ++arrangement_;
   std::unordered_map<RegNode*, std::vector<RegNode*>> found;
   std::uint32_t header = 0;
   // The comment lines just above.
@@ -47,7 +42,7 @@ void RegDocument::MakeComments() {
       block.push_back(piece);
     } else {
       RegNode* parent = header == 0 ? root_.get() : headers_[header].node;
-      for (const SourceLines::Piece comment : block) found[parent].push_back(MakeComment(parent, comment));
+      for (const SourceLines::Piece comment : block) found[parent].push_back(CommentAgain(parent, comment));
       block.clear();
     }
     if (piece == SourceLines::kEnds) break;
@@ -56,20 +51,32 @@ void RegDocument::MakeComments() {
   for (const auto& [parent, nodes] : found) {
     parent->children_->InsertFirst(nodes);
     RenumberFrom(parent, 0);
+    node_count_ += nodes.size();
   }
 }
 
 RegNode* RegDocument::MakeComment(RegNode* parent, SourceLines::Piece piece) {
   RegNode* node = MakeNode(parent, CommentText(lines_.Text(piece)), RegTag::Comment);
   node->place_ = piece;
-  ++node_count_;
+  if (comment_of_piece_.size() <= piece) comment_of_piece_.resize(lines_.PieceCount());
+  comment_of_piece_[piece] = node;
+  return node;
+}
+
+/// The node that the comment had before, if any.
+RegNode* RegDocument::CommentAgain(RegNode* parent, SourceLines::Piece piece) {
+  RegNode* node = piece < comment_of_piece_.size() ? comment_of_piece_[piece] : nullptr;
+  if (node == nullptr) return MakeComment(parent, piece);
+  ChildrenOf(parent);
+  node->parent_ = parent;
+  node->SetTextView(CommentText(lines_.Text(piece)));
   return node;
 }
 
 /// The row of a new comment among those of a key, which stand in the order of the file. Linear where there are any.
 std::size_t RegDocument::CommentRow(const RegNode& parent, SourceLines::Piece piece) const {
   std::unordered_map<SourceLines::Piece, std::size_t> rows;
-  for (std::size_t row = CommentCount(parent); row > 0; --row)
+  for (std::size_t row = parent.CommentCount(); row > 0; --row)
     rows[parent.Child(static_cast<int>(row - 1))->place_] = row;
   while (!rows.empty() && piece != SourceLines::kEnds) {
     piece = lines_.Previous(piece);
@@ -85,8 +92,8 @@ void RegDocument::AdoptComments(RegNode* parent, SourceLines::Piece first, Sourc
   for (SourceLines::Piece piece = first; piece != end; piece = lines_.Next(piece), ++row) {
     observer_->BeforeInsert(*parent, static_cast<int>(row));
     RegNode* node = MakeComment(parent, piece);
-    parent->children_->Insert(row, node);
-    RenumberFrom(parent, row);
+    NoteRow(node, row, RegChanges::ListChange::Kind::Added);
+    PutRow(node, row);
     observer_->AfterInsert();
   }
 }
@@ -104,13 +111,12 @@ void RegDocument::GiveCommentsAway(RegNode* from, SourceLines::Piece below) {
   const SourceLines::Piece lead = LeadOf(next);
   std::unordered_set<SourceLines::Piece> block;
   for (SourceLines::Piece piece = lead; piece != below; piece = lines_.Next(piece)) block.insert(piece);
-  for (std::size_t row = CommentCount(*from); row > 0; --row) {
-    const RegNode* node = from->Child(static_cast<int>(row - 1));
+  for (std::size_t row = from->CommentCount(); row > 0; --row) {
+    RegNode* node = from->Child(static_cast<int>(row - 1));
     if (!block.contains(node->place_)) continue;
     observer_->BeforeRemove(*node);
-    from->children_->Erase(row - 1);
-    RenumberFrom(from, row - 1);
-    --node_count_;
+    NoteRow(node, row - 1, RegChanges::ListChange::Kind::Removed);
+    TakeRow(node);
     const bool selection_moves = selected_ == node;
     if (selection_moves) selected_ = from;
     observer_->AfterRemove();
@@ -120,18 +126,26 @@ void RegDocument::GiveCommentsAway(RegNode* from, SourceLines::Piece below) {
 }
 
 void RegDocument::DropComments() {
+  ++arrangement_;
   if (selected_->tag_ == RegTag::Comment) selected_ = selected_->parent_;
+  node_count_ -= DropCommentsBelow(*root_);
+}
+
+/// Returns how many there were.
+std::size_t RegDocument::DropCommentsBelow(const RegNode& top) {
   std::vector<const RegNode*> parents;
-  WalkKeys(*root_, [&parents](const RegNode& node) {
-    if (CommentCount(node) > 0) parents.push_back(&node);
+  WalkKeys(top, [&parents](const RegNode& node) {
+    if (node.CommentCount() > 0) parents.push_back(&node);
     return true;
   });
+  std::size_t dropped = 0;
   for (const RegNode* parent : parents) {
-    const std::size_t count = CommentCount(*parent);
+    const std::size_t count = parent->CommentCount();
     parent->children_->EraseFirst(count);
     RenumberFrom(parent, 0);
-    node_count_ -= count;
+    dropped += count;
   }
+  return dropped;
 }
 
 }  // namespace tme

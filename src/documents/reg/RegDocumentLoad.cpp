@@ -18,7 +18,7 @@ RegDocument::Load::~Load() {
   document_.Select(document_.Root());
   if (document_.NodeCount() != first_nodes_ || document_.Values().size() != first_values_ ||
       document_.lines_.First() != SourceLines::kEnds) {
-    ++document_.revision_;
+    document_.NoteRevision();
   } else {
     document_.texts_.GiveBackLast();
   }

@@ -229,11 +229,14 @@ RegPasteResult RegDocument::Paste(RegNode* key, std::string_view text, const Reg
          (source.KindOf(taken) == RegPiece::Blank || source.KindOf(taken) == RegPiece::FileHeader))
     taken = source.lines_.Next(taken);
   if (taken == SourceLines::kEnds) return result;
+  const Editing editing(*this, EditName::Paste);
+  const std::size_t headers = headers_.size();
   observer_->BeforeReset();
   if (comments_ == RegComments::Shown) DropComments();
   Pasting(*this, key, source, coding, result).Run();
   if (comments_ == RegComments::Shown) MakeComments();
-  ++revision_;
+  const bool has_any = headers_.size() > headers || result.values + result.comments + result.not_understood > 0;
+  if (has_any) NoteRevision();
   observer_->AfterReset();
   return result;
 }

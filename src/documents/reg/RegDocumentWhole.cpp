@@ -54,15 +54,17 @@ RegSpan ComponentOf(std::string_view path, int level) {
 }  // namespace
 
 RegNode* RegDocument::AddKey(RegNode* parent, std::string_view name) {
+  const Editing editing(*this, EditName::AddKey);
   observer_->BeforeInsert(*parent, parent->ChildCount());
   RegNode* node = Append(parent, texts_.Copy(name), parent == root_.get() ? RegTag::Hive : RegTag::Branch);
   AddHeaderLine(node);
-  ++revision_;
+  NoteRevision();
   observer_->AfterInsert();
   return node;
 }
 
 std::size_t RegDocument::AddValue(RegNode* key, std::string_view name, std::string_view assignment) {
+  const Editing editing(*this, EditName::AddValue);
   if (key->place_ == 0) AddHeaderLine(key);
   const bool is_pair = version_ == RegVersion::Regedit;
   const SourceLines::Piece piece = is_pair ? AddPairLine(key, assignment) : AddValueLine(key, name, assignment);
@@ -70,7 +72,7 @@ std::size_t RegDocument::AddValue(RegNode* key, std::string_view name, std::stri
   AppendRecord(key, RegType::None, texts_.Copy(is_pair ? "" : name), texts_.Copy(assignment));
   values_[record].piece = piece;
   FollowPiece(record);
-  ++revision_;
+  NoteRevision();
   observer_->ValueAdded(record);
   return record;
 }
@@ -108,6 +110,7 @@ SourceLines::Piece RegDocument::AddPairLine(RegNode* key, std::string_view assig
 }
 
 void RegDocument::SetAssignment(std::size_t record, std::string_view assignment) {
+  const Editing editing(*this, EditName::Edit);
   const RegValueRecord& value = values_[record];
   const SourceLines::Piece above = lines_.Previous(value.piece);
   if (!PutAssignment(record, assignment)) return;
@@ -127,6 +130,7 @@ bool RegDocument::PutAssignment(std::size_t record, std::string_view assignment)
                                   : WrapAssignment(text.substr(0, place->assignment.at), assignment, end);
   if (place->assignment.Of(text) == wrapped) return false;
   KeepComments(piece, place->assignment.Of(text));
+  if (wrapped == place->assignment.Of(text)) return false;
   ReplaceIn(piece, place->assignment, wrapped);
   FollowPiece(record);
   return true;
@@ -139,28 +143,35 @@ void RegDocument::KeepComments(SourceLines::Piece piece, std::string_view assign
     lines_.InsertBehind(lines_.Previous(piece), comment, static_cast<std::uint8_t>(RegPiece::Comment));
 }
 
-void RegDocument::RenameValue(std::size_t record, std::string_view name) {
-  RegValueRecord& value = values_[record];
-  const std::optional<RegValuePlace> place = PlaceIn(lines_.Text(value.piece), KindOf(value.piece));
-  if (value.name == name || !place || KindOf(value.piece) == RegPiece::Pair) return;
-  ReplaceIn(value.piece, place->name, QuotedRegName(name));
-  value.name = texts_.Copy(name);
+void RegDocument::RenameInLine(std::size_t record, std::string_view name) {
+  const SourceLines::Piece piece = values_[record].piece;
+  const std::optional<RegValuePlace> place = PlaceIn(lines_.Text(piece), KindOf(piece));
+  if (!place || KindOf(piece) == RegPiece::Pair) return;
+  const Editing editing(*this, EditName::Rename);
+  ReplaceIn(piece, place->name, QuotedRegName(name));
+  EditedRecord(record).name = texts_.Copy(name);
   FollowPiece(record);
   ValueHasChanged(record);
 }
 
-void RegDocument::WriteDeletion(std::size_t record) { SetAssignment(record, "-"); }
+void RegDocument::WriteDeletion(std::size_t record) {
+  const Editing editing(*this, EditName::WriteDeletion);
+  SetAssignment(record, "-");
+}
 
 void RegDocument::SetLineEnds(LineEnds ends) {
   if (lines_.UsedLineEnds() == ends || ends == LineEnds::Mixed) return;
+  const Editing editing(*this, EditName::ChangeLineEnds);
   lines_.SetLineEnds(ends);
   for (std::size_t record = 0; record < values_.size(); ++record)
     if (!values_[record].deleted) FollowPiece(record);
-  ++revision_;
+  NoteRevision();
 }
 
 void RegDocument::DeleteValueLines(std::size_t record) {
   const RegValueRecord& value = values_[record];
+  if (value.deleted) return;
+  const Editing editing(*this, EditName::DeleteValue);
   const SourceLines::Piece piece = value.piece;
   if (KindOf(piece) == RegPiece::Pair) {
     const std::string_view line = FirstLineOf(lines_.Text(piece));
@@ -175,11 +186,12 @@ void RegDocument::DeleteValueLines(std::size_t record) {
     if (kept != piece) AdoptComments(value.owner, kept, lines_.Next(piece));
     GiveCommentsAway(value.owner, lines_.Next(piece));
   }
-  values_[record].deleted = true;
+  MarkDeleted(record);
   ValueHasChanged(record);
 }
 
 RegNode* RegDocument::WriteDeletion(RegNode* key) {
+  const Editing editing(*this, EditName::WriteDeletion);
   std::uint32_t first = headers_[0].next;
   while (first != 0 && !IsOfNode(headers_[first].node, key)) first = headers_[first].next;
   const SourceLines::Piece above = first == 0 ? lines_.Last() : lines_.Previous(headers_[first].piece);
@@ -191,9 +203,8 @@ RegNode* RegDocument::WriteDeletion(RegNode* key) {
   RegNode* parent = key->parent_;
   observer_->BeforeInsert(*parent, key->Row());
   RegNode* deletion = MakeNode(parent, key->Text(), RegTag::Deletion);
-  parent->children_->Insert(key->row_, deletion);
-  RenumberFrom(parent, key->row_);
-  ++node_count_;
+  NoteRow(deletion, key->row_, RegChanges::ListChange::Kind::Added);
+  PutRow(deletion, key->row_);
   LinkHeader(deletion, piece, first == 0 ? headers_[0].previous : headers_[first].previous);
   observer_->AfterInsert();
   AdoptComments(deletion, LeadOf(deletion->place_), piece);
@@ -207,6 +218,7 @@ RegNode* RegDocument::WriteDeletion(RegNode* key) {
 
 void RegDocument::RenameKey(RegNode* key, std::string_view name) {
   if (key->Text() == name) return;
+  const Editing editing(*this, EditName::Rename);
   const int level = LevelOf(key);
   WalkKeys(*key, [&](const RegNode& node) {
     if (node.tag_ == RegTag::Comment || node.place_ == 0) return true;
@@ -223,19 +235,20 @@ void RegDocument::RenameKey(RegNode* key, std::string_view name) {
     } while (header != node.place_);
     return true;
   });
-  ++revision_;
+  NoteRevision();
   key->parent_->children_->ForgetTexts();
-  key->SetTextView(texts_.Copy(name));
+  EditedNode(key).SetTextView(texts_.Copy(name));
   observer_->TextChanged(*key);
 }
 
 void RegDocument::SetComment(RegNode* comment, std::string_view text) {
   if (comment->Text() == text) return;
+  const Editing editing(*this, EditName::Edit);
   const std::string_view line = lines_.Text(comment->place_);
   const std::size_t first = FirstText(line);
   ReplaceIn(comment->place_, {first, comment->Text().size()}, text);
-  comment->SetTextView(texts_.Copy(text));
-  ++revision_;
+  EditedNode(comment).SetTextView(texts_.Copy(text));
+  NoteRevision();
   observer_->TextChanged(*comment);
 }
 
@@ -246,12 +259,13 @@ void RegDocument::ReplaceIn(SourceLines::Piece piece, RegSpan place, std::string
 
 /// A record shows what its piece says.
 void RegDocument::FollowPiece(std::size_t record) {
-  RegValueRecord& value = values_[record];
-  const std::string_view text = lines_.Text(value.piece);
-  const std::optional<RegValuePlace> place = PlaceIn(text, KindOf(value.piece));
-  if (!place) return;
+  const RegPiece kind = KindOf(values_[record].piece);
+  const std::string_view text = lines_.Text(values_[record].piece);
+  const std::optional<RegValuePlace> place = PlaceIn(text, kind);
+  if (!place || place->assignment.Of(text).data() == values_[record].data.data()) return;
+  RegValueRecord& value = EditedRecord(record);
   value.data = place->assignment.Of(text);
-  value.type = TypeOf(value.data, KindOf(value.piece));
+  value.type = TypeOf(value.data, kind);
 }
 
 }  // namespace tme

@@ -5,7 +5,7 @@ namespace tme {
 RegValueIndex::RegValueIndex(const RegDocument& document) : document_(document) {
   runs_.reserve(document.runs_.size());
   group_of_text_.Reset(document.runs_.size());
-  for (const RegDocument::Run& records : document.runs_) {
+  for (const RegRun& records : document.runs_) {
     const auto run = static_cast<std::uint32_t>(runs_.size());
     const auto new_group = static_cast<std::uint32_t>(groups_.size());
     const std::uint32_t group = group_of_text_.FindOrEnter(records.owner->Text(), new_group, TextOfGroup());

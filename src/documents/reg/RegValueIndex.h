@@ -26,7 +26,7 @@ class RegValueIndex {
   template <typename Visit>
   void ForEachRecord(std::uint32_t group, Visit visit) const {
     for (std::uint32_t run = groups_[group].first_run; run != RegNode::kNoRun; run = runs_[run].next) {
-      const RegDocument::Run& records = document_.runs_[run];
+      const RegRun& records = document_.runs_[run];
       for (std::uint32_t i = 0; i < records.count; ++i) visit(document_.values_[records.first + i]);
     }
   }
@@ -35,7 +35,7 @@ class RegValueIndex {
   template <typename Visit>
   void ForEachRecord(Visit visit) const {
     for (std::uint32_t run = 0; run < runs_.size(); ++run) {
-      const RegDocument::Run& records = document_.runs_[run];
+      const RegRun& records = document_.runs_[run];
       for (std::uint32_t i = 0; i < records.count; ++i) visit(runs_[run].group, document_.values_[records.first + i]);
     }
   }

@@ -103,7 +103,7 @@ form_REG::SaveOutcome form_REG::ConfirmWrite(const SaveRequest& request) {
 
 void form_REG::TitleChanged(const QString& before) {
   // A root that the user renamed keeps that text.
-  if (TextOf(document_.Root()->Text()) == before) document_.SetText(document_.Root(), file_.Title().toStdString());
+  if (TextOf(document_.Root()->Text()) == before) document_.SetTitle(file_.Title().toStdString());
   MarkUnmodified();
 }
 
