@@ -45,7 +45,7 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     DocumentKind kind;
   } kinds[] = {{"File Edit View Tools Window Help", 17, DocumentKind::Ini},
                {"File Edit View Tools Window Help", 13, DocumentKind::Reg},
-               {"File Edit Search Tools Window Help", 15, DocumentKind::Txt},
+               {"File Edit Search View Tools Window Help", 16, DocumentKind::Txt},
                {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {
     SCOPED_TRACE(NameOf(expected.kind));

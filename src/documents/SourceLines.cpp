@@ -31,28 +31,22 @@ void ForEachLine(std::string_view lines, Visit visit) {
   }
 }
 
-LineEnds LineEndsOf(std::string_view end) {
-  if (end == kUsualLineEnd) return LineEnds::CrLf;
-  return end == "\n" ? LineEnds::Lf : LineEnds::Mixed;
-}
-
-/// What the lines of a text end in; null without a line end.
-std::optional<LineEnds> LineEndsIn(std::string_view lines) {
-  std::optional<LineEnds> used;
-  ForEachLine(lines, [&used](std::string_view, std::string_view end) {
-    if (end.empty()) return;
-    const LineEnds ends = LineEndsOf(end);
-    used = used.value_or(ends) == ends ? ends : LineEnds::Mixed;
-  });
-  return used;
-}
-
 }  // namespace
 
 std::string_view LineEndOf(std::string_view lines) {
   if (lines.ends_with(kUsualLineEnd)) return lines.substr(lines.size() - 2);
   const bool has_end = lines.ends_with('\n') || lines.ends_with('\r');
   return lines.substr(lines.size() - (has_end ? 1 : 0));
+}
+
+std::optional<LineEnds> UsedLineEndsIn(std::string_view lines) {
+  constexpr auto kNone = std::string_view::npos;
+  if (lines.find('\r') == kNone) return lines.find('\n') == kNone ? std::nullopt : std::optional(LineEnds::Lf);
+  for (std::size_t at = lines.find('\r'); at != kNone; at = lines.find('\r', at + 1))
+    if (!lines.substr(at).starts_with(kUsualLineEnd)) return LineEnds::Mixed;
+  for (std::size_t at = lines.find('\n'); at != kNone; at = lines.find('\n', at + 1))
+    if (at == 0 || lines[at - 1] != '\r') return LineEnds::Mixed;
+  return LineEnds::CrLf;
 }
 
 void SourceLines::Clear() { pieces_.assign(1, {.text = "", .size = 0, .next = kEnds, .previous = kEnds, .kind = 0}); }
@@ -121,7 +115,7 @@ bool SourceLines::Write(const PartSink& sink) const {
 LineEnds SourceLines::UsedLineEnds() const {
   std::optional<LineEnds> used;
   for (Piece at = First(); at != kEnds && used != LineEnds::Mixed; at = Next(at))
-    if (const std::optional<LineEnds> ends = LineEndsIn(Text(at)))
+    if (const std::optional<LineEnds> ends = UsedLineEndsIn(Text(at)))
       used = used.value_or(*ends) == *ends ? ends : LineEnds::Mixed;
   return used.value_or(LineEnds::CrLf);
 }
@@ -131,7 +125,7 @@ void SourceLines::SetLineEnds(LineEnds ends) {
   const std::string_view new_end = ends == LineEnds::CrLf ? kUsualLineEnd : "\n";
   std::string changed;
   for (Piece at = First(); at != kEnds; at = Next(at)) {
-    if (LineEndsIn(Text(at)).value_or(ends) == ends) continue;
+    if (UsedLineEndsIn(Text(at)).value_or(ends) == ends) continue;
     changed.clear();
     ForEachLine(Text(at), [&](std::string_view line, std::string_view end) {
       changed.append(line).append(end.empty() ? end : new_end);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -118,5 +119,8 @@ class SourceLines::Changes {
 
 /// The line end of the last line of a text: CR LF, LF, CR, or nothing.
 std::string_view LineEndOf(std::string_view lines);
+
+/// What the lines of a text end in; null without a line end. Linear.
+std::optional<LineEnds> UsedLineEndsIn(std::string_view lines);
 
 }  // namespace tme

@@ -1,6 +1,7 @@
 #include "shell/DocumentWindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
@@ -17,6 +18,7 @@
 #include "shell/PlainText.h"
 #include "shell/RecentFiles.h"
 #include "shell/RecoverySnapshots.h"
+#include "shell/StatusLine.h"
 #include "shell/mdform_TMEditor.h"
 #include "system/Dialogs.h"
 
@@ -25,7 +27,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 
 DocumentWindow::DocumentWindow(Global& global, DocumentKind kind, int slot)
-    : global_(global), file_(kind, global.history), slot_number_(slot) {}
+    : global_(global), file_(kind, global.history), slot_number_(slot), figures_([this] { StateChanged(); }) {}
 
 QMdiSubWindow* DocumentWindow::SubWindow() const { return qobject_cast<QMdiSubWindow*>(parentWidget()); }
 
@@ -33,6 +35,7 @@ void DocumentWindow::Form_Activate() {
   global_.area.SetActiveDocument(this);
   global_.menus.RefreshMenus(Kind());
   UpdateCommands();
+  StateChanged();
   CheckDisk();
   global_.frame.TellSettingsFailure();
 }
@@ -50,13 +53,18 @@ void DocumentWindow::TakeSlot() {
     auto* focus_notice = new QShortcut(u"F6"_s, this);
     for (QShortcut* key : {close_notice, focus_notice}) key->setContext(Qt::WidgetWithChildrenShortcut);
     connect(close_notice, &QShortcut::activated, notice_bar_, &NoticeBar::Clear);
-    connect(focus_notice, &QShortcut::activated, notice_bar_, &NoticeBar::FocusFirst);
+    connect(focus_notice, &QShortcut::activated, this, [this] {
+      const bool is_there = notice_bar_->isAncestorOf(QApplication::focusWidget());
+      if (is_there || !notice_bar_->FocusFirst()) global_.status.FocusFirst();
+    });
     auto* client = new QWidget(this);
     client->setObjectName(u"client"_s);
     layout_->addWidget(client, 1);
     BuildControls(*client);
   }
   notice_bar_->Clear();
+  figures_.Forget();
+  misfit_.clear();
   UpdateCaption();
 }
 
@@ -104,6 +112,7 @@ void DocumentWindow::ReleaseSlot() {
   file_.Clear();
   if (QWidget* sub_window = SubWindow()) sub_window->hide();
   global_.area.DocumentClosed(this);
+  StateChanged();
 }
 
 void DocumentWindow::MarkUnmodified() {
@@ -138,7 +147,10 @@ void DocumentWindow::SetChanged(bool changed) {
 
 QString DocumentWindow::Caption() const { return file_.IsChanged() ? file_.Title() + u" [CHANGED]"_s : file_.Title(); }
 
-void DocumentWindow::UpdateCaption() { setWindowTitle(CaptionText(Caption())); }
+void DocumentWindow::UpdateCaption() {
+  setWindowTitle(CaptionText(Caption()));
+  StateChanged();
+}
 
 void DocumentWindow::AddNotice(const QString& sentence, std::vector<NoticeAction> actions, NoticeLife life) {
   notice_bar_->Add(sentence, std::move(actions), life);

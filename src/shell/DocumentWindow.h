@@ -4,7 +4,9 @@
 #include <optional>
 
 #include "shell/DocumentFile.h"
+#include "shell/DocumentState.h"
 #include "shell/NoticeBar.h"
+#include "shell/QuietFigure.h"
 #include "shell/SaveDialog.h"
 
 class QMdiSubWindow;
@@ -81,6 +83,16 @@ class DocumentWindow : public QWidget {
   /// Says it when the file was changed on the disk after this document was read from it or written to it.
   void CheckDisk();
 
+  /// What the status line says of the document, in no more time than a key press has.
+  DocumentState State();
+  /// The file is written in another encoding from now on, which is a step of undo. Where the encoding does not hold the
+  /// text, a notice says so and nothing changes.
+  void ChangeEncoding(TextEncoding encoding);
+  /// Gives all lines this end, which is a step of undo. Nothing for a kind whose line ends stay, and for Mixed.
+  virtual void ChangeLineEnds(LineEnds /*ends*/) {}
+  /// line: 1 to DocumentState::Place::lines.
+  virtual void GoToLine(std::int64_t /*line*/) {}
+
   /// The window became the active one: the shell's commands go to it from now on.
   void Form_Activate();
   void ShowReadFailure(const QString& path, const FileFailure& failure);
@@ -127,6 +139,21 @@ class DocumentWindow : public QWidget {
   void MarkUnmodified();
   /// The changed flag and its marker at the end of the caption.
   void SetChanged(bool changed);
+
+  /// Something that State tells may be another; to be called as often as that happens.
+  void StateChanged();
+  /// Adds what the kind knows.
+  virtual void AddState(DocumentState&) const {}
+  /// The same for what takes time in proportion to the document.
+  virtual DocumentFigures Figures() const { return {}; }
+  /// A step of undo that was done already: what takes it back and makes it again. The document is changed.
+  virtual void AddFormatStep(std::function<void()> /*undo*/, std::function<void()> /*redo*/) {}
+  /// All characters of the document in lines, in time in proportion to it.
+  virtual PartProducer Characters() { return Producer(); }
+  /// Which line of the document has a character that the encoding has no place for, for people; empty for none.
+  QString UnfitLine(const TextFormat& format);
+  /// Why the document cannot be written in a format, for people; empty when it can.
+  QString MisfitOf(const TextFormat& format);
 
   /// A button that opens File History at this document's file.
   NoticeAction FileHistoryButton();
@@ -185,11 +212,15 @@ class DocumentWindow : public QWidget {
   /// cancelled.
   bool ConfirmClose();
   void AddEncodingNotice(const TextFormat& before, const TextFormat& after);
+  void PutFormat(const TextFormat& format);
 
   const int slot_number_;
   bool is_open_ = false;
   QVBoxLayout* layout_ = nullptr;
   NoticeBar* notice_bar_ = nullptr;
+  QuietFigure<DocumentFigures> figures_;
+  /// What a notice says of the encoding that was chosen last.
+  QString misfit_;
 };
 
 }  // namespace tme

@@ -18,6 +18,7 @@ class RecentFiles;
 class RegistryAccess;
 class RecoverySnapshots;
 class ShellUtilities;
+class StatusLine;
 class mdform_TMEditor;
 
 /// The ways to the system and to the disk. Startup makes them (or a test, with stand-ins) before the frame, and they
@@ -43,6 +44,7 @@ struct Global : Services {
   GlobalMenus& menus;
   RecentFiles& recent_files;
   RecoverySnapshots& snapshots;
+  StatusLine& status;
 };
 
 /// Title of the program's own messages.

@@ -144,6 +144,7 @@ constexpr std::array kRows{
     Row{"menu_Search", "menu_SearchAgain", QT_TR_NOOP("Find &Again"), kTxt, "SearchAgain", "search-again", "F3"},
     Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kPads, "SearchReplace", "search-replace",
         "Ctrl+H"},
+    Row{"menu_Search", "menu_SearchGoToLine", QT_TR_NOOP("&Go to Line..."), kTxt, nullptr, nullptr, "Ctrl+G"},
 
     OpenMenu("", "menu_Format", QT_TR_NOOP("&Format")),
     Row{"menu_Format", "menu_FormatFont", QT_TR_NOOP("&Font"), kRtf, "FormatFont", "format-font"},
@@ -159,6 +160,7 @@ constexpr std::array kRows{
     Separator("menu_View"),
     Row{"menu_View", "menu_ViewExpandAll", QT_TR_NOOP("&Expand All"), kIni, "ExpandAll"},
     Row{"menu_View", "menu_ViewCollaspeAlll", QT_TR_NOOP("&Collapse All"), kIni, "CollapseAll"},
+    Row{"menu_View", "menu_ViewLineNumbers", QT_TR_NOOP("&Line Numbers"), kTxt, "ViewLineNumbers"},
     Row{"menu_View", "menu_ViewSortByName", QT_TR_NOOP("&Sort by Name"), kIni, "SortByName"},
 
     OpenMenu("", "menu_Tools", QT_TR_NOOP("&Tools")),

@@ -157,9 +157,13 @@ QString NoticeBar::Text() const {
   return sentences.join(u' ');
 }
 
-void NoticeBar::FocusFirst() {
-  for (QWidget* control : findChildren<QWidget*>())
-    if (control->isVisible() && (control->focusPolicy() & Qt::TabFocus)) return control->setFocus(Qt::TabFocusReason);
+bool NoticeBar::FocusFirst() {
+  for (QWidget* control : findChildren<QWidget*>()) {
+    if (!control->isVisible() || !(control->focusPolicy() & Qt::TabFocus)) continue;
+    control->setFocus(Qt::TabFocusReason);
+    return true;
+  }
+  return false;
 }
 
 void NoticeBar::Arrange() {

@@ -47,8 +47,9 @@ class NoticeBar : public QFrame {
   void EndUntilSave();
   const std::vector<Notice>& Notices() const { return notices_; }
   QString Text() const;
-  /// Puts the focus on the first button that shows, since areas that take the Tab leave no other way to it.
-  void FocusFirst();
+  /// Puts the focus on the first button that shows, since areas that take the Tab leave no other way to it. False when
+  /// there is none.
+  bool FocusFirst();
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

@@ -32,6 +32,8 @@ struct Settings {
   bool reg_whole = false;
   /// Of all text and rich-text windows.
   bool word_wrap = false;
+  /// Of all text windows.
+  bool line_numbers = false;
   /// Minutes, 0 to 99; 0 is off.
   int auto_save_period = 0;
   QString font_name = QStringLiteral("Courier");
@@ -63,6 +65,7 @@ inline constexpr std::array kFlags{
     Flag{&Settings::start_editors_max, "Start Editors Max"},
     Flag{&Settings::multi_select, "MultiSelect"},
     Flag{&Settings::word_wrap, "Word Wrap"},
+    Flag{&Settings::line_numbers, "Line Numbers", &kTxtKey},
     Flag{&Settings::ini_whole, "Whole File", &kIniKey},
     Flag{&Settings::reg_whole, "Whole File", &kRegKey},
 };

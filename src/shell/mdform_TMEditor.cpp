@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QPrinter>
 #include <QShortcut>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <array>
@@ -19,6 +20,7 @@
 #include "shell/DocumentWindow.h"
 #include "shell/OS_SendMessage.h"
 #include "shell/OpenDispatch.h"
+#include "shell/StatusLine.h"
 #include "shell/Tools.h"
 #include "shell/WindowMenu.h"
 #include "system/CommonDialog.h"
@@ -33,14 +35,13 @@ using namespace Qt::StringLiterals;
 namespace tme {
 mdform_TMEditor::mdform_TMEditor(const Services& services, WindowFactory make_window)
     : make_window_(std::move(make_window)),
-      menus_(*menuBar(),
-             [this](const QByteArray& command) {
-               if (DocumentWindow* active = area_.ActiveDocument()) SendCommand(global_, *active, command);
-             }),
+      menus_(*menuBar(), [this](const QByteArray& command) { Send(command); }),
       menu_keys_(*menuBar()),
       area_(*new DocumentArea(menus_, settings_, this)),
+      status_(*new StatusLine(*statusBar(), {[this] { return area_.ActiveDocument(); },
+                                             [this](const QByteArray& command) { Send(command); }})),
       recent_files_(services, menus_, [this](const QString& path) { OpenFileByName(global_, path); }),
-      global_{services, settings_, documents_, *this, area_, menus_, recent_files_, snapshots_},
+      global_{services, settings_, documents_, *this, area_, menus_, recent_files_, snapshots_, status_},
       snapshots_(global_),
       pruning_(global_),
       auto_save_(global_),
@@ -54,6 +55,10 @@ mdform_TMEditor::mdform_TMEditor(const Services& services, WindowFactory make_wi
   setCentralWidget(&area_);
   menuBar()->setObjectName(u"menu_bar"_s);
   menuBar()->setAccessibleName(tr("Menu bar"));
+}
+
+void mdform_TMEditor::Send(const QByteArray& command) {
+  if (DocumentWindow* active = area_.ActiveDocument()) SendCommand(global_, *active, command);
 }
 
 mdform_TMEditor::~mdform_TMEditor() {
@@ -147,6 +152,7 @@ void mdform_TMEditor::BindItems() {
     menus_.Handle("menu_mru" + QByteArray::number(index), [this, index] { recent_files_.OpenRecentFile(index); });
   BindTools(global_);
   menus_.SetHidden(u"menu_FileSaveForm"_s, true);  // until the active document is held whole
+  menus_.Handle("menu_SearchGoToLine", [this] { status_.AskForLine(); });
   menus_.Handle("menu_FilePrint", [this] { PrintActiveDocument(); });
   BindWindowItems();
 }

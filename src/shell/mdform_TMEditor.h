@@ -17,6 +17,7 @@
 namespace tme {
 
 class DocumentWindow;
+class StatusLine;
 
 /// The frame: owns the parts of the shell and the document windows, and the order of start-up and shutdown.
 class mdform_TMEditor : public QMainWindow {
@@ -66,6 +67,8 @@ class mdform_TMEditor : public QMainWindow {
  private:
   enum class Leaving : std::uint8_t { No, Asks, Done };
 
+  /// To the active document.
+  void Send(const QByteArray& command);
   void BindItems();
   void BindWindowItems();
   void ReadSettings();
@@ -83,6 +86,7 @@ class mdform_TMEditor : public QMainWindow {
   GlobalMenus menus_;
   MenuKeys menu_keys_;
   DocumentArea& area_;
+  StatusLine& status_;
   RecentFiles recent_files_;
   /// Some of the parts that it refers to begin to live after it.
   Global global_;

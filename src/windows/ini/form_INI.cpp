@@ -72,6 +72,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   TV->addScrollBarWidget(MakeBadge(TV), Qt::AlignRight);
   TV->setModel(model_.get());
+  WatchState(*TV);
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 

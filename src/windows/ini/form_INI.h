@@ -61,6 +61,8 @@ class form_INI : public TreeDocumentWindow {
   void SetLineEnds(LineEnds ends) override { tree_.SetLineEnds(ends); }
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
+  void AddState(DocumentState& state) const override;
+  DocumentFigures Figures() const override;
   SaveDialogTexts SaveTexts() const override;
   SaveOutcome WriteTo(QString& path, const SaveRequest& request) override;
   TextFormat FormatToWrite() const override;

@@ -85,6 +85,8 @@ void form_REG::BuildControls(QWidget& client) {
   PB2->setMaximum(kStages);
   status->addWidget(MakeBadge(&client));
   column->addLayout(status);
+  WatchState(*TV);
+  WatchState(*LV);
   new ViewZoom({TV, LV}, this);
   setFocusProxy(TV);
 }
@@ -235,10 +237,7 @@ void form_REG::ShowKey() {
   SetFocusMarker(Focus::TV);
 }
 
-void form_REG::ShowPath() {
-  const RegNode* node = document_.Selected();
-  SetLocation(QString::fromStdString((node->Tag() == RegTag::Comment ? node->Parent() : node)->KeyPath()));
-}
+void form_REG::ShowPath() { SetLocation(SelectedPath()); }
 
 void form_REG::SetLocation(const QString& text) {
   location_ = text;

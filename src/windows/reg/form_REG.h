@@ -86,6 +86,9 @@ class form_REG : public TreeDocumentWindow {
   std::string TextForOtherHolding() override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
+  void AddState(DocumentState& state) const override;
+  DocumentFigures Figures() const override;
+  PartProducer Characters() override;
   SaveDialogTexts SaveTexts() const override;
   SaveOutcome ConfirmWrite(const SaveRequest& request) override;
   TextFormat FormatToWrite() const override;
@@ -145,6 +148,7 @@ class form_REG : public TreeDocumentWindow {
   /// What a save writes, with a dialog that can stop it.
   PartProducer ProducerWithProgress();
   /// Of the selected key, or of the key of the selected comment.
+  QString SelectedPath() const;
   void ShowPath();
   void SetLocation(const QString& text);
   /// After an edit of a key or its values: what a save makes of it otherwise than it is shown.

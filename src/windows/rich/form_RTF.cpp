@@ -51,6 +51,8 @@ void form_RTF::BuildControls(QWidget& client) {
   BuildToolbar(client);
   pad = new RtfPad(&client);
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::TextChanged);
+  connect(pad, &QTextEdit::textChanged, this, &form_RTF::StateChanged);
+  connect(pad, &QTextEdit::selectionChanged, this, &form_RTF::StateChanged);
   connect(pad, &RtfPad::PasteRequested, this, &form_RTF::Paste);
   connect(pad, &QTextEdit::undoAvailable, this, &form_RTF::ShowUndoState);
   connect(pad, &QTextEdit::redoAvailable, this, &form_RTF::ShowUndoState);
@@ -262,6 +264,12 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
   if (!Write(target, &format, [this](const PartSink& put) { return pad->WriteText(put); })) return false;
   AddNotice(FileMessages::OfEncoding(TextFormat().encoding, format.encoding));
   return true;
+}
+
+void form_RTF::AddState(DocumentState& state) const {
+  state.encoding.reset();  // of the file, not of the text
+  state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
+  state.selected_characters = pad->SelectionEnd() - pad->SelectionStart();
 }
 
 std::string form_RTF::Content() { return DocumentFile::BytesOf(nullptr, Producer()); }

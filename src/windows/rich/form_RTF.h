@@ -56,6 +56,7 @@ class form_RTF : public PadWindow {
   /// What is written depends on the shared dialog's filter index, whether or not the dialog was shown: 1 rich text,
   /// 2 plain text, anything else nothing. Intended; the notice says so.
   SaveOutcome WriteTo(QString& path, const SaveRequest& request) override;
+  void AddState(DocumentState& state) const override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

@@ -35,6 +35,13 @@ std::string WithLineEnd(std::string_view text, std::string_view line_end) {
   }
 }
 
+/// A fainter text, which can still be read.
+QColor Between(const QColor& text, const QColor& base) {
+  constexpr int kOfText = 65, kAll = 100;
+  const auto mix = [](int one, int other) { return (one * kOfText + other * (kAll - kOfText)) / kAll; };
+  return {mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue())};
+}
+
 std::string_view LineEndOf(std::intptr_t eol_mode) {
   if (eol_mode == QsciScintillaBase::SC_EOL_CRLF) return "\r\n";
   return eol_mode == QsciScintillaBase::SC_EOL_CR ? "\r" : "\n";
@@ -58,10 +65,14 @@ TextPad::TextPad(QWidget* parent)
   setContextMenuPolicy(Qt::NoContextMenu);
   connect(this, &QsciScintillaBase::SCEN_CHANGE, this, [this] { ++revision_; });
   connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+    if (updated & SC_UPDATE_CONTENT) FitLineNumbers();
     if (!(updated & SC_UPDATE_SELECTION) || !QAccessible::isActive()) return;
     QAccessibleTextCursorEvent event(this, OffsetOf(Caret()));
     QAccessible::updateAccessibility(&event);
   });
+  connect(this, &QsciScintillaBase::SCN_MODIFIED, this,
+          [this](int, int type, const char*, int, int, int, int, int, int token) { RunStep(type, token); });
+  connect(this, &QsciScintillaBase::SCN_ZOOM, this, &TextPad::FitLineNumbers);
   SetUpView();
   AssignKeys();
   SetText({});
@@ -136,13 +147,14 @@ void TextPad::AssignKeys() {
 }
 
 void TextPad::ApplyColors() {
-  const auto color = [this](QPalette::ColorRole role) {
-    const QColor of_role = palette().color(QPalette::Active, role);
-    return of_role.red() | of_role.green() << 8 | of_role.blue() << 16;
-  };
+  const auto color_of = [this](QPalette::ColorRole role) { return palette().color(QPalette::Active, role); };
+  const auto number_of = [](const QColor& of) { return of.red() | of.green() << 8 | of.blue() << 16; };
+  const auto color = [&](QPalette::ColorRole role) { return number_of(color_of(role)); };
   Send(SCI_STYLESETFORE, STYLE_DEFAULT, color(QPalette::Text));
   Send(SCI_STYLESETBACK, STYLE_DEFAULT, color(QPalette::Base));
   Send(SCI_STYLECLEARALL);
+  Send(SCI_STYLESETFORE, STYLE_LINENUMBER, number_of(Between(color_of(QPalette::Text), color_of(QPalette::Base))));
+  Send(SCI_STYLESETBACK, STYLE_LINENUMBER, color(QPalette::Base));
   Send(SCI_SETCARETFORE, static_cast<std::uintptr_t>(color(QPalette::Text)));
   Send(SCI_SETSELFORE, 1, color(QPalette::HighlightedText));
   Send(SCI_SETSELBACK, 1, color(QPalette::Highlight));
@@ -156,6 +168,7 @@ void TextPad::SetTextFont(const QString& family, int points) {
   Send(SCI_STYLESETFONT, STYLE_DEFAULT, reinterpret_cast<std::intptr_t>(resolved.constData()));
   Send(SCI_STYLESETSIZE, STYLE_DEFAULT, points);
   ApplyColors();
+  FitLineNumbers();
 }
 
 void TextPad::SetText(std::string utf8) {
@@ -172,11 +185,12 @@ void TextPad::SetText(std::string utf8) {
   Send(SCI_SETUNDOCOLLECTION, 1);
   Send(SCI_EMPTYUNDOBUFFER);
   Send(SCI_SETSAVEPOINT);
-  // Not what comes after an edit: for that, QScintilla copies the text and counts characters from the document's start.
-  Send(SCI_SETMODEVENTMASK, SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE);
+  Send(SCI_SETMODEVENTMASK, kEvents);
   Send(SCI_SETSCROLLWIDTH, 1);
   Send(SCI_GOTOPOS, 0);
+  outside_steps_.clear();
   ++revision_;
+  FitLineNumbers();
 }
 
 std::string_view TextPad::BytesBetween(PadPosition start, PadPosition end) const {

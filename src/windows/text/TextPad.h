@@ -3,10 +3,14 @@
 #include <Qsci/qsciscintillabase.h>
 
 #include <QAccessible>
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "documents/SourceLines.h"
 #include "shell/Zoom.h"
 #include "windows/text/Pad.h"
 
@@ -48,6 +52,23 @@ class TextPad : public QsciScintillaBase, public Pad {
   void Undo() override { Send(SCI_UNDO); }
   void Redo() override { Send(SCI_REDO); }
 
+  /// From 0.
+  std::int64_t LineOf(PadPosition position) const;
+  std::int64_t LineCount() const { return Send(SCI_GETLINECOUNT); }
+  PadPosition StartOfLine(std::int64_t line) const;
+  /// In the time that memory takes to be read once, and none for what the last count with this number counted already.
+  enum class Count : std::uint8_t { Column, Selection };
+  std::int64_t CharactersBetween(PadPosition start, PadPosition end, Count count) const;
+  /// What lines end in, CrLf without any. Linear.
+  LineEnds UsedLineEnds() const;
+  /// Gives all lines this end, typed ones included. A step of undo.
+  void SetLineEnds(LineEnds ends);
+  /// A step of undo that something outside of the text takes, and is done already: undo and redo call these. The text
+  /// counts as edited.
+  void AddOutsideStep(std::function<void()> undo, std::function<void()> redo);
+  /// Line numbers stand in a margin as wide as the last of them.
+  void ShowLineNumbers(bool shown);
+
   // For TextPadAccessible. Offsets are UTF-16 units; one behind the text stands for its end.
   struct Range {
     PadPosition start;
@@ -86,6 +107,9 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ApplyColors();
   void ApplyWrap();
   void ApplyZoom(Zoom zoom);
+  void FitLineNumbers();
+  void NoteStep(std::function<void()> undo, std::function<void()> redo);
+  void RunStep(int type, int token);
   void Type(const QString& text);
   /// Empty at the end of the text. CR LF is one.
   Range GraphemeAround(PadPosition position) const;
@@ -98,12 +122,29 @@ class TextPad : public QsciScintillaBase, public Pad {
   std::string_view BytesBetween(PadPosition start, PadPosition end) const;
   std::string_view SelectedBytes() const;
 
+  /// The edits that are told. Not what comes after one: for that, QScintilla copies the text and counts characters from
+  /// the document's start.
+  static constexpr int kEvents = SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE | SC_MOD_CONTAINER;
+
   using DirectFunction = std::intptr_t (*)(std::intptr_t, unsigned, std::uintptr_t, std::intptr_t);
   const DirectFunction send_;
   const std::intptr_t editor_;
   std::uint64_t revision_ = 0;
   int right_margin_ = kNoWrap;
   QFont font_;
+  bool shows_line_numbers_ = false;
+  /// What undo and redo call, by the numbers that the component keeps.
+  struct OutsideStep {
+    std::function<void()> undo;
+    std::function<void()> redo;
+  };
+  std::vector<OutsideStep> outside_steps_;
+  struct Counted {
+    Range range{};
+    std::uint64_t revision = 0;
+    std::int64_t characters = 0;
+  };
+  mutable std::array<Counted, 2> counted_;
 };
 
 }  // namespace tme

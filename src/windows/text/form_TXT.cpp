@@ -4,7 +4,9 @@
 
 #include "files/TextEncoding.h"
 #include "shell/Global.h"
+#include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
+#include "shell/Settings.h"
 #include "shell/WaitCursor.h"
 #include "windows/text/TextPad.h"
 
@@ -13,6 +15,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+constexpr const char* kLineNumbersItem = "menu_ViewLineNumbers";
 constexpr std::size_t kPartBytes = std::size_t{1} << 18;
 
 /// The next part of a text: up to a line end, else, within a longer line, up to an ASCII character, which is one in
@@ -44,6 +47,7 @@ void form_TXT::BuildControls(QWidget& client) {
   // SCEN_CHANGE comes just before the edit.
   connect(pad, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
     if (updated & QsciScintillaBase::SC_UPDATE_CONTENT) ShowUndoState();
+    if (updated & (QsciScintillaBase::SC_UPDATE_CONTENT | QsciScintillaBase::SC_UPDATE_SELECTION)) StateChanged();
   });
   WatchPad(client);
 }
@@ -94,6 +98,52 @@ void form_TXT::PutContent(std::string bytes, Holding /*holding*/) {
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
   pad->SetText(std::move(decoded.text));
   Altered(true);
+}
+
+void form_TXT::UpdateCommands() {
+  PadWindow::UpdateCommands();
+  global_.menus.SetChecked(kLineNumbersItem, global_.settings.line_numbers);
+  pad->ShowLineNumbers(global_.settings.line_numbers);
+}
+
+void form_TXT::ViewLineNumbers() {
+  global_.settings.SetFlag(&Settings::line_numbers, !global_.settings.line_numbers, global_.registry);
+  UpdateCommands();
+}
+
+void form_TXT::AddState(DocumentState& state) const {
+  const PadPosition caret = pad->Caret(), start = pad->SelectionStart(), end = pad->SelectionEnd();
+  const std::int64_t line = pad->LineOf(caret);
+  const std::int64_t column = pad->CharactersBetween(pad->StartOfLine(line), caret, TextPad::Count::Column);
+  state.place = {.line = line + 1, .column = column + 1, .lines = pad->LineCount()};
+  if (start == end) return;
+  state.selected_characters = pad->CharactersBetween(start, end, TextPad::Count::Selection);
+  state.selected_lines = pad->LineOf(end) - pad->LineOf(start) + 1;
+}
+
+DocumentFigures form_TXT::Figures() const { return {.line_ends = pad->UsedLineEnds()}; }
+
+void form_TXT::ChangeLineEnds(LineEnds ends) {
+  const WaitCursor wait_cursor;
+  pad->SetLineEnds(ends);
+  ShowUndoState();
+}
+
+void form_TXT::AddFormatStep(std::function<void()> undo, std::function<void()> redo) {
+  // The pad tells of edits of its text alone.
+  const auto with_menu = [this](std::function<void()> step) {
+    return [this, step = std::move(step)] {
+      step();
+      QMetaObject::invokeMethod(this, &form_TXT::ShowUndoState, Qt::QueuedConnection);
+    };
+  };
+  pad->AddOutsideStep(with_menu(std::move(undo)), with_menu(std::move(redo)));
+  ShowUndoState();
+}
+
+void form_TXT::GoToLine(std::int64_t line) {
+  const PadPosition start = pad->StartOfLine(line - 1);
+  pad->Select(start, start);
 }
 
 }  // namespace tme

@@ -16,12 +16,16 @@ class form_TXT : public PadWindow {
   Pad& EditingArea() override;
   std::uint64_t Revision() const override;
   void PutContent(std::string bytes, Holding holding) override;
+  void ChangeLineEnds(LineEnds ends) override;
+  void GoToLine(std::int64_t line) override;
 
   Q_INVOKABLE void NewTXT();
   /// Loads the document's file. A file that cannot be read: a message, and the slot is free again.
   Q_INVOKABLE void OpenTXT();
   Q_INVOKABLE void ResizeForm() override;
   Q_INVOKABLE void SearchAgain() { SearchForLast(); }
+  /// Inverts the check mark that all text windows share and the next start takes over.
+  Q_INVOKABLE void ViewLineNumbers();
   Q_INVOKABLE void Altered(bool changed) { SetChanged(changed); }
 
  protected:
@@ -29,6 +33,10 @@ class form_TXT : public PadWindow {
   SaveDialogTexts SaveTexts() const override;
   PartProducer Producer() override;
   void DropContent() override;
+  void UpdateCommands() override;
+  void AddState(DocumentState& state) const override;
+  DocumentFigures Figures() const override;
+  void AddFormatStep(std::function<void()> undo, std::function<void()> redo) override;
 
  private:
   TextPad* pad = nullptr;

@@ -8,18 +8,14 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <algorithm>
-#include <array>
 
+#include "shell/FormCaptions.h"
 #include "shell/PlainText.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
-
-constexpr std::array kOffered{TextEncoding::CodePage, TextEncoding::Utf8, TextEncoding::Utf8Bom, TextEncoding::Utf16Le,
-                              TextEncoding::Utf16Be};
 
 struct FormTexts {
   Q_DECLARE_TR_FUNCTIONS(SaveForm)
@@ -45,22 +41,16 @@ class Choices {
 
 Choices Encodings(QFormLayout& rows, TextEncoding present) {
   Choices encodings(rows, u"cb_Encoding"_s, FormTexts::tr("&Encoding:"));
-  const auto add = [&encodings](TextEncoding encoding) {
-    QString name = encoding == TextEncoding::CodePage ? FormTexts::tr("8-bit code page")
-                                                      : QString::fromUtf8(EncodingName(encoding));
-    encodings.Add(name, static_cast<int>(encoding));
-  };
-  for (const TextEncoding encoding : kOffered) add(encoding);
-  if (std::find(kOffered.begin(), kOffered.end(), present) == kOffered.end()) add(present);
+  for (const TextEncoding encoding : OfferedEncodings(present))
+    encodings.Add(CaptionOf(encoding), static_cast<int>(encoding));
   encodings.Choose(static_cast<int>(present));
   return encodings;
 }
 
 Choices Ends(QFormLayout& rows, LineEnds present) {
   Choices ends(rows, u"cb_LineEnds"_s, FormTexts::tr("&Line ends:"));
-  if (present == LineEnds::Mixed) ends.Add(FormTexts::tr("as they are, mixed"), static_cast<int>(LineEnds::Mixed));
-  ends.Add(FormTexts::tr("CR LF, as on Windows"), static_cast<int>(LineEnds::CrLf));
-  ends.Add(FormTexts::tr("LF, as on Linux"), static_cast<int>(LineEnds::Lf));
+  if (present == LineEnds::Mixed) ends.Add(CaptionOf(present), static_cast<int>(present));
+  for (const LineEnds each : kOfferedLineEnds) ends.Add(CaptionOf(each), static_cast<int>(each));
   ends.Choose(static_cast<int>(present));
   return ends;
 }

@@ -5,6 +5,7 @@
 #include "shell/DocumentWindow.h"
 #include "windows/tree/SaveForm.h"
 
+class QAbstractItemView;
 class QLabel;
 
 namespace tme {
@@ -35,6 +36,9 @@ class TreeDocumentWindow : public DocumentWindow {
   /// The window's badge, which says how the document is held; owned by the window's controls.
   QWidget* MakeBadge(QWidget* parent);
   void UpdateCommands() override;
+  /// What is selected in a view, and what its model shows, changes what the status line says.
+  void WatchState(const QAbstractItemView& view);
+  void AddState(DocumentState& state) const override;
 
   // The form of a document that is held whole.
   virtual LineEnds UsedLineEnds() const = 0;
@@ -68,9 +72,6 @@ class TreeDocumentWindow : public DocumentWindow {
   /// A document that is held whole makes the same bytes again, and a million of them are compared sooner than kept,
   /// written and flushed.
   bool LeavesEqualFile() const override { return GetHolding() == Holding::Whole; }
-
-  /// Which line of the document has a character that the encoding has no place for, for people; empty for none.
-  QString UnfitLine(const TextFormat& format);
 
   /// A document begins: it is held as the settings say.
   void HoldAsSettings();

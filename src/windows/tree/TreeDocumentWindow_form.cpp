@@ -1,7 +1,4 @@
 // Saving a document that is held whole in another form.
-#include "base/LineReader.h"
-#include "files/TextEncoder.h"
-#include "shell/DisplayText.h"
 #include "shell/Global.h"
 #include "shell/WaitCursor.h"
 #include "system/Dialogs.h"
@@ -17,25 +14,11 @@ QString NameOfEncoding(TextEncoding encoding) { return QString::fromUtf8(Encodin
 
 }  // namespace
 
-QString TreeDocumentWindow::UnfitLine(const TextFormat& format) {
-  TextEncoder encoder(format);
-  if (Producer()([&encoder](std::string_view part) { return encoder.Encode(part).has_value(); })) return {};
-  const std::string text = DocumentFile::BytesOf(nullptr, Producer());
-  LineReader lines(text);
-  for (std::string_view line; lines.Next(line);)
-    if (!TextEncoder(format).Encode(line))
-      return tr("line %1:\r%2").arg(QString::number(lines.Number()), DisplayText(line, kMaxCharactersInMessage));
-  return {};
-}
-
 bool TreeDocumentWindow::FitsOrIsAgreed(TextFormat& format) {
   const WaitCursor wait_cursor;
-  const TextFormat wanted = format;
+  const QString why = MisfitOf(format);
+  if (why.isEmpty()) return true;
   EncodeText(DocumentFile::BytesOf(nullptr, Producer()), format);
-  if (format.encoding == wanted.encoding) return true;
-  const QString unfit = UnfitLine(wanted), name = NameOfEncoding(wanted.encoding);
-  const QString why = unfit.isEmpty() ? tr("This text in %1 would be read as another encoding.").arg(name)
-                                      : tr("There is no place in %1 for a character of %2").arg(name, unfit);
   return global_.dialogs.Choose(why, {tr("&Save as %1").arg(NameOfEncoding(format.encoding)), tr("Cancel")},
                                 MsgIcon::Question, tr("Save As Another Form")) == 0;
 }

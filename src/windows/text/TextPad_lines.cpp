@@ -1,0 +1,97 @@
+// Lines of a TextPad: their numbers and ends, and steps of undo beside the text.
+#include <algorithm>
+#include <utility>
+
+#include "base/Utf8.h"
+#include "windows/text/TextPad.h"
+
+namespace tme {
+namespace {
+
+constexpr std::uintptr_t kNumberMargin = 0;
+/// So that the margin keeps its width in most texts.
+constexpr std::size_t kLeastDigits = 3;
+
+std::int64_t CountCharacters(std::string_view bytes) {
+  return std::count_if(bytes.begin(), bytes.end(), [](char byte) { return !utf8::IsContinuation(byte); });
+}
+
+}  // namespace
+
+std::int64_t TextPad::LineOf(PadPosition position) const {
+  return Send(SCI_LINEFROMPOSITION, static_cast<std::uintptr_t>(position));
+}
+
+PadPosition TextPad::StartOfLine(std::int64_t line) const {
+  return Send(SCI_POSITIONFROMLINE, static_cast<std::uintptr_t>(line));
+}
+
+std::int64_t TextPad::CharactersBetween(PadPosition start, PadPosition end, Count count) const {
+  const auto characters = [this](PadPosition from, PadPosition to) {
+    // On either side of where the component's memory is parted, which it would close for one range.
+    const PadPosition gap = std::clamp<PadPosition>(Send(SCI_GETGAPPOSITION), from, std::max(from, to));
+    return CountCharacters(BytesBetween(from, gap)) + CountCharacters(BytesBetween(gap, to));
+  };
+  Counted& last = counted_.at(static_cast<std::size_t>(count));
+  const auto [known_start, known_end] = last.range;
+  const PadPosition between = std::abs(start - known_start) + std::abs(end - known_end);
+  if (last.revision != revision_ || between >= end - start)
+    last.characters = characters(start, end);
+  else
+    last.characters += characters(start, known_start) - characters(known_start, start) + characters(known_end, end) -
+                       characters(end, known_end);
+  last.range = {start, end};
+  last.revision = revision_;
+  return last.characters;
+}
+
+LineEnds TextPad::UsedLineEnds() const { return UsedLineEndsIn(Text()).value_or(LineEnds::CrLf); }
+
+void TextPad::SetLineEnds(LineEnds ends) {
+  if (ends == LineEnds::Mixed) return;
+  const auto mode = static_cast<std::uintptr_t>(ends == LineEnds::CrLf ? SC_EOL_CRLF : SC_EOL_LF);
+  const auto mode_before = static_cast<std::uintptr_t>(Send(SCI_GETEOLMODE));
+  const auto type = [this](std::uintptr_t of_mode) { return [this, of_mode] { Send(SCI_SETEOLMODE, of_mode); }; };
+  // One event tells of all its edits, which may be millions.
+  Send(SCI_SETMODEVENTMASK, 0);
+  Send(SCI_BEGINUNDOACTION);
+  NoteStep(type(mode_before), type(mode));
+  Send(SCI_CONVERTEOLS, mode);
+  Send(SCI_ENDUNDOACTION);
+  Send(SCI_SETEOLMODE, mode);
+  Send(SCI_SETMODEVENTMASK, kEvents);
+  emit SCEN_CHANGE();
+}
+
+void TextPad::AddOutsideStep(std::function<void()> undo, std::function<void()> redo) {
+  NoteStep(std::move(undo), std::move(redo));
+  emit SCEN_CHANGE();
+}
+
+void TextPad::NoteStep(std::function<void()> undo, std::function<void()> redo) {
+  Send(SCI_ADDUNDOACTION, outside_steps_.size());
+  outside_steps_.push_back({std::move(undo), std::move(redo)});
+}
+
+void TextPad::RunStep(int type, int token) {
+  if (!(type & SC_MOD_CONTAINER)) return;
+  const OutsideStep& step = outside_steps_.at(static_cast<std::size_t>(token));
+  (type & SC_PERFORMED_UNDO ? step.undo : step.redo)();
+}
+
+void TextPad::ShowLineNumbers(bool shown) {
+  if (std::exchange(shows_line_numbers_, shown) != shown) FitLineNumbers();
+}
+
+void TextPad::FitLineNumbers() {
+  int width = 0;
+  if (shows_line_numbers_) {
+    const std::string widest(std::max(std::to_string(LineCount()).size(), kLeastDigits), '9');
+    width = static_cast<int>(
+        Send(SCI_TEXTWIDTH, STYLE_LINENUMBER, reinterpret_cast<std::intptr_t>((widest + ' ').c_str())));
+    Send(SCI_SETMARGINTYPEN, kNumberMargin, SC_MARGIN_NUMBER);
+  }
+  if (Send(SCI_GETMARGINWIDTHN, kNumberMargin) != width) Send(SCI_SETMARGINWIDTHN, kNumberMargin, width);
+}
+
+}  // namespace tme
