@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -50,6 +52,26 @@ inline std::string WholeText(const IniTree& tree) {
   EXPECT_TRUE(WriteIni(tree, [&](std::string_view part) { return text += part, true; }));
   return text;
 }
+
+/// All that undo brings back.
+struct IniState {
+  explicit IniState(const IniTree& tree)
+      : dump(Dump(tree)),
+        text(WholeText(tree)),
+        selected(tree.Selected()),
+        counts(tree.NodeCount(), tree.SectionCount()),
+        revision(tree.Revision()) {}
+  bool operator==(const IniState&) const = default;
+  friend void PrintTo(const IniState& state, std::ostream* out) {
+    *out << state.dump << "\n"
+         << state.text << "\nselected " << state.selected->Text() << " of " << state.counts.first << ", revision "
+         << state.revision;
+  }
+  std::string dump, text;
+  const IniNode* selected;
+  std::pair<std::size_t, std::size_t> counts;
+  std::uint64_t revision;
+};
 
 using IniMirror = TreeMirror<IniTree, IniNode, IniTreeObserver>;
 

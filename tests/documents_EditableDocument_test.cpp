@@ -24,8 +24,11 @@ class Number : public EditLog<std::optional<int>> {
   int Value() const { return value_; }
 
  private:
-  void Revert(std::optional<int>& before) override { std::swap(value_, *before); }
-  void Reapply(std::optional<int>& after) override { std::swap(value_, *after); }
+  void Revert(std::optional<int>& before) override { Exchange(before); }
+  void Reapply(std::optional<int>& after) override { Exchange(after); }
+  void Exchange(std::optional<int>& other) {
+    if (other) std::swap(value_, *other);
+  }
 
   int value_ = 0;
 };
@@ -82,6 +85,16 @@ TEST(EditableDocument, WhatLiesOutsideOfItTakesPartAndAResetForgetsAll) {
   {
     const Number::Step step(number, EditName::Edit);
     number.Set(8);
+    number.AddOutsideStep(
+        EditName::ChangeEncoding, [&] { outside = 2; }, [&] { outside = 3; });
+  }
+  number.Undo();
+  EXPECT_TRUE(outside == 2 && number.Value() == 7) << "inside of another step it is part of it";
+  number.Redo();
+  EXPECT_TRUE(outside == 3 && number.Value() == 8);
+  {
+    const Number::Step step(number, EditName::Edit);
+    number.Set(9);
     number.Reset();
   }
   EXPECT_FALSE(number.CanUndo() || number.CanRedo());

@@ -78,14 +78,20 @@ void RunCase(const EditCase& test) {
   tree.Select(FindNode(tree, test.selected));
   const std::string selected(tree.Selected()->Text());
   IniMirror mirror(tree);
-  const std::uint64_t revision = tree.Revision();
-  const bool changes = Dump(tree) != test.expected;
+  const IniState before(tree);
+  const bool changes = before.dump != test.expected;
   test.edit(tree);
   EXPECT_EQ(Dump(tree), test.expected);
   EXPECT_EQ(tree.Selected()->Text(), test.selects);
   EXPECT_EQ(mirror.selection_moves, selected == test.selects ? 0 : 1);
-  EXPECT_EQ(tree.Revision() > revision, changes);
+  EXPECT_EQ(tree.Revision() > before.revision, changes);
   mirror.Check();
+  // All of it is undone and redone.
+  const IniState after(tree);
+  while (tree.CanUndo()) tree.Undo(), mirror.Check();
+  EXPECT_EQ(IniState(tree), before);
+  while (tree.CanRedo()) tree.Redo(), mirror.Check();
+  EXPECT_EQ(IniState(tree), after);
 }
 
 TEST(IniTree, Edits) {

@@ -144,6 +144,7 @@ TEST(IniWhole, EditsDoToTheTreeWhatTheyDoToLines) {
     IniTree tree;
     ReadWhole(tree, join(lines));
     IniMirror mirror(tree);
+    std::vector<std::string> texts{WholeText(tree)};
     for (int edit = 0; edit < 60 && !testing::Test::HasFailure(); ++edit) {
       tree.Arrange(IniArrangement::AsInFile);
       const std::size_t place = below(tree.NodeCount());

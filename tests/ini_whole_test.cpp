@@ -57,6 +57,10 @@ struct WholeCase {
   const char* selects = nullptr;
 };
 
+IniArrangement Other(IniArrangement arrangement) {
+  return arrangement == IniArrangement::ByName ? IniArrangement::AsInFile : IniArrangement::ByName;
+}
+
 /// The tree that is left is the one that reading its file again gives.
 void RunWhole(const WholeCase& test, IniArrangement arrangement) {
   SCOPED_TRACE(test.file + " selected: " + test.selected);
@@ -66,11 +70,25 @@ void RunWhole(const WholeCase& test, IniArrangement arrangement) {
   tree.Select(FindNode(tree, test.selected));
   tree.Arrange(arrangement);
   IniMirror mirror(tree);
-  const std::uint64_t revision = tree.Revision();
+  const IniState before(tree);
   test.edit(tree);
   mirror.Check();
   EXPECT_EQ(WholeText(tree), test.written);
-  EXPECT_EQ(tree.Revision() > revision, test.written != test.file);
+  EXPECT_EQ(tree.Revision() > before.revision, test.written != test.file);
+  EXPECT_EQ(tree.CanUndo(), test.written != test.file);
+  // All of it is undone and redone, in either arrangement.
+  const IniState after(tree);
+  while (tree.CanUndo()) tree.Undo(), mirror.Check();
+  EXPECT_EQ(IniState(tree), before);
+  while (tree.CanRedo()) tree.Redo(), mirror.Check();
+  EXPECT_EQ(IniState(tree), after);
+  tree.Arrange(Other(arrangement));
+  while (tree.CanUndo()) tree.Undo(), mirror.Check();
+  EXPECT_EQ(WholeText(tree), test.file);
+  tree.Arrange(arrangement);
+  while (tree.CanRedo()) tree.Redo(), mirror.Check();
+  EXPECT_EQ(IniState(tree).text, after.text);
+  EXPECT_EQ(tree.Selected(), after.selected);
   if (test.selects) {
     EXPECT_EQ(tree.Selected()->Text(), test.selects);
   }

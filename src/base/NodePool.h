@@ -13,22 +13,14 @@ class NodePool {
   explicit NodePool(std::size_t node_bytes) : node_bytes_(node_bytes) {}
 
   void* Take() {
-    if (!free_.empty()) {
-      void* node = free_.back();
-      free_.pop_back();
-      return node;
-    }
     if (next_ == end_) AddChunk();
     void* node = next_;
     next_ += node_bytes_;
     return node;
   }
 
-  void GiveBack(void* node) { free_.push_back(node); }
-
   void Clear() {
     chunks_.clear();
-    free_.clear();
     chunk_nodes_ = kFirstChunk;
     next_ = end_ = nullptr;
   }
@@ -48,7 +40,6 @@ class NodePool {
   std::size_t node_bytes_;
   std::size_t chunk_nodes_ = kFirstChunk;
   std::vector<std::unique_ptr<std::byte[]>> chunks_;
-  std::vector<void*> free_;
   std::byte* next_ = nullptr;
   std::byte* end_ = nullptr;
 };

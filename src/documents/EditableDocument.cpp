@@ -8,10 +8,8 @@ void EditableDocument::Undo() {
   if (depth_ > 0 || !CanUndo()) return;
   const StepState& step = steps_[--position_];
   revision_ = step.revision_before;
-  if (step.undo_outside)
-    step.undo_outside();
-  else
-    UndoStep(position_);
+  UndoStep(position_);
+  if (step.undo_outside) step.undo_outside();
   TellRevision();
 }
 
@@ -19,10 +17,8 @@ void EditableDocument::Redo() {
   if (depth_ > 0 || !CanRedo()) return;
   const StepState& step = steps_[position_++];
   revision_ = step.revision_after;
-  if (step.redo_outside)
-    step.redo_outside();
-  else
-    RedoStep(position_ - 1);
+  RedoStep(position_ - 1);
+  if (step.redo_outside) step.redo_outside();
   TellRevision();
 }
 
@@ -43,6 +39,7 @@ void EditableDocument::ForgetSteps() {
 void EditableDocument::BeginStep(EditName name) {
   if (depth_++ > 0) return;
   open_ = {.name = name, .revision_before = revision_, .revision_after = 0, .undo_outside = {}, .redo_outside = {}};
+  OpenStep();
 }
 
 void EditableDocument::EndStep() {

@@ -76,7 +76,7 @@ class EditableDocument {
   };
 
   /// A step that something outside of the content takes, such as the file's encoding: undo and redo call these. It is
-  /// done already.
+  /// done already. Inside of another step it is part of it, once.
   void AddOutsideStep(EditName name, std::function<void()> undo, std::function<void()> redo);
 
  protected:
@@ -92,6 +92,8 @@ class EditableDocument {
   /// Forgets all steps, as a reset does.
   void ForgetSteps();
 
+  /// A step begins, outside of another one.
+  virtual void OpenStep() {}
   /// What was noted becomes the step of this number, and those from it on are given up.
   virtual void CloseStep(std::size_t number) = 0;
   /// The steps from this number on are given up, and what was noted.
@@ -130,6 +132,9 @@ class EditLog : public EditableDocument {
  protected:
   ~EditLog() = default;
 
+  /// The first and the last thing that is noted of a step, such as what is selected.
+  virtual void StepBegins(Changes& /*changes*/) {}
+  virtual void StepEnds(Changes& /*changes*/) {}
   /// Where the edits of a step note what they change.
   Changes& Noted() { return noted_; }
   /// Takes the changes back, the last one first, and notes in them what brings them again.
@@ -138,7 +143,12 @@ class EditLog : public EditableDocument {
   virtual void Reapply(Changes& changes) = 0;
 
  private:
+  void OpenStep() final {
+    noted_ = {};
+    StepBegins(noted_);
+  }
   void CloseStep(std::size_t number) final {
+    StepEnds(noted_);
     changes_.resize(number);
     changes_.push_back(std::exchange(noted_, {}));
   }

@@ -120,10 +120,11 @@ LineEnds SourceLines::UsedLineEnds() const {
   return used.value_or(LineEnds::CrLf);
 }
 
-void SourceLines::SetLineEnds(LineEnds ends) {
-  if (ends == LineEnds::Mixed) return;
+bool SourceLines::SetLineEnds(LineEnds ends) {
+  if (ends == LineEnds::Mixed) return false;
   const std::string_view new_end = ends == LineEnds::CrLf ? kUsualLineEnd : "\n";
   std::string changed;
+  bool has_changed = false;
   for (Piece at = First(); at != kEnds; at = Next(at)) {
     if (UsedLineEndsIn(Text(at)).value_or(ends) == ends) continue;
     changed.clear();
@@ -131,7 +132,9 @@ void SourceLines::SetLineEnds(LineEnds ends) {
       changed.append(line).append(end.empty() ? end : new_end);
     });
     Replace(at, changed);
+    has_changed = true;
   }
+  return has_changed;
 }
 
 std::uint64_t SourceLines::Size() const {

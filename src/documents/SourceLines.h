@@ -72,8 +72,8 @@ class SourceLines {
   /// What all lines end in; CrLf for a document without line ends. Linear in the bytes.
   LineEnds UsedLineEnds() const;
   /// Gives all lines this end; Mixed leaves them. A last line without an end stays without. Linear in the bytes, and
-  /// pieces that change are copied.
-  void SetLineEnds(LineEnds ends);
+  /// pieces that change are copied. Returns whether any did.
+  bool SetLineEnds(LineEnds ends);
   /// Hands over the text of all pieces in parts of whole pieces. Those that follow one another in memory are not copied
   /// unless they are few.
   bool Write(const PartSink& sink) const;

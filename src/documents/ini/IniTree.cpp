@@ -47,7 +47,9 @@ IniTag TagOfKey(std::string_view key) { return KindOf(key) == IniLine::Comment ?
 IniTree::IniTree(std::string_view root_text)
     : observer_(&silent_observer),
       root_(new IniNode(nullptr, texts_.Copy(root_text), IniTag::OpenedFile, 0)),
-      selected_(root_.get()) {}
+      selected_(root_.get()) {
+  lines_.NoteIn(&Noted().lines);
+}
 
 IniTree::~IniTree() = default;
 
@@ -67,28 +69,33 @@ bool IniTree::IsUniqueSectionName(std::string_view name) const {
 }
 
 IniNode* IniTree::AddSection(std::string_view name) {
+  const Step step(*this, EditName::AddSection);
   if (holding_ == Holding::Whole) return AddSectionLine(name);
   root_->expanded_ = true;
   return Add(root_.get(), ByRules(texts_.Copy(name), IniTag::Section));
 }
 
 IniNode* IniTree::AddEntry(IniNode* parent, std::string_view key, std::string_view value) {
+  const Step step(*this, EditName::AddEntry);
   if (holding_ == Holding::Whole) return AddEntryLine(parent, key, value);
   return AddLine(parent, EntryText(key, value), TagOfKey(key));
 }
 
 bool IniTree::AddEntryToAllSections(std::string_view key, std::string_view value) {
+  const Step step(*this, EditName::AddToAllSections);
   if (holding_ == Holding::Whole) return AddEntryLines(key, value);
   AddLineToAllSections(EntryText(key, value), TagOfKey(key));
   return true;
 }
 
 IniNode* IniTree::AddLine(IniNode* parent, std::string_view text, IniTag tag) {
+  const Step step(*this, EditName::AddEntry);
   return Add(parent, ByRules(texts_.Copy(text), tag));
 }
 
 void IniTree::AddLineToAllSections(std::string_view text, IniTag tag) {
   if (section_count_ == 0) return;
+  const Step step(*this, EditName::AddToAllSections);
   observer_->BeforeReset();
   const std::string_view shared = texts_.Copy(text);
   for (IniNode* section : *root_->children_) {
@@ -100,19 +107,27 @@ void IniTree::AddLineToAllSections(std::string_view text, IniTag tag) {
       AppendAndSort(section, ByRules(shared, tag));
     }
   }
-  ++revision_;
+  NoteRevision();
   EndReset();
 }
 
 bool IniTree::SetText(IniNode* node, std::string_view text) {
   if (node->Text() == text) return true;
-  if (holding_ == Holding::Whole && node->parent_ != nullptr) return SetLineText(node, text);
+  if (node->parent_ == nullptr) {  // the file's name, not content
+    node->SetTextView(texts_.Copy(text));
+    observer_->TextChanged(*node);
+    return true;
+  }
+  const Step step(*this, node->tag_ == IniTag::Section ? EditName::Rename : EditName::Edit);
+  if (holding_ == Holding::Whole) return SetLineText(node, text);
+  NoteNode(node);
   node->SetTextView(texts_.Copy(text));
   ShowText(node);
   return true;
 }
 
 IniNode* IniTree::SetEntry(IniNode* node, std::string_view key, std::string_view value) {
+  const Step step(*this, EditName::Edit);
   if (holding_ == Holding::Whole) return SetEntryLine(node, key, value) ? node : nullptr;
   const std::string text = EntryText(key, value);
   if (TagOfKey(key) == IniTag::Comments) return ReplaceWithComment(node, text);
@@ -153,7 +168,7 @@ IniNode::Children& IniTree::ChildrenOf(IniNode* parent) {
 
 IniNode* IniTree::Append(IniNode* parent, const NodeSource& source) {
   IniNode* node = InsertAt(parent, static_cast<std::size_t>(parent->ChildCount()), source);
-  parent->children_sorted_ = false;
+  NoteUnsorted(parent);
   return node;
 }
 
@@ -162,6 +177,7 @@ IniNode* IniTree::InsertAt(IniNode* parent, std::size_t row, const NodeSource& s
   IniNode::Children& children = ChildrenOf(parent);
   children.insert(children.begin() + static_cast<std::ptrdiff_t>(row), node);
   NumberChildren(parent, row);
+  NoteRow(parent, node, row, IniChanges::Came::In);
   return node;
 }
 
@@ -173,7 +189,7 @@ IniNode* IniTree::AppendAndSort(IniNode* parent, const NodeSource& source) {
 }
 
 IniNode* IniTree::Add(IniNode* parent, const NodeSource& source, std::size_t row) {
-  ++revision_;
+  NoteRevision();
   const bool by_name = arrangement_ == IniArrangement::ByName;
   if (by_name && !parent->children_sorted_) {
     observer_->BeforeReset();
@@ -189,15 +205,23 @@ IniNode* IniTree::Add(IniNode* parent, const NodeSource& source, std::size_t row
 }
 
 void IniTree::ShowText(IniNode* node) {
-  if (node->parent_ != nullptr) {
-    // The root's text is the file's name, not content.
-    ++revision_;
-    if (!StandsInOrder(*node)) node->parent_->children_sorted_ = false;
-  }
+  NoteRevision();
+  if (!StandsInOrder(*node)) NoteUnsorted(node->parent_);
   observer_->TextChanged(*node);
 }
 
 bool IniTree::SortChildren(IniNode* parent, IniSorter& sorter) {
+  if (!IsInStep() || parent->children_ == nullptr) return SortNew(parent, sorter);
+  if (!parent->children_sorted_) NoteNode(parent);
+  parent->children_sorted_ = true;
+  const std::vector<IniNode*> before(parent->children_->begin(), parent->children_->end());
+  if (!sorter.Sort(*parent->children_)) return false;
+  NoteMoved(parent, before);
+  NumberChildren(parent, 0);
+  return true;
+}
+
+bool IniTree::SortNew(IniNode* parent, IniSorter& sorter) {
   parent->children_sorted_ = true;
   if (parent->children_ == nullptr || !sorter.Sort(*parent->children_)) return false;
   NumberChildren(parent, 0);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <memory_resource>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,8 +14,10 @@
 #include "base/Parts.h"
 #include "base/TextStore.h"
 #include "base/TreeObserver.h"
+#include "documents/EditableDocument.h"
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
+#include "documents/ini/IniChanges.h"
 #include "documents/ini/IniLine.h"
 
 namespace tme {
@@ -87,14 +90,14 @@ enum class IniArrangement : std::uint8_t {
 };
 
 /// The document of an INI window: one root, sections below it, entries and comments below those. Every edit is one call
-/// with a name.
+/// with a name, and a step that can be undone. A node that was removed comes back as the same node.
 /// By the rules all children are arranged by name, and nothing but the nodes is known.
 /// In whole holding the lines of the file are the truth (SourceLines), and each node stands for one of them. Entries
 /// and comments before the first section are children of the root, and so is every section, of whatever name. Blank
 /// lines have no node. A block of comments belongs to the line that it touches from above. An edit changes its own
 /// lines alone and is refused, with nothing changed, where what it writes would not be read as what it is meant to be:
 /// texts with line ends, entries that begin with "[", blank ones.
-class IniTree {
+class IniTree : public EditLog<IniChanges> {
  public:
   /// What readers fill a tree with (IniTreeLoad.h).
   class Load;
@@ -134,8 +137,6 @@ class IniTree {
   std::size_t SectionCount() const { return section_count_; }
   /// Counts every node, the root included.
   std::size_t NodeCount() const { return node_count_; }
-  /// Grows with every change of content, reading and pasting included, and not with selection and expansion.
-  std::uint64_t Revision() const { return revision_; }
 
   // Edits. Texts are copied. In whole holding null or false says that the edit was refused.
 
@@ -171,7 +172,7 @@ class IniTree {
   void RemoveSelectedKey();
   /// Removes all lines. The root stays with its text.
   void Clear();
-  /// As Clear, with a new root text and a holding for what comes now.
+  /// Begins another document. It gives up all nodes and texts, and no step leads back.
   void Reset(std::string_view root_text, tme::Holding holding = Holding::ByRules);
 
   // By the rules alone.
@@ -188,7 +189,8 @@ class IniTree {
   IniNode* Paste(std::string_view text);
   /// Gives all lines this end; Mixed leaves them.
   void SetLineEnds(LineEnds ends);
-  /// Whether children stand as in the file, which they do at first, or by name. No line moves.
+  /// Whether children stand as in the file, which they do at first, or by name. No line moves, and it is no step; not
+  /// inside of one.
   void Arrange(IniArrangement arrangement);
 
   // Display state.
@@ -219,19 +221,21 @@ class IniTree {
   IniNode* ReplaceWithComment(IniNode* node, std::string_view text);
   /// The text of the node is new already.
   void ShowText(IniNode* node);
-  /// Returns false when they were in order.
-  static bool SortChildren(IniNode* parent, IniSorter& sorter);
+  /// Both return false when they were in order. SortNew is for lists of no step: of new parents, and of arranging.
+  bool SortChildren(IniNode* parent, IniSorter& sorter);
+  static bool SortNew(IniNode* parent, IniSorter& sorter);
   static void NumberChildren(IniNode* parent, std::size_t first_row);
 
   // Removing (IniTreeRemoval.cpp).
   static IniNode* NextSelected(const IniNode* node);
   void RemoveNode(IniNode* node);
-  void Discard(IniNode* node);
+  void CountGone(const IniNode& node);
   void DiscardAll();
   /// Returns how many nodes are marked.
   std::size_t MarkTextEqualTo(std::string_view text);
   void MarkWalkingBack(std::string_view key);
   void MarkEntriesWithKey(std::string_view key);
+  void RemoveMarkedLines();
   /// Linear. The selection moves when its node goes too.
   void RemoveMarked();
   void CompactChildren(IniNode* parent);
@@ -274,7 +278,28 @@ class IniTree {
   Piece InsertLines(Piece place, std::string_view text, IniNode* parent, std::vector<IniNode*>& top);
   /// Unless a blank line or nothing is there. Returns the last piece.
   Piece InsertBlankBehind(Piece place);
-  void ArrangeAsInFile();
+  /// Puts all children in their places, from the lines and the parents of the nodes.
+  void Rearrange();
+  void ListAsInFile();
+
+  // Steps (IniTreeSteps.cpp). What is noted outside of a step is not kept.
+  enum class Way : std::uint8_t { Back, Forth };
+  /// Before anything of the node changes but its place.
+  void NoteNode(IniNode* node);
+  void NoteUnsorted(IniNode* parent);
+  void NoteRow(IniNode* parent, IniNode* node, std::size_t row, IniChanges::Came came);
+  /// The children stand in the new order and are numbered as before.
+  void NoteMoved(IniNode* parent, const std::vector<IniNode*>& before);
+  IniChanges::Totals Totals() const { return {node_count_, section_count_, selected_}; }
+  void StepBegins(IniChanges& changes) override;
+  void StepEnds(IniChanges& changes) override { changes.after = Totals(); }
+  void Revert(IniChanges& changes) override { Take(changes, Way::Back); }
+  void Reapply(IniChanges& changes) override { Take(changes, Way::Forth); }
+  void Take(IniChanges& changes, Way way);
+  static bool IsShownRowByRow(const IniChanges& changes);
+  void TakeRows(const IniChanges& changes, Way way, bool row_by_row);
+  void PutIn(IniNode* parent, std::span<const IniChanges::Row> rows);
+  void TakeOut(IniNode* parent, std::span<const IniChanges::Row> rows);
 
   void MoveSelection(IniNode* node);
   void EndReset();
@@ -298,7 +323,9 @@ class IniTree {
   bool selection_moved_ = false;
   std::size_t node_count_ = 1;
   std::size_t section_count_ = 0;
-  std::uint64_t revision_ = 0;
+  /// Whole holding: which arrangement by name the children are in; 0 as in the file.
+  std::uint32_t arranged_ = 0;
+  std::uint32_t last_arranged_ = 0;
   /// By the rules.
   std::uint32_t next_number_ = 1;
 };

@@ -7,6 +7,8 @@ namespace tme {
 
 IniTree::Load::Load(IniTree& tree, std::string text)
     : tree_(tree), text_(tree.texts_.Keep(std::move(text))), first_number_(tree.next_number_) {
+  // The reading of a file is no edit.
+  if (tree.NodeCount() > 1 || tree.CanUndo() || tree.CanRedo()) step_.emplace(tree, EditName::Paste);
   if (IsWhole()) {
     const auto count = [this](char end) { return static_cast<std::size_t>(std::ranges::count(text_, end)); };
     const std::size_t lines = std::max(count('\n'), count('\r')) + 1;
@@ -17,7 +19,10 @@ IniTree::Load::Load(IniTree& tree, std::string text)
 }
 
 IniTree::Load::~Load() {
-  if (is_open_) tree_.EndReset();
+  if (is_open_) {
+    tree_.NoteRevision();
+    tree_.EndReset();
+  }
   if (!IsWhole() && tree_.next_number_ == first_number_) tree_.texts_.GiveBackLast();
 }
 
@@ -49,8 +54,8 @@ void IniTree::Load::AppendNode(const NodeSource& source) {
 
 void IniTree::Load::Commit() {
   FinishSection();
-  if (!IsWhole()) SortChildren(tree_.Root(), sorter_);
-  if (IsWhole() || tree_.next_number_ != first_number_) ++tree_.revision_;
+  if (!IsWhole()) tree_.SortChildren(tree_.Root(), sorter_);
+  if (IsWhole() || tree_.next_number_ != first_number_) tree_.NoteRevision();
   is_open_ = false;
   tree_.EndReset();
 }
@@ -82,7 +87,7 @@ bool IniTree::Load::SectionsReordered() const {
 void IniTree::Load::FinishSection() {
   if (section_ != nullptr && !entries_.empty()) {
     tree_.ChildrenOf(section_).assign(entries_.begin(), entries_.end());
-    if (!IsWhole() && SortChildren(section_, sorter_)) entries_reordered_ = true;
+    if (!IsWhole() && SortNew(section_, sorter_)) entries_reordered_ = true;
     entries_.clear();
   }
   section_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,8 +13,9 @@
 
 namespace tme {
 
-/// Fills a tree from a text: the one way in for readers. In whole holding it fills an empty tree, once. The observer
-/// sees a reset from construction to Commit, and only these calls change the tree meanwhile.
+/// Fills a tree from a text: the one way in for readers. What comes to a document that has content is a step. In whole
+/// holding it fills an empty tree, once. The observer sees a reset from construction to Commit, and only these calls
+/// change the tree meanwhile.
 class IniTree::Load {
  public:
   /// text: taken over by the tree, and given back when nothing was appended.
@@ -50,6 +52,8 @@ class IniTree::Load {
   void FinishSection();
 
   IniTree& tree_;
+  /// Unless the tree is empty and was never edited.
+  std::optional<Step> step_;
   const std::string_view text_;
   /// Nodes from here on were appended.
   const std::uint32_t first_number_;

@@ -10,6 +10,11 @@ namespace tme {
 
 namespace {
 
+EditName RemovalOf(IniTag tag) {
+  if (tag == IniTag::Section) return EditName::DeleteSection;
+  return tag == IniTag::Value ? EditName::DeleteEntry : EditName::Delete;
+}
+
 /// Calls visit for every node but the root.
 template <typename Visit>
 void ForEachNode(const IniNode& root, Visit visit) {
@@ -34,6 +39,7 @@ IniNode* IniTree::NextSelected(const IniNode* node) {
 
 void IniTree::Remove(IniNode* node) {
   if (node == root_.get()) return;
+  const Step step(*this, RemovalOf(node->tag_));
   if (holding_ == Holding::Whole) RemoveLines(node);
   RemoveNode(node);
 }
@@ -45,24 +51,41 @@ void IniTree::RemoveNode(IniNode* node) {
   if (selected_ == node || selected_->parent_ == node) MoveSelection(NextSelected(node));
   parent->children_->erase(parent->children_->begin() + static_cast<std::ptrdiff_t>(row));
   NumberChildren(parent, row);
-  Discard(node);
-  ++revision_;
+  NoteRow(parent, node, row, IniChanges::Came::Out);
+  CountGone(*node);
+  NoteRevision();
   observer_->AfterRemove();
   TellIfSelectionMoved();
 }
 
 void IniTree::RemoveSelectedKey() {
   if (selected_->tag_ != IniTag::Value) return;
+  const Step step(*this, EditName::DeleteFromAllSections);
   observer_->BeforeReset();
   if (holding_ == Holding::Whole)
     MarkEntriesWithKey(KeyOf(*selected_));
   else
     MarkWalkingBack(EntryKeyOf(selected_->Text()));
+  RemoveMarkedLines();
   RemoveMarked();
   EndReset();
 }
 
-void IniTree::Clear() { Reset(root_->Text(), holding_); }
+void IniTree::Clear() {
+  if (node_count_ == 1 && lines_.First() == SourceLines::kEnds) return;
+  const Step step(*this, EditName::Delete);
+  observer_->BeforeReset();
+  if (selected_ != root_.get()) MoveSelection(root_.get());
+  if (root_->children_ != nullptr) {
+    for (IniNode* child : *root_->children_) NoteRow(root_.get(), child, 0, IniChanges::Came::Out);
+    root_->children_->clear();
+  }
+  if (lines_.First() != SourceLines::kEnds) lines_.Remove(lines_.First(), lines_.Last());
+  node_count_ = 1;
+  section_count_ = 0;
+  NoteRevision();
+  EndReset();
+}
 
 void IniTree::Reset(std::string_view root_text, tme::Holding holding) {
   const std::string kept(root_text);
@@ -72,21 +95,14 @@ void IniTree::Reset(std::string_view root_text, tme::Holding holding) {
   holding_ = holding;
   arrangement_ = holding == Holding::Whole ? IniArrangement::AsInFile : IniArrangement::ByName;
   root_->SetTextView(texts_.Copy(kept));
-  ++revision_;
+  NoteRevision();
+  ForgetSteps();
   EndReset();
 }
 
-/// Frees the memory of the node and its children. The list that held the node is the caller's.
-void IniTree::Discard(IniNode* node) {
-  --node_count_;
-  if (node->tag_ == IniTag::Section) --section_count_;
-  if (node->children_ != nullptr) {
-    for (IniNode* child : *node->children_) Discard(child);
-    std::destroy_at(node->children_);
-    lists_.deallocate(node->children_, sizeof(IniNode::Children), alignof(IniNode::Children));
-  }
-  if (holding_ == Holding::Whole) node_of_[node->number_] = nullptr;
-  nodes_.GiveBack(node);
+void IniTree::CountGone(const IniNode& node) {
+  node_count_ -= 1 + static_cast<std::size_t>(node.ChildCount());
+  if (node.tag_ == IniTag::Section) --section_count_;
 }
 
 void IniTree::DiscardAll() {
@@ -101,6 +117,7 @@ void IniTree::DiscardAll() {
   node_count_ = 1;
   section_count_ = 0;
   next_number_ = 1;
+  arranged_ = last_arranged_ = 0;
 }
 
 std::size_t IniTree::MarkTextEqualTo(std::string_view text) {
@@ -137,8 +154,21 @@ void IniTree::MarkEntriesWithKey(std::string_view key) {
   ForEachNode(*root_, [&](IniNode* node) {
     if (node->tag_ != IniTag::Value || CompareFolded(KeyOf(*node), key) != 0) return;
     node->removed_ = true;
-    lines_.Remove(node->number_);
   });
+}
+
+/// Those that touch go together.
+void IniTree::RemoveMarkedLines() {
+  const auto is_marked = [this](Piece piece) {
+    const IniNode* node = NodeOf(piece);
+    return node != nullptr && node->removed_;
+  };
+  for (Piece at = lines_.First(); at != SourceLines::kEnds; at = lines_.Next(at)) {
+    if (!is_marked(at)) continue;
+    const Piece first = at;
+    while (is_marked(lines_.Next(at))) at = lines_.Next(at);
+    lines_.Remove(first, at);
+  }
 }
 
 void IniTree::RemoveMarked() {
@@ -149,7 +179,7 @@ void IniTree::RemoveMarked() {
     if (!child->removed_) CompactChildren(child);
   }
   CompactChildren(root_.get());
-  ++revision_;
+  NoteRevision();
 }
 
 void IniTree::CompactChildren(IniNode* parent) {
@@ -158,9 +188,13 @@ void IniTree::CompactChildren(IniNode* parent) {
   const auto first = std::ranges::find_if(children, &IniNode::removed_);
   if (first == children.end()) return;
   const auto first_row = static_cast<std::size_t>(first - children.begin());
-  std::erase_if(children, [this](IniNode* child) {
-    if (!child->removed_) return false;
-    Discard(child);
+  std::size_t row = 0;
+  std::erase_if(children, [&](IniNode* child) {
+    if (!std::exchange(child->removed_, false)) return ++row, false;
+    // What is below it goes with it, marked or not.
+    for (int entry = 0; entry < child->ChildCount(); ++entry) child->Child(entry)->removed_ = false;
+    NoteRow(parent, child, row, IniChanges::Came::Out);
+    CountGone(*child);
     return true;
   });
   NumberChildren(parent, first_row);

@@ -74,7 +74,7 @@ bool IniTree::AddEntryLines(std::string_view key, std::string_view value) {
       AppendAndSort(section, source);
     header = at;
   }
-  ++revision_;
+  NoteRevision();
   EndReset();
   return true;
 }
@@ -87,6 +87,7 @@ bool IniTree::ReplaceLine(IniNode* node, const std::string& line) {
   lines_.Replace(node->number_, line + std::string(LineEndOf(lines_.Text(node->number_))));
   lines_.SetKind(node->number_, static_cast<std::uint8_t>(kind));
   const NodeSource source = SourceOfNode(node->number_);
+  NoteNode(node);
   node->tag_ = source.tag;
   node->SetTextView(source.text);
   ShowText(node);
@@ -120,7 +121,7 @@ void IniTree::RemoveLines(IniNode* node) {
     MoveBlock(BlockAbove(header), node, ParentBefore(first));
     EndReset();
   }
-  for (Piece at = first, end = lines_.Next(last); at != end;) lines_.Remove(std::exchange(at, lines_.Next(at)));
+  lines_.Remove(first, last);
 }
 
 std::vector<IniNode*> IniTree::BlockAbove(Piece header) const {
@@ -135,9 +136,13 @@ void IniTree::MoveBlock(const std::vector<IniNode*>& block, IniNode* from, IniNo
     node->removed_ = true;
     if (node == selected_) selection_moved_ = true;
   }
-  std::erase_if(*from->children_, [](const IniNode* node) { return node->removed_; });
+  std::size_t row = 0;
+  std::erase_if(*from->children_, [&](IniNode* node) {
+    if (!std::exchange(node->removed_, false)) return ++row, false;
+    NoteRow(from, node, row, IniChanges::Came::Out);
+    return true;
+  });
   NumberChildren(from, 0);
-  for (IniNode* node : block) node->removed_ = false;
   InsertAll(to, to == root_.get() ? from->row_ : static_cast<std::size_t>(to->ChildCount()), block);
 }
 
@@ -147,33 +152,37 @@ void IniTree::InsertAll(IniNode* parent, std::size_t row, const std::vector<IniN
   if (arrangement_ == IniArrangement::ByName) row = children.size();
   children.insert(children.begin() + static_cast<std::ptrdiff_t>(row), nodes.begin(), nodes.end());
   NumberChildren(parent, row);
-  for (IniNode* node : nodes) node->parent_ = parent;
+  for (IniNode* node : nodes) {
+    NoteRow(parent, node, node->row_, IniChanges::Came::In);
+    if (node->parent_ != parent) NoteNode(node);
+    node->parent_ = parent;
+  }
   if (arrangement_ == IniArrangement::AsInFile) return;
   IniSorter sorter;
   SortChildren(parent, sorter);
 }
 
 void IniTree::SetLineEnds(LineEnds ends) {
-  if (lines_.UsedLineEnds() == ends || ends == LineEnds::Mixed) return;
-  lines_.SetLineEnds(ends);
-  ++revision_;
+  const Step step(*this, EditName::ChangeLineEnds);
+  if (lines_.SetLineEnds(ends)) NoteRevision();
 }
 
 void IniTree::RemoveWithComments(IniNode* node) {
   const bool owns_comments =
       holding_ == Holding::Whole && (node->tag_ == IniTag::Section || node->tag_ == IniTag::Value);
   if (!owns_comments || FirstOfBlock(node->number_) == node->number_) return Remove(node);
+  const Step step(*this, node->tag_ == IniTag::Section ? EditName::DeleteSection : EditName::DeleteEntry);
   observer_->BeforeReset();
-  for (Piece at = FirstOfBlock(node->number_); at != node->number_;) {
-    NodeOf(at)->removed_ = true;
-    lines_.Remove(std::exchange(at, lines_.Next(at)));
-  }
+  const Piece first = FirstOfBlock(node->number_);
+  for (Piece at = first; at != node->number_; at = lines_.Next(at)) NodeOf(at)->removed_ = true;
+  lines_.Remove(first, lines_.Previous(node->number_));
   RemoveMarked();
   EndReset();
   Remove(node);
 }
 
 IniNode* IniTree::Paste(std::string_view text) {
+  const Step step(*this, EditName::Paste);
   const bool on_line = selected_->tag_ == IniTag::Value || selected_->tag_ == IniTag::Comments;
   IniNode* parent = on_line ? selected_->parent_ : selected_;
   const std::size_t own_lines = SizeBeforeSections(text);
@@ -186,7 +195,7 @@ IniNode* IniTree::Paste(std::string_view text) {
   InsertAll(parent, row, pasted);
   if (own_lines < text.size()) PasteSections(place == end ? last : end, text.substr(own_lines), parent, header, pasted);
   parent->expanded_ = root_->expanded_ = true;
-  ++revision_;
+  NoteRevision();
   if (!pasted.empty()) MoveSelection(pasted.front());
   EndReset();
   return pasted.empty() ? nullptr : pasted.front();
@@ -251,31 +260,32 @@ void IniTree::Arrange(IniArrangement arrangement) {
   if (holding_ == Holding::ByRules || arrangement_ == arrangement) return;
   observer_->BeforeReset();
   arrangement_ = arrangement;
-  if (arrangement == IniArrangement::ByName) {
-    IniSorter sorter;
-    SortChildren(root_.get(), sorter);
-    for (int row = 0; row < root_->ChildCount(); ++row) SortChildren(root_->Child(row), sorter);
-  } else {
-    ArrangeAsInFile();
-  }
+  Rearrange();
   EndReset();
 }
 
-void IniTree::ArrangeAsInFile() {
+void IniTree::Rearrange() {
+  ListAsInFile();
+  arranged_ = 0;
+  if (arrangement_ == IniArrangement::AsInFile) return;
+  arranged_ = ++last_arranged_;
+  IniSorter sorter;
+  SortNew(root_.get(), sorter);
+  for (int row = 0; row < root_->ChildCount(); ++row) SortNew(root_->Child(row), sorter);
+}
+
+void IniTree::ListAsInFile() {
   const auto clear = [](IniNode* node) {
     if (node->children_ != nullptr) node->children_->clear();
   };
-  const auto append = [](IniNode* node) {
-    IniNode::Children& siblings = *node->parent_->children_;
-    node->row_ = static_cast<std::uint32_t>(siblings.size());
-    siblings.push_back(node);
-  };
   clear(root_.get());
   for (Piece at = lines_.First(); at != SourceLines::kEnds; at = lines_.Next(at)) {
-    if (IniNode* node = NodeOf(at)) {
-      clear(node);
-      append(node);
-    }
+    IniNode* node = NodeOf(at);
+    if (node == nullptr) continue;
+    clear(node);
+    IniNode::Children& siblings = ChildrenOf(node->parent_);
+    node->row_ = static_cast<std::uint32_t>(siblings.size());
+    siblings.push_back(node);
   }
 }
 
