@@ -140,8 +140,11 @@ constexpr std::array kRows{
     Row{"menu_EditReg", "menu_EditRename", QT_TR_NOOP("&Rename"), kReg, "EditRename", "rename", "F2"},
 
     OpenMenu("", "menu_Search", QT_TR_NOOP("&Search")),
-    Row{"menu_Search", "menu_SearchFind", QT_TR_NOOP("&Find"), kPads, "SearchFind", "search-find", "Ctrl+F"},
-    Row{"menu_Search", "menu_SearchAgain", QT_TR_NOOP("Find &Again"), kTxt, "SearchAgain", "search-again", "F3"},
+    Row{"menu_Search", "menu_SearchFind", QT_TR_NOOP("&Find"), kDocuments, "SearchFind", "search-find", "Ctrl+F"},
+    Row{"menu_Search", "menu_SearchAgain", QT_TR_NOOP("Find &Again"), kIni | kReg | kTxt, "SearchAgain", "search-again",
+        "F3"},
+    Row{"menu_Search", "menu_SearchPrevious", QT_TR_NOOP("Find &Previous"), kIni | kReg, "SearchPrevious", nullptr,
+        "Shift+F3"},
     Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kPads, "SearchReplace", "search-replace",
         "Ctrl+H"},
     Row{"menu_Search", "menu_SearchGoToLine", QT_TR_NOOP("&Go to Line..."), kTxt, nullptr, nullptr, "Ctrl+G"},

@@ -26,6 +26,7 @@
 #include "system/Twips.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
+#include "windows/ini/IniSearchTarget.h"
 #include "windows/ini/ScrollBarUnderStrip.h"
 #include "windows/tree/DocumentTreeView.h"
 
@@ -73,6 +74,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->addScrollBarWidget(MakeBadge(TV), Qt::AlignRight);
   TV->setModel(model_.get());
   WatchState(*TV);
+  WatchContent(*model_);
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 
@@ -104,6 +106,13 @@ void form_INI::BuildTreeView(QWidget& client) {
   // On a button, Enter is the button's.
   on_key(TV, Qt::Key_Return, &form_INI::cmd_Edit_Click);
   on_key(TV, Qt::Key_Enter, &form_INI::cmd_Edit_Click);
+}
+
+std::unique_ptr<SearchTarget> form_INI::MakeSearchTarget() {
+  return std::make_unique<IniSearchTarget>(tree_, *TV, [this](IniNode* node) {
+    tree_.Select(node);
+    ShowSelection();
+  });
 }
 
 void form_INI::BuildButtons(QWidget& client) {

@@ -59,6 +59,7 @@ class form_INI : public TreeDocumentWindow {
   void PutByRules(std::string bytes) override;
   LineEnds UsedLineEnds() const override { return tree_.Lines().UsedLineEnds(); }
   void SetLineEnds(LineEnds ends) override { tree_.SetLineEnds(ends); }
+  std::unique_ptr<SearchTarget> MakeSearchTarget() override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   void AddState(DocumentState& state) const override;

@@ -22,6 +22,7 @@
 #include "system/RegistryAccess.h"
 #include "system/Twips.h"
 #include "windows/reg/RegKeyModel.h"
+#include "windows/reg/RegSearchTarget.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/RegWholeCommands.h"
 #include "windows/tree/DocumentTreeView.h"
@@ -95,6 +96,9 @@ void form_REG::BuildKeyTree(QWidget* parent) {
   TV = new DocumentTreeView(parent);
   TV->setAccessibleName(tr("Keys"));
   TV->setModel(keys_.get());
+  WatchContent(*keys_);
+  for (const auto signal : {&RegKeyModel::ValueAddedToTable, &RegKeyModel::ValueChangedInTable})
+    connect(keys_.get(), signal, this, &form_REG::ContentChanged);
   TV->installEventFilter(this);
   TV->viewport()->installEventFilter(this);
   connect(keys_.get(), &QAbstractItemModel::modelReset, this, &form_REG::RestoreView);
@@ -147,6 +151,24 @@ void form_REG::BuildValueList(QWidget* parent) {
   on_key(Qt::Key_Return, &form_REG::EditModify);
   on_key(Qt::Key_Enter, &form_REG::EditModify);
   on_key(Qt::Key_Insert, &form_REG::EditNewString);
+}
+
+std::unique_ptr<SearchTarget> form_REG::MakeSearchTarget() {
+  return std::make_unique<RegSearchTarget>(document_, RegSearchTarget::ShownIn{*TV, *LV, *values_},
+                                           [this](RegNode* node, std::uint32_t record) { GoToPlace(node, record); });
+}
+
+void form_REG::GoToPlace(RegNode* node, std::uint32_t record) {
+  document_.Select(node);
+  TV->setCurrentIndex(keys_->IndexOf(node));
+  TV->scrollTo(TV->currentIndex());
+  if (record == SearchPlace::kNoRecord) {
+    LV->clearSelection();
+    SetFocusMarker(Focus::TV);
+  } else {
+    GoToRow(values_->RowOf(record));
+    SetFocusMarker(Focus::LV);
+  }
 }
 
 bool form_REG::eventFilter(QObject* watched, QEvent* event) {

@@ -84,6 +84,7 @@ class form_REG : public TreeDocumentWindow {
   bool ConfirmKind(std::size_t kind) override;
   void BecomeKind(std::size_t kind) override;
   std::string TextForOtherHolding() override;
+  std::unique_ptr<SearchTarget> MakeSearchTarget() override;
   void BuildControls(QWidget& client) override;
   void UpdateCommands() override;
   void AddState(DocumentState& state) const override;
@@ -126,6 +127,7 @@ class form_REG : public TreeDocumentWindow {
   void FollowEdit(const RegTarget& target);
   /// Or the last one.
   void GoToRow(int row);
+  void GoToPlace(RegNode* node, std::uint32_t record);
   /// Runs a change that resets the tree.
   void KeepExpanded(const std::function<void()>& change);
   void NewWholeKey();

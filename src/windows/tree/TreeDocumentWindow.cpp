@@ -9,6 +9,7 @@
 #include "shell/PlainText.h"
 #include "shell/Settings.h"
 #include "system/Dialogs.h"
+#include "windows/tree/SearchTarget.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +21,11 @@ constexpr int kBadgeMargin = 4;  // pixels
 constexpr Holding OtherThan(Holding holding) { return holding == Holding::Whole ? Holding::ByRules : Holding::Whole; }
 
 }  // namespace
+
+TreeDocumentWindow::TreeDocumentWindow(Global& global, DocumentKind kind, int slot, bool Settings::*always_whole)
+    : DocumentWindow(global, kind, slot), always_whole_(always_whole) {}
+
+TreeDocumentWindow::~TreeDocumentWindow() = default;
 
 QWidget* TreeDocumentWindow::MakeBadge(QWidget* parent) {
   badge_ = PlainLabel({}, parent);

@@ -7,9 +7,16 @@
 
 class QAbstractItemView;
 class QLabel;
+class QShortcut;
+class QSplitter;
 
 namespace tme {
 
+class FindBar;
+class HitList;
+class SearchTarget;
+class TreeFinder;
+class TreeItemModelBase;
 struct Settings;
 
 /// A document window that shows a tree, and whose document can be held in two ways.
@@ -18,8 +25,8 @@ class TreeDocumentWindow : public DocumentWindow {
 
  public:
   /// always_whole: the setting that new documents and opened files follow.
-  TreeDocumentWindow(Global& global, DocumentKind kind, int slot, bool Settings::*always_whole)
-      : DocumentWindow(global, kind, slot), always_whole_(always_whole) {}
+  TreeDocumentWindow(Global& global, DocumentKind kind, int slot, bool Settings::*always_whole);
+  ~TreeDocumentWindow() override;
 
   Holding GetHolding() const { return file_.HeldAs(); }
 
@@ -32,7 +39,28 @@ class TreeDocumentWindow : public DocumentWindow {
   /// first; when it is not saved, the document stays as it was.
   Q_INVOKABLE void SaveAsAnotherForm();
 
+  /// Opens the find bar with the text that was last sought, or gives it the focus.
+  Q_INVOKABLE void SearchFind();
+  /// The next and the previous hit of the text that was last sought.
+  Q_INVOKABLE void SearchAgain();
+  Q_INVOKABLE void SearchPrevious();
+
+  /// The document as searches see it; only of a window that has had a document.
+  SearchTarget& Searchable();
+  /// While it changes, or is being read.
+  bool IsContentChanging() const;
+
+ signals:
+  /// After each change of what the window shows; there may be many in a row.
+  void ContentChanged();
+
  protected:
+  virtual std::unique_ptr<SearchTarget> MakeSearchTarget() = 0;
+  /// model: of the window's tree; to be called once.
+  void WatchContent(const TreeItemModelBase& model);
+  /// What stands beside the window's own controls, which come first in it.
+  QSplitter& Panes();
+
   /// The window's badge, which says how the document is held; owned by the window's controls.
   QWidget* MakeBadge(QWidget* parent);
   void UpdateCommands() override;
@@ -102,8 +130,22 @@ class TreeDocumentWindow : public DocumentWindow {
   bool FitsOrIsAgreed(TextFormat& format);
   void ShowHolding();
 
+  // Finding (TreeDocumentWindow_find.cpp).
+  void BuildFindBar();
+  void OpenFindBar();
+  void CloseFindBar();
+  void ShowHitList(bool is_shown);
+  void GoToHit(std::size_t index);
+
   bool Settings::*const always_whole_;
   QLabel* badge_ = nullptr;
+  const TreeItemModelBase* content_ = nullptr;
+  std::unique_ptr<SearchTarget> search_target_;
+  TreeFinder* finder_ = nullptr;
+  FindBar* find_bar_ = nullptr;
+  HitList* hit_list_ = nullptr;
+  QShortcut* escape_ = nullptr;
+  QSplitter* panes_ = nullptr;
   bool is_putting_ = false;
 };
 

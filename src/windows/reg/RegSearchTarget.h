@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <functional>
+
+#include "documents/reg/RegDocument.h"
+#include "windows/tree/SearchTarget.h"
+
+class QTreeView;
+
+namespace tme {
+
+class RegValueModel;
+
+/// A registry window as searches see it.
+class RegSearchTarget final : public SearchTarget {
+  Q_DECLARE_TR_FUNCTIONS(RegSearchTarget)
+
+ public:
+  /// What the window shows its document in; they outlive it.
+  struct ShownIn {
+    QTreeView& keys;
+    QTreeView& list;
+    RegValueModel& values;
+  };
+
+  /// go_to: selects a key, and in it a record unless that is SearchPlace::kNoRecord.
+  RegSearchTarget(RegDocument& document, const ShownIn& views, std::function<void(RegNode*, std::uint32_t)> go_to)
+      : document_(document), views_(views), go_to_(std::move(go_to)) {}
+
+  std::vector<Field> Fields() const override;
+  std::unique_ptr<SearchSource> MakeSource() const override;
+  std::string TextOf(const SearchPlace& place, SearchField field) const override;
+  Row RowOf(const SearchPlace& place) const override;
+  std::vector<QAbstractItemView*> Views() const override;
+  std::vector<ShownField> ShownAt(const QModelIndex& index) const override;
+  SearchPlace Selected() const override;
+  void GoTo(const SearchPlace& place) override;
+  void FocusSelected() override;
+
+ private:
+  std::string DataOf(std::size_t record) const;
+
+  RegDocument& document_;
+  ShownIn views_;
+  std::function<void(RegNode*, std::uint32_t)> go_to_;
+};
+
+}  // namespace tme

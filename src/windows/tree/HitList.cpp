@@ -1,0 +1,65 @@
+#include "windows/tree/HitList.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScopedValueRollback>
+
+#include "windows/tree/HitListModel.h"
+#include "windows/tree/TreeFinder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kNameColumnCharacters = 20;
+
+}  // namespace
+
+HitList::HitList(TreeFinder& finder, QWidget* parent)
+    : QTreeView(parent), finder_(finder), rows_(new HitListModel(finder, this)) {
+  setObjectName(u"hit_list"_s);
+  setAccessibleName(tr("All hits"));
+  setRootIsDecorated(false);
+  setUniformRowHeights(true);
+  setAllColumnsShowFocus(true);
+  setEditTriggers(NoEditTriggers);
+  setModel(rows_);
+  setItemDelegate(new HitMarks([this](const QModelIndex& index) { return rows_->MarksOf(index); }, this));
+  header()->setSectionsMovable(false);
+  // By the rows in sight, or a million would be measured.
+  header()->setResizeContentsPrecision(0);
+  const int width = fontMetrics().averageCharWidth() * kNameColumnCharacters;
+  header()->resizeSection(HitListModel::Name, width);
+  header()->resizeSection(HitListModel::Path, width);
+  ShowColumns();
+  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex& current) {
+    if (!is_following_ && current.isValid()) finder_.Show(static_cast<std::size_t>(current.row()));
+  });
+  connect(this, &QTreeView::doubleClicked, this,
+          [this](const QModelIndex& index) { emit Chosen(static_cast<std::size_t>(index.row())); });
+  connect(&finder_, &TreeFinder::Progressed, this, &HitList::Follow);
+  connect(&finder_, &TreeFinder::Restarted, this, &HitList::ShowColumns);
+  Follow();
+}
+
+void HitList::ShowColumns() {
+  setColumnHidden(HitListModel::Document, finder_.Query().scope == FindScope::ThisDocument);
+}
+
+void HitList::Follow() {
+  const std::optional<std::size_t> present = finder_.Present();
+  if (!present || *present >= static_cast<std::size_t>(rows_->rowCount())) return;
+  const QModelIndex index = rows_->index(static_cast<int>(*present), 0);
+  if (index.row() == currentIndex().row()) return;
+  const QScopedValueRollback following(is_following_, true);
+  setCurrentIndex(index);
+}
+
+void HitList::keyPressEvent(QKeyEvent* event) {
+  const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!is_enter || !currentIndex().isValid()) return QTreeView::keyPressEvent(event);
+  emit Chosen(static_cast<std::size_t>(currentIndex().row()));
+}
+
+}  // namespace tme

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+#include <functional>
+#include <vector>
+
+namespace tme {
+
+/// A part of a text that is shown, in UTF-16 units.
+struct MarkedRange {
+  qsizetype start;
+  qsizetype size;
+};
+/// The parts that are to be marked of what an index shows. Asked for what is painted alone.
+using MarksOfIndex = std::function<std::vector<MarkedRange>(const QModelIndex& index)>;
+
+/// Draws the items of a view as any view does, with parts of their texts marked. Texts are plain.
+class HitMarks : public QStyledItemDelegate {
+  Q_OBJECT
+
+ public:
+  HitMarks(MarksOfIndex marks, QObject* parent) : QStyledItemDelegate(parent), marks_(std::move(marks)) {}
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+ private:
+  MarksOfIndex marks_;
+};
+
+}  // namespace tme

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "documents/search/TreeSearch.h"
+#include "windows/tree/SearchTarget.h"
+
+namespace tme {
+
+class DocumentTable;
+class TreeDocumentWindow;
+
+enum class FindSyntax : std::uint8_t { Plain, Pattern };
+enum class FindScope : std::uint8_t { ThisDocument, AllDocuments };
+
+/// What is sought, and where.
+struct FindQuery {
+  QString wanted;
+  SearchCase search_case = SearchCase::Ignore;
+  SearchWords words = SearchWords::Any;
+  FindSyntax syntax = FindSyntax::Plain;
+  SearchFields left_out = 0;
+  FindScope scope = FindScope::ThisDocument;
+
+  bool operator==(const FindQuery&) const = default;
+};
+
+/// The search of one tree window: through its own document, and where that is wanted through all open ones that have a
+/// tree, in slices between the events. What it finds follows their edits.
+class TreeFinder : public QObject {
+  Q_OBJECT
+
+ public:
+  /// A hit, and the window of its document.
+  struct Found {
+    TreeDocumentWindow* window;
+    SearchHit hit;
+  };
+
+  /// Both outlive it.
+  TreeFinder(TreeDocumentWindow& window, const DocumentTable& documents);
+
+  const FindQuery& Query() const { return query_; }
+  /// Searches anew. With an empty text nothing is found. What is found first from the selected place on is gone to.
+  void SetQuery(const FindQuery& query);
+  /// Why the expression is none; empty when it is one.
+  const QString& Error() const { return error_; }
+  /// What finds the marks in texts; null when nothing is sought.
+  const std::shared_ptr<const TextMatcher>& Matcher() const { return matcher_; }
+  bool LooksIn(SearchField field) const { return (query_.left_out & FieldBit(field)) == 0; }
+  /// Forgets what is sought, and all hits.
+  void Stop();
+
+  bool IsSearching() const { return timer_.isActive(); }
+  /// Searches to the end now.
+  void Finish();
+
+  /// Of the window's own document.
+  const std::deque<SearchHit>& Hits() const { return runs_.front().search->Hits(); }
+  /// The index of the hit that is selected; null when another place is.
+  std::optional<std::size_t> Present() const;
+  /// Goes to the next or previous one from the selected place, around the ends. False when there is none.
+  bool GoToNext();
+  bool GoToPrevious();
+
+  // The hits of all documents that are searched, those of the own one first.
+  std::size_t FoundCount() const;
+  /// index: below FoundCount.
+  Found At(std::size_t index) const;
+  /// How many documents have hits.
+  std::size_t DocumentCount() const;
+  /// Selects the hit in its window, which stays where it is.
+  void Show(std::size_t index);
+
+ signals:
+  /// The hits there were are gone.
+  void Restarted();
+  /// More hits, or all of them.
+  void Progressed();
+
+ private:
+  struct Run {
+    TreeDocumentWindow* window;
+    std::unique_ptr<TreeSearch> search;
+    /// The document has changed: its hits are no longer there.
+    bool is_stale = true;
+  };
+
+  void MakeMatcher();
+  void WatchOthers();
+  void FillRuns();
+  void Begin();
+  void ContentChanged(TreeDocumentWindow* window);
+  /// Searches for a slice; false when all is searched.
+  bool SearchOn(std::chrono::steady_clock::time_point until);
+  void GoOn();
+  /// Once it is known: to the first hit from where the search began.
+  void GoToFirst();
+  SearchTarget& Own() const;
+  void GoTo(std::size_t index);
+
+  TreeDocumentWindow& window_;
+  const DocumentTable& documents_;
+  FindQuery query_;
+  QString error_;
+  std::shared_ptr<const TextMatcher> matcher_;
+  /// The own document's stands first.
+  std::vector<Run> runs_;
+  QTimer timer_;
+  /// Where the search began, until the user goes on.
+  SearchPlace origin_;
+  /// The place of the hit that was gone to, and its index.
+  SearchPlace present_place_;
+  std::optional<std::size_t> present_;
+  bool goes_to_first_ = false;
+  bool watches_others_ = false;
+};
+
+}  // namespace tme
