@@ -143,6 +143,22 @@ std::uint64_t SourceLines::Size() const {
   return size;
 }
 
+std::vector<std::uint64_t> SourceLines::OffsetsOf(std::span<const Piece> pieces) const {
+  std::vector<std::uint64_t> offsets;
+  std::uint64_t offset = 0;
+  for (Piece at = First(); at != kEnds && offsets.size() < pieces.size(); at = Next(at)) {
+    if (at == pieces[offsets.size()]) offsets.push_back(offset);
+    offset += pieces_[at].size;
+  }
+  return offsets;
+}
+
+SourceLines::Piece SourceLines::PieceAt(std::uint64_t offset) const {
+  Piece at = First();
+  for (; at != kEnds && offset >= pieces_[at].size; at = Next(at)) offset -= pieces_[at].size;
+  return at;
+}
+
 SourceLines::Piece SourceLines::Make(Piece place, std::string_view lines, std::uint8_t kind) {
   const auto piece = static_cast<Piece>(pieces_.size());
   pieces_.push_back({.text = "", .size = 0, .next = Next(place), .previous = place, .kind = kind});

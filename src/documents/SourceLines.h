@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -81,6 +82,10 @@ class SourceLines {
   std::uint64_t Size() const;
   /// Numbers of pieces are below it.
   std::size_t PieceCount() const { return pieces_.size(); }
+  /// The bytes before each of some pieces, which stand in the order of the file. Linear, as PieceAt is.
+  std::vector<std::uint64_t> OffsetsOf(std::span<const Piece> pieces) const;
+  /// The piece with this byte; kEnds behind the last one.
+  Piece PieceAt(std::uint64_t offset) const;
 
  private:
   struct Entry {

@@ -160,6 +160,8 @@ constexpr std::array kRows{
     OpenMenu("", "menu_View", QT_TR_NOOP("&View")),
     Row{"menu_View", "menu_ViewWholeFile", QT_TR_NOOP("&Whole File"), kIni | kReg, "WholeFile"},
     Row{"menu_View", "menu_ViewShowComments", QT_TR_NOOP("Show &Comments"), kReg, "ShowComments"},
+    Row{"menu_View", "menu_ViewSource", QT_TR_NOOP("So&urce"), kIni | kReg, "ViewSource", nullptr, "Ctrl+U"},
+    Row{"menu_View", "menu_ViewSourceBeside", QT_TR_NOOP("Source &Beside the Tree"), kIni | kReg, "ViewSourceBeside"},
     Separator("menu_View"),
     Row{"menu_View", "menu_ViewExpandAll", QT_TR_NOOP("&Expand All"), kIni, "ExpandAll"},
     Row{"menu_View", "menu_ViewCollaspeAlll", QT_TR_NOOP("&Collapse All"), kIni, "CollapseAll"},

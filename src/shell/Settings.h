@@ -34,6 +34,9 @@ struct Settings {
   bool word_wrap = false;
   /// Of all text windows.
   bool line_numbers = false;
+  /// Of all windows that show a tree: its source, and that beside the tree in place of below it.
+  bool show_source = false;
+  bool source_beside = false;
   /// Minutes, 0 to 99; 0 is off.
   int auto_save_period = 0;
   QString font_name = QStringLiteral("Courier");
@@ -66,6 +69,8 @@ inline constexpr std::array kFlags{
     Flag{&Settings::multi_select, "MultiSelect"},
     Flag{&Settings::word_wrap, "Word Wrap"},
     Flag{&Settings::line_numbers, "Line Numbers", &kTxtKey},
+    Flag{&Settings::show_source, "Show Source"},
+    Flag{&Settings::source_beside, "Source Beside"},
     Flag{&Settings::ini_whole, "Whole File", &kIniKey},
     Flag{&Settings::reg_whole, "Whole File", &kRegKey},
 };

@@ -130,6 +130,9 @@ class IniTree : public EditLog<IniChanges> {
   bool WriteSource(const PartSink& sink) const { return lines_.Write(sink); }
   /// Whole holding: the text.
   const SourceLines& Lines() const { return lines_; }
+  /// Whole holding: the line of a node, kEnds for the root; and the node of a line, null for blank ones.
+  SourceLines::Piece PieceOf(const IniNode& node) const { return &node == Root() ? SourceLines::kEnds : node.number_; }
+  IniNode* NodeOf(SourceLines::Piece piece) const { return piece < node_of_.size() ? node_of_[piece] : nullptr; }
 
   /// Whether no child of the root has exactly this text.
   bool IsUniqueSectionName(std::string_view name) const;
@@ -241,7 +244,6 @@ class IniTree : public EditLog<IniChanges> {
   void CompactChildren(IniNode* parent);
 
   // Whole holding: where lines are (IniTreeSource.cpp).
-  IniNode* NodeOf(Piece piece) const { return piece < node_of_.size() ? node_of_[piece] : nullptr; }
   IniLine KindOfPiece(Piece piece) const { return static_cast<IniLine>(lines_.Kind(piece)); }
   NodeSource SourceOfNode(Piece piece) const;
   /// The node above a piece that holds entries: a section or the root.

@@ -25,6 +25,7 @@ namespace tme {
 /// A key's or deletion's block of lines in a whole document.
 struct RegBlock {
   const RegNode* node;
+  SourceLines::Piece header;
   /// The first line of the comment that touches the header, else the header.
   SourceLines::Piece lead;
   /// Behind it: the lead of the next block, or kEnds.
@@ -118,7 +119,7 @@ class RegDocument : public EditLog<RegChanges> {
   void ForEachBlock(Visit visit) const {
     for (std::uint32_t at = headers_[0].next; at != 0; at = headers_[at].next) {
       const std::uint32_t next = headers_[at].next;
-      visit(RegBlock{headers_[at].node, LeadOf(at), next == 0 ? SourceLines::kEnds : LeadOf(next)});
+      visit(RegBlock{headers_[at].node, headers_[at].piece, LeadOf(at), next == 0 ? SourceLines::kEnds : LeadOf(next)});
     }
   }
 

@@ -7,6 +7,12 @@
 
 namespace tme {
 
+/// Whether a node is `top` or stands below it.
+inline bool IsAtOrBelow(const RegNode* node, const RegNode* top) {
+  while (node != nullptr && node != top) node = node->Parent();
+  return node == top;
+}
+
 /// Visits every node from top downwards: enter(node) before its children, leave(node) after them. There is no
 /// recursion, so 100,000 levels are fine. Ends with false as soon as enter gives false.
 template <typename Enter, typename Leave>

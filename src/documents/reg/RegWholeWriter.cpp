@@ -4,15 +4,11 @@
 #include <vector>
 
 #include "documents/reg/RegDocument.h"
+#include "documents/reg/RegKeyWalk.h"
 
 namespace tme {
 
 namespace {
-
-bool IsAtOrBelow(const RegNode* node, const RegNode* top) {
-  while (node != nullptr && node != top) node = node->Parent();
-  return node != nullptr;
-}
 
 /// Calls key(node) for each key that only longer paths imply, before the block that begins at lead.
 template <typename Key>

@@ -27,6 +27,7 @@
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/IniNotice.h"
 #include "windows/ini/IniSearchTarget.h"
+#include "windows/ini/IniSource.h"
 #include "windows/ini/ScrollBarUnderStrip.h"
 #include "windows/tree/DocumentTreeView.h"
 
@@ -61,9 +62,17 @@ int form_INI::PreferredWidth() const { return TwipsToPixels(kOpenedWidth, logica
 void form_INI::BuildControls(QWidget& client) {
   setWindowIcon(Icon(u"ini-file"_s));
   model_ = std::make_unique<IniItemModel>(tree_);
-  BuildTreeView(client);
-  BuildButtons(client);
-  client.installEventFilter(this);
+  QWidget* area = MakeTreeArea(client);
+  BuildTreeView(*area);
+  BuildButtons(*area);
+  area->installEventFilter(this);
+}
+
+std::unique_ptr<SourceDocument> form_INI::MakeSourceDocument() {
+  return std::make_unique<IniSource>(tree_, [this](IniNode* node) {
+    tree_.Select(node);
+    ShowSelection();
+  });
 }
 
 void form_INI::BuildTreeView(QWidget& client) {
@@ -170,6 +179,7 @@ void form_INI::TV_NodeClick() {
   const IniTag tag = tree_.Selected()->Tag();
   const bool has_sections = tree_.SectionCount() > 0;
   const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section, on_comment = tag == IniTag::Comments;
+  FollowInSource();
   cmd_DeleteSection->setEnabled(on_section);
   cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
   const IniNode* parent = tree_.Selected()->Parent();

@@ -61,6 +61,7 @@ class form_INI : public TreeDocumentWindow {
   void SetLineEnds(LineEnds ends) override { tree_.SetLineEnds(ends); }
   std::unique_ptr<SearchTarget> MakeSearchTarget() override;
   void BuildControls(QWidget& client) override;
+  std::unique_ptr<SourceDocument> MakeSourceDocument() override;
   void UpdateCommands() override;
   void AddState(DocumentState& state) const override;
   DocumentFigures Figures() const override;

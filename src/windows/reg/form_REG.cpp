@@ -51,9 +51,10 @@ void form_REG::BuildControls(QWidget& client) {
   values_ = std::make_unique<RegValueModel>(document_);
   whole_ = std::make_unique<RegWholeCommands>(*this, global_.dialogs, document_);
 
-  auto* column = new QVBoxLayout(&client);
+  QWidget* area = MakeTreeArea(client);
+  auto* column = new QVBoxLayout(area);
   column->setContentsMargins(0, 0, 0, 0);
-  auto* splitter = new QSplitter(&client);
+  auto* splitter = new QSplitter(area);
   splitter->setObjectName(u"splitter"_s);
   splitter->setAccessibleName(tr("Divider between keys and values"));
   splitter->setChildrenCollapsible(false);
@@ -65,7 +66,7 @@ void form_REG::BuildControls(QWidget& client) {
 
   auto* status = new QHBoxLayout;
   status->setContentsMargins(4, 0, 4, 2);
-  lbl_location = PlainLabel({}, &client);
+  lbl_location = PlainLabel({}, area);
   lbl_location->setObjectName(u"lbl_location"_s);
   lbl_location->setAccessibleDescription(tr("Path of the selected key"));
   lbl_location->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -73,7 +74,7 @@ void form_REG::BuildControls(QWidget& client) {
   lbl_location->setMinimumHeight(lbl_location->fontMetrics().height());
   status->addWidget(lbl_location, 1);
   const auto make_bar = [&](const QString& name, const QString& accessible_name) {
-    auto* bar = new QProgressBar(&client);
+    auto* bar = new QProgressBar(area);
     bar->setObjectName(name);
     bar->setAccessibleName(accessible_name);
     bar->setTextVisible(false);
@@ -84,7 +85,7 @@ void form_REG::BuildControls(QWidget& client) {
   PB = make_bar(u"PB"_s, tr("Lines read"));
   PB2 = make_bar(u"PB2"_s, tr("Stage within the line"));
   PB2->setMaximum(kStages);
-  status->addWidget(MakeBadge(&client));
+  status->addWidget(MakeBadge(area));
   column->addLayout(status);
   WatchState(*TV);
   WatchState(*LV);

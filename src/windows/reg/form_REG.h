@@ -21,6 +21,7 @@ class RegKeyModel;
 struct RegLosses;
 class RegValueModel;
 class RegWholeCommands;
+struct RegPlace;
 struct RegTarget;
 
 /// The window of a registry export file: its keys in `TV` beside the selected key's values in `LV`, and below them the
@@ -86,6 +87,7 @@ class form_REG : public TreeDocumentWindow {
   std::string TextForOtherHolding() override;
   std::unique_ptr<SearchTarget> MakeSearchTarget() override;
   void BuildControls(QWidget& client) override;
+  std::unique_ptr<SourceDocument> MakeSourceDocument() override;
   void UpdateCommands() override;
   void AddState(DocumentState& state) const override;
   DocumentFigures Figures() const override;
@@ -119,6 +121,7 @@ class form_REG : public TreeDocumentWindow {
   SaveOutcome ConfirmCharacters(const SaveRequest& request);
   void BecomeVersion(RegVersion target);
   bool IsWhole() const { return document_.HeldAs() == Holding::Whole; }
+  void SelectPlace(const RegPlace& place);
   ReadEnd ReadWhole(std::string text);
   void UpdateWholeCommands();
   RegTarget Target() const;

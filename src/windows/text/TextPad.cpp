@@ -55,10 +55,11 @@ int FirstLineEnd(std::string_view text) {
 
 }  // namespace
 
-TextPad::TextPad(QWidget* parent)
+TextPad::TextPad(QWidget* parent, Styles styles)
     : QsciScintillaBase(parent),
       send_(reinterpret_cast<DirectFunction>(SendScintillaPtrResult(SCI_GETDIRECTFUNCTION))),
-      editor_(reinterpret_cast<std::intptr_t>(SendScintillaPtrResult(SCI_GETDIRECTPOINTER))) {
+      editor_(reinterpret_cast<std::intptr_t>(SendScintillaPtrResult(SCI_GETDIRECTPOINTER))),
+      styles_(styles) {
   TextPadAccessible::Install();  // before anything asks for the interface
   setObjectName(u"pad"_s);
   setAccessibleName(tr("Text"));
@@ -172,9 +173,9 @@ void TextPad::SetTextFont(const QString& family, int points) {
 }
 
 void TextPad::SetText(std::string utf8) {
-  // Without places for styles, which would double the memory.
-  const std::intptr_t document =
-      Send(SCI_CREATEDOCUMENT, utf8.size() + 1, SC_DOCUMENTOPTION_STYLES_NONE | SC_DOCUMENTOPTION_TEXT_LARGE);
+  // Places for styles double the memory.
+  const int styles = styles_ == Styles::None ? SC_DOCUMENTOPTION_STYLES_NONE : SC_DOCUMENTOPTION_DEFAULT;
+  const std::intptr_t document = Send(SCI_CREATEDOCUMENT, utf8.size() + 1, styles | SC_DOCUMENTOPTION_TEXT_LARGE);
   Send(SCI_SETDOCPOINTER, 0, document);
   Send(SCI_RELEASEDOCUMENT, 0, document);
   SetUpDocument();

@@ -22,7 +22,9 @@ class TextPad : public QsciScintillaBase, public Pad {
   Q_OBJECT
 
  public:
-  explicit TextPad(QWidget* parent);
+  /// Whether there are places for styles, a byte for each of the text.
+  enum class Styles : std::uint8_t { None, Kept };
+  explicit TextPad(QWidget* parent, Styles styles = Styles::None);
 
   /// Replaces the document; its first line end becomes that of typed and pasted lines (CR LF without one). The caret
   /// stands at the start, there is nothing to undo, and SCEN_CHANGE, which tells of edits just before they happen, is
@@ -97,14 +99,17 @@ class TextPad : public QsciScintillaBase, public Pad {
   /// An input method is told of the text near the caret, within its line.
   QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
   void wheelEvent(QWheelEvent* event) override;
+  virtual void ApplyColors();
 
- private:
   /// SendScintilla without its conversions: positions and pointers are not cut where `long` has 32 bits.
   std::intptr_t Send(unsigned message, std::uintptr_t first = 0, std::intptr_t second = 0) const;
+  /// An edit invalidates it.
+  std::string_view BytesBetween(PadPosition start, PadPosition end) const;
+
+ private:
   void SetUpView();
   void SetUpDocument();
   void AssignKeys();
-  void ApplyColors();
   void ApplyWrap();
   void ApplyZoom(Zoom zoom);
   void FitLineNumbers();
@@ -119,7 +124,6 @@ class TextPad : public QsciScintillaBase, public Pad {
   bool DeleteGrapheme(const QKeyEvent& key);
   void NeedLineIndex() const;
   char ByteAt(PadPosition position) const;
-  std::string_view BytesBetween(PadPosition start, PadPosition end) const;
   std::string_view SelectedBytes() const;
 
   /// The edits that are told. Not what comes after one: for that, QScintilla copies the text and counts characters from
@@ -129,6 +133,7 @@ class TextPad : public QsciScintillaBase, public Pad {
   using DirectFunction = std::intptr_t (*)(std::intptr_t, unsigned, std::uintptr_t, std::intptr_t);
   const DirectFunction send_;
   const std::intptr_t editor_;
+  const Styles styles_;
   std::uint64_t revision_ = 0;
   int right_margin_ = kNoWrap;
   QFont font_;

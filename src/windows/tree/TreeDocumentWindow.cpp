@@ -10,6 +10,7 @@
 #include "shell/Settings.h"
 #include "system/Dialogs.h"
 #include "windows/tree/SearchTarget.h"
+#include "windows/tree/SourcePane.h"
 
 using namespace Qt::StringLiterals;
 
@@ -54,7 +55,9 @@ void TreeDocumentWindow::UpdateCommands() {
     const bool is_whole = GetHolding() == Holding::Whole;
     global_.menus.SetChecked("menu_ViewWholeFile", is_whole);
     global_.menus.SetHidden(u"menu_FileSaveForm"_s, !is_whole);
+    ShowSourceItems();
   }
+  FollowInSource();
 }
 
 std::vector<NoticeAction> TreeDocumentWindow::HoldingButton() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
 #include "shell/DocumentWindow.h"
@@ -15,6 +17,8 @@ namespace tme {
 class FindBar;
 class HitList;
 class SearchTarget;
+class SourceDocument;
+class SourcePane;
 class TreeFinder;
 class TreeItemModelBase;
 struct Settings;
@@ -38,6 +42,13 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Saves a document that is held whole in another form: it becomes that file. What the form cannot say is asked
   /// first; when it is not saved, the document stays as it was.
   Q_INVOKABLE void SaveAsAnotherForm();
+
+  /// Shows the source below or beside the tree, or no longer, in all windows that show a tree.
+  Q_INVOKABLE void ViewSource();
+  /// Puts it beside the tree, or below it again.
+  Q_INVOKABLE void ViewSourceBeside();
+
+  SaveOutcome Save(const SaveRequest& request) override;
 
   /// Opens the find bar with the text that was last sought, or gives it the focus.
   Q_INVOKABLE void SearchFind();
@@ -67,6 +78,14 @@ class TreeDocumentWindow : public DocumentWindow {
   /// What is selected in a view, and what its model shows, changes what the status line says.
   void WatchState(const QAbstractItemView& view);
   void AddState(DocumentState& state) const override;
+
+  /// Parts the client area between the tree and the source. Returns the tree's part.
+  QWidget* MakeTreeArea(QWidget& client);
+  virtual std::unique_ptr<SourceDocument> MakeSourceDocument() = 0;
+  /// Something else may be selected now.
+  void FollowInSource();
+  /// What is typed in the source becomes an edit; before anything else reads or changes the document.
+  void CommitSource();
 
   // The form of a document that is held whole.
   virtual LineEnds UsedLineEnds() const = 0;
@@ -129,6 +148,7 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Whether the document's text fits a format, or the user agrees to the one that is put in its place.
   bool FitsOrIsAgreed(TextFormat& format);
   void ShowHolding();
+  void ShowSourceItems();
 
   // Finding (TreeDocumentWindow_find.cpp).
   void BuildFindBar();
@@ -146,6 +166,8 @@ class TreeDocumentWindow : public DocumentWindow {
   HitList* hit_list_ = nullptr;
   QShortcut* escape_ = nullptr;
   QSplitter* panes_ = nullptr;
+  /// Null before the controls are built.
+  std::unique_ptr<SourcePane> source_;
   bool is_putting_ = false;
 };
 

@@ -1,0 +1,162 @@
+#include "windows/tree/SourcePane.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QScopedValueRollback>
+#include <QSplitter>
+
+#include "shell/Global.h"
+#include "shell/Settings.h"
+#include "system/Twips.h"
+#include "windows/tree/SourceEdit.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+namespace {
+
+constexpr int kTypingPause = 800;  // milliseconds
+/// Where the settings have no size, the pane takes this share of the room.
+constexpr double kShare = 0.45;
+constexpr QSize kLeastSize{120, 60};  // pixels
+
+}  // namespace
+
+SourcePane::SourcePane(Global& global, QSplitter& splitter, std::unique_ptr<SourceDocument> document)
+    : global_(global), splitter_(splitter), document_(std::move(document)) {
+  follow_.setSingleShot(true);
+  pause_.setSingleShot(true);
+  pause_.setInterval(kTypingPause);
+  connect(&follow_, &QTimer::timeout, this, &SourcePane::FollowNow);
+  connect(&pause_, &QTimer::timeout, this, &SourcePane::Commit);
+  connect(&splitter_, &QSplitter::splitterMoved, this, &SourcePane::WriteSize);
+}
+
+SourcePane::~SourcePane() {
+  // The document may be gone.
+  if (view_) view_->disconnect(this);
+  delete view_;
+}
+
+void SourcePane::ApplySettings() {
+  if (!global_.settings.show_source) return Hide();
+  const Qt::Orientation orientation = global_.settings.source_beside ? Qt::Horizontal : Qt::Vertical;
+  const bool is_turned = splitter_.orientation() != orientation;
+  splitter_.setOrientation(orientation);
+  if (!view_)
+    Show();
+  else if (is_turned)
+    ReadSize();
+}
+
+void SourcePane::Show() {
+  view_ = new SourceView(&splitter_, document_->Lexer());
+  view_->setMinimumSize(kLeastSize);
+  view_->SetTextFont(global_.settings.font_name, global_.settings.font_size);
+  splitter_.addWidget(view_);
+  view_->show();
+  ReadSize();
+  document_->Listen([this] { Follow(); });
+  connect(view_, &SourceView::CaretMoved, this, &SourcePane::SelectCaretLine, Qt::QueuedConnection);
+  connect(view_, &SourceView::Left, this, &SourcePane::Commit);
+  connect(view_, &SourceView::Typed, this, [this] {
+    if (!pause_.isActive()) QCoreApplication::instance()->installEventFilter(this);
+    pause_.start();
+  });
+  Follow();
+}
+
+void SourcePane::Hide() {
+  if (!view_) return;
+  Commit();
+  document_->Listen({});
+  follow_.stop();
+  revision_.reset();
+  const bool had_focus = view_->hasFocus();
+  delete view_;
+  if (had_focus) splitter_.widget(0)->setFocus();
+}
+
+void SourcePane::ReadSize() {
+  const bool beside = splitter_.orientation() == Qt::Horizontal;
+  const int room = beside ? splitter_.width() : splitter_.height();
+  const QString text = global_.registry.ReadValue(SettingsRoot, beside ? u"Source Width"_s : u"Source Height"_s);
+  const int twips = ParseTwips(text).value_or(0);
+  const int size = twips > 0 ? TwipsToPixels(twips, splitter_.logicalDpiX()) : static_cast<int>(room * kShare);
+  splitter_.setSizes({std::max(room - size, 1), size});
+}
+
+void SourcePane::WriteSize() {
+  if (!view_ || !global_.settings.present) return;
+  const bool beside = splitter_.orientation() == Qt::Horizontal;
+  const int pixels = beside ? view_->width() : view_->height();
+  global_.registry.WriteValue(SettingsRoot, beside ? u"Source Width"_s : u"Source Height"_s,
+                              QString::number(PixelsToTwips(pixels, splitter_.logicalDpiX())));
+}
+
+void SourcePane::Follow() {
+  if (view_ && !follow_.isActive()) follow_.start(0);
+}
+
+void SourcePane::FollowNow() {
+  if (!view_) return;
+  if (revision_ != document_->Revision()) {
+    // What was typed is older, or it would be a step by now.
+    pause_.stop();
+    view_->Follow([this](const PartSink& put) { return document_->Write(put); });
+    revision_ = document_->Revision();
+    selected_line_.reset();
+  }
+  view_->SetEditable(document_->Pieces() != nullptr);
+  if (!view_->IsTyped()) ShowSelection();
+}
+
+void SourcePane::ShowSelection() {
+  const std::vector<SourceLineRange> lines = document_->SelectedLines(*view_);
+  if (lines == view_->Marked()) return;
+  view_->Mark(lines);
+  if (!lines.empty() && !selected_line_) view_->Reveal(lines.front());
+  selected_line_.reset();
+}
+
+void SourcePane::SelectCaretLine() {
+  if (!view_ || view_->IsTyped() || revision_ != document_->Revision()) return;
+  const PadPosition line = view_->CaretLine();
+  for (const SourceLineRange& marked : view_->Marked())
+    if (line >= marked.first && line < marked.first + marked.count) return;
+  selected_line_ = line;
+  document_->SelectLine(*view_, line);
+  Follow();
+}
+
+void SourcePane::Commit() {
+  pause_.stop();
+  QCoreApplication::instance()->removeEventFilter(this);
+  const SourceLines* pieces = document_->Pieces();
+  if (!view_ || !view_->IsTyped() || pieces == nullptr || is_committing_) return;
+  const QScopedValueRollback committing(is_committing_, true);
+  const std::optional<SourceEdit> edit = EditOf(*pieces, view_->Text());
+  const std::string lines(edit ? edit->lines : std::string_view());
+  view_->Accept();
+  if (!edit) return;
+  document_->ReplaceLines(edit->first, edit->last, lines);
+  emit DocumentEdited();
+  Follow();
+}
+
+bool SourcePane::eventFilter(QObject* watched, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+      if (watched != view_ && watched != view_->viewport()) Commit();
+      break;
+    case QEvent::Shortcut:
+    case QEvent::Close:
+      Commit();
+      break;
+    default:
+      break;
+  }
+  return false;
+}
+
+}  // namespace tme

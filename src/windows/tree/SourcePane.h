@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <memory>
+#include <optional>
+
+#include "windows/tree/SourceDocument.h"
+
+class QSplitter;
+
+namespace tme {
+
+struct Global;
+
+/// The pane with a document's source below or beside its tree, as the settings have it. It follows the document as soon
+/// as the event loop turns; while it is hidden, it does nothing. What is typed there becomes an edit of the document
+/// after a pause, or when the user turns to anything else.
+class SourcePane : public QObject {
+  Q_OBJECT
+
+ public:
+  /// splitter: holds the tree, and then the pane. All must outlive this.
+  SourcePane(Global& global, QSplitter& splitter, std::unique_ptr<SourceDocument> document);
+  ~SourcePane() override;
+
+  bool IsShown() const { return view_ != nullptr; }
+  /// Shows or hides the pane where the settings say.
+  void ApplySettings();
+  /// The document or the selection may be another one now.
+  void Follow();
+  /// What was typed becomes a step of the document.
+  void Commit();
+
+ signals:
+  /// By what was typed.
+  void DocumentEdited();
+
+ protected:
+  /// While something is typed: whatever the user does elsewhere comes after it.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void Show();
+  void Hide();
+  void FollowNow();
+  void ShowSelection();
+  void SelectCaretLine();
+  void ReadSize();
+  void WriteSize();
+
+  Global& global_;
+  QSplitter& splitter_;
+  const std::unique_ptr<SourceDocument> document_;
+  /// Of the splitter; null while the pane is hidden.
+  QPointer<SourceView> view_;
+  QTimer follow_;
+  QTimer pause_;
+  /// Of what is shown.
+  std::optional<std::uint64_t> revision_;
+  /// Whose node the caret selected.
+  std::optional<PadPosition> selected_line_;
+  bool is_selecting_ = false;
+  bool is_committing_ = false;
+};
+
+}  // namespace tme

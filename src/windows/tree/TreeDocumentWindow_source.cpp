@@ -1,0 +1,64 @@
+// The source below or beside the tree.
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include "shell/DocumentArea.h"
+#include "shell/Global.h"
+#include "shell/GlobalMenus.h"
+#include "shell/Settings.h"
+#include "windows/tree/SourceDocument.h"
+#include "windows/tree/SourcePane.h"
+#include "windows/tree/TreeDocumentWindow.h"
+
+using namespace Qt::StringLiterals;
+
+namespace tme {
+
+QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
+  auto* column = new QVBoxLayout(&client);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* splitter = new QSplitter(&client);
+  splitter->setObjectName(u"source_splitter"_s);
+  splitter->setAccessibleName(tr("Divider between tree and source"));
+  splitter->setChildrenCollapsible(false);
+  column->addWidget(splitter);
+  auto* area = new QWidget(splitter);
+  splitter->addWidget(area);
+  source_ = std::make_unique<SourcePane>(global_, *splitter, MakeSourceDocument());
+  connect(source_.get(), &SourcePane::DocumentEdited, this, [this] { SetChanged(true); });
+  return area;
+}
+
+void TreeDocumentWindow::ViewSource() {
+  global_.settings.SetFlag(&Settings::show_source, !global_.settings.show_source, global_.registry);
+  UpdateCommands();
+}
+
+void TreeDocumentWindow::ViewSourceBeside() {
+  global_.settings.SetFlag(&Settings::source_beside, !global_.settings.source_beside, global_.registry);
+  UpdateCommands();
+}
+
+void TreeDocumentWindow::ShowSourceItems() {
+  const Settings& settings = global_.settings;
+  global_.menus.SetChecked("menu_ViewSource", settings.show_source);
+  global_.menus.SetChecked("menu_ViewSourceBeside", settings.source_beside);
+  global_.menus.SetAvailable("menu_ViewSourceBeside", settings.show_source);
+}
+
+void TreeDocumentWindow::FollowInSource() {
+  if (!source_) return;
+  source_->ApplySettings();
+  source_->Follow();
+}
+
+void TreeDocumentWindow::CommitSource() {
+  if (source_) source_->Commit();
+}
+
+TreeDocumentWindow::SaveOutcome TreeDocumentWindow::Save(const SaveRequest& request) {
+  CommitSource();
+  return DocumentWindow::Save(request);
+}
+
+}  // namespace tme

@@ -1,0 +1,153 @@
+#include <QAction>
+#include <QSplitter>
+#include <QTest>
+
+#include "Editor.h"
+#include "RegWindow.h"
+#include "WaitFor.h"
+#include "shell/GlobalMenus.h"
+#include "shell/OpenDispatch.h"
+#include "shell/Settings.h"
+#include "windows/tree/SourceView.h"
+
+namespace tme {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr const char* kIniText = "; c\r\n[A]\r\nx=1\r\ny=2\r\n\r\n[B]\r\nz=\r\n\r\n";
+constexpr const char* kRegText =
+    "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\"x\"=\"1\"\r\n\"y\"=hex:01,02\r\n\r\n[HKEY_USERS\\A\\B]\r\n\"z\"=\"\"\r\n\r\n";
+
+/// A document in its window with its source.
+class SourceBesideTree : public RegWindow {
+ protected:
+  void OpenWith(DocumentKind kind, Holding holding, const std::string& bytes) {
+    if (!frame_->isVisible()) Start();
+    global_.settings.ini_whole = global_.settings.reg_whole = holding == Holding::Whole;
+    path_ = File(kind == DocumentKind::Ini ? u"a.ini"_s : u"a.reg"_s, bytes);
+    OpenPathList(global_, path_);
+    window_ = dynamic_cast<TreeDocumentWindow*>(global_.documents.At(kind, 0));
+    if (!global_.settings.show_source) window_->ViewSource();
+  }
+  SourceView& View() { return *window_->findChild<SourceView*>(); }
+  std::string Shown() { return std::string(View().Text()); }
+  void ExpectShown(const std::string& text) {
+    if (!QTest::qWaitFor([&] { return Shown() == text; })) FAIL() << Shown() << "\ninstead of\n" << text;
+  }
+  std::string Saved() {
+    window_->Save({});
+    return BytesOf(path_);
+  }
+  /// The marked lines' text.
+  std::string Marked() {
+    std::string marked;
+    for (const SourceLineRange& range : View().Marked()) {
+      const auto start = static_cast<std::size_t>(View().StartOf(range.first));
+      const std::string text = Shown();
+      std::size_t end = start;
+      for (PadPosition line = 0; line < range.count; ++line) end = text.find('\n', end) + 1;
+      marked += text.substr(start, end - start);
+    }
+    return marked;
+  }
+  void ExpectMarked(const std::string& lines) {
+    if (!QTest::qWaitFor([&] { return Marked() == lines; })) FAIL() << Marked();
+  }
+  /// As a click there.
+  void GoTo(PadPosition line) {
+    View().setFocus();
+    WaitFor([&] { return View().hasFocus(); });
+    View().SendScintilla(QsciScintillaBase::SCI_GOTOLINE, static_cast<unsigned long>(line));
+    View().repaint();
+  }
+
+  QString path_;
+  TreeDocumentWindow* window_ = nullptr;
+};
+
+TEST_F(SourceBesideTree, ShowsWhatASaveWritesAndFollows) {
+  for (const Holding holding : {Holding::ByRules, Holding::Whole}) {
+    OpenWith(DocumentKind::Ini, holding, kIniText);
+    ExpectShown(window_->Content());
+    Select(Ini(), {u"A"_s, u"x=1"_s});
+    Ini().EditCut();
+    const std::string cut = window_->Content();
+    EXPECT_EQ(cut.find("x=1"), std::string::npos);
+    ExpectShown(cut);
+    EXPECT_EQ(Saved(), cut);
+    window_->FileClose();
+
+    OpenWith(DocumentKind::Reg, holding, kRegText);
+    ExpectShown(kRegText);
+    SelectKey({u"HKEY_USERS"_s, u"A"_s});
+    SelectValue(0);
+    ExpectDeletion(u"this value?"_s, MsgAnswer::Yes);
+    Reg().EditDelete();
+    const std::string deleted = Saved();
+    EXPECT_EQ(deleted.find("\"x\""), std::string::npos);
+    ExpectShown(deleted);
+    window_->FileClose();
+  }
+}
+
+TEST_F(SourceBesideTree, SelectionGoesBothWays) {
+  for (const Holding holding : {Holding::ByRules, Holding::Whole}) {
+    SCOPED_TRACE(static_cast<int>(holding));
+    OpenWith(DocumentKind::Ini, holding, kIniText);
+    ExpectShown(kIniText);
+    Select(Ini(), {u"A"_s, u"x=1"_s});
+    ExpectMarked("x=1\r\n");
+    Select(Ini());
+    ExpectMarked("");
+    GoTo(6);
+    ExpectMarked("z=\r\n");
+    EXPECT_EQ(Ini().Tree().Selected()->Text(), "z=");
+    EXPECT_TRUE(View().hasFocus());
+    GoTo(4);
+    WaitFor([&] { return Ini().Tree().Selected()->Text() == (holding == Holding::Whole ? "y=2" : "A"); });
+    window_->FileClose();
+
+    OpenWith(DocumentKind::Reg, holding, kRegText);
+    ExpectShown(kRegText);
+    SelectKey({u"HKEY_USERS"_s, u"A"_s, u"B"_s});
+    ExpectMarked("[HKEY_USERS\\A\\B]\r\n");
+    SelectKey({u"HKEY_USERS"_s, u"A"_s});
+    SelectValue(0);
+    ExpectMarked("\"x\"=\"1\"\r\n");
+    GoTo(7);
+    ExpectMarked("\"z\"=\"\"\r\n");
+    EXPECT_EQ(Reg().Document().Selected()->Text(), "B");
+    window_->FileClose();
+  }
+}
+
+TEST_F(SourceBesideTree, WhereItIsAndHowLargeIsRemembered) {
+  const auto splitter = [this] { return window_->findChild<QSplitter*>(u"source_splitter"_s); };
+  const auto is_checked = [this](const char* item) {
+    return global_.menus.Action(QLatin1StringView(item))->isChecked();
+  };
+  OpenWith(DocumentKind::Ini, Holding::Whole, kIniText);
+  EXPECT_EQ(registry_.ReadValue(SettingsRoot, u"Show Source"_s), u"1");
+  EXPECT_TRUE(is_checked("menu_ViewSource"));
+  EXPECT_EQ(splitter()->orientation(), Qt::Vertical);
+  window_->ViewSourceBeside();
+  EXPECT_EQ(splitter()->orientation(), Qt::Horizontal);
+  EXPECT_TRUE(is_checked("menu_ViewSourceBeside"));
+  registry_.WriteValue(SettingsRoot, u"Source Width"_s, u"3000"_s);
+  window_->FileClose();
+  OpenWith(DocumentKind::Reg, Holding::Whole, kRegText);
+  EXPECT_EQ(splitter()->orientation(), Qt::Horizontal);
+  ExpectShown(kRegText);
+  QTest::keyClick(&View(), Qt::Key_Tab);
+  EXPECT_FALSE(View().hasFocus());
+  window_->ViewSource();
+  EXPECT_EQ(window_->findChild<SourceView*>(), nullptr);
+  EXPECT_FALSE(is_checked("menu_ViewSource"));
+  Settings next;
+  next.ReadFrameGroup(registry_);
+  EXPECT_TRUE(!next.show_source && next.source_beside);
+}
+
+}  // namespace
+}  // namespace tme
