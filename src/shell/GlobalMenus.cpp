@@ -145,7 +145,7 @@ constexpr std::array kRows{
         "F3"},
     Row{"menu_Search", "menu_SearchPrevious", QT_TR_NOOP("Find &Previous"), kIni | kReg, "SearchPrevious", nullptr,
         "Shift+F3"},
-    Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kPads, "SearchReplace", "search-replace",
+    Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kDocuments, "SearchReplace", "search-replace",
         "Ctrl+H"},
     Row{"menu_Search", "menu_SearchGoToLine", QT_TR_NOOP("&Go to Line..."), kTxt, nullptr, nullptr, "Ctrl+G"},
 

@@ -4,6 +4,7 @@
 
 #include "shell/DisplayText.h"
 #include "windows/ini/IniItemModel.h"
+#include "windows/ini/IniReplacer.h"
 #include "windows/ini/IniSearch.h"
 
 namespace tme {
@@ -22,6 +23,8 @@ std::vector<SearchTarget::Field> IniSearchTarget::Fields() const {
 }
 
 std::unique_ptr<SearchSource> IniSearchTarget::MakeSource() const { return std::make_unique<IniSearchSource>(tree_); }
+
+std::unique_ptr<Replacer> IniSearchTarget::MakeReplacer() { return std::make_unique<IniReplacer>(tree_); }
 
 std::string IniSearchTarget::TextOf(const SearchPlace& place, SearchField field) const {
   std::string text;

@@ -3,6 +3,7 @@
 #include <QTreeView>
 
 #include "windows/reg/RegKeyModel.h"
+#include "windows/reg/RegReplacer.h"
 #include "windows/reg/RegSearch.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/RegValueText.h"
@@ -27,6 +28,8 @@ std::vector<SearchTarget::Field> RegSearchTarget::Fields() const {
 std::unique_ptr<SearchSource> RegSearchTarget::MakeSource() const {
   return std::make_unique<RegSearchSource>(document_);
 }
+
+std::unique_ptr<Replacer> RegSearchTarget::MakeReplacer() { return std::make_unique<RegReplacer>(document_); }
 
 std::string RegSearchTarget::DataOf(std::size_t record) const {
   std::string buffer;

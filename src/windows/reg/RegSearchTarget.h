@@ -30,6 +30,8 @@ class RegSearchTarget final : public SearchTarget {
 
   std::vector<Field> Fields() const override;
   std::unique_ptr<SearchSource> MakeSource() const override;
+  std::unique_ptr<Replacer> MakeReplacer() override;
+  EditableDocument& Edited() override { return document_; }
   std::string TextOf(const SearchPlace& place, SearchField field) const override;
   Row RowOf(const SearchPlace& place) const override;
   std::vector<QAbstractItemView*> Views() const override;

@@ -165,6 +165,7 @@ void form_REG::GoToPlace(RegNode* node, std::uint32_t record) {
   TV->scrollTo(TV->currentIndex());
   if (record == SearchPlace::kNoRecord) {
     LV->clearSelection();
+    ShowPath();
     SetFocusMarker(Focus::TV);
   } else {
     GoToRow(values_->RowOf(record));

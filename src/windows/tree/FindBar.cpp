@@ -55,6 +55,8 @@ FindBar::FindBar(TreeFinder& finder, const std::vector<SearchTarget::Field>& fie
   QToolButton* close = AddButton("find_close", {}, tr("Close the bar"), tr("Close the bar (Esc)"));
   close->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
   connect(close, &QToolButton::clicked, this, &FindBar::CloseWanted);
+  BuildReplaceRow();
+  rows->addWidget(replace_row_);
   error_ = PlainLabel({}, this);
   error_->setObjectName(u"find_error"_s);
   error_->setWordWrap(true);
@@ -73,6 +75,36 @@ void FindBar::BuildText() {
   text_->installEventFilter(this);
   connect(text_, &QLineEdit::textChanged, this, &FindBar::ChangeQuery);
   row_->addWidget(text_);
+}
+
+void FindBar::BuildReplaceRow() {
+  replace_row_ = new QWidget(this);
+  auto* row = new FlowLayout(replace_row_);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(kBarMargin);
+  replace_text_ = new QLineEdit(replace_row_);
+  replace_text_->setObjectName(u"replace_text"_s);
+  replace_text_->setAccessibleName(tr("Text to put in its place"));
+  replace_text_->setPlaceholderText(tr("Replace with"));
+  replace_text_->setMinimumWidth(fontMetrics().averageCharWidth() * kTextCharacters);
+  replace_text_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  connect(replace_text_, &QLineEdit::returnPressed, this, &FindBar::ReplaceWanted);
+  row->addWidget(replace_text_);
+  const auto add = [&](const char* name, const QString& caption, const QString& tip, void (FindBar::*wanted)()) {
+    auto* button = new QToolButton(replace_row_);
+    button->setObjectName(QLatin1StringView(name));
+    button->setText(caption);
+    button->setAccessibleName(caption);
+    SetTip(*button, tip);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    connect(button, &QToolButton::clicked, this, wanted);
+    row->addWidget(button);
+  };
+  add("replace_one", tr("Replace"), tr("Replace this hit and go to the next (Enter)"), &FindBar::ReplaceWanted);
+  add("replace_all", tr("Replace All..."), tr("Show what all hits become, and replace them"),
+      &FindBar::ReplaceAllWanted);
+  replace_row_->hide();
 }
 
 QToolButton* FindBar::AddButton(const char* name, const QString& caption, const QString& accessible_name,
@@ -138,6 +170,21 @@ void FindBar::FocusText() {
   text_->selectAll();
 }
 
+void FindBar::ShowReplace() {
+  replace_row_->show();
+  if (text_->text().isEmpty()) return FocusText();
+  replace_text_->setFocus(Qt::ShortcutFocusReason);
+  replace_text_->selectAll();
+}
+
+QString FindBar::ReplaceText() const { return replace_text_->text(); }
+
+void FindBar::Say(const QString& reason) {
+  error_->setText(reason);
+  error_->setAccessibleName(reason);
+  error_->setVisible(!reason.isEmpty());
+}
+
 void FindBar::SetListChecked(bool is_checked) { list_->setChecked(is_checked); }
 
 void FindBar::ShowQuery(const FindQuery& query) {
@@ -159,6 +206,7 @@ void FindBar::ChangeQuery() {
   for (const FieldAction& field : fields_)
     if (!field.action->isChecked()) query.left_out |= FieldBit(field.field);
   finder_.SetQuery(query);
+  Say(finder_.Error());
   ShowState();
 }
 
@@ -180,10 +228,6 @@ void FindBar::ShowState() {
     count_->setText(text);
     count_->setAccessibleName(text);
   }
-  if (finder_.Error() == error_->text()) return;
-  error_->setText(finder_.Error());
-  error_->setAccessibleName(finder_.Error());
-  error_->setVisible(!finder_.Error().isEmpty());
 }
 
 bool FindBar::eventFilter(QObject* watched, QEvent* event) {

@@ -27,18 +27,26 @@ class FindBar : public QFrame {
   void FocusText();
   /// As the list is shown or not.
   void SetListChecked(bool is_checked);
+  /// Shows the row for replacing, with the focus in what is empty of the two texts.
+  void ShowReplace();
+  QString ReplaceText() const;
+  /// Why something was not done; empty for nothing.
+  void Say(const QString& reason);
 
  signals:
   void NextWanted();
   void PreviousWanted();
   void ListWanted(bool is_wanted);
   void CloseWanted();
+  void ReplaceWanted();
+  void ReplaceAllWanted();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void BuildText();
+  void BuildReplaceRow();
   QToolButton* AddButton(const char* name, const QString& caption, const QString& accessible_name, const QString& tip);
   QToolButton* AddToggle(const char* name, const QString& caption, const QString& accessible_name, const QString& tip);
   void AddLookIn(const std::vector<SearchTarget::Field>& fields);
@@ -58,6 +66,8 @@ class FindBar : public QFrame {
   QToolButton* list_ = nullptr;
   QLabel* count_ = nullptr;
   QLabel* error_ = nullptr;
+  QWidget* replace_row_ = nullptr;
+  QLineEdit* replace_text_ = nullptr;
   struct FieldAction {
     SearchField field;
     QAction* action;

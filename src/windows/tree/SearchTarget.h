@@ -7,10 +7,13 @@
 #include <vector>
 
 #include "documents/search/TreeSearch.h"
+#include "windows/tree/Replacer.h"
 
 class QAbstractItemView;
 
 namespace tme {
+
+class EditableDocument;
 
 /// What a window with a tree gives to a search: its document, and its views as far as a search is concerned.
 class SearchTarget {
@@ -38,6 +41,8 @@ class SearchTarget {
   virtual std::vector<Field> Fields() const = 0;
   /// It must go before the document does.
   virtual std::unique_ptr<SearchSource> MakeSource() const = 0;
+  virtual std::unique_ptr<Replacer> MakeReplacer() = 0;
+  virtual EditableDocument& Edited() = 0;
 
   virtual std::string TextOf(const SearchPlace& place, SearchField field) const = 0;
   virtual Row RowOf(const SearchPlace& place) const = 0;

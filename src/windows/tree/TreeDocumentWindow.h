@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
@@ -21,6 +22,7 @@ class SourceDocument;
 class SourcePane;
 class TreeFinder;
 class TreeItemModelBase;
+struct PlannedReplacement;
 struct Settings;
 
 /// A document window that shows a tree, and whose document can be held in two ways.
@@ -55,6 +57,8 @@ class TreeDocumentWindow : public DocumentWindow {
   /// The next and the previous hit of the text that was last sought.
   Q_INVOKABLE void SearchAgain();
   Q_INVOKABLE void SearchPrevious();
+  /// Opens the bar with its row for replacing.
+  Q_INVOKABLE void SearchReplace();
 
   /// The document as searches see it; only of a window that has had a document.
   SearchTarget& Searchable();
@@ -156,6 +160,11 @@ class TreeDocumentWindow : public DocumentWindow {
   void CloseFindBar();
   void ShowHitList(bool is_shown);
   void GoToHit(std::size_t index);
+  // And replacing (TreeDocumentWindow_replace.cpp).
+  void ReplaceOne();
+  void ReplaceAll();
+  /// Does the chosen ones of this document's, as one step.
+  void Replace(std::span<const PlannedReplacement> plans, std::size_t& done, std::size_t& refused);
 
   bool Settings::*const always_whole_;
   QLabel* badge_ = nullptr;

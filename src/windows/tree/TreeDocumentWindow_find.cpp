@@ -88,6 +88,8 @@ void TreeDocumentWindow::BuildFindBar() {
   connect(find_bar_, &FindBar::NextWanted, this, &TreeDocumentWindow::SearchAgain);
   connect(find_bar_, &FindBar::PreviousWanted, this, &TreeDocumentWindow::SearchPrevious);
   connect(find_bar_, &FindBar::CloseWanted, this, &TreeDocumentWindow::CloseFindBar);
+  connect(find_bar_, &FindBar::ReplaceWanted, this, &TreeDocumentWindow::ReplaceOne);
+  connect(find_bar_, &FindBar::ReplaceAllWanted, this, &TreeDocumentWindow::ReplaceAll);
   connect(find_bar_, &FindBar::ListWanted, this, &TreeDocumentWindow::ShowHitList);
   const auto marks = [this](const QModelIndex& index) { return MarksAt(index, *finder_, Searchable()); };
   for (QAbstractItemView* view : target.Views()) {

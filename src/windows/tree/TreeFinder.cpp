@@ -175,10 +175,15 @@ std::optional<std::size_t> TreeFinder::Present() const {
   return std::nullopt;
 }
 
-bool TreeFinder::GoToNext() {
-  if (!runs_.front().search->IsDone() || runs_.front().is_stale) Finish();
-  if (runs_.front().is_stale || Hits().empty()) return false;
+bool TreeFinder::HasHitsNow() {
+  const Run& own = runs_.front();
+  if (own.is_stale || !own.search->IsDone()) Finish();
   goes_to_first_ = false;
+  return !own.is_stale && !Hits().empty();
+}
+
+bool TreeFinder::GoToNext() {
+  if (!HasHitsNow()) return false;
   const std::optional<std::size_t> present = Present();
   const std::size_t next = present ? *present + 1 : runs_.front().search->FirstFrom(Own().Selected());
   GoTo(next % Hits().size());
@@ -187,13 +192,22 @@ bool TreeFinder::GoToNext() {
 }
 
 bool TreeFinder::GoToPrevious() {
-  if (!runs_.front().search->IsDone() || runs_.front().is_stale) Finish();
-  if (runs_.front().is_stale || Hits().empty()) return false;
-  goes_to_first_ = false;
+  if (!HasHitsNow()) return false;
   const std::size_t from = Present().value_or(runs_.front().search->FirstFrom(Own().Selected()));
   GoTo((from + Hits().size() - 1) % Hits().size());
   origin_ = present_place_;
   return true;
+}
+
+void TreeFinder::GoToNextBehind(const SearchPlace& place, SearchField field, std::size_t position) {
+  if (!HasHitsNow()) return;
+  std::size_t next = runs_.front().search->FirstFrom(place);
+  const auto is_before = [&](const SearchHit& hit) {
+    return hit.Place() == place && (hit.field < field || (hit.field == field && hit.start < position));
+  };
+  while (next < Hits().size() && is_before(Hits()[next])) ++next;
+  GoTo(next % Hits().size());
+  origin_ = present_place_;
 }
 
 std::size_t TreeFinder::FoundCount() const {

@@ -66,6 +66,8 @@ class TreeFinder : public QObject {
   /// Goes to the next or previous one from the selected place, around the ends. False when there is none.
   bool GoToNext();
   bool GoToPrevious();
+  /// The same from this many bytes of a text on.
+  void GoToNextBehind(const SearchPlace& place, SearchField field, std::size_t position);
 
   // The hits of all documents that are searched, those of the own one first.
   std::size_t FoundCount() const;
@@ -98,6 +100,8 @@ class TreeFinder : public QObject {
   /// Searches for a slice; false when all is searched.
   bool SearchOn(std::chrono::steady_clock::time_point until);
   void GoOn();
+  /// Finishes the search. False when there is no hit to go to.
+  bool HasHitsNow();
   /// Once it is known: to the first hit from where the search began.
   void GoToFirst();
   SearchTarget& Own() const;

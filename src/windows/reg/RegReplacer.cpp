@@ -1,0 +1,198 @@
+#include "windows/reg/RegReplacer.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/CaseFold.h"
+#include "base/Utf8.h"
+#include "documents/reg/RegHex.h"
+#include "windows/reg/RegReplacedData.h"
+#include "windows/reg/RegSearch.h"
+#include "windows/reg/RegValueText.h"
+
+namespace tme {
+namespace {
+
+constexpr std::size_t kDwordDigits = 8;
+
+RegNode* EditedKeyAt(const Replacement& replacement) {
+  return const_cast<RegNode*>(static_cast<const RegNode*>(replacement.place.node));
+}
+
+bool HasControls(std::string_view text) {
+  return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
+}
+
+}  // namespace
+
+RegReplacer::RegReplacer(RegDocument& document) : document_(document), coding_(CodingOf(document)) {}
+
+std::optional<Replacement> RegReplacer::Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) {
+  if (field == SearchField::Data) return PlanData(place, query);
+  const auto& node = *static_cast<const RegNode*>(place.node);
+  const bool is_name = field == SearchField::Name;
+  const std::string_view before = is_name ? document_.Values()[place.record].name : node.Text();
+  std::optional<std::string> after = query.matcher.Replaced(before, query.with, query.only);
+  if (!after || *after == before) return std::nullopt;
+  QString refusal;
+  if (HasControls(*after))
+    refusal = tr("A line has no end within.");
+  else if (is_name)
+    refusal = RefusalOfName(document_.Values()[place.record], *after);
+  else if (field == SearchField::Key)
+    refusal = RefusalOfKey(node, *after);
+  else if (!after->starts_with(';'))
+    refusal = tr("A comment begins with a semicolon.");
+  return Replacement{place, field, *after, *after, refusal};
+}
+
+std::string RegReplacer::Comparable(std::string_view name) const {
+  if (!IsWhole()) return std::string(name);
+  std::string folded;
+  while (!name.empty()) {
+    const char first = name.front();
+    if (const std::optional<char32_t> character = utf8::TakeCharacter(name)) {
+      std::array<char, utf8::kMaxCharacterBytes> bytes;
+      folded.append(bytes.data(), utf8::PutCharacter(FoldCase(*character), bytes.data()));
+    } else {
+      folded += first;
+      name.remove_prefix(1);
+    }
+  }
+  return folded;
+}
+
+QString RegReplacer::RefusalOfKey(const RegNode& key, const std::string& after) {
+  if (after.empty()) return tr("A key needs a name.");
+  if (after.find('\\') != std::string::npos) return tr("The name of a key has no backslash.");
+  if (key.Parent()->Parent() == nullptr && !IsHiveName(after)) return tr("There is no hive of this name.");
+  // Next to a deletion a key of the same name may stand.
+  if (!IsKey(key.Tag())) return {};
+  const RegNode* same = document_.FindChild(key.Parent(), after);
+  Names& planned = planned_keys_[key.Parent()];
+  if ((same != nullptr && same != &key) || !planned.insert(Comparable(after)).second)
+    return tr("There is a key of this name already.");
+  return {};
+}
+
+/// By the rules keys whose last components are equal share their values when they are saved.
+RegReplacer::Names& RegReplacer::NamesOf(const RegNode& key) {
+  if (IsWhole()) {
+    const auto [at, is_new] = value_names_.try_emplace(std::to_string(reinterpret_cast<std::uintptr_t>(&key)));
+    if (is_new)
+      document_.ForEachValueOf(&key, [&](const RegValueRecord& record) {
+        if (!record.deleted) at->second.insert(Comparable(record.name));
+      });
+    return at->second;
+  }
+  if (value_names_.empty())
+    for (const RegValueRecord& record : document_.Values())
+      value_names_[std::string(record.owner->Text())].emplace(record.name);
+  return value_names_[std::string(key.Text())];
+}
+
+QString RegReplacer::RefusalOfName(const RegValueRecord& record, const std::string& after) {
+  if (after.empty()) return tr("A value needs a name.");
+  Names& names = NamesOf(*record.owner);
+  const std::string before = Comparable(record.name), name = Comparable(after);
+  if (name == before) return {};
+  if (!names.insert(name).second) return tr("This key has a value of this name already.");
+  names.erase(before);
+  return {};
+}
+
+QString RegReplacer::RefusalOfText(RegType type, const std::string& after) {
+  if (HasControls(after)) return tr("A line has no end within.");
+  if (type == RegType::Hex && !BytesOfHex(after)) return tr("These are no bytes any more.");
+  const bool is_number = !after.empty() && after.size() <= kDwordDigits && std::ranges::all_of(after, IsHexDigit);
+  if (type == RegType::Dword && !is_number) return tr("This is no number any more.");
+  return {};
+}
+
+std::optional<Replacement> RegReplacer::PlanData(const SearchPlace& place, const ReplaceQuery& query) const {
+  if (IsWhole()) return PlanDecoded(place, query);
+  const RegValueRecord& record = document_.Values()[place.record];
+  std::optional<std::string> after = query.matcher.Replaced(record.data, query.with, query.only);
+  if (!after || *after == record.data) return std::nullopt;
+  const QString refusal = RefusalOfText(record.type, *after);
+  return Replacement{place, SearchField::Data, *after, *after, refusal};
+}
+
+std::optional<Replacement> RegReplacer::PlanDecoded(const SearchPlace& place, const ReplaceQuery& query) const {
+  const RegValueRecord& record = document_.Values()[place.record];
+  Replacement replacement{place, SearchField::Data, {}, {}, {}};
+  std::string buffer;
+  const std::string_view before = SearchedData(document_, record, coding_, buffer);
+  const std::optional<RegData> data = DecodeAssignment(record.data, coding_);
+  if (!data) {
+    std::optional<std::string> text = query.matcher.Replaced(before, query.with, query.only);
+    if (!text) return std::nullopt;
+    replacement.after = std::move(*text);
+    replacement.refusal = tr("The data are not understood.");
+    return replacement;
+  }
+  const ReplacedData replaced = ReplaceInData(*data, before, query);
+  replacement.after = replaced.shown;
+  switch (replaced.outcome) {
+    case ReplacedData::Outcome::Same:
+      return std::nullopt;
+    case ReplacedData::Outcome::AcrossStrings:
+      replacement.refusal = tr("The hit goes over more than one string of the list.");
+      return replacement;
+    case ReplacedData::Outcome::NoNumber:
+      replacement.refusal = tr("This is no number any more.");
+      return replacement;
+    case ReplacedData::Outcome::NoBytes:
+      replacement.refusal = tr("These are no bytes any more.");
+      return replacement;
+    case ReplacedData::Outcome::Changed:
+      break;
+  }
+  if (const std::optional<std::string> assignment = EncodeAssignment(replaced.data, coding_))
+    replacement.stored = *assignment;
+  else
+    replacement.refusal = ReasonOf(FaultOf(replaced.data, coding_));
+  return replacement;
+}
+
+QString RegReplacer::ReasonOf(RegFault fault) {
+  switch (fault) {
+    case RegFault::NotInCodePage:
+      return tr("The code page of this file does not have all of these characters.");
+    case RegFault::EmptyString:
+      return tr("An empty string would end the list.");
+    case RegFault::OutOfRange:
+      return tr("The number is too large for its type.");
+    case RegFault::OnlyText:
+      return tr("A value of this kind of file is one line of text.");
+    default:
+      return tr("The data cannot be written.");
+  }
+}
+
+bool RegReplacer::Apply(const Replacement& replacement) {
+  const std::size_t record = replacement.place.record;
+  RegNode* node = EditedKeyAt(replacement);
+  switch (replacement.field) {
+    case SearchField::Name:
+      document_.RenameValue(record, replacement.stored);
+      return true;
+    case SearchField::Data:
+      if (IsWhole())
+        document_.SetAssignment(record, replacement.stored);
+      else
+        document_.SetValueData(record, replacement.stored);
+      return true;
+    case SearchField::Comment:
+      document_.SetComment(node, replacement.stored);
+      return true;
+    default:
+      if (IsWhole())
+        document_.RenameKey(node, replacement.stored);
+      else
+        document_.SetText(node, replacement.stored);
+      return true;
+  }
+}
+
+}  // namespace tme

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "documents/reg/RegData.h"
+#include "documents/reg/RegDocument.h"
+#include "windows/tree/Replacer.h"
+
+namespace tme {
+
+/// Replaces in a registry document. Data of a whole document are encoded again: texts, each string of a list, numbers
+/// and bytes as they are shown. What they no longer would be is refused, and names that another key or value has.
+class RegReplacer final : public Replacer {
+  Q_DECLARE_TR_FUNCTIONS(RegReplacer)
+
+ public:
+  explicit RegReplacer(RegDocument& document);
+
+  std::optional<Replacement> Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) override;
+  bool Apply(const Replacement& replacement) override;
+
+ private:
+  using Names = std::unordered_set<std::string>;
+
+  bool IsWhole() const { return document_.HeldAs() == Holding::Whole; }
+  QString RefusalOfKey(const RegNode& key, const std::string& after);
+  QString RefusalOfName(const RegValueRecord& record, const std::string& after);
+  Names& NamesOf(const RegNode& key);
+  /// As names are compared: by the rules they are themselves.
+  std::string Comparable(std::string_view name) const;
+  std::optional<Replacement> PlanData(const SearchPlace& place, const ReplaceQuery& query) const;
+  std::optional<Replacement> PlanDecoded(const SearchPlace& place, const ReplaceQuery& query) const;
+  static QString RefusalOfText(RegType type, const std::string& after);
+  static QString ReasonOf(RegFault fault);
+
+  RegDocument& document_;
+  const RegCoding coding_;
+  /// Names that plans took, by the parent.
+  std::unordered_map<const RegNode*, Names> planned_keys_;
+  /// Of values, with those of the plans, by what they may not share them in.
+  std::unordered_map<std::string, Names> value_names_;
+};
+
+}  // namespace tme
