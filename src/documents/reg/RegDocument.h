@@ -168,6 +168,10 @@ class RegDocument : public EditLog<RegChanges> {
   RegNode* WriteDeletion(RegNode* key);
   /// Changes this component of the path in the header lines of the key or deletion and of all below it.
   void RenameKey(RegNode* key, std::string_view name);
+  /// The lines of the pieces from one to the other become these, byte by byte, and the document what a reader makes of
+  /// all its lines; but values that came stand last among those of their key. kEnds, kEnds: for a document without
+  /// lines. Costs what is linear in the lines, the values of the keys around them and the headers of the file.
+  void ReplaceLines(SourceLines::Piece first, SourceLines::Piece last, std::string_view text);
   /// Gives all lines this end; Mixed leaves them.
   void SetLineEnds(LineEnds ends);
   /// text: without line ends; begins with ";".
@@ -187,6 +191,7 @@ class RegDocument : public EditLog<RegChanges> {
  private:
   friend class RegValueIndex;
   class Editing;
+  class LineEdit;
   enum class Turn : std::uint8_t { Back, Again };
 
   // Building, without telling the observer. Views must lie in texts_.
@@ -287,6 +292,8 @@ class RegDocument : public EditLog<RegChanges> {
   std::size_t node_count_ = 1;
   Holding holding_ = Holding::ByRules;
   RegVersion version_ = RegVersion::Version5;
+  /// What it is where no line says it.
+  RegVersion unsaid_version_ = RegVersion::Regedit4;
   RegComments comments_ = RegComments::Hidden;
   /// Grows whenever comments come and go by themselves.
   std::uint64_t arrangement_ = 0;

@@ -25,7 +25,8 @@ RegDocument::Load::~Load() {
   document_.observer_->AfterReset();
 }
 
-void RegDocument::Load::HoldWhole(std::size_t pieces) {
+void RegDocument::Load::HoldWhole(std::size_t pieces, RegVersion unsaid) {
+  document_.unsaid_version_ = unsaid;
   document_.holding_ = Holding::Whole;
   document_.lines_.Reserve(pieces);
 }
@@ -39,9 +40,9 @@ RegNode* RegDocument::Load::AppendHeader(std::string_view path, SourceLines::Pie
 RegNode* RegDocument::Load::AppendDeletion(std::string_view path, SourceLines::Piece piece) {
   path = path.substr(0, path.find_last_not_of('\\') + 1);
   const std::size_t divider = path.rfind('\\');
-  const std::size_t above = divider == std::string_view::npos ? 0 : divider;
-  RegNode* key =
-      document_.Append(KeyOf(path.substr(0, above)), path.substr(above == 0 ? 0 : above + 1), RegTag::Deletion);
+  const bool has_parent = divider != std::string_view::npos;
+  RegNode* parent = has_parent ? KeyOf(path.substr(0, divider)) : document_.Root();
+  RegNode* key = document_.Append(parent, has_parent ? path.substr(divider + 1) : path, RegTag::Deletion);
   document_.LinkHeader(key, piece, document_.headers_[0].previous);
   return key;
 }

@@ -31,14 +31,11 @@ class RegDocument::Load {
   }
 
   // Whole holding.
-  /// Must come before all else. pieces: room is made for so many.
-  void HoldWhole(std::size_t pieces);
+  /// Must come before all else. pieces: room is made for so many. unsaid: the version where the text says none.
+  void HoldWhole(std::size_t pieces, RegVersion unsaid);
   void SetVersion(RegVersion version) { document_.version_ = version; }
-  SourceLines::Piece AppendPiece(std::string_view lines, RegPiece kind) {
+  SourceLines::Piece Append(std::string_view lines, RegPiece kind) {
     return document_.lines_.Append(lines, static_cast<std::uint8_t>(kind));
-  }
-  void SetKind(SourceLines::Piece piece, RegPiece kind) {
-    document_.lines_.SetKind(piece, static_cast<std::uint8_t>(kind));
   }
   /// The key of the header line that was appended as a piece.
   RegNode* AppendHeader(std::string_view path, SourceLines::Piece piece);
