@@ -149,5 +149,89 @@ TEST_F(SourceBesideTree, WhereItIsAndHowLargeIsRemembered) {
   EXPECT_TRUE(!next.show_source && next.source_beside);
 }
 
+TEST_F(SourceBesideTree, WhatIsTypedIsReadAfterAPause) {
+  const struct {
+    DocumentKind kind;
+    std::string text, line, typed, now;
+  } cases[] = {{DocumentKind::Reg, kRegText, "\"x\"=\"1\"", "2", "\"x\"=\"12\""},
+               {DocumentKind::Reg, kRegText, "[HKEY_USERS\\A\\B]", "\n@=\"n\"", "[HKEY_USERS\\A\\B]\r\n@=\"n\""}};
+  for (const auto& [kind, text, line, typed, now] : cases) {
+    SCOPED_TRACE(line);
+    OpenWith(kind, Holding::Whole, text);
+    ExpectShown(text);
+    const auto at = static_cast<PadPosition>(text.find(line));
+    const bool is_before_last = now.ends_with('"') && !now.starts_with('[');
+    GoTo(View().LineAt(at));
+    View().Select(at + static_cast<PadPosition>(line.size()) - (is_before_last ? 1 : 0),
+                  at + static_cast<PadPosition>(line.size()) - (is_before_last ? 1 : 0));
+    const PadPosition caret = View().SelectionEnd();
+    QTest::keyClicks(&View(), QString::fromStdString(typed).replace(u'\n', u'\r'));
+    EXPECT_TRUE(View().IsTyped());
+    EXPECT_EQ(window_->Content(), text) << "not before a pause";
+    WaitFor([&] { return !View().IsTyped(); });
+    std::string expected = text;
+    expected.replace(static_cast<std::size_t>(at), line.size(), now);
+    EXPECT_EQ(window_->Content(), expected);
+    ExpectShown(expected);
+    EXPECT_TRUE(window_->File().IsChanged());
+    EXPECT_GT(View().SelectionEnd(), caret) << "the caret stays";
+    EXPECT_TRUE(View().hasFocus());
+    EXPECT_EQ(Saved(), expected);
+    window_->FileClose();
+  }
+}
+
+TEST_F(SourceBesideTree, CtrlZTakesBackWhatIsTypedFirst) {
+  OpenWith(DocumentKind::Reg, Holding::Whole, kRegText);
+  ExpectShown(kRegText);
+  GoTo(2);
+  QTest::keyClick(&View(), Qt::Key_X);
+  QTest::keyClick(&View(), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(Shown(), kRegText);
+  QTest::keyClick(&View(), Qt::Key_X);
+  EXPECT_EQ(Saved(), std::string(kRegText).insert(12, "x")) << "a save reads it first";
+  EXPECT_FALSE(View().CanUndo());
+  OpenWith(DocumentKind::Ini, Holding::ByRules, kIniText);
+  ExpectShown(kIniText);
+  GoTo(1);
+  QTest::keyClick(&View(), Qt::Key_X);
+  EXPECT_EQ(Shown(), kIniText);
+}
+
+TEST_F(SourceBesideTree, WhatIsNotUnderstoodIsUnderlined) {
+  const struct {
+    DocumentKind kind;
+    const char* line;
+    bool is_fault;
+  } cases[] = {{DocumentKind::Ini, "a=b", false},
+               {DocumentKind::Ini, "[a", true},
+               {DocumentKind::Ini, "[a]", false},
+               {DocumentKind::Ini, "no value", true},
+               {DocumentKind::Ini, " # x", false},
+               {DocumentKind::Reg, "[HKEY_USERS\\A", true},
+               {DocumentKind::Reg, "\"a\"=1", true},
+               {DocumentKind::Reg, "\"a\"=\"b\" ; c", false},
+               {DocumentKind::Reg, "\"a\"=hex(2):00", true},
+               {DocumentKind::Reg, "\"a\"=hex:00,\\\r\n ; c\r\n  01", false},
+               {DocumentKind::Reg, "[-HKEY_USERS\\A]", false},
+               {DocumentKind::Reg, "what", true}};
+  for (const auto& [kind, line, is_fault] : cases) {
+    SCOPED_TRACE(line);
+    const bool is_ini = kind == DocumentKind::Ini;
+    const std::string before = is_ini ? "[S]\r\n" : "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_USERS\\A]\r\n";
+    const std::string text = before + line + "\r\n";
+    OpenWith(kind, Holding::Whole, text);
+    ExpectShown(text);
+    View().repaint();
+    const auto at = static_cast<PadPosition>(before.size());
+    EXPECT_EQ(!View().FaultAt(View().LineAt(at)).isEmpty(), is_fault);
+    EXPECT_EQ(View().SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, QsciScintillaBase::INDIC_CONTAINER,
+                                   static_cast<long>(at)) != 0,
+              is_fault);
+    EXPECT_EQ(Saved(), text);
+    window_->FileClose();
+  }
+}
+
 }  // namespace
 }  // namespace tme

@@ -12,44 +12,48 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-/// Returns enough bytes for every line of the node and of what is below it.
-std::size_t TextSize(const IniNode& node) {
-  std::size_t size = node.Text().size() + 3 * kLineEnd.size();
-  for (int row = 0; row < node.ChildCount(); ++row) size += TextSize(*node.Child(row));
-  return size;
+bool PutLine(PartBuffer& out, std::string_view line) { return out.Append(line).Append(kLineEnd).EndPiece(); }
+
+bool PutSection(PartBuffer& out, const IniNode& section) {
+  bool going_on = PutLine(out.Append("[").Append(section.Text()), "]");
+  for (int row = 0; row < section.ChildCount() && going_on; ++row) going_on = PutLine(out, section.Child(row)->Text());
+  return going_on;
 }
 
-void AppendLine(std::string& out, std::string_view line) { out.append(line).append(kLineEnd); }
-
-void AppendSection(std::string& out, const IniNode& section) {
-  out.append("[").append(section.Text()).append("]").append(kLineEnd);
-  for (int row = 0; row < section.ChildCount(); ++row) AppendLine(out, section.Child(row)->Text());
+bool PutSections(PartBuffer& out, const IniNode& root) {
+  bool going_on = true;
+  for (int row = 0; row < root.ChildCount() && going_on; ++row)
+    if (root.Child(row)->Tag() == IniTag::Section) going_on = PutSection(out, *root.Child(row)) && PutLine(out, {});
+  return going_on;
 }
 
-void AppendSections(std::string& out, const IniNode& root) {
-  for (int row = 0; row < root.ChildCount(); ++row) {
-    const IniNode& child = *root.Child(row);
-    if (child.Tag() != IniTag::Section) continue;
-    AppendSection(out, child);
-    out.append(kLineEnd);
-  }
+bool PutTree(PartBuffer& out, const IniNode& root) {
+  bool going_on = true;
+  for (int row = 0; row < root.ChildCount() && going_on; ++row)
+    if (root.Child(row)->Tag() == IniTag::Comments) going_on = PutLine(out, root.Child(row)->Text());
+  return going_on && PutSections(out, root);
+}
+
+std::string TextOf(bool (*put)(PartBuffer& out, const IniNode& node), const IniNode& node) {
+  std::string text;
+  const PartSink sink = [&text](std::string_view part) {
+    text += part;
+    return true;
+  };
+  PartBuffer out(sink);
+  put(out, node);
+  out.Flush();
+  return text;
 }
 
 }  // namespace
 
-std::string WriteIni(const IniTree& tree) {
-  const IniNode& root = *tree.Root();
-  std::string out;
-  out.reserve(TextSize(root));
-  for (int row = 0; row < root.ChildCount(); ++row) {
-    if (root.Child(row)->Tag() == IniTag::Comments) AppendLine(out, root.Child(row)->Text());
-  }
-  AppendSections(out, root);
-  return out;
-}
+std::string WriteIni(const IniTree& tree) { return TextOf(PutTree, *tree.Root()); }
 
 bool WriteIni(const IniTree& tree, const PartSink& sink) {
-  return tree.Holding() == Holding::Whole ? tree.WriteSource(sink) : sink(WriteIni(tree));
+  if (tree.Holding() == Holding::Whole) return tree.WriteSource(sink);
+  PartBuffer out(sink);
+  return PutTree(out, *tree.Root()) && out.Flush();
 }
 
 IniReadBack ReadBackOf(const IniTree& tree) {
@@ -92,11 +96,10 @@ std::string ClipboardText(const IniTree& tree, const IniNode& node) {
   std::string out;
   switch (node.Tag()) {
     case IniTag::OpenedFile:
-      out.reserve(TextSize(node));
-      AppendSections(out, node);
+      out = TextOf(PutSections, node);
       break;
     case IniTag::Section:
-      AppendSection(out, node);
+      out = TextOf(PutSection, node);
       break;
     case IniTag::Value:
       out = node.Text();

@@ -43,8 +43,10 @@ void RegSource::SelectLine(const SourceView& text, PadPosition line) {
   if (place.key != nullptr) window_.select(place);
 }
 
-const SourceLines* RegSource::Pieces() const { return nullptr; }
+const SourceLines* RegSource::Pieces() const { return IsWhole() ? &document_.Lines() : nullptr; }
 
-void RegSource::ReplaceLines(SourceLines::Piece /*first*/, SourceLines::Piece /*last*/, std::string_view /*lines*/) {}
+void RegSource::ReplaceLines(SourceLines::Piece first, SourceLines::Piece last, std::string_view lines) {
+  window_.change([&] { document_.ReplaceLines(first, last, lines); });
+}
 
 }  // namespace tme

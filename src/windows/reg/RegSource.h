@@ -17,6 +17,8 @@ class RegSource : public SourceDocument {
     /// What is selected.
     std::function<RegPlace()> selected;
     std::function<void(const RegPlace&)> select;
+    /// Runs a change that resets the tree.
+    std::function<void(const std::function<void()>&)> change;
   };
   RegSource(RegDocument& document, Window window) : document_(document), window_(std::move(window)), lexer_(document) {}
 

@@ -15,8 +15,16 @@ std::unique_ptr<SourceDocument> form_REG::MakeSourceDocument() {
     if (FocusMarker == Focus::LV && row.isValid()) place.record = values_->RecordOf(row);
     return place;
   };
+  const auto change = [this](const std::function<void()>& edit) {
+    const Focus focus = FocusMarker;
+    const int row = LV->currentIndex().row();
+    KeepExpanded(edit);
+    if (focus != Focus::LV || values_->rowCount() == 0) return;
+    GoToRow(std::max(row, 0));
+    SetFocusMarker(focus);
+  };
   return std::make_unique<RegSource>(
-      document_, RegSource::Window{selected, [this](const RegPlace& place) { SelectPlace(place); }});
+      document_, RegSource::Window{selected, [this](const RegPlace& place) { SelectPlace(place); }, change});
 }
 
 void form_REG::SelectPlace(const RegPlace& place) {

@@ -33,6 +33,12 @@ constexpr const char* kWholeItems[] = {
     "menu_EditWriteDeletion",   "menu_ViewShowComments",
 };
 
+bool IsInTree(const RegNode& root, const RegNode* node) {
+  for (; node != &root; node = node->Parent())
+    if (node->Row() >= node->Parent()->ChildCount() || node->Parent()->Child(node->Row()) != node) return false;
+  return true;
+}
+
 }  // namespace
 
 form_REG::ReadEnd form_REG::ReadWhole(std::string text) {
@@ -217,7 +223,8 @@ void form_REG::KeepExpanded(const std::function<void()>& change) {
       if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
   }
   change();
-  for (const RegNode* node : expanded) TV->setExpanded(keys_->IndexOf(node), true);
+  for (const RegNode* node : expanded)
+    if (IsInTree(*document_.Root(), node)) TV->setExpanded(keys_->IndexOf(node), true);
   TV->scrollTo(TV->currentIndex());
 }
 
