@@ -11,6 +11,7 @@ void EditableDocument::Undo() {
   UndoStep(position_);
   if (step.undo_outside) step.undo_outside();
   TellRevision();
+  TellSteps();
 }
 
 void EditableDocument::Redo() {
@@ -20,6 +21,7 @@ void EditableDocument::Redo() {
   RedoStep(position_ - 1);
   if (step.redo_outside) step.redo_outside();
   TellRevision();
+  TellSteps();
 }
 
 void EditableDocument::AddOutsideStep(EditName name, std::function<void()> undo, std::function<void()> redo) {
@@ -34,10 +36,12 @@ void EditableDocument::ForgetSteps() {
   position_ = 0;
   DropSteps(0);
   open_.revision_before = revision_;  // an open step leaves nothing
+  TellSteps();
 }
 
 void EditableDocument::BeginStep(EditName name) {
   if (depth_++ > 0) return;
+  if (observer_ != nullptr) observer_->StepBegins();
   open_ = {.name = name, .revision_before = revision_, .revision_after = 0, .undo_outside = {}, .redo_outside = {}};
   OpenStep();
 }
@@ -48,6 +52,7 @@ void EditableDocument::EndStep() {
   open_.revision_after = revision_;
   steps_.push_back(std::exchange(open_, {}));
   CloseStep(position_++);
+  TellSteps();
 }
 
 }  // namespace tme

@@ -50,6 +50,20 @@ class EditableDocument {
   /// Called with each change of it, in the midst of edits, so it may only note that there was one. Empty for none.
   void SetRevisionListener(std::function<void()> listener) { listener_ = std::move(listener); }
 
+  /// Follows the steps.
+  class StepObserver {
+   public:
+    /// A step begins, outside of another one; nothing has changed yet.
+    virtual void StepBegins() = 0;
+    /// There are other steps to undo and redo.
+    virtual void StepsChanged() = 0;
+
+   protected:
+    ~StepObserver() = default;
+  };
+  /// Not owned; null for none.
+  void SetStepObserver(StepObserver* observer) { observer_ = observer; }
+
   /// The steps that are done and not undone.
   std::size_t EditPosition() const { return position_; }
   bool CanUndo() const { return position_ > 0; }
@@ -115,6 +129,9 @@ class EditableDocument {
   void TellRevision() const {
     if (listener_) listener_();
   }
+  void TellSteps() const {
+    if (observer_ != nullptr) observer_->StepsChanged();
+  }
 
   std::vector<StepState> steps_;
   std::size_t position_ = 0;
@@ -123,6 +140,7 @@ class EditableDocument {
   std::uint64_t revision_ = 0;
   std::uint64_t last_revision_ = 0;
   std::function<void()> listener_;
+  StepObserver* observer_ = nullptr;
 };
 
 /// The part of an EditableDocument that keeps what its steps changed. Changes: what a step notes, in memory in

@@ -66,6 +66,8 @@ class DocumentFile {
   bool IsBeingRead() const { return state_.is_being_read; }
   /// The content of this revision is what the file holds.
   void MarkUnmodified(std::uint64_t revision);
+  /// Tells one state of the file from another; as MarkUnmodified got it.
+  std::uint64_t FileRevision() const { return state_.file_revision; }
   /// The content is in no file.
   void MarkModified() { MarkUnmodified(kNoRevision); }
   /// Whether the content was edited since it was read or written, given its revision now. Not before a file is wholly

@@ -87,8 +87,9 @@ constexpr std::array kRows{
     Row{"TME_Edit", "TME_EditPasteTXT", QT_TR_NOOP("Paste to new &TXT"), kMdi, nullptr},
 
     OpenMenu("", "menu_Edit", QT_TR_NOOP("&Edit")),
-    Row{"menu_Edit", "menu_EditUndo", QT_TR_NOOP("&Undo"), kPads, "EditUndo", "edit-undo", "Ctrl+Z"},
-    Row{"menu_Edit", "menu_EditRedo", QT_TR_NOOP("R&edo"), kPads, "EditRedo", "edit-redo", "Ctrl+Y; Ctrl+Shift+Z"},
+    Row{"menu_Edit", "menu_EditUndo", QT_TR_NOOP("&Undo"), kIni | kPads, "EditUndo", "edit-undo", "Ctrl+Z"},
+    Row{"menu_Edit", "menu_EditRedo", QT_TR_NOOP("R&edo"), kIni | kPads, "EditRedo", "edit-redo",
+        "Ctrl+Y; Ctrl+Shift+Z"},
     Separator("menu_Edit"),
     Row{"menu_Edit", "menu_EditCut", QT_TR_NOOP("&Cut"), kIni | kPads, "EditCut", "edit-cut", "Ctrl+X"},
     Row{"menu_Edit", "menu_EditCopy", QT_TR_NOOP("C&opy"), kIni | kPads, "EditCopy", "edit-copy", "Ctrl+C"},
@@ -118,6 +119,9 @@ constexpr std::array kRows{
         "delete-section"},
 
     OpenMenu("", "menu_EditReg", QT_TR_NOOP("&Edit")),
+    Row{"menu_EditReg", "menu_EditRegUndo", QT_TR_NOOP("&Undo"), kReg, "EditUndo", "edit-undo", "Ctrl+Z"},
+    Row{"menu_EditReg", "menu_EditRegRedo", QT_TR_NOOP("R&edo"), kReg, "EditRedo", "edit-redo", "Ctrl+Y; Ctrl+Shift+Z"},
+    Separator("menu_EditReg"),
     Row{"menu_EditReg", "menu_EditModify", QT_TR_NOOP("&Modify"), kReg, "EditModify", "edit-entry"},
     OpenMenu("menu_EditReg", "menu_EditNew", QT_TR_NOOP("&New")),
     Row{"menu_EditNew", "menu_EditNewKey", QT_TR_NOOP("&Key"), kReg, "EditNewKey", "key"},
@@ -257,7 +261,7 @@ void GlobalMenus::RefreshMenus(DocumentKind kind) {
     QAction* action = actions_.value(QString::fromLatin1(row.name));
     if (!action) continue;
     const QString name = QString::fromLatin1(row.name);
-    if (row.other_caption) action->setText(tr(row.CaptionFor(kind)));
+    if (row.other_caption || captioned_.remove(name)) action->setText(tr(row.CaptionFor(kind)));
     const bool shown = row.opens_menu ? menu_shown.value(name) : IsOffered(index, kind);
     action->setVisible(shown);
     action->setEnabled(true);
@@ -275,6 +279,12 @@ void GlobalMenus::ShowInBar(const QList<QAction*>& menus) {
 
 void GlobalMenus::SetAvailable(const char* item_name, bool available) {
   actions_.value(QString::fromLatin1(item_name))->setEnabled(available);
+}
+
+void GlobalMenus::SetCaption(const char* item_name, const QString& caption) {
+  const QString name = QString::fromLatin1(item_name);
+  captioned_.insert(name);
+  actions_.value(name)->setText(caption);
 }
 
 void GlobalMenus::SetChecked(const char* item_name, bool checked) {

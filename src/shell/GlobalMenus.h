@@ -35,6 +35,9 @@ class GlobalMenus : public QObject {
   /// Whether an item of the active document can be chosen now.
   void SetAvailable(const char* item_name, bool available);
 
+  /// Another caption for an item of the active document, until RefreshMenus.
+  void SetCaption(const char* item_name, const QString& caption);
+
   /// The check mark of an item; one that was never set has none.
   void SetChecked(const char* item_name, bool checked);
 
@@ -58,6 +61,8 @@ class GlobalMenus : public QObject {
   QHash<QString, QMenu*> menus_;
   QHash<QString, std::function<void()>> handlers_;
   QSet<QString> hidden_;
+  /// Those that have another caption than the table's.
+  QSet<QString> captioned_;
   DocumentKind kind_ = DocumentKind::Mdi;
 };
 

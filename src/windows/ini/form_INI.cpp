@@ -84,12 +84,18 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->setModel(model_.get());
   WatchState(*TV);
   WatchContent(*model_);
+  FollowSteps(*TV);
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 
   connect(model_.get(), &QAbstractItemModel::modelAboutToBeReset, this,
           [this] { scrolled_ = TV->verticalScrollBar()->value(); });
   connect(model_.get(), &QAbstractItemModel::modelReset, this, &form_INI::RestoreView);
+  // A section that an undo brings back is as open as it was.
+  connect(model_.get(), &QAbstractItemModel::rowsInserted, this, [this](const QModelIndex& parent, int row) {
+    const QModelIndex index = model_->index(row, 0, parent);
+    if (IniItemModel::NodeOf(index)->Expanded()) TV->expand(index);
+  });
   connect(model_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_INI::ShowSelection);
   connect(TV, &QTreeView::expanded, this,
           [this](const QModelIndex& index) { tree_.SetExpanded(IniItemModel::NodeOf(index), true); });

@@ -53,6 +53,7 @@ class form_INI : public TreeDocumentWindow {
 
   /// The document as it stands.
   const IniTree& Tree() const { return tree_; }
+  IniTree& Document() override { return tree_; }
 
  protected:
   ReadEnd ReadText(std::string text) override;

@@ -50,6 +50,7 @@ void form_INI::AddSection() {
     if (tree_.IsUniqueSectionName(name.toStdString())) break;
     prompt = tr("This name already exists in the INI file.  Please enter a unique name for the new section.");
   }
+  const IniTree::Step step(tree_, EditName::AddSection);
   IniNode* section = tree_.AddSection(name.toStdString());
   if (!section) return SayRefused();
   tree_.Select(section);
@@ -79,6 +80,7 @@ void form_INI::AddValue() {
                   form_ADE::DeleteButton::Hidden);
   dialog.exec();
   if (HasNoKey(dialog, GetHolding()) || OutcomeOf(dialog, GetHolding()) == form_ADE::Outcome::Cancelled) return;
+  const IniTree::Step step(tree_, EditName::AddEntry);
   IniNode* entry = tree_.AddEntry(section, dialog.Key().toStdString(), dialog.Value().toStdString());
   if (!entry) return SayRefused();
   tree_.Select(entry);
@@ -230,6 +232,7 @@ void form_INI::EditCopy() {
 
 void form_INI::EditCut() {
   EditCopy();
+  const IniTree::Step step(tree_, EditName::Cut);
   const IniTag tag = tree_.Selected()->Tag();
   // By the rules a comment is neither copied nor removed; intended.
   if (tag == IniTag::Value || tag == IniTag::Section || (tag == IniTag::Comments && IsWhole())) {
@@ -250,6 +253,7 @@ void form_INI::EditPaste() {
     SetChanged(true);
     return;
   }
+  const IniTree::Step step(tree_, EditName::Paste);
   IniReadResult result = Read(text.toStdString());
   // Whoever refused a section knows.
   if (result.end == IniReadEnd::DuplicateRefused) result.ended_at_line = 0;

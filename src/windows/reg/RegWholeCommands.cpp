@@ -60,6 +60,7 @@ bool RegWholeCommands::NewKey() {
       if (document_.FindChild(parent, hive) != nullptr) present += TextOf(hive);
     form_AddHK dialog(&window_, present);
     dialog.exec();
+    const RegDocument::Step step(document_, EditName::AddKey);
     for (const QString& hive : dialog.Checked()) document_.AddKey(parent, hive.toStdString());
     return !dialog.Checked().isEmpty();
   }
@@ -153,6 +154,7 @@ bool RegWholeCommands::Delete(const RegTarget& target) {
   if (!AskWhetherTo(tr("Are you sure you want to permanently delete %1").arg(LabelOf(target)),
                     tr("Deletion Confirmation")))
     return false;
+  const RegDocument::Step step(document_, target.is_in_list ? EditName::DeleteValue : EditName::DeleteKey);
   for (const std::size_t record : target.records) document_.DeleteValue(record);
   if (!target.is_in_list) document_.RemoveKey(node);
   return true;
@@ -165,6 +167,7 @@ bool RegWholeCommands::WriteDeletion(const RegTarget& target) {
   if (!AskWhetherTo(tr("Are you sure you want to put a deletion in place of %1").arg(LabelOf(target)),
                     tr("Write a Deletion")))
     return false;
+  const RegDocument::Step step(document_, EditName::WriteDeletion);
   for (const std::size_t record : target.records) document_.WriteDeletion(record);
   if (!target.is_in_list) document_.WriteDeletion(node);
   return true;

@@ -89,6 +89,7 @@ void form_REG::BuildControls(QWidget& client) {
   column->addLayout(status);
   WatchState(*TV);
   WatchState(*LV);
+  FollowSteps(*TV);
   new ViewZoom({TV, LV}, this);
   setFocusProxy(TV);
 }

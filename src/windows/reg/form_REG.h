@@ -68,6 +68,7 @@ class form_REG : public TreeDocumentWindow {
 
   /// The document as it stands.
   const RegDocument& Document() const { return document_; }
+  RegDocument& Document() override { return document_; }
 
   /// In the layout of the last save.
   SaveOutcome Save(const SaveRequest& request) override;

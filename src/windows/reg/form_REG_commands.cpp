@@ -26,6 +26,7 @@ void form_REG::EditNewKey() {
     for (int row = 0; row < node->ChildCount(); ++row) present += TextOf(node->Child(row)->Text());
     form_AddHK dialog(this, present);
     dialog.exec();
+    const RegDocument::Step step(document_, EditName::AddKey);
     for (const QString& hive : dialog.Checked()) {
       document_.AddHiveNode(hive.toStdString());
       SetChanged(true);

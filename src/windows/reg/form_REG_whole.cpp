@@ -173,6 +173,7 @@ void form_REG::EditCut() {
   const bool has_any = target.is_in_list ? !target.records.empty() : document_.Selected()->Tag() != RegTag::File;
   if (!IsWhole() || !has_any) return;
   EditCopy();
+  const RegDocument::Step step(document_, EditName::Cut);
   for (const std::size_t record : target.records) document_.DeleteValue(record);
   if (!target.is_in_list) document_.RemoveKey(document_.Selected());
   FollowEdit(target);

@@ -56,6 +56,7 @@ void TreeDocumentWindow::UpdateCommands() {
     global_.menus.SetChecked("menu_ViewWholeFile", is_whole);
     global_.menus.SetHidden(u"menu_FileSaveForm"_s, !is_whole);
     ShowSourceItems();
+    ShowSteps();
   }
   FollowInSource();
 }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
+#include "documents/EditableDocument.h"
 #include "documents/Holding.h"
 #include "documents/SourceLines.h"
 #include "shell/DocumentWindow.h"
@@ -25,8 +28,9 @@ class TreeItemModelBase;
 struct PlannedReplacement;
 struct Settings;
 
-/// A document window that shows a tree, and whose document can be held in two ways.
-class TreeDocumentWindow : public DocumentWindow {
+/// A document window that shows a tree, and whose document can be held in two ways. Its edits can be undone until the
+/// document is read again.
+class TreeDocumentWindow : public DocumentWindow, private EditableDocument::StepObserver {
   Q_OBJECT
 
  public:
@@ -36,7 +40,15 @@ class TreeDocumentWindow : public DocumentWindow {
 
   Holding GetHolding() const { return file_.HeldAs(); }
 
+  /// The document as it stands. A command of several edits holds a step of it.
+  virtual EditableDocument& Document() = 0;
+
   void PutContent(std::string bytes, Holding holding) override;
+
+  /// A position of the document's steps comes back as it was left: content, selection, the changed flag, and what was
+  /// in sight. After a save, all positions but that of the save count as changed.
+  Q_INVOKABLE void EditUndo();
+  Q_INVOKABLE void EditRedo();
 
   /// Changes how the document is held, and reads its file again for that, or its own text where it has no file. Asks
   /// first what becomes of changes. When anything comes in between, all stays as it was.
@@ -79,6 +91,9 @@ class TreeDocumentWindow : public DocumentWindow {
   /// The window's badge, which says how the document is held; owned by the window's controls.
   QWidget* MakeBadge(QWidget* parent);
   void UpdateCommands() override;
+  /// To be called once, when the view of the tree is built.
+  void FollowSteps(QAbstractItemView& view);
+  void AddFormatStep(std::function<void()> undo, std::function<void()> redo) override;
   /// What is selected in a view, and what its model shows, changes what the status line says.
   void WatchState(const QAbstractItemView& view);
   void AddState(DocumentState& state) const override;
@@ -166,6 +181,13 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Does the chosen ones of this document's, as one step.
   void Replace(std::span<const PlannedReplacement> plans, std::size_t& done, std::size_t& refused);
 
+  // Undo (TreeDocumentWindow_undo.cpp).
+  void StepBegins() override { NotePosition(); }
+  void StepsChanged() override { ShowSteps(); }
+  void NotePosition();
+  void ShowPosition();
+  void ShowSteps();
+
   bool Settings::*const always_whole_;
   QLabel* badge_ = nullptr;
   const TreeItemModelBase* content_ = nullptr;
@@ -178,6 +200,15 @@ class TreeDocumentWindow : public DocumentWindow {
   /// Null before the controls are built.
   std::unique_ptr<SourcePane> source_;
   bool is_putting_ = false;
+  /// What a position of the steps was like when it was left.
+  struct Position {
+    bool is_changed = false;
+    /// What the file held then.
+    std::uint64_t file_revision = 0;
+    int scrolled = 0;
+  };
+  std::vector<Position> positions_;
+  QAbstractItemView* stepped_view_ = nullptr;
 };
 
 }  // namespace tme

@@ -34,10 +34,19 @@ void TreeDocumentWindow::SaveAsAnotherForm() {
   const QString path = AskForSavePath(global_, SaveTexts());
   if (path.isEmpty()) return;
   const Held before = HeldNow();
-  if (form->kind != present.kind) BecomeKind(form->kind);
-  SetLineEnds(form->line_ends);
-  file_.SetFormat(format);
-  if (Save({.chosen_path = path}) != SaveOutcome::Saved) PutBack(before);
+  const std::size_t position = Document().EditPosition();
+  {
+    const EditableDocument::Step step(Document(), EditName::Convert);
+    if (form->kind != present.kind) BecomeKind(form->kind);
+    SetLineEnds(form->line_ends);
+    const auto put = [this](const TextFormat& as) { return [this, as] { file_.SetFormat(as); }; };
+    if (format.encoding != before.format.encoding) AddFormatStep(put(before.format), put(format));
+    file_.SetFormat(format);
+  }
+  if (Save({.chosen_path = path}) == SaveOutcome::Saved) return;
+  if (Document().EditPosition() != position + 1) return PutBack(before);
+  EditUndo();
+  MarkAs(before);
 }
 
 }  // namespace tme
