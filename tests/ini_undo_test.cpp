@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -194,6 +195,63 @@ TEST(IniUndo, AnyEditsComeBackInBothHoldings) {
     largest = std::max(largest, steps.largest);
   }
   EXPECT_GT(largest, 20U) << "too little to be a test";
+}
+
+TEST(IniUndo, LinesComeInThePlaceOfOthersAsIfTheFileWereReadAgain) {
+  std::mt19937 random(7);
+  const auto below = [&random](std::size_t count) { return random() % count; };
+  const char* const lines[] = {"[a]", "[b", ";c", "k=v", " x", "", "", "\t"};
+  const char* const ends[] = {"\r\n", "\n", "\r", "\r\n", "\n"};
+  const auto any_lines = [&](std::size_t most) {
+    std::string text;
+    for (std::size_t count = below(most); count > 0; --count)
+      text.append(lines[below(std::size(lines))]).append(ends[below(std::size(ends))]);
+    return below(4) == 0 ? text + lines[below(std::size(lines))] : text;
+  };
+  std::size_t kept = 0;
+  for (int file = 0; file < 200 && !testing::Test::HasFailure(); ++file) {
+    IniTree tree;
+    ReadWhole(tree, any_lines(20));
+    IniMirror mirror(tree);
+    std::vector<std::string> texts{WholeText(tree)};
+    for (int edit = 0; edit < 20 && !testing::Test::HasFailure(); ++edit) {
+      const SourceLines& source = tree.Lines();
+      std::vector<SourceLines::Piece> pieces;
+      for (auto at = source.First(); at != SourceLines::kEnds; at = source.Next(at)) pieces.push_back(at);
+      const std::size_t first = below(pieces.size() + 1),
+                        count = below(std::min<std::size_t>(5, pieces.size() - first + 1));
+      std::string before, behind, text = any_lines(5);
+      for (std::size_t at = 0; at < pieces.size(); ++at) {
+        if (count == 0 || at >= first + count) behind += source.Text(pieces[at]);
+        if (count > 0 && at < first) before += source.Text(pieces[at]);
+        if (below(2) == 0 && at >= first && at < first + count) text += source.Text(pieces[at]);
+      }
+      SCOPED_TRACE(testing::PrintToString(before + "|" + text + "|" + behind));
+      if (below(3) == 0) tree.Arrange(IniArrangement::ByName);
+      const IniNode* top = tree.Root()->ChildCount() > 0 ? tree.Root()->Child(0) : nullptr;
+      if (count == 0)
+        tree.ReplaceLines(SourceLines::kEnds, SourceLines::kEnds, text);
+      else
+        tree.ReplaceLines(pieces[first], pieces[first + count - 1], text);
+      mirror.Check();
+      if (WholeText(tree) != texts.back()) texts.push_back(before + text + behind);
+      kept += top != nullptr && tree.Root()->ChildCount() > 0 && tree.Root()->Child(0) == top ? 1 : 0;
+      EXPECT_EQ(WholeText(tree), before + text + behind);
+      tree.Arrange(IniArrangement::AsInFile);
+      IniTree again;
+      ReadWhole(again, before + text + behind);
+      EXPECT_EQ(Dump(tree), Dump(again));
+      EXPECT_EQ(tree.NodeCount(), again.NodeCount());
+      EXPECT_EQ(tree.SectionCount(), again.SectionCount());
+      EXPECT_EQ(tree.EditPosition(), texts.size() - 1);
+    }
+    for (std::size_t at = texts.size(); at-- > 0; tree.Undo(), mirror.Check()) EXPECT_EQ(WholeText(tree), texts[at]);
+    while (tree.CanRedo()) tree.Redo(), mirror.Check();
+    EXPECT_EQ(WholeText(tree), texts.back());
+    tree.Arrange(IniArrangement::ByName);
+    EXPECT_TRUE(tree.Selected() == tree.Root() || FindNode(tree, tree.Selected()->Text()) != tree.Root());
+  }
+  EXPECT_GT(kept, 100U) << "lines that stay keep their nodes";
 }
 
 }  // namespace

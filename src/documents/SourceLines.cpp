@@ -59,7 +59,11 @@ SourceLines::Piece SourceLines::Append(std::string_view lines, std::uint8_t kind
 }
 
 SourceLines::Piece SourceLines::InsertBehind(Piece place, std::string_view lines, std::uint8_t kind) {
-  const Piece piece = Make(place, WithLineEnds(place, lines), kind);
+  return InsertAsIs(place, WithLineEnds(place, lines), kind);
+}
+
+SourceLines::Piece SourceLines::InsertAsIs(Piece place, std::string_view lines, std::uint8_t kind) {
+  const Piece piece = Make(place, lines, kind);
   Edited(place).next = piece;
   Edited(Next(piece)).previous = piece;
   return piece;

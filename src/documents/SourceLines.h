@@ -48,13 +48,15 @@ class SourceLines {
   /// What the reader gave: its own business.
   std::uint8_t Kind(Piece piece) const { return pieces_[piece].kind; }
 
-  // Edits. Texts are copied but for Append's.
+  // Edits. Texts are copied where nothing else is said.
 
   /// Adds a piece behind the last one. lines: not copied, so it must lie in memory that stays.
   Piece Append(std::string_view lines, std::uint8_t kind);
   /// Adds lines behind a piece (kEnds: at the start). What stood last without a line end gets one, and then the new
   /// last line goes without.
   Piece InsertBehind(Piece place, std::string_view lines, std::uint8_t kind);
+  /// Adds lines behind a piece as they are. lines: not copied, as Append's.
+  Piece InsertAsIs(Piece place, std::string_view lines, std::uint8_t kind);
   void Replace(Piece piece, std::string_view lines);
   void SetKind(Piece piece, std::uint8_t kind) { Edited(piece).kind = kind; }
   void Remove(Piece piece) { Remove(piece, piece); }

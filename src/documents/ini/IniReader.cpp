@@ -161,18 +161,7 @@ void ReadEveryIniLine(IniTree& tree, const std::string& text) {
 
 void ReadWholeIni(IniTree& tree, std::string text) {
   IniTree::Load load(tree, std::move(text));
-  SourceLineReader lines(load.Text());
-  std::string_view blank;
-  for (std::string_view line; lines.Next(line);) {
-    const IniLine kind = SourceKindOf(line);
-    if (kind == IniLine::Blank) {
-      blank = blank.empty() ? line : std::string_view(blank.data(), blank.size() + line.size());
-      continue;
-    }
-    if (!blank.empty()) load.AppendLines(std::exchange(blank, {}), IniLine::Blank);
-    load.AppendLines(line, kind);
-  }
-  if (!blank.empty()) load.AppendLines(blank, IniLine::Blank);
+  ForEachSourceRun(load.Text(), [&load](const IniSourceRun& run) { load.AppendLines(run.lines, run.kind); });
   load.Commit();
   tree.SetExpanded(tree.Root(), true);
 }

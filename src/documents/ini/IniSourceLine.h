@@ -28,10 +28,34 @@ class SourceLineReader {
   LineReader lines_;
 };
 
+/// One line with its end, or blank ones that follow one another.
+struct IniSourceRun {
+  std::string_view lines;
+  IniLine kind;
+};
+
 std::string_view TrimIniBlanks(std::string_view text);
 
 /// Its first character that is no blank decides; "#" begins a comment, too. A line end does not matter.
 IniLine SourceKindOf(std::string_view line);
+
+/// Calls visit for each run of a text.
+template <typename Visit>
+void ForEachSourceRun(std::string_view text, Visit visit) {
+  SourceLineReader lines(text);
+  std::string_view blank;
+  for (std::string_view line; lines.Next(line);) {
+    const IniLine kind = SourceKindOf(line);
+    if (kind == IniLine::Blank) {
+      blank = blank.empty() ? line : std::string_view(blank.data(), blank.size() + line.size());
+      continue;
+    }
+    if (!blank.empty()) visit(IniSourceRun{blank, IniLine::Blank});
+    blank = {};
+    visit(IniSourceRun{line, kind});
+  }
+  if (!blank.empty()) visit(IniSourceRun{blank, IniLine::Blank});
+}
 
 /// The text up to the first "]" behind which stand only blanks, or a comment; else up to the first "]"; without any all
 /// of the rest.

@@ -24,6 +24,7 @@ namespace tme {
 
 class IniSorter;
 struct IniLineStyle;
+struct IniSourceRun;
 
 enum class IniTag : std::uint8_t { OpenedFile, Section, Value, Comments };
 
@@ -190,6 +191,10 @@ class IniTree : public EditLog<IniChanges> {
   /// section to the end of the selected section (the root: before the first section), its sections behind the selected
   /// one (the root: at the end). Returns and selects the first node that came; null when there was none.
   IniNode* Paste(std::string_view text);
+  /// Puts the lines of a text, exactly these bytes, in the place of those from one piece to another, or at the start of
+  /// the file for kEnds. The tree is then as if the file were read again: lines that are the same, and as many others
+  /// of the same sorts, keep their nodes, and what follows may come below another section.
+  void ReplaceLines(SourceLines::Piece first, SourceLines::Piece last, std::string_view text);
   /// Gives all lines this end; Mixed leaves them.
   void SetLineEnds(LineEnds ends);
   /// Whether children stand as in the file, which they do at first, or by name. No line moves, and it is no step; not
@@ -284,11 +289,26 @@ class IniTree : public EditLog<IniChanges> {
   void Rearrange();
   void ListAsInFile();
 
+  // Whole holding: lines in the place of others (IniTreeReplace.cpp).
+  /// Neither is part of it; kEnds for those at the ends.
+  struct LineRange {
+    Piece before;
+    Piece behind;
+  };
+  std::string_view WithoutEqual(std::string_view lines, LineRange& range) const;
+  bool ReplaceInPlace(const LineRange& range, const std::vector<IniSourceRun>& runs);
+  void ReplaceRuns(const LineRange& range, const std::vector<IniSourceRun>& runs);
+  /// The line of the node is new already.
+  void ShowLine(IniNode* node);
+  IniNode* NodeAbove(Piece piece) const;
+
   // Steps (IniTreeSteps.cpp). What is noted outside of a step is not kept.
   enum class Way : std::uint8_t { Back, Forth };
   /// Before anything of the node changes but its place.
   void NoteNode(IniNode* node);
   void NoteUnsorted(IniNode* parent);
+  /// All rows may be others.
+  void NoteAllRows();
   void NoteRow(IniNode* parent, IniNode* node, std::size_t row, IniChanges::Came came);
   /// The children stand in the new order and are numbered as before.
   void NoteMoved(IniNode* parent, const std::vector<IniNode*>& before);

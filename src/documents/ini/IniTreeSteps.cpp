@@ -50,6 +50,10 @@ void IniTree::NoteUnsorted(IniNode* parent) {
   parent->children_sorted_ = false;
 }
 
+void IniTree::NoteAllRows() {
+  if (IsInStep()) Noted().arrangement = kNoArrangement;
+}
+
 void IniTree::NoteRow(IniNode* parent, IniNode* node, std::size_t row, IniChanges::Came came) {
   if (IsInStep()) Noted().NoteRow(parent, node, row, came);
 }

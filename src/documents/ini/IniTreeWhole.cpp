@@ -86,11 +86,7 @@ bool IniTree::ReplaceLine(IniNode* node, const std::string& line) {
   if (line == LineOf(node->number_)) return true;
   lines_.Replace(node->number_, line + std::string(LineEndOf(lines_.Text(node->number_))));
   lines_.SetKind(node->number_, static_cast<std::uint8_t>(kind));
-  const NodeSource source = SourceOfNode(node->number_);
-  NoteNode(node);
-  node->tag_ = source.tag;
-  node->SetTextView(source.text);
-  ShowText(node);
+  ShowLine(node);
   return true;
 }
 
