@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <utility>
+
+#include "base/Reversed.h"
 
 namespace tme {
 namespace {
@@ -78,7 +79,7 @@ void SourceLines::Remove(Piece first, Piece last) {
 }
 
 void SourceLines::Revert(Changes& changes) {
-  for (auto& [piece, entry] : std::views::reverse(changes.changes_)) std::swap(pieces_[piece], entry);
+  for (auto& [piece, entry] : Reversed(changes.changes_)) std::swap(pieces_[piece], entry);
 }
 
 void SourceLines::Reapply(Changes& changes) {

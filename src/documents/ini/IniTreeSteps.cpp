@@ -1,9 +1,9 @@
 // IniTree: what the steps of edits changed, taken back and made again.
 #include <algorithm>
 #include <cstdlib>
-#include <ranges>
 #include <utility>
 
+#include "base/Reversed.h"
 #include "documents/ini/IniTree.h"
 
 namespace tme {
@@ -95,7 +95,7 @@ void IniTree::Take(IniChanges& changes, Way way) {
   };
   if (way == Way::Back) {
     lines_.Revert(changes.lines);
-    std::ranges::for_each(std::views::reverse(changes.nodes), exchange);
+    std::ranges::for_each(Reversed(changes.nodes), exchange);
   } else {
     lines_.Reapply(changes.lines);
     std::ranges::for_each(changes.nodes, exchange);
@@ -155,14 +155,14 @@ void IniTree::TakeRows(const IniChanges& changes, Way way, bool row_by_row) {
     return;
   }
   std::size_t end = all.size();
-  for (const auto& list : std::views::reverse(changes.lists)) take(list, all.subspan(end -= list.count, list.count));
+  for (const auto& list : Reversed(changes.lists)) take(list, all.subspan(end -= list.count, list.count));
 }
 
 void IniTree::PutIn(IniNode* parent, std::span<const Row> rows) {
   IniNode::Children& list = ChildrenOf(parent);
   std::size_t from = list.size(), to = from + rows.size();
   list.resize(to);
-  for (const Row& row : std::views::reverse(rows)) {
+  for (const Row& row : Reversed(rows)) {
     while (to > row.row + std::size_t{1}) list[--to] = list[--from];
     list[--to] = row.node;
   }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <ranges>
 #include <utility>
 #include <vector>
 
+#include "base/Reversed.h"
 #include "documents/SourceLines.h"
 #include "documents/reg/RegData.h"
 #include "documents/reg/RegNode.h"
@@ -46,7 +46,7 @@ class RegTableChanges {
   }
   bool HasAny(const Table& table) const { return !changed_.empty() || table.size() > first_; }
   void Revert(Table& table) {
-    for (auto& [row, other] : std::views::reverse(changed_)) std::swap(table[row], other);
+    for (auto& [row, other] : Reversed(changed_)) std::swap(table[row], other);
     const auto first = table.begin() + static_cast<std::ptrdiff_t>(first_);
     added_.assign(first, table.end());
     table.erase(first, table.end());

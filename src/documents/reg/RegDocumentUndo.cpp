@@ -1,9 +1,9 @@
 // What edits note, and how it is taken back and made again.
 #include <algorithm>
-#include <ranges>
 #include <utility>
 #include <vector>
 
+#include "base/Reversed.h"
 #include "documents/reg/RegDocument.h"
 #include "documents/reg/RegKeyWalk.h"
 
@@ -119,7 +119,7 @@ void RegDocument::TurnNodes(std::vector<NodeChange>& nodes, Turn turn) {
     std::swap(node.place_, change.place);
   };
   if (turn == Turn::Back)
-    std::ranges::for_each(std::views::reverse(nodes), exchange);
+    std::ranges::for_each(Reversed(nodes), exchange);
   else
     std::ranges::for_each(nodes, exchange);
 }
@@ -140,7 +140,7 @@ void RegDocument::TurnRows(const RegChanges& changes, Turn turn) {
   if (turn == Turn::Again)
     std::ranges::for_each(changes.lists, change_row);
   else
-    std::ranges::for_each(std::views::reverse(changes.lists), change_row);
+    std::ranges::for_each(Reversed(changes.lists), change_row);
 }
 
 /// Rows of one parent that come or go one behind the other, or one before the other, do so in one pass over its list.
@@ -171,7 +171,7 @@ void RegDocument::TurnManyRows(const RegChanges& changes, Turn turn) {
   if (turn == Turn::Again)
     std::ranges::for_each(changes.lists, take);
   else
-    std::ranges::for_each(std::views::reverse(changes.lists), take);
+    std::ranges::for_each(Reversed(changes.lists), take);
   close();
 }
 
