@@ -46,7 +46,8 @@ struct RegSubject {
     if (holding == Holding::Whole)
       ReadWholeReg(document, std::move(text), {});
     else
-      ReadReg(document, std::move(text), {});
+      ReadReg(document, std::move(text),
+              {.wrong_header = [] { return true; }, .large_file = [] { return true; }, .progress = {}});
   }
   std::unique_ptr<SearchSource> Source() const { return std::make_unique<RegSearchSource>(document); }
 };
@@ -91,8 +92,10 @@ void BM_Replace(benchmark::State& state, Holding holding, std::string_view wante
       auto plan = replacer.Plan(hit.Place(), hit.field, {.matcher = *matcher, .with = "7"});
       if (plan && plan->refusal.isEmpty()) plans.push_back(std::move(*plan));
     }
-    const EditableDocument::Step step(subject.document, EditName::Replace);
-    for (const Replacement& plan : plans) replacer.Apply(plan);
+    {
+      const EditableDocument::Step step(subject.document, EditName::Replace);
+      for (const Replacement& plan : plans) replacer.Apply(plan);
+    }
     done = plans.size();
     state.PauseTiming();
     subject.document.Undo();

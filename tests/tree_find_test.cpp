@@ -1,5 +1,6 @@
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QTest>
 #include <QToolButton>
@@ -184,6 +185,21 @@ TEST_F(TreeFind, FindsInTheRegistryAndInAllOpenDocuments) {
   Ini().FileClose();
   Settle();
   EXPECT_EQ(list->model()->rowCount(), 3);
+}
+
+TEST_F(TreeFind, TheBarFitsIntoANarrowWindow) {
+  form_INI& window = OpenIni(kText);
+  Choose("menu_SearchReplace");
+  window.SubWindow()->resize(300, 500);
+  Settle();
+  const auto* bar = Child<QWidget>(window, "find_bar");
+  for (const QWidget* control : bar->findChildren<QWidget*>()) {
+    if (control->isHidden() || control->isWindow() || control->objectName().isEmpty()) continue;
+    const QRect place(control->mapTo(bar, QPoint()), control->size());
+    EXPECT_TRUE(bar->rect().contains(place)) << control->objectName().toStdString();
+    const bool is_button = qobject_cast<const QToolButton*>(control) != nullptr;
+    EXPECT_GE(control->width(), is_button ? control->sizeHint().width() : 0) << control->objectName().toStdString();
+  }
 }
 
 TEST(PatternMatcher, FindsAndReplacesBytesOfAnyText) {

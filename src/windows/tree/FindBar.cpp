@@ -160,6 +160,7 @@ void FindBar::AddScopes(QMenu& menu) {
 
 void FindBar::Open(const FindQuery& query) {
   if (!isHidden()) return;
+  replace_row_->hide();
   ShowQuery(query);
   show();
   ChangeQuery();

@@ -1,4 +1,6 @@
 // Replacing in the tree of a document, and in those of all open ones.
+#include <QAbstractItemView>
+
 #include "documents/EditableDocument.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"
@@ -20,6 +22,23 @@ constexpr std::size_t kAtOnce = 4096;
 bool IsInSameText(const TreeFinder::Found& one, const TreeFinder::Found& other) {
   return one.window == other.window && one.hit.Place() == other.hit.Place() && one.hit.field == other.hit.field;
 }
+
+/// While it stands, views of a document show nothing of what changes: each row that one updates costs a walk over its
+/// rows.
+class HiddenViews {
+ public:
+  explicit HiddenViews(const SearchTarget& target) : views_(target.Views()) {
+    for (QAbstractItemView* view : views_) view->hide();
+  }
+  ~HiddenViews() {
+    for (QAbstractItemView* view : views_) view->show();
+  }
+  HiddenViews(const HiddenViews&) = delete;
+  HiddenViews& operator=(const HiddenViews&) = delete;
+
+ private:
+  const std::vector<QAbstractItemView*> views_;
+};
 
 /// Plans for all hits of a finder, each text once. Nothing when the user stops it, or the hits changed meanwhile.
 std::vector<PlannedReplacement> PlanAll(TreeFinder& finder, const std::string& with, LongWork& work) {
@@ -105,6 +124,7 @@ void TreeDocumentWindow::Replace(std::span<const PlannedReplacement> plans, std:
   const std::size_t done_before = done;
   const std::unique_ptr<Replacer> replacer = Searchable().MakeReplacer();
   {
+    const HiddenViews hidden(Searchable());
     const EditableDocument::Step step(Searchable().Edited(), EditName::Replace);
     for (const PlannedReplacement& plan : plans)
       if (plan.is_chosen) ++(replacer->Apply(plan.replacement) ? done : refused);
