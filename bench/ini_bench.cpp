@@ -221,6 +221,69 @@ void BM_RemoveSelectedKey(benchmark::State& state) {
 }
 BENCHMARK(BM_RemoveSelectedKey)->Unit(benchmark::kMillisecond);
 
+/// A million entries go and come back; what stands alone in the timed part is what the name says.
+enum class Timed { Delete, Undo };
+
+template <typename Edit>
+void TimeDeletion(benchmark::State& state, IniTree& tree, Timed timed, Edit edit) {
+  for (auto _ : state) {
+    if (timed == Timed::Undo) state.PauseTiming();
+    edit();
+    if (timed == Timed::Undo)
+      state.ResumeTiming();
+    else
+      state.PauseTiming();
+    tree.Undo();
+    if (timed == Timed::Delete) state.ResumeTiming();
+  }
+}
+
+void BM_LargeSection(benchmark::State& state, Reader read, Timed timed) {
+  IniTree tree;
+  IniNode* section = ReadLargeSection(tree, read);
+  TimeDeletion(state, tree, timed, [&] { tree.Remove(section); });
+}
+BENCHMARK_CAPTURE(BM_LargeSection, delete_by_rules, ReadInto, Timed::Delete)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_LargeSection, delete_whole, ReadWhole, Timed::Delete)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_LargeSection, undo_by_rules, ReadInto, Timed::Undo)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_LargeSection, undo_whole, ReadWhole, Timed::Undo)->Unit(benchmark::kMicrosecond);
+
+/// One in each of a million sections.
+void BM_KeyOfMillionSections(benchmark::State& state, Reader read, Timed timed) {
+  std::string text;
+  for (int i = 0; i < 1'000'000; ++i) text += "[Section " + std::to_string(i) + "]\r\nkey=value\r\nother=1\r\n";
+  IniTree tree;
+  read(tree, text);
+  tree.Select(tree.Root()->Child(0)->Child(0));
+  TimeDeletion(state, tree, timed, [&] { tree.RemoveSelectedKey(); });
+}
+BENCHMARK_CAPTURE(BM_KeyOfMillionSections, delete_by_rules, ReadInto, Timed::Delete)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_KeyOfMillionSections, delete_whole, ReadWhole, Timed::Delete)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_KeyOfMillionSections, undo_by_rules, ReadInto, Timed::Undo)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_KeyOfMillionSections, undo_whole, ReadWhole, Timed::Undo)->Unit(benchmark::kMillisecond);
+
+/// 10,000 edits of a document with a million entries, each a step.
+void BM_UndoEverything(benchmark::State& state, Reader read) {
+  IniTree tree;
+  read(tree, Input());
+  const IniNode* root = tree.Root();
+  for (int edit = 0; edit < 10'000; ++edit) {
+    IniNode* section = root->Child(edit % root->ChildCount());
+    if (edit % 2 == 0)
+      tree.AddEntry(section, "new", std::to_string(edit));
+    else
+      tree.Remove(section->Child(0));
+  }
+  for (auto _ : state) {
+    while (tree.CanUndo()) tree.Undo();
+    state.PauseTiming();
+    while (tree.CanRedo()) tree.Redo();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK_CAPTURE(BM_UndoEverything, by_rules, ReadInto)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_UndoEverything, whole, ReadWhole)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 }  // namespace tme
 

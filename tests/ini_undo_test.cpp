@@ -68,6 +68,17 @@ TEST(IniUndo, AStepIsWhatTheUserDid) {
   EXPECT_EQ(Dump(tree), "");
 }
 
+TEST(IniUndo, AReadThatOnlyPutsSectionsInOrderIsAStep) {
+  IniTree tree;
+  ReadInto(tree, "[a]\n[b]\n");
+  tree.SetText(FindNode(tree, "a"), "z");
+  tree.Select(nullptr);
+  ReadIni(tree, "[b]\n", {[](std::string_view) { return false; }});
+  EXPECT_EQ(Dump(tree), "[b][z]");
+  tree.Undo();
+  EXPECT_EQ(Dump(tree), "[z][b]");
+}
+
 /// Edits a tree at random, with undo and redo between, and each state comes back.
 class RandomSteps {
  public:

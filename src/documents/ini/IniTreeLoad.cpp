@@ -54,8 +54,9 @@ void IniTree::Load::AppendNode(const NodeSource& source) {
 
 void IniTree::Load::Commit() {
   FinishSection();
-  if (!IsWhole()) tree_.SortChildren(tree_.Root(), sorter_);
-  if (IsWhole() || tree_.next_number_ != first_number_) tree_.NoteRevision();
+  // What edits left out of order is put in order, too.
+  const bool has_moved = !IsWhole() && tree_.SortChildren(tree_.Root(), sorter_);
+  if (IsWhole() || has_moved || tree_.next_number_ != first_number_) tree_.NoteRevision();
   is_open_ = false;
   tree_.EndReset();
 }
