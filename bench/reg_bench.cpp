@@ -195,13 +195,17 @@ void BM_RegWriteWhole(benchmark::State& state) {
 }
 BENCHMARK(BM_RegWriteWhole)->Unit(benchmark::kMillisecond);
 
-/// A value set, added and deleted in a key of a million values.
-void BM_RegWholeEdit(benchmark::State& state) {
+std::string KeyOfMillionValues() {
   std::string text = "REGEDIT4\r\n\r\n[HKEY_USERS\\Alpha]\r\n";
   for (std::size_t i = 0; i < kKeys * kValuesPerKey; ++i)
     text.append("\"v").append(std::to_string(i)).append("\"=\"1\"\r\n");
+  return text + "\r\n";
+}
+
+/// A value set, added and deleted in a key of a million values.
+void BM_RegWholeEdit(benchmark::State& state) {
   RegDocument document;
-  ReadWholeReg(document, text + "\r\n");
+  ReadWholeReg(document, KeyOfMillionValues());
   RegNode* key = document.Root()->Child(0)->Child(0);
   std::size_t record = 0;
   for (auto _ : state) {
@@ -211,6 +215,47 @@ void BM_RegWholeEdit(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_RegWholeEdit)->Unit(benchmark::kMicrosecond);
+
+/// A key of a million values goes in one edit (0), or they do one by one in one step (1): to take below 100 ms each
+/// way, but for one by one.
+void RemoveMillion(benchmark::State& state, Holding holding, bool times_undo) {
+  RegDocument document;
+  holding == Holding::Whole ? void(ReadWholeReg(document, KeyOfMillionValues()))
+                            : ReadInto(document, KeyOfMillionValues());
+  RegNode* key = document.Root()->Child(0)->Child(0);
+  const auto remove = [&] {
+    const RegDocument::Step step(document, EditName::Delete);
+    if (state.range(0) == 0) return document.RemoveKey(key);
+    for (std::size_t record = 0; record < document.Values().size(); ++record) document.DeleteValue(record);
+  };
+  for (auto _ : state) {
+    if (times_undo) state.PauseTiming();
+    remove();
+    times_undo ? state.ResumeTiming() : state.PauseTiming();
+    document.Undo();
+    if (!times_undo) state.ResumeTiming();
+  }
+}
+void BM_RegRemoveMillion(benchmark::State& state) { RemoveMillion(state, Holding::ByRules, false); }
+void BM_RegUndoRemoval(benchmark::State& state) { RemoveMillion(state, Holding::ByRules, true); }
+void BM_RegWholeRemoveMillion(benchmark::State& state) { RemoveMillion(state, Holding::Whole, false); }
+void BM_RegWholeUndoRemoval(benchmark::State& state) { RemoveMillion(state, Holding::Whole, true); }
+BENCHMARK(BM_RegRemoveMillion)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RegUndoRemoval)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RegWholeRemoveMillion)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RegWholeUndoRemoval)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
+
+/// A line typed into the middle of a key of a million values.
+void BM_RegWholeReplaceLines(benchmark::State& state) {
+  RegDocument document;
+  ReadWholeReg(document, KeyOfMillionValues());
+  std::size_t record = kKeys * kValuesPerKey / 2;
+  for (auto _ : state) {
+    const SourceLines::Piece piece = document.Values()[record].piece;
+    document.ReplaceLines(piece, piece, document.EditPosition() % 2 == 0 ? "\"v\"=\"2\"\r\n" : "\"w\"=\"3\"\r\n");
+  }
+}
+BENCHMARK(BM_RegWholeReplaceLines)->Unit(benchmark::kMillisecond);
 
 /// A 5.00 export of 500 MB in UTF-16: to be opened in 3 seconds.
 void BM_RegOpenLargeExport(benchmark::State& state) {

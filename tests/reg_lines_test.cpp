@@ -5,6 +5,7 @@
 #include <random>
 
 #include "RegProbe.h"
+#include "documents/reg/RegConversion.h"
 #include "documents/reg/RegWholeReader.h"
 
 namespace tme {
@@ -135,6 +136,24 @@ TEST(RegLines, SelectionGoesWithTheLines) {
   EXPECT_EQ(document.Selected()->KeyPath(), Reg("$"));
   document.Undo();
   EXPECT_EQ(document.Selected()->KeyPath(), Reg("$/n"));
+}
+
+TEST(RegLines, PairsBecomeAnotherKindOfFileInOneStep) {
+  RegDocument document;
+  const std::string text = Reg("REGEDIT|;c|$/a = 1|$/b|$/a/c = 2|");
+  ReadWholeReg(document, text);
+  const RegNode* key = NodeAt(document, "$/a/c");
+  {
+    const RegDocument::Step step(document, EditName::Convert);
+    document.ReplaceLines(document.Lines().First(), document.Lines().Last(), WithoutPairs(document));
+    document.ConvertTo(RegVersion::Version5, {});
+  }
+  EXPECT_EQ(Dump(document), Reg("{HKEY_USERS{a(:S='1'){c(:S='2')} b}}"));
+  EXPECT_EQ(document.Version(), RegVersion::Version5);
+  EXPECT_EQ(NodeAt(document, "$/a/c"), key) << "what is expanded stays so";
+  document.Undo();
+  ExpectAsRead(document, text);
+  EXPECT_FALSE(document.CanUndo());
 }
 
 TEST(RegLines, AnyLinesAnywhere) {

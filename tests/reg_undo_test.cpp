@@ -133,7 +133,7 @@ const std::vector<UndoCase> kUndoneWhole = {
 // clang-format on
 
 constexpr const char* kUndoneText =
-    "REGEDIT4||;1|[$/a]|'v'='1'|'w'=hex:1,/|;in|2||;2|[-$/d]||[$/a/b]|;own|'x'=hex:3,/|;x|4|;c|'y'=dword:1||;3|[$/A]|"
+    "REGEDIT4||;1|[$/a]|'v'='1'|'w'=hex:1,/|;in|2||;2|[-$/d]||[$/a/b]|;own|'x'=hex:3,/|;x|4|;c|'y'=dword:1|;3|[$/A]|"
     "'z'='2'|;last||[$/i/j]|@='t'|";
 
 void ExpectSteps(RegDocument& document, const UndoCase& test) {

@@ -78,6 +78,8 @@ class RegDocument : public EditLog<RegChanges> {
   RegNode* Selected() const { return selected_; }
   /// Null selects the root.
   void Select(RegNode* node) { selected_ = node == nullptr ? root_.get() : node; }
+  /// Not for nodes of before a reset.
+  bool IsInTree(const RegNode* node) const { return InTree(node) == node; }
   /// Counts every node in the tree, the root included.
   std::size_t NodeCount() const { return node_count_; }
   /// The table, in order of creation.
@@ -229,7 +231,8 @@ class RegDocument : public EditLog<RegChanges> {
   void TurnRun(std::vector<RegChanges::ListChange>& rows, RegChanges::ListChange::Kind kind);
   /// The number of the arrangement of comments under which rows stand as they do.
   std::uint64_t Arrangement() const { return comments_ == RegComments::Hidden ? 0 : arrangement_; }
-  RegNode* InTree(RegNode* node) const;
+  const RegNode* InTree(const RegNode* node) const;
+  RegNode* InTree(RegNode* node) const { return const_cast<RegNode*>(InTree(const_cast<const RegNode*>(node))); }
   std::size_t CountBelow(const RegNode& node) const;
 
   // Rows of a parent, with all that follows from it but for the observer and the notes.

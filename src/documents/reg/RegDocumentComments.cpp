@@ -109,11 +109,12 @@ void RegDocument::GiveCommentsAway(RegNode* from, SourceLines::Piece below) {
   RegNode* to = headers_[next].node;
   if (to == from) return;
   const SourceLines::Piece lead = LeadOf(next);
-  std::unordered_set<SourceLines::Piece> block;
+  std::unordered_set<SourceLines::Piece> block, moved;
   for (SourceLines::Piece piece = lead; piece != below; piece = lines_.Next(piece)) block.insert(piece);
   for (std::size_t row = from->CommentCount(); row > 0; --row) {
     RegNode* node = from->Child(static_cast<int>(row - 1));
     if (!block.contains(node->place_)) continue;
+    moved.insert(node->place_);
     observer_->BeforeRemove(*node);
     NoteRow(node, row - 1, RegChanges::ListChange::Kind::Removed);
     TakeRow(node);
@@ -122,7 +123,10 @@ void RegDocument::GiveCommentsAway(RegNode* from, SourceLines::Piece below) {
     observer_->AfterRemove();
     if (selection_moves) observer_->SelectionMoved();
   }
-  AdoptComments(to, lead, below);
+  // Those below them were its own before.
+  SourceLines::Piece end = lead;
+  while (moved.contains(end)) end = lines_.Next(end);
+  AdoptComments(to, lead, end);
 }
 
 void RegDocument::DropComments() {

@@ -81,7 +81,7 @@ void RegDocument::TurnChanges(RegChanges& changes, Turn turn) {
   selected_ = InTree(turn == Turn::Back ? changes.selected_before : changes.selected_after);
   if (!is_by_row) return observer_->AfterReset();
   for (const NodeChange& change : changes.nodes)
-    if (change.text != change.node->text_ && InTree(change.node) == change.node) observer_->TextChanged(*change.node);
+    if (change.text != change.node->text_ && IsInTree(change.node)) observer_->TextChanged(*change.node);
   observer_->ValuesReset();
   if (selected_ != selected) observer_->SelectionMoved();
 }
@@ -211,9 +211,9 @@ void RegDocument::TakeRow(RegNode* node) {
 }
 
 /// The node itself, or what is nearest above it, where it is out of the tree.
-RegNode* RegDocument::InTree(RegNode* node) const {
-  RegNode* found = node;
-  for (RegNode* at = node; at->parent_ != nullptr; at = at->parent_) {
+const RegNode* RegDocument::InTree(const RegNode* node) const {
+  const RegNode* found = node;
+  for (const RegNode* at = node; at->parent_ != nullptr; at = at->parent_) {
     const RegChildren& siblings = *at->parent_->children_;
     if (at->row_ >= siblings.Count() || siblings.At(at->row_) != at) found = at->parent_;
   }

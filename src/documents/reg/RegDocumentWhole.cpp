@@ -184,7 +184,9 @@ void RegDocument::DeleteValueLines(std::size_t record) {
     const SourceLines::Piece kept = lines_.Next(above);
     lines_.Remove(piece);
     if (kept != piece) AdoptComments(value.owner, kept, lines_.Next(piece));
-    GiveCommentsAway(value.owner, lines_.Next(piece));
+    SourceLines::Piece below = lines_.Next(piece);
+    while (KindOf(below) == RegPiece::Comment) below = lines_.Next(below);
+    GiveCommentsAway(value.owner, below);
   }
   MarkDeleted(record);
   ValueHasChanged(record);

@@ -210,7 +210,7 @@ void RegDocument::LineEdit::Prune(std::vector<RegNode*> nodes) {
     std::unordered_set<const RegNode*> seen;
     for (RegNode* node : nodes) {
       const bool is_needed = node->parent_ == nullptr || node->place_ != 0 || node->ChildCount() > 0;
-      if (!is_needed && seen.insert(node).second && document_.InTree(node) == node)
+      if (!is_needed && seen.insert(node).second && document_.IsInTree(node))
         places[node->parent_].push_back({node->row_, node});
     }
     nodes.clear();

@@ -20,10 +20,12 @@ class RegKeyModel : public TreeItemModel<RegDocument, RegNode, RegDocumentObserv
  signals:
   void ValueAddedToTable(std::size_t record);
   void ValueChangedInTable(std::size_t record);
+  void ValuesResetInTable();
 
  private:
   void ValueAdded(std::size_t record) override { emit ValueAddedToTable(record); }
   void ValueChanged(std::size_t record) override { emit ValueChangedInTable(record); }
+  void ValuesReset() override { emit ValuesResetInTable(); }
 
   /// By RegTag.
   const std::array<QIcon, 5> icons_;

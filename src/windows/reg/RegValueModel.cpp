@@ -2,6 +2,8 @@
 
 #include <QFont>
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "shell/DisplayText.h"
 #include "shell/Icon.h"
@@ -23,6 +25,29 @@ void RegValueModel::ShowKey(const RegNode* node) {
   endResetModel();
 }
 
+int RegValueModel::FollowKey(const RegNode* node) {
+  std::vector<std::size_t> records = document_.ValuesOfPath(node);
+  texts_.clear();
+  const auto [old_first, new_first] = std::ranges::mismatch(records_, records);
+  const auto same_last = std::mismatch(records_.rbegin(), std::make_reverse_iterator(old_first), records.rbegin(),
+                                       std::make_reverse_iterator(new_first));
+  const auto first = static_cast<int>(old_first - records_.begin());
+  const auto gone = static_cast<int>(same_last.first.base() - old_first);
+  const auto come = static_cast<int>(same_last.second.base() - new_first);
+  if (gone > 0) {
+    beginRemoveRows({}, first, first + gone - 1);
+    records_.erase(old_first, same_last.first.base());
+    endRemoveRows();
+  }
+  if (come > 0) {
+    beginInsertRows({}, first, first + come - 1);
+    records_ = std::move(records);
+    endInsertRows();
+  }
+  if (!records_.empty()) emit dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
+  return come > 0 ? first : -1;
+}
+
 void RegValueModel::Append(std::size_t record) {
   const int row = rowCount();
   beginInsertRows({}, row, row);
@@ -36,8 +61,8 @@ void RegValueModel::Refresh(std::size_t record) {
 }
 
 int RegValueModel::RowOf(std::size_t record) const {
-  const auto found = std::find(records_.begin(), records_.end(), record);
-  return found == records_.end() ? -1 : static_cast<int>(found - records_.begin());
+  const auto found = std::ranges::lower_bound(records_, record);
+  return found == records_.end() || *found != record ? -1 : static_cast<int>(found - records_.begin());
 }
 
 void RegValueModel::TakeRow(int row) {

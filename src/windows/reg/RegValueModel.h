@@ -22,6 +22,9 @@ class RegValueModel : public QAbstractTableModel {
 
   /// Fills the list anew; null empties it.
   void ShowKey(const RegNode* node);
+  /// Fills it anew for the same key. Rows that stay are not told to have gone. Returns the first row that came; -1
+  /// without any.
+  int FollowKey(const RegNode* node);
   /// A record that now belongs to the key that is shown.
   void Append(std::size_t record);
   void Refresh(std::size_t record);
@@ -41,6 +44,7 @@ class RegValueModel : public QAbstractTableModel {
   QVariant DecodedData(std::size_t record, int column, int role) const;
 
   const RegDocument& document_;
+  /// They rise.
   std::vector<std::size_t> records_;
   const std::array<QIcon, kRegTypes.size()> icons_;  ///< by RegType
   const QIcon deletion_icon_;

@@ -114,6 +114,7 @@ bool RegWholeCommands::ModifyValue(std::size_t index) {
   });
   if (dialog.exec() != QDialog::Accepted) return false;
   const std::uint64_t revision = document_.Revision();
+  const RegDocument::Step step(document_, EditName::Edit);
   if (dialog.Name() != EditableText(name_before)) document_.RenameValue(index, EditedBytes(dialog.Name()));
   // The same data again change nothing, however the file writes them.
   const std::optional<RegData> after = dialog.IsDeletion() ? std::nullopt : std::optional(dialog.Data());

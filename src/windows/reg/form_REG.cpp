@@ -103,6 +103,8 @@ void form_REG::BuildKeyTree(QWidget* parent) {
     connect(keys_.get(), signal, this, &form_REG::ContentChanged);
   TV->installEventFilter(this);
   TV->viewport()->installEventFilter(this);
+  connect(keys_.get(), &RegKeyModel::ValuesResetInTable, this, &form_REG::FollowValues);
+  connect(keys_.get(), &QAbstractItemModel::modelAboutToBeReset, this, &form_REG::RememberView);
   connect(keys_.get(), &QAbstractItemModel::modelReset, this, &form_REG::RestoreView);
   connect(keys_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_REG::ShowSelection);
   connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
@@ -243,11 +245,38 @@ void form_REG::WriteColumnWidth(int column, int pixels) {
                               QString::number(PixelsToTwips(pixels, logicalDpiX())));
 }
 
+void form_REG::RememberView() {
+  expanded_.clear();
+  std::vector<RegNode*> open{document_.Root()};
+  while (!open.empty()) {
+    const RegNode* node = open.back();
+    open.pop_back();
+    if (!TV->isExpanded(keys_->IndexOf(node))) continue;
+    expanded_.push_back(node);
+    for (int row = 0; row < node->ChildCount(); ++row)
+      if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
+  }
+}
+
+void form_REG::FollowValues() {
+  const int row = values_->FollowKey(document_.Selected());
+  if (row >= 0) GoToRow(row);
+  ShowPath();
+  UpdateCommands();
+  emit ContentChanged();
+}
+
 void form_REG::RestoreView() {
   LV->setSelectionMode(IsWhole() ? QAbstractItemView::ExtendedSelection : QAbstractItemView::SingleSelection);
   ReadColumnWidths();
   TV->setExpanded(keys_->IndexOf(document_.Root()), true);
+  // Where the root alone is left, the others are gone for good.
+  if (document_.NodeCount() == 1) expanded_.clear();
+  for (const RegNode* node : expanded_)
+    if (document_.IsInTree(node)) TV->setExpanded(keys_->IndexOf(node), true);
+  expanded_.clear();
   ShowSelection();
+  TV->scrollTo(TV->currentIndex());
 }
 
 void form_REG::ShowSelection() {

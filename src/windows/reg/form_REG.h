@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <functional>
 #include <memory>
+#include <vector>
 
 #include "documents/reg/RegDocument.h"
 #include "documents/reg/RegReader.h"
@@ -108,7 +108,11 @@ class form_REG : public TreeDocumentWindow {
 
   void BuildKeyTree(QWidget* parent);
   void BuildValueList(QWidget* parent);
+  /// Before and after a reset of the tree: what was expanded stays so.
+  void RememberView();
   void RestoreView();
+  /// Many values changed.
+  void FollowValues();
   void ShowSelection();
   /// The list and the path of the selected key.
   void ShowKey();
@@ -132,8 +136,6 @@ class form_REG : public TreeDocumentWindow {
   /// Or the last one.
   void GoToRow(int row);
   void GoToPlace(RegNode* node, std::uint32_t record);
-  /// Runs a change that resets the tree.
-  void KeepExpanded(const std::function<void()>& change);
   void NewWholeKey();
   void NewWholeValue(std::uint32_t type);
   /// Runs an edit and what follows from it.
@@ -175,6 +177,7 @@ class form_REG : public TreeDocumentWindow {
   bool large_output_is_allowed_ = false;
   bool is_placing_columns_ = false;
   Focus FocusMarker = Focus::TV;
+  std::vector<const RegNode*> expanded_;
   QElapsedTimer since_progress_;
 
   QTreeView* TV = nullptr;

@@ -67,8 +67,11 @@ void form_REG::BecomeKind(std::size_t kind) { BecomeVersion(VersionsFor(document
 
 void form_REG::BecomeVersion(RegVersion target) {
   const WaitCursor wait_cursor;
-  if (document_.Version() == RegVersion::Regedit) ReadText(WithoutPairs(document_));
-  KeepExpanded([this, target] { document_.ConvertTo(target, CodingOf(document_)); });
+  const RegDocument::Step step(document_, EditName::Convert);
+  const SourceLines& lines = document_.Lines();
+  if (document_.Version() == RegVersion::Regedit)
+    document_.ReplaceLines(lines.First(), lines.Last(), WithoutPairs(document_));
+  document_.ConvertTo(target, CodingOf(document_));
 }
 
 form_REG::SaveOutcome form_REG::ConfirmCharacters(const SaveRequest& request) {
@@ -84,8 +87,12 @@ form_REG::SaveOutcome form_REG::ConfirmCharacters(const SaveRequest& request) {
   const QString question = why + u"\r\r"_s + tr("As %1, in UTF-16, it has.").arg(NameOfVersion(RegVersion::Version5));
   if (global_.dialogs.Choose(question, {tr("&Save as 5.00"), tr("Cancel")}, MsgIcon::Question, kProgramTitle) != 0)
     return global_.frame.IsLeaving() ? SaveOutcome::Cancelled : SaveOutcome::Failed;
+  const RegDocument::Step step(document_, EditName::Convert);
+  const auto put = [this](const TextFormat& format) { return [this, format] { file_.SetFormat(format); }; };
+  const TextFormat format{TextEncoding::Utf16Le, {}};
   BecomeVersion(RegVersion::Version5);
-  file_.SetFormat({TextEncoding::Utf16Le, {}});
+  AddFormatStep(put(file_.Format()), put(format));
+  file_.SetFormat(format);
   return SaveOutcome::Saved;
 }
 

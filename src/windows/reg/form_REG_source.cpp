@@ -1,5 +1,7 @@
 // What the source pane asks of form_REG.
 #include <QTreeView>
+#include <algorithm>
+#include <functional>
 
 #include "windows/reg/RegKeyModel.h"
 #include "windows/reg/RegSource.h"
@@ -18,7 +20,7 @@ std::unique_ptr<SourceDocument> form_REG::MakeSourceDocument() {
   const auto change = [this](const std::function<void()>& edit) {
     const Focus focus = FocusMarker;
     const int row = LV->currentIndex().row();
-    KeepExpanded(edit);
+    edit();
     if (focus != Focus::LV || values_->rowCount() == 0) return;
     GoToRow(std::max(row, 0));
     SetFocusMarker(focus);

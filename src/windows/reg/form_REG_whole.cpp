@@ -33,12 +33,6 @@ constexpr const char* kWholeItems[] = {
     "menu_EditWriteDeletion",   "menu_ViewShowComments",
 };
 
-bool IsInTree(const RegNode& root, const RegNode* node) {
-  for (; node != &root; node = node->Parent())
-    if (node->Row() >= node->Parent()->ChildCount() || node->Parent()->Child(node->Row()) != node) return false;
-  return true;
-}
-
 }  // namespace
 
 form_REG::ReadEnd form_REG::ReadWhole(std::string text) {
@@ -190,9 +184,9 @@ void form_REG::EditPaste() {
   {
     const WaitCursor wait_cursor;
     const std::string lines = WithFreeNames(document_, node, text);
-    KeepExpanded([&] { result = document_.Paste(node, lines, CodingOf(document_)); });
+    result = document_.Paste(node, lines, CodingOf(document_));
   }
-  if (document_.Revision() == revision) {
+  if (document_.Revision() == revision && result.left_out == 0) {
     if (!text.empty()) AddNotice(tr("The clipboard holds no keys and no values."));
     return;
   }
@@ -208,31 +202,16 @@ void form_REG::EditPaste() {
             ? tr("Values of the clipboard that belong to no key were not taken: select the key that is to have them.")
             : Counted(result.left_out, tr("1 value was not taken, since this kind of file cannot say it."),
                       tr("%1 values were not taken, since this kind of file cannot say them.")));
+  if (document_.Revision() == revision) return;
   TV->expand(keys_->IndexOf(node));
   FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
   if (values_->rowCount() > row_count) GoToRow(row_count);
 }
 
-void form_REG::KeepExpanded(const std::function<void()>& change) {
-  std::vector<RegNode*> expanded, open{document_.Root()};
-  while (!open.empty()) {
-    RegNode* node = open.back();
-    open.pop_back();
-    if (!TV->isExpanded(keys_->IndexOf(node))) continue;
-    expanded.push_back(node);
-    for (int row = 0; row < node->ChildCount(); ++row)
-      if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
-  }
-  change();
-  for (const RegNode* node : expanded)
-    if (IsInTree(*document_.Root(), node)) TV->setExpanded(keys_->IndexOf(node), true);
-  TV->scrollTo(TV->currentIndex());
-}
-
 void form_REG::ShowComments() {
   if (!IsWhole()) return;
   const bool is_shown = document_.Comments() == RegComments::Shown;
-  KeepExpanded([&] { document_.ShowComments(is_shown ? RegComments::Hidden : RegComments::Shown); });
+  document_.ShowComments(is_shown ? RegComments::Hidden : RegComments::Shown);
   UpdateCommands();
 }
 
