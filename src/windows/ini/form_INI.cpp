@@ -150,6 +150,11 @@ void form_INI::BuildButtons(QWidget& client) {
       make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"), &form_INI::AddValue);
   cmd_DeleteValue = make(u"cmd_DeleteValue"_s, tr("De&lete\nValue"), tr("Delete the selected entry or comment (Del)"),
                          &form_INI::DeleteValue);
+  // Beside the source their captions stay whole.
+  int width = 0;
+  for (const QPushButton* button : client.findChildren<QPushButton*>(Qt::FindDirectChildrenOnly))
+    width += button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() + 4 * kButtonGapPixels;
+  client.setMinimumWidth(width);
 }
 
 bool form_INI::eventFilter(QObject* watched, QEvent* event) {

@@ -168,6 +168,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   bool FitsOrIsAgreed(TextFormat& format);
   void ShowHolding();
   void ShowSourceItems();
+  /// A window that is as narrow as a tree alone becomes wide enough for the source beside it.
+  void MakeRoomForSource();
 
   // Finding (TreeDocumentWindow_find.cpp).
   void BuildFindBar();

@@ -1,6 +1,8 @@
 // The source below or beside the tree.
+#include <QMdiSubWindow>
 #include <QSplitter>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
@@ -31,12 +33,21 @@ QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
 
 void TreeDocumentWindow::ViewSource() {
   global_.settings.SetFlag(&Settings::show_source, !global_.settings.show_source, global_.registry);
+  MakeRoomForSource();
   UpdateCommands();
 }
 
 void TreeDocumentWindow::ViewSourceBeside() {
   global_.settings.SetFlag(&Settings::source_beside, !global_.settings.source_beside, global_.registry);
+  MakeRoomForSource();
   UpdateCommands();
+}
+
+void TreeDocumentWindow::MakeRoomForSource() {
+  QMdiSubWindow* sub_window = SubWindow();
+  if (!global_.settings.show_source || !global_.settings.source_beside || sub_window->isMaximized()) return;
+  const int room = sub_window->parentWidget()->width() - sub_window->x();
+  sub_window->resize(std::max(sub_window->width(), std::min(2 * PreferredWidth(), room)), sub_window->height());
 }
 
 void TreeDocumentWindow::ShowSourceItems() {
