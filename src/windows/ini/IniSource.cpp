@@ -35,9 +35,11 @@ void IniSource::SelectLine(const SourceView& text, PadPosition line) {
   if (piece != SourceLines::kEnds) select_(tree_.NodeOf(piece));
 }
 
-const SourceLines* IniSource::Pieces() const { return nullptr; }
+const SourceLines* IniSource::Pieces() const { return IsWhole() ? &tree_.Lines() : nullptr; }
 
-void IniSource::ReplaceLines(SourceLines::Piece /*first*/, SourceLines::Piece /*last*/, std::string_view /*lines*/) {}
+void IniSource::ReplaceLines(SourceLines::Piece first, SourceLines::Piece last, std::string_view lines) {
+  tree_.ReplaceLines(first, last, lines);
+}
 
 std::vector<SourceFault> IniSource::Read(const SourcePart& part, std::span<char> styles) const {
   std::vector<SourceFault> faults;

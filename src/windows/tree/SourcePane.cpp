@@ -140,6 +140,8 @@ void SourcePane::Commit() {
   view_->Accept();
   if (!edit) return;
   document_->ReplaceLines(edit->first, edit->last, lines);
+  // The text is another one than that of the revision, which an undo may bring back before the pane follows.
+  revision_.reset();
   emit DocumentEdited();
   Follow();
 }

@@ -124,6 +124,7 @@ TreeDocumentWindow::Switch TreeDocumentWindow::ConfirmSwitch() {
 }
 
 void TreeDocumentWindow::WholeFile() {
+  CommitSource();
   const Switch confirmed = ConfirmSwitch();
   if (confirmed == Switch::Refused) return;
   const bool has_file = !file_.Path().isEmpty();

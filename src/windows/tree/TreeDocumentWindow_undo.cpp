@@ -64,6 +64,7 @@ void TreeDocumentWindow::AddFormatStep(std::function<void()> undo, std::function
 }
 
 void TreeDocumentWindow::EditUndo() {
+  CommitSource();
   const WaitCursor wait_cursor;
   NotePosition();
   Document().Undo();
@@ -71,6 +72,7 @@ void TreeDocumentWindow::EditUndo() {
 }
 
 void TreeDocumentWindow::EditRedo() {
+  CommitSource();
   const WaitCursor wait_cursor;
   NotePosition();
   Document().Redo();
