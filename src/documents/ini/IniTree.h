@@ -90,6 +90,9 @@ enum class IniArrangement : std::uint8_t {
   ByName,
 };
 
+/// Whether comments that belong to what is removed go along.
+enum class IniComments : std::uint8_t { Stay, GoAlong };
+
 /// The document of an INI window: one root, sections below it, entries and comments below those. Every edit is one call
 /// with a name, and a step that can be undone. A node that was removed comes back as the same node.
 /// By the rules all children are arranged by name, and nothing but the nodes is known.
@@ -127,6 +130,8 @@ class IniTree : public EditLog<IniChanges> {
   /// Whole holding: the lines of a node, for the root all, for a section or an entry with the comments that belong to
   /// it.
   std::string SourceOf(const IniNode& node) const;
+  /// Whole holding: those of several nodes, none below another one, each line once and with an end: sections come last.
+  std::string SourceOf(std::span<IniNode* const> nodes) const;
   /// Whole holding: hands over the file. Returns false when the sink stopped.
   bool WriteSource(const PartSink& sink) const { return lines_.Write(sink); }
   /// Whole holding: the text.
@@ -166,6 +171,10 @@ class IniTree : public EditLog<IniChanges> {
   void Remove(IniNode* node);
   /// As Remove, but in whole holding the comments that belong to a section or an entry go along.
   void RemoveWithComments(IniNode* node);
+  /// Removes many nodes with their subtrees; linear in the size of the tree. nodes: none below another one; the root
+  /// stays. By the rules comments do not matter. In whole holding sections that follow one another go with all that
+  /// stands between them, and comments of what is left stay where they belong.
+  void Remove(std::span<IniNode* const> nodes, IniComments comments);
   /// By the rules: walks all nodes from the last created to the first and removes those (sections and comments too,
   /// never the root) whose text begins with the key of the selected entry, as long as the selected node is an entry.
   /// Intended. Where the walk removes the selected node itself, any entry that is left takes the selection for as long
@@ -184,6 +193,8 @@ class IniTree : public EditLog<IniChanges> {
   /// Adds a child with the tag Value or Comments to a section, or a comment to the root.
   IniNode* AddLine(IniNode* parent, std::string_view text, IniTag tag);
   void AddLineToAllSections(std::string_view text, IniTag tag);
+  /// Adds many lines to a section, which is expanded, entries and comments by what they begin with.
+  void AddLines(IniNode* section, std::span<const std::string_view> texts);
 
   // In whole holding alone.
 
@@ -277,6 +288,11 @@ class IniTree : public EditLog<IniChanges> {
   IniNode* AddEntryLine(IniNode* parent, std::string_view key, std::string_view value);
   bool AddEntryLines(std::string_view key, std::string_view value);
   void RemoveLines(IniNode* node);
+  /// The first and the last line of a node, comments that belong to it included.
+  std::pair<Piece, Piece> LinesOf(const IniNode& node) const;
+  void MarkCommentsOf(const IniNode& node);
+  void RemoveManyLines();
+  Piece RemoveSectionRun(Piece first);
   /// The nodes of the comments that belong to a header. They stand below what comes before it.
   std::vector<IniNode*> BlockAbove(Piece header) const;
   void MoveBlock(const std::vector<IniNode*>& block, IniNode* from, IniNode* to);

@@ -23,15 +23,23 @@ std::string_view IniTree::LineOf(Piece piece) const {
   return text.substr(0, text.size() - LineEndOf(text).size());
 }
 
-std::string IniTree::SourceOf(const IniNode& node) const {
-  Piece first = node.number_, last = first;
-  if (node.tag_ == IniTag::OpenedFile) {
-    first = lines_.First();
-    last = lines_.Last();
-  } else if (node.tag_ != IniTag::Comments) {
-    first = FirstOfBlock(first);
+std::pair<IniTree::Piece, IniTree::Piece> IniTree::LinesOf(const IniNode& node) const {
+  const Piece own = node.number_;
+  switch (node.tag_) {
+    case IniTag::OpenedFile:
+      return {lines_.First(), lines_.Last()};
+    case IniTag::Section:
+      return {FirstOfBlock(own), EndBefore(HeaderBehind(node))};
+    case IniTag::Value:
+      return {FirstOfBlock(own), own};
+    case IniTag::Comments:
+      break;
   }
-  if (node.tag_ == IniTag::Section) last = EndBefore(HeaderBehind(node));
+  return {own, own};
+}
+
+std::string IniTree::SourceOf(const IniNode& node) const {
+  const auto [first, last] = LinesOf(node);
   std::string text;
   if (first == SourceLines::kEnds) return text;
   for (Piece at = first; at != lines_.Next(last); at = lines_.Next(at)) text += lines_.Text(at);

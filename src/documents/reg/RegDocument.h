@@ -148,6 +148,9 @@ class RegDocument : public EditLog<RegChanges> {
   /// In whole holding its blocks go, with the blank lines behind them and the comments that touch their headers; a
   /// comment that touches the next header stays.
   void RemoveKey(RegNode* node);
+  /// Takes many nodes with their subtrees out of the tree, as RemoveKey does one; linear in their number and that of
+  /// their siblings. nodes: none below another one; the root stays.
+  void RemoveKeys(std::span<RegNode* const> nodes);
   /// Empties the document, forgets its steps and gives it this title. It is held by the rules then.
   void Reset(std::string_view title);
 
@@ -228,6 +231,7 @@ class RegDocument : public EditLog<RegChanges> {
   void TurnNodes(std::vector<RegChanges::NodeChange>& nodes, Turn turn);
   void TurnRows(const RegChanges& changes, Turn turn);
   void TurnManyRows(const RegChanges& changes, Turn turn);
+  RegNode* SelectedWithout(std::span<RegNode* const> gone) const;
   void TurnRun(std::vector<RegChanges::ListChange>& rows, RegChanges::ListChange::Kind kind);
   /// The number of the arrangement of comments under which rows stand as they do.
   std::uint64_t Arrangement() const { return comments_ == RegComments::Hidden ? 0 : arrangement_; }

@@ -97,6 +97,29 @@ std::string ClipboardText(const RegDocument& document, const RegNode& node) {
   return text;
 }
 
+std::string ClipboardText(const RegDocument& document, std::span<RegNode* const> nodes) {
+  const SourceLines& lines = document.Lines();
+  const std::string end(lines.LineEndBehind(lines.First()));
+  std::string text = FirstLines(document, end);
+  std::unordered_set<const RegNode*> keys;
+  for (const RegNode* node : nodes) {
+    if (node->Tag() == RegTag::Comment)
+      AppendPiece(text, lines.Text(document.PieceOf(node)), end);
+    else
+      keys.insert(node);
+    if (IsKey(node->Tag()) && document.PieceOf(node) == SourceLines::kEnds && node->Parent() != nullptr)
+      text.append("[").append(node->KeyPath()).append("]").append(end).append(end);
+  }
+  document.ForEachBlock([&](const RegBlock& block) {
+    const RegNode* at = block.node;
+    while (at != nullptr && !keys.contains(at)) at = at->Parent();
+    if (at == nullptr) return;
+    for (SourceLines::Piece piece = block.lead; piece != block.end; piece = lines.Next(piece))
+      AppendPiece(text, lines.Text(piece), end);
+  });
+  return text;
+}
+
 std::string ClipboardText(const RegDocument& document, std::span<const std::size_t> records) {
   const SourceLines& lines = document.Lines();
   const std::string end(lines.LineEndBehind(lines.First()));

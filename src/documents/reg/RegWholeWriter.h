@@ -25,6 +25,8 @@ std::uint64_t WholeRegBytes(const RegDocument& document, RegLayout layout);
 /// The lines of a key and all below it, in the order of the file, as a registry file of the document's version.
 /// Comments that touch a header come along. A key without lines of its own gets a header line. For a comment its line.
 std::string ClipboardText(const RegDocument& document, const RegNode& node);
+/// The same for several nodes, none below another one; comments that are nodes come first.
+std::string ClipboardText(const RegDocument& document, std::span<RegNode* const> nodes);
 /// The lines of values, below the first line of a registry file and no key.
 std::string ClipboardText(const RegDocument& document, std::span<const std::size_t> records);
 
