@@ -63,6 +63,21 @@ class RegWindow : public Editor {
       QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
     };
   }
+  /// The editor that is open in a row, or null.
+  static QLineEdit* RowBox(const QWidget& window) {
+    QCoreApplication::processEvents();
+    for (QLineEdit* box : window.findChildren<QLineEdit*>(u"row_editor"_s))
+      if (box->isVisible()) return box;
+    return nullptr;
+  }
+  /// Types over what it holds, and Enter.
+  static void TypeInRow(const QWidget& window, const QString& text) {
+    QLineEdit* box = RowBox(window);
+    ASSERT_NE(box, nullptr);
+    box->selectAll();
+    QTest::keyClicks(box, text);
+    QTest::keyClick(box, Qt::Key_Return);
+  }
   void ExpectDeletion(const QString& what, MsgAnswer answer) {
     dialogs_.ExpectMsgBox(u"Are you sure you want to permanently delete "_s + what, u"Deletion Confirmation"_s,
                           MsgButtons::YesNo, answer, MsgIcon::Question);

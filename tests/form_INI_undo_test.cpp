@@ -57,7 +57,7 @@ TEST_F(WindowUndo, EachCommandIsOneStepThatTheMenuNames) {
         {"&Undo Rename", select({u"B"_s}),
          [&] {
            dialogs_.ExpectInputBox(u"New name for this section"_s, u"Section Name Change"_s, u"B"_s, u"Z"_s);
-           Press(view, Qt::Key_F2, Qt::NoModifier);
+           Press(view, Qt::Key_Return, Qt::NoModifier);
          }},
         {"&Undo Cut", select({u"A"_s}), [&] { Press(view, Qt::Key_X); }},
         {"&Undo Paste", select({}), [&] { Press(view, Qt::Key_V); }},

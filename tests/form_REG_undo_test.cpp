@@ -94,7 +94,7 @@ TEST_F(RegWindowUndo, ViewsOfWholeDocumentsFollow) {
   RunUndoRedo({
       {"hives", {}, [this] { AddHives(); }},
       {"key", alpha, [this] { NameIs(u"New"_s), Reg().EditNewKey(); }},
-      {"rename value", alpha, [this] { SelectValue(1), NameIs(u"w"_s), Reg().EditRename(); }},
+      {"rename value", alpha, [this] { SelectValue(1), Reg().EditRename(), TypeInRow(Reg(), u"w"_s); }},
       {"values go", alpha,
        [this] { SelectRows(0, 1), ExpectDeletion(u"these 2 values?"_s, MsgAnswer::Yes), Reg().EditDelete(); }},
       {"values are cut", alpha, [this] { SelectValue(0), Reg().EditCut(); }},

@@ -140,8 +140,8 @@ TEST_F(RegWholeWindow, AnEditChangesItsLinesAlone) {
   Reg().EditWriteDeletion();
   expected = Replaced(expected, "hex(7):61,00,00,00,62,00,00,00,\\\r\n  00,00", "-");
   EXPECT_EQ(Saved(), expected);
-  NameIs(u"M"_s);
   Reg().EditRename();
+  TypeInRow(Reg(), u"M"_s);
   expected = Replaced(expected, "\"m\"=-", "\"M\"=-");
   QPrinter printer;
   printer.setOutputFileName(InFolder(u"out.pdf"_s));
@@ -186,8 +186,8 @@ TEST_F(RegWholeWindow, KeysAreAddedRenamedAndDeleted) {
   Reg().EditNewKey();
   expected = Replaced(expected, "this\r\n\r\n", "this\r\n\r\n[HKEY_CURRENT_USER\\Alpha\\New]\r\n\r\n");
   EXPECT_EQ(Saved(), expected);
-  NameIs(u"Omega"_s);
   Reg().EditRename();
+  TypeInRow(Reg(), u"Omega"_s);
   expected = Replaced(expected, "ER\\Alpha]", "ER\\Omega]");
   expected = Replaced(expected, "er\\alpha\\", "er\\Omega\\");
   expected = Replaced(expected, "ER\\Alpha\\New]", "ER\\Omega\\New]");

@@ -43,8 +43,8 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
     const char* bar;
     int routed;
     DocumentKind kind;
-  } kinds[] = {{"File Edit Search View Tools Window Help", 25, DocumentKind::Ini},
-               {"File Edit Search View Tools Window Help", 21, DocumentKind::Reg},
+  } kinds[] = {{"File Edit Search View Tools Window Help", 28, DocumentKind::Ini},
+               {"File Edit Search View Tools Window Help", 26, DocumentKind::Reg},
                {"File Edit Search View Tools Window Help", 16, DocumentKind::Txt},
                {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {

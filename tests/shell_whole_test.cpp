@@ -366,11 +366,11 @@ TEST_F(WholeFileTest, ACharacterWithoutAByteMakesARegistryFileUnicode) {
   auto* keys = window.findChild<QTreeView*>(u"TV"_s);
   keys->expandAll();
   keys->setCurrentIndex(keys->indexBelow(keys->indexBelow(keys->model()->index(0, 0))));
-  OnDialog(u"form_REGName"_s, [](QWidget& dialog) {
-    dialog.findChild<QLineEdit*>(u"txt_Name"_s)->setText(u"\u03B1"_s);
-    QTest::keyClick(&dialog, Qt::Key_Return);
-  });
   dynamic_cast<form_REG&>(window).EditRename();
+  auto* box = window.findChild<QLineEdit*>(u"row_editor"_s);
+  ASSERT_NE(box, nullptr);
+  box->setText(u"\u03B1"_s);
+  QTest::keyClick(box, Qt::Key_Return);
   const QString why = u"A file of this kind, REGEDIT4, has no place for a character of line 3:\r[HKEY_USERS\\\u03B1]"_s;
   window.SavePlain({.caller = SaveRequest::Caller::AutoSave});
   EXPECT_EQ(Notice(window), u"AutoSave passed over this document. "_s + QString(why).replace(u'\r', u' '));

@@ -14,7 +14,7 @@ TEST_F(Editor, TheMenuKeysReachTheMenusOfEveryKind) {
     DocumentWindow* window = NewDocument(global_, kind);
     QWidget* focus = QApplication::focusWidget();
     ASSERT_TRUE(focus && window->isAncestorOf(focus));
-    for (const auto& [modifier, menus] : {std::pair{Qt::ShiftModifier, QStringList{u"menu_Edit"_s, u"menu_EditReg"_s}},
+    for (const auto& [modifier, menus] : {std::pair{Qt::ShiftModifier, QStringList{u"menu_Edit"_s, u"context_menu"_s}},
                                           std::pair{Qt::NoModifier, QStringList{u"md_Menu_File"_s}}}) {
       QTest::keyClick(focus, Qt::Key_F10, modifier);
       QWidget* popup = QApplication::activePopupWidget();

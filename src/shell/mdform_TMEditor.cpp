@@ -278,9 +278,24 @@ void mdform_TMEditor::PrintActiveDocument() {
   if (failure) document->ShowWriteFailure(target, *failure);
 }
 
-void mdform_TMEditor::PopUpEditMenu(const QPoint& global_position) {
-  for (const QString& name : {u"menu_Edit"_s, u"menu_EditReg"_s})
-    if (menus_.Action(name)->isVisible()) menus_.Menu(name)->popup(global_position);
+void mdform_TMEditor::PopUpEditMenu(const QPoint& global_position, const QString& first_item) {
+  for (const QString& name : {u"menu_Edit"_s, u"menu_EditReg"_s}) {
+    QMenu* edit = menus_.Menu(name);
+    if (!menus_.Action(name)->isVisible()) continue;
+    if (first_item.isEmpty()) return edit->popup(global_position);
+    emit edit->aboutToShow();  // it brings the pictures
+    auto* menu = new QMenu(this);
+    menu->setObjectName(u"context_menu"_s);
+    menu->setAccessibleName(edit->accessibleName());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction* first = menus_.Action(first_item);
+    menu->addAction(first);
+    menu->setDefaultAction(first);
+    menu->addSeparator();
+    for (QAction* action : edit->actions())
+      if (action != first) menu->addAction(action);
+    menu->popup(global_position);
+  }
 }
 
 void mdform_TMEditor::ComeToFront() {

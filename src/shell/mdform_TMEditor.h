@@ -56,8 +56,9 @@ class mdform_TMEditor : public QMainWindow {
   /// Shows the welcome document of a folder once: the file is gone afterwards.
   void OpenWelcomeDocument(const QString& folder_path);
   void ComeToFront();
-  /// The Edit menu of the active document's kind, for a right click.
-  void PopUpEditMenu(const QPoint& global_position);
+  /// The Edit menu of the active document's kind, for a right click. first_item: of that menu; comes first and is
+  /// marked as what a double-click does.
+  void PopUpEditMenu(const QPoint& global_position, const QString& first_item = {});
 
  protected:
   /// MDIForm_QueryUnload: leaving by the frame's own close button.

@@ -17,7 +17,8 @@ IniItemModel::IniItemModel(IniTree& tree, QObject* parent)
 Qt::ItemFlags IniItemModel::flags(const QModelIndex& index) const {
   const IniNode* node = NodeOf(index);
   if (!node) return Qt::NoItemFlags;
-  const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+  Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+  if (tree_.Holding() == Holding::Whole && node->Tag() != IniTag::OpenedFile) flags |= Qt::ItemIsEditable;
   // A view that expands all remembers every node that might have children, and goes through them with each edit.
   return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? flags | Qt::ItemNeverHasChildren : flags;
 }

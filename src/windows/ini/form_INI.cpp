@@ -85,6 +85,7 @@ void form_INI::BuildTreeView(QWidget& client) {
   WatchState(*TV);
   WatchContent(*model_);
   FollowSteps(*TV);
+  TV->setItemDelegate(new RowEditor(tr("Line or section name"), RowTexts(), TV));
   new ViewZoom({TV}, TV);
   setFocusProxy(TV);
 
@@ -107,16 +108,17 @@ void form_INI::BuildTreeView(QWidget& client) {
     TV_NodeClick();
   });
   connect(TV, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
-    if (IniItemModel::NodeOf(index)->Tag() == IniTag::Value) cmd_Edit_Click();
+    const IniTag tag = IniItemModel::NodeOf(index)->Tag();
+    if (tag == IniTag::Value || tag == IniTag::Comments) cmd_Edit_Click();
   });
-  connect(TV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame.PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+  connect(TV, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) {
+    global_.frame.PopUpEditMenu(TV->viewport()->mapToGlobal(position), u"menu_EditLine"_s);
+  });
   const auto on_key = [this](QWidget* where, const QKeySequence& key, void (form_INI::*command)()) {
     auto* shortcut = new QShortcut(key, where);
     shortcut->setContext(where == TV ? Qt::WidgetShortcut : Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, command);
   };
-  on_key(&client, Qt::Key_F2, &form_INI::cmd_Edit_Click);
   on_key(&client, Qt::Key_Insert, &form_INI::AddValue);
   // On a button, Enter is the button's.
   on_key(TV, Qt::Key_Return, &form_INI::cmd_Edit_Click);
@@ -145,7 +147,7 @@ void form_INI::BuildButtons(QWidget& client) {
   cmd_DeleteSection = make(u"cmd_DeleteSection"_s, tr("Delete\nSe&ction"),
                            tr("Delete the selected section with its entries (Del)"), &form_INI::DeleteSection);
   cmd_Edit =
-      make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (F2)"), &form_INI::cmd_Edit_Click);
+      make(u"cmd_Edit"_s, tr("E&dit"), tr("Edit the selected line or section name (Enter)"), &form_INI::cmd_Edit_Click);
   cmd_AddValue =
       make(u"cmd_AddValue"_s, tr("&Add\nValue"), tr("Add an entry to the section (Ins)"), &form_INI::AddValue);
   cmd_DeleteValue = make(u"cmd_DeleteValue"_s, tr("De&lete\nValue"), tr("Delete the selected entry or comment (Del)"),
@@ -192,13 +194,16 @@ void form_INI::TV_NodeClick() {
   const bool on_entry = tag == IniTag::Value, on_section = tag == IniTag::Section, on_comment = tag == IniTag::Comments;
   FollowInSource();
   cmd_DeleteSection->setEnabled(on_section);
-  cmd_Edit->setEnabled(tag != IniTag::OpenedFile);
+  const bool has_text = tag != IniTag::OpenedFile;
+  cmd_Edit->setEnabled(has_text);
   const IniNode* parent = tree_.Selected()->Parent();
   cmd_AddValue->setEnabled(IsWhole() || on_section || (parent != nullptr && parent != tree_.Root()));
   cmd_DeleteValue->setEnabled(on_entry || on_comment);
   if (global_.area.ActiveDocument() != this) return;
   GlobalMenus& menus = global_.menus;
   menus.SetAvailable("menu_EditAddToAll", has_sections);
+  menus.SetAvailable("menu_EditLine", has_text);
+  menus.SetAvailable("menu_EditLineRename", has_text);
   // By the rules a comment leaves the other items as they were; intended.
   if (on_comment && !IsWhole()) return;
   menus.SetAvailable("menu_EditAddKeyValue", IsWhole() || on_section || on_entry);

@@ -2,6 +2,7 @@
 
 #include "documents/ini/IniTree.h"
 #include "files/TextEncoding.h"
+#include "windows/tree/RowEditor.h"
 #include "windows/tree/TreeDocumentWindow.h"
 
 class QPrinter;
@@ -48,6 +49,12 @@ class form_INI : public TreeDocumentWindow {
   Q_INVOKABLE void DeleteAllNodes();
   Q_INVOKABLE void ExpandAll();
   Q_INVOKABLE void CollapseAll();
+  /// Edits the selected entry, section or comment in its dialog.
+  Q_INVOKABLE void EditLine() { cmd_Edit_Click(); }
+  /// In whole holding edits the selected row in the tree, by the rules as EditLine.
+  Q_INVOKABLE void EditRename();
+  /// Puts the selected rows on the clipboard as they show, a level a tab.
+  Q_INVOKABLE void CopyAsText();
   /// In whole holding: arranges the tree by name, or as in the file again. The file stays as it is.
   Q_INVOKABLE void SortByName();
 
@@ -89,7 +96,18 @@ class form_INI : public TreeDocumentWindow {
   void EditEntry(IniNode* node);
   void EditText(IniNode* node, const QString& prompt, const QString& title);
   void DeleteWhenConfirmed(IniNode* node, const QString& label);
+  /// The selected nodes, none below another one. When it is one alone, it is the tree's selected node afterwards.
+  std::vector<IniNode*> SelectedForCommand();
+  /// As the clipboard has them: lines, then sections.
+  std::string LinesOfMany(const std::vector<IniNode*>& nodes) const;
+  void RemoveMany(const std::vector<IniNode*>& nodes, IniComments comments);
+  void DeleteManyWhenConfirmed(const std::vector<IniNode*>& nodes);
+  /// By the rules adds all lines of several rows below the selected section, and their sections.
+  void PutManyLines(const std::string& lines);
+  QString RefusedText() const;
   void SayRefused();
+  /// A row's text as it is edited in the row, and what becomes of it.
+  RowEditor::Texts RowTexts();
   bool IsWhole() const { return tree_.Holding() == Holding::Whole; }
   IniReadResult Read(std::string text);
 

@@ -16,6 +16,7 @@
 #include "windows/ini/KeyValueDialog.h"
 #include "windows/ini/form_INI.h"
 #include "windows/tree/LinesClipboard.h"
+#include "windows/tree/TreeSelection.h"
 
 using namespace Qt::StringLiterals;
 
@@ -60,12 +61,14 @@ void form_INI::AddSection() {
 }
 
 /// What the tree would not take, because its line would be read as something else.
+QString form_INI::RefusedText() const {
+  return tr(
+      "The file cannot hold this.  Read again, it would be something else: a line that begins with "
+      "\"[\" is a section, the name of a section ends at its \"]\", a key at its \"=\", and a line has no end within.");
+}
+
 void form_INI::SayRefused() {
-  global_.dialogs.MsgBox(
-      tr("The file cannot hold this.  Read again, it would be something else: a line that begins with "
-         "\"[\" is a section, the name of a section ends at its \"]\", a key at its \"=\", and a line has no end "
-         "within."),
-      MsgButtons::Ok, MsgIcon::Warning, tr("Whole File"));
+  global_.dialogs.MsgBox(RefusedText(), MsgButtons::Ok, MsgIcon::Warning, tr("Whole File"));
 }
 
 void form_INI::AddValue() {
@@ -183,6 +186,8 @@ void form_INI::DeleteSection() {
 }
 
 void form_INI::EditDelete() {
+  const std::vector<IniNode*> nodes = SelectedForCommand();
+  if (nodes.size() > 1) return DeleteManyWhenConfirmed(nodes);
   const IniTag tag = tree_.Selected()->Tag();
   if (tag == IniTag::OpenedFile || tag == IniTag::Section)
     DeleteSection();
@@ -197,6 +202,30 @@ void form_INI::DeleteAllNodes() {
   SetChanged(true);
 }
 
+void form_INI::EditRename() {
+  if (!IsWhole()) return cmd_Edit_Click();
+  if (tree_.Selected() != tree_.Root()) TV->edit(TV->currentIndex());
+}
+
+RowEditor::Texts form_INI::RowTexts() {
+  RowEditor::Texts texts;
+  texts.shown = [](const QModelIndex& index) { return EditableText(IniItemModel::NodeOf(index)->Text()); };
+  // Of an entry the key, which is its name.
+  texts.selected = [this](const QModelIndex& index) {
+    const IniNode& node = *IniItemModel::NodeOf(index);
+    return EditableText(node.Tag() == IniTag::Value ? tree_.KeyOf(node) : node.Text()).size();
+  };
+  texts.take = [this](const QModelIndex& index, const QString& text) {
+    if (!tree_.SetText(IniItemModel::NodeOf(index), EditedBytes(text))) return RefusedText();
+    SetChanged(true);
+    TV_NodeClick();
+    return QString();
+  };
+  return texts;
+}
+
+void form_INI::CopyAsText() { CopyRowTexts(SelectedNodes<IniItemModel>(*TV->selectionModel()), *model_); }
+
 void form_INI::ExpandAll() {
   const WaitCursor wait_cursor;
   tree_.SetAllExpanded(true);
@@ -207,6 +236,7 @@ void form_INI::CollapseAll() {
   // What is selected stays in sight.
   if (const IniNode* selected = tree_.Selected(); selected->Parent() && selected->Parent() != tree_.Root())
     tree_.Select(selected->Parent());
+  ShowSelection();
   tree_.SetAllExpanded(false);
   TV->collapseAll();
   TV->expand(model_->IndexOf(tree_.Root()));
@@ -222,6 +252,8 @@ void form_INI::SortByName() {
 void form_INI::EditCopy() {
   QClipboard* clipboard = QGuiApplication::clipboard();
   clipboard->clear();
+  const std::vector<IniNode*> nodes = SelectedForCommand();
+  if (nodes.size() > 1) return CopyManyLines(LinesOfMany(nodes));
   const std::string bytes = ClipboardText(tree_, *tree_.Selected());
   if (bytes.empty()) return;
   if (IsWhole())
@@ -233,6 +265,8 @@ void form_INI::EditCopy() {
 void form_INI::EditCut() {
   EditCopy();
   const IniTree::Step step(tree_, EditName::Cut);
+  const std::vector<IniNode*> nodes = SelectedForCommand();
+  if (nodes.size() > 1) return RemoveMany(nodes, IniComments::GoAlong);
   const IniTag tag = tree_.Selected()->Tag();
   // By the rules a comment is neither copied nor removed; intended.
   if (tag == IniTag::Value || tag == IniTag::Section || (tag == IniTag::Comments && IsWhole())) {
@@ -253,6 +287,7 @@ void form_INI::EditPaste() {
     SetChanged(true);
     return;
   }
+  if (HasManyLines()) return PutManyLines(CopiedLines());
   const IniTree::Step step(tree_, EditName::Paste);
   IniReadResult result = Read(text.toStdString());
   // Whoever refused a section knows.

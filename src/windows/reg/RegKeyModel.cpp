@@ -14,6 +14,15 @@ RegKeyModel::RegKeyModel(RegDocument& document, QObject* parent)
       icons_{Icon(u"reg-file"_s), Icon(u"hive"_s), Icon(u"key"_s, {}, u"key-open"_s), Icon(u"key-deletion"_s),
              Icon(u"comment"_s)} {}
 
+Qt::ItemFlags RegKeyModel::flags(const QModelIndex& index) const {
+  const RegNode* node = NodeOf(index);
+  if (!node) return Qt::NoItemFlags;
+  Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+  if (node->Tag() == RegTag::Comment) flags |= Qt::ItemNeverHasChildren;
+  if (tree_.HeldAs() == Holding::Whole && node->Tag() != RegTag::File) flags |= Qt::ItemIsEditable;
+  return flags;
+}
+
 QVariant RegKeyModel::data(const QModelIndex& index, int role) const {
   const RegNode* node = NodeOf(index);
   if (!node) return {};

@@ -15,6 +15,7 @@ class RegKeyModel : public TreeItemModel<RegDocument, RegNode, RegDocumentObserv
  public:
   explicit RegKeyModel(RegDocument& document, QObject* parent = nullptr);
 
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
 
  signals:

@@ -5,8 +5,10 @@
 #include <iterator>
 #include <utility>
 
+#include "documents/reg/RegValueOrder.h"
 #include "shell/DisplayText.h"
 #include "shell/Icon.h"
+#include "shell/WaitCursor.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,12 +24,14 @@ void RegValueModel::ShowKey(const RegNode* node) {
   beginResetModel();
   texts_.clear();
   records_ = node ? document_.ValuesOfPath(node) : std::vector<std::size_t>();
+  MakeOrder();
   endResetModel();
 }
 
 int RegValueModel::FollowKey(const RegNode* node) {
   std::vector<std::size_t> records = document_.ValuesOfPath(node);
   texts_.clear();
+  if (sorted_column_ >= 0) return FollowSorted(node, records);
   const auto [old_first, new_first] = std::ranges::mismatch(records_, records);
   const auto same_last = std::mismatch(records_.rbegin(), std::make_reverse_iterator(old_first), records.rbegin(),
                                        std::make_reverse_iterator(new_first));
@@ -48,9 +52,54 @@ int RegValueModel::FollowKey(const RegNode* node) {
   return come > 0 ? first : -1;
 }
 
+int RegValueModel::FollowSorted(const RegNode* node, const std::vector<std::size_t>& records) {
+  if (records == records_) {
+    sort(sorted_column_, sort_order_);
+    return -1;
+  }
+  const auto came = std::ranges::find_if(
+      records, [this](std::size_t record) { return !std::ranges::binary_search(records_, record); });
+  ShowKey(node);
+  return came == records.end() ? -1 : RowOf(*came);
+}
+
+void RegValueModel::MakeOrder() {
+  order_.clear();
+  row_of_place_.clear();
+  if (sorted_column_ < 0) return;
+  order_ = OrderOfValues(document_, records_, static_cast<RegValueColumn>(sorted_column_), CodingOf(document_));
+  if (sort_order_ == Qt::DescendingOrder) std::reverse(order_.begin(), order_.end());
+  row_of_place_.resize(order_.size());
+  for (std::size_t row = 0; row < order_.size(); ++row) row_of_place_[order_[row]] = static_cast<std::uint32_t>(row);
+}
+
+void RegValueModel::sort(int column, Qt::SortOrder order) {
+  const bool is_same = column == sorted_column_ && order == sort_order_;
+  sorted_column_ = column;
+  sort_order_ = order;
+  if (is_same && column < 0) return;
+  const WaitCursor wait_cursor;
+  emit layoutAboutToBeChanged({}, VerticalSortHint);
+  const QModelIndexList before = persistentIndexList();
+  std::vector<std::size_t> places;
+  places.reserve(static_cast<std::size_t>(before.size()));
+  for (const QModelIndex& old : before) places.push_back(PlaceOf(old.row()));
+  MakeOrder();
+  QModelIndexList after;
+  after.reserve(before.size());
+  for (qsizetype at = 0; at < before.size(); ++at)
+    after += index(RowOfPlace(places[static_cast<std::size_t>(at)]), before[at].column());
+  changePersistentIndexList(before, after);
+  emit layoutChanged({}, VerticalSortHint);
+}
+
 void RegValueModel::Append(std::size_t record) {
   const int row = rowCount();
   beginInsertRows({}, row, row);
+  if (sorted_column_ >= 0) {
+    order_.push_back(static_cast<std::uint32_t>(row));
+    row_of_place_.push_back(static_cast<std::uint32_t>(row));
+  }
   records_.push_back(record);
   endInsertRows();
 }
@@ -61,14 +110,33 @@ void RegValueModel::Refresh(std::size_t record) {
 }
 
 int RegValueModel::RowOf(std::size_t record) const {
-  const auto found = std::ranges::lower_bound(records_, record);
-  return found == records_.end() || *found != record ? -1 : static_cast<int>(found - records_.begin());
+  const auto found = std::lower_bound(records_.begin(), records_.end(), record);
+  if (found == records_.end() || *found != record) return -1;
+  return RowOfPlace(static_cast<std::size_t>(found - records_.begin()));
 }
 
 void RegValueModel::TakeRow(int row) {
   beginRemoveRows({}, row, row);
-  records_.erase(records_.begin() + row);
+  const std::size_t place = PlaceOf(row);
+  records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(place));
+  if (!order_.empty()) {
+    order_.erase(order_.begin() + row);
+    row_of_place_.resize(order_.size());
+    for (std::size_t at = 0; at < order_.size(); ++at) {
+      if (order_[at] > place) --order_[at];
+      row_of_place_[order_[at]] = static_cast<std::uint32_t>(at);
+    }
+  }
   endRemoveRows();
+}
+
+void RegValueModel::TakeRecords(std::vector<std::size_t> records) {
+  std::sort(records.begin(), records.end());
+  beginResetModel();
+  std::erase_if(records_,
+                [&](std::size_t record) { return std::binary_search(records.begin(), records.end(), record); });
+  MakeOrder();
+  endResetModel();
 }
 
 int RegValueModel::rowCount(const QModelIndex& parent) const {
@@ -76,6 +144,13 @@ int RegValueModel::rowCount(const QModelIndex& parent) const {
 }
 
 int RegValueModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
+
+Qt::ItemFlags RegValueModel::flags(const QModelIndex& index) const {
+  Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  // A REGEDIT file has default values alone.
+  const bool has_names = document_.HeldAs() == Holding::Whole && document_.Version() != RegVersion::Regedit;
+  return has_names && index.column() == Name ? flags | Qt::ItemIsEditable : flags;
+}
 
 QVariant RegValueModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};

@@ -123,12 +123,13 @@ bool RegWholeCommands::ModifyValue(std::size_t index) {
   return document_.Revision() != revision;
 }
 
+QString RegWholeCommands::ReasonAgainstComment(const QString& text) {
+  return text.startsWith(u';') ? QString() : tr("A comment begins with a semicolon.");
+}
+
 bool RegWholeCommands::ModifyComment(RegNode* comment) {
-  const auto check = [](const QString& text) {
-    return text.startsWith(u';') ? QString() : tr("A comment begins with a semicolon.");
-  };
   const QString before = EditableText(comment->Text());
-  form_REGName dialog(&window_, tr("Edit Comment"), tr("&Comment:"), before, check);
+  form_REGName dialog(&window_, tr("Edit Comment"), tr("&Comment:"), before, ReasonAgainstComment);
   if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
   document_.SetComment(comment, EditedBytes(dialog.Text()));
   return true;
@@ -136,6 +137,9 @@ bool RegWholeCommands::ModifyComment(RegNode* comment) {
 
 QString RegWholeCommands::LabelOf(const RegTarget& target) const {
   if (target.is_in_list) return Counted(target.records.size(), tr("this value?"), tr("these %1 values?"));
+  if (target.nodes.size() > 1)
+    return Counted(target.nodes.size(), QString(),
+                   tr("these %1 items, all branches under them, and all values associated with them?"));
   switch (document_.Selected()->Tag()) {
     case RegTag::Comment:
       return tr("this comment?");
@@ -148,16 +152,21 @@ QString RegWholeCommands::LabelOf(const RegTarget& target) const {
   }
 }
 
+bool RegWholeCommands::ConfirmDeletion(const RegTarget& target) {
+  return AskWhetherTo(tr("Are you sure you want to permanently delete %1").arg(LabelOf(target)),
+                      tr("Deletion Confirmation"));
+}
+
 bool RegWholeCommands::Delete(const RegTarget& target) {
   RegNode* node = document_.Selected();
   const bool has_any = target.is_in_list ? !target.records.empty() : node->Tag() != RegTag::File;
-  if (!has_any) return false;
-  if (!AskWhetherTo(tr("Are you sure you want to permanently delete %1").arg(LabelOf(target)),
-                    tr("Deletion Confirmation")))
-    return false;
+  if (!has_any || !ConfirmDeletion(target)) return false;
   const RegDocument::Step step(document_, target.is_in_list ? EditName::DeleteValue : EditName::DeleteKey);
   for (const std::size_t record : target.records) document_.DeleteValue(record);
-  if (!target.is_in_list) document_.RemoveKey(node);
+  if (target.nodes.size() > 1)
+    document_.RemoveKeys(target.nodes);
+  else if (!target.is_in_list)
+    document_.RemoveKey(node);
   return true;
 }
 
@@ -165,7 +174,8 @@ bool RegWholeCommands::WriteDeletion(const RegTarget& target) {
   RegNode* node = document_.Selected();
   const bool is_key = node->Tag() == RegTag::Hive || node->Tag() == RegTag::Branch;
   if (!CanHaveDeletions() || (target.is_in_list ? target.records.empty() : !is_key)) return false;
-  if (!AskWhetherTo(tr("Are you sure you want to put a deletion in place of %1").arg(LabelOf(target)),
+  const RegTarget one{.records = target.records, .is_in_list = target.is_in_list};
+  if (!AskWhetherTo(tr("Are you sure you want to put a deletion in place of %1").arg(LabelOf(one)),
                     tr("Write a Deletion")))
     return false;
   const RegDocument::Step step(document_, EditName::WriteDeletion);
@@ -174,36 +184,25 @@ bool RegWholeCommands::WriteDeletion(const RegTarget& target) {
   return true;
 }
 
-bool RegWholeCommands::Rename(const RegTarget& target) {
-  if (!CanRename(target)) return false;
-  if (target.is_in_list) return RenameValue(target.records.front());
-  RegNode* node = document_.Selected();
-  return node->Tag() == RegTag::Comment ? ModifyComment(node) : RenameKey(node);
+QString RegWholeCommands::Rename(RegNode* node, const QString& name) {
+  if (node->Tag() == RegTag::Comment) {
+    const QString reason = ReasonAgainstComment(name);
+    if (reason.isEmpty()) document_.SetComment(node, EditedBytes(name));
+    return reason;
+  }
+  if (name.isEmpty()) return tr("A key has a name.");
+  // Next to a deletion a key of the same name may stand.
+  const RegNode* may_have_it = IsKey(node->Tag()) ? node : document_.FindChild(node->Parent(), EditedBytes(name));
+  const QString reason = ReasonAgainstKey(node->Parent(), name, may_have_it);
+  if (reason.isEmpty()) document_.RenameKey(node, EditedBytes(name));
+  return reason;
 }
 
-bool RegWholeCommands::RenameKey(RegNode* key) {
-  const bool is_key = IsKey(key->Tag());
-  const auto check = [this, key, is_key](const QString& name) {
-    // Next to a deletion a key of the same name may stand.
-    return ReasonAgainstKey(key->Parent(), name, is_key ? key : document_.FindChild(key->Parent(), EditedBytes(name)));
-  };
-  const QString before = EditableText(key->Text());
-  form_REGName dialog(&window_, tr("Rename Key"), tr("Key &name:"), before, check);
-  if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
-  document_.RenameKey(key, EditedBytes(dialog.Text()));
-  return true;
-}
-
-bool RegWholeCommands::RenameValue(std::size_t index) {
-  const QString before = EditableText(document_.Values()[index].name);
-  const auto check = [this, index](const QString& name) {
-    const RegValueRecord& record = document_.Values()[index];
-    return ReasonAgainstValue(record.owner, name, &record);
-  };
-  form_REGName dialog(&window_, tr("Rename Value"), tr("Value &name:"), before, check);
-  if (dialog.exec() != QDialog::Accepted || dialog.Text() == before) return false;
-  document_.RenameValue(index, EditedBytes(dialog.Text()));
-  return true;
+QString RegWholeCommands::Rename(std::size_t index, const QString& name) {
+  const RegValueRecord& record = document_.Values()[index];
+  const QString reason = ReasonAgainstValue(record.owner, name, &record);
+  if (reason.isEmpty()) document_.RenameValue(index, EditedBytes(name));
+  return reason;
 }
 
 }  // namespace tme

@@ -13,10 +13,12 @@ namespace tme {
 class Dialogs;
 class form_REGValue;
 
-/// What a command works on: some values of the selected key, or the selected node.
+/// What a command works on: some values of the selected key, or nodes. Most commands take the selected node alone.
 struct RegTarget {
-  /// In the order of the list; empty for the node.
-  std::vector<std::size_t> records;
+  /// In the order of the list; empty for nodes.
+  std::vector<std::size_t> records = {};
+  /// The selected nodes from above, none below another one; empty for records.
+  std::vector<RegNode*> nodes = {};
   bool is_in_list = false;
 };
 
@@ -35,9 +37,12 @@ class RegWholeCommands {
   /// A value, or the text of a comment.
   bool Modify(const RegTarget& target);
   bool Delete(const RegTarget& target);
+  bool ConfirmDeletion(const RegTarget& target);
   /// In place of what is there, the file says that it is to be deleted.
   bool WriteDeletion(const RegTarget& target);
-  bool Rename(const RegTarget& target);
+  /// Gives a key or comment another name, or a value. The reason where it cannot have it, and nothing was done.
+  QString Rename(RegNode* node, const QString& name);
+  QString Rename(std::size_t record, const QString& name);
 
   // What the document's kind of file can take.
   bool CanHaveDeletions() const { return document_.Version() != RegVersion::Regedit; }
@@ -49,8 +54,7 @@ class RegWholeCommands {
   bool AskWhetherTo(const QString& question, const QString& title);
   bool ModifyValue(std::size_t record);
   bool ModifyComment(RegNode* comment);
-  bool RenameKey(RegNode* key);
-  bool RenameValue(std::size_t record);
+  static QString ReasonAgainstComment(const QString& text);
   /// The reason against a name of a child of the key. renamed: may have it; null for a new one.
   QString ReasonAgainstKey(const RegNode* parent, const QString& name, const RegNode* renamed) const;
   /// The reason against a name of a value of the key.

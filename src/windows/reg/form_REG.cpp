@@ -60,6 +60,7 @@ void form_REG::BuildControls(QWidget& client) {
   splitter->setChildrenCollapsible(false);
   BuildKeyTree(splitter);
   BuildValueList(splitter);
+  BuildRowEditors();
   splitter->setStretchFactor(0, 2);
   splitter->setStretchFactor(1, 3);
   column->addWidget(splitter, 1);
@@ -112,8 +113,10 @@ void form_REG::BuildKeyTree(QWidget* parent) {
     document_.Select(RegKeyModel::NodeOf(current));
     ShowKey();
   });
-  connect(TV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame.PopUpEditMenu(TV->viewport()->mapToGlobal(position)); });
+  connect(TV, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) { PopUpMenu(*TV, position); });
+  connect(TV, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
+    if (RegKeyModel::NodeOf(index)->Tag() == RegTag::Comment) EditModify();
+  });
   auto* insert = new QShortcut(Qt::Key_Insert, TV);
   insert->setContext(Qt::WidgetShortcut);
   connect(insert, &QShortcut::activated, this, &form_REG::EditNewKey);
@@ -129,6 +132,7 @@ void form_REG::BuildValueList(QWidget* parent) {
   LV->setObjectName(u"LV"_s);
   LV->setAccessibleName(tr("Values of the selected key"));
   LV->setRootIsDecorated(false);
+  LV->setSelectionMode(QAbstractItemView::ExtendedSelection);
   LV->setUniformRowHeights(true);
   LV->setAllColumnsShowFocus(true);
   LV->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -136,6 +140,9 @@ void form_REG::BuildValueList(QWidget* parent) {
   LV->setModel(values_.get());
   LV->header()->setSectionsMovable(false);
   LV->header()->setStretchLastSection(false);
+  LV->header()->setSortIndicatorClearable(true);
+  LV->header()->setSortIndicator(-1, Qt::AscendingOrder);
+  LV->setSortingEnabled(true);
   LV->installEventFilter(this);
   LV->viewport()->installEventFilter(this);
   ReadColumnWidths();
@@ -144,8 +151,7 @@ void form_REG::BuildValueList(QWidget* parent) {
   connect(LV->selectionModel(), &QItemSelectionModel::currentChanged, this, &form_REG::UpdateCommands);
   connect(LV->selectionModel(), &QItemSelectionModel::selectionChanged, this, &form_REG::UpdateCommands);
   connect(LV, &QTreeView::doubleClicked, this, &form_REG::EditModify);
-  connect(LV, &QWidget::customContextMenuRequested, this,
-          [this](const QPoint& position) { global_.frame.PopUpEditMenu(LV->viewport()->mapToGlobal(position)); });
+  connect(LV, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) { PopUpMenu(*LV, position); });
   connect(keys_.get(), &RegKeyModel::ValueChangedInTable, values_.get(), &RegValueModel::Refresh);
   const auto on_key = [this](const QKeySequence& key, void (form_REG::*command)()) {
     auto* shortcut = new QShortcut(key, LV);
@@ -174,6 +180,10 @@ void form_REG::GoToPlace(RegNode* node, std::uint32_t record) {
     GoToRow(values_->RowOf(record));
     SetFocusMarker(Focus::LV);
   }
+}
+
+void form_REG::PopUpMenu(const QAbstractItemView& view, const QPoint& position) {
+  global_.frame.PopUpEditMenu(view.viewport()->mapToGlobal(position), u"menu_EditModify"_s);
 }
 
 bool form_REG::eventFilter(QObject* watched, QEvent* event) {
@@ -211,8 +221,13 @@ void form_REG::UpdateCommands() {
   TreeDocumentWindow::UpdateCommands();
   if (global_.area.ActiveDocument() != this) return;
   UpdateWholeCommands();
-  if (IsWhole()) return;
   GlobalMenus& menus = global_.menus;
+  const bool is_in_list = FocusMarker == Focus::LV;
+  const bool has_any = is_in_list ? LV->selectionModel()->hasSelection() : document_.Selected()->Tag() != RegTag::File;
+  menus.SetAvailable("menu_EditCopyKeyPath", document_.Selected()->Tag() != RegTag::File);
+  menus.SetAvailable("menu_EditCopyRegAdd", has_any);
+  menus.SetAvailable("menu_EditRegCopyText", has_any || !is_in_list);
+  if (IsWhole()) return;
   menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);
   menus.SetAvailable("menu_EditNewKey", FocusMarker == Focus::TV);
 }
@@ -267,7 +282,6 @@ void form_REG::FollowValues() {
 }
 
 void form_REG::RestoreView() {
-  LV->setSelectionMode(IsWhole() ? QAbstractItemView::ExtendedSelection : QAbstractItemView::SingleSelection);
   ReadColumnWidths();
   TV->setExpanded(keys_->IndexOf(document_.Root()), true);
   // Where the root alone is left, the others are gone for good.
@@ -311,6 +325,7 @@ std::string form_REG::Content() {
 }
 
 void form_REG::DropContent() {
+  LV->header()->setSortIndicator(-1, Qt::AscendingOrder);
   document_.Reset({});
   kept_losses_ = 0;
   large_output_is_allowed_ = false;

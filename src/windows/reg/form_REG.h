@@ -10,6 +10,7 @@
 #include "files/TextEncoding.h"
 #include "windows/tree/TreeDocumentWindow.h"
 
+class QAbstractItemView;
 class QLabel;
 class QProgressBar;
 class QTextEdit;
@@ -17,6 +18,7 @@ class QTreeView;
 
 namespace tme {
 
+class DocumentTreeView;
 class RegKeyModel;
 struct RegLosses;
 class RegValueModel;
@@ -52,7 +54,16 @@ class form_REG : public TreeDocumentWindow {
   Q_INVOKABLE void EditNewDword();
   Q_INVOKABLE void EditNewBinary();
   Q_INVOKABLE void EditDelete();
+  /// In whole holding a key, comment or value is renamed in its row.
   Q_INVOKABLE void EditRename();
+  Q_INVOKABLE void CopyKeyPath();
+  /// Lines for cmd that make the selected values, or else the selected keys. What the reg command cannot say is a
+  /// comment line, and a notice.
+  Q_INVOKABLE void CopyRegAdd();
+  /// The selected rows as they show, columns with a tab between them, a level of keys a tab.
+  Q_INVOKABLE void CopyAsText();
+  Q_INVOKABLE void ExpandAll();
+  Q_INVOKABLE void CollapseAll();
 
   // In whole holding alone. Menus show them nowhere else.
   Q_INVOKABLE void EditNewExpandString();
@@ -108,11 +119,15 @@ class form_REG : public TreeDocumentWindow {
 
   void BuildKeyTree(QWidget* parent);
   void BuildValueList(QWidget* parent);
+  void PopUpMenu(const QAbstractItemView& view, const QPoint& position);
+  void BuildRowEditors();
   /// Before and after a reset of the tree: what was expanded stays so.
   void RememberView();
   void RestoreView();
   /// Many values changed.
   void FollowValues();
+  /// Selects the first key that has values, unless another row is selected.
+  void SelectFirstKeyWithValues();
   void ShowSelection();
   /// The list and the path of the selected key.
   void ShowKey();
@@ -129,7 +144,9 @@ class form_REG : public TreeDocumentWindow {
   void SelectPlace(const RegPlace& place);
   ReadEnd ReadWhole(std::string text);
   void UpdateWholeCommands();
-  RegTarget Target() const;
+  RegTarget Target();
+  /// Takes it out of the document, as one step, and follows that.
+  void RemoveTarget(const RegTarget& target, EditName name);
   int SelectedRowCount() const;
   /// What follows from an edit of whole holding.
   void FollowEdit(const RegTarget& target);
@@ -138,6 +155,9 @@ class form_REG : public TreeDocumentWindow {
   void GoToPlace(RegNode* node, std::uint32_t record);
   void NewWholeKey();
   void NewWholeValue(std::uint32_t type);
+  void RenameInRow();
+  /// By the rules.
+  void DeleteMany(const RegTarget& target);
   /// Runs an edit and what follows from it.
   void RunWhole(bool (RegWholeCommands::*command)(const RegTarget&));
   RegReadResult Read(std::string text);
@@ -180,7 +200,7 @@ class form_REG : public TreeDocumentWindow {
   std::vector<const RegNode*> expanded_;
   QElapsedTimer since_progress_;
 
-  QTreeView* TV = nullptr;
+  DocumentTreeView* TV = nullptr;
   QTreeView* LV = nullptr;
   QString location_;  ///< what lbl_location shows
   QLabel* lbl_location = nullptr;

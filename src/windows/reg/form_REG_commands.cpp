@@ -118,6 +118,11 @@ void form_REG::EditDelete() {
   if (IsWhole()) return RunWhole(&RegWholeCommands::Delete);
   const bool in_list = FocusMarker == Focus::LV;
   if (in_list && SelectedRow() < 0) return;
+  const RegTarget target = Target();
+  if (std::max(target.records.size(), target.nodes.size()) > 1) {
+    if (whole_->ConfirmDeletion(target)) DeleteMany(target);
+    return;
+  }
   const QString what = in_list ? tr("this value?")
                                : tr("this branch, all branches under it, and all values associated with this branch "
                                     "and all branches under it?");
@@ -137,7 +142,7 @@ void form_REG::EditDelete() {
 }
 
 void form_REG::EditRename() {
-  if (IsWhole()) return RunWhole(&RegWholeCommands::Rename);
+  if (IsWhole()) return RenameInRow();
   RegNode* node = document_.Selected();
   const QString old_name = TextOf(node->Text());
   const QString name = global_.dialogs.InputBox(tr("Rename this Key"), tr("Branch Rename"), old_name);

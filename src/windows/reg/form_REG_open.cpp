@@ -43,6 +43,7 @@ void form_REG::OpenREG() {
   ShowInFrame();
   switch (ReadText(std::move(*text))) {
     case ReadEnd::Taken:
+      if (IsWhole()) SelectFirstKeyWithValues();
       break;
     case ReadEnd::NothingTaken:
       MarkUnmodified();

@@ -20,6 +20,7 @@
 #include "windows/reg/RegWholeCommands.h"
 #include "windows/reg/form_REG.h"
 #include "windows/tree/LinesClipboard.h"
+#include "windows/tree/TreeSelection.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,9 +29,9 @@ namespace {
 
 /// Items that whole holding adds to the menus.
 constexpr const char* kWholeItems[] = {
-    "menu_EditNewExpandString", "menu_EditNewMultiString", "menu_EditNewQword", "menu_EditRegClipboard",
-    "menu_EditRegCut",          "menu_EditRegCopy",        "menu_EditRegPaste", "menu_EditRegClipboardEnd",
-    "menu_EditWriteDeletion",   "menu_ViewShowComments",
+    "menu_EditNewExpandString", "menu_EditNewMultiString", "menu_EditNewQword",
+    "menu_EditRegClipboard",    "menu_EditRegCut",         "menu_EditRegCopy",
+    "menu_EditRegPaste",        "menu_EditWriteDeletion",  "menu_ViewShowComments",
 };
 
 }  // namespace
@@ -92,10 +93,16 @@ int form_REG::SelectedRowCount() const {
   return count;
 }
 
-RegTarget form_REG::Target() const {
+RegTarget form_REG::Target() {
   RegTarget target;
   target.is_in_list = FocusMarker == Focus::LV;
-  if (!target.is_in_list) return target;
+  if (!target.is_in_list) {
+    target.nodes = SelectedTops<RegKeyModel>(*TV->selectionModel());
+    // Commands on one node are on the document's selected one.
+    if (target.nodes.size() == 1 && target.nodes.front() != document_.Selected())
+      TV->setCurrentIndex(keys_->IndexOf(target.nodes.front()));
+    return target;
+  }
   QModelIndexList rows = LV->selectionModel()->selectedRows();
   std::ranges::sort(rows, {}, &QModelIndex::row);
   for (const QModelIndex& row : rows) target.records.push_back(values_->RecordOf(row));
@@ -124,7 +131,9 @@ void form_REG::FollowEdit(const RegTarget& target) {
 }
 
 void form_REG::GoToRow(int row) {
-  LV->setCurrentIndex(values_->index(std::min(row, values_->rowCount() - 1), 0));
+  // Ctrl may be held for the shortcut of a command.
+  LV->selectionModel()->setCurrentIndex(values_->index(std::min(row, values_->rowCount() - 1), 0),
+                                        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   LV->scrollTo(LV->currentIndex());
 }
 
@@ -157,9 +166,9 @@ void form_REG::EditWriteDeletion() {
 void form_REG::EditCopy() {
   const RegTarget target = Target();
   if (!IsWhole() || (target.is_in_list && target.records.empty())) return;
-  const std::string text = target.is_in_list ? ClipboardText(document_, std::span(target.records))
-                                             : ClipboardText(document_, *document_.Selected());
-  CopyLines(text);
+  if (target.is_in_list) return CopyLines(ClipboardText(document_, std::span<const std::size_t>(target.records)));
+  CopyLines(target.nodes.size() > 1 ? ClipboardText(document_, std::span<RegNode* const>(target.nodes))
+                                    : ClipboardText(document_, *document_.Selected()));
 }
 
 void form_REG::EditCut() {
@@ -167,10 +176,7 @@ void form_REG::EditCut() {
   const bool has_any = target.is_in_list ? !target.records.empty() : document_.Selected()->Tag() != RegTag::File;
   if (!IsWhole() || !has_any) return;
   EditCopy();
-  const RegDocument::Step step(document_, EditName::Cut);
-  for (const std::size_t record : target.records) document_.DeleteValue(record);
-  if (!target.is_in_list) document_.RemoveKey(document_.Selected());
-  FollowEdit(target);
+  RemoveTarget(target, EditName::Cut);
 }
 
 void form_REG::EditPaste() {
@@ -179,6 +185,7 @@ void form_REG::EditPaste() {
   const std::uint64_t revision = document_.Revision();
   RegNode* node = document_.Selected();
   const int row_count = values_->rowCount();
+  const std::size_t record_count = document_.Values().size();
   const Focus focus = FocusMarker;
   RegPasteResult result;
   {
@@ -205,7 +212,7 @@ void form_REG::EditPaste() {
   if (document_.Revision() == revision) return;
   TV->expand(keys_->IndexOf(node));
   FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
-  if (values_->rowCount() > row_count) GoToRow(row_count);
+  if (values_->rowCount() > row_count) GoToRow(std::max(values_->RowOf(record_count), 0));
 }
 
 void form_REG::ShowComments() {

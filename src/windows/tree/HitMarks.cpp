@@ -41,7 +41,7 @@ QColor TextColor(const QStyleOptionViewItem& item) {
 }  // namespace
 
 void HitMarks::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-  const std::vector<MarkedRange> marks = marks_(index);
+  const std::vector<MarkedRange> marks = marks_ ? marks_(index) : std::vector<MarkedRange>();
   if (marks.empty()) return QStyledItemDelegate::paint(painter, option, index);
   QStyleOptionViewItem item = option;
   initStyleOption(&item, index);

@@ -19,7 +19,9 @@ class HitMarks : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
+  /// marks: none where this is empty.
   HitMarks(MarksOfIndex marks, QObject* parent) : QStyledItemDelegate(parent), marks_(std::move(marks)) {}
+  void SetMarks(MarksOfIndex marks) { marks_ = std::move(marks); }
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 

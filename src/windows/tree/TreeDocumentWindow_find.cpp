@@ -93,7 +93,7 @@ void TreeDocumentWindow::BuildFindBar() {
   connect(find_bar_, &FindBar::ListWanted, this, &TreeDocumentWindow::ShowHitList);
   const auto marks = [this](const QModelIndex& index) { return MarksAt(index, *finder_, Searchable()); };
   for (QAbstractItemView* view : target.Views()) {
-    view->setItemDelegate(new HitMarks(marks, view));
+    static_cast<HitMarks*>(view->itemDelegate())->SetMarks(marks);
     connect(finder_, &TreeFinder::Restarted, view->viewport(), qOverload<>(&QWidget::update));
   }
   connect(this, &TreeDocumentWindow::ContentChanged, this, [this] {

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QItemSelectionModel>
+#include <algorithm>
+#include <type_traits>
+#include <vector>
+
+#include "documents/search/TreeOrder.h"
+
+namespace tme {
+
+template <class Node>
+int LevelOf(const Node* node) {
+  int level = 0;
+  while ((node = node->Parent()) != nullptr) ++level;
+  return level;
+}
+
+template <class Node>
+bool IsAtOrBelow(const Node* node, const Node* top) {
+  while (node != nullptr && node != top) node = node->Parent();
+  return node != nullptr;
+}
+
+/// The nodes of the selected rows from the root downwards. Model: see TreeItemModel.
+template <class Model>
+auto SelectedNodes(const QItemSelectionModel& selection) {
+  std::vector<decltype(Model::NodeOf({}))> nodes;
+  for (const QItemSelectionRange& range : selection.selection())
+    for (int row = range.top(); row <= range.bottom(); ++row)
+      nodes.push_back(Model::NodeOf(range.model()->index(row, 0, range.parent())));
+  const auto is_before = [](const auto* one, const auto* other) { return IsBeforeInTree(one, other); };
+  if (!std::is_sorted(nodes.begin(), nodes.end(), is_before)) std::sort(nodes.begin(), nodes.end(), is_before);
+  return nodes;
+}
+
+/// The same without those that stand below another one of them.
+template <class Model>
+auto SelectedTops(const QItemSelectionModel& selection) {
+  auto nodes = SelectedNodes<Model>(selection);
+  auto end = nodes.begin();
+  for (auto* node : nodes)
+    if (end == nodes.begin() || !IsAtOrBelow<std::remove_pointer_t<decltype(node)>>(node, *(end - 1))) *end++ = node;
+  nodes.erase(end, nodes.end());
+  return nodes;
+}
+
+/// Puts the rows of nodes on the clipboard as they show, each with a tab for a level below the highest of them.
+template <class Node, class Model>
+void CopyRowTexts(const std::vector<Node*>& nodes, const Model& model) {
+  std::vector<int> levels;
+  for (const Node* node : nodes) levels.push_back(LevelOf(node));
+  const int top = levels.empty() ? 0 : *std::min_element(levels.begin(), levels.end());
+  QString text;
+  for (std::size_t at = 0; at < nodes.size(); ++at) {
+    text += QString(levels[at] - top, u'\t') + model.IndexOf(nodes[at]).data().toString();
+    if (nodes.size() > 1) text += u'\n';
+  }
+  QGuiApplication::clipboard()->setText(text);
+}
+
+}  // namespace tme
