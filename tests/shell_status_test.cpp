@@ -14,12 +14,14 @@
 #include "WaitFor.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
+#include "shell/QuietFigure.h"
 #include "shell/StatusLine.h"
 #include "windows/text/TextPad.h"
 #include "windows/text/form_TXT.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
+using namespace std::string_literals;
 
 namespace {
 
@@ -74,9 +76,9 @@ TEST_F(StatusTest, SaysWhatEachKindIs) {
   OpenPathList(global_, text);
   TextPad& pad = PadOf(*global_.area.ActiveDocument());
   EXPECT_EQ(Said(), "TXT File [" + text.toStdString() + "] [Ln 1, Col 1] [UTF-8] [LF]");
-  pad.Select(1, 6);
+  pad.Select(1, 7);
   EXPECT_EQ(Said(),
-            "TXT File [" + text.toStdString() + "] 4 characters selected in 2 lines [Ln 2, Col 1] [UTF-8] [LF]");
+            "TXT File [" + text.toStdString() + "] 5 characters selected in 2 lines [Ln 2, Col 2] [UTF-8] [LF]");
   Open(u"a.rtf"_s, "{\\rtf1 word}");
   EXPECT_TRUE(Said().ends_with("] 4 characters")) << Said();
   DocumentWindow& ini = Open(u"a.ini"_s, "; 1\nx=1\n[B]\ny=2\n");
@@ -130,6 +132,46 @@ TEST_F(StatusTest, EncodingAndLineEndsOfATextAreStepsOfUndo) {
   EXPECT_EQ(TextOf(window), changed);
   EXPECT_EQ(shown().substr(13), " [UTF-16 LE] [LF]");
   window.File().SetChanged(false);
+}
+
+TEST_F(StatusTest, EncodingAndLineEndsOfTreesAreStepsOfUndo) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    Holding holding;
+    const char* undo;
+    const char* redo;
+  } table[] = {
+      {"a.ini", "[A]\r\nx=\xE9\r\n\r\n", Holding::ByRules, "menu_EditUndo", "menu_EditRedo"},
+      {"a.ini", "[A]\n;\nx=\xE9", Holding::Whole, "menu_EditUndo", "menu_EditRedo"},
+      {"a.reg", "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\"\xE9\"=\"\"\r\n\r\n", Holding::ByRules, "menu_EditRegUndo",
+       "menu_EditRegRedo"},
+      {"a.reg", "REGEDIT4\n\n[HKEY_USERS\\A]\n\"\xE9\"=hex:00,\\\n  00\n", Holding::Whole, "menu_EditRegUndo",
+       "menu_EditRegRedo"},
+  };
+  for (const auto& [name, bytes, holding, undo, redo] : table) {
+    SCOPED_TRACE(bytes);
+    const bool is_whole = holding == Holding::Whole;
+    global_.settings.ini_whole = global_.settings.reg_whole = is_whole;
+    DocumentWindow& window = Open(QLatin1StringView(name), bytes);
+    ASSERT_TRUE(Choose("status_encoding", u"UTF-16 LE"_s));
+    EXPECT_EQ(Choose("status_line_ends", u"CR LF, as on Windows"_s), is_whole);
+    EXPECT_TRUE(Said().ends_with("[UTF-16 LE] [CR LF]")) << Said();
+    EXPECT_TRUE(window.File().IsChanged() && window.IsModified());
+    const std::string changed = window.Content();
+    EXPECT_TRUE(changed.starts_with("\xFF\xFE") && changed.find("\r\0\n"s) != std::string::npos);
+    EXPECT_EQ(changed.find("]\0\n"s), std::string::npos);
+    for (int step = 0; step < (is_whole ? 2 : 1); ++step) Trigger(QLatin1StringView(undo));
+    EXPECT_TRUE(Said().ends_with(is_whole ? "[8-bit] [LF]" : "[8-bit] [CR LF]")) << Said();
+    EXPECT_FALSE(window.File().IsChanged() || window.IsModified());
+    EXPECT_TRUE(!is_whole || window.Content() == bytes);
+    for (int step = 0; step < (is_whole ? 2 : 1); ++step) Trigger(QLatin1StringView(redo));
+    EXPECT_EQ(window.Content(), changed);
+    window.SavePlain({});
+    EXPECT_TRUE(BytesOf(window.File().Path()).starts_with("\xFF\xFE"));
+    EXPECT_EQ(Notice(window).contains(u"UTF-16"_s), false) << "as the user chose";
+    window.FileClose();
+  }
 }
 
 TEST_F(StatusTest, AnEncodingThatDoesNotHoldTheTextIsRefused) {
@@ -225,4 +267,23 @@ TEST_F(StatusTest, LineNumbersAreASettingOfAllTexts) {
   Trigger(u"menu_ViewLineNumbers"_s);
   EXPECT_EQ(margin(), 0);
   window.File().SetChanged(false);
+}
+
+TEST(QuietFigure, IsFoundLaterWhereFindingTakesLong) {
+  int found = 0, told = 0;
+  const auto find = [&](int milliseconds) {
+    return [&found, milliseconds] {
+      QTest::qSleep(milliseconds);
+      return ++found;
+    };
+  };
+  QuietFigure<int> figure([&told] { ++told; });
+  EXPECT_EQ(figure.Of(1, find(10)), 1);
+  for (const std::uint64_t revision : {2U, 3U, 1U, 4U})
+    EXPECT_EQ(figure.Of(revision, find(10)), 1) << "edits and undo go on";
+  WaitFor([&] { return told == 1; });
+  EXPECT_EQ(figure.Of(4, find(10)), 2);
+  EXPECT_EQ(figure.Of(4, find(10)), 2) << "known";
+  figure.Forget();
+  EXPECT_EQ(figure.Of(4, find(10)), 3) << "of another content";
 }

@@ -2,7 +2,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -16,6 +15,7 @@
 #include "shell/LongWork.h"
 #include "shell/OpenDispatch.h"
 #include "shell/RecoverySnapshots.h"
+#include "shell/StatusLine.h"
 #include "windows/reg/form_REG.h"
 #include "windows/tree/TreeDocumentWindow.h"
 
@@ -59,8 +59,9 @@ class WholeFileTest : public KindsEditor {
       }
     return false;
   }
-  static QString Badge(const TreeDocumentWindow& window) {
-    return window.findChild<QLabel*>(u"holding_badge"_s)->text();
+  QString ShownHolding() {
+    global_.status.ShowNow();
+    return frame_->findChild<QAbstractButton*>(u"status_holding"_s)->text();
   }
   bool IsChecked() const { return global_.menus.Action(u"menu_ViewWholeFile"_s)->isChecked(); }
   /// Chooses in the dialog of the other form.
@@ -83,21 +84,21 @@ TEST_F(WholeFileTest, IsOneClickAwayAndBack) {
     TreeDocumentWindow& window = Open(row);
     const QString caption = window.windowTitle(), by_rules = Notice(window);
     EXPECT_NE(window.Content(), row.bytes);
-    EXPECT_TRUE(Badge(window) == u"by the rules" && !IsChecked());
+    EXPECT_TRUE(ShownHolding() == u"by the rules" && !IsChecked());
     ASSERT_TRUE(Press(window, u"Show the Whole File"_s));
     EXPECT_EQ(window.GetHolding(), Holding::Whole);
     EXPECT_EQ(window.Content(), row.bytes);
     EXPECT_FALSE(window.IsModified());
     EXPECT_EQ(window.windowTitle(), caption);
     EXPECT_FALSE(Notice(window).contains(by_rules)) << "of the other reading";
-    EXPECT_TRUE(Badge(window) == u"whole" && IsChecked());
+    EXPECT_TRUE(ShownHolding() == u"whole" && IsChecked());
     EXPECT_TRUE(window.isAncestorOf(QApplication::focusWidget())) << "the pressed button is gone";
     for (const QString& button : {u"Show by the Rules"_s, u"Show the Whole File"_s}) ASSERT_TRUE(Press(window, button));
     window.SavePlain({});
     EXPECT_EQ(BytesOf(path_), row.bytes);
     global_.menus.Action(u"menu_ViewWholeFile"_s)->trigger();
     EXPECT_EQ(Notice(window), by_rules);
-    EXPECT_EQ(Badge(window), u"by the rules");
+    EXPECT_EQ(ShownHolding(), u"by the rules");
     EXPECT_NE(global_.menus.Action(u"menu_mru1"_s)->text(), global_.menus.Action(u"menu_mru2"_s)->text());
     NewDocument(global_, DocumentKind::Txt);
     window.FileClose();

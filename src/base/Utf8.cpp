@@ -1,6 +1,7 @@
 #include "base/Utf8.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "base/Utf16.h"
@@ -22,6 +23,16 @@ std::size_t AsciiRun(std::string_view text) {
   }
   while (run < text.size() && static_cast<unsigned char>(text[run]) < 0x80) ++run;
   return run;
+}
+
+std::size_t CountCharacters(std::string_view text) {
+  std::size_t continuations = 0, at = 0;
+  for (std::uint64_t word = 0; text.size() - at >= sizeof word; at += sizeof word) {
+    std::memcpy(&word, text.data() + at, sizeof word);
+    continuations += static_cast<std::size_t>(std::popcount(word & ~(word << 1U) & kHighBits));
+  }
+  for (; at < text.size(); ++at) continuations += IsContinuation(text[at]) ? 1 : 0;
+  return text.size() - continuations;
 }
 
 bool IsValid(std::string_view text) {

@@ -30,6 +30,9 @@ std::size_t InvalidBytes(std::string_view text);
 
 constexpr bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
+/// Counts the bytes that are no continuation: the characters of valid UTF-8.
+std::size_t CountCharacters(std::string_view text);
+
 /// Returns where the character begins that the byte at `at` belongs to; `at` itself at the end of the text and beyond.
 constexpr std::size_t CharacterStart(std::string_view text, std::size_t at) {
   while (at > 0 && at < text.size() && IsContinuation(text[at])) --at;

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "base/LineReader.h"
 #include "base/Reversed.h"
 
 namespace tme {
@@ -19,17 +20,6 @@ std::string_view FirstLineEnd(std::string_view lines) {
   const std::size_t at = lines.find_first_of("\r\n");
   if (at == std::string_view::npos) return {};
   return lines.substr(at, lines.substr(at).starts_with(kUsualLineEnd) ? 2 : 1);
-}
-
-/// Calls visit(line, end) for each line of a text; the end of the last one may be empty.
-template <typename Visit>
-void ForEachLine(std::string_view lines, Visit visit) {
-  while (!lines.empty()) {
-    const std::string_view end = FirstLineEnd(lines);
-    const std::size_t size = end.empty() ? lines.size() : static_cast<std::size_t>(end.data() - lines.data());
-    visit(lines.substr(0, size), end);
-    lines.remove_prefix(size + end.size());
-  }
 }
 
 }  // namespace
@@ -48,6 +38,17 @@ std::optional<LineEnds> UsedLineEndsIn(std::string_view lines) {
   for (std::size_t at = lines.find('\n'); at != kNone; at = lines.find('\n', at + 1))
     if (at == 0 || lines[at - 1] != '\r') return LineEnds::Mixed;
   return LineEnds::CrLf;
+}
+
+std::string LinesEndedBy(std::string_view lines, std::string_view end) {
+  std::string changed;
+  changed.reserve(lines.size());
+  LineReader reader(lines);
+  for (std::string_view line; reader.Next(line);) {
+    changed += line;
+    if (line.data() + line.size() != lines.data() + lines.size()) changed += end;
+  }
+  return changed;
 }
 
 void SourceLines::Clear() { pieces_.assign(1, {.text = "", .size = 0, .next = kEnds, .previous = kEnds, .kind = 0}); }
@@ -128,15 +129,10 @@ LineEnds SourceLines::UsedLineEnds() const {
 bool SourceLines::SetLineEnds(LineEnds ends) {
   if (ends == LineEnds::Mixed) return false;
   const std::string_view new_end = ends == LineEnds::CrLf ? kUsualLineEnd : "\n";
-  std::string changed;
   bool has_changed = false;
   for (Piece at = First(); at != kEnds; at = Next(at)) {
     if (UsedLineEndsIn(Text(at)).value_or(ends) == ends) continue;
-    changed.clear();
-    ForEachLine(Text(at), [&](std::string_view line, std::string_view end) {
-      changed.append(line).append(end.empty() ? end : new_end);
-    });
-    Replace(at, changed);
+    Replace(at, LinesEndedBy(Text(at), new_end));
     has_changed = true;
   }
   return has_changed;

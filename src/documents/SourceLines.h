@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -129,5 +130,7 @@ std::string_view LineEndOf(std::string_view lines);
 
 /// What the lines of a text end in; null without a line end. Linear.
 std::optional<LineEnds> UsedLineEndsIn(std::string_view lines);
+/// The same lines, each ended by `end`; the last one only if it was ended. Linear.
+std::string LinesEndedBy(std::string_view lines, std::string_view end);
 
 }  // namespace tme

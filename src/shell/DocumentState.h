@@ -18,8 +18,7 @@ struct DocumentState {
   QString path{};
   std::optional<TextEncoding> encoding{};
   std::optional<LineEnds> line_ends{};
-  /// Why the user cannot change them here; empty where that is possible.
-  QString encoding_stays{};
+  /// Why the user cannot change these; empty where that is possible.
   QString line_ends_stay{};
   /// "3 sections, 12 entries".
   QString count{};
@@ -32,7 +31,7 @@ struct DocumentState {
   };
   std::optional<Place> place{};
   std::int64_t selected_characters = 0;
-  /// Lines that the selection touches; 0 where lines are not counted.
+  /// Lines that have some of the selection; 0 where lines are not counted.
   std::int64_t selected_lines = 0;
 };
 

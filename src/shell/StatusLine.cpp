@@ -96,7 +96,7 @@ void StatusLine::BuildParts() {
   selection_ = MakeLabel(u"status_selection"_s);
   place_ = MakeButton(u"status_place"_s, &StatusLine::AskForLine);
   count_ = MakeLabel(u"status_count"_s);
-  encoding_ = MakeButton(u"status_encoding"_s, &StatusLine::SayEncodingStays);
+  encoding_ = new StatusButton(u"status_encoding"_s, this);
   line_ends_ = MakeButton(u"status_line_ends"_s, &StatusLine::SayLineEndsStay);
   const auto make_menu = [this](const QString& name, const QString& caption, void (StatusLine::*fill)(QMenu&)) {
     auto* menu = new QMenu(this);
@@ -109,6 +109,7 @@ void StatusLine::BuildParts() {
     return menu;
   };
   encodings_ = make_menu(u"status_encodings"_s, tr("Encoding"), &StatusLine::FillEncodings);
+  encoding_->setMenu(encodings_);
   ends_ = make_menu(u"status_ends"_s, tr("Line ends"), &StatusLine::FillLineEnds);
   Show({});
 }
@@ -162,9 +163,7 @@ void StatusLine::ShowForm(const DocumentState& state) {
   if (state.encoding) {
     const QString name = QString::fromUtf8(EncodingName(*state.encoding));
     encoding_->Say(ShortNameOf(*state.encoding), tr("Encoding: %1").arg(name),
-                   state.encoding_stays.isEmpty() ? tr("The file's encoding: %1.  A click changes it.").arg(name)
-                                                  : state.encoding_stays);
-    encoding_->setMenu(state.encoding_stays.isEmpty() ? encodings_ : nullptr);
+                   tr("The file's encoding: %1.  A click changes it.").arg(name));
   }
   if (state.line_ends) {
     const QString name = ShortNameOf(*state.line_ends);

@@ -60,7 +60,6 @@ class StatusLine : public QWidget {
   void Arrange();
   void CopyPath();
   void SwitchHolding();
-  void SayEncodingStays();
   void SayLineEndsStay();
   void FillEncodings(QMenu& menu);
   void FillLineEnds(QMenu& menu);

@@ -42,8 +42,6 @@ void StatusLine::CopyPath() {
 
 void StatusLine::SwitchHolding() { source_.send("WholeFile"); }
 
-void StatusLine::SayEncodingStays() { SayWhyAt(*encoding_, state_.encoding_stays); }
-
 void StatusLine::SayLineEndsStay() { SayWhyAt(*line_ends_, state_.line_ends_stay); }
 
 void StatusLine::FillEncodings(QMenu& menu) {

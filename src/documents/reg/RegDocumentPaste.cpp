@@ -14,19 +14,6 @@ namespace tme {
 
 namespace {
 
-std::string WithLineEnds(std::string_view text, std::string_view end) {
-  std::string changed;
-  changed.reserve(text.size());
-  while (!text.empty()) {
-    const std::size_t at = text.find_first_of("\r\n");
-    changed.append(text.substr(0, at));
-    if (at == text.npos) break;
-    changed.append(end);
-    text.remove_prefix(at + (text.substr(at).starts_with("\r\n") ? 2 : 1));
-  }
-  return changed;
-}
-
 const RegNode* CommonOf(const RegNode* one, const RegNode* other) {
   const auto level_of = [](const RegNode* node) {
     int level = 0;
@@ -218,7 +205,7 @@ RegPasteResult RegDocument::Paste(RegNode* key, std::string_view text, const Reg
   const RegWholeOptions options{
       .unsaid = version_, .first_values = RegWholeOptions::FirstValues::OfRoot, .progress = {}};
   RegDocument source;
-  ReadWholeReg(source, WithLineEnds(text, end), options);
+  ReadWholeReg(source, LinesEndedBy(text, end), options);
   if (source.version_ == RegVersion::Regedit) {
     const std::string blocks = WithoutPairs(source);
     source.Reset("");

@@ -80,7 +80,6 @@ void form_INI::BuildTreeView(QWidget& client) {
   TV->setAccessibleName(tr("Sections and entries"));
   TV->setHorizontalScrollBar(new ScrollBarUnderStrip(TV));
   TV->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  TV->addScrollBarWidget(MakeBadge(TV), Qt::AlignRight);
   TV->setModel(model_.get());
   WatchState(*TV);
   WatchContent(*model_);

@@ -86,7 +86,6 @@ void form_REG::BuildControls(QWidget& client) {
   PB = make_bar(u"PB"_s, tr("Lines read"));
   PB2 = make_bar(u"PB2"_s, tr("Stage within the line"));
   PB2->setMaximum(kStages);
-  status->addWidget(MakeBadge(area));
   column->addLayout(status);
   WatchState(*TV);
   WatchState(*LV);

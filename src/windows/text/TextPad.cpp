@@ -22,19 +22,6 @@ namespace {
 
 constexpr int kMarginPixels = 4;
 
-/// The same lines, each ended by `line_end`.
-std::string WithLineEnd(std::string_view text, std::string_view line_end) {
-  std::string lines;
-  lines.reserve(text.size());
-  while (true) {
-    const std::size_t at = text.find_first_of("\r\n");
-    lines += text.substr(0, at);
-    if (at == std::string_view::npos) return lines;
-    lines += line_end;
-    text.remove_prefix(at + (text.substr(at).starts_with("\r\n") ? 2 : 1));
-  }
-}
-
 /// A fainter text, which can still be read.
 QColor Between(const QColor& text, const QColor& base) {
   constexpr int kOfText = 65, kAll = 100;
@@ -236,14 +223,14 @@ void TextPad::Select(PadPosition start, PadPosition end) {
 
 std::string_view TextPad::SelectedBytes() const { return BytesBetween(SelectionStart(), SelectionEnd()); }
 
-QString TextPad::SelectedText() const { return TextOf(WithLineEnd(SelectedBytes(), "\n")); }
+QString TextPad::SelectedText() const { return TextOf(LinesEndedBy(SelectedBytes(), "\n")); }
 
 void TextPad::ReplaceSelection(const QString& text) {
   const PadPosition start = SelectionStart(), end = SelectionEnd();
   if (text.isEmpty() && start == end) return;
   const QByteArray utf8 = text.toUtf8();
   const std::string bytes =
-      WithLineEnd({utf8.data(), static_cast<std::size_t>(utf8.size())}, LineEndOf(Send(SCI_GETEOLMODE)));
+      LinesEndedBy({utf8.data(), static_cast<std::size_t>(utf8.size())}, LineEndOf(Send(SCI_GETEOLMODE)));
   Send(SCI_BEGINUNDOACTION);
   Send(SCI_SETTARGETRANGE, static_cast<std::uintptr_t>(start), end);
   Send(SCI_REPLACETARGET, bytes.size(), reinterpret_cast<std::intptr_t>(bytes.data()));

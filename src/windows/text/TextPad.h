@@ -58,10 +58,10 @@ class TextPad : public QsciScintillaBase, public Pad {
   std::int64_t LineOf(PadPosition position) const;
   std::int64_t LineCount() const { return Send(SCI_GETLINECOUNT); }
   PadPosition StartOfLine(std::int64_t line) const;
-  /// In the time that memory takes to be read once, and none for what the last count with this number counted already.
+  /// In the time that memory takes to be read once, and none for what the last count of its sort counted already.
   enum class Count : std::uint8_t { Column, Selection };
   std::int64_t CharactersBetween(PadPosition start, PadPosition end, Count count) const;
-  /// What lines end in, CrLf without any. Linear.
+  /// What lines end in; without any, what typed ones will. Linear.
   LineEnds UsedLineEnds() const;
   /// Gives all lines this end, typed ones included. A step of undo.
   void SetLineEnds(LineEnds ends);
@@ -113,6 +113,19 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ApplyWrap();
   void ApplyZoom(Zoom zoom);
   void FitLineNumbers();
+  /// What is selected and in sight, by lines and bytes within them.
+  struct Place {
+    struct Spot {
+      std::int64_t line;
+      PadPosition bytes;
+    };
+    Spot anchor;
+    Spot caret;
+    std::intptr_t first_line;
+  };
+  Place PlaceNow() const;
+  /// Bytes beyond a line's end count as that end.
+  void ReturnTo(const Place& place);
   void NoteStep(std::function<void()> undo, std::function<void()> redo);
   void RunStep(int type, int token);
   void Type(const QString& text);

@@ -12,10 +12,6 @@ constexpr std::uintptr_t kNumberMargin = 0;
 /// So that the margin keeps its width in most texts.
 constexpr std::size_t kLeastDigits = 3;
 
-std::int64_t CountCharacters(std::string_view bytes) {
-  return std::count_if(bytes.begin(), bytes.end(), [](char byte) { return !utf8::IsContinuation(byte); });
-}
-
 }  // namespace
 
 std::int64_t TextPad::LineOf(PadPosition position) const {
@@ -30,7 +26,8 @@ std::int64_t TextPad::CharactersBetween(PadPosition start, PadPosition end, Coun
   const auto characters = [this](PadPosition from, PadPosition to) {
     // On either side of where the component's memory is parted, which it would close for one range.
     const PadPosition gap = std::clamp<PadPosition>(Send(SCI_GETGAPPOSITION), from, std::max(from, to));
-    return CountCharacters(BytesBetween(from, gap)) + CountCharacters(BytesBetween(gap, to));
+    return static_cast<std::int64_t>(utf8::CountCharacters(BytesBetween(from, gap)) +
+                                     utf8::CountCharacters(BytesBetween(gap, to)));
   };
   Counted& last = counted_.at(static_cast<std::size_t>(count));
   const auto [known_start, known_end] = last.range;
@@ -45,22 +42,51 @@ std::int64_t TextPad::CharactersBetween(PadPosition start, PadPosition end, Coun
   return last.characters;
 }
 
-LineEnds TextPad::UsedLineEnds() const { return UsedLineEndsIn(Text()).value_or(LineEnds::CrLf); }
+LineEnds TextPad::UsedLineEnds() const {
+  const std::intptr_t typed = Send(SCI_GETEOLMODE);
+  const LineEnds without = typed == SC_EOL_CRLF ? LineEnds::CrLf : typed == SC_EOL_LF ? LineEnds::Lf : LineEnds::Mixed;
+  return UsedLineEndsIn(Text()).value_or(without);
+}
+
+TextPad::Place TextPad::PlaceNow() const {
+  const auto spot = [this](PadPosition position) {
+    const std::int64_t line = LineOf(position);
+    return Place::Spot{line, position - StartOfLine(line)};
+  };
+  return {spot(Send(SCI_GETANCHOR)), spot(Caret()), Send(SCI_GETFIRSTVISIBLELINE)};
+}
+
+void TextPad::ReturnTo(const Place& place) {
+  const auto position = [this](const Place::Spot& spot) {
+    const std::intptr_t end = Send(SCI_GETLINEENDPOSITION, static_cast<std::uintptr_t>(spot.line));
+    return std::min<PadPosition>(StartOfLine(spot.line) + spot.bytes, end);
+  };
+  Send(SCI_SETSEL, static_cast<std::uintptr_t>(position(place.anchor)), position(place.caret));
+  Send(SCI_SETFIRSTVISIBLELINE, static_cast<std::uintptr_t>(place.first_line));
+}
 
 void TextPad::SetLineEnds(LineEnds ends) {
-  if (ends == LineEnds::Mixed) return;
-  const auto mode = static_cast<std::uintptr_t>(ends == LineEnds::CrLf ? SC_EOL_CRLF : SC_EOL_LF);
-  const auto mode_before = static_cast<std::uintptr_t>(Send(SCI_GETEOLMODE));
-  const auto type = [this](std::uintptr_t of_mode) { return [this, of_mode] { Send(SCI_SETEOLMODE, of_mode); }; };
-  // One event tells of all its edits, which may be millions.
-  Send(SCI_SETMODEVENTMASK, 0);
+  if (ends == LineEnds::Mixed || ends == UsedLineEnds()) return;
+  const auto mode = ends == LineEnds::CrLf ? SC_EOL_CRLF : SC_EOL_LF;
+  const auto mode_before = Send(SCI_GETEOLMODE);
+  const Place place = PlaceNow();
+  const std::string text = LinesEndedBy(Text(), ends == LineEnds::CrLf ? "\r\n" : "\n");
+  const auto step = [this, place](std::intptr_t of_mode) {
+    return [this, place, of_mode] {
+      Send(SCI_SETEOLMODE, static_cast<std::uintptr_t>(of_mode));
+      // Later: whatever undoes an edit then goes to the end of it.
+      QMetaObject::invokeMethod(
+          this, [this, place] { ReturnTo(place); }, Qt::QueuedConnection);
+    };
+  };
   Send(SCI_BEGINUNDOACTION);
-  NoteStep(type(mode_before), type(mode));
-  Send(SCI_CONVERTEOLS, mode);
+  NoteStep(step(mode_before), step(mode));
+  // One edit: as many as there are lines would take seconds for a million.
+  Send(SCI_TARGETWHOLEDOCUMENT);
+  Send(SCI_REPLACETARGET, text.size(), reinterpret_cast<std::intptr_t>(text.data()));
   Send(SCI_ENDUNDOACTION);
-  Send(SCI_SETEOLMODE, mode);
-  Send(SCI_SETMODEVENTMASK, kEvents);
-  emit SCEN_CHANGE();
+  Send(SCI_SETEOLMODE, static_cast<std::uintptr_t>(mode));
+  ReturnTo(place);
 }
 
 void TextPad::AddOutsideStep(std::function<void()> undo, std::function<void()> redo) {

@@ -118,7 +118,8 @@ void form_TXT::AddState(DocumentState& state) const {
   state.place = {.line = line + 1, .column = column + 1, .lines = pad->LineCount()};
   if (start == end) return;
   state.selected_characters = pad->CharactersBetween(start, end, TextPad::Count::Selection);
-  state.selected_lines = pad->LineOf(end) - pad->LineOf(start) + 1;
+  // A line that the selection only comes up to is none of its own.
+  state.selected_lines = pad->LineOf(end - 1) - pad->LineOf(start) + 1;
 }
 
 DocumentFigures form_TXT::Figures() const { return {.line_ends = pad->UsedLineEnds()}; }

@@ -1,12 +1,10 @@
 #include "windows/tree/TreeDocumentWindow.h"
 
-#include <QLabel>
 #include <QScopedValueRollback>
 
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
-#include "shell/PlainText.h"
 #include "shell/Settings.h"
 #include "system/Dialogs.h"
 #include "windows/tree/SearchTarget.h"
@@ -17,8 +15,6 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr int kBadgeMargin = 4;  // pixels
-
 constexpr Holding OtherThan(Holding holding) { return holding == Holding::Whole ? Holding::ByRules : Holding::Whole; }
 
 }  // namespace
@@ -27,28 +23,6 @@ TreeDocumentWindow::TreeDocumentWindow(Global& global, DocumentKind kind, int sl
     : DocumentWindow(global, kind, slot), always_whole_(always_whole) {}
 
 TreeDocumentWindow::~TreeDocumentWindow() = default;
-
-QWidget* TreeDocumentWindow::MakeBadge(QWidget* parent) {
-  badge_ = PlainLabel({}, parent);
-  badge_->setObjectName(u"holding_badge"_s);
-  badge_->setContentsMargins(kBadgeMargin, 0, kBadgeMargin, 0);
-  badge_->setAlignment(Qt::AlignBottom);
-  badge_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-  ShowHolding();
-  return badge_;
-}
-
-void TreeDocumentWindow::ShowHolding() {
-  if (!badge_) return;
-  const bool is_whole = GetHolding() == Holding::Whole;
-  badge_->setText(is_whole ? tr("whole") : tr("by the rules"));
-  badge_->setAccessibleName(is_whole ? tr("The file is held whole") : tr("The file is held by the rules"));
-  SetTip(*badge_, is_whole
-                      ? tr("All of the file is kept and shown, and an edit changes its own lines alone.  View, Whole "
-                           "File changes that.")
-                      : tr("The file is read by the editor's rules: what they do not take is left out, and the rest "
-                           "gets their order and form.  View, Whole File keeps all of it."));
-}
 
 void TreeDocumentWindow::UpdateCommands() {
   if (global_.area.ActiveDocument() == this) {
@@ -68,7 +42,7 @@ std::vector<NoticeAction> TreeDocumentWindow::HoldingButton() {
 
 void TreeDocumentWindow::SetHolding(Holding holding) {
   file_.Hold(holding);
-  ShowHolding();
+  StateChanged();
   TreeDocumentWindow::UpdateCommands();
 }
 

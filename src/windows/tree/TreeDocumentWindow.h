@@ -12,7 +12,6 @@
 #include "windows/tree/SaveForm.h"
 
 class QAbstractItemView;
-class QLabel;
 class QShortcut;
 class QSplitter;
 
@@ -44,6 +43,7 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   virtual EditableDocument& Document() = 0;
 
   void PutContent(std::string bytes, Holding holding) override;
+  void ChangeLineEnds(LineEnds ends) override;
 
   /// A position of the document's steps comes back as it was left: content, selection, the changed flag, and what was
   /// in sight. After a save, all positions but that of the save count as changed.
@@ -88,8 +88,6 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   /// What stands beside the window's own controls, which come first in it.
   QSplitter& Panes();
 
-  /// The window's badge, which says how the document is held; owned by the window's controls.
-  QWidget* MakeBadge(QWidget* parent);
   void UpdateCommands() override;
   /// To be called once, when the view of the tree is built.
   void FollowSteps(QAbstractItemView& view);
@@ -166,7 +164,6 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   void MarkAs(const Held& held);
   /// Whether the document's text fits a format, or the user agrees to the one that is put in its place.
   bool FitsOrIsAgreed(TextFormat& format);
-  void ShowHolding();
   void ShowSourceItems();
   /// A window that is as narrow as a tree alone becomes wide enough for the source beside it.
   void MakeRoomForSource();
@@ -191,7 +188,6 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   void ShowSteps();
 
   bool Settings::*const always_whole_;
-  QLabel* badge_ = nullptr;
   const TreeItemModelBase* content_ = nullptr;
   std::unique_ptr<SearchTarget> search_target_;
   TreeFinder* finder_ = nullptr;

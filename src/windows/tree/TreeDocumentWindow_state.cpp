@@ -1,6 +1,7 @@
 // What the status line says of a tree.
 #include <QAbstractItemView>
 
+#include "shell/WaitCursor.h"
 #include "windows/tree/TreeDocumentWindow.h"
 
 namespace tme {
@@ -17,15 +18,17 @@ void TreeDocumentWindow::WatchState(const QAbstractItemView& view) {
 
 void TreeDocumentWindow::AddState(DocumentState& state) const {
   state.holding = GetHolding();
-  const QString in_another_form = tr("File, Save As Another Form changes it.");
-  if (GetHolding() == Holding::Whole) {
-    state.encoding_stays = state.line_ends_stay = in_another_form;
-    return;
-  }
-  state.encoding_stays = tr("A save keeps the file's encoding as long as it holds all characters.");
+  if (GetHolding() == Holding::Whole) return;
   state.line_ends = LineEnds::CrLf;
   state.line_ends_stay =
       tr("By the rules, all lines are written with CR LF.  View, Whole File keeps the line ends that the file has.");
+}
+
+void TreeDocumentWindow::ChangeLineEnds(LineEnds ends) {
+  if (GetHolding() != Holding::Whole || ends == UsedLineEnds()) return;
+  const WaitCursor wait_cursor;
+  SetLineEnds(ends);
+  SetChanged(true);
 }
 
 }  // namespace tme
