@@ -7,8 +7,8 @@
 
 namespace {
 
+using tme::DiffChange;
 using tme::DiffLines;
-using tme::LineChange;
 
 std::string Shown(const std::vector<tme::DiffLine>& lines) {
   std::string shown;
@@ -34,8 +34,8 @@ TEST(LineDiff, GivesBackBothTexts) {
       for (auto lines = random() % 12; lines > 0; --lines) text.append(1, "abc"[random() % 3]).append("\n");
     std::string before, after;
     for (const tme::DiffLine& line : DiffLines(texts[0], texts[1])) {
-      if (line.change != LineChange::Added) before.append(line.text).append("\n");
-      if (line.change != LineChange::Removed) after.append(line.text).append("\n");
+      if (line.change != DiffChange::Added) before.append(line.text).append("\n");
+      if (line.change != DiffChange::Removed) after.append(line.text).append("\n");
     }
     ASSERT_EQ(before, texts[0]);
     ASSERT_EQ(after, texts[1]);

@@ -1,7 +1,5 @@
 #include "documents/diff/LineDiff.h"
 
-#include <algorithm>
-#include <span>
 #include <unordered_map>
 
 #include "base/LineReader.h"
@@ -18,186 +16,24 @@ TextLines Split(std::string_view text) {
   return result;
 }
 
-/// The furthest place on each diagonal, one generation for each number of changes.
-class EditGraph {
- public:
-  EditGraph(std::span<const std::string_view> before, std::span<const std::string_view> after)
-      : before_(before.data()), after_(after.data()), rows_(std::ssize(before)), columns_(std::ssize(after)) {}
-
-  /// Returns false when more than `limit` changes are needed.
-  bool Solve(std::ptrdiff_t limit) {
-    std::vector<std::ptrdiff_t> furthest(static_cast<std::size_t>(2 * limit + 3), 0);
-    const auto at = [&](std::ptrdiff_t diagonal) -> std::ptrdiff_t& {
-      return furthest[static_cast<std::size_t>(diagonal + limit + 1)];
-    };
-    for (std::ptrdiff_t changes = 0; changes <= limit; ++changes) {
-      for (std::ptrdiff_t diagonal = -changes; diagonal <= changes; diagonal += 2) {
-        const bool added = diagonal == -changes || (diagonal != changes && at(diagonal - 1) < at(diagonal + 1));
-        std::ptrdiff_t row = added ? at(diagonal + 1) : at(diagonal - 1) + 1;
-        while (row < rows_ && row - diagonal < columns_ && before_[row] == after_[row - diagonal]) ++row;
-        at(diagonal) = row;
-        if (row >= rows_ && row - diagonal >= columns_) {
-          Remember(furthest, limit, changes);
-          return true;
-        }
-      }
-      Remember(furthest, limit, changes);
-    }
-    return false;
-  }
-
-  /// Follows the way from end to start, then turns it round.
-  void Walk(std::vector<DiffLine>& result) const {
-    const auto first = static_cast<std::ptrdiff_t>(result.size());
-    std::ptrdiff_t row = rows_, column = columns_;
-    for (auto changes = static_cast<std::ptrdiff_t>(generations_.size()) - 1; changes > 0; --changes) {
-      const std::vector<std::ptrdiff_t>& earlier = generations_[static_cast<std::size_t>(changes - 1)];
-      const auto at = [&](std::ptrdiff_t diagonal) {
-        const std::ptrdiff_t index = diagonal + changes - 1;
-        return index < 0 || index >= static_cast<std::ptrdiff_t>(earlier.size())
-                   ? std::ptrdiff_t{-1}
-                   : earlier[static_cast<std::size_t>(index)];
-      };
-      const std::ptrdiff_t diagonal = row - column;
-      const bool added = diagonal == -changes || (diagonal != changes && at(diagonal - 1) < at(diagonal + 1));
-      const std::ptrdiff_t from_row = at(added ? diagonal + 1 : diagonal - 1);
-      const std::ptrdiff_t from_column = from_row - (added ? diagonal + 1 : diagonal - 1);
-      const std::ptrdiff_t start_row = added ? from_row : from_row + 1;
-      for (; row > start_row; --row, --column) result.push_back({LineChange::Same, before_[row - 1]});
-      result.push_back(added ? DiffLine{LineChange::Added, after_[column - 1]}
-                             : DiffLine{LineChange::Removed, before_[row - 1]});
-      row = from_row;
-      column = from_column;
-    }
-    for (; row > 0; --row) result.push_back({LineChange::Same, before_[row - 1]});
-    std::reverse(result.begin() + first, result.end());
-  }
-
- private:
-  void Remember(const std::vector<std::ptrdiff_t>& furthest, std::ptrdiff_t limit, std::ptrdiff_t changes) {
-    const auto middle = furthest.begin() + limit + 1;
-    generations_.emplace_back(middle - changes, middle + changes + 1);
-  }
-
-  const std::string_view* before_;
-  const std::string_view* after_;
-  const std::ptrdiff_t rows_;
-  const std::ptrdiff_t columns_;
-  /// generations_[d] holds the diagonals -d to d.
-  std::vector<std::vector<std::ptrdiff_t>> generations_;
-};
-
-/// Compares ranges of lines; a range with too many changes is cut at lines that stand once on either side.
-class Comparison {
- public:
-  Comparison(std::string_view before, std::string_view after) : before_(Split(before)), after_(Split(after)) {
-    result_.reserve(std::max(before_.size(), after_.size()));
-  }
-
-  std::vector<DiffLine> Run(std::size_t max_changes) && {
-    Compare({0, before_.size(), 0, after_.size()}, max_changes, kMostCuts);
-    return std::move(result_);
-  }
-
- private:
-  static constexpr int kMostCuts = 3;
-  /// Within a part, so that the time stays in proportion to the lines.
-  static constexpr std::size_t kMaxChangesOfPart = 200;
-  struct Range {
-    std::size_t before_begin, before_end, after_begin, after_end;
-  };
-  struct Anchor {
-    std::size_t before, after;
-  };
-
-  void Add(LineChange change, const TextLines& lines, std::size_t begin, std::size_t end) {
-    for (std::size_t line = begin; line < end; ++line) result_.push_back({change, lines[line]});
-  }
-
-  void Compare(Range range, std::size_t max_changes, int cuts_left) {
-    const std::size_t begin = range.before_begin, end = range.before_end;
-    while (range.before_begin < range.before_end && range.after_begin < range.after_end &&
-           before_[range.before_begin] == after_[range.after_begin])
-      ++range.before_begin, ++range.after_begin;
-    while (range.before_begin < range.before_end && range.after_begin < range.after_end &&
-           before_[range.before_end - 1] == after_[range.after_end - 1])
-      --range.before_end, --range.after_end;
-    Add(LineChange::Same, before_, begin, range.before_begin);
-    const std::size_t rows = range.before_end - range.before_begin, columns = range.after_end - range.after_begin;
-    EditGraph graph({before_.data() + range.before_begin, rows}, {after_.data() + range.after_begin, columns});
-    if (graph.Solve(static_cast<std::ptrdiff_t>(std::min(max_changes, rows + columns))))
-      graph.Walk(result_);
-    else
-      Cut(range, cuts_left);
-    Add(LineChange::Same, before_, range.before_end, end);
-  }
-
-  void Cut(const Range& range, int cuts_left) {
-    const std::vector<Anchor> anchors = cuts_left > 0 ? Anchors(range) : std::vector<Anchor>();
-    if (anchors.empty()) {
-      Add(LineChange::Removed, before_, range.before_begin, range.before_end);
-      Add(LineChange::Added, after_, range.after_begin, range.after_end);
-      return;
-    }
-    Range part = range;
-    for (const Anchor& anchor : anchors) {
-      part.before_end = anchor.before;
-      part.after_end = anchor.after;
-      Compare(part, kMaxChangesOfPart, cuts_left - 1);
-      Add(LineChange::Same, before_, anchor.before, anchor.before + 1);
-      part.before_begin = anchor.before + 1;
-      part.after_begin = anchor.after + 1;
-    }
-    part.before_end = range.before_end;
-    part.after_end = range.after_end;
-    Compare(part, kMaxChangesOfPart, cuts_left - 1);
-  }
-
-  /// Returns the most lines that are unique on both sides and stand in the same order there.
-  std::vector<Anchor> Anchors(const Range& range) const {
-    struct Seen {
-      std::size_t times_before = 0, times_after = 0, after = 0;
-    };
-    std::unordered_map<std::string_view, Seen> seen;
-    seen.reserve(range.before_end - range.before_begin);
-    for (std::size_t line = range.before_begin; line < range.before_end; ++line) ++seen[before_[line]].times_before;
-    for (std::size_t line = range.after_begin; line < range.after_end; ++line)
-      if (const auto found = seen.find(after_[line]); found != seen.end()) {
-        ++found->second.times_after;
-        found->second.after = line;
-      }
-    // Longest increasing subsequence: `ends[n]` ends the best one of n + 1 anchors.
-    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    std::vector<Anchor> candidates;
-    std::vector<std::size_t> ends, previous;
-    for (std::size_t line = range.before_begin; line < range.before_end; ++line) {
-      const Seen& at = seen.find(before_[line])->second;
-      if (at.times_before != 1 || at.times_after != 1) continue;
-      const auto place = std::lower_bound(ends.begin(), ends.end(), at.after, [&](std::size_t end, std::size_t after) {
-        return candidates[end].after < after;
-      });
-      previous.push_back(place == ends.begin() ? kNone : *std::prev(place));
-      if (place == ends.end())
-        ends.push_back(candidates.size());
-      else
-        *place = candidates.size();
-      candidates.push_back({line, at.after});
-    }
-    std::vector<Anchor> anchors;
-    for (std::size_t at = ends.empty() ? kNone : ends.back(); at != kNone; at = previous[at])
-      anchors.push_back(candidates[at]);
-    std::reverse(anchors.begin(), anchors.end());
-    return anchors;
-  }
-
-  const TextLines before_, after_;
-  std::vector<DiffLine> result_;
-};
-
 }  // namespace
 
 std::vector<DiffLine> DiffLines(std::string_view before, std::string_view after, std::size_t max_changes) {
-  return Comparison(before, after).Run(max_changes);
+  const TextLines lines_before = Split(before), lines_after = Split(after);
+  // Equal lines have one number.
+  std::unordered_map<std::string_view, std::uint32_t> numbers;
+  const auto numbered = [&numbers](const TextLines& lines) {
+    std::vector<std::uint32_t> result;
+    result.reserve(lines.size());
+    for (const std::string_view line : lines)
+      result.push_back(numbers.try_emplace(line, static_cast<std::uint32_t>(numbers.size())).first->second);
+    return result;
+  };
+  const std::vector<std::uint32_t> numbers_before = numbered(lines_before), numbers_after = numbered(lines_after);
+  std::vector<DiffLine> result;
+  for (const auto& [change, at] : DiffSequences(numbers_before, numbers_after, max_changes))
+    result.push_back({change, (change == DiffChange::Added ? lines_after : lines_before)[at]});
+  return result;
 }
 
 }  // namespace tme

@@ -30,9 +30,9 @@ class Rows {
 
   void Make() {
     for (std::size_t begin = 0; begin < lines_.size();) {
-      const bool same = lines_[begin].change == LineChange::Same;
+      const bool same = lines_[begin].change == DiffChange::Same;
       std::size_t end = begin;
-      while (end < lines_.size() && (lines_[end].change == LineChange::Same) == same) ++end;
+      while (end < lines_.size() && (lines_[end].change == DiffChange::Same) == same) ++end;
       if (same)
         AddStretch(begin, end);
       else
@@ -73,7 +73,7 @@ class Rows {
       }
   }
 
-  std::size_t SideOf(std::size_t line) const { return lines_[line].change == LineChange::Removed ? 0 : 1; }
+  std::size_t SideOf(std::size_t line) const { return lines_[line].change == DiffChange::Removed ? 0 : 1; }
 
   static std::size_t CommonStart(std::string_view a, std::string_view b) {
     return static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin());

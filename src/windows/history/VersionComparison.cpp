@@ -41,11 +41,11 @@ std::string ReadableText(DocumentKind kind, std::string content) {
 
 void CompareTexts(VersionComparison& result) {
   result.lines = DiffLines(result.now_text, result.text);
-  const auto count = [&](LineChange change) {
+  const auto count = [&](DiffChange change) {
     return static_cast<std::uint64_t>(std::ranges::count(result.lines, change, &DiffLine::change));
   };
-  result.only_here = count(LineChange::Added);
-  result.only_now = count(LineChange::Removed);
+  result.only_here = count(DiffChange::Added);
+  result.only_now = count(DiffChange::Removed);
 }
 
 void CompareSorted(VersionComparison& result) {
