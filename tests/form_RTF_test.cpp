@@ -62,6 +62,38 @@ TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
   EXPECT_FALSE(window.IsModified());
 }
 
+TEST_F(FormRtf, AnEditChangesItsOwnPlaceInTheFile) {
+  const std::string bytes =
+      "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\r\n{\\*\\odd thing}\\pard\\chpgn  {\\b one}\\par\r\n"
+      "\\trowd\\cellx900\\pard\\intbl cell\\cell\\row\\pard last\\par}\n";
+  form_RTF& window = Open(bytes);
+  RtfPad& pad = PadOf(window);
+  const QString path = InFolder(u"letter.rtf"_s);
+  const auto saved = [&] {
+    window.SaveFile();
+    return BytesOf(path);
+  };
+  const auto with = [&](std::string_view what, std::string_view instead) {
+    std::string edited = bytes;
+    return edited.replace(edited.find(what), what.size(), instead);
+  };
+  const auto find = [&](const QString& text) { pad.setTextCursor(pad.document()->find(text)); };
+  find(u"one"_s);
+  QTest::keyClick(&pad, Qt::Key_Right);
+  QTest::keyClicks(&pad, u"ly"_s);
+  EXPECT_EQ(saved(), with("one", "onely"));
+  pad.undo();
+  EXPECT_EQ(saved(), bytes);
+  find(u"cell"_s);
+  window.FormatBold();
+  EXPECT_EQ(saved(), with("cell\\cell", "{\\b cell}\\cell"));
+  pad.undo();
+  find(u"last"_s);
+  QTest::keyClick(&pad, Qt::Key_Left);
+  QTest::keyClicks(&pad, u"a\r"_s);
+  EXPECT_EQ(saved(), with("last", "a\\par last"));
+}
+
 TEST_F(FormRtf, SaysWhatItShowsInASimplerForm) {
   std::string bytes = "{\\rtf1 ";
   for (int level = 1; level < 20; ++level) bytes += "\\itap" + std::to_string(level) + " a\\nestcell ";

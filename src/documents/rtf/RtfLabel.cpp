@@ -45,10 +45,11 @@ class LabelReader : private TextDecoder::Sink {
   void ReadBodyWord(const ControlWord& word);
   void SetFont(std::int32_t number) { Top().encoding.page = &fonts_.PageOf(fonts_.IndexOf(number)); }
 
-  void Text(std::string_view text) override {
+  void Add(std::string_view text) {
     if (!Top().is_hidden) label_ += text;
   }
-  void UnknownCharacter() override { Text(utf8::kReplacement); }
+  void Text(std::string_view text, const TextDecoder::Place&) override { Add(text); }
+  void UnknownCharacter(const TextDecoder::Place&) override { Add(utf8::kReplacement); }
 
   Tokenizer tokens_;
   Token token_;
@@ -71,7 +72,7 @@ void LabelReader::ReadToken() {
     case TokenKind::Symbol:
       if (token_.byte == '*') return ReadStar();
       if (!token_.IsLineEnd()) return decoder_.Read(token_, Top().encoding);
-      if (decoder_.SkipFallback()) return;
+      if (decoder_.SkipFallback(token_.end)) return;
       decoder_.Flush();
       return ReadWord(FindControl("par"));
     default:
@@ -110,7 +111,7 @@ void LabelReader::ReadStar() {
 }
 
 void LabelReader::ReadWord(const ControlWord& word) {
-  if (word.control == Control::Character && decoder_.SkipFallback()) return;
+  if (word.control == Control::Character && decoder_.SkipFallback(token_.end)) return;
   if (word.control != Control::Unicode) decoder_.EndFallback();
   if (word.control_class != ControlClass::Group) return ReadBodyWord(word);
   if (IsInner()) ReadGroupWord(word);  // not what the group itself is
@@ -150,7 +151,7 @@ void LabelReader::ReadBodyWord(const ControlWord& word) {
       return SetFont(fonts_.DefaultNumber());
     case Control::Paragraph:
     case Control::RowEnd:
-      return Text("\n");
+      return Add("\n");
     case Control::CellEnd:
       return decoder_.Put('\t');
     default:

@@ -11,13 +11,14 @@ constexpr std::string_view kPageBreak = "\f";
 
 }  // namespace
 
-Parser::Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode)
+Parser::Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode, RtfSource* source)
     : document_(document),
       tokens_(bytes),
       decoder_(*this),
       fonts_(document, decode),
       colors_(document),
-      builder_(document, bytes.size()) {
+      builder_(document, bytes.size()),
+      source_(source) {
   State base;
   base.character.font = FontTable::kNoFont;
   base.encoding.page = &fonts_.PageOf(FontTable::kNoFont);
@@ -51,8 +52,9 @@ void Parser::ReadToken() {
     case TokenKind::Symbol:
       if (token_.byte == '*') return ReadStar();
       if (!token_.IsLineEnd()) return decoder_.Read(token_, Top().encoding);
-      if (decoder_.SkipFallback()) return;
+      if (decoder_.SkipFallback(token_.end)) return;
       decoder_.Flush();
+      word_begin_ = token_.begin;
       return ReadWord(FindControl("par"));
     case TokenKind::Binary:
       Top().has_only_words = false;
@@ -126,19 +128,25 @@ void Parser::EndField(const State& field) {
   if (builder_.Additions() != field.output_before) return;
   if (effects_ == field.effects_before) {
     const std::string_view group = tokens_.Bytes().substr(field.begin, tokens_.Position() - field.begin);
+    object_begin_ = field.begin;
     return KeepInvisible(std::string(group));
   }
   for (std::size_t i = field.fields_before; i < document_.fields.size(); ++i) {
+    object_begin_ = kUnknown;
     KeepInvisible("{\\field" + document_.fields[i].instruction + "}");
   }
 }
 
-void Parser::Text(std::string_view text) {
+void Parser::Text(std::string_view text, const TextDecoder::Place& place) {
   Top().has_only_words = false;
   switch (Top().destination) {
     case Destination::Body:
       StartBody();
       if (is_section_pending_) BreakSection();
+      NotePiece(place.is_plain  ? RtfSource::Kind::Plain
+                : place.end > 0 ? RtfSource::Kind::Coded
+                                : RtfSource::Kind::Fixed,
+                place.begin, place.end);
       return builder_.AddText(text, CharacterId());
     case Destination::FontTable:
       return fonts_.ReadText(text);
@@ -149,10 +157,39 @@ void Parser::Text(std::string_view text) {
   }
 }
 
-void Parser::UnknownCharacter() {
+void Parser::UnknownCharacter(const TextDecoder::Place& place) {
   // Names of fonts are often in another page than they say; that is no loss.
   if (IsBody()) ++document_.losses.unknown_characters;
-  Text(utf8::kReplacement);
+  Text(utf8::kReplacement, place);
+}
+
+void Parser::FallbackPassed(std::size_t end) {
+  // A character that is not taken has a fallback, too.
+  if (source_ != nullptr && IsBody() && !source_->pieces.empty() &&
+      source_->pieces.back().kind == RtfSource::Kind::Coded)
+    source_->pieces.back().end = static_cast<std::uint32_t>(end);
+}
+
+void Parser::NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end) {
+  if (source_ == nullptr) return;
+  source_->pieces.push_back({.text = static_cast<std::uint32_t>(document_.text.size()),
+                             .begin = static_cast<std::uint32_t>(begin),
+                             .end = static_cast<std::uint32_t>(end),
+                             .object = 0,
+                             .kind = kind,
+                             .unicode_skip = Top().encoding.unicode_skip});
+}
+
+/// before: how many paragraphs there were.
+void Parser::NoteMark(std::size_t before, RtfSource::MarkKind kind) {
+  if (source_ == nullptr || document_.paragraphs.size() == before) return;
+  const bool is_token = kind == RtfSource::MarkKind::Paragraph || !is_closed_;
+  source_->marks.push_back({.first_piece = first_piece_,
+                            .begin = static_cast<std::uint32_t>(is_token ? token_.begin : tokens_.Position()),
+                            .end = static_cast<std::uint32_t>(tokens_.Position()),
+                            .kind = kind,
+                            .unicode_skip = Top().encoding.unicode_skip});
+  first_piece_ = static_cast<std::uint32_t>(source_->pieces.size());
 }
 
 void Parser::StartBody() {
@@ -167,11 +204,14 @@ void Parser::StartBody() {
 
 void Parser::BreakSection() {
   is_section_pending_ = false;
-  if (section_begins_page_) builder_.AddText(kPageBreak, CharacterId());
+  if (!section_begins_page_) return;
+  NotePiece(RtfSource::Kind::Fixed, 0, 0);
+  builder_.AddText(kPageBreak, CharacterId());
 }
 
-void Parser::EndParagraph(int table_level) {
+void Parser::EndParagraph(int table_level, RtfSource::MarkKind kind) {
   if (!IsBody()) return;
+  const std::size_t before = document_.paragraphs.size();
   StartBody();
   if (is_section_pending_) BreakSection();
   const ParagraphFormat& format = Paragraph().format;
@@ -183,6 +223,7 @@ void Parser::EndParagraph(int table_level) {
     builder_.EndParagraph(format, CharacterId(), table_level);
   }
   list_of_text_ = ListKind::None;
+  NoteMark(before, kind);
 }
 
 /// For change: the group's own from now on.

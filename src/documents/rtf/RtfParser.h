@@ -14,6 +14,7 @@
 #include "documents/rtf/RtfLabel.h"
 #include "documents/rtf/RtfLists.h"
 #include "documents/rtf/RtfReader.h"
+#include "documents/rtf/RtfSource.h"
 #include "documents/rtf/RtfTextDecoder.h"
 #include "documents/rtf/RtfTokenizer.h"
 
@@ -35,7 +36,8 @@ struct ParagraphState {
 class Parser : private TextDecoder::Sink {
  public:
   /// All outlive this.
-  Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode);
+  /// source: null when nobody wants to know.
+  Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode, RtfSource* source);
 
   void Read();
 
@@ -61,6 +63,7 @@ class Parser : private TextDecoder::Sink {
     bool is_nested_properties = false;
   };
   static constexpr std::uint32_t kStale = 0xFFFFFFFF;
+  static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
 
   // RtfParser.cpp: tokens, groups and text.
   void ReadToken();
@@ -69,11 +72,14 @@ class Parser : private TextDecoder::Sink {
   void CloseGroup();
   void CloseRoot();
   void EndField(const State& field);
-  void Text(std::string_view text) override;
-  void UnknownCharacter() override;
+  void Text(std::string_view text, const TextDecoder::Place& place) override;
+  void UnknownCharacter(const TextDecoder::Place& place) override;
+  void FallbackPassed(std::size_t end) override;
+  void NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end);
+  void NoteMark(std::size_t before, RtfSource::MarkKind kind);
   void StartBody();
   void BreakSection();
-  void EndParagraph(int table_level);
+  void EndParagraph(int table_level, RtfSource::MarkKind kind = RtfSource::MarkKind::Fixed);
   State& Top() { return states_.back(); }
   bool IsBody() { return Top().destination == Destination::Body; }
   ParagraphState& Paragraph() { return paragraphs_[Top().paragraph]; }
@@ -135,6 +141,9 @@ class Parser : private TextDecoder::Sink {
   RowDefinitions rows_;
   DocumentControls document_controls_;
   Builder builder_;
+  RtfSource* const source_;
+  std::uint32_t first_piece_ = 0;        ///< of the paragraph
+  std::size_t object_begin_ = kUnknown;  ///< where the bytes of the next object begin
 
   std::vector<State> states_;
   std::vector<ParagraphState> paragraphs_;

@@ -69,6 +69,7 @@ std::string UrlOfInstruction(std::string_view instruction) {
 std::string Parser::TakeGroup() {
   const bool is_whole = Top().has_only_words;
   const int skip = (is_whole ? states_.end()[-2] : Top()).encoding.unicode_skip;
+  object_begin_ = is_whole ? Top().begin : kUnknown;
   std::string group;
   tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
   if (!is_whole) group.insert(group.begin(), '{');
@@ -175,7 +176,11 @@ void Parser::AddObject(Object&& object) {
   StartBody();
   if (is_section_pending_ && object.kind != ObjectKind::Invisible) BreakSection();
   Top().has_only_words = false;
+  const std::size_t begin = std::exchange(object_begin_, kUnknown);
+  NotePiece(begin == kUnknown ? RtfSource::Kind::Fixed : RtfSource::Kind::Object, begin == kUnknown ? 0 : begin,
+            tokens_.Position());
   builder_.AddObject(std::move(object), CharacterId());
+  if (source_ != nullptr) source_->pieces.back().object = static_cast<std::uint32_t>(document_.objects.size());
 }
 
 void Parser::KeepInvisible(std::string group) { AddObject({.kind = ObjectKind::Invisible, .rtf = std::move(group)}); }
@@ -237,6 +242,7 @@ void Parser::AddField() {
   field.parent = states_.end()[-2].character.field;
   if (IsFieldTooDeep(field.parent)) {
     ++document_.losses.limits;
+    object_begin_ = kUnknown;
     return KeepInvisible("{\\field" + field.instruction + "}");
   }
   document_.fields.push_back(std::move(field));

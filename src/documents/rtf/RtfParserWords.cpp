@@ -141,7 +141,7 @@ std::string_view Parser::RawWord() const {
 }
 
 void Parser::ReadWord(const ControlWord& word) {
-  if (word.control == Control::Character && decoder_.SkipFallback()) return;
+  if (word.control == Control::Character && decoder_.SkipFallback(token_.end)) return;
   if (word.control != Control::Unicode) decoder_.EndFallback();
   const Destination destination = Top().destination;
   if (word.control_class == ControlClass::Group) {
@@ -186,7 +186,7 @@ void Parser::ReadBodyWord(const ControlWord& word) {
 void Parser::ReadTextWord(const ControlWord& word) {
   switch (word.control) {
     case Control::Paragraph:
-      EndParagraph(Paragraph().TableLevel());
+      EndParagraph(Paragraph().TableLevel(), RtfSource::MarkKind::Paragraph);
       Top().has_only_words = false;
       return;
     case Control::Section:
@@ -196,8 +196,10 @@ void Parser::ReadTextWord(const ControlWord& word) {
       is_first_section_ = false;
       return;
     case Control::InvisibleMark:
+      object_begin_ = token_.begin;
       return KeepInvisible(InBraces(RawWord()));
     case Control::DynamicText: {
+      object_begin_ = token_.begin;
       const bool is_number = word.name == "chpgn" || word.name == "sectnum";
       const std::string_view label = is_number ? "Number" : word.name == "chtime" ? "Time" : "Date";
       return AddObject({.kind = ObjectKind::Placeholder, .rtf = InBraces(RawWord()), .label = std::string(label)});

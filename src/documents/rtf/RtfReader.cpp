@@ -1,5 +1,7 @@
 #include "documents/rtf/RtfReader.h"
 
+#include <limits>
+
 #include "base/Utf8.h"
 #include "documents/rtf/RtfParser.h"
 
@@ -30,15 +32,23 @@ void ReadAsText(std::string_view bytes, const DecodeCodePage& decode, RtfDocumen
   builder.Finish();
 }
 
+void MoveBy(RtfSource& source, std::uint32_t bytes) {
+  if (bytes == 0) return;
+  for (RtfSource::Piece& place : source.pieces) place.begin += bytes, place.end += bytes;
+  for (RtfSource::Mark& place : source.marks) place.begin += bytes, place.end += bytes;
+}
+
 }  // namespace
 
-RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode) {
+RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode, RtfSource* source) {
   RtfDocument document;
   std::string_view rtf = bytes;
   if (rtf.starts_with(kByteOrderMark)) rtf.remove_prefix(kByteOrderMark.size());
   rtf.remove_prefix(std::min(rtf.find_first_not_of(" \t\r\n"), rtf.size()));
   if (rtf.starts_with("{\\rtf")) {
-    Parser(rtf, document, decode).Read();
+    if (bytes.size() >= std::numeric_limits<std::uint32_t>::max()) source = nullptr;
+    Parser(rtf, document, decode, source).Read();
+    if (source != nullptr) MoveBy(*source, static_cast<std::uint32_t>(rtf.data() - bytes.data()));
   } else {
     ReadAsText(bytes, decode, document);
   }

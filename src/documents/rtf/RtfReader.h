@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfSource.h"
 
 namespace tme::rtf {
 
@@ -21,6 +22,7 @@ inline constexpr int kMaxTableLevel = 100;
 
 /// Reads any bytes without failing; what makes no sense is passed over and told in `losses`. One pass, never more than
 /// 20 times the size of the bytes in memory.
-RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode);
+/// source: where it stands, for bytes below 4 GB that are a rich-text file; stays empty else. Null for nobody.
+RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode, RtfSource* source = nullptr);
 
 }  // namespace tme::rtf

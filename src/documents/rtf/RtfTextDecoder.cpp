@@ -10,25 +10,30 @@
 namespace tme::rtf {
 
 void TextDecoder::Read(const Token& token, const TextEncoding& encoding) {
+  end_ = token.begin;
   switch (token.kind) {
     case TokenKind::Text:
       return ReadAscii(token.text, *encoding.page);
     case TokenKind::HighText:
       for (const char byte : token.text) {
-        if (!SkipFallback()) ReadByte(static_cast<unsigned char>(byte), *encoding.page);
+        Advance(end_ + 1);
+        if (!SkipFallback(end_)) ReadByte(static_cast<unsigned char>(byte), *encoding.page);
       }
       return;
     case TokenKind::Hex:
-      if (!SkipFallback()) ReadByte(token.byte, *encoding.page);
+      Advance(token.end);
+      if (!SkipFallback(token.end)) ReadByte(token.byte, *encoding.page);
       return;
     case TokenKind::Symbol:
-      if (!SkipFallback()) ReadSymbol(token.byte, *encoding.page);
+      Advance(token.end);
+      if (!SkipFallback(token.end)) ReadSymbol(token.byte, *encoding.page);
       return;
     case TokenKind::Control:
-      if (token.byte == '\t' && !SkipFallback()) Put('\t');
+      Advance(token.end);
+      if (token.byte == '\t' && !SkipFallback(token.end)) Put('\t');
       return;
     case TokenKind::Binary:
-      SkipFallback();
+      SkipFallback(token.end);
       return;
     default:
       return;
@@ -37,6 +42,8 @@ void TextDecoder::Read(const Token& token, const TextEncoding& encoding) {
 
 void TextDecoder::ReadWord(const ControlWord& word, const Token& token, TextEncoding& encoding) {
   constexpr int kMaxUnicodeSkip = 255;
+  end_ = token.begin;
+  Advance(token.end);
   switch (word.control) {
     case Control::Character:
     case Control::Break:
@@ -53,9 +60,16 @@ void TextDecoder::ReadWord(const ControlWord& word, const Token& token, TextEnco
   }
 }
 
-bool TextDecoder::SkipFallback() {
+/// What is read next is a part of a character that is not complete, or the whole of one.
+void TextDecoder::Advance(std::size_t end) {
+  if (pending_bytes_.empty() && pending_surrogate_ == 0) begin_ = end_;
+  end_ = end;
+}
+
+bool TextDecoder::SkipFallback(std::size_t end) {
   if (fallback_left_ == 0) return false;
   --fallback_left_;
+  if (pending_surrogate_ == 0) sink_.FallbackPassed(end);
   return true;
 }
 
@@ -64,16 +78,24 @@ void TextDecoder::ReadAscii(std::string_view text, CodePage& page) {
     const std::size_t passed = std::min(text.size(), static_cast<std::size_t>(fallback_left_));
     text.remove_prefix(passed);
     fallback_left_ -= static_cast<int>(passed);
+    end_ += passed;
+    if (pending_surrogate_ == 0) sink_.FallbackPassed(end_);
   }
   while (!pending_bytes_.empty() && !text.empty()) {
+    Advance(end_ + 1);
     ReadByte(static_cast<unsigned char>(text.front()), page);
     text.remove_prefix(1);
   }
   if (text.empty()) return;
   if (page.HoldsAscii()) {
-    PutText(text);
-  } else {
-    for (const char byte : text) ReadByte(static_cast<unsigned char>(byte), page);
+    FlushSurrogate();
+    Advance(end_ + text.size());
+    PutText(text, true);
+    return;
+  }
+  for (const char byte : text) {
+    Advance(end_ + 1);
+    ReadByte(static_cast<unsigned char>(byte), page);
   }
 }
 
@@ -145,21 +167,21 @@ void TextDecoder::PutDecoded(std::string_view text) {
   }
 }
 
-void TextDecoder::PutText(std::string_view text) {
+void TextDecoder::PutText(std::string_view text, bool is_plain) {
   FlushSurrogate();
-  sink_.Text(text);
+  sink_.Text(text, {begin_, end_, is_plain});
 }
 
 void TextDecoder::PutUnknown() {
   FlushSurrogate();
-  sink_.UnknownCharacter();
+  sink_.UnknownCharacter({begin_, end_});
 }
 
 /// The other half did not come.
 void TextDecoder::FlushSurrogate() {
   if (pending_surrogate_ == 0) return;
   pending_surrogate_ = 0;
-  sink_.UnknownCharacter();
+  sink_.UnknownCharacter({});
 }
 
 }  // namespace tme::rtf

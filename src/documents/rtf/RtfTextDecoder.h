@@ -19,11 +19,19 @@ struct TextEncoding {
 /// Makes UTF-8 of the tokens that are text: bytes of a code page and \u with its fallback. Internal to the reader.
 class TextDecoder {
  public:
+  /// Where text stands in the file's bytes.
+  struct Place {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    bool is_plain = false;  ///< the bytes are the text
+  };
   class Sink {
    public:
-    virtual void Text(std::string_view text) = 0;
+    virtual void Text(std::string_view text, const Place& place) = 0;
     /// Stands for U+FFFD, where the code page or \u has no character.
-    virtual void UnknownCharacter() = 0;
+    virtual void UnknownCharacter(const Place& place) = 0;
+    /// What was passed over up to here belongs to the last character.
+    virtual void FallbackPassed(std::size_t /*end*/) {}
 
    protected:
     ~Sink() = default;
@@ -40,17 +48,18 @@ class TextDecoder {
 
   /// Ends a character of several bytes that is not complete.
   void Flush();
-  /// Takes what comes next for a part of a fallback; false when none is left to pass over.
-  bool SkipFallback();
+  /// Takes what comes next, up to here, for a part of a fallback; false when none is left to pass over.
+  bool SkipFallback(std::size_t end);
   void EndFallback() { fallback_left_ = 0; }
 
  private:
+  void Advance(std::size_t end);
   void ReadAscii(std::string_view text, CodePage& page);
   void ReadByte(unsigned char byte, CodePage& page);
   void ReadSymbol(unsigned char symbol, CodePage& page);
   void ReadUnicode(std::int32_t value, const TextEncoding& encoding);
   void PutDecoded(std::string_view text);
-  void PutText(std::string_view text);
+  void PutText(std::string_view text, bool is_plain = false);
   void PutUnknown();
   void FlushSurrogate();
 
@@ -58,6 +67,8 @@ class TextDecoder {
   std::string pending_bytes_;       ///< of a character of several bytes
   char32_t pending_surrogate_ = 0;  ///< the high one of a pair; 0: none
   int fallback_left_ = 0;
+  std::size_t begin_ = 0;  ///< of the character, in the file
+  std::size_t end_ = 0;    ///< of what was read of it
 };
 
 }  // namespace tme::rtf

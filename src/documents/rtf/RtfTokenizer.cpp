@@ -21,9 +21,6 @@ constexpr std::array<ByteClass, 256> kClasses = [] {
 
 ByteClass ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
 
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 }  // namespace
 
 int HexDigit(unsigned char character) {
@@ -34,6 +31,11 @@ int HexDigit(unsigned char character) {
 }
 
 void Tokenizer::Next(Token& token) {
+  Take(token);
+  token.end = position_;
+}
+
+void Tokenizer::Take(Token& token) {
   const std::size_t size = bytes_.size();
   while (position_ < size && ClassOf(bytes_[position_]) == ByteClass::LineEnd) ++position_;
   token.begin = position_;

@@ -27,6 +27,7 @@ struct Token {
   unsigned char byte = 0;   ///< of Symbol, Hex and Control
   std::int32_t value = 0;   ///< of Word; what is out of range is the nearest
   std::size_t begin = 0;    ///< where it stands in the bytes
+  std::size_t end = 0;      ///< behind the blank that ends a Word
   std::string_view text{};  ///< the bytes of Text, HighText and Binary; the letters of Word
 
   /// Whether a Word that can be switched off with the number 0 is on.
@@ -53,6 +54,7 @@ class Tokenizer {
   void TakeGroup(std::size_t begin, std::string* raw);
 
  private:
+  void Take(Token& token);
   void TakeControl(Token& token);
   void TakeNumber(Token& token);
 
@@ -61,6 +63,9 @@ class Tokenizer {
   bool cut_short_ = false;
 };
 
+// Of ASCII.
+constexpr bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 /// -1 when it is none.
 int HexDigit(unsigned char character);
 

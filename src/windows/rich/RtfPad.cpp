@@ -10,6 +10,7 @@
 
 #include "documents/rtf/RtfWriter.h"
 #include "documents/search/TextSearch.h"
+#include "files/CodePage.h"
 #include "shell/PlainText.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfExport.h"
@@ -99,9 +100,15 @@ std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfIm
   return simplified;
 }
 
-bool RtfPad::WriteRtf(const PartSink& sink) {
+bool RtfPad::WriteRtf(const PartSink& sink, const rtf::RtfOriginal* original) {
   const RtfExport written(*document(), *store_);
-  return rtf::WriteRtf(written.Document(), sink);
+  const std::optional<std::string> edited =
+      original == nullptr ? std::nullopt : original->WithEdits(written.Document(), BytesToUtf8);
+  return edited ? sink(*edited) : rtf::WriteRtf(written.Document(), sink);
+}
+
+void RtfPad::NoteUnedited(rtf::RtfOriginal& original) {
+  original.SetUnedited(RtfExport(*document(), *store_).Document());
 }
 
 bool RtfPad::WriteText(const PartSink& sink) {

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "base/Parts.h"
+#include "documents/rtf/RtfOriginal.h"
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfStore.h"
@@ -58,8 +59,11 @@ class RtfPad : public QTextEdit, public Pad {
   void Clear();
   /// Null when `step` gave up: the pad is as it was.
   std::optional<RtfSimplified> SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
-  /// The whole document; false when the sink stopped.
-  bool WriteRtf(const PartSink& sink);
+  /// The whole document; false when the sink stopped. original: the file that it was read from, whose bytes are taken
+  /// but for what was edited, where that can be done; null for none.
+  bool WriteRtf(const PartSink& sink, const rtf::RtfOriginal* original = nullptr);
+  /// Before any edit of what was read: the original learns what the view gives back.
+  void NoteUnedited(rtf::RtfOriginal& original);
   /// Without formats, lines ended by CR LF.
   bool WriteText(const PartSink& sink);
   std::string SelectedRtf() const;

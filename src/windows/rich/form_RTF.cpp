@@ -7,6 +7,7 @@
 #include <QScrollBar>
 #include <QToolBar>
 
+#include "documents/rtf/RtfOriginal.h"
 #include "documents/rtf/RtfReader.h"
 #include "files/CodePage.h"
 #include "files/TextEncoding.h"
@@ -137,7 +138,7 @@ void form_RTF::NewRTF() {
   pad->Clear();
   pad->SetBulletIndent(kBulletIndent);
   fallback_font_size_ = 0;
-  read_bytes_.clear();
+  original_.reset();
   ShowNew();
 }
 
@@ -145,8 +146,10 @@ void form_RTF::OpenRTF() {
   const WaitCursor wait_cursor;
   std::optional<std::string> bytes = TakeSlotBytes();
   if (!bytes) return;
-  rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8);
+  rtf::RtfSource source;
+  rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8, &source);
   AddLossNotice(read.losses);
+  auto original = std::make_unique<rtf::RtfOriginal>(std::move(*bytes), read, std::move(source));
   const std::optional<QString> left_out = read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt;
   {
     LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
@@ -156,7 +159,8 @@ void form_RTF::OpenRTF() {
     AddSimplifiedNotice(*simplified);
   }
   pad->SetBulletIndent(kBulletIndent);
-  read_bytes_ = std::move(*bytes);
+  pad->NoteUnedited(*original);
+  original_ = std::move(original);
   read_revision_ = Revision();
   fallback_font_size_ = kOpenedFallbackSize;
   MarkOpened(left_out);
@@ -170,7 +174,7 @@ void form_RTF::OpenRTF() {
 
 void form_RTF::DropContent() {
   pad->Clear();
-  read_bytes_ = {};
+  original_.reset();
 }
 
 void form_RTF::AddLossNotice(const rtf::Losses& losses) {
@@ -217,7 +221,7 @@ SaveDialogTexts form_RTF::SaveTexts() const {
 
 bool form_RTF::HoldsWholeFile() const {
   const bool writes_plain = global_.common_dialog.filter_index == kPlainIndex;
-  const bool is_as_read = !read_bytes_.empty() && read_revision_ == Revision();
+  const bool is_as_read = original_ && read_revision_ == Revision();
   return !writes_plain && (is_as_read || DocumentWindow::HoldsWholeFile());
 }
 
@@ -248,14 +252,13 @@ DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& 
 PartProducer form_RTF::Producer() {
   return [this](const PartSink& put) {
     // Unmodified, the document is what it was read from.
-    if (!read_bytes_.empty() && read_revision_ == Revision()) return put(read_bytes_);
-    return pad->WriteRtf(put);
+    if (original_ && read_revision_ == Revision()) return put(original_->Bytes());
+    return pad->WriteRtf(put, original_.get());
   };
 }
 
 bool form_RTF::WriteRich(const DocumentFile::Target& target) {
   if (!Write(target, nullptr, Producer())) return false;
-  if (read_revision_ != Revision()) read_bytes_ = {};
   return true;
 }
 
@@ -279,7 +282,7 @@ void form_RTF::PutContent(std::string bytes, Holding /*holding*/) {
   AddLossNotice(read.losses);
   AddSimplifiedNotice(*pad->SetRtf(std::move(read)));
   pad->SetBulletIndent(kBulletIndent);
-  read_bytes_ = {};
+  original_.reset();
   SetChanged(true);
 }
 

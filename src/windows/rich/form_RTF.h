@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "windows/text/PadWindow.h"
 
 class QAction;
@@ -12,7 +14,8 @@ class RtfPad;
 struct RtfSimplified;
 namespace rtf {
 struct Losses;
-}
+class RtfOriginal;
+}  // namespace rtf
 
 /// The window of a rich-text document: `Toolbar1` above `pad`.
 class form_RTF : public PadWindow {
@@ -83,8 +86,8 @@ class form_RTF : public PadWindow {
   bool showing_format_ = false;  ///< the buttons take the selection's state, rather than give it theirs
   /// Size in points for the buttons when the selection mixes sizes; 0 in a document that was never opened.
   int fallback_font_size_ = 0;
-  /// The file as it was read, and the revision that it belongs to; empty once it is of no more use.
-  std::string read_bytes_;
+  /// The file as it was read, and the revision that it belongs to; null for a document that was not.
+  std::unique_ptr<rtf::RtfOriginal> original_;
   std::uint64_t read_revision_ = 0;
   /// Keys that went down in the pad and are no command's.
   QList<int> keys_down_;

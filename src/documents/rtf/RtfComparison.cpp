@@ -1,0 +1,166 @@
+#include "documents/rtf/RtfComparison.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace tme::rtf {
+namespace {
+
+bool SameObject(const Object& one, const Object& other) {
+  return one.kind == other.kind && one.rtf == other.rtf && one.picture == other.picture && one.width == other.width &&
+         one.height == other.height;
+}
+
+std::uint32_t ColorOf(const RtfDocument& document, std::uint32_t color) {
+  constexpr std::uint32_t kAutomatic = 0xFF000000;
+  return color == 0 || color >= document.colors.size() ? kAutomatic : document.colors[color];
+}
+
+template <typename Known, typename Same>
+bool Ask(Known& known, std::uint32_t left, std::uint32_t right, Same same) {
+  const auto [place, is_new] = known.try_emplace((std::uint64_t{left} << 32) | right, false);
+  if (is_new) place->second = same();
+  return place->second;
+}
+
+}  // namespace
+
+bool SameTables(const RtfDocument& left, const RtfDocument& right) {
+  const auto same_cell = [](const Cell& one, const Cell& other) {
+    return one.row == other.row && one.right_edge == other.right_edge && one.row_span == other.row_span &&
+           one.column_span == other.column_span;
+  };
+  const auto same_row = [](const Row& one, const Row& other) {
+    return one.table == other.table && one.definition == other.definition;
+  };
+  const auto same_table = [](const Table& one, const Table& other) { return one.parent_cell == other.parent_cell; };
+  return std::ranges::equal(left.cells, right.cells, same_cell) &&
+         std::ranges::equal(left.rows, right.rows, same_row) &&
+         std::ranges::equal(left.tables, right.tables, same_table);
+}
+
+std::vector<std::uint32_t> TextStarts(const RtfDocument& document) {
+  std::vector<std::uint32_t> starts;
+  starts.reserve(document.paragraphs.size());
+  std::uint32_t text = 0;
+  std::size_t run = 0;
+  for (const Paragraph& paragraph : document.paragraphs) {
+    for (; run < paragraph.first_run; ++run) text += document.runs[run].bytes;
+    starts.push_back(text);
+  }
+  return starts;
+}
+
+/// The runs of a paragraph in steps: text of one format, or an object.
+struct RtfComparison::Cursor {
+  const RtfDocument& document;
+  std::size_t run;
+  const std::size_t end;
+  std::size_t text;
+  std::uint32_t used = 0;
+
+  Cursor(const RtfDocument& of, std::size_t paragraph, std::uint32_t text_start)
+      : document(of), run(of.paragraphs[paragraph].first_run), end(of.EndOfRuns(paragraph)), text(text_start) {
+    SkipEmpty();
+  }
+  bool AtEnd() const { return run == end; }
+  const Run& Current() const { return document.runs[run]; }
+  std::uint32_t Left() const { return Current().bytes - used; }
+  std::string_view Text(std::uint32_t size) const { return std::string_view(document.text).substr(text, size); }
+  void Advance(std::uint32_t size) {
+    text += size;
+    used += size;
+    if (Current().object == 0 && used < Current().bytes) return;
+    ++run;
+    used = 0;
+    SkipEmpty();
+  }
+
+ private:
+  void SkipEmpty() {
+    while (run < end && Current().object == 0 && Current().bytes == 0) ++run;
+  }
+};
+
+RtfComparison::RtfComparison(const RtfDocument& left, const RtfDocument& right, const RtfDocument& right_tables,
+                             std::size_t right_fonts)
+    : left_(left),
+      right_(right),
+      right_tables_(right_tables),
+      right_fonts_(right_fonts),
+      left_text_(TextStarts(left)),
+      right_text_(TextStarts(right)) {}
+
+bool RtfComparison::SameParagraph(std::size_t left, std::size_t right) {
+  const Paragraph &one = left_.paragraphs[left], &other = right_.paragraphs[right];
+  if (one.cell != other.cell || !SameParagraphFormat(one.format, other.format) ||
+      !SameCharFormat(one.mark_format, other.mark_format))
+    return false;
+  Cursor one_cursor(left_, left, left_text_[left]), other_cursor(right_, right, right_text_[right]);
+  return SameRuns(one_cursor, other_cursor);
+}
+
+bool RtfComparison::SameRuns(Cursor& left, Cursor& right) {
+  while (!left.AtEnd() && !right.AtEnd()) {
+    const Run &one = left.Current(), &other = right.Current();
+    if ((one.object != 0) != (other.object != 0) || !SameCharFormat(one.format, other.format)) return false;
+    if (one.object != 0 && !SameObject(left_.objects[one.object - 1], right_tables_.objects[other.object - 1]))
+      return false;
+    const std::uint32_t size = one.object != 0 ? 0 : std::min(left.Left(), right.Left());
+    if (left.Text(size) != right.Text(size)) return false;
+    left.Advance(size);
+    right.Advance(size);
+  }
+  return left.AtEnd() && right.AtEnd();
+}
+
+bool RtfComparison::SameCharFormat(std::uint32_t left, std::uint32_t right) {
+  return Ask(char_formats_, left, right, [&] {
+    CharFormat one = left_.char_formats[left];
+    const CharFormat& other = right_tables_.char_formats[right];
+    if (!SameFont(one.font, other.font) || !SameExtra(one.extra, other.extra) || !SameField(one.field, other.field) ||
+        ColorOf(left_, one.color) != ColorOf(right_tables_, other.color) ||
+        ColorOf(left_, one.background) != ColorOf(right_tables_, other.background))
+      return false;
+    one.font = other.font;
+    one.extra = other.extra;
+    one.field = other.field;
+    one.color = other.color;
+    one.background = other.background;
+    return one == other;
+  });
+}
+
+bool RtfComparison::SameParagraphFormat(std::uint32_t left, std::uint32_t right) {
+  return Ask(paragraph_formats_, left, right, [&] {
+    ParagraphFormat one = left_.paragraph_formats[left];
+    const ParagraphFormat& other = right_tables_.paragraph_formats[right];
+    if (!SameExtra(one.extra, other.extra)) return false;
+    one.extra = other.extra;
+    return one == other;
+  });
+}
+
+bool RtfComparison::SameFont(std::uint32_t left, std::uint32_t right) const {
+  const bool is_left_known = left < left_.fonts.size(), is_right_known = right < right_fonts_;
+  if (!is_left_known || !is_right_known) return is_left_known == is_right_known;
+  const Font &one = left_.fonts[left], &other = right_tables_.fonts[right];
+  return one.name == other.name && one.charset == other.charset;
+}
+
+bool RtfComparison::SameExtra(std::uint32_t left, std::uint32_t right) const {
+  const std::string *one = EntryOf(left_.extras, left), *other = EntryOf(right_tables_.extras, right);
+  return (one == nullptr ? std::string_view() : *one) == (other == nullptr ? std::string_view() : *other);
+}
+
+bool RtfComparison::SameField(std::uint32_t left, std::uint32_t right) const {
+  while (left != 0 && right != 0) {
+    const Field &one = left_.fields[left - 1], &other = right_tables_.fields[right - 1];
+    if (one.url != other.url || one.instruction != other.instruction) return false;
+    left = one.parent;
+    right = other.parent;
+  }
+  return left == right;
+}
+
+}  // namespace tme::rtf

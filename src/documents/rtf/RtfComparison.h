@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "documents/rtf/RtfDocument.h"
+
+namespace tme::rtf {
+
+/// Whether cells, rows and tables are the same.
+bool SameTables(const RtfDocument& left, const RtfDocument& right);
+
+/// Compares paragraphs of two documents by what they say: formats by what they are, objects by their bytes. How their
+/// runs are parted does not count. The documents outlive this and do not change.
+class RtfComparison {
+ public:
+  /// right_tables: what the right document's text names; of its fonts the first ones count alone.
+  RtfComparison(const RtfDocument& left, const RtfDocument& right, const RtfDocument& right_tables,
+                std::size_t right_fonts);
+
+  bool SameParagraph(std::size_t left, std::size_t right);
+
+ private:
+  struct Cursor;
+  using Known = std::unordered_map<std::uint64_t, bool>;
+
+  bool SameRuns(Cursor& left, Cursor& right);
+  bool SameCharFormat(std::uint32_t left, std::uint32_t right);
+  bool SameParagraphFormat(std::uint32_t left, std::uint32_t right);
+  bool SameFont(std::uint32_t left, std::uint32_t right) const;
+  bool SameExtra(std::uint32_t left, std::uint32_t right) const;
+  bool SameField(std::uint32_t left, std::uint32_t right) const;
+
+  const RtfDocument& left_;
+  const RtfDocument& right_;
+  const RtfDocument& right_tables_;
+  const std::size_t right_fonts_;
+  const std::vector<std::uint32_t> left_text_;
+  const std::vector<std::uint32_t> right_text_;
+  Known char_formats_;
+  Known paragraph_formats_;
+};
+
+/// Where each paragraph's text begins.
+std::vector<std::uint32_t> TextStarts(const RtfDocument& document);
+
+}  // namespace tme::rtf

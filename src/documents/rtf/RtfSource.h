@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tme::rtf {
+
+/// Where what a document holds stands in the bytes that it was read from. Offsets count bytes.
+struct RtfSource {
+  enum class Kind : std::uint8_t {
+    Plain,   ///< text whose bytes are its characters
+    Coded,   ///< one character, as \'hh, \u or a control word, or of the code page
+    Object,  ///< a group or control word
+    Fixed,   ///< text or an object that stands for something else: its bytes are not to be touched
+  };
+  /// What stands side by side in a paragraph, in its order.
+  struct Piece {
+    std::uint32_t text = 0;  ///< where it begins in RtfDocument::text; it ends where the next one begins
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+    std::uint32_t object = 0;  ///< index into RtfDocument::objects plus 1; 0 for text
+    Kind kind = Kind::Plain;
+    std::uint8_t unicode_skip = 1;  ///< the N of \ucN there
+  };
+  enum class MarkKind : std::uint8_t {
+    Paragraph,  ///< \par, or a line end behind a backslash
+    Fixed,      ///< a cell's end, a section's, or that of the file
+  };
+  /// The end of a paragraph.
+  struct Mark {
+    std::uint32_t first_piece = 0;  ///< the paragraph's pieces end where those of the next one begin
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+    MarkKind kind = MarkKind::Fixed;
+    std::uint8_t unicode_skip = 1;
+  };
+
+  std::vector<Piece> pieces;
+  std::vector<Mark> marks;  ///< by paragraph
+
+  std::size_t EndOfPieces(std::size_t paragraph) const {
+    return paragraph + 1 < marks.size() ? marks[paragraph + 1].first_piece : pieces.size();
+  }
+};
+
+}  // namespace tme::rtf

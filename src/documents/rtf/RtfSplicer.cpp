@@ -1,0 +1,283 @@
+#include "documents/rtf/RtfSplicer.h"
+
+#include <algorithm>
+
+#include "base/Utf8.h"
+#include "documents/rtf/RtfComparison.h"
+
+namespace tme::rtf {
+
+RtfSplicer::RtfSplicer(std::string_view bytes, const RtfDocument& before, const RtfSource& source,
+                       const RtfDocument& after, TableSizes sizes)
+    : before_(before),
+      source_(source),
+      after_(after),
+      sizes_(sizes),
+      plain_(PlainFormat(after)),
+      alphabets_(AlphabetsOf(after.fonts)),
+      before_text_(TextStarts(before)),
+      after_text_(TextStarts(after)),
+      sink_([this](std::string_view part) {
+        snippet_.append(part);
+        return true;
+      }),
+      out_(sink_),
+      patch_(bytes) {}
+
+std::optional<std::string> RtfSplicer::Run(const std::vector<RtfHunk>& hunks) {
+  for (const RtfHunk& hunk : hunks)
+    if (!Splice(hunk)) return std::nullopt;
+  return patch_.Result();
+}
+
+bool RtfSplicer::Splice(RtfHunk hunk) {
+  // What came between two paragraphs needs one to stand in.
+  if (hunk.before_begin == hunk.before_end) {
+    if (hunk.before_end < before_.paragraphs.size()) {
+      ++hunk.before_end;
+      ++hunk.after_end;
+    } else {
+      --hunk.before_begin;
+      --hunk.after_begin;
+    }
+  }
+  std::vector<RtfItem> before = ItemsOf(before_, hunk.before_begin, hunk.before_end, before_text_[hunk.before_begin]);
+  const std::uint32_t after_text = hunk.after_begin < after_text_.size() ? after_text_[hunk.after_begin] : 0;
+  const std::vector<RtfItem> after = ItemsOf(after_, hunk.after_begin, hunk.after_end, after_text);
+  if (!FindPieces(before, hunk.before_begin)) return false;
+  const std::vector<DiffStep> steps = DiffItems(before_, before, after_, after);
+  std::size_t next_before = 0, next_after = 0;
+  for (std::size_t i = 0; i < steps.size();) {
+    const DiffChange change = steps[i].change;
+    std::size_t count = 1;
+    while (i + count < steps.size() && steps[i + count].change == change) ++count;
+    const std::span old_items = std::span(before).subspan(next_before, change == DiffChange::Added ? 0 : count);
+    const std::span new_items = std::span(after).subspan(next_after, change == DiffChange::Removed ? 0 : count);
+    if (change == DiffChange::Added) {
+      const std::optional<Place> place = PlaceFor(before, next_before, new_items);
+      if (!place || !Insert(*place, new_items)) return false;
+    } else if (change == DiffChange::Same) {
+      if (!Keep(old_items, new_items)) return false;
+    } else if (!std::ranges::all_of(old_items, [this](const RtfItem& item) { return Remove(item); })) {
+      return false;
+    }
+    next_before += old_items.size();
+    next_after += new_items.size();
+    i += count;
+  }
+  return true;
+}
+
+/// Finds where items of the document before stand. False when they do not fit the source.
+bool RtfSplicer::FindPieces(std::vector<RtfItem>& items, std::size_t first_paragraph) const {
+  std::size_t piece = source_.marks[first_paragraph].first_piece;
+  for (RtfItem& item : items) {
+    if (item.kind == RtfItem::Kind::Mark) continue;
+    while (piece < source_.pieces.size() && EndsBefore(piece, item)) ++piece;
+    if (piece == source_.pieces.size()) return false;
+    const RtfSource::Piece& found = source_.pieces[piece];
+    const bool is_object = item.kind == RtfItem::Kind::Object;
+    if (is_object ? found.object != item.object : found.object != 0 || found.text > item.text) return false;
+    item.piece = static_cast<std::uint32_t>(piece);
+  }
+  return true;
+}
+
+bool RtfSplicer::EndsBefore(std::size_t piece, const RtfItem& item) const {
+  const RtfSource::Piece& it = source_.pieces[piece];
+  const bool is_object = item.kind == RtfItem::Kind::Object;
+  if (it.object != 0) return !is_object || it.object < item.object;
+  const bool is_last = piece + 1 == source_.pieces.size();
+  return is_object || (is_last ? before_.text.size() : source_.pieces[piece + 1].text) <= item.text;
+}
+
+RtfSplicer::Range RtfSplicer::RangeOf(const RtfItem& item) const {
+  if (item.kind == RtfItem::Kind::Mark) {
+    const RtfSource::Mark& mark = source_.marks[item.paragraph];
+    return {mark.begin, mark.end};
+  }
+  const RtfSource::Piece& piece = source_.pieces[item.piece];
+  if (piece.kind != RtfSource::Kind::Plain) return {piece.begin, piece.end};
+  const std::uint32_t begin = piece.begin + (item.text - piece.text);
+  return {begin, begin + item.size};
+}
+
+bool RtfSplicer::IsFixed(const RtfItem& item) const {
+  if (item.kind == RtfItem::Kind::Mark) return source_.marks[item.paragraph].kind == RtfSource::MarkKind::Fixed;
+  return source_.pieces[item.piece].kind == RtfSource::Kind::Fixed;
+}
+
+bool RtfSplicer::Remove(const RtfItem& item) {
+  if (IsFixed(item)) return false;
+  const auto [begin, end] = RangeOf(item);
+  patch_.Replace(begin, end, {});
+  return true;
+}
+
+bool RtfSplicer::Keep(std::span<const RtfItem> before, std::span<const RtfItem> after) {
+  for (std::size_t i = 0, end = 0; i < before.size(); i = end) {
+    end = i + 1;
+    if (before[i].kind == RtfItem::Kind::Mark) {
+      if (!KeepMark(before[i], after[i])) return false;
+      continue;
+    }
+    const auto goes_on = [&](std::size_t at) {
+      return before[at].kind != RtfItem::Kind::Mark && before[at].format == before[i].format &&
+             after[at].format == after[i].format && RangeOf(before[at]).begin == RangeOf(before[at - 1]).end;
+    };
+    while (end < before.size() && goes_on(end)) ++end;
+    if (before[i].format != after[i].format && !Wrap(before.subspan(i, end - i), after[i].format)) return false;
+  }
+  return true;
+}
+
+/// Puts what stands side by side into a group with another format.
+bool RtfSplicer::Wrap(std::span<const RtfItem> items, std::uint32_t format) {
+  if (std::ranges::any_of(items, [this](const RtfItem& item) { return IsFixed(item); })) return false;
+  out_.Open();
+  if (!WriteFormat(items.front().format, format)) return false;
+  const std::uint32_t begin = RangeOf(items.front()).begin, end = RangeOf(items.back()).end;
+  patch_.Replace(begin, begin, TakeSnippet());
+  patch_.Replace(end, end, "}");
+  return true;
+}
+
+/// The end of a paragraph that has another format stands in a group with it.
+bool RtfSplicer::KeepMark(const RtfItem& before, const RtfItem& after) {
+  const Paragraph& old_paragraph = before_.paragraphs[before.paragraph];
+  const Paragraph& new_paragraph = after_.paragraphs[after.paragraph];
+  if (old_paragraph.cell != new_paragraph.cell) return false;
+  const bool same_format = old_paragraph.format == new_paragraph.format;
+  if (same_format && before.format == after.format) return true;
+  const auto [begin, end] = RangeOf(before);
+  const bool is_group = begin < end;  // the end of the file has no bytes, and nothing behind it
+  if (is_group) out_.Open();
+  WriteParagraphFormat(before.paragraph, same_format ? kSame : new_paragraph.format);
+  if (!WriteFormat(before.format, after.format)) return false;
+  patch_.Replace(begin, begin, TakeSnippet());
+  if (is_group) patch_.Replace(end, end, "}");
+  return true;
+}
+
+std::optional<RtfSplicer::Place> RtfSplicer::PlaceBehind(const RtfItem& item) const {
+  if (item.kind == RtfItem::Kind::Mark || IsFixed(item)) return std::nullopt;
+  return Place{RangeOf(item).end, item.format, item.paragraph, source_.pieces[item.piece].unicode_skip};
+}
+
+std::optional<RtfSplicer::Place> RtfSplicer::PlaceBefore(const RtfItem& item) const {
+  const bool is_mark = item.kind == RtfItem::Kind::Mark;
+  if (!is_mark && IsFixed(item)) return std::nullopt;
+  return Place{RangeOf(item).begin, item.format, item.paragraph,
+               is_mark ? source_.marks[item.paragraph].unicode_skip : source_.pieces[item.piece].unicode_skip};
+}
+
+/// Behind what stands before, or before what comes next, where the format fits better.
+std::optional<RtfSplicer::Place> RtfSplicer::PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
+                                                      std::span<const RtfItem> added) const {
+  const std::uint32_t first = added.front().format;
+  const std::optional<Place> behind = next > 0 ? PlaceBehind(before[next - 1]) : std::nullopt;
+  const std::optional<Place> in_front = next < before.size() ? PlaceBefore(before[next]) : std::nullopt;
+  const bool fits_in_front = in_front && SameField(in_front->format, first);
+  if (!behind || !SameField(behind->format, first)) return fits_in_front ? in_front : std::nullopt;
+  return behind->format != first && fits_in_front && in_front->format == first ? in_front : behind;
+}
+
+bool RtfSplicer::Insert(const Place& place, std::span<const RtfItem> added) {
+  for (std::size_t i = 0, end = 0; i < added.size(); i = end) {
+    end = i + 1;
+    bool is_written = false;
+    switch (added[i].kind) {
+      case RtfItem::Kind::Mark:
+        is_written = InsertMark(place, added[i]);
+        break;
+      case RtfItem::Kind::Object:
+        is_written = InsertObject(place, added[i]);
+        break;
+      case RtfItem::Kind::Text:
+        while (end < added.size() && added[end].kind == RtfItem::Kind::Text && added[end].format == added[i].format)
+          ++end;
+        is_written = InsertText(place, added.subspan(i, end - i));
+        break;
+    }
+    if (!is_written) return false;
+  }
+  patch_.Replace(place.at, place.at, TakeSnippet());
+  return true;
+}
+
+bool RtfSplicer::InsertText(const Place& place, std::span<const RtfItem> text) {
+  const std::uint32_t begin = text.front().text, size = text.back().text + text.back().size - begin;
+  const std::string_view characters = std::string_view(after_.text).substr(begin, size);
+  const std::uint32_t format = text.front().format;
+  const bool says_skip = place.unicode_skip != 1 && utf8::AsciiRun(characters) != characters.size();
+  const bool is_group = format != place.format || says_skip;
+  if (is_group) out_.Open(says_skip ? "\\uc1" : "");
+  if (!WriteFormat(place.format, format)) return false;
+  const std::uint32_t font = after_.char_formats[format].font;
+  out_.Text(characters, alphabets_[font < after_.fonts.size() ? font : plain_.font]);
+  if (is_group) out_.Close();
+  return true;
+}
+
+bool RtfSplicer::InsertObject(const Place& place, const RtfItem& item) {
+  const Object& object = after_.objects[item.object - 1];
+  if (object.rtf.empty()) return false;
+  const bool is_group = item.format != place.format;
+  if (is_group) out_.Open();
+  if (!WriteFormat(place.format, item.format)) return false;
+  out_.Kept(object.rtf);
+  if (is_group) out_.Close();
+  return true;
+}
+
+bool RtfSplicer::InsertMark(const Place& place, const RtfItem& mark) {
+  const Paragraph& old_paragraph = before_.paragraphs[place.paragraph];
+  const Paragraph& new_paragraph = after_.paragraphs[mark.paragraph];
+  if (old_paragraph.cell != new_paragraph.cell) return false;
+  const bool same_format = old_paragraph.format == new_paragraph.format;
+  const bool is_group = !same_format || place.format != mark.format;
+  if (is_group) out_.Open();
+  WriteParagraphFormat(place.paragraph, same_format ? kSame : new_paragraph.format);
+  if (!WriteFormat(place.format, mark.format)) return false;
+  out_.Words("\\par");
+  if (is_group) out_.Close();
+  return true;
+}
+
+bool RtfSplicer::SameField(std::uint32_t one, std::uint32_t other) const {
+  return after_.char_formats[one].field == after_.char_formats[other].field;
+}
+
+/// False when the file's own tables do not name what is new in it.
+bool RtfSplicer::WriteFormat(std::uint32_t from, std::uint32_t to) {
+  if (from == to) return true;
+  const CharFormat &old_format = after_.char_formats[from], &new_format = after_.char_formats[to];
+  const auto is_known = [](std::uint32_t old_index, std::uint32_t new_index, std::size_t size) {
+    return new_index == old_index || new_index < size;
+  };
+  if (!SameField(from, to) || !is_known(old_format.font, new_format.font, sizes_.fonts) ||
+      !is_known(old_format.color, new_format.color, sizes_.colors) ||
+      !is_known(old_format.background, new_format.background, sizes_.colors))
+    return false;
+  WriteCharFormat(after_, plain_, old_format, new_format, out_);
+  return true;
+}
+
+/// format: kSame where it stays.
+void RtfSplicer::WriteParagraphFormat(std::uint32_t paragraph, std::uint32_t format) {
+  if (format == kSame) return;
+  std::int64_t depth = 0;
+  for (std::int32_t cell = before_.paragraphs[paragraph].cell; cell >= 0; ++depth)
+    cell = before_.tables[before_.rows[before_.cells[static_cast<std::size_t>(cell)].row].table].parent_cell;
+  out_.Words("\\pard");
+  if (depth > 0) out_.Words("\\intbl");
+  if (depth > 1) out_.Word("\\itap", depth);
+  out_.Words(ParagraphControls(after_, after_.paragraph_formats[format]));
+}
+
+std::string RtfSplicer::TakeSnippet() {
+  out_.Finish();
+  return std::exchange(snippet_, {});
+}
+
+}  // namespace tme::rtf

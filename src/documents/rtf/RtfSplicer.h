@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfFormatOutput.h"
+#include "documents/rtf/RtfHunks.h"
+#include "documents/rtf/RtfItems.h"
+#include "documents/rtf/RtfOutput.h"
+#include "documents/rtf/RtfPatch.h"
+#include "documents/rtf/RtfSource.h"
+
+namespace tme::rtf {
+
+/// Puts the edits of a document into the bytes of its file. Internal to RtfOriginal.
+class RtfSplicer {
+ public:
+  /// How many entries the file's own tables have.
+  struct TableSizes {
+    std::size_t fonts = 0;
+    std::size_t colors = 0;
+  };
+
+  /// before: text and structure alone; what they name is in the tables of after. All outlive this.
+  RtfSplicer(std::string_view bytes, const RtfDocument& before, const RtfSource& source, const RtfDocument& after,
+             TableSizes sizes);
+
+  /// Once. Null when some edit has no place.
+  std::optional<std::string> Run(const std::vector<RtfHunk>& hunks);
+
+ private:
+  static constexpr std::uint32_t kSame = RtfItem::kNoPiece;
+
+  struct Range {
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+  };
+  /// Where text can come in, and what holds there.
+  struct Place {
+    std::uint32_t at = 0;
+    std::uint32_t format = 0;
+    std::uint32_t paragraph = 0;
+    std::uint8_t unicode_skip = 1;
+  };
+
+  bool Splice(RtfHunk hunk);
+  bool FindPieces(std::vector<RtfItem>& items, std::size_t first_paragraph) const;
+  bool EndsBefore(std::size_t piece, const RtfItem& item) const;
+  Range RangeOf(const RtfItem& item) const;
+  bool IsFixed(const RtfItem& item) const;
+
+  bool Remove(const RtfItem& item);
+  bool Keep(std::span<const RtfItem> before, std::span<const RtfItem> after);
+  bool Wrap(std::span<const RtfItem> items, std::uint32_t format);
+  bool KeepMark(const RtfItem& before, const RtfItem& after);
+
+  std::optional<Place> PlaceBehind(const RtfItem& item) const;
+  std::optional<Place> PlaceBefore(const RtfItem& item) const;
+  std::optional<Place> PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
+                                std::span<const RtfItem> added) const;
+  bool Insert(const Place& place, std::span<const RtfItem> added);
+  bool InsertText(const Place& place, std::span<const RtfItem> text);
+  bool InsertObject(const Place& place, const RtfItem& item);
+  bool InsertMark(const Place& place, const RtfItem& mark);
+
+  bool SameField(std::uint32_t one, std::uint32_t other) const;
+  bool WriteFormat(std::uint32_t from, std::uint32_t to);
+  void WriteParagraphFormat(std::uint32_t paragraph, std::uint32_t format);
+  std::string TakeSnippet();
+
+  const RtfDocument& before_;
+  const RtfSource& source_;
+  const RtfDocument& after_;
+  const TableSizes sizes_;
+  const CharFormat plain_;
+  const std::vector<Alphabet> alphabets_;
+  const std::vector<std::uint32_t> before_text_;
+  const std::vector<std::uint32_t> after_text_;
+  std::string snippet_;
+  const PartSink sink_;
+  RtfOutput out_;
+  Patch patch_;
+};
+
+}  // namespace tme::rtf

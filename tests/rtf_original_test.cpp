@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "RtfProbe.h"
+#include "documents/rtf/RtfOriginal.h"
+
+namespace tme::rtf {
+namespace {
+
+/// Takes bytes out of the text and puts others in, in the format of what stands before, else behind.
+void Type(RtfDocument& document, std::size_t at, std::size_t removed, std::string_view text) {
+  document.text.replace(at, removed, text);
+  std::size_t begin = 0;
+  bool is_typed = false;
+  for (Run& run : document.runs) {
+    const std::size_t end = begin + run.bytes;
+    const std::size_t cut_begin = std::clamp(at, begin, end), cut_end = std::clamp(at + removed, begin, end);
+    const std::size_t cut = cut_end - cut_begin;
+    const bool holds = !is_typed && run.object == 0 && at >= begin && at <= end && removed == cut;
+    run.bytes -= static_cast<std::uint32_t>(cut);
+    if (holds) run.bytes += static_cast<std::uint32_t>(text.size());
+    is_typed = is_typed || holds;
+    begin = end;
+  }
+}
+
+/// Parts a run of the first paragraph that has the text, and gives a part of it another format.
+void Format(RtfDocument& document, std::size_t run, std::uint32_t from, std::uint32_t bytes,
+            const std::function<void(CharFormat&)>& change) {
+  const Run whole = document.runs[run];
+  CharFormat format = document.char_formats[whole.format];
+  change(format);
+  document.char_formats.push_back(format);
+  const auto number = static_cast<std::uint32_t>(document.char_formats.size() - 1);
+  document.runs[run].bytes = from;
+  document.runs.insert(document.runs.begin() + static_cast<std::ptrdiff_t>(run) + 1,
+                       {{bytes, number, 0}, {whole.bytes - from - bytes, whole.format, 0}});
+  for (Paragraph& paragraph : document.paragraphs)
+    if (paragraph.first_run > run) paragraph.first_run += 2;
+}
+
+/// Ends a paragraph behind the first runs of one.
+void Split(RtfDocument& document, std::size_t paragraph, std::uint32_t run, std::uint32_t bytes) {
+  const Run whole = document.runs[run];
+  document.runs[run].bytes = bytes;
+  document.runs.insert(document.runs.begin() + run + 1, {whole.bytes - bytes, whole.format, 0});
+  const auto place = document.paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph);
+  for (auto later = place + 1; later != document.paragraphs.end(); ++later) ++later->first_run;
+  Paragraph second = *place;
+  second.first_run = run + 1;
+  place->mark_format = whole.format;
+  document.paragraphs.insert(place + 1, second);
+}
+
+void Join(RtfDocument& document, std::size_t paragraph) {
+  const auto place = document.paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph);
+  place->format = place[1].format;
+  place->mark_format = place[1].mark_format;
+  document.paragraphs.erase(place + 1);
+}
+
+constexpr std::string_view kBeforeBody = "{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0 Arial;}}{\\*\\unknown x}";
+
+/// What an edit makes of a file; "refused" where it has no place.
+std::string Edited(std::string_view body, const std::function<void(RtfDocument&)>& edit) {
+  const std::string bytes = std::string(kBeforeBody).append(body);
+  RtfSource source;
+  const RtfDocument read = ReadRtf(bytes, BytesToUtf8, &source);
+  RtfOriginal original(bytes, read, std::move(source));
+  original.SetUnedited(read);
+  EXPECT_EQ(original.WithEdits(read, BytesToUtf8), bytes) << "nothing was edited";
+  RtfDocument edited = read;
+  edit(edited);
+  const std::optional<std::string> result = original.WithEdits(edited, BytesToUtf8);
+  if (!result) return "refused";
+  EXPECT_TRUE(result->starts_with(kBeforeBody)) << *result;
+  return result->substr(std::min(kBeforeBody.size(), result->size()));
+}
+
+TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
+  const auto type = [](std::size_t at, std::size_t removed, std::string_view text) {
+    return [=](RtfDocument& document) { Type(document, at, removed, text); };
+  };
+  const auto bold = [](CharFormat& format) { format.bold = true; };
+  struct Case {
+    const char* before;
+    std::function<void(RtfDocument&)> edit;
+    const char* after;
+  };
+  const Case cases[] = {
+      {"\\pard ab\\par}", type(1, 0, "x"), "\\pard axb\\par}"},
+      {"\\pard\\b\\par}", type(0, 0, "x"), "\\pard\\b\\par}"},
+      {"\\pard\r\na\\'e9b\\par}", type(3, 0, "\xE2\x82\xAC"), "\\pard\r\na\\'e9\\u8364?b\\par}"},
+      {"\\uc0 a\\u8364 b\\par}", type(4, 0, "\xE2\x82\xAC"), "\\uc0 a\\u8364 {\\uc1\\u8364?}b\\par}"},
+      {"a\\u233\\'e9b\\par}", type(1, 2, ""), "ab\\par}"},
+      {"a\\b\\'e9bc\\par}", type(1, 2, ""), "a\\b bc\\par}"},
+      {"a{\\*\\bkmkstart q}bc{\\*\\bkmkend q}\\par}", type(2, 1, ""), "a{\\*\\bkmkstart q}b{\\*\\bkmkend q}\\par}"},
+      {"a{\\field{\\*\\fldinst PAGE}{\\fldrslt 12}}b\\par}", type(2, 0, "0"),
+       "a{\\field{\\*\\fldinst PAGE}{\\fldrslt 102}}b\\par}"},
+      {"{\\revised\\i abc}\\par}", [&](RtfDocument& it) { Format(it, 0, 1, 1, bold); },
+       "{\\revised\\i a{\\b b}c}\\par}"},
+      {"ab\\'e9cd\\par}", [&](RtfDocument& it) { Format(it, 0, 1, 4, bold); }, "a{\\b b\\'e9c}d\\par}"},
+      {"\\qc abcd\\par x\\par}", [](RtfDocument& it) { Split(it, 0, 0, 2); }, "\\qc ab\\par cd\\par x\\par}"},
+      {"ab\\par\\keepn cd\\par}", [](RtfDocument& it) { Join(it, 0); }, "ab\\keepn cd\\par}"},
+      {"ab\\par cd\\par}",
+       [](RtfDocument& it) {
+         ParagraphFormat centered = it.paragraph_formats[it.paragraphs[0].format];
+         centered.alignment = Alignment::Center;
+         it.paragraph_formats.push_back(centered);
+         it.paragraphs[0].format = static_cast<std::uint32_t>(it.paragraph_formats.size() - 1);
+       },
+       "ab{\\pard\\qc\\par }cd\\par}"},
+      {"\\trowd\\cellx900\\pard\\intbl ab\\cell\\row\\pard c\\par}", type(1, 0, "x"),
+       "\\trowd\\cellx900\\pard\\intbl axb\\cell\\row\\pard c\\par}"},
+      {"\\trowd\\cellx900\\pard\\intbl ab\\cell\\row\\pard c\\par}",
+       [](RtfDocument& it) { it.rows[0].definition = "\\trowd\\cellx950"; }, "refused"},
+      {"ab\\par}",
+       [](RtfDocument& it) {
+         it.fonts.push_back({.number = 7, .name = "Other", .family = "nil", .charset = 0});
+         Format(it, 0, 0, 1, [](CharFormat& format) { format.font = 1; });
+       },
+       "refused"},
+  };
+  for (const Case& it : cases) EXPECT_EQ(Edited(it.before, it.edit), it.after) << it.before;
+}
+
+}  // namespace
+}  // namespace tme::rtf
