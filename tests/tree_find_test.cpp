@@ -1,3 +1,4 @@
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
@@ -7,6 +8,7 @@
 #include <QTreeView>
 
 #include "KindsEditor.h"
+#include "WaitFor.h"
 #include "documents/search/TreeSearch.h"
 #include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
@@ -90,6 +92,9 @@ TEST_F(TreeFind, FindsWhileTypingAndGoesRoundTheHits) {
   EXPECT_EQ(Current(tree), u"name=a");
   QTest::keyClick(box, Qt::Key_Return, Qt::ShiftModifier);
   EXPECT_EQ(State(window), u"3 of 3");
+  Select(window, {u"one"_s, u"name=a"_s});
+  EXPECT_EQ(State(window), u"1 of 3");
+  Choose("menu_SearchPrevious");
   Choose("menu_SearchPrevious");
   EXPECT_EQ(Current(tree), u"; name");
   Toggle(window, "find_case");
@@ -126,7 +131,7 @@ TEST_F(TreeFind, LooksWhereItIsTold) {
   EXPECT_EQ(State(window), u"3 of 3");
   Type(window, u"("_s);
   EXPECT_TRUE(Child<QLabel>(window, "find_error")->isVisible());
-  EXPECT_TRUE(Child<QLabel>(window, "find_error")->text().contains(u"2"));
+  EXPECT_TRUE(Child<QLabel>(window, "find_error")->text().contains(u"at its end"));
   EXPECT_EQ(State(window), u"");
 }
 
@@ -182,9 +187,30 @@ TEST_F(TreeFind, FindsInTheRegistryAndInAllOpenDocuments) {
   QTest::keyClick(list, Qt::Key_Return);
   EXPECT_EQ(Current(Child<QTreeView>(Ini(), "TV")), u"other=The Name");
   EXPECT_EQ(global_.area.ActiveDocument(), &Ini());
+  // The search goes on there, and back.
+  Settle();
+  WaitFor([&] { return State(Ini()) == u"3 of 3, 6 in all documents"; });
+  Choose("menu_SearchAgain");
+  EXPECT_EQ(global_.area.ActiveDocument(), &window);
+  EXPECT_EQ(Current(keys), u"Name");
+  // What is chosen in the list is replaced, wherever it stands.
+  Choose("menu_SearchReplace");
+  list->setCurrentIndex(list->model()->index(5, 0));
+  WaitFor([&] { return State(window) == u"6 of 6 in all documents"; });
+  Child<QLineEdit>(window, "replace_text")->setText(u"X"_s);
+  Child<QToolButton>(window, "replace_one")->click();
+  EXPECT_EQ(Ini().Content(), "[one]\nname=a\n[two]\n; name\nother=The X\n");
+  EXPECT_FALSE(window.Document().CanUndo());
+  Ini().EditUndo();
+  Settle();
+  Ini().SaveFile();
   Ini().FileClose();
   Settle();
   EXPECT_EQ(list->model()->rowCount(), 3);
+  // Closed with a value selected by the bar.
+  list->setCurrentIndex(list->model()->index(2, 0));
+  window.FileClose();
+  EXPECT_FALSE(Child<QWidget>(window, "find_bar")->isVisible());
 }
 
 TEST_F(TreeFind, TheBarFitsIntoANarrowWindow) {
@@ -202,6 +228,25 @@ TEST_F(TreeFind, TheBarFitsIntoANarrowWindow) {
   }
 }
 
+TEST_F(TreeFind, ManyHitsAndDearExpressionsLeaveTheWindowFree) {
+  std::string bytes = "REGEDIT4\n\n[HKEY_USERS\\k]\n\"n\"=hex:00";
+  for (int i = 0; i < 20'000; ++i) bytes += ",00";
+  for (int i = 0; i < 2'000; ++i) bytes += "\n\"k" + std::to_string(i) + "\"=\"" + std::string(40, 'a') + "!\"";
+  form_REG& window = OpenReg(bytes + "\n");
+  QElapsedTimer time;
+  time.start();
+  Choose("menu_SearchFind");
+  Type(window, u"0"_s);
+  window.grab();
+  Toggle(window, "find_pattern");
+  Type(window, u"(a|aa)+$"_s);
+  window.grab();
+  Choose("menu_SearchAgain");
+  EXPECT_LT(time.elapsed(), 10'000);
+  WaitFor([&] { return State(window) == u"No hits"; });
+  EXPECT_TRUE(Child<QLabel>(window, "find_error")->isVisible());
+}
+
 TEST(PatternMatcher, FindsAndReplacesBytesOfAnyText) {
   const PatternMatcher word(u"(\\w+)=(\\d)"_s, SearchCase::Ignore, SearchWords::Any);
   std::vector<TextMatch> matches;
@@ -210,6 +255,10 @@ TEST(PatternMatcher, FindsAndReplacesBytesOfAnyText) {
   EXPECT_EQ(matches[0].start, 9U);
   EXPECT_EQ(matches[0].end, 13U);
   EXPECT_EQ(word.Replaced("\xFF é=1, ß=2", "\\2\\\\\\1\\n", std::nullopt), "\xFF 1\\é\\n, 2\\ß\\n");
+  EXPECT_EQ(PatternMatcher(u"(.*)=(x)?"_s, SearchCase::Match, SearchWords::Any).Replaced("\xFEé=", "\\2\\1", {}),
+            "\xFEé");
+  EXPECT_FALSE(PatternMatcher(u"a)(b"_s, SearchCase::Match, SearchWords::Whole).IsValid());
+  EXPECT_EQ(PatternMatcher(u"abc\\"_s, SearchCase::Match, SearchWords::Whole).ErrorOffset(), 4);
   EXPECT_EQ(word.Replaced("a=1, b=2", "x", std::size_t{5}), "a=1, x");
   EXPECT_EQ(PatternMatcher(u"x*"_s, SearchCase::Ignore, SearchWords::Any).Replaced("abc", "y", std::nullopt),
             std::nullopt);

@@ -2,19 +2,27 @@
 
 namespace tme {
 
-std::optional<std::string> PlainMatcher::Replaced(std::string_view text, std::string_view with,
-                                                  std::optional<std::size_t> only) const {
-  std::vector<TextMatch> matches;
-  search_.FindAll(text, matches);
-  if (only) std::erase_if(matches, [only](const TextMatch& match) { return match.start != *only; });
-  if (matches.empty()) return std::nullopt;
+std::optional<std::string> TextMatcher::Replaced(std::string_view text, std::string_view with,
+                                                 std::optional<std::size_t> only) const {
+  const std::vector<TextChange> changes = ChangesIn(text, with, only);
+  if (changes.empty()) return std::nullopt;
   std::string replaced;
   std::size_t at = 0;
-  for (const TextMatch& match : matches) {
-    replaced.append(text.substr(at, match.start - at)).append(with);
-    at = match.end;
+  for (const TextChange& change : changes) {
+    replaced.append(text.substr(at, change.match.start - at)).append(change.with);
+    at = change.match.end;
   }
   return replaced.append(text.substr(at));
+}
+
+std::vector<TextChange> PlainMatcher::ChangesIn(std::string_view text, std::string_view with,
+                                                std::optional<std::size_t> only) const {
+  std::vector<TextMatch> matches;
+  search_.FindAll(text, matches);
+  std::vector<TextChange> changes;
+  for (const TextMatch& match : matches)
+    if (!only || match.start == *only) changes.push_back({match, std::string(with)});
+  return changes;
 }
 
 }  // namespace tme

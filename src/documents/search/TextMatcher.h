@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,19 +11,30 @@
 
 namespace tme {
 
+/// A match, and what comes in its place.
+struct TextChange {
+  TextMatch match;
+  std::string with;
+};
+
 /// What is sought, looked for in short texts of UTF-8.
 class TextMatcher {
  public:
   virtual ~TextMatcher() = default;
 
-  /// Appends the matches in their order. None is empty, and each lies behind the one before.
-  virtual void FindAll(std::string_view text, std::vector<TextMatch>& matches) const = 0;
-  /// The text with another one in the place of its matches, or of the one that starts at `only`; null where nothing is
-  /// replaced.
-  virtual std::optional<std::string> Replaced(std::string_view text, std::string_view with,
-                                              std::optional<std::size_t> only) const = 0;
+  /// Appends the matches in their order. None is empty, and each lies behind the one before. Those that start at
+  /// `end` or behind it may be left out; what stands there still counts for the others.
+  virtual void FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end = SIZE_MAX) const = 0;
+  /// The matches of a text with what each of them becomes, or the one that starts at `only`.
+  virtual std::vector<TextChange> ChangesIn(std::string_view text, std::string_view with,
+                                            std::optional<std::size_t> only) const = 0;
+  /// The text with these changes; null without one.
+  std::optional<std::string> Replaced(std::string_view text, std::string_view with,
+                                      std::optional<std::size_t> only) const;
   /// Whether many texts with NUL characters between them are searched as one, which is quicker.
   virtual bool TakesManyTexts() const { return false; }
+  /// Whether texts were left that took too long.
+  virtual bool HasGivenUp() const { return false; }
 };
 
 /// A text as it stands.
@@ -31,11 +43,11 @@ class PlainMatcher final : public TextMatcher {
   PlainMatcher(std::string_view wanted, SearchCase search_case, SearchWords words)
       : search_(wanted, search_case, words) {}
 
-  void FindAll(std::string_view text, std::vector<TextMatch>& matches) const override {
-    search_.FindAll(text, matches);
+  void FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end) const override {
+    search_.FindAll(text, matches, end);
   }
-  std::optional<std::string> Replaced(std::string_view text, std::string_view with,
-                                      std::optional<std::size_t> only) const override;
+  std::vector<TextChange> ChangesIn(std::string_view text, std::string_view with,
+                                    std::optional<std::size_t> only) const override;
   bool TakesManyTexts() const override { return true; }
 
  private:

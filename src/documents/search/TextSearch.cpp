@@ -216,11 +216,12 @@ std::optional<TextMatch> TextSearch::Find(std::string_view text, std::size_t fro
   return FindBy(ChooseAnchor(text.substr(from, to - from)), text, from, to);
 }
 
-void TextSearch::FindAll(std::string_view text, std::vector<TextMatch>& matches) const {
+void TextSearch::FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end) const {
   if (characters_.empty() || text.empty()) return;
   const Anchor anchor = ChooseAnchor(text);
   std::size_t from = 0;
   while (const std::optional<TextMatch> match = FindBy(anchor, text, from, text.size())) {
+    if (match->start >= end) return;
     matches.push_back(*match);
     from = match->end;
   }

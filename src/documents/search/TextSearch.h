@@ -35,8 +35,8 @@ class TextSearch {
   std::optional<TextMatch> Find(std::string_view text, std::size_t from, std::size_t to) const;
   /// The same in UTF-16 text, positions in its units; U+2028 and U+2029 are line ends here. Converts the range once.
   std::optional<TextMatch> Find(std::u16string_view text, std::size_t from, std::size_t to) const;
-  /// Appends all matches in UTF-8 text in their order, each behind the end of the one before.
-  void FindAll(std::string_view text, std::vector<TextMatch>& matches) const;
+  /// Appends all matches in UTF-8 text in their order, each behind the end of the one before, that start before `end`.
+  void FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end = SIZE_MAX) const;
 
  private:
   /// One character of the search text: the byte strings that it may be, none of them the end or beginning of another

@@ -8,6 +8,7 @@ namespace tme {
 void SearchBatch::Clear() {
   bytes_.clear();
   texts_.clear();
+  searched_ = 0;
 }
 
 void SearchBatch::AddHit(const Text& text, const TextMatch& match, std::deque<SearchHit>& hits) const {
@@ -18,19 +19,26 @@ void SearchBatch::AddHit(const Text& text, const TextMatch& match, std::deque<Se
                   .field = text.field});
 }
 
-void SearchBatch::FindAll(const TextMatcher& matcher, std::deque<SearchHit>& hits) {
-  const std::string_view bytes = bytes_;
-  matches_.clear();
-  if (!matcher.TakesManyTexts()) {
-    for (std::size_t index = 0; index < texts_.size(); ++index) {
-      matches_.clear();
-      const Text& text = texts_[index];
-      matcher.FindAll(bytes.substr(text.start, EndOf(index) - text.start), matches_);
-      for (const TextMatch& match : matches_) AddHit(text, match, hits);
-    }
-    return;
+bool SearchBatch::FindAll(const TextMatcher& matcher, Clock::time_point until, std::deque<SearchHit>& hits) {
+  if (matcher.TakesManyTexts()) {
+    FindAtOnce(matcher, hits);
+    return true;
   }
-  matcher.FindAll(bytes, matches_);
+  const std::string_view bytes = bytes_;
+  while (searched_ < texts_.size()) {
+    matches_.clear();
+    const Text& text = texts_[searched_];
+    matcher.FindAll(bytes.substr(text.start, EndOf(searched_) - text.start), matches_);
+    for (const TextMatch& match : matches_) AddHit(text, match, hits);
+    ++searched_;
+    if (searched_ % kTextsBetweenLooks == 0 && Clock::now() >= until) break;
+  }
+  return searched_ == texts_.size();
+}
+
+void SearchBatch::FindAtOnce(const TextMatcher& matcher, std::deque<SearchHit>& hits) {
+  matches_.clear();
+  matcher.FindAll(bytes_, matches_);
   std::size_t index = 0;
   for (const TextMatch& match : matches_) {
     while (EndOf(index) <= match.start) ++index;
@@ -43,16 +51,22 @@ void TreeSearch::Start(SearchFields fields, std::shared_ptr<const TextMatcher> m
   matcher_ = std::move(matcher);
   fields_ = fields;
   hits_ = {};
+  batch_.Clear();
+  is_batch_done_ = true;
+  is_filled_ = false;
   is_done_ = matcher_ == nullptr;
   source_->Restart();
 }
 
 bool TreeSearch::GoOn(std::chrono::steady_clock::time_point until) {
   while (!is_done_) {
-    batch_.Clear();
-    is_done_ = !source_->Fill(fields_, batch_);
-    batch_.FindAll(*matcher_, hits_);
-    if (std::chrono::steady_clock::now() >= until) break;
+    if (is_batch_done_) {
+      batch_.Clear();
+      is_filled_ = !source_->Fill(fields_, batch_);
+    }
+    is_batch_done_ = batch_.FindAll(*matcher_, until, hits_);
+    is_done_ = is_batch_done_ && is_filled_;
+    if (SearchBatch::Clock::now() >= until) break;
   }
   return !is_done_;
 }

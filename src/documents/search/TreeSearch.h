@@ -52,6 +52,8 @@ struct SearchHit {
 /// Texts of places, in their order, that are searched at once.
 class SearchBatch {
  public:
+  using Clock = std::chrono::steady_clock;
+
   void Clear();
   void Add(const SearchPlace& place, SearchField field, std::string_view text) {
     if (text.empty()) return;
@@ -59,13 +61,15 @@ class SearchBatch {
     bytes_.append(text).push_back('\0');
   }
   bool IsFull() const { return bytes_.size() >= kFullBytes || texts_.size() >= kFullTexts; }
-  /// Adds the hits.
-  void FindAll(const TextMatcher& matcher, std::deque<SearchHit>& hits);
+  /// Adds the hits. Returns false when it is late and texts are left, which the next call goes on with.
+  bool FindAll(const TextMatcher& matcher, Clock::time_point until, std::deque<SearchHit>& hits);
 
  private:
   /// Some tenths of a millisecond.
   static constexpr std::size_t kFullBytes = std::size_t{1} << 16;
   static constexpr std::size_t kFullTexts = 2048;
+  /// A text may cost a matcher a millisecond, and a look at the clock as much as a short text.
+  static constexpr std::size_t kTextsBetweenLooks = 4;
 
   struct Text {
     SearchPlace place;
@@ -76,12 +80,15 @@ class SearchBatch {
   std::size_t EndOf(std::size_t text) const {
     return (text + 1 < texts_.size() ? texts_[text + 1].start : bytes_.size()) - 1;
   }
+  void FindAtOnce(const TextMatcher& matcher, std::deque<SearchHit>& hits);
   void AddHit(const Text& text, const TextMatch& match, std::deque<SearchHit>& hits) const;
 
   /// With a NUL behind each text.
   std::string bytes_;
   std::vector<Text> texts_;
   std::vector<TextMatch> matches_;
+  /// How many of the texts.
+  std::size_t searched_ = 0;
 };
 
 /// The places of a tree in the order in which they are shown, for one search. Not to be used once the tree has changed
@@ -103,7 +110,7 @@ class TreeSearch {
 
   /// Begins anew; what was found is forgotten. matcher: null finds nothing.
   void Start(SearchFields fields, std::shared_ptr<const TextMatcher> matcher);
-  /// Searches until then, and at least one batch. Returns false once all is searched.
+  /// Searches until then, and at least a few texts. Returns false once all is searched.
   bool GoOn(std::chrono::steady_clock::time_point until);
   bool IsDone() const { return is_done_; }
   /// In the order of their places. They hold until the tree changes.
@@ -117,6 +124,9 @@ class TreeSearch {
   SearchFields fields_ = 0;
   SearchBatch batch_;
   std::deque<SearchHit> hits_;
+  bool is_batch_done_ = true;
+  /// Nothing comes behind the batch.
+  bool is_filled_ = false;
   bool is_done_ = true;
 };
 

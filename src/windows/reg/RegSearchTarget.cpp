@@ -72,8 +72,9 @@ SearchPlace RegSearchTarget::Selected() const {
   SearchPlace place{document_.Selected()};
   if (current.isValid() && views_.list.selectionModel()->isSelected(current)) {
     const std::size_t record = views_.values.RecordOf(current);
-    // Keys of one path show the values of all of them.
-    place = {document_.Values()[record].owner, static_cast<std::uint32_t>(record)};
+    // Keys of one path show the values of all of them. The list may show what a document that was closed had.
+    if (record < document_.Values().size())
+      place = {document_.Values()[record].owner, static_cast<std::uint32_t>(record)};
   }
   return place;
 }

@@ -63,6 +63,8 @@ FindBar::FindBar(TreeFinder& finder, const std::vector<SearchTarget::Field>& fie
   error_->hide();
   rows->addWidget(error_);
   connect(&finder_, &TreeFinder::Progressed, this, &FindBar::ShowState);
+  // What was said was about what there was.
+  connect(&finder_, &TreeFinder::Restarted, this, [this] { Say(finder_.Error()); });
   hide();
 }
 
@@ -135,7 +137,7 @@ void FindBar::AddLookIn(const std::vector<SearchTarget::Field>& fields) {
   auto* menu = new QMenu(button);
   menu->setAccessibleName(tr("Look In"));
   for (const SearchTarget::Field& field : fields) {
-    QAction* action = menu->addAction(MenuText(field.caption));
+    QAction* action = menu->addAction(field.caption);
     action->setCheckable(true);
     action->setChecked(true);
     connect(action, &QAction::toggled, this, &FindBar::ChangeQuery);
@@ -148,8 +150,8 @@ void FindBar::AddLookIn(const std::vector<SearchTarget::Field>& fields) {
 
 void FindBar::AddScopes(QMenu& menu) {
   auto* scopes = new QActionGroup(&menu);
-  this_document_ = menu.addAction(tr("This Document"));
-  all_documents_ = menu.addAction(tr("All Open Documents"));
+  this_document_ = menu.addAction(tr("&This Document"));
+  all_documents_ = menu.addAction(tr("&All Open Documents"));
   for (QAction* action : {this_document_, all_documents_}) {
     action->setCheckable(true);
     scopes->addAction(action);
@@ -162,6 +164,20 @@ void FindBar::Open(const FindQuery& query) {
   if (!isHidden()) return;
   replace_row_->hide();
   ShowQuery(query);
+  show();
+  ChangeQuery();
+}
+
+void FindBar::OpenWith(const FindBar& other) {
+  const FindQuery& query = other.finder_.Query();
+  {
+    const QScopedValueRollback showing(is_showing_, true);
+    ShowQuery(query);
+    for (const FieldAction& field : fields_) field.action->setChecked((query.left_out & FieldBit(field.field)) == 0);
+    (query.scope == FindScope::AllDocuments ? all_documents_ : this_document_)->setChecked(true);
+    replace_text_->setText(other.ReplaceText());
+  }
+  replace_row_->setVisible(!other.replace_row_->isHidden());
   show();
   ChangeQuery();
 }
@@ -213,14 +229,16 @@ void FindBar::ChangeQuery() {
 
 QString FindBar::CountText() const {
   const std::size_t count = finder_.Hits().size(), all = finder_.FoundCount();
+  const auto number = [](std::size_t of) { return QLocale().toString(static_cast<qulonglong>(of)); };
   if (!finder_.Matcher() || (all == 0 && finder_.IsSearching())) return {};
-  const QString counted = QLocale().toString(static_cast<qulonglong>(count));
+  const std::optional<std::size_t> chosen = finder_.Chosen();
+  if (chosen && *chosen >= count) return tr("%1 of %2 in all documents").arg(number(*chosen + 1), number(all));
   QString text;
-  if (const std::optional<std::size_t> present = finder_.Present())
-    text = tr("%1 of %2").arg(QLocale().toString(static_cast<qulonglong>(*present + 1)), counted);
+  if (chosen)
+    text = tr("%1 of %2").arg(number(*chosen + 1), number(count));
   else
     text = count == 0 ? tr("No hits") : Counted(count, tr("1 hit"), tr("%1 hits"));
-  if (all > count) text = tr("%1, %2 in all documents").arg(text, QLocale().toString(static_cast<qulonglong>(all)));
+  if (all > count) text = tr("%1, %2 in all documents").arg(text, number(all));
   return text;
 }
 
@@ -229,17 +247,31 @@ void FindBar::ShowState() {
     count_->setText(text);
     count_->setAccessibleName(text);
   }
+  if (const auto& matcher = finder_.Matcher(); matcher && matcher->HasGivenUp() && error_->isHidden())
+    Say(tr("Some texts take this expression too long; not all in them is found."));
 }
 
 bool FindBar::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::KeyPress) return QFrame::eventFilter(watched, event);
   const auto* key = static_cast<QKeyEvent*>(event);
+  if (key->key() == Qt::Key_Down && key->modifiers() == Qt::NoModifier) {
+    emit ListFocusWanted();
+    return true;
+  }
   if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) return QFrame::eventFilter(watched, event);
   if (key->modifiers().testFlag(Qt::ShiftModifier))
     emit PreviousWanted();
   else
     emit NextWanted();
   return true;
+}
+
+/// The rows go on below in a narrow bar, for which a layout does not ask by itself.
+bool FindBar::event(QEvent* event) {
+  const bool is_handled = QFrame::event(event);
+  if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)
+    setMinimumHeight(layout()->totalHeightForWidth(width()));
+  return is_handled;
 }
 
 }  // namespace tme

@@ -23,6 +23,8 @@ class FindBar : public QFrame {
 
   /// Shows the bar with this query, and searches. Where it is shown already the query stays.
   void Open(const FindQuery& query);
+  /// The same with the query of another document's bar, whatever it showed.
+  void OpenWith(const FindBar& other);
   /// The focus into the text, all of it selected.
   void FocusText();
   /// As the list is shown or not.
@@ -37,12 +39,15 @@ class FindBar : public QFrame {
   void NextWanted();
   void PreviousWanted();
   void ListWanted(bool is_wanted);
+  /// The focus into the list.
+  void ListFocusWanted();
   void CloseWanted();
   void ReplaceWanted();
   void ReplaceAllWanted();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  bool event(QEvent* event) override;
 
  private:
   void BuildText();

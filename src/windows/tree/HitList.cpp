@@ -12,7 +12,8 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr int kNameColumnCharacters = 20;
+/// Of the width, in per cent, so that the data are in sight.
+constexpr int kNameShare = 25, kPathShare = 25, kDataShare = 30;
 
 }  // namespace
 
@@ -25,13 +26,10 @@ HitList::HitList(TreeFinder& finder, QWidget* parent)
   setAllColumnsShowFocus(true);
   setEditTriggers(NoEditTriggers);
   setModel(rows_);
-  setItemDelegate(new HitMarks([this](const QModelIndex& index) { return rows_->MarksOf(index); }, this));
+  setItemDelegate(new HitMarks([this](const QModelIndex& index, qsizetype) { return rows_->MarksOf(index); }, this));
   header()->setSectionsMovable(false);
   // By the rows in sight, or a million would be measured.
   header()->setResizeContentsPrecision(0);
-  const int width = fontMetrics().averageCharWidth() * kNameColumnCharacters;
-  header()->resizeSection(HitListModel::Name, width);
-  header()->resizeSection(HitListModel::Path, width);
   ShowColumns();
   connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex& current) {
     if (!is_following_ && current.isValid()) finder_.Show(static_cast<std::size_t>(current.row()));
@@ -48,12 +46,25 @@ void HitList::ShowColumns() {
 }
 
 void HitList::Follow() {
-  const std::optional<std::size_t> present = finder_.Present();
+  const std::optional<std::size_t> present = finder_.Chosen();
   if (!present || *present >= static_cast<std::size_t>(rows_->rowCount())) return;
   const QModelIndex index = rows_->index(static_cast<int>(*present), 0);
   if (index.row() == currentIndex().row()) return;
   const QScopedValueRollback following(is_following_, true);
   setCurrentIndex(index);
+}
+
+void HitList::resizeEvent(QResizeEvent* event) {
+  QTreeView::resizeEvent(event);
+  const int old_width = event->oldSize().width(), width = event->size().width();
+  if (old_width == width) return;
+  const auto resize_column = [&](HitListModel::Column column, int share) {
+    const int before = old_width > 0 ? header()->sectionSize(column) : share;
+    header()->resizeSection(column, before * width / (old_width > 0 ? old_width : 100));
+  };
+  resize_column(HitListModel::Name, kNameShare);
+  resize_column(HitListModel::Path, kPathShare);
+  resize_column(HitListModel::Data, kDataShare);
 }
 
 void HitList::keyPressEvent(QKeyEvent* event) {

@@ -20,6 +20,8 @@ class HitList : public QTreeView {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  /// The columns keep their shares.
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   /// The row of the hit that is selected in the document.

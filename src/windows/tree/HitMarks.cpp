@@ -13,19 +13,24 @@ namespace {
 constexpr QColor kMarkBackground(255, 213, 79);
 constexpr QColor kMarkText(0, 0, 0);
 
+/// Painting one costs as much as all before it.
+constexpr qsizetype kMostMarks = 1000;
+
 /// Those of the marks that are left of a text that was cut at its end.
 QList<QTextLayout::FormatRange> FormatsOf(const std::vector<MarkedRange>& marks, qsizetype whole, qsizetype shown) {
-  const qsizetype end = shown < whole ? shown - 1 : whole;
+  const qsizetype end = shown < whole ? std::max<qsizetype>(0, shown - 1) : whole;
   QList<QTextLayout::FormatRange> formats;
   for (const MarkedRange& mark : marks) {
     QTextLayout::FormatRange range;
+    // The ellipsis stands for all marks that are out of sight.
+    const bool is_last = mark.start >= end || formats.size() == kMostMarks;
     range.start = static_cast<int>(std::min(mark.start, end));
-    // The ellipsis stands for a mark that is out of sight.
     range.length = static_cast<int>(std::min(mark.start + mark.size, shown < whole ? shown : whole)) - range.start;
-    if (range.length <= 0) continue;
+    if (range.length <= 0) break;
     range.format.setBackground(kMarkBackground);
     range.format.setForeground(kMarkText);
     formats.push_back(range);
+    if (is_last) break;
   }
   return formats;
 }
@@ -41,10 +46,10 @@ QColor TextColor(const QStyleOptionViewItem& item) {
 }  // namespace
 
 void HitMarks::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-  const std::vector<MarkedRange> marks = marks_ ? marks_(index) : std::vector<MarkedRange>();
-  if (marks.empty()) return QStyledItemDelegate::paint(painter, option, index);
   QStyleOptionViewItem item = option;
   initStyleOption(&item, index);
+  const std::vector<MarkedRange> marks = marks_ ? marks_(index, item.text.size()) : std::vector<MarkedRange>();
+  if (marks.empty()) return QStyledItemDelegate::paint(painter, option, index);
   const QWidget* view = item.widget;
   const QStyle* style = view ? view->style() : QApplication::style();
   const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1;

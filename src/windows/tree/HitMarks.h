@@ -11,8 +11,9 @@ struct MarkedRange {
   qsizetype start;
   qsizetype size;
 };
-/// The parts that are to be marked of what an index shows. Asked for what is painted alone.
-using MarksOfIndex = std::function<std::vector<MarkedRange>(const QModelIndex& index)>;
+/// The parts that are to be marked of what an index shows, in their order; those that start behind this many units may
+/// be left out. Asked for what is painted alone.
+using MarksOfIndex = std::function<std::vector<MarkedRange>(const QModelIndex& index, qsizetype units)>;
 
 /// Draws the items of a view as any view does, with parts of their texts marked. Texts are plain.
 class HitMarks : public QStyledItemDelegate {

@@ -1,7 +1,8 @@
 #include "windows/tree/PatternMatcher.h"
 
 #include <QString>
-#include <functional>
+#include <algorithm>
+#include <vector>
 
 #include "base/Utf16.h"
 #include "base/Utf8.h"
@@ -10,6 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
+
+/// About a millisecond each, after which the library gives up.
+constexpr QLatin1StringView kStepLimit("(*LIMIT_MATCH=100000)");
 
 /// A text as the expression takes it, with the way back to its bytes.
 class Subject {
@@ -46,21 +50,34 @@ class Subject {
   std::vector<std::size_t> offsets_;
 };
 
-void ForEachMatch(const QRegularExpression& expression, const Subject& subject,
-                  const std::function<void(const QRegularExpressionMatch&, const TextMatch&)>& visit) {
-  for (auto found = expression.globalMatch(subject.Text()); found.hasNext();) {
+/// Calls visit(match, its bytes) until that returns false. Returns false when the rest was given up.
+template <class Visit>
+bool ForEachMatch(const QRegularExpression& expression, const Subject& subject, Visit visit) {
+  QRegularExpressionMatchIterator found = expression.globalMatch(subject.Text());
+  while (found.hasNext()) {
     const QRegularExpressionMatch match = found.next();
-    if (match.capturedLength() > 0)
-      visit(match, {subject.ByteAt(match.capturedStart()), subject.ByteAt(match.capturedEnd())});
+    if (match.capturedLength() > 0 &&
+        !visit(match, TextMatch{subject.ByteAt(match.capturedStart()), subject.ByteAt(match.capturedEnd())}))
+      return true;
   }
+  return found.isValid();
 }
 
-std::string Expanded(std::string_view with, const QRegularExpressionMatch& match) {
+/// The bytes of a group, which the subject may not have.
+std::string_view Captured(std::string_view bytes, const Subject& subject, const QRegularExpressionMatch& match,
+                          int group) {
+  if (match.capturedStart(group) < 0) return {};
+  const std::size_t start = subject.ByteAt(match.capturedStart(group));
+  return bytes.substr(start, subject.ByteAt(match.capturedEnd(group)) - start);
+}
+
+std::string Expanded(std::string_view with, std::string_view bytes, const Subject& subject,
+                     const QRegularExpressionMatch& match) {
   std::string expanded;
   for (std::size_t at = 0; at < with.size(); ++at) {
     const char next = with[at] == '\\' && at + 1 < with.size() ? with[at + 1] : '\0';
     if (next >= '0' && next <= '9')
-      expanded += match.captured(next - '0').toStdString();
+      expanded += Captured(bytes, subject, match, next - '0');
     else
       expanded += with[at];
     if (next == '\\' || (next >= '0' && next <= '9')) ++at;
@@ -71,33 +88,43 @@ std::string Expanded(std::string_view with, const QRegularExpressionMatch& match
 }  // namespace
 
 PatternMatcher::PatternMatcher(const QString& pattern, SearchCase search_case, SearchWords words) {
-  const QString before = words == SearchWords::Whole ? u"\\b(?:"_s : QString();
-  before_pattern_ = before.size();
-  expression_.setPattern(before + pattern + (words == SearchWords::Whole ? u")\\b"_s : QString()));
   QRegularExpression::PatternOptions options = QRegularExpression::UseUnicodePropertiesOption;
   if (search_case == SearchCase::Ignore) options |= QRegularExpression::CaseInsensitiveOption;
-  expression_.setPatternOptions(options);
+  // By itself: what is put around it could close what it leaves open.
+  expression_ = QRegularExpression(pattern, options);
+  if (expression_.isValid()) {
+    const bool is_word = words == SearchWords::Whole;
+    expression_.setPattern(kStepLimit + (is_word ? u"\\b(?:"_s + pattern + u")\\b"_s : pattern));
+  }
+  if (!expression_.isValid()) {
+    error_ = expression_.errorString();
+    error_offset_ = std::min(expression_.patternErrorOffset(), pattern.size());
+    return;
+  }
   expression_.optimize();
 }
 
-void PatternMatcher::FindAll(std::string_view text, std::vector<TextMatch>& matches) const {
-  ForEachMatch(expression_, Subject(text),
-               [&](const QRegularExpressionMatch&, const TextMatch& match) { matches.push_back(match); });
+void PatternMatcher::FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end) const {
+  const bool is_whole =
+      ForEachMatch(expression_, Subject(text), [&](const QRegularExpressionMatch&, const TextMatch& match) {
+        if (match.start >= end) return false;
+        matches.push_back(match);
+        return true;
+      });
+  if (!is_whole) has_given_up_ = true;
 }
 
-std::optional<std::string> PatternMatcher::Replaced(std::string_view text, std::string_view with,
-                                                    std::optional<std::size_t> only) const {
-  std::string replaced;
-  std::size_t at = 0;
-  bool is_replaced = false;
-  ForEachMatch(expression_, Subject(text), [&](const QRegularExpressionMatch& found, const TextMatch& match) {
-    if (only && match.start != *only) return;
-    replaced.append(text.substr(at, match.start - at)).append(Expanded(with, found));
-    at = match.end;
-    is_replaced = true;
-  });
-  if (!is_replaced) return std::nullopt;
-  return replaced.append(text.substr(at));
+std::vector<TextChange> PatternMatcher::ChangesIn(std::string_view text, std::string_view with,
+                                                  std::optional<std::size_t> only) const {
+  const Subject subject(text);
+  std::vector<TextChange> changes;
+  const bool is_whole =
+      ForEachMatch(expression_, subject, [&](const QRegularExpressionMatch& found, const TextMatch& match) {
+        if (!only || match.start == *only) changes.push_back({match, Expanded(with, text, subject, found)});
+        return !only || match.start < *only;
+      });
+  if (!is_whole) has_given_up_ = true;
+  return changes;
 }
 
 }  // namespace tme

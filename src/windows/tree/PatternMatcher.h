@@ -7,24 +7,27 @@
 namespace tme {
 
 /// A regular expression, by Qt's syntax. A byte that is no UTF-8 is U+FFFD for it. "^" and "$" are the ends of a text.
+/// What costs too many steps is given up: a text has then the matches that were found before.
 class PatternMatcher final : public TextMatcher {
  public:
   PatternMatcher(const QString& pattern, SearchCase search_case, SearchWords words);
 
-  bool IsValid() const { return expression_.isValid(); }
-  /// Why it is not valid, and behind how many characters.
-  QString Error() const { return expression_.errorString(); }
-  qsizetype ErrorOffset() const { return expression_.patternErrorOffset() - before_pattern_; }
+  bool IsValid() const { return error_.isEmpty(); }
+  /// Why it is not valid, and behind how many characters of the pattern; empty when it is.
+  QString Error() const { return error_; }
+  qsizetype ErrorOffset() const { return error_offset_; }
 
-  void FindAll(std::string_view text, std::vector<TextMatch>& matches) const override;
+  void FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end = SIZE_MAX) const override;
   /// with: "\1" to "\9" are what the groups matched, "\0" is all of the match, "\\" a backslash.
-  std::optional<std::string> Replaced(std::string_view text, std::string_view with,
-                                      std::optional<std::size_t> only) const override;
+  std::vector<TextChange> ChangesIn(std::string_view text, std::string_view with,
+                                    std::optional<std::size_t> only) const override;
+  bool HasGivenUp() const override { return has_given_up_; }
 
  private:
   QRegularExpression expression_;
-  /// What was put before the pattern.
-  qsizetype before_pattern_ = 0;
+  QString error_;
+  qsizetype error_offset_ = 0;
+  mutable bool has_given_up_ = false;
 };
 
 }  // namespace tme

@@ -172,6 +172,10 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   void BuildFindBar();
   void OpenFindBar();
   void CloseFindBar();
+  /// The focus stays where it is.
+  void HideFindBar();
+  /// What is sought in another document is now sought in this one.
+  void GoOnWith(const FindBar& other);
   void ShowHitList(bool is_shown);
   void GoToHit(std::size_t index);
   // And replacing (TreeDocumentWindow_replace.cpp).

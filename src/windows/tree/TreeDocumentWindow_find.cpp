@@ -1,8 +1,10 @@
 // Finding in the tree of a document: the bar, the marks and the list of hits.
 #include <QAbstractItemView>
+#include <QItemSelectionModel>
 #include <QShortcut>
 #include <QSplitter>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
@@ -21,8 +23,14 @@ namespace {
 /// Of the last search in any window.
 FindQuery last_query;
 
+/// Pixels; in a narrower window the list of hits comes below the tree.
+constexpr int kWidthForList = 800;
+/// Of UTF-8.
+constexpr std::size_t kMostBytesOfUnit = 3;
+
 /// What is marked of an item of the document's views.
-std::vector<MarkedRange> MarksAt(const QModelIndex& index, const TreeFinder& finder, const SearchTarget& target) {
+std::vector<MarkedRange> MarksAt(const QModelIndex& index, qsizetype in_sight, const TreeFinder& finder,
+                                 const SearchTarget& target) {
   if (!finder.Matcher()) return {};
   std::vector<MarkedRange> marks;
   std::vector<TextMatch> matches;
@@ -30,7 +38,8 @@ std::vector<MarkedRange> MarksAt(const QModelIndex& index, const TreeFinder& fin
     if (!finder.LooksIn(shown.field)) continue;
     matches.clear();
     const std::string_view text = shown.text;
-    finder.Matcher()->FindAll(text, matches);
+    const qsizetype units_left = std::max<qsizetype>(0, in_sight - shown.units_before);
+    finder.Matcher()->FindAll(text, matches, static_cast<std::size_t>(units_left) * kMostBytesOfUnit);
     const auto units = [&](std::size_t from, std::size_t to) {
       return QString::fromUtf8(text.data() + from, static_cast<qsizetype>(to - from)).size();
     };
@@ -91,13 +100,20 @@ void TreeDocumentWindow::BuildFindBar() {
   connect(find_bar_, &FindBar::ReplaceWanted, this, &TreeDocumentWindow::ReplaceOne);
   connect(find_bar_, &FindBar::ReplaceAllWanted, this, &TreeDocumentWindow::ReplaceAll);
   connect(find_bar_, &FindBar::ListWanted, this, &TreeDocumentWindow::ShowHitList);
-  const auto marks = [this](const QModelIndex& index) { return MarksAt(index, *finder_, Searchable()); };
+  connect(find_bar_, &FindBar::ListFocusWanted, this, [this] {
+    if (hit_list_ && hit_list_->isVisible()) hit_list_->setFocus();
+  });
+  connect(finder_, &TreeFinder::LeftDocument, this, &TreeDocumentWindow::GoToHit);
+  const auto marks = [this](const QModelIndex& index, qsizetype units) {
+    return MarksAt(index, units, *finder_, Searchable());
+  };
   for (QAbstractItemView* view : target.Views()) {
     static_cast<HitMarks*>(view->itemDelegate())->SetMarks(marks);
     connect(finder_, &TreeFinder::Restarted, view->viewport(), qOverload<>(&QWidget::update));
+    connect(view->selectionModel(), &QItemSelectionModel::currentChanged, finder_, &TreeFinder::FollowSelection);
   }
   connect(this, &TreeDocumentWindow::ContentChanged, this, [this] {
-    if (!IsOpen()) CloseFindBar();
+    if (!IsOpen()) HideFindBar();
   });
   auto* escape = new QShortcut(Qt::Key_Escape, this);
   escape->setContext(Qt::WidgetWithChildrenShortcut);
@@ -114,12 +130,17 @@ void TreeDocumentWindow::OpenFindBar() {
 
 void TreeDocumentWindow::CloseFindBar() {
   if (!find_bar_ || find_bar_->isHidden()) return;
+  HideFindBar();
+  Searchable().FocusSelected();
+}
+
+void TreeDocumentWindow::HideFindBar() {
+  if (find_bar_->isHidden()) return;
   last_query = finder_->Query();
   escape_->setEnabled(false);
   find_bar_->SetListChecked(false);
   find_bar_->hide();
   finder_->Stop();
-  Searchable().FocusSelected();
 }
 
 void TreeDocumentWindow::SearchFind() {
@@ -143,17 +164,30 @@ void TreeDocumentWindow::ShowHitList(bool is_shown) {
   if (!hit_list_ && is_shown) {
     hit_list_ = new HitList(*finder_, &Panes());
     Panes().addWidget(hit_list_);
-    Panes().setSizes({width() / 2, width() / 2});
     connect(hit_list_, &HitList::Chosen, this, &TreeDocumentWindow::GoToHit);
   }
-  if (hit_list_) hit_list_->setVisible(is_shown);
+  if (!hit_list_) return;
+  const bool is_beside = width() >= kWidthForList;
+  const int room = is_beside ? width() : Panes().height();
+  Panes().setOrientation(is_beside ? Qt::Horizontal : Qt::Vertical);
+  hit_list_->setVisible(is_shown);
+  if (is_shown) Panes().setSizes({room / 2, room / 2});
 }
 
 void TreeDocumentWindow::GoToHit(std::size_t index) {
   TreeDocumentWindow* window = finder_->At(index).window;
   finder_->Show(index);
-  if (window != this) global_.area.BringToFront(*window);
+  if (window != this) {
+    global_.area.BringToFront(*window);
+    window->GoOnWith(*find_bar_);
+  }
   window->Searchable().FocusSelected();
+}
+
+void TreeDocumentWindow::GoOnWith(const FindBar& other) {
+  BuildFindBar();
+  find_bar_->OpenWith(other);
+  escape_->setEnabled(true);
 }
 
 }  // namespace tme

@@ -1,5 +1,6 @@
 // Replacing in the tree of a document, and in those of all open ones.
 #include <QAbstractItemView>
+#include <QCoreApplication>
 
 #include "documents/EditableDocument.h"
 #include "shell/DisplayText.h"
@@ -17,7 +18,8 @@ namespace tme {
 namespace {
 
 /// Between two looks at the progress of long work.
-constexpr std::size_t kAtOnce = 4096;
+constexpr std::size_t kAtOnce = 64;
+constexpr std::chrono::milliseconds kSearchSlice{30};
 
 bool IsInSameText(const TreeFinder::Found& one, const TreeFinder::Found& other) {
   return one.window == other.window && one.hit.Place() == other.hit.Place() && one.hit.field == other.hit.field;
@@ -39,6 +41,16 @@ class HiddenViews {
  private:
   const std::vector<QAbstractItemView*> views_;
 };
+
+/// False when the user stops it.
+bool FinishSearch(TreeFinder& finder, LongWork& work) {
+  while (!finder.Finish(kSearchSlice)) {
+    if (!work.GoOn(0, 1)) return false;
+    // Whoever reads a document gets his turn.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  }
+  return true;
+}
 
 /// Plans for all hits of a finder, each text once. Nothing when the user stops it, or the hits changed meanwhile.
 std::vector<PlannedReplacement> PlanAll(TreeFinder& finder, const std::string& with, LongWork& work) {
@@ -69,35 +81,31 @@ void TreeDocumentWindow::SearchReplace() {
 }
 
 void TreeDocumentWindow::ReplaceOne() {
-  finder_->Finish();
-  const std::optional<std::size_t> present = finder_->Present();
-  if (!present) {
-    finder_->GoToNext();
-    return;
-  }
-  const SearchHit hit = finder_->Hits()[*present];
+  const std::optional<std::size_t> chosen = finder_->Chosen();
+  if (!chosen) return finder_->GoToNext();
+  const auto [window, hit] = finder_->At(*chosen);
   const std::string with = find_bar_->ReplaceText().toStdString();
-  const std::unique_ptr<Replacer> replacer = Searchable().MakeReplacer();
-  const std::size_t size_before = Searchable().TextOf(hit.Place(), hit.field).size();
+  const std::unique_ptr<Replacer> replacer = window->Searchable().MakeReplacer();
+  const std::size_t size_before = window->Searchable().TextOf(hit.Place(), hit.field).size();
   const std::optional<Replacement> plan =
       replacer->Plan(hit.Place(), hit.field, {.matcher = *finder_->Matcher(), .with = with, .only = hit.start});
   find_bar_->Say(plan ? plan->refusal : QString());
   if (plan && !plan->refusal.isEmpty()) return;
   std::size_t end = hit.start + hit.size;
   if (plan) {
-    const EditableDocument::Step step(Searchable().Edited(), EditName::Replace);
+    const EditableDocument::Step step(window->Searchable().Edited(), EditName::Replace);
     if (!replacer->Apply(*plan)) return find_bar_->Say(tr("The file cannot hold this."));
-    SetChanged(true);
+    window->SetChanged(true);
     end += plan->after.size() - size_before;
   }
-  finder_->GoToNextBehind(hit.Place(), hit.field, end);
+  finder_->GoToNextBehind(window, hit.Place(), hit.field, end);
 }
 
 void TreeDocumentWindow::ReplaceAll() {
-  finder_->Finish();
   std::vector<PlannedReplacement> plans;
   {
     LongWork work(&global_.frame, tr("Looking for what is to be replaced"));
+    if (!FinishSearch(*finder_, work) || !IsOpen()) return;
     plans = PlanAll(*finder_, find_bar_->ReplaceText().toStdString(), work);
   }
   if (plans.empty() || !IsOpen()) return;
@@ -117,7 +125,7 @@ void TreeDocumentWindow::ReplaceAll() {
   if (refused > 0)
     said += u' ' + Counted(refused, tr("1 text stays: the file cannot hold what it would be."),
                            tr("%1 texts stay: the file cannot hold what they would be."));
-  AddNotice(said);
+  find_bar_->Say(said);
 }
 
 void TreeDocumentWindow::Replace(std::span<const PlannedReplacement> plans, std::size_t& done, std::size_t& refused) {

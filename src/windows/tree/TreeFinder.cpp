@@ -1,6 +1,8 @@
 #include "windows/tree/TreeFinder.h"
 
+#include <QScopedValueRollback>
 #include <algorithm>
+#include <utility>
 
 #include "shell/DocumentTable.h"
 #include "windows/tree/PatternMatcher.h"
@@ -13,6 +15,8 @@ using Clock = std::chrono::steady_clock;
 
 /// Of the event loop, so that typing and painting go on.
 constexpr std::chrono::milliseconds kSlice{8};
+/// A user may wait for a key that he pressed.
+constexpr std::chrono::milliseconds kMoment{80};
 /// Between looks at a document that is being read.
 constexpr int kWaitForReader = 50;  // milliseconds
 
@@ -39,7 +43,9 @@ void TreeFinder::MakeMatcher() {
   if (pattern->IsValid())
     matcher_ = std::move(pattern);
   else
-    error_ = tr("Not an expression at character %1: %2").arg(pattern->ErrorOffset() + 1).arg(pattern->Error());
+    error_ = pattern->ErrorOffset() < query_.wanted.size()
+                 ? tr("Not an expression at character %1: %2").arg(pattern->ErrorOffset() + 1).arg(pattern->Error())
+                 : tr("Not an expression, at its end: %1").arg(pattern->Error());
 }
 
 void TreeFinder::SetQuery(const FindQuery& query) {
@@ -66,8 +72,10 @@ void TreeFinder::WatchOthers() {
     auto* other = qobject_cast<TreeDocumentWindow*>(&document);
     if (!other || other == &window_) return;
     connect(other, &TreeDocumentWindow::ContentChanged, this, [this, other] { ContentChanged(other); });
-    connect(other, &QObject::destroyed, this,
-            [this, other] { std::erase_if(runs_, [other](const Run& run) { return run.window == other; }); });
+    connect(other, &QObject::destroyed, this, [this, other] {
+      shown_elsewhere_.reset();
+      std::erase_if(runs_, [other](const Run& run) { return run.window == other; });
+    });
   });
 }
 
@@ -75,10 +83,15 @@ void TreeFinder::FillRuns() {
   runs_.resize(1);
   if (query_.scope == FindScope::ThisDocument) return;
   WatchOthers();
-  documents_.ForEachOpen([this](DocumentWindow& document) {
-    if (auto* other = qobject_cast<TreeDocumentWindow*>(&document); other && other != &window_)
-      runs_.push_back({other, std::make_unique<TreeSearch>(other->Searchable().MakeSource())});
+  std::vector<TreeDocumentWindow*> windows;
+  documents_.ForEachOpen([&](DocumentWindow& document) {
+    if (auto* window = qobject_cast<TreeDocumentWindow*>(&document)) windows.push_back(window);
   });
+  // Whoever goes on from document to document comes to all of them.
+  const auto own = std::ranges::find(windows, &window_);
+  if (own != windows.end()) std::rotate(windows.begin(), own, windows.end());
+  for (TreeDocumentWindow* window : windows)
+    if (window != &window_) runs_.push_back({window, std::make_unique<TreeSearch>(window->Searchable().MakeSource())});
 }
 
 void TreeFinder::Begin() {
@@ -87,6 +100,8 @@ void TreeFinder::Begin() {
     run.is_stale = matcher_ != nullptr;
   }
   present_.reset();
+  shown_elsewhere_.reset();
+  wish_ = nullptr;
   goes_to_first_ = false;
   emit Restarted();
   if (matcher_)
@@ -109,6 +124,8 @@ void TreeFinder::ContentChanged(TreeDocumentWindow* window) {
     run->search->Start(0, nullptr);
     run->is_stale = true;
   }
+  shown_elsewhere_.reset();
+  wish_ = nullptr;
   if (window == &window_) {
     present_.reset();
     goes_to_first_ = false;
@@ -136,16 +153,19 @@ void TreeFinder::GoOn() {
   timer_.setInterval(0);
   if (!SearchOn(Clock::now() + kSlice)) timer_.stop();
   GoToFirst();
+  if (const auto wish = IsSearching() ? nullptr : std::exchange(wish_, nullptr)) wish();
   emit Progressed();
 }
 
-void TreeFinder::Finish() {
-  while (timer_.isActive() && SearchOn(Clock::now() + kSlice))
-    if (timer_.interval() > 0) return;
-  if (!timer_.isActive()) return;
+bool TreeFinder::Finish(std::chrono::milliseconds most) {
+  if (!IsSearching()) return true;
+  const Clock::time_point until = Clock::now() + most;
+  while (SearchOn(until))
+    if (timer_.interval() > 0 || Clock::now() >= until) return false;
   timer_.stop();
   GoToFirst();
   emit Progressed();
+  return true;
 }
 
 void TreeFinder::GoToFirst() {
@@ -160,9 +180,13 @@ void TreeFinder::GoToFirst() {
 
 void TreeFinder::GoTo(std::size_t index) {
   const SearchPlace place = Hits()[index].Place();
-  Own().GoTo(place);
   present_place_ = place;
   present_ = index;
+  shown_elsewhere_.reset();
+  {
+    const QScopedValueRollback going(is_going_, true);
+    Own().GoTo(place);
+  }
   emit Progressed();
 }
 
@@ -175,39 +199,50 @@ std::optional<std::size_t> TreeFinder::Present() const {
   return std::nullopt;
 }
 
-bool TreeFinder::HasHitsNow() {
+bool TreeFinder::HasHitsNow(const std::function<void()>& what) {
   const Run& own = runs_.front();
-  if (own.is_stale || !own.search->IsDone()) Finish();
+  const bool is_known = runs_.size() == 1 && !own.is_stale && own.search->IsDone();
+  if (!is_known && !Finish(kMoment)) {
+    goes_to_first_ = false;
+    wish_ = what;
+    return false;
+  }
   goes_to_first_ = false;
-  return !own.is_stale && !Hits().empty();
+  return FoundCount() > 0;
 }
 
-bool TreeFinder::GoToNext() {
-  if (!HasHitsNow()) return false;
+void TreeFinder::GoToNext() {
+  if (!HasHitsNow([this] { GoToNext(); })) return;
   const std::optional<std::size_t> present = Present();
   const std::size_t next = present ? *present + 1 : runs_.front().search->FirstFrom(Own().Selected());
+  if (next >= Hits().size() && FoundCount() > Hits().size()) return emit LeftDocument(Hits().size());
   GoTo(next % Hits().size());
   origin_ = present_place_;
-  return true;
 }
 
-bool TreeFinder::GoToPrevious() {
-  if (!HasHitsNow()) return false;
-  const std::size_t from = Present().value_or(runs_.front().search->FirstFrom(Own().Selected()));
+void TreeFinder::GoToPrevious() {
+  if (!HasHitsNow([this] { GoToPrevious(); })) return;
+  const std::size_t from = Present().value_or(Hits().empty() ? 0 : runs_.front().search->FirstFrom(Own().Selected()));
+  if (from == 0 && FoundCount() > Hits().size()) return emit LeftDocument(FoundCount() - 1);
   GoTo((from + Hits().size() - 1) % Hits().size());
   origin_ = present_place_;
-  return true;
 }
 
-void TreeFinder::GoToNextBehind(const SearchPlace& place, SearchField field, std::size_t position) {
-  if (!HasHitsNow()) return;
-  std::size_t next = runs_.front().search->FirstFrom(place);
+void TreeFinder::GoToNextBehind(const TreeDocumentWindow* window, const SearchPlace& place, SearchField field,
+                                std::size_t position) {
+  if (!HasHitsNow([=, this] { GoToNextBehind(window, place, field, position); })) return;
+  const auto run = std::ranges::find(runs_, window, &Run::window);
+  if (run == runs_.end()) return;
+  const std::deque<SearchHit>& hits = run->search->Hits();
+  std::size_t next = run->search->FirstFrom(place);
   const auto is_before = [&](const SearchHit& hit) {
     return hit.Place() == place && (hit.field < field || (hit.field == field && hit.start < position));
   };
-  while (next < Hits().size() && is_before(Hits()[next])) ++next;
-  GoTo(next % Hits().size());
-  origin_ = present_place_;
+  while (next < hits.size() && is_before(hits[next])) ++next;
+  // The own document is gone round, from another one the next follows.
+  if (window == &window_ && next == hits.size() && !hits.empty()) next = 0;
+  for (auto before = runs_.begin(); before != run; ++before) next += before->search->Hits().size();
+  Show(next % FoundCount());
 }
 
 std::size_t TreeFinder::FoundCount() const {
@@ -236,6 +271,21 @@ void TreeFinder::Show(std::size_t index) {
   }
   const Found found = At(index);
   found.window->Searchable().GoTo(found.hit.Place());
+  shown_elsewhere_ = index;
+  selected_here_ = Own().Selected();
+  emit Progressed();
+}
+
+std::optional<std::size_t> TreeFinder::Chosen() const {
+  if (!shown_elsewhere_ || *shown_elsewhere_ >= FoundCount()) return Present();
+  const Found found = At(*shown_elsewhere_);
+  const bool is_selected =
+      Own().Selected() == selected_here_ && found.window->Searchable().Selected() == found.hit.Place();
+  return is_selected ? shown_elsewhere_ : Present();
+}
+
+void TreeFinder::FollowSelection() {
+  if (matcher_ && !is_going_) emit Progressed();
 }
 
 }  // namespace tme

@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QTimer>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -56,18 +58,21 @@ class TreeFinder : public QObject {
   void Stop();
 
   bool IsSearching() const { return timer_.isActive(); }
-  /// Searches to the end now.
-  void Finish();
+  /// Searches on now for at most this long; does not wait for a document that is being read. Returns whether all is
+  /// searched.
+  bool Finish(std::chrono::milliseconds most);
 
   /// Of the window's own document.
   const std::deque<SearchHit>& Hits() const { return runs_.front().search->Hits(); }
   /// The index of the hit that is selected; null when another place is.
   std::optional<std::size_t> Present() const;
-  /// Goes to the next or previous one from the selected place, around the ends. False when there is none.
-  bool GoToNext();
-  bool GoToPrevious();
-  /// The same from this many bytes of a text on.
-  void GoToNextBehind(const SearchPlace& place, SearchField field, std::size_t position);
+  /// Goes to the next or previous one from the selected place, around the ends; where several documents are searched,
+  /// on into the next of them. When the search takes longer than a moment, once it is done.
+  void GoToNext();
+  void GoToPrevious();
+  /// Shows the next one of a document from this many bytes of a text on.
+  void GoToNextBehind(const TreeDocumentWindow* window, const SearchPlace& place, SearchField field,
+                      std::size_t position);
 
   // The hits of all documents that are searched, those of the own one first.
   std::size_t FoundCount() const;
@@ -77,12 +82,19 @@ class TreeFinder : public QObject {
   std::size_t DocumentCount() const;
   /// Selects the hit in its window, which stays where it is.
   void Show(std::size_t index);
+  /// The hit that was shown last, among those of all documents, or else the selected one of the own; null when
+  /// something else is selected now.
+  std::optional<std::size_t> Chosen() const;
+  /// Says so when something else is selected in the own document.
+  void FollowSelection();
 
  signals:
   /// The hits there were are gone.
   void Restarted();
-  /// More hits, or all of them.
+  /// More hits, or all of them, or another one is selected.
   void Progressed();
+  /// The user goes on to a hit of another document.
+  void LeftDocument(std::size_t index);
 
  private:
   struct Run {
@@ -100,8 +112,8 @@ class TreeFinder : public QObject {
   /// Searches for a slice; false when all is searched.
   bool SearchOn(std::chrono::steady_clock::time_point until);
   void GoOn();
-  /// Finishes the search. False when there is no hit to go to.
-  bool HasHitsNow();
+  /// Whether there are hits to go to. When it is not known in a moment, what is to be done is done later.
+  bool HasHitsNow(const std::function<void()>& what);
   /// Once it is known: to the first hit from where the search began.
   void GoToFirst();
   SearchTarget& Own() const;
@@ -120,7 +132,13 @@ class TreeFinder : public QObject {
   /// The place of the hit that was gone to, and its index.
   SearchPlace present_place_;
   std::optional<std::size_t> present_;
+  /// A hit of another document that was shown, and what was selected in the own one then.
+  std::optional<std::size_t> shown_elsewhere_;
+  SearchPlace selected_here_;
+  /// Waits for the end of the search.
+  std::function<void()> wish_;
   bool goes_to_first_ = false;
+  bool is_going_ = false;
   bool watches_others_ = false;
 };
 
