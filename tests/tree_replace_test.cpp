@@ -71,6 +71,9 @@ TEST(Replacer, TakesInAnIniDocumentWhatIsReadBackAsItIsMeant) {
       {"a=1\n;ab\n", "a", "", "a=1\n;b\n", "An entry needs a key.\n"},
       {"ab=1\n;c\n", "a", "[", "ab=1\n;c\n", "The line would no longer be an entry.\n"},
       {";ab\n", ";", "", ";ab\n", "A comment begins with a semicolon.\n"},
+      {"[a]\nx1=a\nX=b\n[b]\nx1=c\n", "1", "", "[a]\nx1=a\nX=b\n[b]\nx=c\n",
+       "The section has a key of this name already.\n"},
+      {"[a1]\n[b]\n", "a1", "B", "[a1]\n[b]\n", "There is a section of this name already.\n"},
       {"[ab]\n", "b", "];c", "[ab]\n", "The name of a section ends at its \"]\".\n"},
   };
   for (const auto& c : cases) {
@@ -105,6 +108,11 @@ TEST(Replacer, EncodesDataOfTheRegistryAgain) {
        "An empty string would end the list.\n"},
       {"\"n\"=hex(7):61,00,62,00,00\n", "a b", "c", "\"n\"=hex(7):61,00,62,00,00\n",
        "The hit goes over more than one string of the list.\n"},
+      // A string by itself, as it was found, and bytes as they are shown.
+      {"\"n\"=hex(7):61,00,62,62,00,00\n", "b", "cc", "\"n\"=hex(7):61,00,63,63,63,63,00,00\n", ""},
+      {"\"n\"=hex(7):61,00,62,20,62,00,00\n", " ", "_", "\"n\"=hex(7):61,00,62,20,62,00,00\n",
+       "The hit goes over more than one string of the list.\n"},
+      {"\"n\"=hex:0a,01\n", "0", "", "\"n\"=hex:0a,01\n", ""},
       {"\"xa\"=\"1\"\n\"xb\"=\"1\"\n\"C\"=\"1\"\n", "xb", "c", "\"xa\"=\"1\"\n\"xb\"=\"1\"\n\"C\"=\"1\"\n",
        "This key has a value of this name already.\n"},
       {"\"xa\"=\"1\"\n\"xb\"=\"1\"\n", "x", "", "\"a\"=\"1\"\n\"b\"=\"1\"\n", ""},
@@ -134,6 +142,16 @@ TEST(Replacer, GivesNoKeyTheNameOfAnother) {
             u"There is a key of this name already.\n");
   EXPECT_EQ(SourceOf(document),
             "REGEDIT4\n\n[HKEY_USERS\\Q1]\n[HKEY_USERS\\k2]\n[HKEY_USERS\\Q1\\Q1]\n[HKEY_USERS\\q2]\n");
+  document.Undo();
+  ReadWholeReg(document, "REGEDIT4\n\n[HKEY_USERS\\k1]\n[HKEY_USERS\\kk1]\n", {});
+  RegReplacer freeing(document);
+  const PlainMatcher matcher("k1", SearchCase::Match, SearchWords::Any);
+  const RegNode* parent = document.Root()->Child(0);
+  const ReplaceQuery query{.matcher = matcher, .with = "1"};
+  EXPECT_EQ(freeing.Plan({parent->Child(0)}, SearchField::Key, query)->refusal, u"");
+  const Replacement other{{parent->Child(1)}, SearchField::Key, "k1", "k1", {}};
+  EXPECT_EQ(freeing.Check(other), u"");
+  EXPECT_EQ(RegReplacer(document).Check(other), u"There is a key of this name already.");
   RegDocument by_rules;
   RegNode* key = by_rules.AddBranch(by_rules.AddHiveNode("HKEY_USERS"), "abc");
   by_rules.AddValueRecord(key, RegType::String, "ab", "ab");
@@ -198,11 +216,11 @@ TEST_F(TreeReplace, ShowsWhatAllHitsBecomeAndReplacesTheChosenOnes) {
       auto* list = Child<QTreeView>(dialog, "replace_list");
       QAbstractItemModel* rows = list->model();
       ASSERT_EQ(rows->rowCount(), 3);
-      EXPECT_EQ(list->isColumnHidden(3), !has_refusals);
+      EXPECT_EQ(list->isColumnHidden(4), !has_refusals);
       EXPECT_EQ(Child<QPushButton>(dialog, "replace_do")->isEnabled(), !has_refusals);
-      EXPECT_EQ(rows->index(1, 1).data(), u"k2"_s);
+      EXPECT_EQ(rows->index(1, 2).data(), u"k2"_s);
       if (has_refusals) return static_cast<void>(dialog.close());
-      EXPECT_EQ(rows->index(1, 2).data(), u"2-\\1"_s);
+      EXPECT_EQ(rows->index(1, 3).data(), u"2-\\1"_s);
       rows->setData(rows->index(2, 0), Qt::Unchecked, Qt::CheckStateRole);
       EXPECT_TRUE(Child<QLabel>(dialog, "replace_count")->text().startsWith(u"2 "));
       Child<QPushButton>(dialog, "replace_do")->click();
@@ -218,4 +236,24 @@ TEST_F(TreeReplace, ShowsWhatAllHitsBecomeAndReplacesTheChosenOnes) {
   EXPECT_EQ(window.Tree().UndoName(), EditName::Replace);
   const_cast<IniTree&>(window.Tree()).Undo();
   EXPECT_EQ(window.Content(), "[s]\nk1=1\nk2=2\nk3=3\n");
+}
+
+TEST_F(TreeReplace, LeavesWhatCollidesWithAnUntickedRow) {
+  form_INI& window = Open("[s]\nax=1\naax=2\n", Holding::Whole);
+  Child<QToolButton>(window, "find_pattern")->setChecked(true);
+  Fill(window, u"^a"_s, u""_s);
+  OnDialog(u"replace_preview"_s, [&](QWidget& dialog) {
+    auto* list = Child<QTreeView>(dialog, "replace_list");
+    EXPECT_EQ(list->model()->index(1, 1).data(), u"s"_s);
+    EXPECT_TRUE(list->isColumnHidden(4) && list->isColumnHidden(5));
+    list->model()->setData(list->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
+    auto* replace = Child<QPushButton>(dialog, "replace_do");
+    replace->click();
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_FALSE(list->isColumnHidden(4) || replace->isEnabled());
+    EXPECT_EQ(list->model()->index(1, 4).data(), u"The section has a key of this name already."_s);
+    dialog.close();
+  });
+  Child<QToolButton>(window, "replace_all")->click();
+  EXPECT_EQ(window.Content(), "[s]\nax=1\naax=2\n");
 }

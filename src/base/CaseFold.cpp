@@ -1,9 +1,12 @@
 #include "base/CaseFold.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <optional>
 
 #include "base/CaseFoldTable.h"
+#include "base/Utf8.h"
 
 namespace tme {
 namespace {
@@ -20,6 +23,21 @@ char32_t FoldCaseBeyondAscii(char32_t character) {
   if (after == std::begin(kCaseFoldRanges)) return character;
   const CaseFoldRange& range = *std::prev(after);
   return Covers(range, character) ? character + static_cast<char32_t>(range.delta) : character;
+}
+
+std::string FoldedCase(std::string_view text) {
+  std::string folded;
+  while (!text.empty()) {
+    const char first = text.front();
+    if (const std::optional<char32_t> character = utf8::TakeCharacter(text)) {
+      std::array<char, utf8::kMaxCharacterBytes> bytes;
+      folded.append(bytes.data(), utf8::PutCharacter(FoldCase(*character), bytes.data()));
+    } else {
+      folded += first;
+      text.remove_prefix(1);
+    }
+  }
+  return folded;
 }
 
 std::u32string CaseForms(char32_t character) {

@@ -1,5 +1,6 @@
 #include "windows/ini/IniReplacer.h"
 
+#include "base/CaseFold.h"
 #include "documents/ini/IniLine.h"
 #include "documents/ini/IniSourceLine.h"
 #include "windows/ini/IniSearch.h"
@@ -22,20 +23,23 @@ std::optional<Replacement> IniReplacer::Plan(const SearchPlace& place, SearchFie
   });
   std::optional<std::string> after = query.matcher.Replaced(before, query.with, query.only);
   if (!after || *after == before) return std::nullopt;
-  const QString refusal = Refusal(field, before, *after);
-  return Replacement{place, field, *after, *after, refusal};
+  Replacement replacement{place, field, *after, *after, {}};
+  replacement.refusal = Check(replacement);
+  return replacement;
 }
 
-QString IniReplacer::Refusal(SearchField field, const std::string& before, const std::string& after) {
+QString IniReplacer::Check(const Replacement& replacement) {
+  const std::string& after = replacement.stored;
+  const IniNode& node = *EditedNodeAt(replacement);
   if (after.find_first_of(kNoLine) != std::string::npos) return tr("A line has no end within.");
-  switch (field) {
+  switch (replacement.field) {
     case SearchField::Section:
-      return RefusalOfSection(before, after);
+      return RefusalOfSection(node, after);
     case SearchField::Comment:
       if ((tree_.Holding() == Holding::Whole ? SourceKindOf(after) : KindOf(after)) == IniLine::Comment) return {};
       return tr("A comment begins with a semicolon.");
     case SearchField::Key:
-      return RefusalOfKey(after);
+      return RefusalOfKey(node, after);
     default:
       // The dialog of an entry would delete it.
       if (after.empty() && tree_.Holding() == Holding::ByRules) return tr("An entry needs a value.");
@@ -43,23 +47,39 @@ QString IniReplacer::Refusal(SearchField field, const std::string& before, const
   }
 }
 
-QString IniReplacer::RefusalOfSection(const std::string& before, const std::string& after) {
-  if (TrimIniBlanks(after).empty()) return tr("A section needs a name.");
-  if (SourceHeaderName('[' + after + ']') != after) return tr("The name of a section ends at its \"]\".");
-  if (section_names_.empty())
-    for (int row = 0; row < tree_.Root()->ChildCount(); ++row)
-      if (const IniNode* child = tree_.Root()->Child(row); child->Tag() == IniTag::Section)
-        section_names_.emplace(child->Text());
-  if (section_names_.contains(after)) return tr("There is a section of this name already.");
-  if (const auto old = section_names_.find(before); old != section_names_.end()) section_names_.erase(old);
-  section_names_.insert(after);
-  return {};
+std::string_view IniReplacer::NameOf(const IniNode& node) const {
+  return node.Tag() == IniTag::Section ? node.Text() : TrimIniBlanks(tree_.KeyOf(node));
 }
 
-QString IniReplacer::RefusalOfKey(const std::string& after) const {
+bool IniReplacer::TakeName(const IniNode& node, std::string_view after) {
+  const auto [at, is_new] = names_.try_emplace(node.Parent());
+  if (is_new) {
+    for (int row = 0; row < node.Parent()->ChildCount(); ++row) {
+      const IniNode& child = *node.Parent()->Child(row);
+      if (child.Tag() == IniTag::Section) at->second.sections.insert(FoldedCase(NameOf(child)));
+      if (child.Tag() == IniTag::Value) at->second.keys.insert(FoldedCase(NameOf(child)));
+    }
+  }
+  Names& names = node.Tag() == IniTag::Section ? at->second.sections : at->second.keys;
+  const std::string old_name = FoldedCase(NameOf(node)), name = FoldedCase(after);
+  if (name == old_name) return true;
+  if (names.contains(name)) return false;
+  if (const auto old = names.find(old_name); old != names.end()) names.erase(old);
+  names.insert(name);
+  return true;
+}
+
+QString IniReplacer::RefusalOfSection(const IniNode& node, const std::string& after) {
+  if (TrimIniBlanks(after).empty()) return tr("A section needs a name.");
+  if (SourceHeaderName('[' + after + ']') != after) return tr("The name of a section ends at its \"]\".");
+  return TakeName(node, after) ? QString() : tr("There is a section of this name already.");
+}
+
+QString IniReplacer::RefusalOfKey(const IniNode& node, const std::string& after) {
   if (TrimIniBlanks(after).empty()) return tr("An entry needs a key.");
   if (after.find('=') != std::string::npos) return tr("A key ends at its \"=\".");
   if (SourceKindOf(after) != IniLine::Entry) return tr("The line would no longer be an entry.");
+  if (!TakeName(node, TrimIniBlanks(after))) return tr("The section has a key of this name already.");
   return {};
 }
 

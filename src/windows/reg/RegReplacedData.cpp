@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <vector>
 
 #include "documents/reg/RegHex.h"
 
@@ -41,23 +42,24 @@ std::optional<std::string> BytesShown(std::string shown) {
   return BytesOfHex(shown);
 }
 
-/// Each string by itself; they are shown with a blank between them.
-Outcome ReplaceInStrings(RegData& data, const ReplaceQuery& query) {
+/// The strings are shown with a blank between them, over which no change may go.
+Outcome ChangeStrings(RegData& data, const std::vector<TextChange>& changes) {
   std::size_t at = 0;
-  bool is_changed = false;
+  auto change = changes.begin();
   for (std::string& string : data.strings) {
-    ReplaceQuery of_string = query;
-    const std::size_t size = string.size();
-    const bool is_meant = !query.only || (*query.only >= at && *query.only < at + size);
-    if (query.only && is_meant) of_string.only = *query.only - at;
-    if (is_meant)
-      if (auto text = query.matcher.Replaced(string, query.with, of_string.only); text && *text != string) {
-        string = std::move(*text);
-        is_changed = true;
-      }
-    at += size + 1;
+    const std::size_t end = at + string.size();
+    std::string changed;
+    std::size_t kept_from = at;
+    for (; change != changes.end() && change->match.start < end; ++change) {
+      if (change->match.end > end) return Outcome::AcrossStrings;
+      changed.append(string, kept_from - at, change->match.start - kept_from).append(change->with);
+      kept_from = change->match.end;
+    }
+    if (change != changes.end() && change->match.start == end) return Outcome::AcrossStrings;
+    string = changed.append(string, kept_from - at);
+    at = end + 1;
   }
-  return is_changed ? Outcome::Changed : Outcome::AcrossStrings;
+  return Outcome::Changed;
 }
 
 }  // namespace
@@ -73,7 +75,7 @@ ReplacedData ReplaceInData(const RegData& data, std::string_view before, const R
       if (auto text = query.matcher.Replaced(data.text, query.with, query.only)) replaced.data.text = std::move(*text);
       break;
     case RegContent::Strings:
-      replaced.outcome = ReplaceInStrings(replaced.data, query);
+      replaced.outcome = ChangeStrings(replaced.data, query.matcher.ChangesIn(before, query.with, query.only));
       if (replaced.outcome == Outcome::Changed) replaced.shown = DisplayOf(replaced.data, kAllBytes);
       break;
     case RegContent::Number:
@@ -86,10 +88,13 @@ ReplacedData ReplaceInData(const RegData& data, std::string_view before, const R
       }
       break;
     case RegContent::Bytes:
-      if (auto bytes = BytesShown(*shown))
+      if (auto bytes = BytesShown(*shown)) {
         replaced.data.bytes = std::move(*bytes);
-      else
+        replaced.shown = DisplayOf(replaced.data, kAllBytes);
+        if (replaced.data.bytes == data.bytes) replaced.outcome = Outcome::Same;
+      } else {
         replaced.outcome = Outcome::NoBytes;
+      }
       break;
   }
   return replaced;

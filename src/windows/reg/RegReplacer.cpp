@@ -1,10 +1,8 @@
 #include "windows/reg/RegReplacer.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/CaseFold.h"
-#include "base/Utf8.h"
 #include "documents/reg/RegHex.h"
 #include "windows/reg/RegReplacedData.h"
 #include "windows/reg/RegSearch.h"
@@ -15,9 +13,7 @@ namespace {
 
 constexpr std::size_t kDwordDigits = 8;
 
-RegNode* EditedKeyAt(const Replacement& replacement) {
-  return const_cast<RegNode*>(static_cast<const RegNode*>(replacement.place.node));
-}
+RegNode* EditedKeyAt(const SearchPlace& place) { return const_cast<RegNode*>(static_cast<const RegNode*>(place.node)); }
 
 bool HasControls(std::string_view text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
@@ -29,37 +25,26 @@ RegReplacer::RegReplacer(RegDocument& document) : document_(document), coding_(C
 
 std::optional<Replacement> RegReplacer::Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) {
   if (field == SearchField::Data) return PlanData(place, query);
-  const auto& node = *static_cast<const RegNode*>(place.node);
-  const bool is_name = field == SearchField::Name;
-  const std::string_view before = is_name ? document_.Values()[place.record].name : node.Text();
+  const std::string_view before =
+      field == SearchField::Name ? document_.Values()[place.record].name : EditedKeyAt(place)->Text();
   std::optional<std::string> after = query.matcher.Replaced(before, query.with, query.only);
   if (!after || *after == before) return std::nullopt;
-  QString refusal;
-  if (HasControls(*after))
-    refusal = tr("A line has no end within.");
-  else if (is_name)
-    refusal = RefusalOfName(document_.Values()[place.record], *after);
-  else if (field == SearchField::Key)
-    refusal = RefusalOfKey(node, *after);
-  else if (!after->starts_with(';'))
-    refusal = tr("A comment begins with a semicolon.");
-  return Replacement{place, field, *after, *after, refusal};
+  Replacement replacement{place, field, *after, *after, {}};
+  replacement.refusal = Check(replacement);
+  return replacement;
+}
+
+QString RegReplacer::Check(const Replacement& replacement) {
+  if (replacement.field == SearchField::Data) return {};
+  const std::string& after = replacement.stored;
+  if (HasControls(after)) return tr("A line has no end within.");
+  if (replacement.field == SearchField::Name) return RefusalOfName(document_.Values()[replacement.place.record], after);
+  if (replacement.field == SearchField::Key) return RefusalOfKey(*EditedKeyAt(replacement.place), after);
+  return after.starts_with(';') ? QString() : tr("A comment begins with a semicolon.");
 }
 
 std::string RegReplacer::Comparable(std::string_view name) const {
-  if (!IsWhole()) return std::string(name);
-  std::string folded;
-  while (!name.empty()) {
-    const char first = name.front();
-    if (const std::optional<char32_t> character = utf8::TakeCharacter(name)) {
-      std::array<char, utf8::kMaxCharacterBytes> bytes;
-      folded.append(bytes.data(), utf8::PutCharacter(FoldCase(*character), bytes.data()));
-    } else {
-      folded += first;
-      name.remove_prefix(1);
-    }
-  }
-  return folded;
+  return IsWhole() ? FoldedCase(name) : std::string(name);
 }
 
 QString RegReplacer::RefusalOfKey(const RegNode& key, const std::string& after) {
@@ -68,15 +53,25 @@ QString RegReplacer::RefusalOfKey(const RegNode& key, const std::string& after) 
   if (key.Parent()->Parent() == nullptr && !IsHiveName(after)) return tr("There is no hive of this name.");
   // Next to a deletion a key of the same name may stand.
   if (!IsKey(key.Tag())) return {};
-  const RegNode* same = document_.FindChild(key.Parent(), after);
-  Names& planned = planned_keys_[key.Parent()];
-  if ((same != nullptr && same != &key) || !planned.insert(Comparable(after)).second)
-    return tr("There is a key of this name already.");
-  return {};
+  const auto [at, is_new] = key_names_.try_emplace(key.Parent());
+  if (is_new)
+    for (int row = 0; row < key.Parent()->ChildCount(); ++row)
+      if (const RegNode* child = key.Parent()->Child(row); IsKey(child->Tag()))
+        at->second.insert(Comparable(child->Text()));
+  if (TakeName(at->second, Comparable(key.Text()), Comparable(after))) return {};
+  return tr("There is a key of this name already.");
+}
+
+bool RegReplacer::TakeName(Names& names, const std::string& before, const std::string& after) {
+  if (after == before) return true;
+  if (names.contains(after)) return false;
+  if (const auto old = names.find(before); old != names.end()) names.erase(old);
+  names.insert(after);
+  return true;
 }
 
 /// By the rules keys whose last components are equal share their values when they are saved.
-RegReplacer::Names& RegReplacer::NamesOf(const RegNode& key) {
+RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
   if (IsWhole()) {
     const auto [at, is_new] = value_names_.try_emplace(std::to_string(reinterpret_cast<std::uintptr_t>(&key)));
     if (is_new)
@@ -93,12 +88,8 @@ RegReplacer::Names& RegReplacer::NamesOf(const RegNode& key) {
 
 QString RegReplacer::RefusalOfName(const RegValueRecord& record, const std::string& after) {
   if (after.empty()) return tr("A value needs a name.");
-  Names& names = NamesOf(*record.owner);
-  const std::string before = Comparable(record.name), name = Comparable(after);
-  if (name == before) return {};
-  if (!names.insert(name).second) return tr("This key has a value of this name already.");
-  names.erase(before);
-  return {};
+  if (TakeName(ValueNamesOf(*record.owner), Comparable(record.name), Comparable(after))) return {};
+  return tr("This key has a value of this name already.");
 }
 
 QString RegReplacer::RefusalOfText(RegType type, const std::string& after) {
@@ -172,7 +163,7 @@ QString RegReplacer::ReasonOf(RegFault fault) {
 
 bool RegReplacer::Apply(const Replacement& replacement) {
   const std::size_t record = replacement.place.record;
-  RegNode* node = EditedKeyAt(replacement);
+  RegNode* node = EditedKeyAt(replacement.place);
   switch (replacement.field) {
     case SearchField::Name:
       document_.RenameValue(record, replacement.stored);

@@ -20,15 +20,19 @@ class RegReplacer final : public Replacer {
   explicit RegReplacer(RegDocument& document);
 
   std::optional<Replacement> Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) override;
+  QString Check(const Replacement& replacement) override;
   bool Apply(const Replacement& replacement) override;
 
  private:
-  using Names = std::unordered_set<std::string>;
+  /// As they are compared.
+  using Names = std::unordered_multiset<std::string>;
 
   bool IsWhole() const { return document_.HeldAs() == Holding::Whole; }
   QString RefusalOfKey(const RegNode& key, const std::string& after);
   QString RefusalOfName(const RegValueRecord& record, const std::string& after);
-  Names& NamesOf(const RegNode& key);
+  /// False when the name is another's.
+  static bool TakeName(Names& names, const std::string& before, const std::string& after);
+  Names& ValueNamesOf(const RegNode& key);
   /// As names are compared: by the rules they are themselves.
   std::string Comparable(std::string_view name) const;
   std::optional<Replacement> PlanData(const SearchPlace& place, const ReplaceQuery& query) const;
@@ -38,8 +42,8 @@ class RegReplacer final : public Replacer {
 
   RegDocument& document_;
   const RegCoding coding_;
-  /// Names that plans took, by the parent.
-  std::unordered_map<const RegNode*, Names> planned_keys_;
+  /// Of keys, with those of the plans, by the parent.
+  std::unordered_map<const RegNode*, Names> key_names_;
   /// Of values, with those of the plans, by what they may not share them in.
   std::unordered_map<std::string, Names> value_names_;
 };

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr QSize kPreviewSize(640, 420);
+constexpr QSize kPreviewSize(820, 460);
 
 }  // namespace
 
@@ -35,6 +35,44 @@ std::size_t ReplacementModel::ChosenCount() const {
   return static_cast<std::size_t>(std::ranges::count_if(plans_, &PlannedReplacement::is_chosen));
 }
 
+std::size_t ReplacementModel::RefusedCount() const {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(plans_, [](const auto& plan) { return !plan.replacement.refusal.isEmpty(); }));
+}
+
+bool ReplacementModel::HasManyDocuments() const {
+  return std::ranges::any_of(plans_, [&](const auto& plan) { return plan.window != plans_.front().window; });
+}
+
+bool ReplacementModel::RefuseCollisions() {
+  std::unique_ptr<Replacer> replacer;
+  const TreeDocumentWindow* window = nullptr;
+  bool has_refused = false;
+  for (PlannedReplacement& plan : plans_) {
+    if (!plan.is_chosen) continue;
+    if (plan.window != window) replacer = plan.window->Searchable().MakeReplacer();
+    window = plan.window;
+    plan.replacement.refusal = replacer->Check(plan.replacement);
+    if (plan.replacement.refusal.isEmpty()) continue;
+    plan.is_chosen = false;
+    has_refused = true;
+  }
+  if (has_refused) emit dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
+  return has_refused;
+}
+
+std::vector<MarkedRange> ReplacementModel::MarksOf(const QModelIndex& index) const {
+  if (index.column() != Before && index.column() != After) return {};
+  const PlannedReplacement& plan = plans_[static_cast<std::size_t>(index.row())];
+  const QString before = TextAt(plan, Before), after = TextAt(plan, After);
+  const auto [end, other_end] = std::ranges::mismatch(before, after);
+  const qsizetype start = end - before.begin();
+  const qsizetype most = std::min(before.size(), after.size()) - start;
+  qsizetype same = 0;
+  while (same < most && before[before.size() - 1 - same] == after[after.size() - 1 - same]) ++same;
+  return {{start, (index.column() == Before ? before : after).size() - start - same}};
+}
+
 int ReplacementModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(plans_.size());
 }
@@ -45,10 +83,14 @@ QString ReplacementModel::TextAt(const PlannedReplacement& plan, int column) con
   switch (column) {
     case Name:
       return DisplayText(target.RowOf(replacement.place).name);
+    case Path:
+      return DisplayText(target.RowOf(replacement.place).path);
     case Before:
       return DisplayText(target.TextOf(replacement.place, replacement.field));
     case After:
       return DisplayText(replacement.after);
+    case Document:
+      return DisplayText(plan.window->File().Title().toStdString());
     default:
       return replacement.refusal;
   }
@@ -58,6 +100,7 @@ QVariant ReplacementModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const PlannedReplacement& plan = plans_[static_cast<std::size_t>(index.row())];
   if (role == Qt::DisplayRole) return TextAt(plan, index.column());
+  if (role == Qt::ToolTipRole) return TipText(TextAt(plan, index.column()));
   if (role == Qt::CheckStateRole && index.column() == Name && plan.replacement.refusal.isEmpty())
     return plan.is_chosen ? Qt::Checked : Qt::Unchecked;
   return {};
@@ -79,30 +122,16 @@ Qt::ItemFlags ReplacementModel::flags(const QModelIndex& index) const {
 
 QVariant ReplacementModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  return std::array{tr("Name"), tr("Before"), tr("After"), tr("Not Possible Because")}.at(
+  return std::array{tr("Name"), tr("Path"), tr("Before"), tr("After"), tr("Not Possible Because"), tr("Document")}.at(
       static_cast<std::size_t>(section));
 }
 
 ReplacePreview::ReplacePreview(std::vector<PlannedReplacement>& plans, QWidget* parent)
-    : QDialog(parent),
-      rows_(new ReplacementModel(plans, this)),
-      count_(PlainLabel({}, this)),
-      refused_(static_cast<std::size_t>(std::ranges::count_if(
-          plans, [](const PlannedReplacement& plan) { return !plan.replacement.refusal.isEmpty(); }))) {
+    : QDialog(parent), rows_(new ReplacementModel(plans, this)), list_(BuildList()), count_(PlainLabel({}, this)) {
   setObjectName(u"replace_preview"_s);
   setWindowTitle(tr("Replace All"));
   auto* column = new QVBoxLayout(this);
-  auto* list = new QTreeView(this);
-  list->setObjectName(u"replace_list"_s);
-  list->setAccessibleName(tr("Replacements"));
-  list->setRootIsDecorated(false);
-  list->setUniformRowHeights(true);
-  list->setAllColumnsShowFocus(true);
-  list->setModel(rows_);
-  list->header()->setResizeContentsPrecision(0);
-  list->header()->resizeSections(QHeaderView::Stretch);
-  list->setColumnHidden(ReplacementModel::Reason, refused_ == 0);
-  column->addWidget(list, 1);
+  column->addWidget(list_, 1);
   count_->setObjectName(u"replace_count"_s);
   count_->setWordWrap(true);
   column->addWidget(count_);
@@ -122,15 +151,43 @@ ReplacePreview::ReplacePreview(std::vector<PlannedReplacement>& plans, QWidget* 
   connect(rows_, &QAbstractItemModel::dataChanged, this, &ReplacePreview::ShowCount);
   ShowCount();
   resize(kPreviewSize);
+  ShowColumns();
+}
+
+QTreeView* ReplacePreview::BuildList() {
+  auto* list = new QTreeView(this);
+  list->setObjectName(u"replace_list"_s);
+  list->setAccessibleName(tr("Replacements"));
+  list->setRootIsDecorated(false);
+  list->setUniformRowHeights(true);
+  list->setAllColumnsShowFocus(true);
+  list->setModel(rows_);
+  list->setItemDelegate(
+      new HitMarks([this](const QModelIndex& index, qsizetype) { return rows_->MarksOf(index); }, list));
+  list->header()->setResizeContentsPrecision(0);
+  return list;
+}
+
+void ReplacePreview::ShowColumns() {
+  list_->setColumnHidden(ReplacementModel::Reason, rows_->RefusedCount() == 0);
+  list_->setColumnHidden(ReplacementModel::Document, !rows_->HasManyDocuments());
+  const QHeaderView& header = *list_->header();
+  const int shown = ReplacementModel::ColumnCount - header.hiddenSectionCount();
   for (int part = 0; part < ReplacementModel::ColumnCount; ++part)
-    list->header()->resizeSection(part, kPreviewSize.width() / (refused_ > 0 ? 4 : 3) - 10);
+    if (!header.isSectionHidden(part)) list_->header()->resizeSection(part, list_->width() / shown);
+}
+
+void ReplacePreview::accept() {
+  if (!rows_->RefuseCollisions()) return QDialog::accept();
+  ShowColumns();
 }
 
 void ReplacePreview::ShowCount() {
   const std::size_t chosen = rows_->ChosenCount();
+  const std::size_t refused = rows_->RefusedCount();
   QString text = Counted(chosen, tr("1 text is replaced."), tr("%1 texts are replaced."));
-  if (refused_ > 0)
-    text += u' ' + Counted(refused_, tr("1 text cannot be, and stays."), tr("%1 texts cannot be, and stay."));
+  if (refused > 0)
+    text += u' ' + Counted(refused, tr("1 text cannot be, and stays."), tr("%1 texts cannot be, and stay."));
   count_->setText(text);
   replace_->setEnabled(chosen > 0);
 }

@@ -4,10 +4,12 @@
 #include <QDialog>
 #include <vector>
 
+#include "windows/tree/HitMarks.h"
 #include "windows/tree/Replacer.h"
 
 class QLabel;
 class QPushButton;
+class QTreeView;
 
 namespace tme {
 
@@ -25,13 +27,19 @@ class ReplacementModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  enum Column { Name, Before, After, Reason, ColumnCount };
+  enum Column { Name, Path, Before, After, Reason, Document, ColumnCount };
 
   /// plans: outlive it.
   ReplacementModel(std::vector<PlannedReplacement>& plans, QObject* parent);
 
   void ChooseAll(bool is_chosen);
   std::size_t ChosenCount() const;
+  std::size_t RefusedCount() const;
+  bool HasManyDocuments() const;
+  /// Refuses those of the chosen ones that collide as others are left out. Returns whether there are any.
+  bool RefuseCollisions();
+  /// What differs between before and after.
+  std::vector<MarkedRange> MarksOf(const QModelIndex& index) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : ColumnCount; }
@@ -54,13 +62,18 @@ class ReplacePreview : public QDialog {
   /// plans: outlive it; the user's choice is put there.
   ReplacePreview(std::vector<PlannedReplacement>& plans, QWidget* parent);
 
+  /// Stays with what collides now, for the user to see.
+  void accept() override;
+
  private:
+  QTreeView* BuildList();
+  void ShowColumns();
   void ShowCount();
 
   ReplacementModel* const rows_;
+  QTreeView* const list_;
   QLabel* const count_;
   QPushButton* replace_ = nullptr;
-  const std::size_t refused_;
 };
 
 }  // namespace tme

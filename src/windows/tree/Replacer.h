@@ -29,14 +29,16 @@ struct ReplaceQuery {
   std::optional<std::size_t> only{};
 };
 
-/// Plans replacements in a document, and then does them. A plan counts with those before it: two that would collide are
-/// not both allowed.
+/// Plans replacements in a document, and then does them. What is planned or checked counts with what was so before: two
+/// that would collide are not both allowed.
 class Replacer {
  public:
   virtual ~Replacer() = default;
 
   /// Null where the text stays as it is.
   virtual std::optional<Replacement> Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) = 0;
+  /// Why the document cannot have one that was planned by another replacer; empty where it can.
+  virtual QString Check(const Replacement& replacement) = 0;
   /// Does one without a refusal. Returns false, with nothing changed, when the document does not take it.
   virtual bool Apply(const Replacement& replacement) = 0;
 };
