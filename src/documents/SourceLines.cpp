@@ -88,7 +88,10 @@ void SourceLines::Reapply(Changes& changes) {
 }
 
 SourceLines::Entry& SourceLines::Edited(Piece piece) {
-  if (changes_ != nullptr) changes_->changes_.push_back({piece, pieces_[piece]});
+  if (changes_ == nullptr) return pieces_[piece];
+  // What stands between two that are removed one after the other is noted once.
+  std::vector<Changes::Change>& noted = changes_->changes_;
+  if (noted.empty() || noted.back().piece != piece) noted.push_back({piece, pieces_[piece]});
   return pieces_[piece];
 }
 

@@ -115,6 +115,7 @@ class SourceLines {
 class SourceLines::Changes {
  public:
   bool IsEmpty() const { return changes_.empty(); }
+  void Reserve(std::size_t pieces) { changes_.reserve(pieces); }
 
  private:
   friend class SourceLines;

@@ -43,6 +43,8 @@ struct IniChanges {
 
   /// row: in the list as the rows noted before left it.
   void NoteRow(IniNode* parent, IniNode* node, std::size_t row, Came came);
+  /// Makes room for rows that go one from each list, with their lines, where nothing is noted yet.
+  void MakeRoom(std::size_t count);
 
   std::vector<NodeState> nodes = {};
   std::vector<RowsChange> lists = {};

@@ -253,8 +253,8 @@ class IniTree : public EditLog<IniChanges> {
   /// Returns how many nodes are marked.
   std::size_t MarkTextEqualTo(std::string_view text);
   void MarkWalkingBack(std::string_view key);
-  void MarkEntriesWithKey(std::string_view key);
-  void RemoveMarkedLines();
+  void RemoveEntriesWithKey(std::string_view key);
+  void RemoveLinesOf(std::span<IniNode* const> entries);
   /// Linear. The selection moves when its node goes too.
   void RemoveMarked();
   void CompactChildren(IniNode* parent);

@@ -2,6 +2,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "documents/ini/IniLine.h"
 #include "documents/ini/IniTree.h"
@@ -13,6 +14,15 @@ namespace {
 EditName RemovalOf(IniTag tag) {
   if (tag == IniTag::Section) return EditName::DeleteSection;
   return tag == IniTag::Value ? EditName::DeleteEntry : EditName::Delete;
+}
+
+/// False for most lines that have another key, found at their first characters.
+bool MayBegin(std::string_view line, std::string_view key) {
+  const std::size_t first = line.find_first_not_of(" \t");
+  if (first == line.npos || key.empty()) return true;
+  constexpr char kCaseBit = 'a' - 'A';
+  const auto is_letter = [](char c) { return (c | kCaseBit) >= 'a' && (c | kCaseBit) <= 'z'; };
+  return !is_letter(line[first]) || !is_letter(key.front()) || (line[first] | kCaseBit) == (key.front() | kCaseBit);
 }
 
 /// Calls visit for every node but the root.
@@ -62,12 +72,12 @@ void IniTree::RemoveSelectedKey() {
   if (selected_->tag_ != IniTag::Value) return;
   const Step step(*this, EditName::DeleteFromAllSections);
   observer_->BeforeReset();
-  if (holding_ == Holding::Whole)
-    MarkEntriesWithKey(KeyOf(*selected_));
-  else
+  if (holding_ == Holding::Whole) {
+    RemoveEntriesWithKey(KeyOf(*selected_));
+  } else {
     MarkWalkingBack(EntryKeyOf(selected_->Text()));
-  RemoveMarkedLines();
-  RemoveMarked();
+    RemoveMarked();
+  }
   EndReset();
 }
 
@@ -150,24 +160,29 @@ void IniTree::MarkWalkingBack(std::string_view key) {
   }
 }
 
-void IniTree::MarkEntriesWithKey(std::string_view key) {
+/// The selection's, in whole holding.
+void IniTree::RemoveEntriesWithKey(std::string_view key) {
+  std::vector<IniNode*> entries;
   ForEachNode(*root_, [&](IniNode* node) {
-    if (node->tag_ != IniTag::Value || CompareFolded(KeyOf(*node), key) != 0) return;
+    if (node->tag_ != IniTag::Value || !MayBegin(node->Text(), key) || CompareFolded(KeyOf(*node), key) != 0) return;
     node->removed_ = true;
+    entries.push_back(node);
   });
+  Noted().MakeRoom(entries.size());
+  RemoveLinesOf(entries);
+  MoveSelection(NextSelected(selected_));
+  for (const IniNode* entry : entries)
+    if (entry->removed_) CompactChildren(entry->parent_);
+  NoteRevision();
 }
 
-/// Those that touch go together.
-void IniTree::RemoveMarkedLines() {
-  const auto is_marked = [this](Piece piece) {
-    const IniNode* node = NodeOf(piece);
-    return node != nullptr && node->removed_;
-  };
-  for (Piece at = lines_.First(); at != SourceLines::kEnds; at = lines_.Next(at)) {
-    if (!is_marked(at)) continue;
-    const Piece first = at;
-    while (is_marked(lines_.Next(at))) at = lines_.Next(at);
-    lines_.Remove(first, at);
+/// Those that follow one another in the file go together.
+void IniTree::RemoveLinesOf(std::span<IniNode* const> entries) {
+  for (auto at = entries.begin(); at != entries.end();) {
+    const Piece first = PieceOf(**at);
+    Piece last = first;
+    while (++at != entries.end() && PieceOf(**at) == lines_.Next(last)) last = lines_.Next(last);
+    lines_.Remove(first, last);
   }
 }
 

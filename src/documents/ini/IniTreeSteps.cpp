@@ -35,6 +35,13 @@ void IniChanges::NoteRow(IniNode* parent, IniNode* node, std::size_t row, Came c
   rows.push_back({node, place});
 }
 
+void IniChanges::MakeRoom(std::size_t count) {
+  if (!rows.empty() || !lines.IsEmpty()) return;
+  lists.reserve(count);
+  rows.reserve(count);
+  lines.Reserve(2 * count);
+}
+
 void IniTree::StepBegins(IniChanges& changes) {
   changes.before = Totals();
   changes.arrangement = arranged_;
