@@ -106,6 +106,8 @@ TEST_F(SourceBesideTree, SelectionGoesBothWays) {
     EXPECT_TRUE(View().hasFocus());
     GoTo(4);
     WaitFor([&] { return Ini().Tree().Selected()->Text() == (holding == Holding::Whole ? "y=2" : "A"); });
+    GoTo(View().LineCount() - 1);
+    WaitFor([&] { return Ini().Tree().Selected()->Text() == (holding == Holding::Whole ? "z=" : "B"); });
     window_->FileClose();
 
     OpenWith(DocumentKind::Reg, holding, kRegText);
@@ -118,8 +120,44 @@ TEST_F(SourceBesideTree, SelectionGoesBothWays) {
     GoTo(7);
     ExpectMarked("\"z\"=\"\"\r\n");
     EXPECT_EQ(Reg().Document().Selected()->Text(), "B");
+    SelectKey({u"HKEY_USERS"_s});
+    ExpectMarked("[HKEY_USERS\\A]\r\n");
+    GoTo(View().LineCount() - 1);
+    ExpectMarked("[HKEY_USERS\\A\\B]\r\n");
     window_->FileClose();
   }
+}
+
+TEST_F(SourceBesideTree, NoMarkStaysOnLinesThatMoved) {
+  OpenWith(DocumentKind::Ini, Holding::Whole, kIniText);
+  ExpectShown(kIniText);
+  Select(Ini(), {u"A"_s, u"y=2"_s});
+  ExpectMarked("y=2\r\n");
+  GoTo(3);
+  QTest::keyClick(&View(), Qt::Key_Return);
+  Saved();
+  Select(Ini(), {u"B"_s});
+  ExpectMarked("[B]\r\n");
+  const auto next = [&](long from) {
+    return View().SendScintilla(QsciScintillaBase::SCI_MARKERNEXT, static_cast<unsigned long>(from), 1L);
+  };
+  EXPECT_EQ(next(0), View().Marked().front().first);
+  EXPECT_EQ(next(next(0) + 1), -1);
+}
+
+TEST_F(SourceBesideTree, OnlyALongLineIsPlain) {
+  std::string text = "[A]\r\nx=" + std::string(300'000, 'y') + "\r\n";
+  for (int line = 0; line < 100; ++line) text += "z=1\r\n";
+  OpenWith(DocumentKind::Ini, Holding::Whole, text);
+  ExpectShown(text);
+  const auto styled_end = [&] { return View().SendScintilla(QsciScintillaBase::SCI_GETENDSTYLED); };
+  WaitFor([&] { return View().viewport()->repaint(), styled_end() == View().End(); });
+  GoTo(View().LineCount() - 1);
+  const auto last_key = static_cast<unsigned long>(View().End() - 5);
+  WaitFor([&] {
+    View().viewport()->repaint();
+    return View().SendScintilla(QsciScintillaBase::SCI_GETSTYLEAT, last_key) == static_cast<long>(SourceStyle::Name);
+  });
 }
 
 TEST_F(SourceBesideTree, WhereItIsAndHowLargeIsRemembered) {
@@ -134,9 +172,12 @@ TEST_F(SourceBesideTree, WhereItIsAndHowLargeIsRemembered) {
   window_->ViewSourceBeside();
   EXPECT_EQ(splitter()->orientation(), Qt::Horizontal);
   EXPECT_TRUE(is_checked("menu_ViewSourceBeside"));
-  registry_.WriteValue(SettingsRoot, u"Source Width"_s, u"3000"_s);
+  registry_.WriteValue(SettingsRoot, u"Source Width"_s, u"30000"_s);
   window_->FileClose();
   OpenWith(DocumentKind::Reg, Holding::Whole, kRegText);
+  WaitFor([&] { return View().isVisible() && splitter()->width() > 200; });
+  EXPECT_LE(View().width(), splitter()->width() * 3 / 4) << "the tree keeps a quarter";
+  EXPECT_GE(View().width(), splitter()->width() / 2);
   EXPECT_EQ(splitter()->orientation(), Qt::Horizontal);
   ExpectShown(kRegText);
   QTest::keyClick(&View(), Qt::Key_Tab);

@@ -38,9 +38,10 @@ std::optional<std::uint64_t> WrittenLineOf(const IniTree& tree, const IniNode& n
 IniNode* NodeAtWrittenLine(const IniTree& tree, std::uint64_t wanted) {
   IniNode* found = nullptr;
   ForEachWritten(tree, [&](IniNode* at, std::uint64_t line, std::uint64_t lines) {
+    found = at;
     if (wanted >= line + lines) return false;
     const bool is_below = wanted > line && wanted < line + lines - 1;
-    found = is_below ? at->Child(static_cast<int>(wanted - line - 1)) : at;
+    if (is_below) found = at->Child(static_cast<int>(wanted - line - 1));
     return true;
   });
   return found;

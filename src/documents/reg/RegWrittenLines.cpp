@@ -35,8 +35,11 @@ void RegWrittenLines::ForEachKey(Visit visit) const {
 
 std::optional<std::uint64_t> RegWrittenLines::LineOf(const RegPlace& place) const {
   std::optional<std::uint64_t> found;
+  const RegTag tag = place.key->Tag();
+  const bool is_implied =
+      tag == RegTag::Hive || (tag == RegTag::Branch && index_.GroupOf(*place.key) == RegValueIndex::kNoGroup);
   ForEachKey([&](const RegNode& node, std::uint64_t line, std::uint32_t group) {
-    if (&node != place.key) return false;
+    if (is_implied ? !IsAtOrBelow(&node, place.key) : &node != place.key) return false;
     if (!place.record) {
       found = line;
       return true;
@@ -54,8 +57,8 @@ RegPlace RegWrittenLines::At(std::uint64_t wanted) const {
   RegPlace place;
   ForEachKey([&](const RegNode& node, std::uint64_t line, std::uint32_t group) {
     if (wanted < line) return true;
-    if (wanted >= line + counts_[group] + 2) return false;
     place.key = &node;
+    if (wanted >= line + counts_[group] + 2) return false;
     index_.ForEachRecord(group, [&](const RegValueRecord& record) {
       if (++line == wanted) place.record = NumberOf(document_, record);
     });

@@ -21,9 +21,9 @@ struct RegPlace {
 class RegWrittenLines {
  public:
   explicit RegWrittenLines(const RegDocument& document);
-  /// Null for what is not written there.
+  /// A key that only longer paths imply is where the first of them is. Null for what is not written there.
   std::optional<std::uint64_t> LineOf(const RegPlace& place) const;
-  /// The line behind a key is its own. No key before the first one and behind the last one.
+  /// The line behind a key is its own, and so are those behind the last one. No key before the first one.
   RegPlace At(std::uint64_t line) const;
 
  private:

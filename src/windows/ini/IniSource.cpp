@@ -29,7 +29,7 @@ void IniSource::SelectLine(const SourceView& text, PadPosition line) {
     return;
   }
   const SourceLines& lines = tree_.Lines();
-  SourceLines::Piece piece = lines.PieceAt(static_cast<std::uint64_t>(text.StartOf(line)));
+  SourceLines::Piece piece = PieceOfLine(lines, text, line);
   // A blank line belongs to what stands above it.
   while (piece != SourceLines::kEnds && tree_.NodeOf(piece) == nullptr) piece = lines.Previous(piece);
   if (piece != SourceLines::kEnds) select_(tree_.NodeOf(piece));

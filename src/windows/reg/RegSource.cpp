@@ -37,9 +37,8 @@ std::vector<SourceLineRange> RegSource::SelectedLines(const SourceView& text) co
 }
 
 void RegSource::SelectLine(const SourceView& text, PadPosition line) {
-  const RegPlace place =
-      IsWhole() ? PlaceOfPiece(document_, document_.Lines().PieceAt(static_cast<std::uint64_t>(text.StartOf(line))))
-                : Written().At(static_cast<std::uint64_t>(line));
+  const RegPlace place = IsWhole() ? PlaceOfPiece(document_, PieceOfLine(document_.Lines(), text, line))
+                                   : Written().At(static_cast<std::uint64_t>(line));
   if (place.key != nullptr) window_.select(place);
 }
 

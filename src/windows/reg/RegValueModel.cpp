@@ -153,7 +153,8 @@ Qt::ItemFlags RegValueModel::flags(const QModelIndex& index) const {
 }
 
 QVariant RegValueModel::data(const QModelIndex& index, int role) const {
-  if (!index.isValid()) return {};
+  // A view may ask between a change and its being told.
+  if (!index.isValid() || RecordOf(index) >= document_.Values().size()) return {};
   if (document_.HeldAs() == Holding::Whole) return DecodedData(RecordOf(index), index.column(), role);
   const RegValueRecord& record = document_.Values()[RecordOf(index)];
   if (role == Qt::DecorationRole && index.column() == Name) {

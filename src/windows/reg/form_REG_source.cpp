@@ -14,7 +14,8 @@ std::unique_ptr<SourceDocument> form_REG::MakeSourceDocument() {
   const auto selected = [this] {
     RegPlace place{document_.Selected(), {}};
     const QModelIndex row = LV->currentIndex();
-    if (FocusMarker == Focus::LV && row.isValid()) place.record = values_->RecordOf(row);
+    if (FocusMarker == Focus::LV && row.isValid() && values_->RecordOf(row) < document_.Values().size())
+      place.record = values_->RecordOf(row);
     return place;
   };
   const auto change = [this](const std::function<void()>& edit) {

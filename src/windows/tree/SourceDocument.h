@@ -31,6 +31,13 @@ class SourceDocument {
   virtual const SourceLines* Pieces() const = 0;
   /// Puts lines in the place of pieces, as one step. Both are kEnds in an empty document.
   virtual void ReplaceLines(SourceLines::Piece first, SourceLines::Piece last, std::string_view lines) = 0;
+
+ protected:
+  /// The last, empty line is the last piece's.
+  static SourceLines::Piece PieceOfLine(const SourceLines& pieces, const SourceView& text, PadPosition line) {
+    const SourceLines::Piece piece = pieces.PieceAt(static_cast<std::uint64_t>(text.StartOf(line)));
+    return piece == SourceLines::kEnds ? pieces.Last() : piece;
+  }
 };
 
 }  // namespace tme

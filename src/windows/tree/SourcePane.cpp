@@ -18,6 +18,8 @@ namespace {
 constexpr int kTypingPause = 800;  // milliseconds
 /// Where the settings have no size, the pane takes this share of the room.
 constexpr double kShare = 0.45;
+/// It leaves the tree the rest, whatever the settings have.
+constexpr double kMostShare = 0.75;
 constexpr QSize kLeastSize{120, 60};  // pixels
 
 }  // namespace
@@ -30,6 +32,7 @@ SourcePane::SourcePane(Global& global, QSplitter& splitter, std::unique_ptr<Sour
   connect(&follow_, &QTimer::timeout, this, &SourcePane::FollowNow);
   connect(&pause_, &QTimer::timeout, this, &SourcePane::Commit);
   connect(&splitter_, &QSplitter::splitterMoved, this, &SourcePane::WriteSize);
+  splitter_.installEventFilter(this);
 }
 
 SourcePane::~SourcePane() {
@@ -48,6 +51,8 @@ void SourcePane::ApplySettings() {
   else if (is_turned)
     ReadSize();
 }
+
+bool SourcePane::IsBeside() const { return splitter_.orientation() == Qt::Horizontal; }
 
 void SourcePane::Show() {
   view_ = new SourceView(&splitter_, document_->Lexer());
@@ -78,20 +83,23 @@ void SourcePane::Hide() {
 }
 
 void SourcePane::ReadSize() {
-  const bool beside = splitter_.orientation() == Qt::Horizontal;
-  const int room = beside ? splitter_.width() : splitter_.height();
-  const QString text = global_.registry.ReadValue(SettingsRoot, beside ? u"Source Width"_s : u"Source Height"_s);
-  const int twips = ParseTwips(text).value_or(0);
-  const int size = twips > 0 ? TwipsToPixels(twips, splitter_.logicalDpiX()) : static_cast<int>(room * kShare);
-  splitter_.setSizes({std::max(room - size, 1), size});
+  const QString text = global_.registry.ReadValue(SettingsRoot, IsBeside() ? u"Source Width"_s : u"Source Height"_s);
+  wanted_size_ = TwipsToPixels(std::max(ParseTwips(text).value_or(0), 0), splitter_.logicalDpiX());
+  ApplySize();
+}
+
+void SourcePane::ApplySize() {
+  const int room = IsBeside() ? splitter_.width() : splitter_.height();
+  const double wanted = wanted_size_ > 0 ? std::min<double>(wanted_size_, room * kMostShare) : room * kShare;
+  splitter_.setSizes({room - static_cast<int>(wanted), static_cast<int>(wanted)});
 }
 
 void SourcePane::WriteSize() {
-  if (!view_ || !global_.settings.present) return;
-  const bool beside = splitter_.orientation() == Qt::Horizontal;
-  const int pixels = beside ? view_->width() : view_->height();
-  global_.registry.WriteValue(SettingsRoot, beside ? u"Source Width"_s : u"Source Height"_s,
-                              QString::number(PixelsToTwips(pixels, splitter_.logicalDpiX())));
+  if (!view_) return;
+  wanted_size_ = IsBeside() ? view_->width() : view_->height();
+  if (!global_.settings.present) return;
+  global_.registry.WriteValue(SettingsRoot, IsBeside() ? u"Source Width"_s : u"Source Height"_s,
+                              QString::number(PixelsToTwips(wanted_size_, splitter_.logicalDpiX())));
 }
 
 void SourcePane::Follow() {
@@ -148,6 +156,10 @@ void SourcePane::Commit() {
 
 bool SourcePane::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
+    case QEvent::Resize:
+      // A window that opens has its size only now.
+      if (watched == &splitter_ && view_) ApplySize();
+      break;
     case QEvent::MouseButtonPress:
       if (watched != view_ && watched != view_->viewport()) Commit();
       break;

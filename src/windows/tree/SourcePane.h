@@ -38,7 +38,7 @@ class SourcePane : public QObject {
   void DocumentEdited();
 
  protected:
-  /// While something is typed: whatever the user does elsewhere comes after it.
+  /// Of the splitter; while something is typed, of all: whatever the user does elsewhere comes after it.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -47,7 +47,9 @@ class SourcePane : public QObject {
   void FollowNow();
   void ShowSelection();
   void SelectCaretLine();
+  bool IsBeside() const;
   void ReadSize();
+  void ApplySize();
   void WriteSize();
 
   Global& global_;
@@ -55,13 +57,14 @@ class SourcePane : public QObject {
   const std::unique_ptr<SourceDocument> document_;
   /// Of the splitter; null while the pane is hidden.
   QPointer<SourceView> view_;
+  /// Pixels, as the user wants them where there is room; 0: a share of the room.
+  int wanted_size_ = 0;
   QTimer follow_;
   QTimer pause_;
   /// Of what is shown.
   std::optional<std::uint64_t> revision_;
   /// Whose node the caret selected.
   std::optional<PadPosition> selected_line_;
-  bool is_selecting_ = false;
   bool is_committing_ = false;
 };
 

@@ -57,6 +57,7 @@ SourceView::SourceView(QWidget* parent, const SourceLexer& lexer) : TextPad(pare
     emit Typed();
   });
   connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+    if (updated & SC_UPDATE_V_SCROLL && is_plain_in_sight_) StyleInSight();
     if (updated & SC_UPDATE_SELECTION && hasFocus() && !is_following_) emit CaretMoved();
   });
   ApplyEditable();
@@ -125,14 +126,12 @@ void SourceView::Accept() {
 
 void SourceView::Mark(const std::vector<SourceLineRange>& lines) {
   if (lines == marked_) return;
-  const auto for_each = [this](const auto& visit) {
-    for (const SourceLineRange& range : marked_)
-      for (PadPosition line = range.first; line < range.first + range.count; ++line)
-        visit(static_cast<std::uintptr_t>(line));
-  };
-  for_each([this](std::uintptr_t line) { Send(SCI_MARKERDELETE, line, 0); });
+  // Marks move with what is typed above them.
+  Send(SCI_MARKERDELETEALL, 0);
   marked_ = lines;
-  for_each([this](std::uintptr_t line) { Send(SCI_MARKERADD, line, 0); });
+  for (const SourceLineRange& range : marked_)
+    for (PadPosition line = range.first; line < range.first + range.count; ++line)
+      Send(SCI_MARKERADD, static_cast<std::uintptr_t>(line), 0);
 }
 
 void SourceView::Reveal(const SourceLineRange& lines) {
@@ -174,6 +173,9 @@ void SourceView::StyleInSight() {
   const PadPosition last = std::min(first + Send(SCI_LINESONSCREEN) + 1, LineCount() - 1);
   PadPosition start = 0;
   const SourcePart part = PartAround(std::min(first, last), last, start);
+  is_plain_in_sight_ = part.text.empty();
+  // Each question has the component lay out all lines in sight again, so it may not ask with each painting.
+  if (is_plain_in_sight_) return void(Send(SCI_STARTSTYLING, static_cast<std::uintptr_t>(End())));
   std::string styles(part.text.size(), '\0');
   const std::vector<SourceFault> faults = lexer_.Read(part, styles);
   const PadPosition end = start + static_cast<PadPosition>(part.text.size());

@@ -78,6 +78,8 @@ class SourceView : public TextPad {
 
   const SourceLexer& lexer_;
   std::vector<SourceLineRange> marked_;
+  /// Too long to be styled.
+  bool is_plain_in_sight_ = false;
   bool is_editable_ = false;
   bool is_typed_ = false;
   bool is_following_ = false;
