@@ -147,6 +147,7 @@ class DocumentWindow : public QWidget {
   /// The same for what takes time in proportion to the document.
   virtual DocumentFigures Figures() const { return {}; }
   /// A step of undo that was done already: what takes it back and makes it again. The document is changed.
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): kinds that have undo take them over.
   virtual void AddFormatStep(std::function<void()> /*undo*/, std::function<void()> /*redo*/) {}
   /// All characters of the document in lines, in time in proportion to it.
   virtual PartProducer Characters() { return Producer(); }
