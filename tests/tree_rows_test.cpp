@@ -71,6 +71,24 @@ TEST_F(TreeRows, AreRenamedInPlaceWhereTheFileIsHeldWhole) {
   EXPECT_EQ(window.Content(), "; d\n[u] ; t\n b = 1\n");
 }
 
+TEST_F(TreeRows, AreTakenAsTheyAreTypedBeforeASaveAndAClose) {
+  form_INI& window = OpenIni("[s]\na = 1\n", Holding::Whole);
+  Select(window, {u"s"_s, u"a = 1"_s});
+  const auto type = [&](const QString& name) {
+    global_.menus.Action(u"menu_EditLineRename"_s)->trigger();
+    QTest::keyClicks(RowBox(window), name);
+  };
+  type(u"b"_s);
+  window.SaveFile();
+  EXPECT_EQ(BytesOf(InFolder(u"w.ini"_s)), "[s]\nb = 1\n");
+  type(u"c"_s);
+  dialogs_.ExpectMsgBox(u"Save this file?\r"_s + InFolder(u"w.ini"_s), u"Document Changed"_s, MsgButtons::YesNoCancel,
+                        MsgAnswer::Yes);
+  window.FileClose();
+  EXPECT_FALSE(window.IsOpen());
+  EXPECT_EQ(BytesOf(InFolder(u"w.ini"_s)), "[s]\nc = 1\n");
+}
+
 TEST_F(TreeRows, OfRegistryFilesAreRenamedInPlace) {
   OpenReg(kReg);
   EXPECT_EQ(Reg().Document().Selected()->KeyPath(), "HKEY_USERS\\A\\B") << "the first key with values";

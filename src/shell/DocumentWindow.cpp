@@ -200,6 +200,7 @@ void DocumentWindow::ShowWriteFailure(const QString& path, const FileFailure& fa
 void DocumentWindow::FileClose() { CloseDocument(); }
 
 bool DocumentWindow::CloseDocument() {
+  CommitTyping();
   if (!ConfirmClose()) return false;
   DocumentCloses();
   ReleaseSlot();

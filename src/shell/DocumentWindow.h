@@ -107,6 +107,10 @@ class DocumentWindow : public QWidget {
   /// The save of AutoSave and Save All, in the kind's plain form.
   virtual SaveOutcome SavePlain(const SaveRequest& request) { return Save(request); }
 
+  /// What is being typed somewhere in the window becomes an edit. Called before anything else reads or changes the
+  /// document.
+  virtual void CommitTyping() {}
+
   /// printer: not kept.
   virtual void PrintDoc(QPrinter& printer) = 0;
   /// Closes the window, with its question about unsaved changes.

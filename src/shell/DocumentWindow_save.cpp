@@ -23,6 +23,7 @@ QString AskForPath(Global& global, SaveDialogTexts texts, const SaveRequest& req
 }  // namespace
 
 DocumentWindow::SaveOutcome DocumentWindow::Save(const SaveRequest& request) {
+  CommitTyping();
   const bool has_place = !request.chosen_path.isEmpty();
   const bool asks = !has_place && (request.path == SaveRequest::Path::AskedAlways || file_.Path().isEmpty());
   QString path = asks ? AskForPath(global_, SaveTexts(), request) : has_place ? request.chosen_path : file_.Path();

@@ -222,6 +222,7 @@ void mdform_TMEditor::ExitApplication() {
     (sub_window ? sub_window : &window)->deleteLater();
     documents_.Release(window);
   };
+  documents_.ForEachOpen([](DocumentWindow& window) { window.CommitTyping(); });
   documents_.ForEach([&](DocumentWindow& window) {
     if (window.IsOpen())
       window.SubWindow()->showMinimized();

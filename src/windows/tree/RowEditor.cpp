@@ -1,6 +1,8 @@
 #include "windows/tree/RowEditor.h"
 
 #include <QAccessible>
+#include <QCoreApplication>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <limits>
@@ -12,13 +14,26 @@
 using namespace Qt::StringLiterals;
 
 namespace tme {
+namespace {
+
+const QString kEditorName = QStringLiteral("row_editor");
+
+}  // namespace
 
 RowEditor::RowEditor(QString accessible_name, Texts texts, QObject* parent)
     : HitMarks({}, parent), accessible_name_(std::move(accessible_name)), texts_(std::move(texts)) {}
 
+void RowEditor::Finish(QWidget& window) {
+  auto* editor = window.findChild<QLineEdit*>(kEditorName);
+  if (!editor) return;
+  if (editor->hasFocus()) return window.setFocus();
+  QFocusEvent out(QEvent::FocusOut);
+  QCoreApplication::sendEvent(editor, &out);
+}
+
 QWidget* RowEditor::createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const {
   auto* box = new QLineEdit(parent);
-  box->setObjectName(u"row_editor"_s);
+  box->setObjectName(kEditorName);
   box->setAccessibleName(accessible_name_);
   box->setMaxLength(std::numeric_limits<int>::max());
   box->setAutoFillBackground(true);

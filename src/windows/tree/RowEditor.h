@@ -27,6 +27,9 @@ class RowEditor : public HitMarks {
   /// accessible_name: of the field.
   RowEditor(QString accessible_name, Texts texts, QObject* parent);
 
+  /// Takes what is being typed in a row of a window, as if the keys went elsewhere.
+  static void Finish(QWidget& window);
+
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
   void setEditorData(QWidget* editor, const QModelIndex& index) const override;
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;

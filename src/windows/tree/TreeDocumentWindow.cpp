@@ -98,7 +98,7 @@ TreeDocumentWindow::Switch TreeDocumentWindow::ConfirmSwitch() {
 }
 
 void TreeDocumentWindow::WholeFile() {
-  CommitSource();
+  CommitTyping();
   const Switch confirmed = ConfirmSwitch();
   if (confirmed == Switch::Refused) return;
   const bool has_file = !file_.Path().isEmpty();

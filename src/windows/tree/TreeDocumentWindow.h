@@ -62,7 +62,7 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   /// Puts it beside the tree, or below it again.
   Q_INVOKABLE void ViewSourceBeside();
 
-  SaveOutcome Save(const SaveRequest& request) override;
+  void CommitTyping() override;
 
   /// Opens the find bar with the text that was last sought, or gives it the focus.
   Q_INVOKABLE void SearchFind();
@@ -101,8 +101,6 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   virtual std::unique_ptr<SourceDocument> MakeSourceDocument() = 0;
   /// Something else may be selected now.
   void FollowInSource();
-  /// What is typed in the source becomes an edit; before anything else reads or changes the document.
-  void CommitSource();
 
   // The form of a document that is held whole.
   virtual LineEnds UsedLineEnds() const = 0;

@@ -8,6 +8,7 @@
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Settings.h"
+#include "windows/tree/RowEditor.h"
 #include "windows/tree/SourceDocument.h"
 #include "windows/tree/SourcePane.h"
 #include "windows/tree/TreeDocumentWindow.h"
@@ -63,13 +64,9 @@ void TreeDocumentWindow::FollowInSource() {
   source_->Follow();
 }
 
-void TreeDocumentWindow::CommitSource() {
+void TreeDocumentWindow::CommitTyping() {
   if (source_) source_->Commit();
-}
-
-TreeDocumentWindow::SaveOutcome TreeDocumentWindow::Save(const SaveRequest& request) {
-  CommitSource();
-  return DocumentWindow::Save(request);
+  RowEditor::Finish(*this);
 }
 
 }  // namespace tme

@@ -64,7 +64,7 @@ void TreeDocumentWindow::AddFormatStep(std::function<void()> undo, std::function
 }
 
 void TreeDocumentWindow::EditUndo() {
-  CommitSource();
+  CommitTyping();
   const WaitCursor wait_cursor;
   NotePosition();
   Document().Undo();
@@ -72,7 +72,7 @@ void TreeDocumentWindow::EditUndo() {
 }
 
 void TreeDocumentWindow::EditRedo() {
-  CommitSource();
+  CommitTyping();
   const WaitCursor wait_cursor;
   NotePosition();
   Document().Redo();
