@@ -67,7 +67,10 @@ StatusLine::StatusLine(QStatusBar& bar, Source source) : QWidget(&bar), source_(
   connect(&delay_, &QTimer::timeout, this, [this] { WorksOrAsks() ? Refresh() : ShowNow(); });
   copied_.setSingleShot(true);
   copied_.setInterval(kCopiedMs);
-  connect(&copied_, &QTimer::timeout, this, [this] { ShowPath(state_); });
+  connect(&copied_, &QTimer::timeout, this, [this] {
+    ShowPath(state_);
+    Arrange();
+  });
   auto* back = new QShortcut(u"F6"_s, this);
   back->setContext(Qt::WidgetWithChildrenShortcut);
   connect(back, &QShortcut::activated, this, &StatusLine::BackToDocument);
