@@ -46,15 +46,20 @@ RtfOriginal::RtfOriginal(std::string bytes, const RtfDocument& document, RtfSour
 }
 
 void RtfOriginal::SetUnedited(const RtfDocument& exported) {
-  has_same_tables_ = SameTables(exported, document_) && exported.paragraphs.size() == document_.paragraphs.size();
   unedited_ = ParagraphHashes(exported);
+  unedited_tables_.cells = exported.cells;
+  unedited_tables_.rows = exported.rows;
+  unedited_tables_.tables = exported.tables;
 }
 
 std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, const DecodeCodePage& decode) const {
-  if (!has_same_tables_ || source_.marks.size() != document_.paragraphs.size() || !SameTables(edited, document_))
-    return std::nullopt;
-  const std::vector<RtfHunk> hunks = HunksBetween(unedited_, ParagraphHashes(edited));
-  if (hunks.empty()) return bytes_;
+  const std::vector<std::uint64_t> hashes = ParagraphHashes(edited);
+  if (!SameTables(edited, unedited_tables_)) return std::nullopt;
+  if (hashes == unedited_) return bytes_;
+  const bool stands_in_source = source_.marks.size() == document_.paragraphs.size() &&
+                                unedited_.size() == document_.paragraphs.size() && SameTables(edited, document_);
+  if (!stands_in_source) return std::nullopt;
+  const std::vector<RtfHunk> hunks = HunksBetween(unedited_, hashes);
   std::optional<std::string> spliced = RtfSplicer(bytes_, document_, source_, edited, {fonts_, colors_}).Run(hunks);
   if (spliced && !IsAsMeant(ReadRtf(*spliced, decode), document_, edited, hunks, fonts_)) spliced.reset();
   return spliced;

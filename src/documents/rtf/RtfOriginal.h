@@ -41,7 +41,8 @@ class RtfOriginal {
   std::size_t colors_;
   /// A number for each paragraph of the unedited view.
   std::vector<std::uint64_t> unedited_;
-  bool has_same_tables_ = false;
+  /// Its cells, rows and tables alone.
+  RtfDocument unedited_tables_;
 };
 
 }  // namespace tme::rtf
