@@ -197,6 +197,9 @@ TEST_F(TreeRows, AreReachedByKeysAndLeaveACollapsedSelection) {
   EXPECT_EQ(Current(window), u"z=1");
   QTest::keyClick(tree, Qt::Key_Home);
   EXPECT_EQ(Current(window), u"w.ini");
+  QTest::keyClick(tree, Qt::Key_End, Qt::ControlModifier);
+  EXPECT_EQ(tree->selectionModel()->selectedIndexes(), QModelIndexList{tree->currentIndex()}) << "one row alone";
+  EXPECT_EQ(Current(window), u"z=1");
   const auto click = [&](const QStringList& path, Qt::KeyboardModifiers modifiers) {
     const QModelIndex before = tree->currentIndex();
     Select(window, path);

@@ -134,6 +134,10 @@ QItemSelectionModel::SelectionFlags DocumentTreeView::selectionCommand(const QMo
   if (!index.isValid()) return QItemSelectionModel::NoUpdate;
   // Ctrl may be held for the shortcut of a command.
   if (event == nullptr) return QItemSelectionModel::ClearAndSelect;
+  // Commands go by the current row and by the selected ones, so no key leaves the two apart.
+  const bool is_key = event->type() == QEvent::KeyPress;
+  if (is_key && (static_cast<const QKeyEvent*>(event)->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier)
+    return QItemSelectionModel::ClearAndSelect;
   const QItemSelectionModel::SelectionFlags command = QTreeView::selectionCommand(index, event);
   const QItemSelection& selected = selectionModel()->selection();
   const bool is_last = selected.size() == 1 && selected.first().height() == 1 && selected.contains(index);
