@@ -1,4 +1,5 @@
 #include <QAction>
+#include <QPointer>
 #include <QSplitter>
 #include <QTest>
 
@@ -182,8 +183,14 @@ TEST_F(SourceBesideTree, WhereItIsAndHowLargeIsRemembered) {
   ExpectShown(kRegText);
   QTest::keyClick(&View(), Qt::Key_Tab);
   EXPECT_FALSE(View().hasFocus());
-  window_->ViewSource();
-  EXPECT_EQ(window_->findChild<SourceView*>(), nullptr);
+  OpenPathList(global_, File(u"b.ini"_s, kIniText));
+  auto& other = dynamic_cast<TreeDocumentWindow&>(*global_.area.ActiveDocument());
+  EXPECT_NE(other.findChild<SourceView*>(), nullptr);
+  const QPointer<SourceView> gone = &View();
+  other.ViewSource();
+  EXPECT_TRUE(gone) << "a press in it may be going on";
+  EXPECT_EQ(window_->findChild<SourceView*>(), nullptr) << "in all windows";
+  global_.area.Activate(*window_);
   EXPECT_FALSE(is_checked("menu_ViewSource"));
   Settings next;
   next.ReadFrameGroup(registry_);

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QScopedValueRollback>
 #include <QSplitter>
+#include <utility>
 
 #include "shell/Global.h"
 #include "shell/Settings.h"
@@ -78,7 +79,11 @@ void SourcePane::Hide() {
   follow_.stop();
   revision_.reset();
   const bool had_focus = view_->hasFocus();
-  delete view_;
+  // A press of the mouse in it may be what brought us here.
+  SourceView* const gone = std::exchange(view_, nullptr);
+  gone->disconnect(this);
+  gone->setParent(nullptr);
+  gone->deleteLater();
   if (had_focus) splitter_.widget(0)->setFocus();
 }
 

@@ -163,6 +163,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   /// Whether the document's text fits a format, or the user agrees to the one that is put in its place.
   bool FitsOrIsAgreed(TextFormat& format);
   void ShowSourceItems();
+  /// In all windows that show a tree.
+  void ApplySourceSettings();
   /// A window that is as narrow as a tree alone becomes wide enough for the source beside it.
   void MakeRoomForSource();
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "shell/DocumentArea.h"
+#include "shell/DocumentTable.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Settings.h"
@@ -34,14 +35,20 @@ QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
 
 void TreeDocumentWindow::ViewSource() {
   global_.settings.SetFlag(&Settings::show_source, !global_.settings.show_source, global_.registry);
-  MakeRoomForSource();
-  UpdateCommands();
+  ApplySourceSettings();
 }
 
 void TreeDocumentWindow::ViewSourceBeside() {
   global_.settings.SetFlag(&Settings::source_beside, !global_.settings.source_beside, global_.registry);
+  ApplySourceSettings();
+}
+
+void TreeDocumentWindow::ApplySourceSettings() {
   MakeRoomForSource();
   UpdateCommands();
+  global_.documents.ForEachOpen([](DocumentWindow& window) {
+    if (auto* tree = qobject_cast<TreeDocumentWindow*>(&window)) tree->FollowInSource();
+  });
 }
 
 void TreeDocumentWindow::MakeRoomForSource() {
