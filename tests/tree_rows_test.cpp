@@ -134,6 +134,8 @@ TEST_F(TreeRows, AreCopiedInOtherForms) {
   QTest::keySequence(View(u"TV"_s), QKeySequence::SelectAll);
   Reg().CopyAsText();
   EXPECT_EQ(Copied(), u"a.reg\n\tHKEY_USERS\n\t\tA\n\t\t\tB\n\t\tC\n");
+  Reg().CopyKeyPath();
+  EXPECT_TRUE(Copied().endsWith(u"\nHKEY_USERS\\A\\B\nHKEY_USERS\\C"));
   Reg().CopyRegAdd();
   EXPECT_TRUE(Copied().endsWith(u"reg add \"HKEY_USERS\\A\\B\" /f\r\nreg add \"HKEY_USERS\\C\" /f\r\n"));
 }

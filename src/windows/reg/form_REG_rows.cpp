@@ -118,9 +118,13 @@ void form_REG::DeleteMany(const RegTarget& target) {
 }
 
 void form_REG::CopyKeyPath() {
-  const RegNode* node = document_.Selected();
-  if (node->Tag() == RegTag::Comment) node = node->Parent();
-  QGuiApplication::clipboard()->setText(TextOf(node->KeyPath()));
+  QStringList paths;
+  for (const RegNode* node : SelectedNodes<RegKeyModel>(*TV->selectionModel())) {
+    if (node->Tag() == RegTag::Comment) node = node->Parent();
+    paths += TextOf(node->KeyPath());
+  }
+  paths.removeDuplicates();
+  QGuiApplication::clipboard()->setText(paths.join(u'\n'));
 }
 
 void form_REG::CopyRegAdd() {
