@@ -3,6 +3,7 @@
 #include <QTreeView>
 
 #include "base/LineReader.h"
+#include "documents/ini/IniReader.h"
 #include "documents/ini/IniWriter.h"
 #include "shell/DisplayText.h"
 #include "shell/Global.h"

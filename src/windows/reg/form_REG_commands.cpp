@@ -1,6 +1,5 @@
 // The commands of form_REG that edit its document.
 #include <QLabel>
-#include <QTreeView>
 
 #include "documents/reg/RegLosses.h"
 #include "shell/DisplayText.h"
@@ -12,6 +11,7 @@
 #include "windows/reg/form_AddHK.h"
 #include "windows/reg/form_REG.h"
 #include "windows/reg/form_REGEdit.h"
+#include "windows/tree/DocumentTreeView.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,7 +1,6 @@
 // Reading a registry document, with its progress and its error log.
 #include <QCoreApplication>
 #include <QProgressBar>
-#include <QTreeView>
 
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegLosses.h"
@@ -11,6 +10,7 @@
 #include "system/Dialogs.h"
 #include "windows/reg/RegNotice.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/DocumentTreeView.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,4 @@
 // What form_REG does when its document is held whole.
-#include <QTreeView>
 #include <algorithm>
 #include <span>
 
@@ -19,6 +18,7 @@
 #include "windows/reg/RegValueText.h"
 #include "windows/reg/RegWholeCommands.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/DocumentTreeView.h"
 #include "windows/tree/LinesClipboard.h"
 #include "windows/tree/TreeSelection.h"
 
