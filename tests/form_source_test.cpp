@@ -6,6 +6,7 @@
 #include "Editor.h"
 #include "RegWindow.h"
 #include "WaitFor.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
 #include "shell/Settings.h"

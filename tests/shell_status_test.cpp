@@ -12,6 +12,7 @@
 
 #include "KindsEditor.h"
 #include "WaitFor.h"
+#include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
 #include "shell/QuietFigure.h"
