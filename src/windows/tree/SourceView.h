@@ -58,6 +58,7 @@ class SourceView : public TextPad {
   bool event(QEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   /// Tab goes on, since a pad that keeps it would keep who comes by keys.
+  // NOLINTNEXTLINE(bugprone-parent-virtual-call): the parent is what keeps it.
   bool focusNextPrevChild(bool next) override { return QWidget::focusNextPrevChild(next); }
   void keyPressEvent(QKeyEvent* event) override;
   void ApplyColors() override;
