@@ -74,11 +74,12 @@ bool RegReplacer::TakeName(Names& names, const std::string& before, const std::s
 RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
   if (IsWhole()) {
     const auto [at, is_new] = value_names_.try_emplace(std::to_string(reinterpret_cast<std::uintptr_t>(&key)));
+    Names& names = at->second;
     if (is_new)
-      document_.ForEachValueOf(&key, [&](const RegValueRecord& record) {
-        if (!record.deleted) at->second.insert(Comparable(record.name));
+      document_.ForEachValueOf(&key, [this, &names](const RegValueRecord& record) {
+        if (!record.deleted) names.insert(Comparable(record.name));
       });
-    return at->second;
+    return names;
   }
   if (value_names_.empty())
     for (const RegValueRecord& record : document_.Values())

@@ -257,10 +257,7 @@ PartProducer form_RTF::Producer() {
   };
 }
 
-bool form_RTF::WriteRich(const DocumentFile::Target& target) {
-  if (!Write(target, nullptr, Producer())) return false;
-  return true;
-}
+bool form_RTF::WriteRich(const DocumentFile::Target& target) { return Write(target, nullptr, Producer()); }
 
 bool form_RTF::WritePlain(const DocumentFile::Target& target) {
   TextFormat format;

@@ -56,6 +56,7 @@ bool FinishSearch(TreeFinder& finder, LongWork& work) {
 std::vector<PlannedReplacement> PlanAll(TreeFinder& finder, const std::string& with, LongWork& work) {
   std::vector<PlannedReplacement> plans;
   std::unique_ptr<Replacer> replacer;
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the finder may get another one meanwhile.
   const std::shared_ptr<const TextMatcher> matcher = finder.Matcher();
   std::optional<TreeFinder::Found> last;
   const std::size_t count = finder.FoundCount();
