@@ -256,22 +256,22 @@ TEST_F(SourceBesideTree, CtrlZTakesBackWhatIsTypedFirst) {
 
 TEST_F(SourceBesideTree, WhatIsNotUnderstoodIsUnderlined) {
   const struct {
-    DocumentKind kind;
     const char* line;
+    DocumentKind kind;
     bool is_fault;
-  } cases[] = {{DocumentKind::Ini, "a=b", false},
-               {DocumentKind::Ini, "[a", true},
-               {DocumentKind::Ini, "[a]", false},
-               {DocumentKind::Ini, "no value", true},
-               {DocumentKind::Ini, " # x", false},
-               {DocumentKind::Reg, "[HKEY_USERS\\A", true},
-               {DocumentKind::Reg, "\"a\"=1", true},
-               {DocumentKind::Reg, "\"a\"=\"b\" ; c", false},
-               {DocumentKind::Reg, "\"a\"=hex(2):00", true},
-               {DocumentKind::Reg, "\"a\"=hex:00,\\\r\n ; c\r\n  01", false},
-               {DocumentKind::Reg, "[-HKEY_USERS\\A]", false},
-               {DocumentKind::Reg, "what", true}};
-  for (const auto& [kind, line, is_fault] : cases) {
+  } cases[] = {{"a=b", DocumentKind::Ini, false},
+               {"[a", DocumentKind::Ini, true},
+               {"[a]", DocumentKind::Ini, false},
+               {"no value", DocumentKind::Ini, true},
+               {" # x", DocumentKind::Ini, false},
+               {"[HKEY_USERS\\A", DocumentKind::Reg, true},
+               {"\"a\"=1", DocumentKind::Reg, true},
+               {"\"a\"=\"b\" ; c", DocumentKind::Reg, false},
+               {"\"a\"=hex(2):00", DocumentKind::Reg, true},
+               {"\"a\"=hex:00,\\\r\n ; c\r\n  01", DocumentKind::Reg, false},
+               {"[-HKEY_USERS\\A]", DocumentKind::Reg, false},
+               {"what", DocumentKind::Reg, true}};
+  for (const auto& [line, kind, is_fault] : cases) {
     SCOPED_TRACE(line);
     const bool is_ini = kind == DocumentKind::Ini;
     const std::string before = is_ini ? "[S]\r\n" : "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_USERS\\A]\r\n";

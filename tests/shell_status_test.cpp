@@ -199,6 +199,7 @@ TEST_F(StatusTest, AnEncodingThatDoesNotHoldTheTextIsRefused) {
 TEST_F(StatusTest, GoesToALine) {
   DocumentWindow& window = Open(u"a.txt"_s, "1\n2\n3\n");
   auto* field = dynamic_cast<QLineEdit*>(Part("line_number"));
+  ASSERT_NE(field, nullptr);
   const auto said = [&] { return dynamic_cast<QLabel&>(*Part("line_said")).text(); };
   Trigger(u"menu_SearchGoToLine"_s);
   EXPECT_TRUE(field->hasFocus() && field->text() == u"1" && said() == u"of 4");
