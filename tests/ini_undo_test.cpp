@@ -237,7 +237,9 @@ TEST(IniUndo, LinesComeInThePlaceOfOthersAsIfTheFileWereReadAgain) {
         if (count > 0 && at < first) before += source.Text(pieces[at]);
         if (below(2) == 0 && at >= first && at < first + count) text += source.Text(pieces[at]);
       }
-      SCOPED_TRACE(testing::PrintToString(before + "|" + text + "|" + behind));
+      SCOPED_TRACE(testing::Message() << testing::PrintToString(before) << testing::PrintToString(text)
+                                      << testing::PrintToString(behind));
+      const std::string now = std::string(before).append(text).append(behind);
       if (below(3) == 0) tree.Arrange(IniArrangement::ByName);
       const IniNode* top = tree.Root()->ChildCount() > 0 ? tree.Root()->Child(0) : nullptr;
       if (count == 0)
@@ -245,12 +247,12 @@ TEST(IniUndo, LinesComeInThePlaceOfOthersAsIfTheFileWereReadAgain) {
       else
         tree.ReplaceLines(pieces[first], pieces[first + count - 1], text);
       mirror.Check();
-      if (WholeText(tree) != texts.back()) texts.push_back(before + text + behind);
+      if (WholeText(tree) != texts.back()) texts.push_back(now);
       kept += top != nullptr && tree.Root()->ChildCount() > 0 && tree.Root()->Child(0) == top ? 1 : 0;
-      EXPECT_EQ(WholeText(tree), before + text + behind);
+      EXPECT_EQ(WholeText(tree), now);
       tree.Arrange(IniArrangement::AsInFile);
       IniTree again;
-      ReadWhole(again, before + text + behind);
+      ReadWhole(again, now);
       EXPECT_EQ(Dump(tree), Dump(again));
       EXPECT_EQ(tree.NodeCount(), again.NodeCount());
       EXPECT_EQ(tree.SectionCount(), again.SectionCount());

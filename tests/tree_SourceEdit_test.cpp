@@ -71,7 +71,8 @@ TEST(SourceEdit, WhatStaysAreWholeLines) {
     if (!edit) continue;
     const std::string start = Joined(pieces, pieces.First(), edit->first == 0 ? pieces.First() : edit->first),
                       end = Joined(pieces, pieces.Next(edit->last), SourceLines::kEnds);
-    const std::string now = edit->first == 0 ? std::string(edit->lines) : start + std::string(edit->lines) + end;
+    const std::string now =
+        edit->first == 0 ? std::string(edit->lines) : std::string(start).append(edit->lines).append(end);
     ASSERT_EQ(now, after);
     TextStore other;
     SourceLines parts(other), whole(other);
