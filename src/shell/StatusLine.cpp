@@ -49,7 +49,7 @@ QString ShortNameOf(LineEnds ends) {
   return ends == LineEnds::CrLf ? StatusLine::tr("CR LF") : StatusLine::tr("LF");
 }
 
-QString Number(std::int64_t number) { return QLocale().toString(qlonglong{number}); }
+QString LocalNumber(std::int64_t number) { return QLocale().toString(qlonglong{number}); }
 
 bool WorksOrAsks() { return QApplication::activeModalWidget() || QApplication::overrideCursor(); }
 
@@ -148,7 +148,7 @@ void StatusLine::Show(const DocumentState& state) {
   if (state.selected_characters > 0)
     selected = Counted(static_cast<std::uint64_t>(state.selected_characters), tr("1 character selected"),
                        tr("%1 characters selected"));
-  if (state.selected_lines > 1) selected = tr("%1 in %2 lines").arg(selected, Number(state.selected_lines));
+  if (state.selected_lines > 1) selected = tr("%1 in %2 lines").arg(selected, LocalNumber(state.selected_lines));
   say(selection_, selected);
   Arrange();
 }
@@ -183,9 +183,9 @@ void StatusLine::ShowPath(const DocumentState& state) {
 
 void StatusLine::ShowPlace(const DocumentState& state) {
   if (!state.place) return;
-  const QString line = Number(state.place->line), column = Number(state.place->column);
+  const QString line = LocalNumber(state.place->line), column = LocalNumber(state.place->column);
   place_->Say(tr("Ln %1, Col %2").arg(line, column),
-              tr("Line %1 of %2, column %3").arg(line, Number(state.place->lines), column),
+              tr("Line %1 of %2, column %3").arg(line, LocalNumber(state.place->lines), column),
               tr("Go to a line (Ctrl+G)"));
 }
 
