@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Fuzz.h"
+#include "IniNodeAt.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniTree.h"
 #include "documents/ini/IniWriter.h"
@@ -49,18 +50,6 @@ State StateOf(const IniTree& tree) {
   const auto nodes = static_cast<std::size_t>(std::ranges::count(state.shown, '{'));
   Promise(nodes + 1 >= tree.NodeCount(), "nodes are counted");
   return state;
-}
-
-IniNode* NodeAt(const IniTree& tree, std::size_t place) {
-  place %= tree.NodeCount();
-  for (int row = 0; row < tree.Root()->ChildCount(); ++row) {
-    IniNode* child = tree.Root()->Child(row);
-    if (place == 0) return child;
-    const auto entries = static_cast<std::size_t>(child->ChildCount());
-    if (place <= entries) return child->Child(static_cast<int>(place) - 1);
-    place -= entries + 1;
-  }
-  return tree.Root();
 }
 
 SourceLines::Piece PieceAt(const IniTree& tree, std::size_t place) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Fuzz.h"
+#include "IniNodeAt.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniTree.h"
 #include "documents/ini/IniWriter.h"
@@ -89,18 +90,6 @@ std::size_t Exchanged(std::string_view before, std::string_view after) {
   while (start < most && before[start] == after[start]) ++start;
   while (end < most - start && before[before.size() - 1 - end] == after[after.size() - 1 - end]) ++end;
   return before.size() - start - end;
-}
-
-IniNode* NodeAt(const IniTree& tree, std::size_t place) {
-  place %= tree.NodeCount();
-  for (int row = 0; row < tree.Root()->ChildCount(); ++row) {
-    IniNode* child = tree.Root()->Child(row);
-    if (place == 0) return child;
-    const auto entries = static_cast<std::size_t>(child->ChildCount());
-    if (place <= entries) return child->Child(static_cast<int>(place) - 1);
-    place -= entries + 1;
-  }
-  return tree.Root();
 }
 
 /// Does one edit and says how many bytes of the file it may exchange at most; nothing where it may touch several
