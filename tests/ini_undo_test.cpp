@@ -208,6 +208,20 @@ TEST(IniUndo, AnyEditsComeBackInBothHoldings) {
   EXPECT_GT(largest, 20U) << "too little to be a test";
 }
 
+TEST(IniUndo, LinesComeInThePlaceOfABlankLastLineThatSaysNothing) {
+  IniTree tree;
+  ReadWhole(tree, "[b]\na");
+  tree.Select(FindNode(tree, "b"));
+  tree.Paste("\r");
+  const SourceLines& lines = tree.Lines();
+  ASSERT_EQ(lines.Text(lines.Last()), "");
+  tree.ReplaceLines(lines.Last(), lines.Last(), "c");
+  tree.ReplaceLines(lines.Next(lines.First()), lines.Next(lines.First()), "q");
+  IniTree again;
+  ReadWhole(again, WholeText(tree));
+  EXPECT_EQ(Dump(tree), Dump(again)) << WholeText(tree);
+}
+
 TEST(IniUndo, LinesComeInThePlaceOfOthersAsIfTheFileWereReadAgain) {
   std::mt19937 random(7);
   const auto below = [&random](std::size_t count) { return random() % count; };

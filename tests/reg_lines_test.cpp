@@ -125,6 +125,17 @@ TEST(RegLines, ReplacedLinesAreRead) {
   }
 }
 
+TEST(RegLines, ADeletionAtTheEndLeavesACommentWhereItBelongs) {
+  RegDocument document;
+  std::string text = Reg("REGEDIT4|[$/a]|");
+  ReadWholeReg(document, text);
+  document.ShowComments(RegComments::Shown);
+  document.RemoveKey(NodeAt(document, "$/a"));
+  ReplaceBytes(document, 0, TextOfLines(document).size(), Reg("REGEDIT4|;c|"));
+  document.WriteDeletion(NodeAt(document, "$"));
+  ExpectAsRead(document, Reg("REGEDIT4|;c||[-$]|"));
+}
+
 TEST(RegLines, SelectionGoesWithTheLines) {
   RegDocument document;
   const std::string text = Reg("REGEDIT4|[$/a]|'v'='1'|[$/b]|");

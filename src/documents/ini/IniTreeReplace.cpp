@@ -25,6 +25,9 @@ void IniTree::ReplaceLines(Piece first, Piece last, std::string_view text) {
   const Step step(*this, EditName::EditSource);
   const bool is_insertion = first == SourceLines::kEnds;
   LineRange old{is_insertion ? first : lines_.Previous(first), is_insertion ? lines_.First() : lines_.Next(last)};
+  // A blank last line may have lost its end to the line above it, and says nothing then.
+  while (old.before != SourceLines::kEnds && lines_.Text(old.before).empty()) old.before = lines_.Previous(old.before);
+  while (old.behind != SourceLines::kEnds && lines_.Text(old.behind).empty()) old.behind = lines_.Next(old.behind);
   std::string joined(text);
   // A neighbour that would be read together with the lines is read again, too.
   if (RunsOn(joined, lines_.Text(old.behind)) ||
@@ -39,17 +42,17 @@ void IniTree::ReplaceLines(Piece first, Piece last, std::string_view text) {
   if (!ReplaceInPlace(old, runs)) ReplaceRuns(old, runs);
 }
 
-/// Takes the pieces that stay as they are out of the range. Returns what of the lines is left.
+/// Takes the pieces that stay as they are out of the range; an empty one does not. Returns what of the lines is left.
 std::string_view IniTree::WithoutEqual(std::string_view lines, LineRange& range) const {
   for (Piece at = lines_.Next(range.before); at != range.behind; at = lines_.Next(at)) {
     const std::string_view text = lines_.Text(at);
-    if (!lines.starts_with(text) || RunsOn(text, lines.substr(text.size()))) break;
+    if (text.empty() || !lines.starts_with(text) || RunsOn(text, lines.substr(text.size()))) break;
     lines.remove_prefix(text.size());
     range.before = at;
   }
   for (Piece at = lines_.Previous(range.behind); at != range.before; at = lines_.Previous(at)) {
     const std::string_view text = lines_.Text(at);
-    if (!lines.ends_with(text) || RunsOn(lines.substr(0, lines.size() - text.size()), text)) break;
+    if (text.empty() || !lines.ends_with(text) || RunsOn(lines.substr(0, lines.size() - text.size()), text)) break;
     lines.remove_suffix(text.size());
     range.behind = at;
   }

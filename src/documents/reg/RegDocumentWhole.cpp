@@ -196,7 +196,9 @@ RegNode* RegDocument::WriteDeletion(RegNode* key) {
   const Editing editing(*this, EditName::WriteDeletion);
   std::uint32_t first = headers_[0].next;
   while (first != 0 && !IsOfNode(headers_[first].node, key)) first = headers_[first].next;
-  const SourceLines::Piece above = first == 0 ? lines_.Last() : lines_.Previous(headers_[first].piece);
+  // At the end of the file a comment may stand that is another key's.
+  const SourceLines::Piece above =
+      first == 0 ? MakeRoomBehind(headers_[0].previous) : lines_.Previous(headers_[first].piece);
   const std::string end(lines_.LineEndBehind(above));
   const bool blank_follows = first != 0 && KindOf(TailOf(first)) == RegPiece::Blank;
   const SourceLines::Piece piece =
