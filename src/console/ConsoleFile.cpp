@@ -1,0 +1,184 @@
+#include "console/ConsoleFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <utility>
+
+#include "base/LineReader.h"
+#include "base/Utf8.h"
+#include "documents/ini/IniReader.h"
+#include "documents/ini/IniSourceLine.h"
+#include "documents/reg/RegSourceLine.h"
+#include "documents/reg/RegWholeReader.h"
+#include "files/CodePage.h"
+#include "files/FileBytes.h"
+#include "files/StandardStreams.h"
+#include "files/TextEncoder.h"
+
+namespace tme::console {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::optional<DocumentKind> KindNamed(std::string_view name) {
+  std::string upper(name);
+  std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return static_cast<char>(std::toupper(c)); });
+  if (upper == "INF") return DocumentKind::Ini;
+  const auto found =
+      std::find_if(kKinds.begin(), kKinds.end(), [&upper](DocumentKind k) { return NameOf(k) == upper; });
+  return found == kKinds.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<DocumentKind> KindOfName(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string_view::npos ? std::nullopt : KindNamed(name.substr(dot + 1));
+}
+
+DocumentKind KindOfText(std::string_view text) {
+  if (text.starts_with("{\\rtf")) return DocumentKind::Rtf;
+  LineReader lines(text);
+  std::string_view line;
+  lines.Next(line);
+  return VersionOfLine(line) ? DocumentKind::Reg : DocumentKind::Ini;
+}
+
+fs::path PathOrFail(const std::string& name) {
+  const auto path = PathOfArgument(name);
+  if (!path || name.empty()) throw Trouble(name + ": no path on this system");
+  return *path;
+}
+
+/// The first character that the encoding has no place for.
+std::string_view UnheldIn(std::string_view part, const TextFormat& format) {
+  while (!part.empty()) {
+    std::string_view rest = part;
+    if (!utf8::TakeCharacter(rest, utf8::Surrogates::Accept)) rest.remove_prefix(1);
+    const std::string_view character = part.substr(0, part.size() - rest.size());
+    if (!TextEncoder(format).Encode(character)) return character;
+    part = rest;
+  }
+  return part;
+}
+
+std::uint64_t LineEndsIn(std::string_view text) {
+  LineReader lines(text);
+  std::string_view line;
+  while (lines.Next(line)) {
+  }
+  return lines.Number() - (text.empty() || text.ends_with('\n') || text.ends_with('\r') ? 0 : 1);
+}
+
+}  // namespace
+
+ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams)
+    : name_(name == "-" ? "standard input" : name) {
+  const std::optional<DocumentKind> named = kind ? KindNamed(*kind) : KindOfName(name);
+  if (kind && !named) throw Trouble("--kind is ini, reg, rtf or txt, and not \"" + std::string(*kind) + "\"");
+  std::string bytes;
+  if (name == "-") {
+    bytes = streams.Input();
+  } else {
+    path_ = PathOrFail(name_);
+    stamp_ = StampOf(*path_);
+    if (const auto failure = ReadFileBytes(*path_, bytes)) Fail(0, failure->reason);
+    if (StampOf(*path_) != stamp_) Fail(0, "it changed while it was read; nothing was done");
+  }
+  if (named == DocumentKind::Rtf) {
+    kind_ = *named;
+    text_ = std::move(bytes);
+    return;
+  }
+  is_ascii_ = utf8::AsciiRun(bytes) == bytes.size();
+  DecodedText decoded = DecodeText(std::move(bytes));
+  format_ = decoded.format;
+  kind_ = named ? *named : KindOfText(decoded.text);
+  if (kind_ == DocumentKind::Ini) {
+    ini_ = std::make_unique<IniTree>();
+    ini_->Reset({}, Holding::Whole);
+    ReadWholeIni(*ini_, std::move(decoded.text));
+  } else if (kind_ == DocumentKind::Reg) {
+    reg_ = std::make_unique<RegDocument>();
+    RegWholeOptions options;
+    const bool is_8_bit = format_.encoding == TextEncoding::CodePage || format_.encoding == TextEncoding::Utf8;
+    options.unsaid = is_8_bit ? RegVersion::Regedit4 : RegVersion::Version5;
+    ReadWholeReg(*reg_, std::move(decoded.text), options);
+  } else {
+    text_ = std::move(decoded.text);
+  }
+}
+
+ConsoleFile::~ConsoleFile() = default;
+
+RegCoding ConsoleFile::CodingFor(RegVersion version) { return {version, CodePageToUtf8, Utf8ToCodePage}; }
+
+std::uint64_t ConsoleFile::LineNumberOf(SourceLines::Piece piece) const {
+  std::uint64_t line = 1;
+  for (SourceLines::Piece at = Lines().First(); at != piece && at != SourceLines::kEnds; at = Lines().Next(at))
+    line += LineEndsIn(Lines().Text(at));
+  return line;
+}
+
+std::string ConsoleFile::At(std::uint64_t line) const {
+  return line == 0 ? name_ + ": " : name_ + ":" + std::to_string(line) + ": ";
+}
+
+void ConsoleFile::Fail(std::uint64_t line, std::string_view why) const { throw Trouble(At(line).append(why)); }
+
+void ConsoleFile::RequireTree() const {
+  if (kind_ == DocumentKind::Ini || kind_ == DocumentKind::Reg) return;
+  Fail(0, kind_ == DocumentKind::Rtf ? "a rich-text file has no keys"
+                                     : "a text file has no keys (--kind ini takes it as an INI file)");
+}
+
+std::string ConsoleFile::Encoded() const {
+  const PartProducer produce = [this](const PartSink& sink) { return Lines().Write(sink); };
+  TextFormat format = format_;
+  const bool may_become_utf8 = is_ascii_ && kind_ == DocumentKind::Ini && format.encoding == TextEncoding::CodePage;
+  const auto fits = [&format](std::string_view part) { return TextEncoder(format).Encode(part).has_value(); };
+  if (may_become_utf8 && !produce(fits)) format.encoding = TextEncoding::Utf8;
+  return EncodeOrFail(name_, format, produce);
+}
+
+void ConsoleFile::Save(const Arguments& arguments, Streams& streams) {
+  const std::optional<std::string_view> output = arguments.ValueOf(kOutputOption);
+  if (output || !path_) return WriteOut(output.value_or("-"), Encoded(), streams);
+  const bool is_edited = kind_ == DocumentKind::Ini ? ini_->CanUndo() : reg_->CanUndo();
+  if (!is_edited) return;
+  const std::string bytes = Encoded();
+  if (StampOf(*path_) != stamp_) Fail(0, "another program has changed it since it was read; nothing was written");
+  WriteOut(name_, bytes, streams);
+}
+
+std::string EncodeOrFail(const std::string& name, const TextFormat& format, const PartProducer& produce) {
+  std::string bytes;
+  TextEncoder encoder(format);
+  const std::string encoding(EncodingName(format.encoding));
+  std::uint64_t line = 1;
+  produce([&](std::string_view part) {
+    if (const auto encoded = encoder.Encode(part)) {
+      bytes += *encoded;
+      line += LineEndsIn(part);
+      return true;
+    }
+    const std::string_view unheld = UnheldIn(part, format);
+    line += LineEndsIn(part.substr(0, static_cast<std::size_t>(unheld.data() - part.data())));
+    throw Trouble(name + ":" + std::to_string(line) + ": " + encoding + " has no place for \"" + std::string(unheld) +
+                  "\"; nothing was written");
+  });
+  bytes += encoder.Encode({}).value_or(std::string()) + encoder.Rest();
+  if (!encoder.ReadsBack([&bytes](const PartSink& sink) { return sink(bytes); }))
+    throw Trouble(name + ": in " + encoding + " this text would be read in another encoding; nothing was written");
+  return bytes;
+}
+
+void WriteOut(std::string_view name, std::string_view bytes, Streams& streams) {
+  if (name == "-") {
+    streams.Put(bytes);
+    return;
+  }
+  const std::string text(name);
+  if (const auto failure = WriteFileBytes(PathOrFail(text), bytes)) throw Trouble(text + ": " + failure->reason);
+}
+
+}  // namespace tme::console

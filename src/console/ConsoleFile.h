@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/Parts.h"
+#include "console/Arguments.h"
+#include "console/Streams.h"
+#include "documents/DocumentKind.h"
+#include "documents/SourceLines.h"
+#include "documents/ini/IniTree.h"
+#include "documents/reg/RegDocument.h"
+#include "files/FileStamp.h"
+#include "files/TextEncoding.h"
+
+namespace tme::console {
+
+/// A file as a command reads it: its bytes, or an INI or registry document that holds all of them (Holding::Whole).
+class ConsoleFile {
+ public:
+  /// name: a path, or "-" for standard input. kind: what --kind says; else the name's ending decides (ini, inf, reg,
+  /// rtf, txt), and where it is none of these the content: what is neither registry nor rich-text file is an INI file.
+  /// Throws Trouble.
+  ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams);
+  ~ConsoleFile();
+
+  /// As messages have it: the path, or "standard input".
+  const std::string& Name() const { return name_; }
+  DocumentKind Kind() const { return kind_; }
+  const TextFormat& Format() const { return format_; }
+  /// Of this kind alone.
+  IniTree& Ini() { return *ini_; }
+  const IniTree& Ini() const { return *ini_; }
+  RegDocument& Reg() { return *reg_; }
+  const RegDocument& Reg() const { return *reg_; }
+  RegCoding Coding() const { return CodingFor(reg_->Version()); }
+  static RegCoding CodingFor(RegVersion version);
+  /// Txt and Rtf: the text, and the bytes.
+  const std::string& Text() const { return text_; }
+  const std::string& Bytes() const { return text_; }
+  /// Ini and Reg.
+  const SourceLines& Lines() const { return kind_ == DocumentKind::Ini ? ini_->Lines() : reg_->Lines(); }
+  /// Of the first line of a piece, from 1. Linear.
+  std::uint64_t LineNumberOf(SourceLines::Piece piece) const;
+  /// "NAME:LINE: ", or "NAME: " for 0.
+  std::string At(std::uint64_t line) const;
+  [[noreturn]] void Fail(std::uint64_t line, std::string_view why) const;
+  /// Throws Trouble unless it is an INI or registry file.
+  void RequireTree() const;
+
+  /// Puts the document where --output says, else into the file, whole or not at all, in the encoding that it had. A
+  /// file whose document was not edited is left alone; so is one that has changed since it was read, which is Trouble.
+  /// An INI file of ASCII alone may become UTF-8. Throws Trouble.
+  void Save(const Arguments& arguments, Streams& streams);
+
+ private:
+  void Read(Streams& streams);
+  void Decode(std::string bytes);
+  std::string Encoded() const;
+
+  std::string name_;
+  std::optional<std::filesystem::path> path_;
+  std::optional<FileStamp> stamp_;
+  DocumentKind kind_ = DocumentKind::Ini;
+  TextFormat format_;
+  bool is_ascii_ = false;
+  std::string text_;
+  std::unique_ptr<IniTree> ini_;
+  std::unique_ptr<RegDocument> reg_;
+};
+
+/// Encodes a text in parts. Throws Trouble, as "NAME:LINE: …", for a character that the encoding has no place for, and
+/// where the bytes would be read in another one.
+std::string EncodeOrFail(const std::string& name, const TextFormat& format, const PartProducer& produce);
+
+/// Writes bytes to a path, or standard output for "-", whole or not at all. Throws Trouble.
+void WriteOut(std::string_view name, std::string_view bytes, Streams& streams);
+
+}  // namespace tme::console

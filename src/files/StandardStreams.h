@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "files/FileFailure.h"
+
+/// What the system gives a program for the console.
+namespace tme {
+
+enum class StandardStream : std::uint8_t { Input, Output, Error };
+
+/// The arguments behind the program's name, on Windows as UTF-8. argc, argv: those of main.
+std::vector<std::string> ProgramArguments(int argc, char** argv);
+/// A path as an argument gives it. Null where the system can have no such path.
+std::optional<std::filesystem::path> PathOfArgument(const std::string& argument);
+
+/// Takes the places of the streams that the program was started without, so that no file which it opens becomes one of
+/// them. Must come first; once.
+void ReserveStandardStreams();
+/// Reads to the end, at most kMaxFileBytes. `bytes` is empty after a failure.
+std::optional<FileFailure> ReadStandardInput(std::string& bytes);
+/// Writes all, on a Windows console as characters (the text is UTF-8, and whole), else byte by byte.
+std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text);
+bool IsTerminal(StandardStream stream);
+
+}  // namespace tme
