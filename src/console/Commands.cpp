@@ -9,7 +9,7 @@
 namespace tme::console {
 namespace {
 
-constexpr std::array kCommands{&kGetCommand};
+constexpr std::array kCommands{&kGetCommand, &kSetCommand, &kDeleteCommand, &kListCommand};
 
 std::string Help() {
   constexpr std::size_t kColumn = 12;

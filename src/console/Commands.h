@@ -11,6 +11,9 @@ namespace tme::console {
 // One function a command, each in a file of its own with the row that describes it.
 
 extern const Command kGetCommand;
+extern const Command kSetCommand;
+extern const Command kDeleteCommand;
+extern const Command kListCommand;
 
 /// All of them, in the order in which help names them.
 std::span<const Command* const> Commands();
