@@ -9,7 +9,8 @@
 namespace tme::console {
 namespace {
 
-constexpr std::array kCommands{&kGetCommand, &kSetCommand, &kDeleteCommand, &kListCommand};
+constexpr std::array kCommands{&kGetCommand,  &kSetCommand,   &kDeleteCommand,
+                               &kListCommand, &kCheckCommand, &kTextCommand};
 
 std::string Help() {
   constexpr std::size_t kColumn = 12;

@@ -14,6 +14,8 @@ extern const Command kGetCommand;
 extern const Command kSetCommand;
 extern const Command kDeleteCommand;
 extern const Command kListCommand;
+extern const Command kCheckCommand;
+extern const Command kTextCommand;
 
 /// All of them, in the order in which help names them.
 std::span<const Command* const> Commands();

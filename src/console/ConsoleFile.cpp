@@ -61,6 +61,8 @@ std::string_view UnheldIn(std::string_view part, const TextFormat& format) {
   return part;
 }
 
+}  // namespace
+
 std::uint64_t LineEndsIn(std::string_view text) {
   LineReader lines(text);
   std::string_view line;
@@ -68,8 +70,6 @@ std::uint64_t LineEndsIn(std::string_view text) {
   }
   return lines.Number() - (text.empty() || text.ends_with('\n') || text.ends_with('\r') ? 0 : 1);
 }
-
-}  // namespace
 
 ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams)
     : name_(name == "-" ? "standard input" : name) {

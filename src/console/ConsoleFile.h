@@ -73,6 +73,9 @@ class ConsoleFile {
   std::unique_ptr<RegDocument> reg_;
 };
 
+/// How many lines of a text are ended. Linear.
+std::uint64_t LineEndsIn(std::string_view text);
+
 /// Encodes a text in parts. Throws Trouble, as "NAME:LINE: …", for a character that the encoding has no place for, and
 /// where the bytes would be read in another one.
 std::string EncodeOrFail(const std::string& name, const TextFormat& format, const PartProducer& produce);

@@ -1,0 +1,128 @@
+#include <array>
+#include <string>
+#include <vector>
+
+#include "base/LineReader.h"
+#include "base/Utf8.h"
+#include "console/Commands.h"
+#include "console/ConsoleFile.h"
+#include "console/RtfLines.h"
+#include "documents/reg/RegHex.h"
+#include "documents/reg/RegSourceLine.h"
+
+namespace tme::console {
+namespace {
+
+std::string_view MarkOfType(std::uint32_t type) {
+  switch (type) {
+    case reg_type::kExpandString:
+      return "expand:";
+    case reg_type::kMultiString:
+      return "multi:";
+    case reg_type::kLink:
+      return "link:";
+    case reg_type::kDword:
+      return "dword:";
+    case reg_type::kDwordBigEndian:
+      return "dword-be:";
+    case reg_type::kQword:
+      return "qword:";
+    default:
+      return {};
+  }
+}
+
+std::string Quoted(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char c : EscapedRegText(text)) {
+    if (c == '\n')
+      quoted += "\\n";
+    else if (c == '\r')
+      quoted += "\\r";
+    else
+      quoted += c;
+  }
+  return quoted += '"';
+}
+
+std::string HexNumber(std::uint64_t number, std::size_t digits) {
+  constexpr unsigned kBits = 4, kMask = 0xF;
+  std::string text(digits, '0');
+  for (std::size_t at = digits; at > 0; number >>= kBits) text[--at] = kHexDigits[number & kMask];
+  return text;
+}
+
+/// One line that does not depend on the version, wrapping and letter case of the file.
+std::string LineOfData(const RegData& data) {
+  constexpr std::size_t kDwordDigits = 8, kQwordDigits = 16;
+  std::string line(data.content == RegContent::Bytes ? HexMark(data.type) : MarkOfType(data.type));
+  switch (data.content) {
+    case RegContent::Text:
+      return line + Quoted(data.text);
+    case RegContent::Strings:
+      for (const std::string& string : data.strings)
+        line.append(&string == data.strings.data() ? "" : ",").append(Quoted(string));
+      return line;
+    case RegContent::Number:
+      return line + HexNumber(data.number, data.type == reg_type::kQword ? kQwordDigits : kDwordDigits);
+    case RegContent::Bytes:
+      return line + HexOfBytes(data.bytes);
+  }
+  return line;
+}
+
+void PutLines(std::string_view text, Streams& streams) {
+  LineReader lines(text);
+  for (std::string_view line; lines.Next(line);) streams.PutLine(line);
+}
+
+void PutRegPiece(const RegCoding& coding, RegPiece kind, std::string_view text, Streams& streams) {
+  LineReader lines(text);
+  std::string_view line;
+  lines.Next(line);
+  const auto place = kind == RegPiece::Value ? FindRegValue(text, line.size()) : std::nullopt;
+  const auto data = place ? DecodeAssignment(place->assignment.Of(text), coding) : std::nullopt;
+  if (!data) return PutLines(text, streams);
+  for (const std::string_view comment : CommentsInHex(place->assignment.Of(text))) streams.PutLine(comment);
+  std::string behind(text.substr(place->assignment.End()));
+  while (behind.ends_with('\n') || behind.ends_with('\r')) behind.pop_back();
+  streams.PutLine(std::string(place->name.Of(text)) + "=" + LineOfData(*data) + behind);
+}
+
+Result Text(const Arguments& arguments, Streams& streams) {
+  const ConsoleFile file(arguments.Operand(0), arguments.ValueOf(kKindOption), streams);
+  if (file.Kind() == DocumentKind::Rtf) {
+    PutRtfLines(file.Bytes(), streams);
+  } else if (file.Kind() == DocumentKind::Txt) {
+    streams.Put(file.Text());
+  } else if (file.Kind() == DocumentKind::Ini) {
+    file.Lines().Write([&streams](std::string_view part) {
+      streams.Put(part);
+      return true;
+    });
+  } else {
+    const SourceLines& lines = file.Lines();
+    for (SourceLines::Piece at = lines.First(); at != SourceLines::kEnds; at = lines.Next(at))
+      PutRegPiece(file.Coding(), static_cast<RegPiece>(lines.Kind(at)), lines.Text(at), streams);
+  }
+  return Result::Done;
+}
+
+constexpr std::array kTextOptions{kKindOption};
+
+}  // namespace
+
+constinit const Command kTextCommand{
+    "text",
+    "FILE",
+    1,
+    1,
+    kTextOptions,
+    "write the file as UTF-8 lines that can be compared",
+    "A registry file has a line for each value, decoded and not wrapped: \"name\"=expand:\"%A%\". Of rich text there "
+    "is a\n"
+    "line for each paragraph and each row of a table, with tabs between its cells. Other files come as they are, in\n"
+    "UTF-8. This is what git diff can use (textconv).\n",
+    &Text};
+
+}  // namespace tme::console
