@@ -7,43 +7,49 @@
 #include "documents/reg/RegWholeReader.h"
 #include "windows/ini/IniSearch.h"
 #include "windows/reg/RegSearch.h"
+#include "windows/tree/PatternMatcher.h"
 
 using namespace tme;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr SearchFields kAllFields = ~SearchFields{0};
 
 std::string OfHit(const SearchHit& hit, std::string_view node, std::string_view record) {
-  static constexpr char kLetters[] = "SKVCND";
+  static constexpr char kLetters[] = "SKVCNDP";
   std::string text(1, kLetters[static_cast<std::size_t>(hit.field)]);
   text.append(" ").append(node).append(record.empty() ? "" : "/").append(record);
   return text + " " + std::to_string(hit.start) + "+" + std::to_string(hit.size) + "\n";
 }
 
-void RunAll(TreeSearch& search, SearchFields fields, std::string_view wanted, SearchCase search_case,
-            SearchWords words) {
-  search.Start(fields, std::make_shared<PlainMatcher>(wanted, search_case, words));
+void RunAll(TreeSearch& search, SearchFields fields, std::shared_ptr<const TextMatcher> matcher) {
+  search.Start(fields, std::move(matcher));
   while (search.GoOn(std::chrono::steady_clock::time_point::min())) continue;
 }
 
 std::string IniHits(const IniTree& tree, std::string_view wanted, SearchFields fields = kAllFields,
                     SearchCase search_case = SearchCase::Ignore, SearchWords words = SearchWords::Any) {
   TreeSearch search(std::make_unique<IniSearchSource>(tree));
-  RunAll(search, fields, wanted, search_case, words);
+  RunAll(search, fields, std::make_shared<PlainMatcher>(wanted, search_case, words));
   std::string hits;
   for (const SearchHit& hit : search.Hits()) hits += OfHit(hit, static_cast<const IniNode*>(hit.node)->Text(), {});
   return hits;
 }
 
-std::string RegHits(const RegDocument& document, std::string_view wanted, SearchFields fields = kAllFields) {
+std::string RegHits(const RegDocument& document, const std::shared_ptr<const TextMatcher>& matcher,
+                    SearchFields fields = kAllFields) {
   TreeSearch search(std::make_unique<RegSearchSource>(document));
-  RunAll(search, fields, wanted, SearchCase::Ignore, SearchWords::Any);
+  RunAll(search, fields, matcher);
   std::string hits;
   for (const SearchHit& hit : search.Hits())
     hits += OfHit(hit, static_cast<const RegNode*>(hit.node)->Text(),
                   hit.record == SearchPlace::kNoRecord ? "" : document.Values()[hit.record].name);
   return hits;
+}
+
+std::string RegHits(const RegDocument& document, std::string_view wanted, SearchFields fields = kAllFields) {
+  return RegHits(document, std::make_shared<PlainMatcher>(wanted, SearchCase::Ignore, SearchWords::Any), fields);
 }
 
 constexpr const char* kIniText = "; a note\n[Beta]\nNote = \"a note, a NOTE\"\nplain\n[alpha note]\nÄrger=äÄ ß\n";
@@ -64,6 +70,10 @@ TEST(TreeSearch, FindsWhatTheFieldsOfAnIniTreeHoldInTheOrderShown) {
   EXPECT_EQ(IniHits(tree, "äÄ", kAllFields, SearchCase::Ignore, SearchWords::Whole), "V Ärger=äÄ ß 0+4\n");
   EXPECT_EQ(IniHits(tree, "plai", kAllFields, SearchCase::Ignore, SearchWords::Whole), "");
   EXPECT_EQ(IniHits(tree, "nothing"), "");
+  tree.Reset("head.ini", Holding::Whole);
+  ReadWholeIni(tree, "[a] ; b\n[c]b\n[d;]\n [e];\n");
+  EXPECT_EQ(IniHits(tree, "b"), "C a 2+1\n");
+  EXPECT_EQ(IniHits(tree, ";"), "C a 0+1\nS d; 1+1\nC e 0+1\n");
   // A hit never goes on into what stands beside it.
   EXPECT_EQ(IniHits(tree, std::string_view("e\0a", 3)), "");
 
@@ -91,6 +101,25 @@ TEST(TreeSearch, FindsDataOfTheRegistryAsTheyAreShown) {
   by_rules.AddValueRecord(key, RegType::String, "v", "x\\\\abc");
   by_rules.DeleteValue(by_rules.AddValueRecord(key, RegType::String, "abc", "abc"));
   EXPECT_EQ(RegHits(by_rules, "abc"), "K abc 0+3\nD abc/v 3+3\n");
+}
+
+TEST(TreeSearch, FindsKeysByTheirPaths) {
+  const auto pattern = [](const QString& text) {
+    return std::make_shared<PatternMatcher>(text, SearchCase::Ignore, SearchWords::Any);
+  };
+  RegDocument whole, by_rules;
+  ReadWholeReg(whole, "REGEDIT4\n\n[HKEY_USERS\\a\\bc\\bc\\bc]\n@=\"a\\\\bc\"\n[-HKEY_USERS\\x\\a\\bc]\n", {});
+  RegNode* key = by_rules.AddBranch(by_rules.AddHiveNode("HKEY_USERS"), "a");
+  by_rules.AddValueRecord(by_rules.AddBranch(key, "bc"), RegType::String, "[default]", "");
+  EXPECT_EQ(RegHits(by_rules, "users\\A\\b"), "P bc 5+9\n");
+  EXPECT_EQ(RegHits(whole, "a\\b"), "P bc 11+3\nD bc 0+3\nP bc 13+3\n");
+  EXPECT_EQ(RegHits(whole, "a\\b", FieldBit(SearchField::Name)), "");
+  // Those that overlap, too, and with the separator that a copied path may end in.
+  EXPECT_EQ(RegHits(whole, "bc\\bc"), "P bc 13+5\nP bc 16+5\n");
+  EXPECT_EQ(RegHits(whole, "users\\"), "P HKEY_USERS 5+6\n");
+  EXPECT_EQ(RegHits(whole, pattern(u"^hkey_users.+bc\\\\bc$"_s)), "P bc 0+18\nP bc 0+21\n");
+  EXPECT_EQ(RegHits(whole, pattern(u"^bc"_s)), "K bc 0+2\nK bc 0+2\nK bc 0+2\nK bc 0+2\n");
+  EXPECT_EQ(RegHits(whole, "default"), "N bc 1+7\n");
 }
 
 TEST(TreeSearch, GoesOnInSlicesAndKnowsWhereAPlaceIs) {

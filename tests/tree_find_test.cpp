@@ -130,8 +130,10 @@ TEST_F(TreeFind, LooksWhereItIsTold) {
   Type(window, u"^(o|n)"_s);
   EXPECT_EQ(State(window), u"3 of 3");
   Type(window, u"("_s);
-  EXPECT_TRUE(Child<QLabel>(window, "find_error")->isVisible());
-  EXPECT_TRUE(Child<QLabel>(window, "find_error")->text().contains(u"at its end"));
+  const auto* error = Child<QLabel>(window, "find_error");
+  EXPECT_TRUE(error->isVisible());
+  EXPECT_LT(error->y(), Child<QLineEdit>(window, "find_text")->y());
+  EXPECT_TRUE(error->text().contains(u"at its end"));
   EXPECT_EQ(State(window), u"");
 }
 
@@ -245,6 +247,29 @@ TEST_F(TreeFind, ManyHitsAndDearExpressionsLeaveTheWindowFree) {
   EXPECT_LT(time.elapsed(), 10'000);
   WaitFor([&] { return State(window) == u"No hits"; });
   EXPECT_TRUE(Child<QLabel>(window, "find_error")->isVisible());
+}
+
+TEST(PatternMatcher, SearchesLongTextsByAndByAtABoundedCost) {
+  const auto count = [](const QString& pattern, const std::string& text, bool gives_up) {
+    const PatternMatcher matcher(pattern, SearchCase::Match, SearchWords::Any);
+    std::vector<TextMatch> matches;
+    QElapsedTimer time;
+    time.start();
+    matcher.FindAll(text, matches);
+    EXPECT_LT(time.elapsed(), 2'000) << pattern.toStdString();
+    EXPECT_EQ(matcher.HasGivenUp(), gives_up) << pattern.toStdString();
+    return matches.size();
+  };
+  std::string text;
+  for (int i = 0; i < 5'000; ++i) text += "é word " + std::to_string(i) + "; ";
+  EXPECT_EQ(count(u"\\bword (\\d+); "_s, text, false), 5'000U);
+  EXPECT_EQ(count(u"(?<=; )é"_s, text, false), 4'999U);
+  EXPECT_EQ(count(u"word [^!]{3000}|x*"_s, "w" + text.substr(0, 7'000), false), 2U);
+  const std::string row(200'000, 'a');
+  EXPECT_EQ(count(u"a*b"_s, row, true), 0U);
+  EXPECT_EQ(count(u"(a|aa)+$"_s, row, true), 0U);
+  EXPECT_EQ(count(u"a{300}"_s, row, false), 666U);
+  EXPECT_EQ(count(u".*"_s, row, false), 1U);
 }
 
 TEST(PatternMatcher, FindsAndReplacesBytesOfAnyText) {

@@ -74,6 +74,8 @@ TEST(Replacer, TakesInAnIniDocumentWhatIsReadBackAsItIsMeant) {
       {"[a]\nx1=a\nX=b\n[b]\nx1=c\n", "1", "", "[a]\nx1=a\nX=b\n[b]\nx=c\n",
        "The section has a key of this name already.\n"},
       {"[a1]\n[b]\n", "a1", "B", "[a1]\n[b]\n", "There is a section of this name already.\n"},
+      {"[a];\n [b] ; ab]\n", "b", "x", "[a];\n [x] ; ax]\n", ""},
+      {"[b] ; ab\n", "; ", "", "[b] ; ab\n", "A comment begins with a semicolon.\n"},
       {"[ab]\n", "b", "];c", "[ab]\n", "The name of a section ends at its \"]\".\n"},
   };
   for (const auto& c : cases) {
@@ -164,6 +166,35 @@ TEST(Replacer, GivesNoKeyTheNameOfAnother) {
   EXPECT_EQ(by_rules.Values()[0].data, "xb");
   by_rules.Undo();
   EXPECT_EQ(key->Text(), "abc");
+  // Keys of one name get each other's values, and a line stays one.
+  by_rules.AddValueRecord(by_rules.AddBranch(by_rules.Root()->Child(0), "xbc"), RegType::String, "n", "b");
+  const auto refusal = [&](const char* wanted, const char* with) {
+    RegReplacer fresh(by_rules);
+    const auto revision = by_rules.Revision();
+    const QString refusals = ReplaceAllIn(by_rules, std::make_unique<RegSearchSource>(by_rules), fresh, wanted, with);
+    if (by_rules.Revision() != revision) by_rules.Undo();
+    return refusals;
+  };
+  EXPECT_EQ(refusal("xbc", "abc"), u"A key of this name has a value of the same name.\n");
+  EXPECT_EQ(refusal("xbc", "abd"), u"");
+  EXPECT_EQ(refusal("ab", "\""), u"A quotation mark or a backslash needs a backslash before it.\n");
+  EXPECT_EQ(refusal("USERS\\a", "b"), u"The hit goes over more than one key.\n");
+}
+
+TEST(Replacer, PutsNothingIntoAFileThatItCannotHold) {
+  RegDocument document;
+  ReadWholeReg(document, "REGEDIT4\n\n[HKEY_USERS\\ab]\n@=\"ab\"\n\"ab\"=hex(2):61,62,00\n", {});
+  const std::string before = SourceOf(document);
+  const auto refused = [&](RegCharacters characters, const char* wanted) {
+    RegReplacer replacer(document, characters);
+    const auto source = [&] { return std::make_unique<RegSearchSource>(document); };
+    const qsizetype lines = ReplaceAllIn(document, source(), replacer, wanted, "\xE2\x88\xAB").count(u'\n');
+    if (SourceOf(document) != before) document.Undo();
+    return lines;
+  };
+  EXPECT_EQ(refused(RegCharacters::OfCodePage, "ab"), 4);
+  EXPECT_EQ(refused(RegCharacters::Any, "ab"), 1);
+  EXPECT_EQ(refused(RegCharacters::Any, "Default"), 1);
 }
 
 class TreeReplace : public KindsEditor {

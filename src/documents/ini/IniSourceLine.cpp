@@ -44,6 +44,14 @@ std::string_view SourceHeaderName(std::string_view header) {
   return name.substr(0, first);
 }
 
+std::string_view SourceHeaderComment(std::string_view header) {
+  const std::string_view name = SourceHeaderName(header);
+  std::string_view behind = Between(EndOf(name), EndOf(header));
+  if (behind.empty()) return behind;
+  behind = TrimIniBlanks(behind.substr(1));
+  return BeginsComment(behind) ? behind : std::string_view();
+}
+
 IniEntryParts EntryPartsOf(std::string_view entry) {
   const std::string_view text = TrimIniBlanks(entry);
   const std::size_t equals = text.find('=');

@@ -61,6 +61,9 @@ void ForEachSourceRun(std::string_view text, Visit visit) {
 /// of the rest.
 std::string_view SourceHeaderName(std::string_view header);
 
+/// The comment that stands behind the "]" of a header; an empty part where there is none.
+std::string_view SourceHeaderComment(std::string_view header);
+
 struct IniEntryParts {
   /// Without blanks around; the whole line where there is no "=".
   std::string_view key = {};

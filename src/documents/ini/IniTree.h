@@ -161,6 +161,10 @@ class IniTree : public EditLog<IniChanges> {
   /// Exchanges the text of a node. In whole holding only the name of a section changes, and a comment may become an
   /// entry and the other way round.
   bool SetText(IniNode* node, std::string_view text);
+  /// The comment behind the name in a section's line; empty where there is none, and by the rules.
+  std::string_view HeaderCommentOf(const IniNode& section) const;
+  /// Exchanges a comment that is there. Returns false when the line would not be read so.
+  bool SetHeaderComment(IniNode* section, std::string_view comment);
   /// Exchanges key and value of an entry, in whole holding the bytes of these alone. An entry whose key now begins a
   /// comment becomes one. Returns the node, which by the rules may be another one; the selection goes along.
   IniNode* SetEntry(IniNode* node, std::string_view key, std::string_view value);

@@ -97,6 +97,19 @@ bool IniTree::SetLineText(IniNode* node, std::string_view text) {
   return SourceHeaderName(line) == text && ReplaceLine(node, line);
 }
 
+std::string_view IniTree::HeaderCommentOf(const IniNode& section) const {
+  return holding_ == Holding::Whole ? SourceHeaderComment(LineOf(section.number_)) : std::string_view();
+}
+
+bool IniTree::SetHeaderComment(IniNode* section, std::string_view comment) {
+  const std::string_view present = HeaderCommentOf(*section);
+  if (present.empty()) return false;
+  const Step step(*this, EditName::Edit);
+  const std::string line = WithPart(LineOf(section->number_), present, comment);
+  const bool is_same = SourceHeaderName(line) == section->Text() && SourceHeaderComment(line) == comment;
+  return is_same && ReplaceLine(section, line);
+}
+
 bool IniTree::SetEntryLine(IniNode* node, std::string_view key, std::string_view value) {
   std::optional<IniLineStyle> of_file;
   const Piece above = lines_.Previous(node->number_);

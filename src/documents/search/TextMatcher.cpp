@@ -1,5 +1,9 @@
 #include "documents/search/TextMatcher.h"
 
+#include <algorithm>
+
+#include "documents/search/PathText.h"
+
 namespace tme {
 
 std::optional<std::string> TextMatcher::Replaced(std::string_view text, std::string_view with,
@@ -13,6 +17,12 @@ std::optional<std::string> TextMatcher::Replaced(std::string_view text, std::str
     at = change.match.end;
   }
   return replaced.append(text.substr(at));
+}
+
+PlainMatcher::PlainMatcher(std::string_view wanted, SearchCase search_case, SearchWords words)
+    : search_(wanted, search_case, words) {
+  const auto separators = static_cast<std::size_t>(std::ranges::count(wanted, kPathSeparator));
+  if (separators > 0) path_parts_ = separators + (wanted.ends_with(kPathSeparator) ? 0 : 1);
 }
 
 std::vector<TextChange> PlainMatcher::ChangesIn(std::string_view text, std::string_view with,

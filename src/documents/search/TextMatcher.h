@@ -35,13 +35,15 @@ class TextMatcher {
   virtual bool TakesManyTexts() const { return false; }
   /// Whether texts were left that took too long.
   virtual bool HasGivenUp() const { return false; }
+  /// How many parts of a path a match takes, or kAllParts where nobody knows; 0 when each lies within one.
+  virtual std::size_t PathParts() const { return 0; }
+  static constexpr std::size_t kAllParts = SIZE_MAX;
 };
 
 /// A text as it stands.
 class PlainMatcher final : public TextMatcher {
  public:
-  PlainMatcher(std::string_view wanted, SearchCase search_case, SearchWords words)
-      : search_(wanted, search_case, words) {}
+  PlainMatcher(std::string_view wanted, SearchCase search_case, SearchWords words);
 
   void FindAll(std::string_view text, std::vector<TextMatch>& matches, std::size_t end) const override {
     search_.FindAll(text, matches, end);
@@ -49,9 +51,11 @@ class PlainMatcher final : public TextMatcher {
   std::vector<TextChange> ChangesIn(std::string_view text, std::string_view with,
                                     std::optional<std::size_t> only) const override;
   bool TakesManyTexts() const override { return true; }
+  std::size_t PathParts() const override { return path_parts_; }
 
  private:
   TextSearch search_;
+  std::size_t path_parts_ = 0;
 };
 
 }  // namespace tme

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "documents/search/PathText.h"
+
 namespace tme {
 
 void SearchBatch::Clear() {
@@ -11,10 +13,14 @@ void SearchBatch::Clear() {
   searched_ = 0;
 }
 
-void SearchBatch::AddHit(const Text& text, const TextMatch& match, std::deque<SearchHit>& hits) const {
+void SearchBatch::AddHit(std::size_t index, const TextMatch& match, std::deque<SearchHit>& hits) const {
+  const Text& text = texts_[index];
+  const std::string_view bytes = bytes_;
+  if (text.field == SearchField::Path && !ReachesOverParts(bytes.substr(text.start, EndOf(index) - text.start), match))
+    return;
   hits.push_back({.node = text.place.node,
                   .record = text.place.record,
-                  .start = static_cast<std::uint32_t>(match.start),
+                  .start = text.skipped + static_cast<std::uint32_t>(match.start),
                   .size = static_cast<std::uint32_t>(match.end - match.start),
                   .field = text.field});
 }
@@ -29,7 +35,7 @@ bool SearchBatch::FindAll(const TextMatcher& matcher, Clock::time_point until, s
     matches_.clear();
     const Text& text = texts_[searched_];
     matcher.FindAll(bytes.substr(text.start, EndOf(searched_) - text.start), matches_);
-    for (const TextMatch& match : matches_) AddHit(text, match, hits);
+    for (const TextMatch& match : matches_) AddHit(searched_, match, hits);
     ++searched_;
     if (searched_ % kTextsBetweenLooks == 0 && Clock::now() >= until) break;
   }
@@ -43,7 +49,7 @@ void SearchBatch::FindAtOnce(const TextMatcher& matcher, std::deque<SearchHit>& 
   for (const TextMatch& match : matches_) {
     while (EndOf(index) <= match.start) ++index;
     const Text& text = texts_[index];
-    if (match.end <= EndOf(index)) AddHit(text, {match.start - text.start, match.end - text.start}, hits);
+    if (match.end <= EndOf(index)) AddHit(index, {match.start - text.start, match.end - text.start}, hits);
   }
 }
 
@@ -55,7 +61,7 @@ void TreeSearch::Start(SearchFields fields, std::shared_ptr<const TextMatcher> m
   is_batch_done_ = true;
   is_filled_ = false;
   is_done_ = matcher_ == nullptr;
-  source_->Restart();
+  source_->Restart(matcher_.get());
 }
 
 bool TreeSearch::GoOn(std::chrono::steady_clock::time_point until) {

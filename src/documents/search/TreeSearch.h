@@ -21,9 +21,11 @@ enum class SearchField : std::uint8_t {
   Comment,  ///< its line
   Name,     ///< of a registry value
   Data,     ///< of a registry value, decoded
+  Path,     ///< of a registry key, for what goes over more than one component; chosen with Key
 };
 /// A set of them.
 using SearchFields = std::uint32_t;
+constexpr SearchField ChosenAs(SearchField field) { return field == SearchField::Path ? SearchField::Key : field; }
 constexpr SearchFields FieldBit(SearchField field) { return SearchFields{1} << static_cast<unsigned>(field); }
 
 /// A node, or a record that stands at it.
@@ -55,9 +57,10 @@ class SearchBatch {
   using Clock = std::chrono::steady_clock;
 
   void Clear();
-  void Add(const SearchPlace& place, SearchField field, std::string_view text) {
+  /// skipped: bytes of the field that are not searched, before the text.
+  void Add(const SearchPlace& place, SearchField field, std::string_view text, std::size_t skipped = 0) {
     if (text.empty()) return;
-    texts_.push_back({place, static_cast<std::uint32_t>(bytes_.size()), field});
+    texts_.push_back({place, static_cast<std::uint32_t>(bytes_.size()), static_cast<std::uint32_t>(skipped), field});
     bytes_.append(text).push_back('\0');
   }
   bool IsFull() const { return bytes_.size() >= kFullBytes || texts_.size() >= kFullTexts; }
@@ -74,6 +77,7 @@ class SearchBatch {
   struct Text {
     SearchPlace place;
     std::uint32_t start;
+    std::uint32_t skipped;
     SearchField field;
   };
 
@@ -81,7 +85,8 @@ class SearchBatch {
     return (text + 1 < texts_.size() ? texts_[text + 1].start : bytes_.size()) - 1;
   }
   void FindAtOnce(const TextMatcher& matcher, std::deque<SearchHit>& hits);
-  void AddHit(const Text& text, const TextMatch& match, std::deque<SearchHit>& hits) const;
+  /// match: in the text. It is no hit of a path where it is one of the key.
+  void AddHit(std::size_t index, const TextMatch& match, std::deque<SearchHit>& hits) const;
 
   /// With a NUL behind each text.
   std::string bytes_;
@@ -96,8 +101,8 @@ class SearchBatch {
 class SearchSource {
  public:
   virtual ~SearchSource() = default;
-  /// Back to the first place.
-  virtual void Restart() = 0;
+  /// Back to the first place. matcher: what it is for; null for nothing.
+  virtual void Restart(const TextMatcher* matcher) = 0;
   /// Adds the texts of the next places until the batch is full. Returns false when nothing is left.
   virtual bool Fill(SearchFields fields, SearchBatch& batch) = 0;
   virtual bool IsBefore(const SearchPlace& one, const SearchPlace& other) const = 0;

@@ -85,6 +85,8 @@ QString IniReplacer::RefusalOfKey(const IniNode& node, const std::string& after)
 
 bool IniReplacer::Apply(const Replacement& replacement) {
   IniNode* node = EditedNodeAt(replacement);
+  if (node->Tag() == IniTag::Section && replacement.field == SearchField::Comment)
+    return tree_.SetHeaderComment(node, replacement.stored);
   const bool has_value = node->Text().find('=') != std::string_view::npos;
   if (replacement.field == SearchField::Value)
     return tree_.SetEntry(node, std::string(tree_.KeyOf(*node)), replacement.stored) != nullptr;

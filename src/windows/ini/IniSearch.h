@@ -10,7 +10,7 @@ class IniSearchSource final : public SearchSource {
  public:
   explicit IniSearchSource(const IniTree& tree) : tree_(tree), next_(tree.Root()) {}
 
-  void Restart() override { next_ = tree_.Root(); }
+  void Restart(const TextMatcher* /*matcher*/) override { next_ = tree_.Root(); }
   bool Fill(SearchFields fields, SearchBatch& batch) override;
   bool IsBefore(const SearchPlace& one, const SearchPlace& other) const override;
 
@@ -19,14 +19,15 @@ class IniSearchSource final : public SearchSource {
   const IniNode* next_;
 };
 
-/// Calls visit(field, text) for what a node has to be searched. The texts are parts of the node's.
+/// Calls visit(field, text) for what a node has to be searched. The texts are parts of the node's line.
 template <typename Visit>
 void ForEachFieldOf(const IniTree& tree, const IniNode& node, Visit visit) {
   switch (node.Tag()) {
     case IniTag::OpenedFile:
       return;
     case IniTag::Section:
-      return visit(SearchField::Section, node.Text());
+      visit(SearchField::Section, node.Text());
+      return visit(SearchField::Comment, tree.HeaderCommentOf(node));
     case IniTag::Comments:
       return visit(SearchField::Comment, node.Text());
     case IniTag::Value:

@@ -37,20 +37,25 @@ std::string IniSearchTarget::TextOf(const SearchPlace& place, SearchField field)
 SearchTarget::Row IniSearchTarget::RowOf(const SearchPlace& place) const {
   const IniNode& node = *NodeAt(place);
   Row row;
-  ForEachFieldOf(tree_, node,
-                 [&](SearchField field, std::string_view text) { (IsName(field) ? row.name : row.data) = text; });
+  ForEachFieldOf(tree_, node, [&](SearchField field, std::string_view text) {
+    std::string& part = IsName(field) ? row.name : row.data;
+    if (part.empty()) part = text;
+  });
   if (node.Parent() != nullptr && node.Parent()->Tag() == IniTag::Section) row.path = node.Parent()->Text();
   return row;
 }
 
 std::vector<QAbstractItemView*> IniSearchTarget::Views() const { return {&view_}; }
 
-std::vector<SearchTarget::ShownField> IniSearchTarget::ShownAt(const QModelIndex& index) const {
+std::vector<SearchTarget::ShownField> IniSearchTarget::ShownAt(const QModelIndex& index,
+                                                               const TextMatcher& /*matcher*/) const {
   const IniNode* node = IniItemModel::NodeOf(index);
   std::vector<ShownField> fields;
   if (!node) return fields;
   const std::string_view line = node->Text();
   ForEachFieldOf(tree_, *node, [&](SearchField field, std::string_view text) {
+    // The row of a section shows its name alone.
+    if (node->Tag() == IniTag::Section && field != SearchField::Section) return;
     const std::string_view before =
         text.empty() ? text : line.substr(0, static_cast<std::size_t>(text.data() - line.data()));
     fields.push_back(

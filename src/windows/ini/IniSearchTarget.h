@@ -26,7 +26,7 @@ class IniSearchTarget final : public SearchTarget {
   std::string TextOf(const SearchPlace& place, SearchField field) const override;
   Row RowOf(const SearchPlace& place) const override;
   std::vector<QAbstractItemView*> Views() const override;
-  std::vector<ShownField> ShownAt(const QModelIndex& index) const override;
+  std::vector<ShownField> ShownAt(const QModelIndex& index, const TextMatcher& matcher) const override;
   SearchPlace Selected() const override { return {tree_.Selected()}; }
   void GoTo(const SearchPlace& place) override;
   void FocusSelected() override;

@@ -19,14 +19,28 @@ bool HasControls(std::string_view text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
 }
 
+/// Whether a text as it stands in the file would end its line's quotes too early or too late.
+bool BreaksQuotes(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '"') return true;
+    if (text[at] == '\\' && ++at == text.size()) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
-RegReplacer::RegReplacer(RegDocument& document) : document_(document), coding_(CodingOf(document)) {}
+RegReplacer::RegReplacer(RegDocument& document, RegCharacters characters)
+    : document_(document), coding_(CodingOf(document)), characters_(characters) {}
 
 std::optional<Replacement> RegReplacer::Plan(const SearchPlace& place, SearchField field, const ReplaceQuery& query) {
   if (field == SearchField::Data) return PlanData(place, query);
-  const std::string_view before =
-      field == SearchField::Name ? document_.Values()[place.record].name : EditedKeyAt(place)->Text();
+  if (field == SearchField::Path) {
+    const std::string path = PathOf(*EditedKeyAt(place));
+    return Replacement{place, field, query.matcher.Replaced(path, query.with, {}).value_or(path), {}, RefusalOfPath()};
+  }
+  const std::string before = field == SearchField::Name ? SearchedName(document_, document_.Values()[place.record])
+                                                        : std::string(EditedKeyAt(place)->Text());
   std::optional<std::string> after = query.matcher.Replaced(before, query.with, query.only);
   if (!after || *after == before) return std::nullopt;
   Replacement replacement{place, field, *after, *after, {}};
@@ -36,11 +50,24 @@ std::optional<Replacement> RegReplacer::Plan(const SearchPlace& place, SearchFie
 
 QString RegReplacer::Check(const Replacement& replacement) {
   if (replacement.field == SearchField::Data) return {};
+  if (replacement.field == SearchField::Path) return RefusalOfPath();
   const std::string& after = replacement.stored;
   if (HasControls(after)) return tr("A line has no end within.");
-  if (replacement.field == SearchField::Name) return RefusalOfName(document_.Values()[replacement.place.record], after);
+  const bool is_name = replacement.field == SearchField::Name;
+  const std::string_view before =
+      is_name ? document_.Values()[replacement.place.record].name : EditedKeyAt(replacement.place)->Text();
+  if (const QString refusal = RefusalOfCharacters(before, after); !refusal.isEmpty()) return refusal;
+  if (is_name) return RefusalOfName(document_.Values()[replacement.place.record], after);
   if (replacement.field == SearchField::Key) return RefusalOfKey(*EditedKeyAt(replacement.place), after);
   return after.starts_with(';') ? QString() : tr("A comment begins with a semicolon.");
+}
+
+QString RegReplacer::RefusalOfPath() { return tr("The hit goes over more than one key."); }
+
+QString RegReplacer::RefusalOfCharacters(std::string_view before, std::string_view after) const {
+  if (characters_ == RegCharacters::Any || !IsWhole() || coding_.version == RegVersion::Version5) return {};
+  if (coding_.to_code_page(after) || !coding_.to_code_page(before)) return {};
+  return ReasonOf(RegFault::NotInCodePage);
 }
 
 std::string RegReplacer::Comparable(std::string_view name) const {
@@ -51,6 +78,7 @@ QString RegReplacer::RefusalOfKey(const RegNode& key, const std::string& after) 
   if (after.empty()) return tr("A key needs a name.");
   if (after.find('\\') != std::string::npos) return tr("The name of a key has no backslash.");
   if (key.Parent()->Parent() == nullptr && !IsHiveName(after)) return tr("There is no hive of this name.");
+  if (SharesValues(key, after)) return tr("A key of this name has a value of the same name.");
   // Next to a deletion a key of the same name may stand.
   if (!IsKey(key.Tag())) return {};
   const auto [at, is_new] = key_names_.try_emplace(key.Parent());
@@ -70,7 +98,29 @@ bool RegReplacer::TakeName(Names& names, const std::string& before, const std::s
   return true;
 }
 
+bool RegReplacer::SharesValues(const RegNode& key, const std::string& after) {
+  if (IsWhole() || after == key.Text()) return false;
+  auto& names = NamesByComponent();
+  std::vector<std::string> own;
+  document_.ForEachValueOf(&key, [&own](const RegValueRecord& record) {
+    if (!record.deleted) own.emplace_back(record.name);
+  });
+  const Names &before = names[std::string(key.Text())], &others = names[after];
+  // What comes together already stays so.
+  const bool shares = std::ranges::any_of(
+      own, [&](const std::string& name) { return others.contains(name) && before.count(name) == 1; });
+  if (!shares) names[after].insert(own.begin(), own.end());
+  return shares;
+}
+
 /// By the rules keys whose last components are equal share their values when they are saved.
+std::unordered_map<std::string, RegReplacer::Names>& RegReplacer::NamesByComponent() {
+  if (value_names_.empty())
+    for (const RegValueRecord& record : document_.Values())
+      if (!record.deleted) value_names_[std::string(record.owner->Text())].emplace(record.name);
+  return value_names_;
+}
+
 RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
   if (IsWhole()) {
     const auto [at, is_new] = value_names_.try_emplace(std::to_string(reinterpret_cast<std::uintptr_t>(&key)));
@@ -81,20 +131,21 @@ RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
       });
     return names;
   }
-  if (value_names_.empty())
-    for (const RegValueRecord& record : document_.Values())
-      value_names_[std::string(record.owner->Text())].emplace(record.name);
-  return value_names_[std::string(key.Text())];
+  return NamesByComponent()[std::string(key.Text())];
 }
 
 QString RegReplacer::RefusalOfName(const RegValueRecord& record, const std::string& after) {
+  if (IsWhole() && record.name.empty()) return tr("The default value has no name that could change.");
   if (after.empty()) return tr("A value needs a name.");
   if (TakeName(ValueNamesOf(*record.owner), Comparable(record.name), Comparable(after))) return {};
   return tr("This key has a value of this name already.");
 }
 
-QString RegReplacer::RefusalOfText(RegType type, const std::string& after) {
+QString RegReplacer::RefusalOfText(const RegValueRecord& record, const std::string& after) {
+  const RegType type = record.type;
   if (HasControls(after)) return tr("A line has no end within.");
+  if (type == RegType::String && BreaksQuotes(after) && !BreaksQuotes(record.data))
+    return tr("A quotation mark or a backslash needs a backslash before it.");
   if (type == RegType::Hex && !BytesOfHex(after)) return tr("These are no bytes any more.");
   const bool is_number = !after.empty() && after.size() <= kDwordDigits && std::ranges::all_of(after, IsHexDigit);
   if (type == RegType::Dword && !is_number) return tr("This is no number any more.");
@@ -106,7 +157,7 @@ std::optional<Replacement> RegReplacer::PlanData(const SearchPlace& place, const
   const RegValueRecord& record = document_.Values()[place.record];
   std::optional<std::string> after = query.matcher.Replaced(record.data, query.with, query.only);
   if (!after || *after == record.data) return std::nullopt;
-  const QString refusal = RefusalOfText(record.type, *after);
+  const QString refusal = RefusalOfText(record, *after);
   return Replacement{place, SearchField::Data, *after, *after, refusal};
 }
 
@@ -140,10 +191,12 @@ std::optional<Replacement> RegReplacer::PlanDecoded(const SearchPlace& place, co
     case ReplacedData::Outcome::Changed:
       break;
   }
-  if (const std::optional<std::string> assignment = EncodeAssignment(replaced.data, coding_))
+  if (const std::optional<std::string> assignment = EncodeAssignment(replaced.data, coding_)) {
     replacement.stored = *assignment;
-  else
+    replacement.refusal = RefusalOfCharacters(record.data, replacement.stored);
+  } else {
     replacement.refusal = ReasonOf(FaultOf(replaced.data, coding_));
+  }
   return replacement;
 }
 

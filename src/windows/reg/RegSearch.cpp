@@ -1,5 +1,8 @@
 #include "windows/reg/RegSearch.h"
 
+#include <algorithm>
+
+#include "documents/search/PathText.h"
 #include "documents/search/TreeOrder.h"
 #include "windows/reg/RegValueText.h"
 
@@ -17,6 +20,34 @@ bool IsPlainText(std::string_view assignment) {
 }
 
 }  // namespace
+
+std::string PathOf(const RegNode& key, std::size_t components) {
+  const auto for_each = [&](auto visit) {
+    std::size_t left = components;
+    for (const RegNode* node = &key; node->Parent() != nullptr && left > 0; node = node->Parent(), --left) visit(*node);
+  };
+  std::size_t size = 0;
+  for_each([&](const RegNode& node) { size += node.Text().size() + 1; });
+  if (size == 0) return {};
+  std::string path(size - 1, kPathSeparator);
+  std::size_t at = size;
+  for_each([&](const RegNode& node) {
+    at -= node.Text().size() + 1;
+    node.Text().copy(path.data() + at, node.Text().size());
+  });
+  return path;
+}
+
+std::string PathSearched(const RegNode& key, const TextMatcher& matcher) {
+  const std::size_t parts = matcher.PathParts();
+  // An expression may ask for the end.
+  return parts == TextMatcher::kAllParts ? PathOf(key) : PathOf(key, std::min(parts, kMostComponents)) + kPathSeparator;
+}
+
+std::string SearchedName(const RegDocument& document, const RegValueRecord& record) {
+  return std::string(document.HeldAs() == Holding::Whole && record.name.empty() ? NameOfValue(record).toStdString()
+                                                                                : record.name);
+}
 
 std::optional<SearchField> FieldOfNode(const RegNode& node) {
   if (node.Tag() == RegTag::File) return std::nullopt;
@@ -36,11 +67,13 @@ std::string_view SearchedData(const RegDocument& document, const RegValueRecord&
 }
 
 RegSearchSource::RegSearchSource(const RegDocument& document) : document_(document), coding_(CodingOf(document)) {
-  Restart();
+  Restart(nullptr);
 }
 
-void RegSearchSource::Restart() {
+void RegSearchSource::Restart(const TextMatcher* matcher) {
   coding_ = CodingOf(document_);
+  of_paths_ = matcher != nullptr && matcher->PathParts() > 0 ? matcher : nullptr;
+  default_name_ = SearchedName(document_, {});
   node_ = nullptr;
   records_.clear();
   next_record_ = 0;
@@ -54,8 +87,7 @@ bool RegSearchSource::Fill(SearchFields fields, SearchBatch& batch) {
     }
     node_ = node_ == nullptr ? document_.Root() : NextInTree(node_);
     if (node_ == nullptr) return false;
-    const std::optional<SearchField> field = FieldOfNode(*node_);
-    if (field && fields & FieldBit(*field)) batch.Add({node_}, *field, node_->Text());
+    AddNode(fields, batch);
     records_.clear();
     next_record_ = 0;
     const RegValueRecord* first = document_.Values().data();
@@ -66,10 +98,21 @@ bool RegSearchSource::Fill(SearchFields fields, SearchBatch& batch) {
   return true;
 }
 
+void RegSearchSource::AddNode(SearchFields fields, SearchBatch& batch) const {
+  const std::optional<SearchField> field = FieldOfNode(*node_);
+  if (!field || (fields & FieldBit(*field)) == 0) return;
+  batch.Add({node_}, *field, node_->Text());
+  if (of_paths_ == nullptr || *field != SearchField::Key) return;
+  const std::string path = PathSearched(*node_, *of_paths_);
+  const std::size_t separator = path.ends_with(kPathSeparator) ? 1 : 0;
+  batch.Add({node_}, SearchField::Path, path, PathOf(*node_).size() + separator - path.size());
+}
+
 void RegSearchSource::AddRecord(std::uint32_t record, SearchFields fields, SearchBatch& batch) {
   const RegValueRecord& value = document_.Values()[record];
   const SearchPlace place{node_, record};
-  if (fields & FieldBit(SearchField::Name)) batch.Add(place, SearchField::Name, value.name);
+  if (fields & FieldBit(SearchField::Name))
+    batch.Add(place, SearchField::Name, value.name.empty() ? default_name_ : value.name);
   if (fields & FieldBit(SearchField::Data))
     batch.Add(place, SearchField::Data, SearchedData(document_, value, coding_, decoded_));
 }

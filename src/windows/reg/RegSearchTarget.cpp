@@ -3,7 +3,6 @@
 #include <QTreeView>
 
 #include "windows/reg/RegKeyModel.h"
-#include "windows/reg/RegReplacer.h"
 #include "windows/reg/RegSearch.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/RegValueText.h"
@@ -29,7 +28,9 @@ std::unique_ptr<SearchSource> RegSearchTarget::MakeSource() const {
   return std::make_unique<RegSearchSource>(document_);
 }
 
-std::unique_ptr<Replacer> RegSearchTarget::MakeReplacer() { return std::make_unique<RegReplacer>(document_); }
+std::unique_ptr<Replacer> RegSearchTarget::MakeReplacer() {
+  return std::make_unique<RegReplacer>(document_, window_.characters());
+}
 
 std::string RegSearchTarget::DataOf(std::size_t record) const {
   std::string buffer;
@@ -37,8 +38,9 @@ std::string RegSearchTarget::DataOf(std::size_t record) const {
 }
 
 std::string RegSearchTarget::TextOf(const SearchPlace& place, SearchField field) const {
+  if (field == SearchField::Path) return PathOf(*NodeAt(place));
   if (!IsRecord(place)) return std::string(NodeAt(place)->Text());
-  return field == SearchField::Name ? std::string(document_.Values()[place.record].name) : DataOf(place.record);
+  return field == SearchField::Name ? SearchedName(document_, document_.Values()[place.record]) : DataOf(place.record);
 }
 
 SearchTarget::Row RegSearchTarget::RowOf(const SearchPlace& place) const {
@@ -49,17 +51,25 @@ SearchTarget::Row RegSearchTarget::RowOf(const SearchPlace& place) const {
 
 std::vector<QAbstractItemView*> RegSearchTarget::Views() const { return {&views_.keys, &views_.list}; }
 
-std::vector<SearchTarget::ShownField> RegSearchTarget::ShownAt(const QModelIndex& index) const {
+std::vector<SearchTarget::ShownField> RegSearchTarget::ShownAt(const QModelIndex& index,
+                                                               const TextMatcher& matcher) const {
   if (!index.isValid()) return {};
   if (index.model() == views_.keys.model()) {
     const RegNode* node = RegKeyModel::NodeOf(index);
     const std::optional<SearchField> field = FieldOfNode(*node);
-    return field ? std::vector{ShownField{*field, std::string(node->Text())}} : std::vector<ShownField>();
+    if (!field) return {};
+    std::vector<ShownField> fields{{*field, std::string(node->Text())}};
+    if (*field == SearchField::Key && matcher.PathParts() > 0) {
+      const std::string path = PathSearched(*node, matcher);
+      const std::size_t separator = path.ends_with('\\') ? 1 : 0;
+      fields.push_back({SearchField::Path, path, 0, path.size() - separator - node->Text().size()});
+    }
+    return fields;
   }
   const std::size_t record = views_.values.RecordOf(index);
   switch (index.column()) {
     case RegValueModel::Name:
-      return {{SearchField::Name, std::string(document_.Values()[record].name)}};
+      return {{SearchField::Name, SearchedName(document_, document_.Values()[record])}};
     case RegValueModel::Data:
       return {{SearchField::Data, DataOf(record)}};
     default:
@@ -79,7 +89,7 @@ SearchPlace RegSearchTarget::Selected() const {
   return place;
 }
 
-void RegSearchTarget::GoTo(const SearchPlace& place) { go_to_(NodeAt(place), place.record); }
+void RegSearchTarget::GoTo(const SearchPlace& place) { window_.go_to(NodeAt(place), place.record); }
 
 void RegSearchTarget::FocusSelected() {
   QTreeView& view = IsRecord(Selected()) ? views_.list : views_.keys;

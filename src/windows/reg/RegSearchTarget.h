@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "documents/reg/RegDocument.h"
+#include "windows/reg/RegReplacer.h"
 #include "windows/tree/SearchTarget.h"
 
 class QTreeView;
@@ -24,9 +25,14 @@ class RegSearchTarget final : public SearchTarget {
     RegValueModel& values;
   };
 
-  /// go_to: selects a key, and in it a record unless that is SearchPlace::kNoRecord.
-  RegSearchTarget(RegDocument& document, const ShownIn& views, std::function<void(RegNode*, std::uint32_t)> go_to)
-      : document_(document), views_(views), go_to_(std::move(go_to)) {}
+  struct Window {
+    /// Selects a key, and in it a record unless that is SearchPlace::kNoRecord.
+    std::function<void(RegNode*, std::uint32_t)> go_to;
+    std::function<RegCharacters()> characters;
+  };
+
+  RegSearchTarget(RegDocument& document, const ShownIn& views, Window window)
+      : document_(document), views_(views), window_(std::move(window)) {}
 
   std::vector<Field> Fields() const override;
   std::unique_ptr<SearchSource> MakeSource() const override;
@@ -35,7 +41,7 @@ class RegSearchTarget final : public SearchTarget {
   std::string TextOf(const SearchPlace& place, SearchField field) const override;
   Row RowOf(const SearchPlace& place) const override;
   std::vector<QAbstractItemView*> Views() const override;
-  std::vector<ShownField> ShownAt(const QModelIndex& index) const override;
+  std::vector<ShownField> ShownAt(const QModelIndex& index, const TextMatcher& matcher) const override;
   SearchPlace Selected() const override;
   void GoTo(const SearchPlace& place) override;
   void FocusSelected() override;
@@ -45,7 +51,7 @@ class RegSearchTarget final : public SearchTarget {
 
   RegDocument& document_;
   ShownIn views_;
-  std::function<void(RegNode*, std::uint32_t)> go_to_;
+  const Window window_;
 };
 
 }  // namespace tme

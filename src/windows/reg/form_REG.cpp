@@ -163,8 +163,12 @@ void form_REG::BuildValueList(QWidget* parent) {
 }
 
 std::unique_ptr<SearchTarget> form_REG::MakeSearchTarget() {
-  return std::make_unique<RegSearchTarget>(document_, RegSearchTarget::ShownIn{*TV, *LV, *values_},
-                                           [this](RegNode* node, std::uint32_t record) { GoToPlace(node, record); });
+  const auto characters = [this] {
+    return File().Format().encoding == TextEncoding::CodePage ? RegCharacters::OfCodePage : RegCharacters::Any;
+  };
+  return std::make_unique<RegSearchTarget>(
+      document_, RegSearchTarget::ShownIn{*TV, *LV, *values_},
+      RegSearchTarget::Window{[this](RegNode* node, std::uint32_t record) { GoToPlace(node, record); }, characters});
 }
 
 void form_REG::GoToPlace(RegNode* node, std::uint32_t record) {

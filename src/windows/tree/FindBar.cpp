@@ -34,6 +34,12 @@ FindBar::FindBar(TreeFinder& finder, const std::vector<SearchTarget::Field>& fie
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(kBarMargin, kBarMargin, kBarMargin, kBarMargin);
   rows->setSpacing(kBarMargin);
+  // Above the rows, which stay where they are when it comes: the bar grows upwards.
+  error_ = PlainLabel({}, this);
+  error_->setObjectName(u"find_error"_s);
+  error_->setWordWrap(true);
+  error_->hide();
+  rows->addWidget(error_);
   rows->addLayout(row_);
   row_->setSpacing(kBarMargin);
   BuildText();
@@ -57,11 +63,6 @@ FindBar::FindBar(TreeFinder& finder, const std::vector<SearchTarget::Field>& fie
   connect(close, &QToolButton::clicked, this, &FindBar::CloseWanted);
   BuildReplaceRow();
   rows->addWidget(replace_row_);
-  error_ = PlainLabel({}, this);
-  error_->setObjectName(u"find_error"_s);
-  error_->setWordWrap(true);
-  error_->hide();
-  rows->addWidget(error_);
   connect(&finder_, &TreeFinder::Progressed, this, &FindBar::ShowState);
   // What was said was about what there was.
   connect(&finder_, &TreeFinder::Restarted, this, [this] { Say(finder_.Error()); });

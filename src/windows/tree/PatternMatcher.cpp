@@ -1,7 +1,9 @@
 #include "windows/tree/PatternMatcher.h"
 
+#include <QElapsedTimer>
 #include <QString>
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "base/Utf16.h"
@@ -12,8 +14,17 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-/// About a millisecond each, after which the library gives up.
-constexpr QLatin1StringView kStepLimit("(*LIMIT_MATCH=100000)");
+/// Before each expression. At one place of a text the library gives up after about a millisecond.
+constexpr QLatin1StringView kLimits("(*LIMIT_MATCH=100000)(*NOTEMPTY)");
+/// What is matched at once, in units. What goes on behind it is looked at for each place by itself, with an effort in
+/// units that is bounded: some milliseconds for a text, and some nanoseconds for each of its units.
+constexpr qsizetype kWindow = 256;
+constexpr qsizetype kWider = 4;
+constexpr qsizetype kLeastEffort = qsizetype{1} << 20;
+constexpr qsizetype kEffortOfUnit = 4;
+/// Places that all come near the limit of the library end the search of a text, too.
+constexpr qint64 kMostTime = 40;           // milliseconds
+constexpr qsizetype kUnitsOfTime = 16384;  // which may take one more
 
 /// A text as the expression takes it, with the way back to its bytes.
 class Subject {
@@ -50,17 +61,94 @@ class Subject {
   std::vector<std::size_t> offsets_;
 };
 
+/// The matches of a text one after another, none of them empty, at a cost that is linear in it.
+class Matches {
+ public:
+  Matches(const QRegularExpression& expression, const QString& text)
+      : expression_(expression),
+        text_(text),
+        effort_(kLeastEffort + kEffortOfUnit * text.size()),
+        most_time_(kMostTime + text.size() / kUnitsOfTime) {
+    time_.start();
+  }
+
+  /// Null behind the last one, or where the rest is given up.
+  std::optional<QRegularExpressionMatch> Next();
+  bool HasGivenUp() const { return has_given_up_; }
+
+ private:
+  using Expression = QRegularExpression;
+
+  /// Matches in the text up to `end`: only in part where a match could be another one with more of it.
+  QRegularExpressionMatch MatchUpTo(qsizetype end, Expression::MatchOptions options) const {
+    const bool is_all = end == text_.size();
+    return expression_.match(QString::fromRawData(text_.constData(), end), from_,
+                             is_all ? Expression::NormalMatch : Expression::PartialPreferFirstMatch, options);
+  }
+  qsizetype EndBehind(qsizetype units) const {
+    const qsizetype end = std::min(text_.size(), from_ + units);
+    return end < text_.size() && text_[end].isLowSurrogate() ? end + 1 : end;
+  }
+  /// One that begins where the search is, at any size.
+  std::optional<QRegularExpressionMatch> MatchHere();
+  QRegularExpressionMatch Taken(const QRegularExpressionMatch& match) {
+    from_ = std::max(match.capturedEnd(), from_ + 1);
+    return match;
+  }
+
+  const Expression& expression_;
+  const QString& text_;
+  qsizetype from_ = 0;
+  qsizetype effort_;
+  const qint64 most_time_;
+  QElapsedTimer time_;
+  bool has_given_up_ = false;
+};
+
+std::optional<QRegularExpressionMatch> Matches::Next() {
+  while (from_ < text_.size() && !has_given_up_) {
+    const qsizetype end = EndBehind(kWindow);
+    const QRegularExpressionMatch match = MatchUpTo(end, Expression::NoMatchOption);
+    has_given_up_ = !match.isValid() || (end < text_.size() && time_.elapsed() > most_time_);
+    if (has_given_up_) break;
+    if (match.hasMatch()) return Taken(match);
+    if (!match.hasPartialMatch()) {
+      from_ = end;
+    } else if (match.capturedStart() > from_) {
+      from_ = match.capturedStart();
+    } else if (auto here = MatchHere()) {
+      return here;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<QRegularExpressionMatch> Matches::MatchHere() {
+  for (qsizetype units = kWindow * kWider; effort_ > 0; units *= kWider) {
+    const qsizetype end = EndBehind(units);
+    const QRegularExpressionMatch match = MatchUpTo(end, Expression::AnchorAtOffsetMatchOption);
+    effort_ -= end - from_;
+    if (!match.isValid()) break;
+    if (match.hasMatch()) {
+      effort_ += std::min(end - from_, kWider * match.capturedLength());
+      return Taken(match);
+    }
+    if (match.hasPartialMatch()) continue;
+    from_ = EndBehind(1);
+    return std::nullopt;
+  }
+  has_given_up_ = true;
+  return std::nullopt;
+}
+
 /// Calls visit(match, its bytes) until that returns false. Returns false when the rest was given up.
 template <class Visit>
 bool ForEachMatch(const QRegularExpression& expression, const Subject& subject, Visit visit) {
-  QRegularExpressionMatchIterator found = expression.globalMatch(subject.Text());
-  while (found.hasNext()) {
-    const QRegularExpressionMatch match = found.next();
-    if (match.capturedLength() > 0 &&
-        !visit(match, TextMatch{subject.ByteAt(match.capturedStart()), subject.ByteAt(match.capturedEnd())}))
+  Matches matches(expression, subject.Text());
+  while (const auto match = matches.Next())
+    if (!visit(*match, TextMatch{subject.ByteAt(match->capturedStart()), subject.ByteAt(match->capturedEnd())}))
       return true;
-  }
-  return found.isValid();
+  return !matches.HasGivenUp();
 }
 
 /// The bytes of a group, which the subject may not have.
@@ -93,8 +181,9 @@ PatternMatcher::PatternMatcher(const QString& pattern, SearchCase search_case, S
   // By itself: what is put around it could close what it leaves open.
   expression_ = QRegularExpression(pattern, options);
   if (expression_.isValid()) {
+    if (pattern.contains(u"\\\\"_s)) path_parts_ = kAllParts;
     const bool is_word = words == SearchWords::Whole;
-    expression_.setPattern(kStepLimit + (is_word ? u"\\b(?:"_s + pattern + u")\\b"_s : pattern));
+    expression_.setPattern(kLimits + (is_word ? u"\\b(?:"_s + pattern + u")\\b"_s : pattern));
   }
   if (!expression_.isValid()) {
     error_ = expression_.errorString();

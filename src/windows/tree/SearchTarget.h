@@ -28,6 +28,8 @@ class SearchTarget {
     std::string text;
     /// What stands before it, in UTF-16 units.
     qsizetype units_before = 0;
+    /// Bytes at its start that the view does not show.
+    std::size_t hidden = 0;
   };
   /// A place in the words of the document, not cut.
   struct Row {
@@ -49,8 +51,8 @@ class SearchTarget {
 
   /// The views that show the places.
   virtual std::vector<QAbstractItemView*> Views() const = 0;
-  /// index: of one of these views.
-  virtual std::vector<ShownField> ShownAt(const QModelIndex& index) const = 0;
+  /// index: of one of these views. matcher: what is sought in the texts.
+  virtual std::vector<ShownField> ShownAt(const QModelIndex& index, const TextMatcher& matcher) const = 0;
   virtual SearchPlace Selected() const = 0;
   /// Selects a place and brings it in sight, wherever the focus is.
   virtual void GoTo(const SearchPlace& place) = 0;

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "documents/search/PathText.h"
 #include "shell/DocumentArea.h"
 #include "shell/Global.h"
 #include "windows/tree/FindBar.h"
@@ -34,20 +35,22 @@ std::vector<MarkedRange> MarksAt(const QModelIndex& index, qsizetype in_sight, c
   if (!finder.Matcher()) return {};
   std::vector<MarkedRange> marks;
   std::vector<TextMatch> matches;
-  for (const SearchTarget::ShownField& shown : target.ShownAt(index)) {
+  for (const SearchTarget::ShownField& shown : target.ShownAt(index, *finder.Matcher())) {
     if (!finder.LooksIn(shown.field)) continue;
     matches.clear();
     const std::string_view text = shown.text;
     const qsizetype units_left = std::max<qsizetype>(0, in_sight - shown.units_before);
-    finder.Matcher()->FindAll(text, matches, static_cast<std::size_t>(units_left) * kMostBytesOfUnit);
+    finder.Matcher()->FindAll(text, matches, shown.hidden + static_cast<std::size_t>(units_left) * kMostBytesOfUnit);
     const auto units = [&](std::size_t from, std::size_t to) {
       return QString::fromUtf8(text.data() + from, static_cast<qsizetype>(to - from)).size();
     };
     qsizetype at = shown.units_before;
-    std::size_t from = 0;
+    std::size_t from = shown.hidden;
     for (const TextMatch& match : matches) {
-      at += units(from, match.start);
-      const qsizetype size = units(match.start, match.end);
+      if (shown.field == SearchField::Path && !ReachesOverParts(text, match)) continue;
+      const std::size_t start = std::max(match.start, shown.hidden);
+      at += units(from, start);
+      const qsizetype size = units(start, match.end);
       marks.push_back({at, size});
       at += size;
       from = match.end;

@@ -53,7 +53,7 @@ class TreeFinder : public QObject {
   const QString& Error() const { return error_; }
   /// What finds the marks in texts; null when nothing is sought.
   const std::shared_ptr<const TextMatcher>& Matcher() const { return matcher_; }
-  bool LooksIn(SearchField field) const { return (query_.left_out & FieldBit(field)) == 0; }
+  bool LooksIn(SearchField field) const { return (query_.left_out & FieldBit(ChosenAs(field))) == 0; }
   /// Forgets what is sought, and all hits.
   void Stop();
 
