@@ -1,0 +1,292 @@
+#include "documents/compare/Merge.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/LineReader.h"
+#include "documents/SourceLines.h"
+#include "documents/compare/MergeLines.h"
+#include "documents/compare/MergeOutput.h"
+#include "documents/compare/MergeUnits.h"
+#include "documents/compare/OutlineDiff.h"
+
+namespace tme {
+namespace {
+
+using UnitIndex = MergeUnits::Index;
+constexpr UnitIndex kNoUnit = MergeUnits::kNone;
+constexpr std::string_view kOurSide = "ours";
+constexpr std::string_view kTheirSide = "theirs";
+constexpr std::string_view kDeletedMark = "deleted";
+
+/// By number of one file the number of the other one, from the other way round.
+std::vector<UnitIndex> Inverted(const std::vector<UnitIndex>& numbers, std::size_t size) {
+  std::vector<UnitIndex> inverted(size, kNoUnit);
+  for (std::size_t at = 0; at < numbers.size(); ++at)
+    if (numbers[at] != kNoUnit) inverted[numbers[at]] = static_cast<UnitIndex>(at);
+  return inverted;
+}
+
+std::size_t LinesIn(std::string_view text) {
+  LineReader lines(text);
+  for (std::string_view line; lines.Next(line);) {
+  }
+  return lines.Number();
+}
+
+class Merging {
+ public:
+  Merging(const Outline& base, const Outline& ours, const Outline& theirs)
+      : base_(base),
+        ours_(ours),
+        theirs_(theirs),
+        base_of_ours_(base_.Find(ours_)),
+        base_of_theirs_(base_.Find(theirs_)),
+        ours_of_theirs_(ours_.Find(theirs_)),
+        theirs_of_ours_(Inverted(ours_of_theirs_, ours_.All().size())),
+        base_of_our_groups_(base_.FindGroups(ours_)),
+        base_of_their_groups_(base_.FindGroups(theirs_)),
+        our_groups_(ours_.FindGroups(theirs_)),
+        their_groups_(Inverted(our_groups_, ours_.Groups().size())),
+        out_(ours, theirs) {}
+
+  MergeResult Run() && {
+    PlaceGroups();
+    auto added = added_groups_.begin();
+    for (UnitIndex group = 0; group < ours_.Groups().size(); ++group) {
+      TakeGroup(group);
+      for (; added != added_groups_.end() && added->place <= group + 1; ++added) PutTheirGroup(added->number);
+    }
+    out_.Put(ours_.Tail());
+    MergeResult result{std::move(out_).Take(ours_.File().Text()), std::move(conflicts_)};
+    NumberLines(result);
+    return result;
+  }
+
+ private:
+  /// Something of theirs that comes before one of ours.
+  struct Addition {
+    UnitIndex place;
+    UnitIndex number;
+  };
+
+  // Groups.
+
+  /// Whether a group has what the base has not: an entry that was added or changed.
+  static bool IsGroupChanged(const MergeUnits& base, const MergeUnits& side, const std::vector<UnitIndex>& base_of,
+                             UnitIndex group) {
+    const MergeUnits::Range range = side.Groups()[group];
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      if (side.All()[unit].sort != MergeUnits::Sort::Item) continue;
+      if (base_of[unit] == kNoUnit || !side.SameContent(unit, base, base_of[unit])) return true;
+    }
+    return false;
+  }
+
+  bool HaveTheyChangedGroup(UnitIndex theirs) const { return IsGroupChanged(base_, theirs_, base_of_theirs_, theirs); }
+
+  void PlaceGroups() {
+    UnitIndex place = 1;
+    for (UnitIndex theirs = 0; theirs < theirs_.Groups().size(); ++theirs) {
+      if (our_groups_[theirs] != kNoUnit) {
+        place = our_groups_[theirs] + 1;
+        continue;
+      }
+      if (base_of_their_groups_[theirs] != kNoUnit && !HaveTheyChangedGroup(theirs)) continue;
+      while (place < ours_.Groups().size() && base_of_our_groups_[place] == kNoUnit && their_groups_[place] == kNoUnit)
+        ++place;
+      added_groups_.push_back({place, theirs});
+    }
+    std::ranges::stable_sort(added_groups_, {}, &Addition::place);
+  }
+
+  void PutTheirGroup(UnitIndex theirs) {
+    const MergeUnits::Range range = theirs_.Groups()[theirs];
+    const bool was_deleted = base_of_their_groups_[theirs] != kNoUnit;
+    if (theirs_.BlanksOf(range.begin).empty() && SectionsStandApart() && !out_.IsEmpty()) out_.PutBlank();
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      if (was_deleted && unit == range.begin)
+        PutTheirUnit(unit, MergeConflict::Kind::WeDeleted);
+      else
+        PutTheirUnit(unit, std::nullopt);
+    }
+    stands_behind_theirs_ = true;
+  }
+
+  /// Whether our last header stands behind a blank line.
+  bool SectionsStandApart() const {
+    for (std::size_t group = ours_.Groups().size() - 1; group > 0; --group)
+      if (const MergeUnits::Range range = ours_.Groups()[group]; range.begin > 0)
+        return !ours_.BlanksOf(range.begin).empty();
+    return true;
+  }
+
+  void TakeGroup(UnitIndex group) {
+    const bool have_they = their_groups_[group] != kNoUnit, has_base = base_of_our_groups_[group] != kNoUnit;
+    if (have_they) return MergeGroup(group);
+    const bool is_conflict = has_base && IsGroupChanged(base_, ours_, base_of_ours_, group);
+    if (has_base && !is_conflict) {
+      stands_behind_gap_ = true;
+      return;
+    }
+    const MergeUnits::Range range = ours_.Groups()[group];
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      PutBlanks(unit);
+      out_.Put(ours_.LeadOf(unit));
+      if (is_conflict && unit == range.begin) MarkDeleted(MergeConflict::Kind::TheyDeleted, ours_, unit);
+      out_.Put(ours_.MainOf(unit));
+    }
+  }
+
+  void MergeGroup(UnitIndex group) {
+    const std::vector<Addition> added = PlaceUnits(group);
+    const MergeUnits::Range range = ours_.Groups()[group];
+    auto next = added.begin();
+    const auto put_before = [&](UnitIndex unit) {
+      for (; next != added.end() && next->place <= unit; ++next) {
+        const bool was_deleted = base_of_theirs_[next->number] != kNoUnit;
+        PutTheirUnit(next->number, was_deleted ? std::optional(MergeConflict::Kind::WeDeleted) : std::nullopt);
+        stands_behind_theirs_ = true;
+      }
+    };
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      put_before(unit);
+      TakeUnit(unit);
+    }
+    put_before(kNoUnit);
+  }
+
+  // Units.
+
+  static bool IsFileHeader(const MergeUnits& units, UnitIndex unit) {
+    return units.File().Items()[units.All()[unit].main].sort == Outline::Sort::FileHeader;
+  }
+
+  /// What they added to a group, and what we deleted and they changed.
+  std::vector<Addition> PlaceUnits(UnitIndex group) const {
+    const MergeUnits::Range ours = ours_.Groups()[group], theirs = theirs_.Groups()[their_groups_[group]];
+    std::vector<Addition> added;
+    UnitIndex place = ours.begin + (group == 0 ? 0 : 1);
+    for (UnitIndex unit = theirs.begin + (group == 0 ? 0 : 1); unit < theirs.end; ++unit) {
+      if (ours_of_theirs_[unit] != kNoUnit) {
+        place = ours_of_theirs_[unit] + 1;
+        continue;
+      }
+      const UnitIndex base = base_of_theirs_[unit];
+      if (IsFileHeader(theirs_, unit) || (base != kNoUnit && theirs_.SameContent(unit, base_, base))) continue;
+      while (place < ours.end && base_of_ours_[place] == kNoUnit && theirs_of_ours_[place] == kNoUnit) ++place;
+      added.push_back({place, unit});
+    }
+    std::ranges::stable_sort(added, {}, &Addition::place);
+    return added;
+  }
+
+  void TakeUnit(UnitIndex unit) {
+    const UnitIndex base = base_of_ours_[unit], theirs = theirs_of_ours_[unit];
+    const bool have_they_deleted = theirs == kNoUnit && base != kNoUnit && !IsFileHeader(ours_, unit);
+    if (have_they_deleted && ours_.SameContent(unit, base_, base)) {
+      stands_behind_gap_ = true;
+      return;
+    }
+    PutBlanks(unit);
+    PutLead(unit);
+    if (have_they_deleted) MarkDeleted(MergeConflict::Kind::TheyDeleted, ours_, unit);
+    if (theirs == kNoUnit || ours_.SameContent(unit, theirs_, theirs)) return out_.Put(ours_.MainOf(unit));
+    if (base != kNoUnit && theirs_.SameContent(theirs, base_, base)) return out_.Put(ours_.MainOf(unit));
+    const bool have_we_changed = base == kNoUnit || !ours_.SameContent(unit, base_, base);
+    const std::optional<std::string> taken =
+        have_we_changed ? std::nullopt : MainWithTheirs(base_, base, ours_, unit, theirs_, theirs);
+    if (taken) return out_.PutTheirs(*taken);
+    AddConflict(have_we_changed ? MergeConflict::Kind::BothChanged : MergeConflict::Kind::Unsayable, ours_, unit);
+    out_.PutMark(kTheirSide, theirs_.MainOf(theirs));
+    out_.Put(ours_.MainOf(unit));
+  }
+
+  void PutBlanks(UnitIndex unit) {
+    const UnitIndex base = base_of_ours_[unit], theirs = theirs_of_ours_[unit];
+    const std::string_view ours = ours_.BlanksOf(unit);
+    const bool is_behind_theirs = std::exchange(stands_behind_theirs_, false);
+    const bool is_behind_gap = std::exchange(stands_behind_gap_, false);
+    // What stood first without a blank line above it is gone.
+    if (out_.IsEmpty() && unit > 0 && ours_.BlanksOf(0).empty()) return;
+    const bool is_header = ours_.All()[unit].sort == MergeUnits::Sort::Header;
+    if (is_header && is_behind_theirs && ours.empty() && SectionsStandApart()) return out_.PutBlank();
+    const bool are_theirs = (is_behind_theirs || is_behind_gap) && base != kNoUnit && theirs != kNoUnit &&
+                            LinesIn(ours) == LinesIn(base_.BlanksOf(base));
+    if (are_theirs && !SameMergeLines(ours, theirs_.BlanksOf(theirs))) return out_.PutTheirs(theirs_.BlanksOf(theirs));
+    out_.Put(ours);
+  }
+
+  void PutLead(UnitIndex unit) {
+    const UnitIndex base = base_of_ours_[unit], theirs = theirs_of_ours_[unit];
+    const std::string_view ours = ours_.LeadOf(unit);
+    const bool is_untouched =
+        theirs != kNoUnit && (base == kNoUnit ? ours.empty() : SameMergeLines(ours, base_.LeadOf(base)));
+    if (is_untouched && !SameMergeLines(ours, theirs_.LeadOf(theirs))) return out_.PutTheirs(theirs_.LeadOf(theirs));
+    out_.Put(ours);
+  }
+
+  /// conflict: none where it was added.
+  void PutTheirUnit(UnitIndex unit, std::optional<MergeConflict::Kind> conflict) {
+    if (!out_.IsEmpty()) out_.PutTheirs(theirs_.BlanksOf(unit));
+    out_.PutTheirs(theirs_.LeadOf(unit));
+    if (conflict) MarkDeleted(*conflict, theirs_, unit);
+    if (const std::optional<std::string> lines = TheirMainFor(ours_, theirs_, unit)) return out_.PutTheirs(*lines);
+    AddConflict(MergeConflict::Kind::Unsayable, theirs_, unit);
+    out_.PutMark(kTheirSide, theirs_.MainOf(unit));
+  }
+
+  // Conflicts.
+
+  void MarkDeleted(MergeConflict::Kind kind, const MergeUnits& units, UnitIndex unit) {
+    AddConflict(kind, units, unit);
+    out_.PutMark(kind == MergeConflict::Kind::WeDeleted ? kOurSide : kTheirSide, kDeletedMark);
+  }
+
+  void AddConflict(MergeConflict::Kind kind, const MergeUnits& units, UnitIndex unit) {
+    const MergeUnits::Unit& it = units.All()[unit];
+    const bool is_group = it.sort == MergeUnits::Sort::Header;
+    // Its place in the bytes until all are known.
+    conflicts_.push_back(
+        {kind, GroupLabel(units.File(), it.group), is_group ? "" : ItemLabel(units.File(), it.main), out_.Size()});
+  }
+
+  static void NumberLines(MergeResult& result) {
+    std::size_t at = 0, line = 0;
+    for (MergeConflict& conflict : result.conflicts) {
+      line += LinesIn(std::string_view(result.text).substr(at, conflict.line - at));
+      at = conflict.line;
+      conflict.line = line + 1;
+    }
+  }
+
+  const MergeUnits base_;
+  const MergeUnits ours_;
+  const MergeUnits theirs_;
+  // The same units and groups in the others; kNoUnit.
+  const std::vector<UnitIndex> base_of_ours_;
+  const std::vector<UnitIndex> base_of_theirs_;
+  const std::vector<UnitIndex> ours_of_theirs_;
+  const std::vector<UnitIndex> theirs_of_ours_;
+  const std::vector<UnitIndex> base_of_our_groups_;
+  const std::vector<UnitIndex> base_of_their_groups_;
+  const std::vector<UnitIndex> our_groups_;
+  const std::vector<UnitIndex> their_groups_;
+  std::vector<Addition> added_groups_;
+  /// What stands before the next unit of ours: something of theirs was put, or something of ours left out.
+  bool stands_behind_theirs_ = false;
+  bool stands_behind_gap_ = false;
+  MergeOutput out_;
+  std::vector<MergeConflict> conflicts_;
+};
+
+}  // namespace
+
+std::optional<MergeResult> MergeOutlines(const Outline& base, const Outline& ours, const Outline& theirs) {
+  if (ours.Text() == base.Text()) return MergeResult{theirs.Text(), {}};
+  const auto has_pairs = [](const Outline& outline) { return outline.Coding().version == RegVersion::Regedit; };
+  if (has_pairs(ours) != has_pairs(base) || has_pairs(ours) != has_pairs(theirs)) return std::nullopt;
+  return Merging(base, ours, theirs).Run();
+}
+
+}  // namespace tme
