@@ -4,10 +4,10 @@
 
 packages_build=(g++ cmake ninja-build ccache qt6-base-dev librsvg2-bin libqscintilla2-qt6-dev patch)
 
-# Tests run without a display; they need fonts to lay out text, what looks at the form, and what print tests read with.
-# Benchmarks are only built, so that they do not fall behind.
+# Tests run without a display; they need fonts to lay out text, what looks at the form, what print tests read with, and
+# the shells that complete what is typed for tmec. Benchmarks are only built, so that they do not fall behind.
 packages_test=(libgtest-dev libgmock-dev libbenchmark-dev clang-format clang-tidy shellcheck fonts-dejavu-core
-  poppler-utils)
+  poppler-utils bash-completion zsh fish)
 
 # The compiler that fuzz targets are built with, and its runtimes.
 packages_fuzz=(clang-14 libclang-rt-14-dev llvm-14)

@@ -21,7 +21,7 @@ struct Option {
   std::string_view help;
 };
 
-inline constexpr Option kKindOption{"kind", '\0', "KIND", "take FILE as ini, reg, rtf or txt, whatever its name"};
+inline constexpr Option kKindOption{"kind", '\0', "ini|reg|rtf|txt", "what FILE is, whatever its name"};
 inline constexpr Option kJsonOption{"json", '\0', "", "write JSON"};
 inline constexpr Option kOutputOption{"output", 'o', "OUT", "write to OUT (- is standard output), leave FILE alone"};
 
