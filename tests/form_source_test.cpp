@@ -1,4 +1,6 @@
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QSplitter>
 #include <QTest>
@@ -10,6 +12,7 @@
 #include "shell/GlobalMenus.h"
 #include "shell/OpenDispatch.h"
 #include "shell/Settings.h"
+#include "shell/StatusLine.h"
 #include "windows/tree/SourceView.h"
 
 namespace tme {
@@ -226,6 +229,8 @@ TEST_F(SourceBesideTree, WhatIsTypedIsReadAfterAPause) {
     EXPECT_TRUE(window_->File().IsChanged());
     EXPECT_GT(View().SelectionEnd(), caret) << "the caret stays";
     EXPECT_TRUE(View().hasFocus());
+    const std::string now_lines = now + "\r\n";
+    ExpectMarked(now_lines.substr(now_lines.rfind('\n', now_lines.size() - 2) + 1));
     EXPECT_EQ(Saved(), expected);
     window_->EditUndo();
     ExpectShown(text);
@@ -252,6 +257,49 @@ TEST_F(SourceBesideTree, CtrlZTakesBackWhatIsTypedFirst) {
   GoTo(1);
   QTest::keyClick(&View(), Qt::Key_X);
   EXPECT_EQ(Shown(), kIniText);
+}
+
+TEST_F(SourceBesideTree, TheEditMenuIsAboutWhatHasTheFocus) {
+  for (const DocumentKind kind : {DocumentKind::Ini, DocumentKind::Reg}) {
+    const bool is_ini = kind == DocumentKind::Ini;
+    const std::string text = is_ini ? kIniText : kRegText;
+    OpenWith(kind, Holding::Whole, text);
+    ExpectShown(text);
+    GoTo(2);
+    const auto choose = [&](const char* ini, const char* reg) {
+      QAction* action = global_.menus.Action(QLatin1StringView(is_ini ? ini : reg));
+      EXPECT_TRUE(action->isEnabled());
+      action->trigger();
+    };
+    View().Select(1, 3);
+    choose("menu_EditCut", "menu_EditRegCut");
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), text.substr(1, 2));
+    choose("menu_EditPaste", "menu_EditRegPaste");
+    choose("menu_EditPaste", "menu_EditRegPaste");
+    QFocusEvent opens_menu(QEvent::FocusOut, Qt::PopupFocusReason);
+    QCoreApplication::sendEvent(&View(), &opens_menu);
+    choose("menu_EditUndo", "menu_EditRegUndo");
+    EXPECT_EQ(window_->Content(), text) << "what was typed was read, and is undone";
+    window_->findChild<QWidget*>(u"TV"_s)->setFocus();
+    choose("menu_EditCopy", "menu_EditRegCopy");
+    EXPECT_NE(QGuiApplication::clipboard()->text().toStdString(), text.substr(1, 2));
+    window_->FileClose();
+  }
+}
+
+TEST_F(SourceBesideTree, TheStatusLineSaysWhyALineIsNotUnderstood) {
+  OpenWith(DocumentKind::Ini, Holding::Whole, "[A]\r\nx=1\r\nwhat\r\n");
+  ExpectShown("[A]\r\nx=1\r\nwhat\r\n");
+  GoTo(2);
+  WaitFor([&] { return window_->State().fault.contains(u"\"=\""_s); });
+  EXPECT_EQ(View().accessibleDescription(), window_->State().fault);
+  global_.status.ShowNow();
+  auto* path = frame_->findChild<QWidget*>(u"status_path"_s);
+  EXPECT_TRUE(path->accessibleName().contains(window_->State().fault));
+  path->setFocus();
+  EXPECT_FALSE(window_->State().fault.isEmpty()) << "who goes there by keys still reads it";
+  window_->findChild<QWidget*>(u"TV"_s)->setFocus();
+  EXPECT_EQ(window_->State().fault, u"");
 }
 
 TEST_F(SourceBesideTree, WhatIsNotUnderstoodIsUnderlined) {

@@ -14,6 +14,8 @@ namespace tme {
 struct DocumentState {
   QString kind{};
   std::optional<Holding> holding{};
+  /// Why the line that the user is in is not understood; shown in the place of the path.
+  QString fault{};
   /// Of the selected node in full, as it is copied; of the file where nothing below it is selected.
   QString path{};
   std::optional<TextEncoding> encoding{};

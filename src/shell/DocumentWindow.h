@@ -110,6 +110,8 @@ class DocumentWindow : public QWidget {
   /// What is being typed somewhere in the window becomes an edit. Called before anything else reads or changes the
   /// document.
   virtual void CommitTyping() {}
+  /// Lets a part of the window that has the focus do a command by itself. Returns false for one that the window does.
+  virtual bool TakeCommand(const QByteArray& /*command*/) { return false; }
 
   /// printer: not kept.
   virtual void PrintDoc(QPrinter& printer) = 0;

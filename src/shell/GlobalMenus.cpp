@@ -323,6 +323,7 @@ void GlobalMenus::Choose(std::size_t index) {
 }
 
 bool SendCommand(Global& global, DocumentWindow& window, const QByteArray& command) {
+  if (window.TakeCommand(command)) return true;
   if (window.metaObject()->indexOfMethod(command + "()") >= 0)
     return QMetaObject::invokeMethod(&window, command.constData());
   global.dialogs.MsgBox(

@@ -131,7 +131,7 @@ void StatusLine::ShowNow() {
 }
 
 void StatusLine::Show(const DocumentState& state) {
-  const bool same_path = state.path == state_.path;
+  const bool same_path = state.path == state_.path && state.fault == state_.fault;
   state_ = state;
   const auto say = [](QLabel* label, const QString& text) {
     if (label->text() == text) return;
@@ -178,7 +178,10 @@ void StatusLine::ShowForm(const DocumentState& state) {
 }
 
 void StatusLine::ShowPath(const DocumentState& state) {
-  path_->Say(state.path, tr("Path: %1").arg(state.path), state.path + u"\n"_s + tr("A click copies it."));
+  const bool is_fault = !state.fault.isEmpty();
+  const QString& text = is_fault ? state.fault : state.path;
+  path_->Say(text, (is_fault ? tr("Not understood: %1") : tr("Path: %1")).arg(text),
+             text + u"\n"_s + tr("A click copies it."));
 }
 
 void StatusLine::ShowPlace(const DocumentState& state) {
@@ -203,7 +206,7 @@ void StatusLine::Arrange() {
                          Part{encoding_, state_.encoding.has_value()},
                          Part{selection_, state_.selected_characters > 0},
                          Part{place_, state_.place.has_value()}};
-  const bool has_path = !is_asking && !state_.path.isEmpty();
+  const bool has_path = !is_asking && !(state_.path + state_.fault).isEmpty();
   const int least = is_asking ? field_->sizeHint().width()
                     : has_path
                         ? std::min(kLeastPathCharacters * fontMetrics().averageCharWidth(), path_->sizeHint().width())

@@ -34,8 +34,9 @@ void SayWhyAt(QWidget& part, const QString& why) {
 }  // namespace
 
 void StatusLine::CopyPath() {
-  QGuiApplication::clipboard()->setText(state_.path);
-  path_->Say(tr("Copied"), tr("Copied: %1").arg(state_.path), state_.path);
+  const QString& text = state_.fault.isEmpty() ? state_.path : state_.fault;
+  QGuiApplication::clipboard()->setText(text);
+  path_->Say(tr("Copied"), tr("Copied: %1").arg(text), text);
   copied_.start();
   Arrange();
 }

@@ -230,6 +230,7 @@ void form_REG::UpdateCommands() {
   menus.SetAvailable("menu_EditCopyKeyPath", document_.Selected()->Tag() != RegTag::File);
   menus.SetAvailable("menu_EditCopyRegAdd", has_any);
   menus.SetAvailable("menu_EditRegCopyText", has_any || !is_in_list);
+  ShowSourceCommands();
   if (IsWhole()) return;
   menus.SetAvailable("menu_EditModify", FocusMarker == Focus::LV && SelectedRow() >= 0);
   menus.SetAvailable("menu_EditNewKey", FocusMarker == Focus::TV);

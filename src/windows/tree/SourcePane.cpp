@@ -1,6 +1,6 @@
 #include "windows/tree/SourcePane.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QScopedValueRollback>
 #include <QSplitter>
@@ -64,7 +64,16 @@ void SourcePane::Show() {
   ReadSize();
   document_->Listen([this] { Follow(); });
   connect(view_, &SourceView::CaretMoved, this, &SourcePane::SelectCaretLine, Qt::QueuedConnection);
-  connect(view_, &SourceView::Left, this, &SourcePane::Commit);
+  connect(view_, &SourceView::CaretMoved, this, &SourcePane::FindFault, Qt::QueuedConnection);
+  connect(view_, &SourceView::Entered, this, &SourcePane::FocusChanged);
+  connect(view_, &SourceView::Left, this, [this] {
+    Commit();
+    emit FocusChanged();
+  });
+  connect(qApp, &QApplication::focusChanged, view_, [this](const QWidget*, const QWidget* now) {
+    // The status line keeps what it says while it is read.
+    if (now != nullptr && now != view_ && splitter_.isAncestorOf(now)) SetFault({});
+  });
   connect(view_, &SourceView::Typed, this, [this] {
     if (!pause_.isActive()) QCoreApplication::instance()->installEventFilter(this);
     pause_.start();
@@ -78,6 +87,7 @@ void SourcePane::Hide() {
   document_->Listen({});
   follow_.stop();
   revision_.reset();
+  SetFault({});
   const bool had_focus = view_->hasFocus();
   // A press of the mouse in it may be what brought us here.
   SourceView* const gone = std::exchange(view_, nullptr);
@@ -120,7 +130,7 @@ void SourcePane::FollowNow() {
     revision_ = document_->Revision();
     selected_line_.reset();
   }
-  view_->SetEditable(document_->Pieces() != nullptr);
+  view_->SetEditable(IsEditable());
   if (!view_->IsTyped()) ShowSelection();
 }
 
@@ -142,6 +152,17 @@ void SourcePane::SelectCaretLine() {
   Follow();
 }
 
+void SourcePane::FindFault() {
+  if (view_ && view_->hasFocus()) SetFault(view_->FaultAt(view_->CaretLine()));
+}
+
+void SourcePane::SetFault(const QString& fault) {
+  if (fault == fault_) return;
+  fault_ = fault;
+  if (view_) view_->setAccessibleDescription(fault_);
+  emit FaultChanged();
+}
+
 void SourcePane::Commit() {
   pause_.stop();
   QCoreApplication::instance()->removeEventFilter(this);
@@ -155,6 +176,7 @@ void SourcePane::Commit() {
   document_->ReplaceLines(edit->first, edit->last, lines);
   // The text is another one than that of the revision, which an undo may bring back before the pane follows.
   revision_.reset();
+  if (view_->hasFocus()) document_->SelectLine(*view_, view_->CaretLine());
   emit DocumentEdited();
   Follow();
 }

@@ -32,8 +32,17 @@ class SourcePane : public QObject {
   void Follow();
   /// What was typed becomes a step of the document.
   void Commit();
+  bool HasFocus() const { return view_ && view_->hasFocus(); }
+  bool IsEditable() const { return document_->Pieces() != nullptr; }
+  /// While the text has the focus, commands of the window about a selection are its own. Returns false for any other.
+  bool TakeCommand(std::string_view command) { return HasFocus() && view_->RunCommand(command); }
+  /// Why the line that the user is in is not understood; empty for one that is, and when he has left for the tree.
+  const QString& Fault() const { return fault_; }
 
  signals:
+  void FaultChanged();
+  /// The focus came or went.
+  void FocusChanged();
   /// By what was typed.
   void DocumentEdited();
 
@@ -47,6 +56,8 @@ class SourcePane : public QObject {
   void FollowNow();
   void ShowSelection();
   void SelectCaretLine();
+  void FindFault();
+  void SetFault(const QString& fault);
   bool IsBeside() const;
   void ReadSize();
   void ApplySize();
@@ -66,6 +77,7 @@ class SourcePane : public QObject {
   /// Whose node the caret selected.
   std::optional<PadPosition> selected_line_;
   bool is_committing_ = false;
+  QString fault_;
 };
 
 }  // namespace tme

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
+#include <utility>
 
 #include "documents/SourceLines.h"
 #include "shell/PlainText.h"
@@ -200,6 +202,20 @@ void SourceView::ShowFaults(PadPosition start, PadPosition end, const std::vecto
     at = first + static_cast<PadPosition>(fault.size);
   }
   clear(end);
+}
+
+bool SourceView::RunCommand(std::string_view command) {
+  static constexpr std::pair<std::string_view, unsigned> kCommands[] = {
+      {"EditCut", SCI_CUT}, {"EditCopy", SCI_COPY}, {"EditPaste", SCI_PASTE}, {"EditDelete", SCI_CLEAR}};
+  const auto* const found = std::ranges::find(kCommands, command, &std::pair<std::string_view, unsigned>::first);
+  if (found == std::end(kCommands)) return false;
+  Send(found->second);
+  return true;
+}
+
+void SourceView::focusInEvent(QFocusEvent* event) {
+  TextPad::focusInEvent(event);
+  emit Entered();
 }
 
 void SourceView::focusOutEvent(QFocusEvent* event) {

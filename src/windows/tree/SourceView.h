@@ -47,15 +47,19 @@ class SourceView : public TextPad {
   void Reveal(const SourceLineRange& lines);
   /// Why a line is not understood; empty for one that is.
   QString FaultAt(PadPosition line) const;
+  /// Does in the text what a command of the window is called. Returns false for one that texts have not.
+  bool RunCommand(std::string_view command);
 
  signals:
   /// By the user.
   void Typed();
   void CaretMoved();
+  void Entered();
   void Left();
 
  protected:
   bool event(QEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   /// Tab goes on, since a pad that keeps it would keep who comes by keys.
   // NOLINTNEXTLINE(bugprone-parent-virtual-call): the parent is what keeps it.

@@ -63,6 +63,7 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   Q_INVOKABLE void ViewSourceBeside();
 
   void CommitTyping() override;
+  bool TakeCommand(const QByteArray& command) override;
 
   /// Opens the find bar with the text that was last sought, or gives it the focus.
   Q_INVOKABLE void SearchFind();
@@ -101,6 +102,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   virtual std::unique_ptr<SourceDocument> MakeSourceDocument() = 0;
   /// Something else may be selected now.
   void FollowInSource();
+  /// While the source has the focus, the items for what is selected are about it.
+  void ShowSourceCommands();
 
   // The form of a document that is held whole.
   virtual LineEnds UsedLineEnds() const = 0;

@@ -30,6 +30,8 @@ QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
   splitter->addWidget(area);
   source_ = std::make_unique<SourcePane>(global_, *splitter, MakeSourceDocument());
   connect(source_.get(), &SourcePane::DocumentEdited, this, [this] { SetChanged(true); });
+  connect(source_.get(), &SourcePane::FaultChanged, this, &TreeDocumentWindow::StateChanged);
+  connect(source_.get(), &SourcePane::FocusChanged, this, &TreeDocumentWindow::UpdateCommands);
   return area;
 }
 
@@ -69,6 +71,17 @@ void TreeDocumentWindow::FollowInSource() {
   if (!source_) return;
   source_->ApplySettings();
   source_->Follow();
+}
+
+bool TreeDocumentWindow::TakeCommand(const QByteArray& command) {
+  return source_ && source_->TakeCommand({command.constData(), static_cast<std::size_t>(command.size())});
+}
+
+void TreeDocumentWindow::ShowSourceCommands() {
+  if (!source_ || !source_->HasFocus() || global_.area.ActiveDocument() != this) return;
+  global_.menus.SetAvailable("menu_EditRegCopy", true);
+  for (const char* item : {"menu_EditRegCut", "menu_EditRegPaste"})
+    global_.menus.SetAvailable(item, source_->IsEditable());
 }
 
 void TreeDocumentWindow::CommitTyping() {

@@ -2,6 +2,7 @@
 #include <QAbstractItemView>
 
 #include "shell/WaitCursor.h"
+#include "windows/tree/SourcePane.h"
 #include "windows/tree/TreeDocumentWindow.h"
 
 namespace tme {
@@ -18,6 +19,7 @@ void TreeDocumentWindow::WatchState(const QAbstractItemView& view) {
 
 void TreeDocumentWindow::AddState(DocumentState& state) const {
   state.holding = GetHolding();
+  if (source_) state.fault = source_->Fault();
   if (GetHolding() == Holding::Whole) return;
   state.line_ends = LineEnds::CrLf;
   state.line_ends_stay =
