@@ -14,36 +14,14 @@
 #include <QTimer>
 #include <QToolButton>
 
-#include "Editor.h"
+#include "RtfWindow.h"
 #include "WaitFor.h"
 #include "shell/GlobalMenus.h"
 #include "shell/LongWork.h"
-#include "shell/NoticeBar.h"
-#include "shell/OpenDispatch.h"
-#include "windows/rich/RtfPad.h"
 #include "windows/rich/RtfPrint.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
-
-class FormRtf : public Editor {
- protected:
-  FormRtf() { Start(); }
-  form_RTF& Window(int slot = 0) { return dynamic_cast<form_RTF&>(*global_.documents.At(DocumentKind::Rtf, slot)); }
-  form_RTF& Open(const std::string& bytes) {
-    OpenPathList(global_, File(u"letter.rtf"_s, bytes));
-    QApplication::processEvents();
-    return Window();
-  }
-  form_RTF& New() {
-    NewDocument(global_, DocumentKind::Rtf);
-    return Window();
-  }
-  static RtfPad& PadOf(form_RTF& window) { return static_cast<RtfPad&>(window.EditingArea()); }
-  static QString NoticeOf(form_RTF& window) { return window.findChild<NoticeBar*>()->Text(); }
-  static void Click(form_RTF& window, const QString& tag) { window.findChild<QToolButton*>(tag)->click(); }
-  bool IsChecked(const char* item) { return global_.menus.Action(QLatin1StringView(item))->isChecked(); }
-};
 
 TEST_F(FormRtf, SavesUntouchedBytesAsTheyWereAndEditsAsRichText) {
   const std::string bytes = "{\\rtf1\\ansi  {\\*\\odd thing}\\pard\\b one\\b0\\par}\n\n";

@@ -46,7 +46,7 @@ TEST_F(Editor, MenusShowWhatTheKindAnswers) {
   } kinds[] = {{"File Edit Search View Tools Window Help", 28, DocumentKind::Ini},
                {"File Edit Search View Tools Window Help", 26, DocumentKind::Reg},
                {"File Edit Search View Tools Window Help", 16, DocumentKind::Txt},
-               {"File Edit Search Format Tools Window Help", 21, DocumentKind::Rtf}};
+               {"File Edit Search Format Tools Window Help", 22, DocumentKind::Rtf}};
   for (const auto& expected : kinds) {
     SCOPED_TRACE(NameOf(expected.kind));
     const DocumentWindow* window = NewDocument(global_, expected.kind);

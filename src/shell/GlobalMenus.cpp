@@ -186,6 +186,7 @@ constexpr std::array kRows{
     Row{"menu_Tools", "menu_ToolsMSDOS", QT_TR_NOOP("Edit &MSDOS.SYS"), kAlways, nullptr},
     Row{"menu_Tools", "menu_FeatureVars", QT_TR_NOOP("Gather &Environmental Variables"), kAlways, nullptr},
     Row{"menu_Tools", "menu_ToolsOptions", QT_TR_NOOP("&Options..."), kAlways, nullptr},
+    Row{"menu_Tools", "menu_ToolsContents", QT_TR_NOOP("Show What This File &Contains..."), kRtf, "ShowContents"},
     Row{"menu_Tools", "menu_ToolsHistory", QT_TR_NOOP("File &History..."), kAlways, nullptr, "file-history"},
     Row{"menu_Tools", "ASDF", "ASDF", kNever, nullptr},
 

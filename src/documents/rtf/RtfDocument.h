@@ -94,6 +94,8 @@ enum class ObjectKind : std::uint8_t {
   Placeholder,  ///< anything else that a reader of the letter would see: other pictures, embedded objects, footnotes
   Invisible,    ///< bookmarks, index entries and the like: kept where they stood, never shown
 };
+/// The label of an embedded or linked object that shows neither text nor a picture.
+inline constexpr const char* kObjectLabel = "Embedded object";
 struct Object {
   ObjectKind kind = ObjectKind::Placeholder;
   /// The group as it came, with its braces, or several that stood side by side; written back as it is. Empty for a

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "documents/rtf/RtfFieldInstruction.h"
 #include "documents/rtf/RtfParser.h"
 #include "documents/rtf/RtfPicture.h"
 
@@ -24,43 +25,6 @@ void SayUnicodeSkip(std::string& group, int skip) {
   while (has_word && at < group.size() && is_number(group[at])) ++at;
   if (!has_word) at = 1;
   group.insert(at, "\\uc" + std::to_string(skip));
-}
-
-/// Takes a word or a quoted text off the front.
-std::string TakeArgument(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\n"), text.size()));
-  const bool is_quoted = text.starts_with('"');
-  if (is_quoted) text.remove_prefix(1);
-  const std::size_t end = std::min(text.find_first_of(is_quoted ? "\"" : " \t\n"), text.size());
-  std::string argument;
-  for (std::size_t i = 0; i < end; ++i) {
-    if (is_quoted && text[i] == '\\' && i + 1 < end && text[i + 1] == '\\') ++i;
-    argument += text[i];
-  }
-  text.remove_prefix(std::min(end + (is_quoted ? 1u : 0u), text.size()));
-  return argument;
-}
-
-/// Where a HYPERLINK field leads, with "#" and the place in it; empty for other fields. `instruction`: the text of its
-/// \fldinst group.
-std::string UrlOfInstruction(std::string_view instruction) {
-  if (TakeArgument(instruction) != "HYPERLINK") return {};
-  std::string url;
-  std::string place;
-  while (true) {
-    instruction.remove_prefix(std::min(instruction.find_first_not_of(" \t\n"), instruction.size()));
-    if (instruction.empty()) break;
-    const bool is_quoted = instruction.starts_with('"');
-    const std::string argument = TakeArgument(instruction);
-    if (is_quoted || !argument.starts_with('\\')) {
-      if (url.empty()) url = argument;
-    } else if (argument == "\\l") {
-      place = TakeArgument(instruction);
-    } else if (argument == "\\o" || argument == "\\t") {
-      TakeArgument(instruction);
-    }
-  }
-  return place.empty() ? url : url + "#" + place;
 }
 
 }  // namespace
@@ -154,7 +118,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     case Control::ShownPicture:
       return AddShownPicture();
     case Control::Object:
-      return AddDrawing("Embedded object");
+      return AddDrawing(kObjectLabel);
     case Control::Drawing:
       return AddDrawing("Drawing");
     case Control::Footnote:

@@ -8,7 +8,12 @@
 #include <QTextDocument>
 #include <utility>
 
+#include "documents/rtf/RtfContents.h"
+#include "files/CodePage.h"
 #include "system/Twips.h"
+#include "windows/rich/RtfPartText.h"
+
+using namespace Qt::StringLiterals;
 
 namespace tme {
 namespace {
@@ -44,6 +49,7 @@ void RtfObjectView::Reset(const RtfStore& store) {
   pictures_.clear();
   pictures_.setMaxCost(kPictureCacheKilobytes);
   sizes_.clear();
+  part_texts_.clear();
   label_sizes_.clear();
 }
 
@@ -76,7 +82,29 @@ QString RtfObjectView::LabelOf(const QTextFormat& format) const {
   if (!object) return tr("Object");
   if (object->kind == rtf::ObjectKind::Picture)
     return PictureSize(format.intProperty(kObject), *object).isEmpty() ? tr("Picture that cannot be shown") : QString();
+  if (object->label == rtf::kObjectLabel) {
+    const QString& text = PartTextOf(format.intProperty(kObject), *object);
+    if (!text.isEmpty()) return QString(text).replace(u'\n', u", "_s);
+  }
   return object->label.empty() ? tr("Object") : QString::fromStdString(object->label);
+}
+
+const QString& RtfObjectView::PartTextOf(int number, const rtf::Object& object) const {
+  const auto known = part_texts_.constFind(number);
+  if (known != part_texts_.cend()) return *known;
+  const rtf::Contents contents = rtf::ListContents(object.rtf, BytesToUtf8);
+  const bool is_listed = !contents.parts.empty() && contents.parts.front().kind != rtf::PartKind::Unshown;
+  return *part_texts_.insert(number, is_listed ? RtfPartText::Tip(contents.parts.front()) : QString());
+}
+
+QString RtfObjectView::TipOf(const QTextFormat& format) const {
+  const QString label = LabelOf(format);
+  const rtf::Object* object = ObjectOf(format);
+  if (!object || format.objectType() != kRtfObjectType) return label;
+  const bool is_note = object->rtf.starts_with("{\\footnote");
+  const QString what = is_note ? tr("Footnote") : PartTextOf(format.intProperty(kObject), *object);
+  const bool says_more = !label.isEmpty() && object->label != rtf::kObjectLabel;
+  return says_more && !what.isEmpty() ? what + u'\n' + label : what.isEmpty() ? label : what;
 }
 
 QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {

@@ -22,6 +22,8 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
 
   /// What stands in a place of the text, for people; empty for a picture that is shown and for text.
   QString LabelOf(const QTextFormat& format) const;
+  /// The same at length, of pictures too: an object's class and size. Empty for text.
+  QString TipOf(const QTextFormat& format) const;
 
   QSizeF intrinsicSize(QTextDocument* document, int position, const QTextFormat& format) override;
   void drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int position,
@@ -29,6 +31,8 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
 
  private:
   const rtf::Object* ObjectOf(const QTextFormat& format) const;
+  /// What the list of the file's contents says of an object; empty where it lists nothing.
+  const QString& PartTextOf(int number, const rtf::Object& object) const;
   /// In twips; empty when it cannot be shown.
   QSize PictureSize(int number, const rtf::Object& object) const;
   const QPixmap* PictureOf(int number, const rtf::Object& object, QSize pixels);
@@ -36,6 +40,7 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
   const RtfStore* store_ = nullptr;
   QCache<int, QPixmap> pictures_;
   mutable QHash<int, QSize> sizes_;
+  mutable QHash<int, QString> part_texts_;
   /// Of the labels at one resolution: a file may have fifty thousand of one kind.
   QHash<QString, QSizeF> label_sizes_;
   double label_resolution_ = 0;

@@ -13,6 +13,7 @@
 #include "files/CodePage.h"
 #include "shell/PlainText.h"
 #include "system/Twips.h"
+#include "windows/rich/ClosedDocument.h"
 #include "windows/rich/RtfExport.h"
 #include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfImport.h"
@@ -76,7 +77,7 @@ void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
 void RtfPad::Clear() {
   store_ = std::make_unique<RtfStore>();
   store_->document = EmptyRtfDocument();
-  auto view = std::make_unique<QTextDocument>();
+  auto view = std::make_unique<ClosedDocument>();
   const RtfFormats formats(*store_);
   view->setUndoRedoEnabled(false);
   QTextCursor cursor(view.get());
@@ -89,7 +90,7 @@ void RtfPad::Clear() {
 
 std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
   auto store = std::make_unique<RtfStore>();
-  auto view = std::make_unique<QTextDocument>();
+  auto view = std::make_unique<ClosedDocument>();
   RtfSimplified simplified;
   if (!ImportRtf(std::move(read), *store, *view, simplified, step)) return std::nullopt;
   store_ = std::move(store);
@@ -182,8 +183,9 @@ std::optional<PadPosition> RtfPad::Find(const QString& text, PadPosition from, P
 }
 
 void RtfPad::Print(QPrinter& printer) {
-  const std::unique_ptr<QTextDocument> text =
-      textCursor().hasSelection() ? SelectionAsDocument() : std::unique_ptr<QTextDocument>(document()->clone());
+  const std::unique_ptr<QTextDocument> text = textCursor().hasSelection()
+                                                  ? SelectionAsDocument()
+                                                  : std::unique_ptr<QTextDocument>(document()->clone(document()));
   text->documentLayout()->registerHandler(kRtfObjectType, objects_);
   PrintRtf(printer, *text, store_->document.document_controls);
 }
@@ -236,22 +238,6 @@ void RtfPad::wheelEvent(QWheelEvent* event) {
   if (!notches) return QTextEdit::wheelEvent(event);
   if (zoom_.Turn(*notches)) ZoomInPlace();
   event->accept();
-}
-
-bool RtfPad::viewportEvent(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QTextEdit::viewportEvent(event);
-  const auto& help = *static_cast<QHelpEvent*>(event);
-  const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
-  const int position = document()->documentLayout()->hitTest(help.pos() + scrolled, Qt::ExactHit);
-  QString tip;
-  if (position >= 0 && position < End()) {
-    QTextCursor cursor(document());
-    cursor.setPosition(position + 1);
-    tip = objects_->LabelOf(cursor.charFormat());
-    if (tip.isEmpty()) tip = cursor.charFormat().anchorHref();
-  }
-  ShowTip(help.globalPos(), tip, viewport());
-  return true;
 }
 
 }  // namespace tme

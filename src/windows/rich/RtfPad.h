@@ -100,6 +100,9 @@ class RtfPad : public QTextEdit, public Pad {
   /// Of laying it out, as in RtfShape.h.
   std::size_t SelectionCost() const;
 
+  /// What is said of text of a format: an object's kind, where a link leads.
+  QString TipOf(const QTextCharFormat& format) const;
+
   /// 100 is the size of the document. For the display only.
   void SetZoom(int percent);
 
@@ -117,9 +120,12 @@ class RtfPad : public QTextEdit, public Pad {
   void showEvent(QShowEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   bool viewportEvent(QEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   void Show(std::unique_ptr<QTextDocument> view);
+  QString TipAt(const QPoint& point) const;
+  QString FieldTip(const QTextCharFormat& format) const;
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
   /// no longer there.
   bool LayOutTo(int position);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "documents/rtf/RtfWriter.h"
+#include "windows/rich/ClosedDocument.h"
 #include "windows/rich/RtfClipboard.h"
 #include "windows/rich/RtfExport.h"
 #include "windows/rich/RtfImport.h"
@@ -16,12 +17,6 @@
 
 namespace tme {
 namespace {
-
-/// A text of marked-up pages that fetches nothing, neither files nor pages.
-class ClosedDocument : public QTextDocument {
- protected:
-  QVariant loadResource(int, const QUrl&) override { return {}; }
-};
 
 void RemovePictures(QTextDocument& document) {
   QTextCursor cursor(&document);
@@ -32,7 +27,7 @@ void RemovePictures(QTextDocument& document) {
 }  // namespace
 
 std::unique_ptr<QTextDocument> RtfPad::SelectionAsDocument() const {
-  auto part = std::make_unique<QTextDocument>();
+  auto part = std::make_unique<ClosedDocument>();
   part->setUndoRedoEnabled(false);
   part->setDefaultFont(document()->defaultFont());
   QTextCursor(part.get()).insertFragment(textCursor().selection());
@@ -59,7 +54,7 @@ void RtfPad::InsertFragment(const QTextDocument& part) {
 }
 
 std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
-  QTextDocument part;
+  ClosedDocument part;
   RtfSimplified simplified;
   if (!ImportRtfPart(std::move(read), *store_, part, simplified, step)) return std::nullopt;
   InsertFragment(part);

@@ -148,6 +148,7 @@ void form_RTF::OpenRTF() {
   if (!bytes) return;
   rtf::RtfSource source;
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8, &source);
+  AddActiveNotice(*bytes);
   AddLossNotice(read.losses);
   auto original = std::make_unique<rtf::RtfOriginal>(std::move(*bytes), read, std::move(source));
   const std::optional<QString> left_out = read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "windows/text/PadWindow.h"
 
@@ -48,6 +49,8 @@ class form_RTF : public PadWindow {
   Q_INVOKABLE void FormatItalic();
   Q_INVOKABLE void FormatUnderline();
   Q_INVOKABLE void FormatBulleted();
+  /// A window that lists what a save would write besides the text: objects, links and the like.
+  Q_INVOKABLE void ShowContents();
   // No repeated search by name: it is not a command of this kind; intended.
 
  protected:
@@ -72,6 +75,8 @@ class form_RTF : public PadWindow {
   void PadKeyReleased(int key);
   void Paste(const QMimeData& source);
   void PastePlainText(const QString& text);
+  /// Says it when other programs would fetch or run something that the file holds.
+  void AddActiveNotice(std::string_view bytes);
   void AddLossNotice(const rtf::Losses& losses);
   void AddSimplifiedNotice(const RtfSimplified& simplified);
   bool WriteRich(const DocumentFile::Target& target);

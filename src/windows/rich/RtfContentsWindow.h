@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDialog>
+
+#include "documents/rtf/RtfContents.h"
+
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace tme {
+
+/// Lists what a rich-text file holds besides its text. Shows only, and copies as text; nothing in it can be opened.
+class RtfContentsWindow : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// title: of the document. Deletes itself when it closes.
+  RtfContentsWindow(const rtf::Contents& contents, const QString& title, QWidget* parent);
+
+  /// A line for each row, its columns apart by tabs.
+  QString Text() const;
+
+ private:
+  void BuildControls(const rtf::Contents& contents, const QString& title);
+  void AddParts(const rtf::Contents& contents);
+  void AddCounts(const rtf::Contents& contents);
+  QTreeWidgetItem* AddHeading(const QString& text, std::uint64_t count);
+  static void AddRow(QTreeWidgetItem& heading, const QString& what, const QString& where, const QString& size);
+
+  QTreeWidget* list_ = nullptr;
+};
+
+}  // namespace tme

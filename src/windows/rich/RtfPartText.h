@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+#include "documents/rtf/RtfContents.h"
+
+namespace tme {
+
+/// What is said about the parts of a rich-text file. All of it is plain text; what comes from the file may be anything.
+class RtfPartText {
+  Q_DECLARE_TR_FUNCTIONS(RtfPartText)
+
+ public:
+  /// "Embedded object: Excel.Sheet.12"
+  static QString What(const rtf::Part& part);
+  /// Where it leads and what is in it; empty for nothing.
+  static QString Where(const rtf::Part& part);
+  /// Empty where a size says nothing.
+  static QString Size(const rtf::Part& part);
+  /// All of it in one line, for a tool tip.
+  static QString Tip(const rtf::Part& part);
+  /// The heading of all parts of a kind.
+  static QString Heading(rtf::PartKind kind);
+};
+
+}  // namespace tme
