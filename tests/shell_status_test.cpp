@@ -93,11 +93,21 @@ TEST_F(StatusTest, SaysWhatEachKindIs) {
   };
   EXPECT_EQ(go(1), "INI File [whole] [; 1] 1 section, 2 entries [8-bit] [LF]");
   EXPECT_EQ(go(4), "INI File [whole] [[B] y] 1 section, 2 entries [8-bit] [LF]");
-  Open(u"a.reg"_s, "REGEDIT4\n\n[HKEY_USERS\\a\\b]\n\"x\"=\"1\"\n@=-\n");
+  DocumentWindow& reg = Open(u"a.reg"_s, "REGEDIT4\n\n[HKEY_USERS\\a\\b]\n\"x\"=\"1\"\n@=-\n");
   EXPECT_TRUE(Said().starts_with("Registry File [by the rules] [")) << Said();
   EXPECT_TRUE(Said().ends_with("] 3 keys, 1 value [8-bit] [CR LF]")) << Said();
   Button("status_holding").click();
   EXPECT_TRUE(Said().ends_with("3 keys, 2 values [8-bit] [LF]")) << Said();
+  auto* keys = reg.findChild<QTreeView*>(u"TV"_s);
+  keys->expandAll();
+  keys->setCurrentIndex(keys->indexBelow(keys->indexBelow(keys->indexBelow(keys->model()->index(0, 0)))));
+  QTest::keyClick(keys, Qt::Key_Shift);
+  EXPECT_EQ(reg.State().path, u"HKEY_USERS\\a\\b");
+  auto* values = reg.findChild<QTreeView*>(u"LV"_s);
+  for (const QString& name : {u" \"x\""_s, u" @"_s}) {
+    QTest::keyClick(values, Qt::Key_Down);
+    EXPECT_EQ(reg.State().path, u"HKEY_USERS\\a\\b"_s + name);
+  }
   global_.documents.ForEachOpen([](DocumentWindow& window) { window.FileClose(); });
   EXPECT_EQ(Said(), "");
 }

@@ -218,6 +218,7 @@ void form_REG::SelectFirstRow(Qt::FocusReason reason) {
 void form_REG::SetFocusMarker(Focus focus) {
   FocusMarker = focus;
   UpdateCommands();
+  StateChanged();
 }
 
 void form_REG::UpdateCommands() {

@@ -1,6 +1,10 @@
 // What the status line says of a registry document.
+#include <QTreeView>
+
 #include "documents/reg/RegAsShown.h"
+#include "documents/reg/RegData.h"
 #include "shell/DisplayText.h"
+#include "windows/reg/RegValueModel.h"
 #include "windows/reg/form_REG.h"
 
 using namespace Qt::StringLiterals;
@@ -8,12 +12,20 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
+constexpr std::string_view kDefaultOfRules = "[default]";
+
 /// The node that comes behind one in the order of the tree; null behind the last.
 const RegNode* NextInTree(const RegNode* node) {
   if (node->ChildCount() > 0) return node->Child(0);
   for (; node->Parent(); node = node->Parent())
     if (node->Row() + 1 < node->Parent()->ChildCount()) return node->Parent()->Child(node->Row() + 1);
   return nullptr;
+}
+
+/// By the rules a name is kept as it stands in the file.
+std::string NameInFile(const RegValueRecord& value, Holding holding) {
+  if (holding == Holding::Whole) return QuotedRegName(value.name);
+  return value.name == kDefaultOfRules ? QuotedRegName({}) : std::string("\"").append(value.name).append("\"");
 }
 
 }  // namespace
@@ -26,6 +38,12 @@ QString form_REG::SelectedPath() const {
 void form_REG::AddState(DocumentState& state) const {
   TreeDocumentWindow::AddState(state);
   if (const QString path = SelectedPath(); !path.isEmpty()) state.path = path;
+  const QModelIndex row = LV->currentIndex();
+  if (FocusMarker != Focus::LV || !LV->selectionModel()->isSelected(row)) return;
+  // The list may still show what a document that was closed had.
+  const std::size_t record = values_->RecordOf(row);
+  if (record < document_.Values().size())
+    state.path += u' ' + TextOf(NameInFile(document_.Values()[record], GetHolding()));
 }
 
 DocumentFigures form_REG::Figures() const {
