@@ -23,8 +23,7 @@ std::string_view NameOfEnd(std::string_view end) {
 }
 
 /// What stands in a line that its file's encoding does not have.
-void CheckBytes(TextEncoding encoding, std::uint64_t number, std::string_view line,
-                Findings& findings) {
+void CheckBytes(TextEncoding encoding, std::uint64_t number, std::string_view line, Findings& findings) {
   if (line.find('\0') != std::string_view::npos)
     findings.push_back({number, "a NUL character", "many readers end there"});
   if (utf8::AsciiRun(line) == line.size()) return;

@@ -9,8 +9,8 @@
 namespace tme::console {
 namespace {
 
-constexpr std::array kCommands{&kGetCommand,  &kSetCommand,   &kDeleteCommand,
-                               &kListCommand, &kCheckCommand, &kTextCommand};
+constexpr std::array kCommands{&kGetCommand,   &kSetCommand,     &kDeleteCommand, &kListCommand,
+                               &kCheckCommand, &kConvertCommand, &kTextCommand};
 
 std::string Help() {
   constexpr std::size_t kColumn = 12;

@@ -15,6 +15,7 @@ extern const Command kSetCommand;
 extern const Command kDeleteCommand;
 extern const Command kListCommand;
 extern const Command kCheckCommand;
+extern const Command kConvertCommand;
 extern const Command kTextCommand;
 
 /// All of them, in the order in which help names them.

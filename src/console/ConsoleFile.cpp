@@ -36,7 +36,6 @@ std::optional<DocumentKind> KindOfName(std::string_view name) {
 }
 
 DocumentKind KindOfText(std::string_view text) {
-  if (text.starts_with("{\\rtf")) return DocumentKind::Rtf;
   LineReader lines(text);
   std::string_view line;
   lines.Next(line);
@@ -84,27 +83,37 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
     if (const auto failure = ReadFileBytes(*path_, bytes)) Fail(0, failure->reason);
     if (StampOf(*path_) != stamp_) Fail(0, "it changed while it was read; nothing was done");
   }
-  if (named == DocumentKind::Rtf) {
-    kind_ = *named;
+  if (named ? named == DocumentKind::Rtf : bytes.starts_with("{\\rtf")) {
+    kind_ = DocumentKind::Rtf;
     text_ = std::move(bytes);
     return;
   }
   is_ascii_ = utf8::AsciiRun(bytes) == bytes.size();
   DecodedText decoded = DecodeText(std::move(bytes));
   format_ = decoded.format;
-  kind_ = named ? *named : KindOfText(decoded.text);
+  const DocumentKind found = named ? *named : KindOfText(decoded.text);
+  Hold(found, std::move(decoded.text));
+}
+
+ConsoleFile::ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format)
+    : name_(name), format_(format) {
+  Hold(kind, std::move(text));
+}
+
+void ConsoleFile::Hold(DocumentKind kind, std::string text) {
+  kind_ = kind;
   if (kind_ == DocumentKind::Ini) {
     ini_ = std::make_unique<IniTree>();
     ini_->Reset({}, Holding::Whole);
-    ReadWholeIni(*ini_, std::move(decoded.text));
+    ReadWholeIni(*ini_, std::move(text));
   } else if (kind_ == DocumentKind::Reg) {
     reg_ = std::make_unique<RegDocument>();
     RegWholeOptions options;
     const bool is_8_bit = format_.encoding == TextEncoding::CodePage || format_.encoding == TextEncoding::Utf8;
     options.unsaid = is_8_bit ? RegVersion::Regedit4 : RegVersion::Version5;
-    ReadWholeReg(*reg_, std::move(decoded.text), options);
+    ReadWholeReg(*reg_, std::move(text), options);
   } else {
-    text_ = std::move(decoded.text);
+    text_ = std::move(text);
   }
 }
 
@@ -131,8 +140,13 @@ void ConsoleFile::RequireTree() const {
                                      : "a text file has no keys (--kind ini takes it as an INI file)");
 }
 
+PartProducer ConsoleFile::Parts() const {
+  if (kind_ == DocumentKind::Txt) return [this](const PartSink& sink) { return sink(text_); };
+  return [this](const PartSink& sink) { return Lines().Write(sink); };
+}
+
 std::string ConsoleFile::Encoded() const {
-  const PartProducer produce = [this](const PartSink& sink) { return Lines().Write(sink); };
+  const PartProducer produce = Parts();
   TextFormat format = format_;
   const bool may_become_utf8 = is_ascii_ && kind_ == DocumentKind::Ini && format.encoding == TextEncoding::CodePage;
   const auto fits = [&format](std::string_view part) { return TextEncoder(format).Encode(part).has_value(); };

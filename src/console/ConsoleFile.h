@@ -26,6 +26,8 @@ class ConsoleFile {
   /// rtf, txt), and where it is none of these the content: what is neither registry nor rich-text file is an INI file.
   /// Throws Trouble.
   ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams);
+  /// A document that was made of another file. name: of that.
+  ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format);
   ~ConsoleFile();
 
   /// As messages have it: the path, or "standard input".
@@ -44,6 +46,8 @@ class ConsoleFile {
   const std::string& Bytes() const { return text_; }
   /// Ini and Reg.
   const SourceLines& Lines() const { return kind_ == DocumentKind::Ini ? ini_->Lines() : reg_->Lines(); }
+  /// The lines of any kind but Rtf, in parts of whole lines.
+  PartProducer Parts() const;
   /// Of the first line of a piece, from 1. Linear.
   std::uint64_t LineNumberOf(SourceLines::Piece piece) const;
   /// "NAME:LINE: ", or "NAME: " for 0.
@@ -58,8 +62,7 @@ class ConsoleFile {
   void Save(const Arguments& arguments, Streams& streams);
 
  private:
-  void Read(Streams& streams);
-  void Decode(std::string bytes);
+  void Hold(DocumentKind kind, std::string text);
   std::string Encoded() const;
 
   std::string name_;

@@ -93,10 +93,8 @@ Result Text(const Arguments& arguments, Streams& streams) {
   const ConsoleFile file(arguments.Operand(0), arguments.ValueOf(kKindOption), streams);
   if (file.Kind() == DocumentKind::Rtf) {
     PutRtfLines(file.Bytes(), streams);
-  } else if (file.Kind() == DocumentKind::Txt) {
-    streams.Put(file.Text());
-  } else if (file.Kind() == DocumentKind::Ini) {
-    file.Lines().Write([&streams](std::string_view part) {
+  } else if (file.Kind() != DocumentKind::Reg) {
+    file.Parts()([&streams](std::string_view part) {
       streams.Put(part);
       return true;
     });

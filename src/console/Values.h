@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,11 @@ std::string ColumnOf(const RegData& data);
 std::string ColumnOf(std::string_view text);
 /// "01 02 0a".
 std::string HexText(std::string_view bytes);
+/// The number of "26" or "0x1a", and the bytes of "01 02 0a" or "01020a". Throw Trouble for any other text.
+std::uint64_t NumberOf(std::string_view text);
+std::string BytesOfPairs(std::string_view text);
+/// For people.
+std::string_view WhyNot(RegFault fault);
 /// The members "type", and "value" (a string, an array of strings, a number) or "bytes" (as HexText). A number over
 /// 2^53, which readers round, is a string "0x…".
 void PutData(JsonWriter& json, const RegData& data);

@@ -1,0 +1,209 @@
+#include "console/RegScript.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "base/Utf8.h"
+#include "console/Findings.h"
+#include "console/Values.h"
+#include "documents/ini/IniSourceLine.h"
+#include "documents/reg/RegAddLine.h"
+#include "documents/reg/RegHex.h"
+#include "documents/reg/RegNames.h"
+#include "documents/reg/RegSourceLine.h"
+#include "files/EncodingEvidence.h"
+
+namespace tme::console {
+namespace {
+
+/// In a batch file a percent sign stands twice, whatever is around it.
+std::optional<std::string> BatchLine(std::optional<std::string> line) {
+  if (!line) return std::nullopt;
+  std::string doubled;
+  for (const char c : *line) doubled.append(c == '%' ? 2 : 1, c);
+  if (doubled.size() > kMaxCommandLine) return std::nullopt;
+  return doubled;
+}
+
+/// A text for PowerShell: in single quotes, where nothing but these means anything; it takes four other characters for
+/// them, too. Controls stand outside.
+std::string PowerShellText(std::string_view text) {
+  constexpr std::array<std::string_view, 5> kQuotes{"'", "\xE2\x80\x98", "\xE2\x80\x99", "\xE2\x80\x9A",
+                                                    "\xE2\x80\x9B"};
+  std::string quoted = "'";
+  bool is_sum = false;
+  while (!text.empty()) {
+    const auto quote =
+        std::find_if(kQuotes.begin(), kQuotes.end(), [text](auto each) { return text.starts_with(each); });
+    const auto unit = static_cast<unsigned char>(text.front());
+    if (quote != kQuotes.end()) {
+      quoted.append(*quote).append(*quote);
+      text.remove_prefix(quote->size());
+      continue;
+    }
+    if (unit < ' ') {
+      quoted.append("'+[char]").append(std::to_string(unit)).append("+'");
+      is_sum = true;
+    } else {
+      quoted += text.front();
+    }
+    text.remove_prefix(1);
+  }
+  quoted += '\'';
+  return is_sum ? "(" + quoted + ")" : quoted;
+}
+
+std::string PowerShellBytes(std::string_view bytes) {
+  std::string list = "[byte[]]@(";
+  for (const char byte : bytes) {
+    if (list.back() != '(') list += ',';
+    list += std::to_string(static_cast<unsigned char>(byte));
+  }
+  return list + ")";
+}
+
+/// Data and kind, as SetValue takes them. Null for other types, and bytes that are no proper form of theirs.
+std::optional<std::string> PowerShellData(const RegData& data) {
+  if (data.content != ContentOf(data.type)) return std::nullopt;
+  switch (data.type) {
+    case reg_type::kString:
+      return PowerShellText(data.text) + ", 'String'";
+    case reg_type::kExpandString:
+      return PowerShellText(data.text) + ", 'ExpandString'";
+    case reg_type::kDword:
+      return "[int]" + std::to_string(static_cast<std::int32_t>(data.number)) + ", 'DWord'";
+    case reg_type::kQword:
+      return "[long]" + std::to_string(static_cast<std::int64_t>(data.number)) + ", 'QWord'";
+    case reg_type::kBinary:
+      return PowerShellBytes(data.bytes) + ", 'Binary'";
+    case reg_type::kNone:
+      return PowerShellBytes(data.bytes) + ", 'None'";
+    case reg_type::kMultiString: {
+      std::string list = "[string[]]@(";
+      for (const std::string& string : data.strings)
+        list.append(&string == data.strings.data() ? "" : ",").append(PowerShellText(string));
+      return list + "), 'MultiString'";
+    }
+    default:
+      return std::nullopt;
+  }
+}
+
+/// The hive's object, and the path below it as a text. Null for an unknown hive.
+std::optional<std::pair<std::string, std::string>> PowerShellPath(std::string_view path) {
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kHives{
+      {{"HKEY_CLASSES_ROOT", "ClassesRoot"},
+       {"HKEY_CURRENT_USER", "CurrentUser"},
+       {"HKEY_LOCAL_MACHINE", "LocalMachine"},
+       {"HKEY_USERS", "Users"},
+       {"HKEY_CURRENT_CONFIG", "CurrentConfig"}}};
+  const std::string_view hive = path.substr(0, path.find('\\'));
+  const auto found = std::find_if(kHives.begin(), kHives.end(), [hive](auto h) { return SameRegName(h.first, hive); });
+  if (found == kHives.end()) return std::nullopt;
+  const std::string_view below = path.substr(std::min(path.size(), hive.size() + 1));
+  return std::pair("[Microsoft.Win32.Registry]::" + std::string(found->second), PowerShellText(below));
+}
+
+class ScriptWriter {
+ public:
+  ScriptWriter(const ConsoleFile& file, Shell shell, Streams& streams)
+      : file_(file), shell_(shell), streams_(streams) {}
+
+  std::string Write() {
+    ForEachPiece(file_, [this](SourceLines::Piece piece, std::uint64_t number, std::string_view text) {
+      text.remove_suffix(LineEndOf(text).size());
+      Piece(static_cast<RegPiece>(file_.Lines().Kind(piece)), number, text);
+    });
+    CloseKey();
+    if (failures_ > 0)
+      throw Trouble(file_.Name() + ": " + std::to_string(failures_) +
+                    " lines cannot be said there; nothing was written");
+    if (comments_ > 0)
+      streams_.Complain(file_.Name() + ": " + std::to_string(comments_) +
+                        " comments are left out: cmd has no safe place for them");
+    if (utf8::AsciiRun(script_) == script_.size()) return script_;
+    return (shell_ == Shell::Cmd ? "@chcp 65001 >nul\r\n" : std::string(kUtf8Mark)) + script_;
+  }
+
+ private:
+  void Put(std::uint64_t number, const std::optional<std::string>& line) {
+    if (line) {
+      script_.append(*line).append(shell_ == Shell::Cmd ? "\r\n" : "\n");
+      return;
+    }
+    ++failures_;
+    streams_.Complain(file_.At(number) + "this cannot be said there");
+  }
+  void CloseKey() {
+    if (is_open_) script_ += "$key.Close()\n";
+    is_open_ = false;
+  }
+  void Piece(RegPiece kind, std::uint64_t number, std::string_view text) {
+    switch (kind) {
+      case RegPiece::Key:
+      case RegPiece::KeyDeletion:
+        return Key(kind, number, text);
+      case RegPiece::Value:
+        return Value(number, text);
+      case RegPiece::Comment:
+        return Comment(text);
+      case RegPiece::Other:
+      case RegPiece::Pair:
+        return Put(number, std::nullopt);
+      case RegPiece::Blank:
+      case RegPiece::FileHeader:
+        return;
+    }
+  }
+  void Comment(std::string_view text) {
+    if (shell_ == Shell::Cmd)
+      ++comments_;
+    else
+      script_.append("# ").append(TrimIniBlanks(TrimIniBlanks(text).substr(1))).append("\n");  // "#requires" is none
+  }
+  void Key(RegPiece kind, std::uint64_t number, std::string_view line) {
+    const bool deletes = kind == RegPiece::KeyDeletion;
+    CloseKey();
+    path_ = FindRegHeader(line)->path.Of(line);
+    if (shell_ == Shell::Cmd) return Put(number, BatchLine(deletes ? RegDeleteKeyLine(path_) : RegAddKeyLine(path_)));
+    const auto place = PowerShellPath(path_);
+    if (!place || (deletes && path_.find('\\') == std::string_view::npos)) return Put(number, std::nullopt);
+    if (deletes) return Put(number, place->first + ".DeleteSubKeyTree(" + place->second + ", $false)");
+    Put(number, "$key = " + place->first + ".CreateSubKey(" + place->second + ")");
+    is_open_ = true;
+  }
+  void Value(std::uint64_t number, std::string_view text) {
+    const auto place = FindRegValue(text, std::min(text.find_first_of("\r\n"), text.size()));
+    if (!place) return Put(number, std::nullopt);
+    const std::string_view quoted = place->name.Of(text), assignment = place->assignment.Of(text);
+    const std::string name = quoted == "@" ? "" : UnescapedRegText(quoted.substr(1, quoted.size() - 2));
+    const auto data = DecodeAssignment(assignment, file_.Coding());
+    for (const std::string_view comment : CommentsInHex(assignment)) Comment(comment);
+    if (const auto behind = TrimIniBlanks(text.substr(place->assignment.End())); !behind.empty()) Comment(behind);
+    if (shell_ == Shell::Cmd) return Put(number, BatchLine(RegAddValueLine(path_, name, data)));
+    if (!is_open_) return Put(number, std::nullopt);
+    if (!data) return Put(number, "$key.DeleteValue(" + PowerShellText(name) + ", $false)");
+    const auto written = PowerShellData(*data);
+    Put(number,
+        written ? std::optional("$key.SetValue(" + PowerShellText(name) + ", " + *written + ")") : std::nullopt);
+  }
+
+  const ConsoleFile& file_;
+  const Shell shell_;
+  Streams& streams_;
+  std::string script_;
+  std::string_view path_;
+  bool is_open_ = false;
+  std::uint64_t failures_ = 0;
+  std::uint64_t comments_ = 0;
+};
+
+}  // namespace
+
+std::string ScriptOf(const ConsoleFile& file, Shell shell, Streams& streams) {
+  return ScriptWriter(file, shell, streams).Write();
+}
+
+}  // namespace tme::console
