@@ -61,21 +61,27 @@ VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 !tempfile LIST
 !system `"./uninstall_list" "${PAYLOAD}" > "${LIST}"` = 0
 
-; Leaves the section when the program in $INSTDIR runs and does not end. Never ends it by force: it may hold what was
-; not saved.
-!macro CLOSE_PROGRAM un
-; $0: 1 while the program runs, since nobody can write to its file then.
-Function ${un}LookWhetherItRuns
-  StrCpy $0 0
-  ${If} ${FileExists} "$INSTDIR\tme.exe"
+; Sets $0 to 1 while a program runs, since nobody can write to its file then.
+!macro LOOK_WHETHER_IT_RUNS program
+  ${If} ${FileExists} "$INSTDIR\${program}"
     ClearErrors
-    FileOpen $1 "$INSTDIR\tme.exe" a
+    FileOpen $1 "$INSTDIR\${program}" a
     ${If} ${Errors}
       StrCpy $0 1
     ${Else}
       FileClose $1
     ${EndIf}
   ${EndIf}
+!macroend
+
+; Leaves the section when a program in $INSTDIR runs and does not end. Never ends it by force: it may hold what was
+; not saved.
+!macro CLOSE_PROGRAM un
+; $0: whether one runs, 0 or 1.
+Function ${un}LookWhetherItRuns
+  StrCpy $0 0
+  !insertmacro LOOK_WHETHER_IT_RUNS tme.exe
+  !insertmacro LOOK_WHETHER_IT_RUNS tmec.exe
 FunctionEnd
 
 ; Sends a close message to the main windows of the program in $INSTDIR.
@@ -119,7 +125,7 @@ close:
       Return
     ${EndIf}
   ${Next}
-  MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "The ${NAME} still runs. Answer its questions, then try again." \
+  MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "The ${NAME} or its tmec still runs. Answer its questions, then try again." \
     /SD IDCANCEL IDRETRY close
   SetErrorLevel 2
   Abort
@@ -192,7 +198,8 @@ Section "Offer it under Open With" section_open_with
 SectionEnd
 
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
-  !insertmacro MUI_DESCRIPTION_TEXT ${section_program} "The editor, its entry in the Start menu and its uninstaller."
+  !insertmacro MUI_DESCRIPTION_TEXT ${section_program} "The editor, its entry in the Start menu, tmec for the console, and the \
+    uninstaller."
   !insertmacro MUI_DESCRIPTION_TEXT ${section_open_with} "Offers the editor for .ini, .reg, .txt and .rtf files. \
     What a double-click opens stays as it is."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
