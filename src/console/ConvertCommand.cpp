@@ -14,7 +14,7 @@
 namespace tme::console {
 namespace {
 
-constexpr Option kToOption{"to", '\0', "FORM", "regedit4, 5.00, json, reg-add, powershell, utf-8, utf-16, crlf or lf"};
+constexpr Option kToOption{"to", '\0', "regedit4|5.00|json|reg-add|powershell|utf-8|utf-16|crlf|lf", "the other form"};
 constexpr Option kFromOption{"from", '\0', "json", "FILE is JSON that --to json wrote"};
 
 using FilePointer = std::unique_ptr<ConsoleFile>;
@@ -82,7 +82,7 @@ std::string Converted(FilePointer file, std::string_view form, Streams& streams)
   if (form == "lf") return WithEnds(*file, "\n");
   const bool is_script = form == "reg-add" || form == "powershell";
   if (form != "regedit4" && form != "5.00" && !is_script)
-    throw Trouble("--to is " + std::string(kToOption.help) + ", and not \"" + std::string(form) + "\"");
+    throw Trouble("--to is " + std::string(kToOption.value) + ", and not \"" + std::string(form) + "\"");
   RequireReg(*file);
   if (!is_script)
     return InVersion(std::move(file), form == "5.00" ? RegVersion::Version5 : RegVersion::Regedit4, streams);

@@ -12,8 +12,7 @@
 namespace tme::console {
 namespace {
 
-constexpr Option kTypeOption{"type", '\0', "TYPE",
-                             "of a registry value: sz, expand, multi, dword, qword, binary, none"};
+constexpr Option kTypeOption{"type", '\0', "sz|expand|multi|dword|qword|binary|none", "the type of a registry value"};
 constexpr std::size_t kFirstValue = 3;
 constexpr std::size_t kMostValues = 1'000'000;
 
