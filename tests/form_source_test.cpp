@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QSplitter>
 #include <QTest>
+#include <random>
 
 #include "Editor.h"
 #include "RegWindow.h"
@@ -93,6 +94,33 @@ TEST_F(SourceBesideTree, ShowsWhatASaveWritesAndFollows) {
     EXPECT_EQ(deleted.find("\"x\""), std::string::npos);
     ExpectShown(deleted);
     window_->FileClose();
+  }
+}
+
+TEST_F(SourceBesideTree, BecomesAnyOtherText) {
+  OpenWith(DocumentKind::Ini, Holding::Whole, kIniText);
+  ExpectShown(kIniText);
+  std::mt19937 random(3);
+  const auto below = [&](std::size_t end) { return random() % end; };
+  std::string text;
+  for (int turn = 0; turn < 300; ++turn) {
+    if (turn % 50 == 0) {
+      const std::size_t lines = below(3) == 0 ? 0 : below(30'000);
+      text.clear();
+      for (std::size_t line = 0; line < lines; ++line) text += "k\xC3\xA9y=" + std::to_string(below(200)) + "\r\n";
+    }
+    for (std::size_t edits = below(4); edits > 0; --edits) {
+      const std::size_t at = below(text.size() + 1);
+      text.replace(at, below(2) == 0 ? 0 : below(below(10) == 0 ? 90'000 : 60),
+                   std::string(below(40), "\n\xA9x"[below(3)]));
+    }
+    const std::size_t part = 1 + below(100'000);
+    View().Follow([&](const PartSink& put) {
+      for (std::size_t at = 0; at < text.size(); at += part)
+        if (!put(std::string_view(text).substr(at, part))) return false;
+      return true;
+    });
+    ASSERT_EQ(Shown(), text) << turn;
   }
 }
 

@@ -100,25 +100,39 @@ bool RegReplacer::TakeName(Names& names, const std::string& before, const std::s
 
 bool RegReplacer::SharesValues(const RegNode& key, const std::string& after) {
   if (IsWhole() || after == key.Text()) return false;
-  auto& names = NamesByComponent();
   std::vector<std::string> own;
   document_.ForEachValueOf(&key, [&own](const RegValueRecord& record) {
     if (!record.deleted) own.emplace_back(record.name);
   });
-  const Names &before = names[std::string(key.Text())], &others = names[after];
+  const Names& before = NamesOfComponent(key.Text());
+  Names& others = NamesOfComponent(after);
   // What comes together already stays so.
   const bool shares = std::ranges::any_of(
       own, [&](const std::string& name) { return others.contains(name) && before.count(name) == 1; });
-  if (!shares) names[after].insert(own.begin(), own.end());
+  if (!shares) others.insert(own.begin(), own.end());
   return shares;
 }
 
 /// By the rules keys whose last components are equal share their values when they are saved.
-std::unordered_map<std::string, RegReplacer::Names>& RegReplacer::NamesByComponent() {
-  if (value_names_.empty())
+RegReplacer::Names& RegReplacer::NamesOfComponent(std::string_view component) {
+  if (owners_.empty()) {
+    const RegNode* last = nullptr;
     for (const RegValueRecord& record : document_.Values())
-      if (!record.deleted) value_names_[std::string(record.owner->Text())].emplace(record.name);
-  return value_names_;
+      if (!record.deleted && record.owner != last) owners_[record.owner->Text()].push_back(last = record.owner);
+  }
+  const auto [at, is_new] = value_names_.try_emplace(std::string(component));
+  if (!is_new) return at->second;
+  const auto found = owners_.find(component);
+  if (found == owners_.end()) return at->second;
+  std::vector<const RegNode*>& owners = found->second;
+  // A key's records may stand apart.
+  std::ranges::sort(owners);
+  owners.erase(std::unique(owners.begin(), owners.end()), owners.end());
+  for (const RegNode* owner : owners)
+    document_.ForEachValueOf(owner, [&](const RegValueRecord& record) {
+      if (!record.deleted) at->second.emplace(record.name);
+    });
+  return at->second;
 }
 
 RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
@@ -131,7 +145,7 @@ RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
       });
     return names;
   }
-  return NamesByComponent()[std::string(key.Text())];
+  return NamesOfComponent(key.Text());
 }
 
 QString RegReplacer::RefusalOfName(const RegValueRecord& record, const std::string& after) {

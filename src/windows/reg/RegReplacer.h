@@ -4,6 +4,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "documents/reg/RegData.h"
 #include "documents/reg/RegDocument.h"
@@ -40,7 +41,8 @@ class RegReplacer final : public Replacer {
   /// False when the name is another's.
   static bool TakeName(Names& names, const std::string& before, const std::string& after);
   Names& ValueNamesOf(const RegNode& key);
-  std::unordered_map<std::string, Names>& NamesByComponent();
+  /// By the rules: those of all keys with this last component, with those of the plans.
+  Names& NamesOfComponent(std::string_view component);
   /// As names are compared: by the rules they are themselves.
   std::string Comparable(std::string_view name) const;
   std::optional<Replacement> PlanData(const SearchPlace& place, const ReplaceQuery& query) const;
@@ -54,6 +56,8 @@ class RegReplacer final : public Replacer {
   const RegCharacters characters_;
   /// Of keys, with those of the plans, by the parent.
   std::unordered_map<const RegNode*, Names> key_names_;
+  /// By the rules, the keys with values by their last components.
+  std::unordered_map<std::string_view, std::vector<const RegNode*>> owners_;
   /// Of values, with those of the plans, by what they may not share them in.
   std::unordered_map<std::string, Names> value_names_;
 };

@@ -5,7 +5,6 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -17,34 +16,10 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr std::size_t kBlock = 4096;  // bytes
 /// Lines around those in sight in which what they belong to is looked for.
 constexpr PadPosition kNearLines = 1000;
 /// More bytes than this are shown plain.
 constexpr PadPosition kMostStyled = PadPosition{1} << 18;
-
-/// Counts the bytes that are the same from the start on.
-std::size_t SameStart(std::string_view left, std::string_view right) {
-  const std::size_t size = std::min(left.size(), right.size());
-  std::size_t same = 0;
-  while (same + kBlock <= size && std::memcmp(left.data() + same, right.data() + same, kBlock) == 0) same += kBlock;
-  while (same < size && left[same] == right[same]) ++same;
-  return same;
-}
-
-/// The same from the end on.
-std::size_t SameEnd(std::string_view left, std::string_view right) {
-  const std::size_t size = std::min(left.size(), right.size());
-  const char* const left_end = left.data() + left.size();
-  const char* const right_end = right.data() + right.size();
-  std::size_t same = 0;
-  while (same + kBlock <= size && std::memcmp(left_end - same - kBlock, right_end - same - kBlock, kBlock) == 0)
-    same += kBlock;
-  while (same < size &&
-         left_end[-1 - static_cast<std::ptrdiff_t>(same)] == right_end[-1 - static_cast<std::ptrdiff_t>(same)])
-    ++same;
-  return same;
-}
 
 }  // namespace
 
@@ -63,52 +38,6 @@ SourceView::SourceView(QWidget* parent, const SourceLexer& lexer) : TextPad(pare
     if (updated & SC_UPDATE_SELECTION && hasFocus() && !is_following_) emit CaretMoved();
   });
   ApplyEditable();
-}
-
-void SourceView::Follow(const PartProducer& write) {
-  const QScopedValueRollback following(is_following_, true);
-  const PadPosition end = End();
-  PadPosition same = 0;
-  std::string rest;
-  bool differs = false;
-  write([&](std::string_view part) {
-    if (!differs) {
-      const auto size = static_cast<PadPosition>(part.size());
-      const std::size_t taken = SameStart(part, BytesBetween(same, std::min(same + size, end)));
-      same += static_cast<PadPosition>(taken);
-      part.remove_prefix(taken);
-      differs = !part.empty();
-    }
-    rest += part;
-    return true;
-  });
-  if (same < end || differs) {
-    Mark({});
-    const PadPosition start = StartOf(LineAt(same));
-    rest.insert(0, BytesBetween(start, same));
-    const PadPosition same_end = end - static_cast<PadPosition>(SameEnd(rest, BytesBetween(start, end)));
-    // Whole lines, so that no character is parted.
-    const PadPosition line = LineAt(same_end);
-    const PadPosition behind = StartOf(line) == same_end ? same_end : EndOf(line);
-    rest.resize(rest.size() - static_cast<std::size_t>(end - behind));
-    Replace(start, behind, rest);
-  }
-  Accept();
-}
-
-void SourceView::Replace(PadPosition start, PadPosition end, std::string_view text) {
-  const PadPosition top = Send(SCI_GETFIRSTVISIBLELINE), lines = LineCount();
-  const bool is_above = end <= StartOf(top) && start < end;
-  Send(SCI_SETREADONLY, 0);
-  if (start == 0 && end == End()) {
-    SetText(std::string(text));
-  } else {
-    Send(SCI_SETUNDOCOLLECTION, 0);
-    Send(SCI_SETTARGETRANGE, static_cast<std::uintptr_t>(start), end);
-    Send(SCI_REPLACETARGET, text.size(), reinterpret_cast<std::intptr_t>(text.data()));
-  }
-  ApplyEditable();
-  Send(SCI_SETFIRSTVISIBLELINE, static_cast<std::uintptr_t>(is_above ? top + LineCount() - lines : top));
 }
 
 void SourceView::SetEditable(bool editable) {

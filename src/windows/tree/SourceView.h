@@ -68,6 +68,8 @@ class SourceView : public TextPad {
   void ApplyColors() override;
 
  private:
+  class Comparison;
+
   void SetUpMarks();
   void StyleInSight();
   /// Some lines with all that belongs to them, as far as that is near. start: where they begin.
