@@ -76,6 +76,9 @@ struct ParagraphFormat {
   std::uint8_t list_level = 0;  ///< 0 to 8
   bool line_multiple = false;
   bool page_break_before = false;
+  /// What stands before a paragraph of the list: a byte below 9 is the number of that level, U+200B alone nothing at
+  /// all. Empty: the number and a full stop, or a bullet.
+  std::string list_text{};
   std::vector<TabStop> tabs{};
 
   bool operator==(const ParagraphFormat&) const = default;

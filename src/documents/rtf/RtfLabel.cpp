@@ -165,4 +165,11 @@ std::string LabelOf(std::string_view group, LabelText which, FontTable& fonts, T
   return LabelReader(group, which, fonts, around).Read();
 }
 
+std::string TextOfGroup(std::string_view group, int ansi_page, const DecodeCodePage& decode) {
+  RtfDocument scratch;
+  FontTable fonts(scratch, decode);
+  fonts.SetAnsiPage(ansi_page);
+  return LabelOf(group, LabelText::All, fonts, {&fonts.PageOf(FontTable::kNoFont)});
+}
+
 }  // namespace tme::rtf

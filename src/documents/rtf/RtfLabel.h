@@ -19,4 +19,7 @@ enum class LabelText : std::uint8_t {
 /// encoding of the group around. Internal to the reader.
 std::string LabelOf(std::string_view group, LabelText which, FontTable& fonts, TextEncoding around);
 
+/// All of the text of a group that stands alone.
+std::string TextOfGroup(std::string_view group, int ansi_page, const DecodeCodePage& decode);
+
 }  // namespace tme::rtf

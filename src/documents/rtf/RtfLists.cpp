@@ -1,9 +1,11 @@
 #include "documents/rtf/RtfLists.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
+#include "base/Utf8.h"
 #include "documents/rtf/RtfTokenizer.h"
 
 namespace tme::rtf {
@@ -24,12 +26,43 @@ void ReadLevelWord(const Token& word, ListStyle& style) {
   if (word.text == "levelstartat") style.start = word.value;
 }
 
+/// Of the Symbol font, whose signs stand in the private use area or among the characters above ASCII.
+constexpr std::uint32_t kSymbolSigns = 0xF000, kSymbolBullet = 0xB7, kFirstSurrogate = 0xD800;
+constexpr std::size_t kMaxLevelText = 64;  // bytes
+const std::string kNothing = "\u200B";
+
+void AddSign(std::uint32_t sign, std::string& text) {
+  constexpr std::pair<std::uint32_t, char32_t> kSigns[] = {
+      {kSymbolBullet, U'\u2022'}, {0xA7, U'\u25AA'}, {0xD8, U'\u27A2'}, {0xFC, U'\u2713'},
+      {0x76, U'\u2756'},          {0xA8, U'\u25FB'}, {0x6F, U'\u25CB'}, {0x2D, U'-'}};
+  if (text.size() >= kMaxLevelText) return;
+  const bool is_private = sign >= kSymbolSigns && sign <= kSymbolSigns + 0xFF;
+  char32_t character = sign;
+  if (is_private || sign == kSymbolBullet || (sign >= kFirstSurrogate && sign < kSymbolSigns)) {
+    const auto known = std::ranges::find(kSigns, sign & 0xFF, &std::pair<std::uint32_t, char32_t>::first);
+    character = is_private && known != std::end(kSigns) ? known->second : kSigns[0].second;
+  }
+  std::array<char, utf8::kMaxCharacterBytes> bytes{};
+  text.append(bytes.data(), utf8::PutCharacter(character, bytes.data()));
+}
+
+/// The text of a group like {\pntxta )}, before its end.
+std::string ReadPlainText(Tokenizer& tokens, Token& token) {
+  std::string text;
+  for (tokens.Next(token); token.kind != TokenKind::GroupEnd && token.kind != TokenKind::End; tokens.Next(token)) {
+    if (token.kind == TokenKind::Text) text.append(token.text, 0, kMaxLevelText - std::min(text.size(), kMaxLevelText));
+    if (token.kind == TokenKind::Hex) AddSign(token.byte, text);
+  }
+  return text;
+}
+
 }  // namespace
 
 void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format) {
   format.list = ListKind::Decimal;
   format.list_start = 1;
   format.list_level = 0;
+  std::string before, after;
   Tokenizer tokens(group);
   Token token;
   for (tokens.Next(token); token.kind != TokenKind::End; tokens.Next(token)) {
@@ -43,7 +76,13 @@ void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format) {
     if (name == "pnucrm") format.list = ListKind::UpperRoman;
     if (name == "pnstart") format.list_start = token.value;
     if (name == "pnlvl") format.list_level = static_cast<std::uint8_t>(std::clamp(token.value, 1, 9) - 1);
+    if (name == "pntxtb") before = ReadPlainText(tokens, token);
+    if (name == "pntxta") after = ReadPlainText(tokens, token);
   }
+  const bool is_bullet = format.list == ListKind::Bullet;
+  format.list_text.clear();
+  if (is_bullet ? !before.empty() : !before.empty() || after != ".")
+    format.list_text = is_bullet ? before : before + static_cast<char>(format.list_level) + after;
 }
 
 ListKind ListKindOfText(std::string_view text) {
@@ -83,12 +122,42 @@ bool ListTables::ReadTable(std::string_view group, const TableWords& words, std:
       lists.push_back(list);
     } else if (token.text == "listid") {  // of the list that is overridden
       if (const List* found = FindIn(lists_, token.value)) list.levels = found->levels;
+    } else if (token.text == "leveltext" && levels > 0 && levels <= kLevels) {
+      list.levels[levels - 1].text = ReadLevelText(tokens, token);
     } else if (levels > 0 && levels <= kLevels) {
       ReadLevelWord(token, list.levels[levels - 1]);
     }
   }
   std::stable_sort(lists.begin(), lists.end(), [](const List& a, const List& b) { return a.id < b.id; });
   return true;
+}
+
+std::string ListTables::ReadLevelText(Tokenizer& tokens, Token& token) {
+  std::string text;
+  bool has_length = false;
+  int fallback = 0;
+  for (tokens.Next(token); token.kind != TokenKind::GroupEnd && token.kind != TokenKind::End; tokens.Next(token)) {
+    if (token.kind == TokenKind::Text) {
+      const std::size_t skipped =
+          std::min<std::size_t>(static_cast<std::size_t>(std::exchange(fallback, 0)), token.text.size());
+      const std::string_view shown = token.text.substr(skipped);
+      const std::size_t end = shown.find(';');
+      text.append(shown.substr(0, std::min(end, kMaxLevelText - std::min(text.size(), kMaxLevelText))));
+      if (end != std::string_view::npos) break;
+    } else if (token.kind == TokenKind::Hex) {
+      // The first one is the length.
+      if (!std::exchange(has_length, true)) continue;
+      if (std::exchange(fallback, 0) > 0) continue;
+      if (token.byte < kLevels)
+        text += static_cast<char>(token.byte);
+      else
+        AddSign(token.byte, text);
+    } else if (token.kind == TokenKind::Word && token.text == "u") {
+      AddSign(static_cast<std::uint32_t>(token.value) & 0xFFFF, text);
+      fallback = 1;
+    }
+  }
+  return text.empty() ? kNothing : text;
 }
 
 const ListTables::List* ListTables::FindIn(const std::vector<List>& lists, std::int32_t id) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfTokenizer.h"
 
 /// What the reader finds out of groups about lists that are kept as they came. Internal to the reader.
 namespace tme::rtf {
@@ -14,6 +15,7 @@ namespace tme::rtf {
 struct ListStyle {
   ListKind kind = ListKind::None;
   std::int32_t start = 1;
+  std::string text{};  ///< as ParagraphFormat::list_text
 };
 /// Makes a paragraph's format that of the list which a \pn group describes.
 void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format);
@@ -44,6 +46,8 @@ class ListTables {
     std::string_view entry, level, number;
   };
   bool ReadTable(std::string_view group, const TableWords& words, std::vector<List>& lists);
+  /// Behind \leveltext; ends before the group does.
+  static std::string ReadLevelText(Tokenizer& tokens, Token& token);
   static const List* FindIn(const std::vector<List>& lists, std::int32_t id);
 
   std::vector<List> lists_;      ///< by \listid

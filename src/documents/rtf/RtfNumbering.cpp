@@ -51,7 +51,19 @@ std::string RtfNumbering::Next(const ParagraphFormat& format) {
   Counter& counter = levels[level];
   if (counter.kind != format.list) counter = {format.list, std::int64_t{format.list_start} - 1};
   ++counter.last;
-  return format.list == ListKind::Bullet ? "\u2022" : ListNumber(format.list, counter.last) + ".";
+  if (format.list_text.empty())
+    return format.list == ListKind::Bullet ? "\u2022" : ListNumber(format.list, counter.last) + ".";
+  std::string label;
+  for (const char c : format.list_text) {
+    const auto other = static_cast<std::size_t>(static_cast<unsigned char>(c));
+    if (other >= kLevels)
+      label += c;
+    else if (levels[other].kind == ListKind::None)
+      label += "1";
+    else if (levels[other].kind != ListKind::Bullet)
+      label += ListNumber(levels[other].kind, levels[other].last);
+  }
+  return label == "\u200B" ? std::string() : label;
 }
 
 }  // namespace tme::rtf

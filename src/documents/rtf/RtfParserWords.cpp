@@ -35,6 +35,7 @@ void FindList(const ListTables& lists, ParagraphFormat& format) {
   const ListStyle style = lists.Find(format.list_id, format.list_level);
   format.list = style.kind;
   format.list_start = style.start;
+  format.list_text = style.text;
 }
 
 /// Words of ControlClass::CharacterFormat. Fonts, \plain and words that are kept as they are, are none of its business.

@@ -154,6 +154,8 @@ QTextBlockFormat RtfFormats::ShowParagraphFormat(std::uint32_t number) const {
   // A list's marker is drawn to the left of its text.
   const bool in_list = format.list != ListKind::None;
   const int left = in_list && format.left <= 0 ? kLeastListIndent : format.left;
+  // The toolkit's own markers know neither a first number nor what stands around it; RtfTraces draws them.
+  if (in_list) shown.setProperty(QTextFormat::ListStyle, QTextListFormat::ListStyleUndefined);
   if (left) shown.setLeftMargin(TwipsToUnits(left));
   if (format.right) shown.setRightMargin(TwipsToUnits(format.right));
   if (format.first_line && !in_list) shown.setTextIndent(TwipsToUnits(format.first_line));

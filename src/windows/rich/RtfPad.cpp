@@ -57,11 +57,13 @@ RtfPad::~RtfPad() = default;
 
 void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
   view->setDocumentMargin(kEdgePixels);
+  traces_.Reset(*store_);
+  traces_.MakeRoom(*view);
   view->setUndoRedoEnabled(true);
   view->setModified(false);
   view->documentLayout()->registerHandler(kRtfObjectType, objects_);
   objects_->Reset(*store_);
-  connect(view.get(), &QTextDocument::contentsChange, this, [this] { ++revision_; });
+  connect(view.get(), &QTextDocument::contentsChange, this, [this](int position) { NoteChange(position); });
   large_steps_.clear();
   view->setParent(this);
   const QTextDocument* old = document();
@@ -72,6 +74,13 @@ void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
   setTabStopDistance(TwipsToUnits(kDefaultTabTwips));
   ApplyZoom();
   ++revision_;
+}
+
+void RtfPad::NoteChange(int position) {
+  ++revision_;
+  traces_.NoteEdit(std::max(document()->findBlock(position).blockNumber(), 0));
+  // The numbers of the items that follow may be others now.
+  if (traces_.HasLists()) viewport()->update();
 }
 
 void RtfPad::Clear() {
@@ -187,7 +196,9 @@ void RtfPad::Print(QPrinter& printer) {
                                                   ? SelectionAsDocument()
                                                   : std::unique_ptr<QTextDocument>(document()->clone(document()));
   text->documentLayout()->registerHandler(kRtfObjectType, objects_);
-  PrintRtf(printer, *text, store_->document.document_controls);
+  RtfTraces traces;
+  traces.Reset(*store_);
+  PrintRtf(printer, *text, store_->document.document_controls, &traces);
 }
 
 bool RtfPad::event(QEvent* event) {
@@ -203,6 +214,7 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
     return;
   }
   if (IsUnboundKey(*event)) return event->ignore();
+  if (event->matches(QKeySequence::InsertParagraphSeparator)) return BeginParagraph();
   const bool deletes = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
   const bool edits = deletes || (!event->text().isEmpty() && !event->modifiers().testFlag(Qt::ControlModifier));
   if (edits && textCursor().hasSelection()) {

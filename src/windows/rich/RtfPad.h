@@ -10,6 +10,7 @@
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfStore.h"
+#include "windows/rich/RtfTraces.h"
 #include "windows/text/Pad.h"
 
 namespace tme {
@@ -102,6 +103,8 @@ class RtfPad : public QTextEdit, public Pad {
 
   /// What is said of text of a format: an object's kind, where a link leads.
   QString TipOf(const QTextCharFormat& format) const;
+  /// The same of a point of the viewport, marks that are drawn over the text included.
+  QString TipAt(const QPoint& point) const;
 
   /// 100 is the size of the document. For the display only.
   void SetZoom(int percent);
@@ -120,11 +123,14 @@ class RtfPad : public QTextEdit, public Pad {
   void showEvent(QShowEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   bool viewportEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
   void Show(std::unique_ptr<QTextDocument> view);
-  QString TipAt(const QPoint& point) const;
+  void NoteChange(int position);
+  /// Of the viewport in the document.
+  QPoint Scrolled() const;
   QString FieldTip(const QTextCharFormat& format) const;
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
   /// no longer there.
@@ -140,6 +146,8 @@ class RtfPad : public QTextEdit, public Pad {
   /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
   /// long.
   void AfterInsertion(int first);
+  /// The Return key: a paragraph like the one around; in an empty item of a list, the end of the list.
+  void BeginParagraph();
   /// Replaces the selection with what `insert` inserts: so many characters in so many lines.
   void Insert(qsizetype characters, qsizetype lines, const std::function<void(QTextCursor&)>& insert);
   void InsertFragment(const QTextDocument& part);
@@ -157,6 +165,7 @@ class RtfPad : public QTextEdit, public Pad {
   // `store_` changes when a selection is written: fonts and formats that are new join its tables.
   std::unique_ptr<RtfStore> store_;
   RtfObjectView* objects_;
+  RtfTraces traces_;
   QImage zoom_device_;
   ZoomPercent zoom_;
   int right_margin_ = kNoWrap;

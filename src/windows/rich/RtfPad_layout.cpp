@@ -3,6 +3,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextList>
 #include <algorithm>
 #include <utility>
 
@@ -147,6 +148,31 @@ std::size_t RtfPad::SelectionCost() const {
   const int first = cursor.selectionStart(), last = cursor.selectionEnd();
   const int blocks = document()->findBlock(last).blockNumber() - document()->findBlock(first).blockNumber();
   return static_cast<std::size_t>(last - first) + static_cast<std::size_t>(blocks) * kCostOfCell;
+}
+
+/// The edit's own key takes the space after an item away, and all formats of an empty paragraph.
+void RtfPad::BeginParagraph() {
+  QTextCursor cursor = textCursor();
+  if (!cursor.hasSelection() && !LayOutTo(cursor.position())) return;
+  {
+    const LargeEdit edit(*this);
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    QTextBlockFormat format = cursor.blockFormat();
+    QTextList* list = cursor.currentList();
+    if (list && cursor.block().length() == 1) {
+      list->remove(cursor.block());
+    } else {
+      cursor.insertBlock(format, cursor.charFormat());
+      QTextCursor before(cursor.block().previous());
+      // What is attached to the paragraph's end stays there.
+      format.clearProperty(kAttached);
+      if (before.blockFormat().hasProperty(kAttached)) before.setBlockFormat(format);
+    }
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+  }
+  ShowCaret();
 }
 
 void RtfPad::AfterInsertion(int first) {

@@ -141,6 +141,7 @@ void RtfPad::SetSelectionBullet(bool bullet) {
       QTextBlockFormat format = block.blockFormat();
       const double indent = TwipsToUnits(bullet_indent_);
       if (bullet) {
+        format.clearProperty(QTextFormat::ListStyle);
         format.setLeftMargin(format.leftMargin() + indent);
         format.setTextIndent(0);
       } else {

@@ -1,8 +1,10 @@
-// What RtfPad says of the place under the mouse.
+// What RtfPad draws over its text, and says of the place under the mouse.
 
 #include <QAbstractTextDocumentLayout>
 #include <QHelpEvent>
 #include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTextCursor>
 
@@ -32,10 +34,22 @@ void RtfPad::mouseReleaseEvent(QMouseEvent* event) {
   if (!anchorAt(point).isEmpty()) ShowTip(event->globalPosition().toPoint(), TipAt(point), viewport());
 }
 
+void RtfPad::paintEvent(QPaintEvent* event) {
+  QTextEdit::paintEvent(event);
+  QPainter painter(viewport());
+  painter.translate(-Scrolled());
+  traces_.Draw(painter, *document(), event->rect().translated(Scrolled()), RtfTraces::Medium::Screen);
+}
+
+QPoint RtfPad::Scrolled() const {
+  const QScrollBar& bar = *horizontalScrollBar();
+  return {isRightToLeft() ? bar.maximum() - bar.value() : bar.value(), verticalScrollBar()->value()};
+}
+
 QString RtfPad::TipAt(const QPoint& point) const {
-  const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
-  const int position = document()->documentLayout()->hitTest(point + scrolled, Qt::ExactHit);
-  if (position < 0 || position >= End()) return {};
+  const QString mark = traces_.TipAt(point + Scrolled());
+  const int position = document()->documentLayout()->hitTest(point + Scrolled(), Qt::ExactHit);
+  if (!mark.isEmpty() || position < 0 || position >= End()) return mark;
   QTextCursor cursor(document());
   cursor.setPosition(position + 1);
   return TipOf(cursor.charFormat());

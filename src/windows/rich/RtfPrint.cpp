@@ -12,6 +12,7 @@
 
 #include "system/Twips.h"
 #include "windows/rich/RtfStore.h"
+#include "windows/rich/RtfTraces.h"
 
 namespace tme {
 namespace {
@@ -48,7 +49,7 @@ void BreakPages(QTextDocument& text) {
 
 }  // namespace
 
-void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls) {
+void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& document_controls, RtfTraces* traces) {
   const auto units = [&](std::string_view word, int otherwise) {
     return TwipsToUnits(ControlValue(document_controls, word, otherwise));
   };
@@ -83,6 +84,7 @@ void PrintRtf(QPrinter& printer, QTextDocument& text, const std::string& documen
     painter.setClipRect(view);
     context.clip = view;
     text.documentLayout()->draw(&painter, context);
+    if (traces) traces->Draw(painter, text, view, RtfTraces::Medium::Paper);
     painter.restore();
   }
 }

@@ -1,0 +1,263 @@
+#include "windows/rich/RtfTraces.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextLayout>
+#include <QTextList>
+#include <QTextTable>
+#include <algorithm>
+#include <utility>
+
+#include "system/Twips.h"
+#include "windows/rich/RtfTraceTexts.h"
+
+namespace tme {
+namespace {
+
+/// So many blocks are counted again at most before what is in sight: a fraction of a millisecond.
+constexpr int kBlocksOfCounter = 4096;
+constexpr double kBandUnits = 24;  ///< room for a band
+constexpr double kBandEdge = 4;
+constexpr double kMaxBandEms = 60;
+constexpr double kFlagSize = 7;
+constexpr double kDefaultResolution = 96;
+constexpr int kLeastBandFont = 6, kBandFontsPerInch = 8;
+/// A line's weight and height as parts of a letter's ascent.
+constexpr double kLinesOfAscent = 12, kStrikeHeight = 0.65;
+constexpr double kChangeBarLeft = 3;
+constexpr double kChangeBarWidth = 2;
+// On white, as the page is on every desktop.
+const QColor kInsertedColor(0x0B, 0x6E, 0x4F), kDeletedColor(0xB0, 0x1E, 0x1E), kFlagColor(0xC2, 0x6A, 0x00);
+const QColor kBandFill(0xF3, 0xF5, 0xF7), kBandBorder(0xC5, 0xCC, 0xD3), kBandText(0x3A, 0x44, 0x4E);
+
+double ResolutionOf(const QTextDocument& document) {
+  const QPaintDevice* device = document.documentLayout()->paintDevice();
+  return device ? device->logicalDpiY() : kDefaultResolution;
+}
+
+/// The outermost table around a position; null for none.
+const QTextTable* TableAround(const QTextDocument& document, int position) {
+  const QTextTable* outermost = nullptr;
+  for (QTextFrame* frame = document.frameAt(position); frame; frame = frame->parentFrame())
+    if (const auto* table = qobject_cast<QTextTable*>(frame)) outermost = table;
+  return outermost;
+}
+
+/// The blocks of a stretch of the page: whole rows of tables, whose cells stand beside each other.
+std::pair<QTextBlock, QTextBlock> BlocksIn(const QTextDocument& document, const QRectF& clip) {
+  const QAbstractTextDocumentLayout& layout = *document.documentLayout();
+  int first = std::max(layout.hitTest(clip.topLeft(), Qt::FuzzyHit), 0);
+  int last = std::max(layout.hitTest(clip.bottomRight(), Qt::FuzzyHit), first);
+  if (const QTextTable* table = TableAround(document, first))
+    first = table->cellAt(table->cellAt(first).row(), 0).firstPosition();
+  if (const QTextTable* table = TableAround(document, last))
+    last = table->cellAt(table->cellAt(last).row(), table->columns() - 1).lastPosition();
+  return {document.findBlock(first), document.findBlock(last)};
+}
+
+}  // namespace
+
+void RtfTraces::Reset(const RtfStore& store) {
+  store_ = &store;
+  marks_.clear();
+  formats_.clear();
+  revisions_.clear();
+  attached_texts_.clear();
+  counters_.assign(1, {});
+  has_lists_ = std::ranges::any_of(store.document.paragraph_formats,
+                                   [](const auto& format) { return format.list != rtf::ListKind::None; });
+  top_ = RtfTraceTexts::Top(store.document);
+  bottom_ = RtfTraceTexts::Bottom(store.document);
+}
+
+void RtfTraces::MakeRoom(QTextDocument& document) const {
+  QTextFrameFormat format = document.rootFrame()->frameFormat();
+  const double margin = format.margin();
+  if (!top_.text.isEmpty()) format.setTopMargin(margin + kBandUnits);
+  if (!bottom_.text.isEmpty()) format.setBottomMargin(margin + kBandUnits);
+  if (format != document.rootFrame()->frameFormat()) document.rootFrame()->setFrameFormat(format);
+}
+
+void RtfTraces::NoteEdit(int block) {
+  // A pasted part may bring the first list.
+  has_lists_ = has_lists_ || std::ranges::any_of(store_->document.paragraph_formats,
+                                                 [](const auto& format) { return format.list != rtf::ListKind::None; });
+  const auto kept = static_cast<std::size_t>(block / kBlocksOfCounter) + 1;
+  if (counters_.size() > kept) counters_.resize(kept);
+}
+
+int RtfTraces::FormatOf(const QTextBlock& block) {
+  const auto index = static_cast<std::size_t>(block.blockFormatIndex());
+  if (formats_.size() <= index) formats_.resize(index + 1, kUnknown);
+  int& known = formats_[index];
+  if (known != kUnknown) return known;
+  const QTextBlockFormat format = block.blockFormat();
+  const bool begins = !format.hasProperty(kFiller) && format.intProperty(kPiece) <= 1;
+  return known = begins ? std::max(format.intProperty(kParagraphFormat), 1) - 1 : kNoParagraph;
+}
+
+QString RtfTraces::NumberOf(const QTextBlock& block, rtf::RtfNumbering& counter) {
+  const int number = FormatOf(block);
+  if (number == kNoParagraph) return {};
+  const rtf::ParagraphFormat& format = store_->document.paragraph_formats[static_cast<std::size_t>(number)];
+  const bool is_listed = format.list != rtf::ListKind::None && block.textList();
+  static const rtf::ParagraphFormat kOutside;
+  return QString::fromStdString(counter.Next(is_listed ? format : kOutside));
+}
+
+rtf::RtfNumbering RtfTraces::CounterBefore(const QTextDocument& document, const QTextBlock& block) {
+  const auto wanted = static_cast<std::size_t>(block.blockNumber() / kBlocksOfCounter);
+  int at = static_cast<int>(std::min(wanted, counters_.size() - 1)) * kBlocksOfCounter;
+  rtf::RtfNumbering counter = counters_[static_cast<std::size_t>(at / kBlocksOfCounter)];
+  for (QTextBlock before = document.findBlockByNumber(at); at < block.blockNumber(); before = before.next()) {
+    NumberOf(before, counter);
+    if (++at % kBlocksOfCounter == 0) counters_.push_back(counter);
+  }
+  return counter;
+}
+
+void RtfTraces::Draw(QPainter& painter, const QTextDocument& document, const QRectF& clip, Medium medium) {
+  if (!store_) return;
+  clip_ = clip;
+  std::erase_if(marks_, [&clip](const Mark& mark) { return mark.place.intersects(clip); });
+  painter.save();
+  const auto [first, last] = BlocksIn(document, clip);
+  rtf::RtfNumbering counter = has_lists_ ? CounterBefore(document, first) : rtf::RtfNumbering();
+  for (QTextBlock block = first; block.isValid(); block = block.next()) {
+    const QString number = has_lists_ ? NumberOf(block, counter) : QString();
+    const QPointF origin = document.documentLayout()->blockBoundingRect(block).topLeft();
+    if (block.isVisible() && block.layout()->lineCount() > 0) {
+      if (!number.isEmpty() && block.blockFormat().hasProperty(QTextFormat::ListStyle))
+        DrawNumber(painter, block, origin, number);
+      DrawRuns(painter, block, origin, medium);
+    }
+    if (block == last) break;
+  }
+  // Asked for its size, the document would lay out the rest.
+  const bool is_end = last == document.lastBlock();
+  const double text_end = is_end ? document.documentLayout()->blockBoundingRect(last).bottom() : clip.bottom();
+  if (medium == Medium::Screen) DrawBands(painter, document, text_end);
+  painter.restore();
+}
+
+void RtfTraces::DrawNumber(QPainter& painter, const QTextBlock& block, const QPointF& origin, const QString& number) {
+  const QTextDocument& document = *block.document();
+  const QTextCharFormat format = block.charFormat();
+  const QFont font(format.font(), document.documentLayout()->paintDevice());
+  const QFontMetricsF metrics(font);
+  const QTextLine line = block.layout()->lineAt(0);
+  const QRectF text = line.naturalTextRect().translated(origin);
+  const double width = metrics.horizontalAdvance(number), gap = metrics.horizontalAdvance(u' ');
+  const auto& paragraph = store_->document.paragraph_formats[static_cast<std::size_t>(FormatOf(block))];
+  // Where the paragraph's first line hangs out, it begins there; else it ends at the text.
+  const double hanging = std::max(-paragraph.first_line * ResolutionOf(document) / kTwipsPerInch, 0.0);
+  const double room = width + gap <= hanging ? hanging : width + gap;
+  const bool is_rtl = block.textDirection() == Qt::RightToLeft;
+  painter.setFont(font);
+  painter.setPen(format.foreground().style() == Qt::NoBrush ? QColor(Qt::black) : format.foreground().color());
+  painter.drawText(
+      QPointF(is_rtl ? text.right() + room - width : text.left() - room, origin.y() + line.y() + line.ascent()),
+      number);
+}
+
+RtfTraces::Revision RtfTraces::RevisionOf(int index, const QTextCharFormat& format) {
+  const auto at = static_cast<std::size_t>(index);
+  if (revisions_.size() <= at) revisions_.resize(at + 1);
+  Revision& known = revisions_[at];
+  if (known == Revision::Unknown) known = RtfTraceTexts::RevisionOf(store_->document, format.intProperty(kCharFormat));
+  return known;
+}
+
+void RtfTraces::DrawRuns(QPainter& painter, const QTextBlock& block, const QPointF& origin, Medium medium) {
+  const bool flags = medium == Medium::Screen && !store_->attached.empty();
+  for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
+    const QTextFragment run = it.fragment();
+    const QTextCharFormat format = run.charFormat();
+    if (const Revision revision = RevisionOf(run.charFormatIndex(), format); revision != Revision::None)
+      DrawRevision(painter, block, origin, run, revision);
+    if (flags) DrawFlag(painter, block, origin, run.position(), format.intProperty(kAttached));
+  }
+  if (flags)
+    DrawFlag(painter, block, origin, block.position() + block.length() - 1, block.blockFormat().intProperty(kAttached));
+}
+
+/// A line under or through the text, and a bar at the edge of the page.
+void RtfTraces::DrawRevision(QPainter& painter, const QTextBlock& block, const QPointF& origin,
+                             const QTextFragment& run, Revision revision) {
+  const int begin = run.position() - block.position(), end = begin + run.length();
+  const QTextLayout& layout = *block.layout();
+  const QColor color = revision == Revision::Inserted ? kInsertedColor : kDeletedColor;
+  for (int number = 0; number < layout.lineCount(); ++number) {
+    const QTextLine line = layout.lineAt(number);
+    const int from = std::max(begin, line.textStart()), to = std::min(end, line.textStart() + line.textLength());
+    const double top = origin.y() + line.y();
+    if (from >= to || top > clip_.bottom() || top + line.height() < clip_.top()) continue;
+    const double left = origin.x() + line.cursorToX(from), right = origin.x() + line.cursorToX(to);
+    const double weight = std::max(1.0, line.ascent() / kLinesOfAscent);
+    const double under = top + line.ascent() + 2 * weight, through = top + line.ascent() * kStrikeHeight;
+    const double y = revision == Revision::Inserted ? under : through;
+    painter.setPen(QPen(color, weight));
+    painter.drawLine(QPointF(left, y), QPointF(right, y));
+    painter.fillRect(QRectF(kChangeBarLeft, top, kChangeBarWidth, line.height()), color);
+    AddMark(QRectF(QPointF(left, top), QPointF(right, top + line.height())).normalized(),
+            RtfTraceTexts::OfRevision(revision));
+  }
+}
+
+void RtfTraces::DrawFlag(QPainter& painter, const QTextBlock& block, const QPointF& origin, int position,
+                         int attached) {
+  if (attached <= 0) return;
+  const QString& text = AttachedText(attached);
+  if (text.isEmpty()) return;
+  const QTextLine line = block.layout()->lineForTextPosition(position - block.position());
+  if (!line.isValid()) return;
+  const QPointF tip(origin.x() + line.cursorToX(position - block.position()), origin.y() + line.y());
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(kFlagColor);
+  painter.drawPolygon(QPolygonF({tip, tip + QPointF(kFlagSize, 0), tip + QPointF(0, kFlagSize)}));
+  AddMark({tip.x() - 1, tip.y(), kFlagSize * 2, line.height()}, text);
+}
+
+const QString& RtfTraces::AttachedText(int attached) {
+  const auto at = static_cast<std::size_t>(attached) - 1;
+  if (attached_texts_.size() <= at) attached_texts_.resize(at + 1);
+  if (!attached_texts_[at]) attached_texts_[at] = RtfTraceTexts::OfAttached(*store_, store_->attached[at]);
+  return *attached_texts_[at];
+}
+
+void RtfTraces::DrawBands(QPainter& painter, const QTextDocument& document, double text_end) {
+  const double scale = ResolutionOf(document) / kDefaultResolution;
+  const double room = kBandUnits * scale, edge = kBandEdge * scale;
+  QFont font;
+  font.setPixelSize(std::max(kLeastBandFont, static_cast<int>(ResolutionOf(document) / kBandFontsPerInch)));
+  const QFontMetricsF metrics(font);
+  for (const auto& [band, top] : {std::pair(&top_, edge), std::pair(&bottom_, text_end + edge)}) {
+    if (band->text.isEmpty()) continue;
+    const double width = std::min(metrics.horizontalAdvance(band->text), metrics.height() * kMaxBandEms);
+    const QRectF place(document.documentMargin() * scale, top, width + metrics.height(), room - edge);
+    if (!place.intersects(clip_)) continue;
+    painter.setFont(font);
+    painter.setPen(kBandBorder);
+    painter.setBrush(kBandFill);
+    painter.drawRoundedRect(place, 3, 3);
+    painter.setPen(kBandText);
+    painter.drawText(place, Qt::AlignCenter, metrics.elidedText(band->text, Qt::ElideRight, width + 1));
+    AddMark(place, band->tip);
+  }
+}
+
+void RtfTraces::AddMark(const QRectF& place, const QString& tip) {
+  if (place.intersects(clip_)) marks_.push_back({place, tip});
+}
+
+QString RtfTraces::TipAt(const QPointF& point) const {
+  const auto found =
+      std::find_if(marks_.rbegin(), marks_.rend(), [&point](const Mark& mark) { return mark.place.contains(point); });
+  return found == marks_.rend() ? QString() : found->tip;
+}
+
+}  // namespace tme
