@@ -39,6 +39,8 @@ class Builder {
 
   /// Ends the paragraph. `table_level`: 0 outside tables, 1 in a cell, 2 in a cell of a table in a cell …
   void EndParagraph(const ParagraphFormat& format, std::uint32_t mark_format, int table_level);
+  /// What stands behind the last paragraph's end, and is not seen, becomes a part of that one.
+  void GivePendingBack() { first_run_ = document_.runs.size(); }
   void EndCell(int level) { tables_.EndCell(level); }
   void EndRow(int level, RowDefinition& definition) { tables_.EndRow(level, definition); }
   void Finish();

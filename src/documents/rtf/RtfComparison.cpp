@@ -25,20 +25,6 @@ bool Ask(Known& known, std::uint32_t left, std::uint32_t right, Same same) {
 
 }  // namespace
 
-bool SameTables(const RtfDocument& left, const RtfDocument& right) {
-  const auto same_cell = [](const Cell& one, const Cell& other) {
-    return one.row == other.row && one.right_edge == other.right_edge && one.row_span == other.row_span &&
-           one.column_span == other.column_span;
-  };
-  const auto same_row = [](const Row& one, const Row& other) {
-    return one.table == other.table && one.definition == other.definition;
-  };
-  const auto same_table = [](const Table& one, const Table& other) { return one.parent_cell == other.parent_cell; };
-  return std::ranges::equal(left.cells, right.cells, same_cell) &&
-         std::ranges::equal(left.rows, right.rows, same_row) &&
-         std::ranges::equal(left.tables, right.tables, same_table);
-}
-
 std::vector<std::uint32_t> TextStarts(const RtfDocument& document) {
   std::vector<std::uint32_t> starts;
   starts.reserve(document.paragraphs.size());
@@ -83,18 +69,17 @@ struct RtfComparison::Cursor {
 };
 
 RtfComparison::RtfComparison(const RtfDocument& left, const RtfDocument& right, const RtfDocument& right_tables,
-                             std::size_t right_fonts)
+                             std::size_t unnamed_font)
     : left_(left),
       right_(right),
       right_tables_(right_tables),
-      right_fonts_(right_fonts),
+      unnamed_font_(unnamed_font),
       left_text_(TextStarts(left)),
       right_text_(TextStarts(right)) {}
 
 bool RtfComparison::SameParagraph(std::size_t left, std::size_t right) {
   const Paragraph &one = left_.paragraphs[left], &other = right_.paragraphs[right];
-  if (one.cell != other.cell || !SameParagraphFormat(one.format, other.format) ||
-      !SameCharFormat(one.mark_format, other.mark_format))
+  if (!SameParagraphFormat(one.format, other.format) || !SameCharFormat(one.mark_format, other.mark_format))
     return false;
   Cursor one_cursor(left_, left, left_text_[left]), other_cursor(right_, right, right_text_[right]);
   return SameRuns(one_cursor, other_cursor);
@@ -142,8 +127,9 @@ bool RtfComparison::SameParagraphFormat(std::uint32_t left, std::uint32_t right)
 }
 
 bool RtfComparison::SameFont(std::uint32_t left, std::uint32_t right) const {
-  const bool is_left_known = left < left_.fonts.size(), is_right_known = right < right_fonts_;
-  if (!is_left_known || !is_right_known) return is_left_known == is_right_known;
+  const bool is_right_known = right < right_tables_.fonts.size();
+  if (left >= left_.fonts.size()) return !is_right_known || right == unnamed_font_;
+  if (!is_right_known) return false;
   const Font &one = left_.fonts[left], &other = right_tables_.fonts[right];
   return one.name == other.name && one.charset == other.charset;
 }

@@ -9,16 +9,14 @@
 
 namespace tme::rtf {
 
-/// Whether cells, rows and tables are the same.
-bool SameTables(const RtfDocument& left, const RtfDocument& right);
-
 /// Compares paragraphs of two documents by what they say: formats by what they are, objects by their bytes. How their
-/// runs are parted does not count. The documents outlive this and do not change.
+/// runs are parted does not count, nor which cell they stand in. The documents outlive this and do not change.
 class RtfComparison {
  public:
-  /// right_tables: what the right document's text names; of its fonts the first ones count alone.
+  /// right_tables: what the right document's text names. unnamed_font: of these, one that also stands for text
+  /// without a font.
   RtfComparison(const RtfDocument& left, const RtfDocument& right, const RtfDocument& right_tables,
-                std::size_t right_fonts);
+                std::size_t unnamed_font);
 
   bool SameParagraph(std::size_t left, std::size_t right);
 
@@ -36,7 +34,7 @@ class RtfComparison {
   const RtfDocument& left_;
   const RtfDocument& right_;
   const RtfDocument& right_tables_;
-  const std::size_t right_fonts_;
+  const std::size_t unnamed_font_;
   const std::vector<std::uint32_t> left_text_;
   const std::vector<std::uint32_t> right_text_;
   Known char_formats_;

@@ -153,30 +153,35 @@ std::string CompletedDefinition(const RtfDocument& document, std::span<const std
   return text;
 }
 
+void WriteFont(const Font& font, RtfOutput& out) {
+  out.Open();
+  out.Word("\\f", font.number);
+  out.Words("\\f" + (font.family.empty() ? "nil" : font.family));
+  out.Word("\\fcharset", font.charset);
+  std::string name = font.name;
+  std::erase(name, ';');  // ends the entry
+  out.Text(name);
+  out.Text(";");
+  out.Close();
+}
+
+void WriteColor(std::span<const std::uint32_t> colors, std::size_t index, RtfOutput& out) {
+  if (index > 0) {
+    out.Word("\\red", colors[index] >> 16 & 0xFF);
+    out.Word("\\green", colors[index] >> 8 & 0xFF);
+    out.Word("\\blue", colors[index] & 0xFF);
+  }
+  out.Text(";");
+}
+
 void WriteTables(const RtfDocument& document, RtfOutput& out) {
   out.Open("\\fonttbl");
-  for (const Font& font : document.fonts) {
-    out.Open();
-    out.Word("\\f", font.number);
-    out.Words("\\f" + (font.family.empty() ? "nil" : font.family));
-    out.Word("\\fcharset", font.charset);
-    std::string name = font.name;
-    std::erase(name, ';');  // ends the entry
-    out.Text(name);
-    out.Text(";");
-    out.Close();
-  }
+  for (const Font& font : document.fonts) WriteFont(font, out);
   out.Close();
   out.LineEnd();
   if (document.colors.size() < 2) return;
   out.Open("\\colortbl");
-  out.Text(";");
-  for (std::size_t i = 1; i < document.colors.size(); ++i) {
-    out.Word("\\red", document.colors[i] >> 16 & 0xFF);
-    out.Word("\\green", document.colors[i] >> 8 & 0xFF);
-    out.Word("\\blue", document.colors[i] & 0xFF);
-    out.Text(";");
-  }
+  for (std::size_t i = 0; i < document.colors.size(); ++i) WriteColor(document.colors, i, out);
   out.Close();
   out.LineEnd();
 }

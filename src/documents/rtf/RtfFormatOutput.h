@@ -27,6 +27,10 @@ std::string RowControls(const RtfDocument& document, std::span<const std::uint32
 /// A row's definition as it came, with an edge for each cell that it left out: word processors drop those.
 std::string CompletedDefinition(const RtfDocument& document, std::span<const std::uint32_t> cells);
 
+/// An entry of the font table.
+void WriteFont(const Font& font, RtfOutput& out);
+/// One of the colour table; the first is automatic.
+void WriteColor(std::span<const std::uint32_t> colors, std::size_t index, RtfOutput& out);
 /// Font and colour table.
 void WriteTables(const RtfDocument& document, RtfOutput& out);
 

@@ -1,8 +1,11 @@
 #include "documents/rtf/RtfHunks.h"
 
+#include <algorithm>
 #include <functional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "documents/diff/SequenceDiff.h"
 #include "documents/rtf/RtfComparison.h"
@@ -12,10 +15,10 @@ namespace tme::rtf {
 namespace {
 
 /// What a paragraph says, as a number; the numbers of formats and objects count.
-std::uint64_t HashOf(const RtfDocument& document, std::size_t index, std::uint32_t text) {
+std::uint64_t HashOf(const RtfDocument& document, std::size_t index, std::uint32_t text, std::int32_t cell) {
   const Paragraph& paragraph = document.paragraphs[index];
   std::size_t hash = MixHash(paragraph.format, paragraph.mark_format);
-  hash = MixHash(hash, static_cast<std::uint32_t>(paragraph.cell));
+  hash = MixHash(hash, static_cast<std::uint32_t>(cell));
   std::uint32_t size = 0, of_format = 0;
   for (std::size_t i = paragraph.first_run; i < document.EndOfRuns(index); ++i) {
     const Run& run = document.runs[i];
@@ -31,19 +34,12 @@ std::uint64_t HashOf(const RtfDocument& document, std::size_t index, std::uint32
   return MixHash(hash, std::hash<std::string_view>{}(std::string_view(document.text).substr(text, size)));
 }
 
-}  // namespace
+using Numbers = std::vector<std::uint64_t>;
 
-std::vector<std::uint64_t> ParagraphHashes(const RtfDocument& document) {
-  const std::vector<std::uint32_t> text = TextStarts(document);
-  std::vector<std::uint64_t> hashes;
-  hashes.reserve(document.paragraphs.size());
-  for (std::size_t i = 0; i < document.paragraphs.size(); ++i) hashes.push_back(HashOf(document, i, text[i]));
-  return hashes;
-}
-
-std::vector<RtfHunk> HunksBetween(const std::vector<std::uint64_t>& before, const std::vector<std::uint64_t>& after) {
+/// Stretches of two sequences that differ.
+std::vector<RtfHunk> DiffNumbers(std::span<const std::uint64_t> before, std::span<const std::uint64_t> after) {
   std::unordered_map<std::uint64_t, std::uint32_t> numbers;
-  const auto numbered = [&](const std::vector<std::uint64_t>& hashes) {
+  const auto numbered = [&](std::span<const std::uint64_t> hashes) {
     std::vector<std::uint32_t> result;
     result.reserve(hashes.size());
     for (const std::uint64_t hash : hashes)
@@ -66,6 +62,148 @@ std::vector<RtfHunk> HunksBetween(const std::vector<std::uint64_t>& before, cons
   }
   close();
   return hunks;
+}
+
+Numbers WholeBlocks(const RtfDigest& digest) {
+  Numbers whole = digest.blocks;
+  for (std::size_t block = 0; block < whole.size(); ++block)
+    for (std::size_t i = digest.block_begins[block]; i < digest.block_begins[block + 1]; ++i)
+      whole[block] = MixHash(whole[block], digest.paragraphs[i]);
+  return whole;
+}
+
+/// Looks for what differs in stretches of blocks that do.
+class BlockHunks {
+ public:
+  BlockHunks(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed)
+      : before_(before), after_(after), is_fixed_(is_fixed) {}
+
+  /// blocks: its numbers count blocks.
+  void Add(const RtfHunk& blocks) {
+    const std::vector<std::size_t> tables = TablesOf(before_, blocks.before_begin, blocks.before_end);
+    const std::vector<std::size_t> others = TablesOf(after_, blocks.after_begin, blocks.after_end);
+    const bool same = std::ranges::equal(tables, others, [this](std::size_t one, std::size_t other) {
+      return is_fixed_[one] || before_.blocks[one] == after_.blocks[other];
+    });
+    if (!same) return AddWhole(blocks);
+    RtfHunk part = blocks;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+      part.before_end = tables[i];
+      part.after_end = others[i];
+      AddParagraphs(part);
+      part = {tables[i], tables[i] + 1, others[i], others[i] + 1};
+      if (is_fixed_[tables[i]])
+        AddWhole(part);
+      else
+        AddParagraphs(part);
+      part = {part.before_end, blocks.before_end, part.after_end, blocks.after_end};
+    }
+    AddParagraphs(part);
+  }
+  std::vector<RtfHunk> Take() { return std::move(hunks_); }
+
+ private:
+  static std::vector<std::size_t> TablesOf(const RtfDigest& digest, std::size_t begin, std::size_t end) {
+    std::vector<std::size_t> tables;
+    for (; begin < end; ++begin)
+      if (digest.are_tables[begin]) tables.push_back(begin);
+    return tables;
+  }
+  RtfHunk ParagraphsOf(const RtfHunk& blocks) const {
+    return {before_.block_begins[blocks.before_begin], before_.block_begins[blocks.before_end],
+            after_.block_begins[blocks.after_begin], after_.block_begins[blocks.after_end]};
+  }
+  void AddWhole(const RtfHunk& blocks) {
+    RtfHunk hunk = ParagraphsOf(blocks);
+    hunk.level = RtfHunk::Level::Blocks;
+    hunks_.push_back(hunk);
+  }
+  void AddParagraphs(const RtfHunk& blocks) {
+    const RtfHunk all = ParagraphsOf(blocks);
+    const auto before = std::span(before_.paragraphs).subspan(all.before_begin, all.before_end - all.before_begin);
+    const auto after = std::span(after_.paragraphs).subspan(all.after_begin, all.after_end - all.after_begin);
+    for (RtfHunk hunk : DiffNumbers(before, after)) {
+      hunk.before_begin += all.before_begin, hunk.before_end += all.before_begin;
+      hunk.after_begin += all.after_begin, hunk.after_end += all.after_begin;
+      hunks_.push_back(hunk);
+    }
+  }
+
+  const RtfDigest& before_;
+  const RtfDigest& after_;
+  const std::vector<bool>& is_fixed_;
+  std::vector<RtfHunk> hunks_;
+};
+
+/// Makes a hunk cover the blocks that it stands in.
+void Widen(RtfHunk& hunk, const RtfBlocks& blocks) {
+  if (hunk.before_begin == hunk.before_end) {
+    const std::size_t at = hunk.before_begin;
+    const bool is_inside =
+        at > 0 && at < blocks.EndOf(blocks.Count() - 1) && blocks.BlockOf(at - 1) == blocks.BlockOf(at);
+    if (!is_inside) return;
+    --hunk.before_begin, --hunk.after_begin;
+  }
+  const std::size_t begin = blocks[blocks.BlockOf(hunk.before_begin)].paragraph;
+  const std::size_t end = blocks.EndOf(blocks.BlockOf(hunk.before_end - 1));
+  hunk.after_begin -= hunk.before_begin - begin;
+  hunk.before_begin = begin;
+  hunk.after_end += end - hunk.before_end;
+  hunk.before_end = end;
+}
+
+/// One that covers both. second: came behind the first one before they were widened.
+RtfHunk Join(const RtfHunk& first, const RtfHunk& second) {
+  RtfHunk both;
+  both.before_begin = std::min(first.before_begin, second.before_begin);
+  both.before_end = std::max(first.before_end, second.before_end);
+  both.after_begin = first.after_begin - (first.before_begin - both.before_begin);
+  both.after_end = second.after_end + (both.before_end - second.before_end);
+  both.level = RtfHunk::Level::Blocks;
+  return both;
+}
+
+}  // namespace
+
+RtfDigest DigestOf(const RtfDocument& document, const RtfBlocks& blocks) {
+  const std::vector<std::uint32_t> text = TextStarts(document);
+  RtfDigest digest;
+  digest.paragraphs.reserve(document.paragraphs.size());
+  for (std::size_t i = 0; i < document.paragraphs.size(); ++i)
+    digest.paragraphs.push_back(HashOf(document, i, text[i], blocks.CellOf(i)));
+  for (std::size_t block = 0; block < blocks.Count(); ++block) {
+    digest.blocks.push_back(blocks.HashOf(block));
+    digest.block_begins.push_back(blocks[block].paragraph);
+    digest.are_tables.push_back(blocks[block].IsTable());
+  }
+  digest.block_begins.push_back(static_cast<std::uint32_t>(document.paragraphs.size()));
+  return digest;
+}
+
+std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed) {
+  BlockHunks hunks(before, after, is_fixed);
+  for (const RtfHunk& blocks : DiffNumbers(WholeBlocks(before), WholeBlocks(after))) hunks.Add(blocks);
+  return hunks.Take();
+}
+
+bool RaiseHunks(std::vector<RtfHunk>& hunks, const std::vector<std::size_t>& which, const RtfBlocks& before) {
+  for (const std::size_t i : which) {
+    if (hunks[i].level == RtfHunk::Level::Blocks) return false;
+    const bool is_first_raise = hunks[i].level == RtfHunk::Level::Splice;
+    hunks[i].level = is_first_raise ? RtfHunk::Level::Paragraphs : RtfHunk::Level::Blocks;
+    if (!is_first_raise) Widen(hunks[i], before);
+  }
+  // What stands in a block that is written as a whole is written with it.
+  std::vector<RtfHunk> joined;
+  for (RtfHunk hunk : hunks) {
+    const auto overlaps = [&hunk](const RtfHunk& last) {
+      return hunk.before_begin < last.before_end || hunk.before_begin < last.before_begin;
+    };
+    for (; !joined.empty() && overlaps(joined.back()); joined.pop_back()) hunk = Join(joined.back(), hunk);
+    joined.push_back(hunk);
+  }
+  hunks = std::move(joined);
+  return true;
 }
 
 }  // namespace tme::rtf

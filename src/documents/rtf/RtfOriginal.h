@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "documents/rtf/RtfBlocks.h"
 #include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfHunks.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfSource.h"
 
@@ -24,25 +26,32 @@ class RtfOriginal {
   void SetUnedited(const RtfDocument& exported);
 
   /// The bytes of the file with the edits of a document put in between: text where its neighbours stand, changed
-  /// formats as groups around their text, ends of paragraphs as \par. All other bytes stay, and the result was read
-  /// again and compared. Null when some edit has no such place: a changed table, an object that came or moved to
-  /// another field, text that stands for something else. edited: its tables of formats, fonts, colours, objects and
-  /// fields begin with those of the document that was read.
+  /// formats as groups around their text, ends of paragraphs as \par. Where that is not possible, the paragraphs, else
+  /// the tables, are written anew in their place. New fonts and colours are added to the file's tables. All other bytes
+  /// stay, and the result was read again and compared. Null when it cannot be done. edited: its tables of formats,
+  /// fonts, colours, objects and fields begin with those of the document that was read.
   std::optional<std::string> WithEdits(const RtfDocument& edited, const DecodeCodePage& decode) const;
 
   std::string_view Bytes() const { return bytes_; }
 
  private:
+  void MoveToFile(std::vector<RtfHunk>& hunks) const;
+
   const std::string bytes_;
-  /// Text and structure, without formats and what else the edited document has.
+  /// Text and paragraphs alone.
   RtfDocument document_;
+  RtfBlocks blocks_;
   const RtfSource source_;
+  /// What a save would write but for the text.
+  std::string kept_header_;
+  std::string kept_section_;
+  std::string document_controls_;
+  bool ended_early_;
   std::size_t fonts_;
-  std::size_t colors_;
-  /// A number for each paragraph of the unedited view.
-  std::vector<std::uint64_t> unedited_;
-  /// Its cells, rows and tables alone.
-  RtfDocument unedited_tables_;
+  RtfDigest unedited_;
+  bool stands_in_file_ = false;
+  /// The tables that the view has in another shape than the file, by block.
+  std::vector<bool> is_fixed_;
 };
 
 }  // namespace tme::rtf

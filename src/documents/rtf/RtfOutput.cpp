@@ -157,9 +157,12 @@ void RtfOutput::Character(char32_t character, Alphabet alphabet) {
 /// As the signed 16-bit number that the format wants.
 void RtfOutput::CodeUnit(std::uint32_t unit, char fallback) {
   Word("\\u", unit < 0x8000 ? static_cast<std::int64_t>(unit) : static_cast<std::int64_t>(unit) - 0x10000);
-  Delimit(fallback);
-  out_.Append({&fallback, 1});
-  after_word_ = false;
+  for (std::size_t i = 0; i < unicode_skip_; ++i) {
+    Delimit(fallback);
+    out_.Append({&fallback, 1});
+    after_word_ = false;
+    fallback = '?';
+  }
 }
 
 void RtfOutput::Byte(unsigned byte) {

@@ -30,6 +30,8 @@ class RtfOutput {
   }
   void Close() { Syntax('}'); }
   void LineEnd();
+  /// How many bytes stand behind a \u for readers without it; 1 at first.
+  void SetUnicodeSkip(std::size_t bytes) { unicode_skip_ = bytes; }
   /// UTF-8, escaped; invalid bytes as U+FFFD.
   void Text(std::string_view text, Alphabet alphabet = Alphabet::Unicode);
   /// Whole groups as they came.
@@ -49,6 +51,7 @@ class RtfOutput {
   void EndPiece() { stopped_ = stopped_ || !out_.EndPiece(); }
 
   PartBuffer out_;
+  std::size_t unicode_skip_ = 1;
   bool after_word_ = false;  ///< text would run into the control word before it
   bool stopped_ = false;
 };

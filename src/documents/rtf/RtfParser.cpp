@@ -85,6 +85,7 @@ void Parser::OpenGroup() {
     tokens_.TakeGroup(token_.begin, nullptr);
     return;
   }
+  if (states_.size() == 2) NoteHeader();
   Top().has_only_words = states_.size() == 1;
   State state = Top();
   state.begin = token_.begin;
@@ -104,13 +105,17 @@ void Parser::CloseGroup() {
     fonts_.EndEntry();
     if (Top().destination != Destination::FontTable) ApplyDefaultFont();
   }
+  if (closed.destination != Top().destination) NoteTable(closed.destination);
   if (closed.destination == Destination::ColorTable && IsBody()) colors_.EndTable();
   if (closed.is_field) EndField(closed);
+  NoteHeaderEnd();
 }
 
 /// A brace too many does not end the text when more of it follows.
 void Parser::CloseRoot() {
   if (tokens_.Position() <= text_behind_braces_) return;
+  NoteHeader();
+  root_end_ = token_.begin;
   const std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
   const std::size_t text = rest.find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7));
   if (text != std::string_view::npos) {
@@ -183,17 +188,39 @@ void Parser::NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end)
 /// before: how many paragraphs there were.
 void Parser::NoteMark(std::size_t before, RtfSource::MarkKind kind) {
   if (source_ == nullptr || document_.paragraphs.size() == before) return;
-  const bool is_token = kind == RtfSource::MarkKind::Paragraph || !is_closed_;
   source_->marks.push_back({.first_piece = first_piece_,
-                            .begin = static_cast<std::uint32_t>(is_token ? token_.begin : tokens_.Position()),
-                            .end = static_cast<std::uint32_t>(tokens_.Position()),
+                            .begin = static_cast<std::uint32_t>(is_closed_ ? root_end_ : token_.begin),
+                            .end = static_cast<std::uint32_t>(is_closed_ ? root_end_ : tokens_.Position()),
                             .kind = kind,
                             .unicode_skip = Top().encoding.unicode_skip});
   first_piece_ = static_cast<std::uint32_t>(source_->pieces.size());
 }
 
+/// What comes next is the first that is more than a control word.
+void Parser::NoteHeader() {
+  if (source_ != nullptr && source_->header.begin == 0)
+    source_->header.begin = static_cast<std::uint32_t>(token_.begin);
+}
+
+/// A group ends.
+void Parser::NoteHeaderEnd() {
+  if (source_ != nullptr && !is_body_ && states_.size() == 2)
+    source_->header.end = static_cast<std::uint32_t>(tokens_.Position());
+}
+
+/// A table ends.
+void Parser::NoteTable(Destination table) {
+  if (source_ == nullptr) return;
+  const auto end = static_cast<std::uint32_t>(token_.begin);
+  if (table == Destination::FontTable && source_->header.fonts_end == 0) source_->header.fonts_end = end;
+  if (table != Destination::ColorTable) return;
+  source_->header.colors_end = end;
+  source_->header.colors = static_cast<std::uint32_t>(document_.colors.size());
+}
+
 void Parser::StartBody() {
   if (is_body_) return;
+  NoteHeader();
   is_body_ = true;
   fonts_.FixDefault();
   CharFormat plain;

@@ -77,6 +77,9 @@ class Parser : private TextDecoder::Sink {
   void FallbackPassed(std::size_t end) override;
   void NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end);
   void NoteMark(std::size_t before, RtfSource::MarkKind kind);
+  void NoteHeader();
+  void NoteHeaderEnd();
+  void NoteTable(Destination table);
   void StartBody();
   void BreakSection();
   void EndParagraph(int table_level, RtfSource::MarkKind kind = RtfSource::MarkKind::Fixed);
@@ -118,6 +121,7 @@ class Parser : private TextDecoder::Sink {
   void ReadUnknownGroup();
   std::string TakeGroup();
   void SkipGroup();
+  void LeaveGroup();
   std::string LabelOfGroup(std::string_view group, LabelText which);
   void AddObject(Object&& object);
   void AddPicture(std::string group);
@@ -151,6 +155,7 @@ class Parser : private TextDecoder::Sink {
   ListKind list_of_text_ = ListKind::None;  ///< of the paragraph's \pntext or \listtext
 
   bool is_closed_ = false;              ///< the last brace came
+  std::size_t root_end_ = 0;            ///< where that stands
   std::size_t text_behind_braces_ = 0;  ///< where more text is known to stand
   bool is_body_ = false;                ///< the text has begun
   bool is_section_pending_ = false;

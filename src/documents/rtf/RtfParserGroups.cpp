@@ -38,15 +38,19 @@ std::string Parser::TakeGroup() {
   tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
   if (!is_whole) group.insert(group.begin(), '{');
   SayUnicodeSkip(group, skip);
-  if (Top().owns_paragraph) paragraphs_.pop_back();
-  states_.pop_back();
+  LeaveGroup();
   return group;
 }
 
 void Parser::SkipGroup() {
   tokens_.TakeGroup(word_begin_, nullptr);
+  LeaveGroup();
+}
+
+void Parser::LeaveGroup() {
   if (Top().owns_paragraph) paragraphs_.pop_back();
   states_.pop_back();
+  NoteHeaderEnd();
 }
 
 std::string Parser::LabelOfGroup(std::string_view group, LabelText which) {

@@ -282,8 +282,14 @@ void Parser::EndCell(int level) {
 void Parser::EndRow(int level) {
   if (!IsBody()) return;
   if (builder_.HasVisiblePending()) EndCell(level);  // text without a cell's end stands in a cell all the same
+  if (builder_.HasPending() && !document_.paragraphs.empty()) {
+    builder_.GivePendingBack();
+    if (source_ != nullptr) first_piece_ = static_cast<std::uint32_t>(source_->pieces.size());
+  }
   builder_.EndRow(level, rows_.Of(level));
   rows_.End(level);
+  if (level == 1 && source_ != nullptr && !source_->marks.empty())
+    source_->marks.back().row_end = static_cast<std::uint32_t>(tokens_.Position());
 }
 
 void Parser::ReadFileWord(const ControlWord& word) {

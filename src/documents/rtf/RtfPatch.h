@@ -1,36 +1,38 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 namespace tme::rtf {
 
-/// Rich-text bytes with replacements, which come in their order. A blank comes between a control word and what would
-/// run into it.
+/// Rich-text bytes with replacements that do not overlap. A blank comes between a control word and what would run into
+/// it.
 class Patch {
  public:
-  explicit Patch(std::string_view bytes) : bytes_(bytes) { result_.reserve(bytes.size() + bytes.size() / 16); }
+  explicit Patch(std::string_view bytes) : bytes_(bytes) {}
 
-  void Replace(std::uint32_t begin, std::uint32_t end, std::string_view text) {
-    Append(bytes_.substr(taken_, begin - taken_));
-    taken_ = end;
-    Append(text);
-  }
-  std::string Result() {
-    Append(bytes_.substr(taken_));
-    taken_ = static_cast<std::uint32_t>(bytes_.size());
-    return std::move(result_);
-  }
+  /// What comes to one place stands in the order in which it came.
+  void Replace(std::uint32_t begin, std::uint32_t end, std::string_view text);
+
+  /// Drops what came behind a number of replacements.
+  std::size_t Count() const { return replacements_.size(); }
+  void TakeBack(std::size_t count);
+
+  std::string Result();
 
  private:
-  void Append(std::string_view text);
-  bool EndsWithWord() const;
+  struct Replacement {
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+    std::size_t text_end = 0;  ///< in texts_; it begins where that of the one before ends
+  };
 
   std::string_view bytes_;
-  std::uint32_t taken_ = 0;
-  std::string result_;
+  std::vector<Replacement> replacements_;
+  std::string texts_;
 };
 
 }  // namespace tme::rtf

@@ -35,7 +35,13 @@ void ReadAsText(std::string_view bytes, const DecodeCodePage& decode, RtfDocumen
 void MoveBy(RtfSource& source, std::uint32_t bytes) {
   if (bytes == 0) return;
   for (RtfSource::Piece& place : source.pieces) place.begin += bytes, place.end += bytes;
-  for (RtfSource::Mark& place : source.marks) place.begin += bytes, place.end += bytes;
+  for (RtfSource::Mark& place : source.marks) {
+    place.begin += bytes, place.end += bytes;
+    if (place.row_end > 0) place.row_end += bytes;
+  }
+  RtfSource::Header& header = source.header;
+  for (std::uint32_t* const place : {&header.begin, &header.end, &header.fonts_end, &header.colors_end})
+    if (*place > 0) *place += bytes;
 }
 
 }  // namespace

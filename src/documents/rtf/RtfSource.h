@@ -32,10 +32,22 @@ struct RtfSource {
     std::uint32_t first_piece = 0;  ///< the paragraph's pieces end where those of the next one begin
     std::uint32_t begin = 0;
     std::uint32_t end = 0;
+    /// Where the table behind it has ended, as far as it was read: behind the \row of a table of the text itself; 0
+    /// where none ended.
+    std::uint32_t row_end = 0;
     MarkKind kind = MarkKind::Fixed;
     std::uint8_t unicode_skip = 1;
   };
+  /// Where the file's own tables can be added to.
+  struct Header {
+    std::uint32_t begin = 0;       ///< behind the control words at the beginning
+    std::uint32_t end = 0;         ///< behind the groups before the text
+    std::uint32_t fonts_end = 0;   ///< at the brace that ends the first \fonttbl; 0 without one
+    std::uint32_t colors_end = 0;  ///< the same of the last \colortbl
+    std::uint32_t colors = 0;      ///< how many entries that has
+  };
 
+  Header header;
   std::vector<Piece> pieces;
   std::vector<Mark> marks;  ///< by paragraph
 

@@ -1,46 +1,54 @@
 #include "documents/rtf/RtfSplicer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/Utf8.h"
 #include "documents/rtf/RtfComparison.h"
 
 namespace tme::rtf {
+namespace {
 
-RtfSplicer::RtfSplicer(std::string_view bytes, const RtfDocument& before, const RtfSource& source,
-                       const RtfDocument& after, TableSizes sizes)
-    : before_(before),
-      source_(source),
-      after_(after),
-      sizes_(sizes),
-      plain_(PlainFormat(after)),
-      alphabets_(AlphabetsOf(after.fonts)),
-      before_text_(TextStarts(before)),
-      after_text_(TextStarts(after)),
+/// Bytes behind a \u; a group that says otherwise is longer than more of them.
+constexpr std::size_t kMostSkipped = 3;
+
+}  // namespace
+
+RtfSplicer::RtfSplicer(const RtfRewriter::Sides& sides, Patch& patch)
+    : sides_(sides),
+      before_(sides.before),
+      source_(sides.source),
+      after_(sides.after),
+      plain_(PlainFormat(sides.after)),
+      alphabets_(AlphabetsOf(sides.after.fonts)),
+      before_text_(TextStarts(sides.before)),
+      after_text_(TextStarts(sides.after)),
       sink_([this](std::string_view part) {
         snippet_.append(part);
         return true;
       }),
       out_(sink_),
-      patch_(bytes) {}
+      patch_(patch) {}
 
-std::optional<std::string> RtfSplicer::Run(const std::vector<RtfHunk>& hunks) {
-  for (const RtfHunk& hunk : hunks)
-    if (!Splice(hunk)) return std::nullopt;
-  return patch_.Result();
+/// What came between two paragraphs needs one of the same cell to stand in.
+bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
+  if (hunk.before_begin < hunk.before_end) return true;
+  const auto is_near = [&](std::size_t before, std::size_t after) {
+    return before < before_.paragraphs.size() && SameCell(before, after);
+  };
+  if (is_near(hunk.before_end, hunk.after_end - 1)) {
+    ++hunk.before_end;
+    ++hunk.after_end;
+    return true;
+  }
+  if (hunk.before_begin == 0 || !is_near(hunk.before_begin - 1, hunk.after_begin)) return false;
+  --hunk.before_begin;
+  --hunk.after_begin;
+  return true;
 }
 
 bool RtfSplicer::Splice(RtfHunk hunk) {
-  // What came between two paragraphs needs one to stand in.
-  if (hunk.before_begin == hunk.before_end) {
-    if (hunk.before_end < before_.paragraphs.size()) {
-      ++hunk.before_end;
-      ++hunk.after_end;
-    } else {
-      --hunk.before_begin;
-      --hunk.after_begin;
-    }
-  }
+  if (!FindParagraph(hunk)) return false;
   std::vector<RtfItem> before = ItemsOf(before_, hunk.before_begin, hunk.before_end, before_text_[hunk.before_begin]);
   const std::uint32_t after_text = hunk.after_begin < after_text_.size() ? after_text_[hunk.after_begin] : 0;
   const std::vector<RtfItem> after = ItemsOf(after_, hunk.after_begin, hunk.after_end, after_text);
@@ -146,7 +154,7 @@ bool RtfSplicer::Wrap(std::span<const RtfItem> items, std::uint32_t format) {
 bool RtfSplicer::KeepMark(const RtfItem& before, const RtfItem& after) {
   const Paragraph& old_paragraph = before_.paragraphs[before.paragraph];
   const Paragraph& new_paragraph = after_.paragraphs[after.paragraph];
-  if (old_paragraph.cell != new_paragraph.cell) return false;
+  if (!SameCell(before.paragraph, after.paragraph)) return false;
   const bool same_format = old_paragraph.format == new_paragraph.format;
   if (same_format && before.format == after.format) return true;
   const auto [begin, end] = RangeOf(before);
@@ -161,14 +169,20 @@ bool RtfSplicer::KeepMark(const RtfItem& before, const RtfItem& after) {
 
 std::optional<RtfSplicer::Place> RtfSplicer::PlaceBehind(const RtfItem& item) const {
   if (item.kind == RtfItem::Kind::Mark || IsFixed(item)) return std::nullopt;
-  return Place{RangeOf(item).end, item.format, item.paragraph, source_.pieces[item.piece].unicode_skip};
+  return PlaceAt(RangeOf(item).end, item, source_.pieces[item.piece].unicode_skip);
 }
 
 std::optional<RtfSplicer::Place> RtfSplicer::PlaceBefore(const RtfItem& item) const {
   const bool is_mark = item.kind == RtfItem::Kind::Mark;
   if (!is_mark && IsFixed(item)) return std::nullopt;
-  return Place{RangeOf(item).begin, item.format, item.paragraph,
-               is_mark ? source_.marks[item.paragraph].unicode_skip : source_.pieces[item.piece].unicode_skip};
+  const std::uint8_t skip =
+      is_mark ? source_.marks[item.paragraph].unicode_skip : source_.pieces[item.piece].unicode_skip;
+  return PlaceAt(RangeOf(item).begin, item, skip);
+}
+
+/// Objects may stand between the end of the last cell and that of its row, where text cannot.
+RtfSplicer::Place RtfSplicer::PlaceAt(std::uint32_t at, const RtfItem& item, std::uint8_t unicode_skip) const {
+  return {std::min(at, source_.marks[item.paragraph].begin), item.format, item.paragraph, unicode_skip};
 }
 
 /// Behind what stands before, or before what comes next, where the format fits better.
@@ -209,11 +223,12 @@ bool RtfSplicer::InsertText(const Place& place, std::span<const RtfItem> text) {
   const std::uint32_t begin = text.front().text, size = text.back().text + text.back().size - begin;
   const std::string_view characters = std::string_view(after_.text).substr(begin, size);
   const std::uint32_t format = text.front().format;
-  const bool says_skip = place.unicode_skip != 1 && utf8::AsciiRun(characters) != characters.size();
+  const bool says_skip = place.unicode_skip > kMostSkipped && utf8::AsciiRun(characters) != characters.size();
   const bool is_group = format != place.format || says_skip;
   if (is_group) out_.Open(says_skip ? "\\uc1" : "");
   if (!WriteFormat(place.format, format)) return false;
   const std::uint32_t font = after_.char_formats[format].font;
+  out_.SetUnicodeSkip(says_skip ? 1 : place.unicode_skip);
   out_.Text(characters, alphabets_[font < after_.fonts.size() ? font : plain_.font]);
   if (is_group) out_.Close();
   return true;
@@ -233,7 +248,7 @@ bool RtfSplicer::InsertObject(const Place& place, const RtfItem& item) {
 bool RtfSplicer::InsertMark(const Place& place, const RtfItem& mark) {
   const Paragraph& old_paragraph = before_.paragraphs[place.paragraph];
   const Paragraph& new_paragraph = after_.paragraphs[mark.paragraph];
-  if (old_paragraph.cell != new_paragraph.cell) return false;
+  if (!SameCell(place.paragraph, mark.paragraph)) return false;
   const bool same_format = old_paragraph.format == new_paragraph.format;
   const bool is_group = !same_format || place.format != mark.format;
   if (is_group) out_.Open();
@@ -248,27 +263,23 @@ bool RtfSplicer::SameField(std::uint32_t one, std::uint32_t other) const {
   return after_.char_formats[one].field == after_.char_formats[other].field;
 }
 
-/// False when the file's own tables do not name what is new in it.
+/// Counted in the blocks that they stand in.
+bool RtfSplicer::SameCell(std::size_t before, std::size_t after) const {
+  return sides_.before_blocks.CellOf(before) == sides_.after_blocks.CellOf(after);
+}
+
+/// False for another field.
 bool RtfSplicer::WriteFormat(std::uint32_t from, std::uint32_t to) {
   if (from == to) return true;
-  const CharFormat &old_format = after_.char_formats[from], &new_format = after_.char_formats[to];
-  const auto is_known = [](std::uint32_t old_index, std::uint32_t new_index, std::size_t size) {
-    return new_index == old_index || new_index < size;
-  };
-  if (!SameField(from, to) || !is_known(old_format.font, new_format.font, sizes_.fonts) ||
-      !is_known(old_format.color, new_format.color, sizes_.colors) ||
-      !is_known(old_format.background, new_format.background, sizes_.colors))
-    return false;
-  WriteCharFormat(after_, plain_, old_format, new_format, out_);
+  if (!SameField(from, to)) return false;
+  WriteCharFormat(after_, plain_, after_.char_formats[from], after_.char_formats[to], out_);
   return true;
 }
 
 /// format: kSame where it stays.
 void RtfSplicer::WriteParagraphFormat(std::uint32_t paragraph, std::uint32_t format) {
   if (format == kSame) return;
-  std::int64_t depth = 0;
-  for (std::int32_t cell = before_.paragraphs[paragraph].cell; cell >= 0; ++depth)
-    cell = before_.tables[before_.rows[before_.cells[static_cast<std::size_t>(cell)].row].table].parent_cell;
+  const auto depth = static_cast<std::int64_t>(sides_.before_blocks.DepthOf(paragraph));
   out_.Words("\\pard");
   if (depth > 0) out_.Words("\\intbl");
   if (depth > 1) out_.Word("\\itap", depth);

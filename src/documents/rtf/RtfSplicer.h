@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "documents/rtf/RtfDocument.h"
@@ -15,6 +14,7 @@
 #include "documents/rtf/RtfItems.h"
 #include "documents/rtf/RtfOutput.h"
 #include "documents/rtf/RtfPatch.h"
+#include "documents/rtf/RtfRewriter.h"
 #include "documents/rtf/RtfSource.h"
 
 namespace tme::rtf {
@@ -22,18 +22,11 @@ namespace tme::rtf {
 /// Puts the edits of a document into the bytes of its file. Internal to RtfOriginal.
 class RtfSplicer {
  public:
-  /// How many entries the file's own tables have.
-  struct TableSizes {
-    std::size_t fonts = 0;
-    std::size_t colors = 0;
-  };
+  /// sides, patch: outlive this.
+  RtfSplicer(const RtfRewriter::Sides& sides, Patch& patch);
 
-  /// before: text and structure alone; what they name is in the tables of after. All outlive this.
-  RtfSplicer(std::string_view bytes, const RtfDocument& before, const RtfSource& source, const RtfDocument& after,
-             TableSizes sizes);
-
-  /// Once. Null when some edit has no place.
-  std::optional<std::string> Run(const std::vector<RtfHunk>& hunks);
+  /// False when it has no place; something of it may stand in the patch then.
+  bool Splice(RtfHunk hunk);
 
  private:
   static constexpr std::uint32_t kSame = RtfItem::kNoPiece;
@@ -50,7 +43,7 @@ class RtfSplicer {
     std::uint8_t unicode_skip = 1;
   };
 
-  bool Splice(RtfHunk hunk);
+  bool FindParagraph(RtfHunk& hunk) const;
   bool FindPieces(std::vector<RtfItem>& items, std::size_t first_paragraph) const;
   bool EndsBefore(std::size_t piece, const RtfItem& item) const;
   Range RangeOf(const RtfItem& item) const;
@@ -63,6 +56,7 @@ class RtfSplicer {
 
   std::optional<Place> PlaceBehind(const RtfItem& item) const;
   std::optional<Place> PlaceBefore(const RtfItem& item) const;
+  Place PlaceAt(std::uint32_t at, const RtfItem& item, std::uint8_t unicode_skip) const;
   std::optional<Place> PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
                                 std::span<const RtfItem> added) const;
   bool Insert(const Place& place, std::span<const RtfItem> added);
@@ -71,14 +65,15 @@ class RtfSplicer {
   bool InsertMark(const Place& place, const RtfItem& mark);
 
   bool SameField(std::uint32_t one, std::uint32_t other) const;
+  bool SameCell(std::size_t before, std::size_t after) const;
   bool WriteFormat(std::uint32_t from, std::uint32_t to);
   void WriteParagraphFormat(std::uint32_t paragraph, std::uint32_t format);
   std::string TakeSnippet();
 
+  const RtfRewriter::Sides& sides_;
   const RtfDocument& before_;
   const RtfSource& source_;
   const RtfDocument& after_;
-  const TableSizes sizes_;
   const CharFormat plain_;
   const std::vector<Alphabet> alphabets_;
   const std::vector<std::uint32_t> before_text_;
@@ -86,7 +81,7 @@ class RtfSplicer {
   std::string snippet_;
   const PartSink sink_;
   RtfOutput out_;
-  Patch patch_;
+  Patch& patch_;
 };
 
 }  // namespace tme::rtf

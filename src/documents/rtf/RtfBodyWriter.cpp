@@ -1,0 +1,257 @@
+#include "documents/rtf/RtfBodyWriter.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace tme::rtf {
+
+namespace {
+
+constexpr std::string_view kParagraphEnd = "\\par";
+constexpr std::string_view kPngSignature = "\x89PNG";
+
+}  // namespace
+
+RtfBodyWriter::RtfBodyWriter(const RtfDocument& document, RtfOutput& out)
+    : document_(document),
+      out_(out),
+      walk_(document, *this),
+      plain_(PlainFormat(document)),
+      alphabets_(AlphabetsOf(document.fonts)),
+      format_(plain_),
+      controls_(document.paragraph_formats.size()) {}
+
+void RtfBodyWriter::WriteAll() {
+  const std::size_t count = document_.paragraphs.size();
+  for (std::size_t i = 0; i < count && !out_.Stopped(); ++i)
+    Paragraph(i, i + 1 < count ? &document_.paragraphs[i + 1] : nullptr);
+  CloseFields(0);
+}
+
+void RtfBodyWriter::WritePart(const RtfPart& part) {
+  text_at_ = part.text;
+  skip_ = part.skip;
+  format_ = plain_;
+  format_number_ = kNoFormat;
+  place_ = {};
+  out_.Words("\\plain");
+  for (std::size_t i = part.begin; i < part.end; ++i) {
+    const bool ends_part = i + 1 == part.end;
+    if (part.depth > 0 || (ends_part && document_.paragraphs[i].cell < 0))
+      ParagraphOfPart(i, part);
+    else
+      Paragraph(i, ends_part ? nullptr : &document_.paragraphs[i + 1]);
+  }
+  CloseFields(0);
+}
+
+/// What stands before the paragraph in a list, as many as there may be before it.
+std::string RtfBodyWriter::NextItem(std::size_t index) {
+  std::string item;
+  for (; numbered_ <= index; ++numbered_) {
+    const std::uint32_t format = document_.paragraphs[numbered_].format;
+    item = numbering_.Next(format < document_.paragraph_formats.size() ? document_.paragraph_formats[format]
+                                                                       : default_paragraph_);
+  }
+  return item;
+}
+
+void RtfBodyWriter::BeginParagraph(std::size_t index, std::size_t depth) {
+  const rtf::Paragraph& paragraph = document_.paragraphs[index];
+  const bool has_format = paragraph.format < document_.paragraph_formats.size();
+  wanted_ = {has_format ? paragraph.format : kNoFormat - 1, depth};
+  WriteParagraphFormat(wanted_, NextItem(index));
+  in_paragraph_ = true;
+  Text(paragraph.first_run, document_.EndOfRuns(index));
+  SetFormat(paragraph.mark_format);
+  in_paragraph_ = false;
+}
+
+void RtfBodyWriter::Paragraph(std::size_t index, const rtf::Paragraph* next) {
+  walk_.Enter(document_.paragraphs[index]);
+  BeginParagraph(index, walk_.Depth());
+  if (!walk_.Leave(next)) EndParagraph();
+}
+
+void RtfBodyWriter::EndParagraph() {
+  out_.Words(kParagraphEnd);
+  LeaveSuperscript();
+  out_.LineEnd();
+}
+
+/// One that ends no cell that the part begins.
+void RtfBodyWriter::ParagraphOfPart(std::size_t index, const RtfPart& part) {
+  BeginParagraph(index, part.depth);
+  if (index + 1 < part.end || part.mark == kParagraphEnd) return EndParagraph();
+  CloseFields(0);
+  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
+  out_.Words(part.mark);
+  LeaveSuperscript();
+}
+
+/// `item`: what stands before an item of a list; empty for others.
+void RtfBodyWriter::WriteParagraphFormat(const Place& place, std::string_view item) {
+  const bool is_new = place_ != place;
+  const bool known = place.format < controls_.size();
+  const bool in_file_list = known && document_.paragraph_formats[place.format].list_id != 0;
+  if (is_new) {
+    out_.Words("\\pard");
+    if (place.depth > 0) out_.Words("\\intbl");
+    if (place.depth > 1) out_.Word("\\itap", static_cast<std::int64_t>(place.depth));
+  }
+  if (!item.empty()) {
+    out_.Open(in_file_list ? "\\listtext" : "\\pntext");
+    out_.Text(item);
+    out_.Text("\t");
+    out_.Close();
+  }
+  place_ = place;
+  if (!is_new || !known) return;
+  std::string& controls = controls_[place.format];
+  if (controls.empty()) controls = ParagraphControls(document_, document_.paragraph_formats[place.format]);
+  out_.Words(controls);
+}
+
+void RtfBodyWriter::Text(std::size_t from, std::size_t to) {
+  for (std::size_t i = from; i < to; ++i) {
+    const Run& run = document_.runs[i];
+    SetFormat(run.format);
+    if (const rtf::Object* object = EntryOf(document_.objects, run.object)) {
+      Object(*object);
+      continue;
+    }
+    const std::uint32_t font = format_.font < document_.fonts.size() ? format_.font : plain_.font;
+    const std::uint32_t skip = std::exchange(skip_, 0);
+    out_.Text(std::string_view(document_.text).substr(text_at_ + skip, run.bytes - skip), alphabets_[font]);
+    text_at_ += run.bytes;
+  }
+}
+
+void RtfBodyWriter::Object(const rtf::Object& object) {
+  if (!object.rtf.empty()) return out_.Kept(object.rtf);
+  if (object.picture.empty()) return;
+  out_.Open(object.picture.starts_with(kPngSignature) ? "\\pict\\pngblip" : "\\pict\\jpegblip");
+  if (object.width > 0) out_.Word("\\picwgoal", object.width);
+  if (object.height > 0) out_.Word("\\pichgoal", object.height);
+  out_.Hex(object.picture);
+  out_.Close();
+}
+
+void RtfBodyWriter::SetFormat(std::uint32_t format) {
+  if (format == format_number_) return;
+  LeaveSuperscript();
+  const CharFormat& wanted = CharFormatOf(format);
+  EnterField(wanted.field);
+  if (wanted.script == Script::Super) {
+    format_around_superscript_ = format_;
+    in_superscript_ = true;
+    out_.Open();
+  }
+  WriteCharFormat(document_, plain_, format_, wanted, out_);
+  format_ = wanted;
+  format_number_ = format;
+}
+
+/// Superscript has a group of its own: a word processor may take it for a footnote's mark, and holds back what follows
+/// until the group ends.
+void RtfBodyWriter::LeaveSuperscript() {
+  if (!in_superscript_) return;
+  in_superscript_ = false;
+  out_.Close();
+  format_ = format_around_superscript_;
+  format_number_ = kNoFormat;
+}
+
+void RtfBodyWriter::EnterField(std::uint32_t number) {
+  if (number == (fields_.empty() ? 0 : fields_.back().number)) return;
+  fields_wanted_.clear();
+  while (const Field* field = EntryOf(document_.fields, number)) {
+    fields_wanted_.push_back(number);
+    // A field comes before those in it; anything else would go round in a circle.
+    number = field->parent < number ? field->parent : 0;
+  }
+  std::reverse(fields_wanted_.begin(), fields_wanted_.end());
+  std::size_t common = 0;
+  while (common < fields_.size() && common < fields_wanted_.size() && fields_[common].number == fields_wanted_[common])
+    ++common;
+  CloseFields(common);
+  for (std::size_t i = common; i < fields_wanted_.size(); ++i) OpenField(fields_wanted_[i]);
+}
+
+void RtfBodyWriter::OpenField(std::uint32_t number) {
+  const Field& field = document_.fields[number - 1];
+  fields_.push_back({number, format_, place_});
+  out_.Open("\\field");
+  if (!field.instruction.empty()) {
+    out_.Kept(field.instruction);
+  } else {
+    std::string instruction = "HYPERLINK \"";
+    for (const char each : field.url) {
+      if (each == '\\') instruction.push_back('\\');
+      each == '"' ? instruction.append("%22") : instruction.append(1, each);
+    }
+    out_.Open("\\*\\fldinst");
+    out_.Text(instruction.append("\""));
+    out_.Close();
+  }
+  out_.Open("\\fldrslt");
+}
+
+/// The groups' ends bring back what stood before them.
+void RtfBodyWriter::CloseFields(std::size_t stay_open) {
+  LeaveSuperscript();
+  if (fields_.size() <= stay_open) return;
+  format_ = fields_[stay_open].format_outside;
+  format_number_ = kNoFormat;
+  place_ = fields_[stay_open].place_outside;
+  for (; fields_.size() > stay_open; fields_.pop_back()) {
+    out_.Close();
+    out_.Close();
+  }
+  if (in_paragraph_ && place_ != wanted_) WriteParagraphFormat(wanted_, {});
+}
+
+void RtfBodyWriter::RowDefinition(std::uint32_t row) {
+  const bool is_new = document_.rows[row].definition.empty();
+  out_.Words((is_new ? RowControls : CompletedDefinition)(document_, walk_.CellsOf(row)));
+}
+
+void RtfBodyWriter::BeginRow(std::uint32_t row, std::size_t depth) {
+  CloseFields(0);
+  place_ = {};  // readers forget the format of the paragraph, and whether it is in a table, with each row
+  has_nested_row_ = depth > 0;
+  if (has_nested_row_) return;
+  RowDefinition(row);
+  out_.LineEnd();
+}
+
+void RtfBodyWriter::EndCell(std::size_t depth) {
+  CloseFields(0);
+  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
+  out_.Words(depth == 0 ? "\\cell" : "\\nestcell");
+  out_.LineEnd();
+}
+
+void RtfBodyWriter::EmptyCell(std::size_t depth) {
+  WriteParagraphFormat({kNoFormat - 1, depth + 1}, {});
+  out_.Words(depth == 0 ? "\\cell" : "\\nestcell");
+}
+
+void RtfBodyWriter::EndRow(std::uint32_t row, std::size_t depth) {
+  if (depth == 0) {
+    // Readers that keep one definition at a time have lost it to the inner table.
+    if (has_nested_row_) RowDefinition(row);
+    out_.Words("\\row");
+  } else {
+    out_.Open("\\*\\nesttableprops");
+    RowDefinition(row);
+    out_.Words("\\nestrow");
+    out_.Close();
+    out_.Open("\\nonesttables\\par");
+    out_.Close();
+  }
+  out_.LineEnd();
+}
+
+}  // namespace tme::rtf
