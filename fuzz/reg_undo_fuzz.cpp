@@ -153,8 +153,16 @@ class Commands {
       document_.SetValueData(*value, Name());
     else if (value && which == 13)
       document_.RenameValue(*value, Name());
-    else if (value)
+    else if (value && which == 14)
       document_.DeleteValue(*value);
+    else
+      Move(node);
+  }
+
+  void Move(RegNode* node) {
+    where_ = what_;
+    RegNode* parent = Node();
+    if (node != document_.Root() && !IsAtOrBelow(parent, node)) document_.MoveKeys({{node}}, parent);
   }
 
   void EditWhole(unsigned which) {

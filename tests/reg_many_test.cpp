@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "RegProbe.h"
+#include "documents/reg/RegValueConflict.h"
 #include "documents/reg/RegWholeReader.h"
 
 namespace tme {
@@ -71,6 +72,39 @@ TEST(RegMany, KeysThatGoTogetherLeaveWhatTheyLeaveOneByOne) {
     EXPECT_EQ(LinesAndKeys(together), before);
     EXPECT_EQ(together.Selected(), gone[gone.size() / 2]);
   }
+}
+
+TEST(RegMany, ByTheRulesMovedKeysTakeEachValueAlongOnce) {
+  RegDocument document, other;
+  ReadReg(document, "REGEDIT4|[$/a/k]|'v'='1'|'d'='0'|[$/a/k/s]|'w'='2'|[$/b]|'x'='3'|[$/c/k]|'y'='4'||");
+  document.DeleteValue(1);
+  RegMirror mirror(document);
+  const std::string before = Dump(document);
+  const std::vector<RegNode*> moved =
+      document.MoveKeys({{NodeAt(document, "$/a/k"), NodeAt(document, "$/c")}}, NodeAt(document, "$/b"));
+  mirror.Check();
+  EXPECT_EQ(document.Selected(), moved.front());
+  EXPECT_EQ(Dump(document), "{HKEY_USERS{a b(x:S=3){k(v:S=1 :-=!){s(w:S=2)} c{k(y:S=4)}}}}");
+  std::string written = Written(document, RegLayout::Regular);
+  std::erase(written, '\r');
+  const std::string k = "'v'='1'|''=|'y'='4'||";
+  EXPECT_EQ(written, Reg("REGEDIT4||[$/b]|'x'='3'||[$/b/k]|" + k + "[$/b/k/s]|'w'='2'||[$/b/c/k]|" + k));
+  // What cannot come without being mixed with values of keys of its name.
+  ReadReg(other, "REGEDIT4|[%/k]|'y'='9'|[%/m]|'n'='1'||");
+  RegNode* const k_there[] = {NodeAt(other, "%/k")};
+  RegNode* const m_there[] = {NodeAt(other, "%/m")};
+  EXPECT_EQ(ValueInTheWay(document, other, k_there), "y");
+  EXPECT_EQ(ValueInTheWay(document, other, m_there), std::nullopt);
+  EXPECT_EQ(ValueInTheWay(document, *moved.front(), other, std::array<std::size_t, 1>{0}), "y");
+  EXPECT_EQ(ValueInTheWay(document, *NodeAt(document, "$/b"), document, std::array<std::size_t, 2>{0, 1}),
+            std::nullopt);
+  document.CopyKeys(other, m_there, NodeAt(document, "$/a"));
+  document.CopyValues(document, std::array<std::size_t, 2>{0, 1}, NodeAt(document, "$/b"));
+  mirror.Check();
+  EXPECT_EQ(Dump(document), "{HKEY_USERS{a{m(n:S=1)} b(x:S=3 v:S=1){k(v:S=1 :-=!){s(w:S=2)} c{k(y:S=4)}}}}");
+  while (document.CanUndo() && document.EditPosition() > 1) document.Undo();
+  mirror.Check();
+  EXPECT_EQ(Dump(document), before);
 }
 
 }  // namespace

@@ -263,10 +263,13 @@ class RandomEdits {
   void EditByRules() {
     RegNode* node = AnyNode();
     const std::optional<std::size_t> value = AnyValue();
-    switch (Next(7)) {
+    switch (Next(9)) {
       case 0:
         document_.AddBranch(node, Next(9) == 0 ? "a\\b" : Name());
         return;
+      case 6:
+      case 7:
+        return MoveOrCopy(node, AnyNode(), value);
       case 1:
         document_.AddValueRecord(node, RegType::String, Name(), Name());
         return;
@@ -285,6 +288,13 @@ class RandomEdits {
       default:
         if (node->Parent() != document_.Root()) document_.RemoveKey(node);
     }
+  }
+
+  void MoveOrCopy(RegNode* node, RegNode* parent, std::optional<std::size_t> value) {
+    if (value && Next(3) == 0)
+      document_.CopyValues(document_, std::array{*value}, parent);
+    else if (node != document_.Root() && !IsAtOrBelow(parent, node))
+      document_.MoveKeys(std::array{node}, parent);
   }
 
   void EditWhole() {

@@ -197,15 +197,17 @@ class IniTree : public EditLog<IniChanges> {
   /// Adds a child with the tag Value or Comments to a section, or a comment to the root.
   IniNode* AddLine(IniNode* parent, std::string_view text, IniTag tag);
   void AddLineToAllSections(std::string_view text, IniTag tag);
-  /// Adds many lines to a section, which is expanded, entries and comments by what they begin with.
-  void AddLines(IniNode* section, std::span<const std::string_view> texts);
+  /// Adds many lines to a section, which is expanded, entries and comments by what they begin with. Returns their
+  /// nodes.
+  std::vector<IniNode*> AddLines(IniNode* section, std::span<const std::string_view> texts);
 
   // In whole holding alone.
 
   /// Adds the lines of a text, all as they are but with the line ends of their neighbours: those before its first
   /// section to the end of the selected section (the root: before the first section), its sections behind the selected
-  /// one (the root: at the end). Returns and selects the first node that came; null when there was none.
-  IniNode* Paste(std::string_view text);
+  /// one (the root: at the end). Returns the nodes that came, those of lines before those of sections, and selects the
+  /// first of them.
+  std::vector<IniNode*> Paste(std::string_view text);
   /// Puts the lines of a text, exactly these bytes, in the place of those from one piece to another, or at the start of
   /// the file for kEnds. The tree is then as if the file were read again: lines that are the same, and as many others
   /// of the same sorts, keep their nodes, and what follows may come below another section.

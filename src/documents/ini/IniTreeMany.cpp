@@ -94,18 +94,20 @@ IniTree::Piece IniTree::RemoveSectionRun(Piece first) {
   return next;
 }
 
-void IniTree::AddLines(IniNode* section, std::span<const std::string_view> texts) {
+std::vector<IniNode*> IniTree::AddLines(IniNode* section, std::span<const std::string_view> texts) {
   const Step step(*this, EditName::AddEntry);
   observer_->BeforeReset();
+  std::vector<IniNode*> added;
   for (const std::string_view text : texts) {
     const IniTag tag = KindOf(text) == IniLine::Comment ? IniTag::Comments : IniTag::Value;
-    Append(section, ByRules(texts_.Copy(text), tag));
+    added.push_back(Append(section, ByRules(texts_.Copy(text), tag)));
   }
   IniSorter sorter;
   SortChildren(section, sorter);
   section->expanded_ = true;
   NoteRevision();
   EndReset();
+  return added;
 }
 
 }  // namespace tme

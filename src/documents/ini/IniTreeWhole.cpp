@@ -190,7 +190,7 @@ void IniTree::RemoveWithComments(IniNode* node) {
   Remove(node);
 }
 
-IniNode* IniTree::Paste(std::string_view text) {
+std::vector<IniNode*> IniTree::Paste(std::string_view text) {
   const Step step(*this, EditName::Paste);
   const bool on_line = selected_->tag_ == IniTag::Value || selected_->tag_ == IniTag::Comments;
   IniNode* parent = on_line ? selected_->parent_ : selected_;
@@ -207,7 +207,7 @@ IniNode* IniTree::Paste(std::string_view text) {
   NoteRevision();
   if (!pasted.empty()) MoveSelection(pasted.front());
   EndReset();
-  return pasted.empty() ? nullptr : pasted.front();
+  return pasted;
 }
 
 /// Adds sections behind a piece, which ends the parent, or at the end of the file.

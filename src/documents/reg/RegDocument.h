@@ -136,6 +136,15 @@ class RegDocument : public EditLog<RegChanges> {
   std::size_t AddValueRecord(RegNode* node, RegType type, std::string_view name, std::string_view data);
   void SetValueData(std::size_t record, std::string_view data);
   void SetText(RegNode* node, std::string_view text);
+  /// Puts keys with all below them, and the records of these, below another key, behind its children. Each record goes
+  /// on being there once. nodes: none below another one, the parent neither one of them nor below one. Returns and
+  /// selects the new nodes, or the first of them. Linear in what moves and its siblings.
+  std::vector<RegNode*> MoveKeys(std::span<RegNode* const> nodes, RegNode* parent);
+  /// The same with copies of those of another document; deleted records stay behind. No check of names
+  /// (ValueInTheWay).
+  std::vector<RegNode*> CopyKeys(const RegDocument& from, std::span<RegNode* const> nodes, RegNode* parent);
+  /// Copies records, maybe of another document, to the end of the table. Deleted ones stay behind. As CopyKeys.
+  void CopyValues(const RegDocument& from, std::span<const std::size_t> records, RegNode* key);
 
   // Edits of both ways.
   /// The record stays, marked. In whole holding its lines go but for comments between them, and a key of a REGEDIT file
@@ -276,6 +285,9 @@ class RegDocument : public EditLog<RegChanges> {
   std::size_t CommentRow(const RegNode& parent, SourceLines::Piece piece) const;
 
   RegNode* Add(RegNode* parent, std::string_view text, RegTag tag);
+  template <typename Owned>
+  RegNode* AppendLike(const RegNode& top, RegNode* parent, Owned owned);
+  void HandOverRecords(RegNode* from, RegNode* to);
   template <typename Visit>
   void ForEachRecordOf(const RegNode* node, Visit visit) const {
     for (std::uint32_t at = node->first_run_; at != RegNode::kNoRun; at = runs_[at].next)

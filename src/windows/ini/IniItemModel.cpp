@@ -19,6 +19,7 @@ Qt::ItemFlags IniItemModel::flags(const QModelIndex& index) const {
   if (!node) return Qt::NoItemFlags;
   Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
   if (tree_.Holding() == Holding::Whole && node->Tag() != IniTag::OpenedFile) flags |= Qt::ItemIsEditable;
+  if (node->Tag() != IniTag::OpenedFile) flags |= Qt::ItemIsDragEnabled;
   // A view that expands all remembers every node that might have children, and goes through them with each edit.
   return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? flags | Qt::ItemNeverHasChildren : flags;
 }

@@ -64,6 +64,7 @@ void form_INI::BuildControls(QWidget& client) {
   model_ = std::make_unique<IniItemModel>(tree_);
   QWidget* area = MakeTreeArea(client);
   BuildTreeView(*area);
+  BuildDragging();
   BuildButtons(*area);
   area->installEventFilter(this);
 }

@@ -12,7 +12,10 @@ class QTreeView;
 
 namespace tme {
 
+class DocumentTreeView;
+class IniDraggedRows;
 class IniItemModel;
+struct DropAnswer;
 struct IniReadResult;
 
 /// The window of an INI document: its tree in `TV` above five buttons. Everything that changes the document is a call
@@ -85,6 +88,12 @@ class form_INI : public TreeDocumentWindow {
  private:
   void BuildTreeView(QWidget& client);
   void BuildButtons(QWidget& client);
+  void BuildDragging();
+  /// target: a section or the root.
+  DropAnswer AnswerTo(const IniDraggedRows& rows, Qt::DropAction action, const IniNode& target) const;
+  void TakeRows(const IniDraggedRows& rows, Qt::DropAction action, IniNode* target);
+  /// Puts the lines of dragged rows into this document. False when not all of them could be taken.
+  bool TakeLines(const std::string& lines, IniNode* target, std::vector<IniNode*>& came);
   /// Places the tree and the buttons; they share the client area (see the .cpp).
   void Form_Resize();
   void TV_NodeClick();
@@ -102,8 +111,9 @@ class form_INI : public TreeDocumentWindow {
   std::string LinesOfMany(const std::vector<IniNode*>& nodes) const;
   void RemoveMany(const std::vector<IniNode*>& nodes, IniComments comments);
   void DeleteManyWhenConfirmed(const std::vector<IniNode*>& nodes);
-  /// By the rules adds all lines of several rows below the selected section, and their sections.
-  void PutManyLines(const std::string& lines);
+  /// By the rules adds all lines of several rows below the selected section, and their sections. Returns the nodes of
+  /// the lines, and how the sections were read.
+  std::vector<IniNode*> PutManyLines(const std::string& lines, IniReadResult& result);
   QString RefusedText() const;
   void SayRefused();
   /// A row's text as it is edited in the row, and what becomes of it.
@@ -119,7 +129,7 @@ class form_INI : public TreeDocumentWindow {
   bool was_8bit_ = false;
   bool wrote_ascii_ = false;  ///< what Producer gave last
   std::unique_ptr<IniItemModel> model_;
-  QTreeView* TV = nullptr;
+  DocumentTreeView* TV = nullptr;
   /// Of the view before the model was reset.
   int scrolled_ = 0;
   QTextEdit* RTFPrintBox = nullptr;

@@ -287,9 +287,13 @@ void form_INI::EditPaste() {
     SetChanged(true);
     return;
   }
-  if (HasManyLines()) return PutManyLines(CopiedLines());
+  IniReadResult result;
+  if (HasManyLines()) {
+    PutManyLines(CopiedLines(), result);
+    return;
+  }
   const IniTree::Step step(tree_, EditName::Paste);
-  IniReadResult result = Read(text.toStdString());
+  result = Read(text.toStdString());
   // Whoever refused a section knows.
   if (result.end == IniReadEnd::DuplicateRefused) result.ended_at_line = 0;
   AddNotice(NoticeOf(result, tr("The pasted text")));

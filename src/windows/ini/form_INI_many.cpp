@@ -1,6 +1,5 @@
 // Commands of form_INI on several selected nodes.
 #include <QLocale>
-#include <QTreeView>
 
 #include "base/LineReader.h"
 #include "documents/ini/IniReader.h"
@@ -11,6 +10,7 @@
 #include "system/Dialogs.h"
 #include "windows/ini/IniItemModel.h"
 #include "windows/ini/form_INI.h"
+#include "windows/tree/DocumentTreeView.h"
 #include "windows/tree/TreeSelection.h"
 
 using namespace Qt::StringLiterals;
@@ -53,7 +53,7 @@ void form_INI::DeleteManyWhenConfirmed(const std::vector<IniNode*>& nodes) {
   RemoveMany(nodes, IniComments::Stay);
 }
 
-void form_INI::PutManyLines(const std::string& lines) {
+std::vector<IniNode*> form_INI::PutManyLines(const std::string& lines, IniReadResult& result) {
   const IniTree::Step step(tree_, EditName::Paste);
   IniNode* section = tree_.Selected();
   if (section->Tag() == IniTag::Value || section->Tag() == IniTag::Comments) section = section->Parent();
@@ -66,10 +66,12 @@ void form_INI::PutManyLines(const std::string& lines) {
     if (KindOf(line) == IniLine::Comment || (KindOf(line) == IniLine::Entry && section != tree_.Root()))
       own.push_back(line);
   }
-  if (!own.empty()) tree_.AddLines(section, own);
+  std::vector<IniNode*> added;
+  if (!own.empty()) added = tree_.AddLines(section, own);
   tree_.Select(section);
   ShowSelection();
-  if (own_bytes < lines.size()) Read(lines.substr(own_bytes));
+  if (own_bytes < lines.size()) result = Read(lines.substr(own_bytes));
+  return added;
 }
 
 }  // namespace tme

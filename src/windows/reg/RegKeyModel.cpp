@@ -18,6 +18,7 @@ Qt::ItemFlags RegKeyModel::flags(const QModelIndex& index) const {
   const RegNode* node = NodeOf(index);
   if (!node) return Qt::NoItemFlags;
   Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+  if (node->Tag() != RegTag::File) flags |= Qt::ItemIsDragEnabled;
   if (node->Tag() == RegTag::Comment) flags |= Qt::ItemNeverHasChildren;
   if (tree_.HeldAs() == Holding::Whole && node->Tag() != RegTag::File) flags |= Qt::ItemIsEditable;
   return flags;

@@ -146,7 +146,7 @@ int RegValueModel::rowCount(const QModelIndex& parent) const {
 int RegValueModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : ColumnCount; }
 
 Qt::ItemFlags RegValueModel::flags(const QModelIndex& index) const {
-  Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  const Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled;
   // A REGEDIT file has default values alone.
   const bool has_names = document_.HeldAs() == Holding::Whole && document_.Version() != RegVersion::Regedit;
   return has_names && index.column() == Name ? flags | Qt::ItemIsEditable : flags;

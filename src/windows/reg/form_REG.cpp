@@ -61,6 +61,7 @@ void form_REG::BuildControls(QWidget& client) {
   BuildKeyTree(splitter);
   BuildValueList(splitter);
   BuildRowEditors();
+  BuildDragging();
   splitter->setStretchFactor(0, 2);
   splitter->setStretchFactor(1, 3);
   column->addWidget(splitter, 1);
@@ -127,7 +128,7 @@ void form_REG::BuildKeyTree(QWidget* parent) {
 }
 
 void form_REG::BuildValueList(QWidget* parent) {
-  LV = new QTreeView(parent);
+  LV = new RowDragView(parent);
   LV->setObjectName(u"LV"_s);
   LV->setAccessibleName(tr("Values of the selected key"));
   LV->setRootIsDecorated(false);

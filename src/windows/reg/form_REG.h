@@ -14,11 +14,14 @@ class QAbstractItemView;
 class QLabel;
 class QProgressBar;
 class QTextEdit;
-class QTreeView;
 
 namespace tme {
 
 class DocumentTreeView;
+class RegDraggedRows;
+class RowDragView;
+struct DropAnswer;
+struct RowDragging;
 class RegKeyModel;
 struct RegLosses;
 class RegValueModel;
@@ -121,6 +124,18 @@ class form_REG : public TreeDocumentWindow {
   void BuildValueList(QWidget* parent);
   void PopUpMenu(const QAbstractItemView& view, const QPoint& position);
   void BuildRowEditors();
+
+  // Dragging (form_REG_drag.cpp).
+  void BuildDragging();
+  RowDragging DraggingIn(Focus focus);
+  /// The key that takes what is dropped at a row of a view.
+  RegNode* KeyAt(Focus focus, const QModelIndex& at) const;
+  DropAnswer AnswerTo(const RegDraggedRows& rows, Qt::DropAction action, const RegNode& key) const;
+  DropAnswer AnswerByRules(const RegDraggedRows& rows, Qt::DropAction action, const RegNode& key) const;
+  void TakeRows(const RegDraggedRows& rows, Qt::DropAction action, RegNode* key);
+  /// False when not all of them could be taken. came: the keys that came.
+  bool TakeLines(const std::string& lines, const RegTarget& what, RegNode* key, std::vector<RegNode*>& came);
+  void ShowDropped(RegNode* key, const std::vector<RegNode*>& came, std::size_t first_record);
   /// Before and after a reset of the tree: what was expanded stays so.
   void RememberView();
   void RestoreView();
@@ -145,18 +160,25 @@ class form_REG : public TreeDocumentWindow {
   ReadEnd ReadWhole(std::string text);
   void UpdateWholeCommands();
   RegTarget Target();
+  RegTarget TargetIn(Focus focus);
+  /// Their lines; none by the rules.
+  std::string LinesOf(const RegTarget& target) const;
+  /// Puts lines into a key and says what became of them. Returns what Paste does.
+  RegPasteResult PasteLines(RegNode* key, const std::string& lines);
   /// Takes it out of the document, as one step, and follows that.
   void RemoveTarget(const RegTarget& target, EditName name);
   int SelectedRowCount() const;
   /// What follows from an edit of whole holding.
   void FollowEdit(const RegTarget& target);
   /// Or the last one.
-  void GoToRow(int row);
+  void GoToRow(int row) const;
   void GoToPlace(RegNode* node, std::uint32_t record);
+  /// Those that the list shows.
+  void SelectRecords(const std::vector<std::size_t>& records) const;
   void NewWholeKey();
   void NewWholeValue(std::uint32_t type);
   void RenameInRow();
-  /// By the rules.
+  /// As they are left to the rules, or from a whole file.
   void DeleteMany(const RegTarget& target);
   /// Runs an edit and what follows from it.
   void RunWhole(bool (RegWholeCommands::*command)(const RegTarget&));
@@ -201,7 +223,7 @@ class form_REG : public TreeDocumentWindow {
   QElapsedTimer since_progress_;
 
   DocumentTreeView* TV = nullptr;
-  QTreeView* LV = nullptr;
+  RowDragView* LV = nullptr;
   QString location_;  ///< what lbl_location shows
   QLabel* lbl_location = nullptr;
   QProgressBar* PB = nullptr;

@@ -2,6 +2,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <algorithm>
+#include <vector>
 
 #include "documents/reg/RegAddLine.h"
 #include "documents/reg/RegKeyWalk.h"
@@ -181,6 +182,22 @@ void form_REG::CollapseAll() {
   TV->collapseAll();
   TV->expand(keys_->IndexOf(document_.Root()));
   TV->scrollTo(TV->currentIndex());
+}
+
+void form_REG::SelectRecords(const std::vector<std::size_t>& records) const {
+  std::vector<int> rows;
+  for (const std::size_t record : records)
+    if (const int row = values_->RowOf(record); row >= 0) rows.push_back(row);
+  if (rows.empty()) return;
+  std::ranges::sort(rows);
+  QItemSelection selection;
+  for (std::size_t first = 0, next = 0; first < rows.size(); first = next) {
+    for (next = first + 1; next < rows.size() && rows[next] == rows[next - 1] + 1;) ++next;
+    selection.append(QItemSelectionRange(values_->index(rows[first], 0),
+                                         values_->index(rows[next - 1], RegValueModel::ColumnCount - 1)));
+  }
+  GoToRow(rows.front());
+  if (rows.size() > 1) LV->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 void form_REG::SelectFirstKeyWithValues() {

@@ -93,9 +93,11 @@ int form_REG::SelectedRowCount() const {
   return count;
 }
 
-RegTarget form_REG::Target() {
+RegTarget form_REG::Target() { return TargetIn(FocusMarker); }
+
+RegTarget form_REG::TargetIn(Focus focus) {
   RegTarget target;
-  target.is_in_list = FocusMarker == Focus::LV;
+  target.is_in_list = focus == Focus::LV;
   if (!target.is_in_list) {
     target.nodes = SelectedTops<RegKeyModel>(*TV->selectionModel());
     // Commands on one node are on the document's selected one.
@@ -130,7 +132,7 @@ void form_REG::FollowEdit(const RegTarget& target) {
   SetChanged(true);
 }
 
-void form_REG::GoToRow(int row) {
+void form_REG::GoToRow(int row) const {
   // Ctrl may be held for the shortcut of a command.
   LV->selectionModel()->setCurrentIndex(values_->index(std::min(row, values_->rowCount() - 1), 0),
                                         QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -166,9 +168,14 @@ void form_REG::EditWriteDeletion() {
 void form_REG::EditCopy() {
   const RegTarget target = Target();
   if (!IsWhole() || (target.is_in_list && target.records.empty())) return;
-  if (target.is_in_list) return CopyLines(ClipboardText(document_, std::span<const std::size_t>(target.records)));
-  CopyLines(target.nodes.size() > 1 ? ClipboardText(document_, std::span<RegNode* const>(target.nodes))
-                                    : ClipboardText(document_, *document_.Selected()));
+  CopyLines(target.is_in_list || target.nodes.size() > 1 ? LinesOf(target)
+                                                         : ClipboardText(document_, *document_.Selected()));
+}
+
+std::string form_REG::LinesOf(const RegTarget& target) const {
+  if (!IsWhole()) return {};
+  if (target.is_in_list) return ClipboardText(document_, std::span<const std::size_t>(target.records));
+  return ClipboardText(document_, std::span<RegNode* const>(target.nodes));
 }
 
 void form_REG::EditCut() {
@@ -187,15 +194,21 @@ void form_REG::EditPaste() {
   const int row_count = values_->rowCount();
   const std::size_t record_count = document_.Values().size();
   const Focus focus = FocusMarker;
+  const RegPasteResult result = PasteLines(node, text);
+  if (document_.Revision() == revision) {
+    if (!text.empty() && result.left_out == 0) AddNotice(tr("The clipboard holds no keys and no values."));
+    return;
+  }
+  TV->expand(keys_->IndexOf(node));
+  FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
+  if (values_->rowCount() > row_count) GoToRow(std::max(values_->RowOf(record_count), 0));
+}
+
+RegPasteResult form_REG::PasteLines(RegNode* key, const std::string& lines) {
   RegPasteResult result;
   {
     const WaitCursor wait_cursor;
-    const std::string lines = WithFreeNames(document_, node, text);
-    result = document_.Paste(node, lines, CodingOf(document_));
-  }
-  if (document_.Revision() == revision && result.left_out == 0) {
-    if (!text.empty()) AddNotice(tr("The clipboard holds no keys and no values."));
-    return;
+    result = document_.Paste(key, WithFreeNames(document_, key, lines), CodingOf(document_));
   }
   if (result.not_understood > 0)
     AddNotice(Counted(result.not_understood, tr("1 line that came in is not understood and stays as it is."),
@@ -205,14 +218,11 @@ void form_REG::EditPaste() {
                       tr("%1 comments came in. View, Show Comments shows them.")));
   if (result.left_out > 0)
     AddNotice(
-        node->Tag() == RegTag::File
+        key->Tag() == RegTag::File
             ? tr("Values of the clipboard that belong to no key were not taken: select the key that is to have them.")
             : Counted(result.left_out, tr("1 value was not taken, since this kind of file cannot say it."),
                       tr("%1 values were not taken, since this kind of file cannot say them.")));
-  if (document_.Revision() == revision) return;
-  TV->expand(keys_->IndexOf(node));
-  FollowEdit({.records = {}, .is_in_list = focus == Focus::LV});
-  if (values_->rowCount() > row_count) GoToRow(std::max(values_->RowOf(record_count), 0));
+  return result;
 }
 
 void form_REG::ShowComments() {

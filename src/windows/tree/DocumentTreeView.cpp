@@ -43,7 +43,7 @@ bool IsBelow(QModelIndex index, const QModelIndex& top) {
 
 }  // namespace
 
-DocumentTreeView::DocumentTreeView(QWidget* parent) : QTreeView(parent) {
+DocumentTreeView::DocumentTreeView(QWidget* parent) : RowDragView(parent) {
   setObjectName(QStringLiteral("TV"));
   setHeaderHidden(true);
   setUniformRowHeights(true);
@@ -85,7 +85,7 @@ void DocumentTreeView::keyPressEvent(QKeyEvent* event) {
     default:
       break;
   }
-  if (event->key() != Qt::Key_Asterisk) return QTreeView::keyPressEvent(event);
+  if (event->key() != Qt::Key_Asterisk) return RowDragView::keyPressEvent(event);
   ExpandBelow(currentIndex());
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QTreeView>
+#include "windows/tree/RowDragView.h"
 
 namespace tme {
 
 /// A tree view as the document windows use it: one column, no header, several rows selected, edited in place where the
 /// window asks for it, and no work per node that is out of sight. The column is as wide as the view, and as what is or
 /// was in sight.
-class DocumentTreeView : public QTreeView {
+class DocumentTreeView : public RowDragView {
   Q_OBJECT
 
  public:

@@ -47,6 +47,28 @@ auto SelectedTops(const QItemSelectionModel& selection) {
   return nodes;
 }
 
+/// The rows of nodes, those of one parent that follow one another as one range. nodes: in the order of the tree, all of
+/// them in it.
+template <class Node, class Model>
+QItemSelection RowsOf(const std::vector<Node*>& nodes, const Model& model) {
+  QItemSelection rows;
+  for (std::size_t first = 0, next = 0; first < nodes.size(); first = next) {
+    for (next = first + 1; next < nodes.size() && nodes[next]->Parent() == nodes[first]->Parent() &&
+                           nodes[next]->Row() == nodes[next - 1]->Row() + 1;)
+      ++next;
+    rows.append(QItemSelectionRange(model.IndexOf(nodes[first]), model.IndexOf(nodes[next - 1])));
+  }
+  return rows;
+}
+
+/// Selects the rows of nodes, the first of which becomes the current one. nodes: in any order, at least one.
+template <class Node, class Model>
+void SelectNodes(QItemSelectionModel& selection, std::vector<Node*> nodes, const Model& model) {
+  std::sort(nodes.begin(), nodes.end(), [](const Node* one, const Node* other) { return IsBeforeInTree(one, other); });
+  selection.setCurrentIndex(model.IndexOf(nodes.front()), QItemSelectionModel::ClearAndSelect);
+  selection.select(RowsOf(nodes, model), QItemSelectionModel::ClearAndSelect);
+}
+
 /// Puts the rows of nodes on the clipboard as they show, each with a tab for a level below the highest of them.
 template <class Node, class Model>
 void CopyRowTexts(const std::vector<Node*>& nodes, const Model& model) {
