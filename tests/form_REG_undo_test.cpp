@@ -142,3 +142,39 @@ TEST_F(RegWindowUndo, ViewsByTheRulesFollow) {
        [this] { SelectValue(0), ExpectDeletion(u"this value?"_s, MsgAnswer::Yes), Reg().EditDelete(); }},
   });
 }
+
+TEST_F(RegWindowUndo, SelectedRowsAndExpandedKeysComeBack) {
+  const QStringList alpha{u"HKEY_CURRENT_USER"_s, u"Alpha"_s};
+  const auto selected = [this] {
+    QStringList rows;
+    for (const QModelIndex& row : View(u"LV"_s)->selectionModel()->selectedRows()) rows += row.data().toString();
+    return rows.join(u' ');
+  };
+  for (const bool whole : {false, true}) {
+    OpenHeld(whole);
+    SelectKey(alpha);
+    const QString branch =
+        u"this branch, all branches under it, and all values associated with this branch and all branches under it?"_s;
+    ExpectDeletion(branch, MsgAnswer::Yes);
+    TV().collapse(TV().currentIndex().model()->index(0, 0, TV().currentIndex()));
+    Reg().EditDelete();
+    Reg().EditUndo();
+    EXPECT_TRUE(TV().isExpanded(TV().currentIndex()));
+    EXPECT_FALSE(TV().isExpanded(TV().model()->index(0, 0, TV().currentIndex()))) << "as it was left";
+    for (const auto& [first, last, names] : {std::tuple{0, 0, u"s"}, std::tuple{1, 2, u"t u"}}) {
+      SelectRows(first, last);
+      ExpectDeletion(first == last ? u"this value?"_s : u"these 2 values?"_s, MsgAnswer::Yes);
+      Reg().EditDelete();
+      Reg().EditUndo();
+      EXPECT_EQ(selected(), QStringView(names));
+    }
+    QTest::keyClick(&TV(), Qt::Key_Shift);
+    if (!whole) dialogs_.ExpectInputBox(u"Rename this Key"_s, u"Branch Rename"_s, u"Alpha"_s, u"Omega"_s);
+    Reg().EditRename();
+    if (whole) TypeInRow(Reg(), u"Omega"_s);
+    EXPECT_EQ(TV().currentIndex().data().toString(), u"Omega");
+    Reg().EditUndo();
+    EXPECT_EQ(selected(), u"t u") << "of the key whose name comes back";
+    Reg().FileClose();
+  }
+}

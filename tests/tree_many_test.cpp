@@ -50,17 +50,21 @@ TEST_F(ManyRows, OfAnIniDocumentAreCutCopiedAndDeletedTogether) {
   ExpectQuestion(u"Are you sure you want to delete these 3 items?"_s);
   window.EditDelete();
   EXPECT_EQ(window.Content(), "; of k\n\n[b]\n");
-  auto& tree = const_cast<IniTree&>(window.Tree());
-  tree.Undo();
+  window.EditUndo();
   EXPECT_EQ(window.Content(), bytes);
+  auto* view = window.findChild<QTreeView*>(u"TV"_s);
+  QStringList selected;
+  for (const QModelIndex& row : view->selectionModel()->selectedRows()) selected += row.data().toString();
+  selected.sort();
+  EXPECT_EQ(selected, (QStringList{u"a"_s, u"k=1"_s, u"x=1"_s, u"z=3"_s})) << "as they were";
   SelectAll(window, {{u"a"_s, u"y=2"_s}, {u"k=1"_s}});
   window.EditCut();
   EXPECT_EQ(window.Content(), "\n[a]\nx=1\n\n[b]\nz=3\n");
-  EXPECT_EQ(tree.UndoName(), EditName::Cut);
+  EXPECT_EQ(window.Document().UndoName(), EditName::Cut);
   Select(window, {u"b"_s});
   window.EditPaste();
   EXPECT_EQ(window.Content(), "\n[a]\nx=1\n\n[b]\nz=3\n; of k\nk=1\ny=2\n");
-  QTest::keySequence(window.findChild<QTreeView*>(u"TV"_s), QKeySequence::SelectAll);
+  QTest::keySequence(view, QKeySequence::SelectAll);
   window.EditCut();
   EXPECT_EQ(window.Content(), "") << "the root stands for all";
 }

@@ -74,6 +74,7 @@ class form_INI : public TreeDocumentWindow {
   void BuildControls(QWidget& client) override;
   std::unique_ptr<SourceDocument> MakeSourceDocument() override;
   void UpdateCommands() override;
+  std::function<void()> SelectionAgain() const override;
   void AddState(DocumentState& state) const override;
   DocumentFigures Figures() const override;
   SaveDialogTexts SaveTexts() const override;

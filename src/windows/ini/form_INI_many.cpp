@@ -26,6 +26,15 @@ std::vector<IniNode*> form_INI::SelectedForCommand() {
   return nodes;
 }
 
+std::function<void()> form_INI::SelectionAgain() const {
+  const auto ranges = SelectedRanges<IniItemModel>(*TV->selectionModel());
+  if (ranges.empty() || (ranges.size() == 1 && ranges.front().first == ranges.front().second)) return {};
+  return [this, ranges, arrangement = tree_.Arrangement()] {
+    if (tree_.Arrangement() == arrangement)
+      SelectRanges(*TV->selectionModel(), ranges, *model_, [](const IniNode*) { return true; });
+  };
+}
+
 std::string form_INI::LinesOfMany(const std::vector<IniNode*>& nodes) const {
   const WaitCursor wait_cursor;
   if (IsWhole()) return tree_.SourceOf(nodes);

@@ -107,6 +107,13 @@ void form_REG::BuildKeyTree(QWidget* parent) {
   connect(keys_.get(), &RegKeyModel::ValuesResetInTable, this, &form_REG::FollowValues);
   connect(keys_.get(), &QAbstractItemModel::modelAboutToBeReset, this, &form_REG::RememberView);
   connect(keys_.get(), &QAbstractItemModel::modelReset, this, &form_REG::RestoreView);
+  const auto node_at = [this](const QModelIndex& above, int row) {
+    return RegKeyModel::NodeOf(keys_->index(row, 0, above));
+  };
+  connect(keys_.get(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+          [this, node_at](const QModelIndex& above, int row) { RememberExpanded(node_at(above, row)); });
+  connect(keys_.get(), &QAbstractItemModel::rowsInserted, this,
+          [this, node_at](const QModelIndex& above, int row) { RestoreExpanded(node_at(above, row)); });
   connect(keys_.get(), &TreeItemModelBase::SelectionMovedByTree, this, &form_REG::ShowSelection);
   connect(TV->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
     if (keys_->IsChanging() || !current.isValid()) return;
@@ -266,14 +273,25 @@ void form_REG::WriteColumnWidth(int column, int pixels) {
                               QString::number(PixelsToTwips(pixels, logicalDpiX())));
 }
 
-void form_REG::RememberView() {
-  expanded_.clear();
-  std::vector<RegNode*> open{document_.Root()};
+void form_REG::RememberExpanded(const RegNode* top) {
+  std::vector<const RegNode*> open{top};
   while (!open.empty()) {
     const RegNode* node = open.back();
     open.pop_back();
     if (!TV->isExpanded(keys_->IndexOf(node))) continue;
-    expanded_.push_back(node);
+    expanded_.insert(node);
+    for (int row = 0; row < node->ChildCount(); ++row)
+      if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
+  }
+}
+
+void form_REG::RestoreExpanded(const RegNode* top) {
+  std::vector<const RegNode*> open{top};
+  while (!open.empty()) {
+    const RegNode* node = open.back();
+    open.pop_back();
+    if (expanded_.erase(node) == 0) continue;
+    TV->expand(keys_->IndexOf(node));
     for (int row = 0; row < node->ChildCount(); ++row)
       if (node->Child(row)->ChildCount() > 0) open.push_back(node->Child(row));
   }
@@ -292,9 +310,11 @@ void form_REG::RestoreView() {
   TV->setExpanded(keys_->IndexOf(document_.Root()), true);
   // Where the root alone is left, the others are gone for good.
   if (document_.NodeCount() == 1) expanded_.clear();
-  for (const RegNode* node : expanded_)
-    if (document_.IsInTree(node)) TV->setExpanded(keys_->IndexOf(node), true);
-  expanded_.clear();
+  std::erase_if(expanded_, [this](const RegNode* node) {
+    if (!document_.IsInTree(node)) return false;
+    TV->setExpanded(keys_->IndexOf(node), true);
+    return true;
+  });
   ShowSelection();
   TV->scrollTo(TV->currentIndex());
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <functional>
 #include <memory>
+#include <unordered_set>
 #include <vector>
 
 #include "documents/reg/RegDocument.h"
@@ -104,6 +106,7 @@ class form_REG : public TreeDocumentWindow {
   void BuildControls(QWidget& client) override;
   std::unique_ptr<SourceDocument> MakeSourceDocument() override;
   void UpdateCommands() override;
+  std::function<void()> SelectionAgain() const override;
   void AddState(DocumentState& state) const override;
   DocumentFigures Figures() const override;
   PartProducer Characters() override;
@@ -136,9 +139,12 @@ class form_REG : public TreeDocumentWindow {
   /// False when not all of them could be taken. came: the keys that came.
   bool TakeLines(const std::string& lines, const RegTarget& what, RegNode* key, std::vector<RegNode*>& came);
   void ShowDropped(RegNode* key, const std::vector<RegNode*>& came, std::size_t first_record);
-  /// Before and after a reset of the tree: what was expanded stays so.
-  void RememberView();
+  /// Before and after a reset of the tree: what was expanded stays so, and what comes back to the tree is as it went.
+  void RememberView() { RememberExpanded(document_.Root()); }
   void RestoreView();
+  /// Of the node and below it.
+  void RememberExpanded(const RegNode* top);
+  void RestoreExpanded(const RegNode* top);
   /// Many values changed.
   void FollowValues();
   /// Selects the first key that has values, unless another row is selected.
@@ -178,7 +184,7 @@ class form_REG : public TreeDocumentWindow {
   void NewWholeKey();
   void NewWholeValue(std::uint32_t type);
   void RenameInRow();
-  /// As they are left to the rules, or from a whole file.
+  /// Takes it out of the document, as one step, and out of the list.
   void DeleteMany(const RegTarget& target);
   /// Runs an edit and what follows from it.
   void RunWhole(bool (RegWholeCommands::*command)(const RegTarget&));
@@ -219,7 +225,8 @@ class form_REG : public TreeDocumentWindow {
   bool large_output_is_allowed_ = false;
   bool is_placing_columns_ = false;
   Focus FocusMarker = Focus::TV;
-  std::vector<const RegNode*> expanded_;
+  /// Of the nodes that are out of the tree, or while it is reset of all.
+  std::unordered_set<const RegNode*> expanded_;
   QElapsedTimer since_progress_;
 
   DocumentTreeView* TV = nullptr;

@@ -2,6 +2,8 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <algorithm>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "documents/reg/RegAddLine.h"
@@ -182,6 +184,35 @@ void form_REG::CollapseAll() {
   TV->collapseAll();
   TV->expand(keys_->IndexOf(document_.Root()));
   TV->scrollTo(TV->currentIndex());
+}
+
+std::function<void()> form_REG::SelectionAgain() const {
+  auto ranges = SelectedRanges<RegKeyModel>(*TV->selectionModel());
+  std::vector<std::size_t> records;
+  for (const QItemSelectionRange& range : LV->selectionModel()->selection())
+    for (int row = range.top(); row <= range.bottom(); ++row)
+      records.push_back(values_->RecordOf(values_->index(row, 0)));
+  std::ranges::sort(records);
+  // Those of a key mostly follow one another.
+  struct Run {
+    std::size_t first;
+    std::size_t end;
+  };
+  std::vector<Run> runs;
+  for (const std::size_t record : records) {
+    if (runs.empty() || runs.back().end != record) runs.push_back({record, record});
+    ++runs.back().end;
+  }
+  return [this, ranges = std::move(ranges), runs = std::move(runs), key = document_.Selected()] {
+    SelectRanges(*TV->selectionModel(), ranges, *keys_,
+                 [this](const RegNode* node) { return document_.IsInTree(node); });
+    if (document_.Selected() != key) return;
+    LV->clearSelection();
+    std::vector<std::size_t> selected;
+    for (const auto& [first, end] : runs)
+      for (std::size_t record = first; record < end; ++record) selected.push_back(record);
+    SelectRecords(selected);
+  };
 }
 
 void form_REG::SelectRecords(const std::vector<std::size_t>& records) const {

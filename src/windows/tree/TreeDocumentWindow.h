@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -90,6 +91,9 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   QSplitter& Panes();
 
   void UpdateCommands() override;
+  /// What selects the rows of the views again that are selected now, once the document is the same again; empty where
+  /// the document knows them. Takes memory in proportion to them.
+  virtual std::function<void()> SelectionAgain() const { return {}; }
   /// To be called once, when the view of the tree is built.
   void FollowSteps(QAbstractItemView& view);
   void AddFormatStep(std::function<void()> undo, std::function<void()> redo) override;
@@ -211,6 +215,7 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
     /// What the file held then.
     std::uint64_t file_revision = 0;
     int scrolled = 0;
+    std::function<void()> select_again = {};
   };
   std::vector<Position> positions_;
   QAbstractItemView* stepped_view_ = nullptr;

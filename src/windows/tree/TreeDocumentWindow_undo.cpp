@@ -82,7 +82,8 @@ void TreeDocumentWindow::EditRedo() {
 void TreeDocumentWindow::NotePosition() {
   const std::size_t at = Document().EditPosition();
   if (positions_.size() <= at) positions_.resize(at + 1);
-  positions_[at] = {file_.IsChanged(), file_.FileRevision(), stepped_view_->verticalScrollBar()->value()};
+  positions_[at] = {file_.IsChanged(), file_.FileRevision(), stepped_view_->verticalScrollBar()->value(),
+                    SelectionAgain()};
 }
 
 void TreeDocumentWindow::ShowPosition() {
@@ -90,6 +91,7 @@ void TreeDocumentWindow::ShowPosition() {
   if (at >= positions_.size()) return SetChanged(IsModified());
   const Position& position = positions_[at];
   SetChanged(position.file_revision == file_.FileRevision() ? position.is_changed : IsModified());
+  if (position.select_again) position.select_again();
   // Once the rows are laid out, and what is selected stays in sight all the same.
   stepped_view_->scrollTo(stepped_view_->currentIndex());
   stepped_view_->verticalScrollBar()->setValue(position.scrolled);

@@ -5,6 +5,7 @@
 #include <QItemSelectionModel>
 #include <algorithm>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "documents/search/TreeOrder.h"
@@ -59,6 +60,30 @@ QItemSelection RowsOf(const std::vector<Node*>& nodes, const Model& model) {
     rows.append(QItemSelectionRange(model.IndexOf(nodes[first]), model.IndexOf(nodes[next - 1])));
   }
   return rows;
+}
+
+/// Selected rows that follow one another below one node: the first and the last.
+template <class Node>
+using NodeRange = std::pair<Node*, Node*>;
+
+/// Model: see TreeItemModel.
+template <class Model>
+auto SelectedRanges(const QItemSelectionModel& selection) {
+  std::vector<NodeRange<std::remove_pointer_t<decltype(Model::NodeOf({}))>>> ranges;
+  for (const QItemSelectionRange& range : selection.selection())
+    ranges.emplace_back(Model::NodeOf(range.topLeft()), Model::NodeOf(range.bottomRight()));
+  return ranges;
+}
+
+/// Selects them again; the current row stays. ranges: as they were, or not in the tree.
+template <class Node, class Model, class IsInTree>
+void SelectRanges(QItemSelectionModel& selection, const std::vector<NodeRange<Node>>& ranges, const Model& model,
+                  IsInTree is_in_tree) {
+  QItemSelection rows;
+  for (const auto& [first, last] : ranges)
+    if (is_in_tree(first) && is_in_tree(last) && first->Parent() == last->Parent() && first->Row() <= last->Row())
+      rows.append(QItemSelectionRange(model.IndexOf(first), model.IndexOf(last)));
+  if (!rows.isEmpty()) selection.select(rows, QItemSelectionModel::ClearAndSelect);
 }
 
 /// Selects the rows of nodes, the first of which becomes the current one. nodes: in any order, at least one.
