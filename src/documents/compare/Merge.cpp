@@ -1,12 +1,12 @@
 #include "documents/compare/Merge.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "base/LineReader.h"
 #include "documents/SourceLines.h"
 #include "documents/compare/MergeLines.h"
 #include "documents/compare/MergeOutput.h"
+#include "documents/compare/MergePlaces.h"
 #include "documents/compare/MergeUnits.h"
 #include "documents/compare/OutlineDiff.h"
 
@@ -51,11 +51,11 @@ class Merging {
         out_(ours, theirs) {}
 
   MergeResult Run() && {
-    PlaceGroups();
-    auto added = added_groups_.begin();
+    const std::vector<MergeAddition> added_groups = AddedGroups();
+    auto added = added_groups.begin();
     for (UnitIndex group = 0; group < ours_.Groups().size(); ++group) {
       TakeGroup(group);
-      for (; added != added_groups_.end() && added->place <= group + 1; ++added) PutTheirGroup(added->number);
+      for (; added != added_groups.end() && added->place <= group + 1; ++added) PutTheirGroup(added->number);
     }
     out_.Put(ours_.Tail());
     MergeResult result{std::move(out_).Take(ours_.File().Text()), std::move(conflicts_)};
@@ -64,12 +64,6 @@ class Merging {
   }
 
  private:
-  /// Something of theirs that comes before one of ours.
-  struct Addition {
-    UnitIndex place;
-    UnitIndex number;
-  };
-
   // Groups.
 
   /// Whether a group has what the base has not: an entry that was added or changed.
@@ -85,19 +79,14 @@ class Merging {
 
   bool HaveTheyChangedGroup(UnitIndex theirs) const { return IsGroupChanged(base_, theirs_, base_of_theirs_, theirs); }
 
-  void PlaceGroups() {
-    UnitIndex place = 1;
-    for (UnitIndex theirs = 0; theirs < theirs_.Groups().size(); ++theirs) {
-      if (our_groups_[theirs] != kNoUnit) {
-        place = our_groups_[theirs] + 1;
-        continue;
-      }
-      if (base_of_their_groups_[theirs] != kNoUnit && !HaveTheyChangedGroup(theirs)) continue;
-      while (place < ours_.Groups().size() && base_of_our_groups_[place] == kNoUnit && their_groups_[place] == kNoUnit)
-        ++place;
-      added_groups_.push_back({place, theirs});
-    }
-    std::ranges::stable_sort(added_groups_, {}, &Addition::place);
+  std::vector<MergeAddition> AddedGroups() const {
+    return PlacesOfGroups(
+        {ours_, theirs_, our_groups_,
+         [this](UnitIndex ours) { return base_of_our_groups_[ours] == kNoUnit && their_groups_[ours] == kNoUnit; },
+         [this](UnitIndex theirs) {
+           if (our_groups_[theirs] != kNoUnit) return false;
+           return base_of_their_groups_[theirs] == kNoUnit || HaveTheyChangedGroup(theirs);
+         }});
   }
 
   void PutTheirGroup(UnitIndex theirs) {
@@ -139,7 +128,7 @@ class Merging {
   }
 
   void MergeGroup(UnitIndex group) {
-    const std::vector<Addition> added = PlaceUnits(group);
+    const std::vector<MergeAddition> added = AddedUnits(group);
     const MergeUnits::Range range = ours_.Groups()[group];
     auto next = added.begin();
     const auto put_before = [&](UnitIndex unit) {
@@ -158,32 +147,21 @@ class Merging {
 
   // Units.
 
-  static bool IsFileHeader(const MergeUnits& units, UnitIndex unit) {
-    return units.File().Items()[units.All()[unit].main].sort == Outline::Sort::FileHeader;
-  }
-
   /// What they added to a group, and what we deleted and they changed.
-  std::vector<Addition> PlaceUnits(UnitIndex group) const {
-    const MergeUnits::Range ours = ours_.Groups()[group], theirs = theirs_.Groups()[their_groups_[group]];
-    std::vector<Addition> added;
-    UnitIndex place = ours.begin + (group == 0 ? 0 : 1);
-    for (UnitIndex unit = theirs.begin + (group == 0 ? 0 : 1); unit < theirs.end; ++unit) {
-      if (ours_of_theirs_[unit] != kNoUnit) {
-        place = ours_of_theirs_[unit] + 1;
-        continue;
-      }
-      const UnitIndex base = base_of_theirs_[unit];
-      if (IsFileHeader(theirs_, unit) || (base != kNoUnit && theirs_.SameContent(unit, base_, base))) continue;
-      while (place < ours.end && base_of_ours_[place] == kNoUnit && theirs_of_ours_[place] == kNoUnit) ++place;
-      added.push_back({place, unit});
-    }
-    std::ranges::stable_sort(added, {}, &Addition::place);
-    return added;
+  std::vector<MergeAddition> AddedUnits(UnitIndex group) const {
+    return PlacesOfUnits(
+        {ours_, theirs_, ours_of_theirs_,
+         [this](UnitIndex ours) { return base_of_ours_[ours] == kNoUnit && theirs_of_ours_[ours] == kNoUnit; },
+         [this](UnitIndex theirs) {
+           const UnitIndex base = base_of_theirs_[theirs];
+           return theirs != their_file_header_ && (base == kNoUnit || !theirs_.SameContent(theirs, base_, base));
+         }},
+        group, their_groups_[group]);
   }
 
   void TakeUnit(UnitIndex unit) {
     const UnitIndex base = base_of_ours_[unit], theirs = theirs_of_ours_[unit];
-    const bool have_they_deleted = theirs == kNoUnit && base != kNoUnit && !IsFileHeader(ours_, unit);
+    const bool have_they_deleted = theirs == kNoUnit && base != kNoUnit && unit != file_header_;
     if (have_they_deleted && ours_.SameContent(unit, base_, base)) {
       stands_behind_gap_ = true;
       return;
@@ -272,7 +250,9 @@ class Merging {
   const std::vector<UnitIndex> base_of_their_groups_;
   const std::vector<UnitIndex> our_groups_;
   const std::vector<UnitIndex> their_groups_;
-  std::vector<Addition> added_groups_;
+  /// The lines that say the versions.
+  const UnitIndex file_header_ = ours_.FileHeader();
+  const UnitIndex their_file_header_ = theirs_.FileHeader();
   /// What stands before the next unit of ours: something of theirs was put, or something of ours left out.
   bool stands_behind_theirs_ = false;
   bool stands_behind_gap_ = false;

@@ -1,5 +1,7 @@
 #include "documents/compare/MergeUnits.h"
 
+#include <algorithm>
+
 #include "base/LineReader.h"
 #include "documents/SourceLines.h"
 
@@ -58,12 +60,6 @@ std::vector<MergeUnits::Index> MergeUnits::FindGroups(const MergeUnits& theirs) 
 std::vector<MergeUnits::Index> MergeUnits::Find(const MergeUnits& theirs) const {
   const std::vector<Index> groups = FindGroups(theirs);
   std::vector<Index> found(theirs.units_.size(), kNone);
-  // The first line that says the version is one of a sort.
-  const auto file_header = [](const MergeUnits& units) {
-    for (Index at = 0; at < units.units_.size() && units.units_[at].group == 0; ++at)
-      if (units.outline_.Items()[units.units_[at].main].sort == Outline::Sort::FileHeader) return at;
-    return kNone;
-  };
   const auto find_item = [&](const Unit& unit, Index group) {
     const Index item = outline_.FindItem(group, theirs.outline_, theirs.outline_.Items()[unit.main]);
     return item == kNone ? kNone : unit_of_item_[item];
@@ -83,8 +79,21 @@ std::vector<MergeUnits::Index> MergeUnits::Find(const MergeUnits& theirs) const 
     for (std::size_t number = 0; number < std::min(blocks.size(), same->second.size()); ++number)
       found[blocks[number]] = same->second[number];
   }
-  if (const Index theirs_first = file_header(theirs); theirs_first != kNone) found[theirs_first] = file_header(*this);
+  if (theirs.FileHeader() != kNone) found[theirs.FileHeader()] = FileHeader();
   return found;
+}
+
+MergeUnits::Index MergeUnits::FileHeader() const {
+  for (Index at = groups_[0].begin; at < groups_[0].end; ++at)
+    if (outline_.Items()[units_[at].main].sort == Outline::Sort::FileHeader) return at;
+  return kNone;
+}
+
+MergeUnits::Index MergeUnits::Previous(Index unit) const {
+  Outline::Item item = outline_.Items()[units_[unit].main];
+  if (units_[unit].sort != Sort::Item || item.number == 0) return kNone;
+  --item.number;
+  return unit_of_item_[outline_.FindItem(units_[unit].group, outline_, item)];
 }
 
 bool MergeUnits::SameContent(Index unit, const MergeUnits& other, Index theirs) const {

@@ -48,6 +48,10 @@ class MergeUnits {
 
   /// For each unit of another file the same one here; kNone.
   std::vector<Index> Find(const MergeUnits& theirs) const;
+  /// The line that says a registry file's version; kNone.
+  Index FileHeader() const;
+  /// The entry of the same name before an entry in its group; kNone.
+  Index Previous(Index unit) const;
   /// For each group.
   std::vector<Index> FindGroups(const MergeUnits& theirs) const;
   /// Whether two that are the same have the same content, whatever stands above them.
