@@ -1,12 +1,14 @@
 # Completion of tmec in fish: commands, options and their values are those that the program's own help names.
 
-# What is offered for a name that the help gives: the alternatives of "ini|reg", files for all that can be one.
+# What is offered for a name that the help gives: the words of "ini|reg" or "json", files for what can be one.
 function __tmec_offer --argument-names name current before
     switch $name
-        case '*|*'
-            printf '%s\n' $before(string split '|' -- $name)
         case SECTION KEY 'VALUE*' ''
         case '*'
+            if string match --quiet --regex '^[a-z0-9]' -- $name
+                printf '%s\n' $before(string split '|' -- $name)
+                return
+            end
             __fish_complete_path $current | string replace --regex -- '^' "$before"
     end
 end
