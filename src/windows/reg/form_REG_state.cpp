@@ -12,8 +12,6 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr std::string_view kDefaultOfRules = "[default]";
-
 /// The node that comes behind one in the order of the tree; null behind the last.
 const RegNode* NextInTree(const RegNode* node) {
   if (node->ChildCount() > 0) return node->Child(0);
@@ -24,8 +22,7 @@ const RegNode* NextInTree(const RegNode* node) {
 
 /// By the rules a name is kept as it stands in the file.
 std::string NameInFile(const RegValueRecord& value, Holding holding) {
-  if (holding == Holding::Whole) return QuotedRegName(value.name);
-  return value.name == kDefaultOfRules ? QuotedRegName({}) : std::string("\"").append(value.name).append("\"");
+  return holding == Holding::Whole ? QuotedRegName(value.name) : std::string("\"").append(value.name).append("\"");
 }
 
 }  // namespace
