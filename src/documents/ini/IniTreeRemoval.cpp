@@ -162,9 +162,15 @@ void IniTree::MarkWalkingBack(std::string_view key) {
 
 /// The selection's, in whole holding.
 void IniTree::RemoveEntriesWithKey(std::string_view key) {
+  const auto has_key = [&](const IniNode& node) {
+    const std::string_view text = node.Text();
+    // Most are written alike, and need not be taken apart.
+    if (text.starts_with(key) && text.substr(key.size()).starts_with('=')) return true;
+    return MayBegin(text, key) && CompareFolded(KeyOf(node), key) == 0;
+  };
   std::vector<IniNode*> entries;
   ForEachNode(*root_, [&](IniNode* node) {
-    if (node->tag_ != IniTag::Value || !MayBegin(node->Text(), key) || CompareFolded(KeyOf(*node), key) != 0) return;
+    if (node->tag_ != IniTag::Value || !has_key(*node)) return;
     node->removed_ = true;
     entries.push_back(node);
   });
