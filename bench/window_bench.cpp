@@ -11,6 +11,7 @@
 
 #include "BenchEditor.h"
 #include "IniInput.h"
+#include "RtfInput.h"
 #include "documents/ini/IniReader.h"
 #include "files/FileBytes.h"
 #include "files/TextEncoding.h"
@@ -169,7 +170,7 @@ void BM_SnapshotShare(benchmark::State& state, DocumentKind kind) {
 BENCHMARK_CAPTURE(BM_SnapshotShare, text, DocumentKind::Txt)->Unit(benchmark::kSecond)->Iterations(1);
 BENCHMARK_CAPTURE(BM_SnapshotShare, ini, DocumentKind::Ini)->Unit(benchmark::kSecond)->Iterations(1);
 
-/// Rich text of shapes that no letter has. Opening is to take less than a second but for the last two, which show
+/// Rich text of shapes that no letter has. Opening is to take less than a second but for the last three, which show
 /// progress; a key less than 50 ms.
 struct OddShape {
   const char* name;
@@ -198,6 +199,7 @@ constexpr OddShape kOddShapes[] = {
     {"objects", [] { return Repeated(50'000, "{\\object\\objemb{\\*\\objclass X}{\\result x}} ") + "\\par"; }},
     {"paragraph", [] { return Repeated(1'000'000, "the letter of a win ") + "\\par"; }},
     {"letter", [] { return Repeated(60'000, Repeated(20, "the letter of ") + "{\\b the window}\\par\n"); }},
+    {"mixed", [] { return MakeRtfInput(20'000'000); }},
 };
 
 form_RTF& OddDocument(Editor& editor, const OddShape& shape) {

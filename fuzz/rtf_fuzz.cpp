@@ -7,6 +7,7 @@
 
 #include "Fuzz.h"
 #include "base/Utf8.h"
+#include "documents/rtf/RtfContents.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfWriter.h"
 #include "files/CodePage.h"
@@ -84,7 +85,17 @@ std::string Write(const RtfDocument& document) {
   return bytes;
 }
 
+void CheckContents(std::string_view input) {
+  const rtf::Contents contents = rtf::ListContents(input, Decode);
+  Promise(contents.is_complete && contents.parts.size() <= rtf::kPartKinds * rtf::kMaxParts, "the list has its bound");
+  for (const rtf::Part& part : contents.parts) {
+    Promise(utf8::IsValid(part.name) && utf8::IsValid(part.declared_class), "names are made of whole characters");
+    for (const std::string& target : part.targets) Promise(utf8::IsValid(target), "and targets");
+  }
+}
+
 void Run(std::string_view input) {
+  CheckContents(input);
   const RtfDocument document = Read(input);
   const RtfDocument again = Read(Write(document));
   Promise(!again.losses.not_rtf && !again.losses.ended_early, "what is written is whole");

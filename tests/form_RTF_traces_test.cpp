@@ -101,4 +101,5 @@ TEST(RtfNumbering, ListsShowTheirStartAndForm) {
   EXPECT_EQ(listed(level + "0{\\leveltext\\'00;}}", "\\ls1 a\\par"), "|");
   EXPECT_EQ(labels("{\\pn\\pnlvlbody\\pnlcltr\\pnstart2{\\pntxtb (}{\\pntxta )}}a\\par b\\par"), "(b)|(c)|");
   EXPECT_EQ(labels("{\\pn\\pnlvlblt{\\pntxtb\\'b7}}a\\par"), "\u2022|");
+  EXPECT_EQ(labels("{\\pn\\pnlvlblt{\\pntxtb\\'95}}a\\par{\\pn\\pnlvlblt{\\pntxtb\\u9642*}}b\\par"), "\u2022|\u25AA|");
 }

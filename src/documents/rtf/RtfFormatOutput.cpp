@@ -1,9 +1,13 @@
 #include "documents/rtf/RtfFormatOutput.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
+#include "base/Utf8.h"
 #include "documents/rtf/RtfCharset.h"
+#include "documents/rtf/RtfTokenizer.h"
 
 namespace tme::rtf {
 
@@ -46,13 +50,36 @@ void AddUnless(std::string& text, std::string_view control, std::int64_t number,
   if (number != usual) Add(text, control, number);
 }
 
+/// What stands around the number of a list, as control words and ASCII.
+std::string ListAffix(std::string_view word, std::string_view utf8_text) {
+  std::string text = "{" + std::string(word);
+  if (!utf8_text.empty() && IsLetter(utf8_text.front())) text += ' ';
+  while (const std::optional<char32_t> character = utf8::TakeCharacter(utf8_text)) {
+    const bool is_plain =
+        *character >= ' ' && *character < 0x7F && *character != '\\' && *character != '{' && *character != '}';
+    if (is_plain)
+      text += static_cast<char>(*character);
+    else
+      text.append("\\u").append(std::to_string(static_cast<std::int16_t>(*character))).append("*");
+  }
+  return text + "}";
+}
+
 /// A list as rich-edit controls write it.
 void AddPlainList(std::string& text, const RtfDocument& document, const ParagraphFormat& format) {
   AddUnless(text, "\\ilvl", format.list_level, 0);
   text.append("{\\*\\pn").append(Pick(kListKinds, format.list)).append("\\pnindent0");
   if (format.list != ListKind::Bullet) {
     Add(text, "\\pnstart", format.list_start);
-    text.append("{\\pntxta.}}");
+    const std::string_view form = format.list_text;
+    const std::size_t number = std::min(form.find(static_cast<char>(format.list_level)), form.size());
+    if (number > 0) text.append(ListAffix("\\pntxtb", form.substr(0, number)));
+    text.append(form.empty() ? "{\\pntxta.}" : ListAffix("\\pntxta", form.substr(std::min(number + 1, form.size()))))
+        .append("}");
+    return;
+  }
+  if (!format.list_text.empty()) {
+    text.append(ListAffix("\\pntxtb", format.list_text)).append("}");
     return;
   }
   const bool has_bullet = document.ansi_code_page >= 1250 && document.ansi_code_page <= 1258;

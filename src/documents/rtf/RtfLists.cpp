@@ -27,7 +27,7 @@ void ReadLevelWord(const Token& word, ListStyle& style) {
 }
 
 /// Of the Symbol font, whose signs stand in the private use area or among the characters above ASCII.
-constexpr std::uint32_t kSymbolSigns = 0xF000, kSymbolBullet = 0xB7, kFirstSurrogate = 0xD800;
+constexpr std::uint32_t kSymbolSigns = 0xF000, kSymbolBullet = 0xB7, kAnsiBullet = 0x95, kFirstSurrogate = 0xD800;
 constexpr std::size_t kMaxLevelText = 64;  // bytes
 const std::string kNothing = "\u200B";
 
@@ -46,12 +46,15 @@ void AddSign(std::uint32_t sign, std::string& text) {
   text.append(bytes.data(), utf8::PutCharacter(character, bytes.data()));
 }
 
-/// The text of a group like {\pntxta )}, before its end.
+/// The text of a group like {\pntxta )}, without its end.
 std::string ReadPlainText(Tokenizer& tokens, Token& token) {
   std::string text;
   for (tokens.Next(token); token.kind != TokenKind::GroupEnd && token.kind != TokenKind::End; tokens.Next(token)) {
     if (token.kind == TokenKind::Text) text.append(token.text, 0, kMaxLevelText - std::min(text.size(), kMaxLevelText));
-    if (token.kind == TokenKind::Hex) AddSign(token.byte, text);
+    if (token.kind == TokenKind::Hex) AddSign(token.byte == kAnsiBullet ? kSymbolBullet : token.byte, text);
+    if (token.kind != TokenKind::Word || token.text != "u") continue;
+    AddSign(static_cast<std::uint32_t>(token.value) & 0xFFFF, text);
+    if (tokens.Position() < tokens.Bytes().size()) tokens.Seek(tokens.Position() + 1);  // what stands for it
   }
   return text;
 }
@@ -61,7 +64,6 @@ std::string ReadPlainText(Tokenizer& tokens, Token& token) {
 void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format) {
   format.list = ListKind::Decimal;
   format.list_start = 1;
-  format.list_level = 0;
   std::string before, after;
   Tokenizer tokens(group);
   Token token;
@@ -79,9 +81,10 @@ void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format) {
     if (name == "pntxtb") before = ReadPlainText(tokens, token);
     if (name == "pntxta") after = ReadPlainText(tokens, token);
   }
+  if (format.list_id != 0) return;  // the tables say it
   const bool is_bullet = format.list == ListKind::Bullet;
   format.list_text.clear();
-  if (is_bullet ? !before.empty() : !before.empty() || after != ".")
+  if (is_bullet ? !before.empty() && before != "\u2022" : !before.empty() || after != ".")
     format.list_text = is_bullet ? before : before + static_cast<char>(format.list_level) + after;
 }
 

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -20,9 +21,10 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-enum Column : std::uint8_t { kWhat, kWhere, kSize, kColumns };
+enum Column : std::uint8_t { kWhat, kWhere, kSize };
 // Characters of the window's font.
-constexpr int kWhatWidth = 40, kWhereWidth = 40, kSizeWidth = 12, kLines = 24;
+constexpr int kWhatWidth = 55, kWhereWidth = 55, kSizeWidth = 14, kLines = 24;
+constexpr double kShareOfScreen = 0.9;
 
 }  // namespace
 
@@ -67,7 +69,8 @@ void RtfContentsWindow::BuildControls(const rtf::Contents& contents, const QStri
   rows->addWidget(note);
   rows->addWidget(list_, 1);
   rows->addWidget(buttons);
-  resize((kWhatWidth + kWhereWidth + kSizeWidth) * character, kLines * fontMetrics().lineSpacing());
+  const QSize wanted((kWhatWidth + kWhereWidth + kSizeWidth) * character, kLines * fontMetrics().lineSpacing());
+  resize(wanted.boundedTo(screen()->availableSize() * kShareOfScreen));
 }
 
 void RtfContentsWindow::AddParts(const rtf::Contents& contents) {
@@ -103,12 +106,12 @@ void RtfContentsWindow::AddCounts(const rtf::Contents& contents) {
 }
 
 QTreeWidgetItem* RtfContentsWindow::AddHeading(const QString& text, std::uint64_t count) {
-  auto* heading = new QTreeWidgetItem(list_, {text});
-  if (count > 0) heading->setText(kSize, QLocale().toString(static_cast<qulonglong>(count)));
+  const QString number = QLocale().toString(static_cast<qulonglong>(count));
+  auto* heading = new QTreeWidgetItem(list_, {count > 0 ? tr("%1 (%2)").arg(text, number) : text});
+  heading->setFirstColumnSpanned(true);
   QFont font = heading->font(kWhat);
   font.setBold(true);
-  for (int column = 0; column < kColumns; ++column) heading->setFont(column, font);
-  heading->setTextAlignment(kSize, Qt::AlignRight);
+  heading->setFont(kWhat, font);
   return heading;
 }
 

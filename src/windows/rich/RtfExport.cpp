@@ -19,6 +19,17 @@ using rtf::RtfDocument;
 
 constexpr int kWidthOfNewTable = 9000;  // twips
 
+/// Untranslated control words.
+void AddBorderedCell(const rtf::Cell& cell, std::string& definition) {
+  definition.append(definition.empty() ? "\\trowd\\trgaph108" : "")
+      .append(cell.row_span == 1   ? ""
+              : cell.row_span == 0 ? "\\clvmrg"
+                                   : "\\clvmgf");
+  for (const char* edge : {"\\clbrdrt", "\\clbrdrl", "\\clbrdrb", "\\clbrdrr"})
+    definition.append(edge).append("\\brdrs\\brdrw10");
+  definition.append("\\cellx").append(std::to_string(cell.right_edge));
+}
+
 class Exporter {
  public:
   explicit Exporter(RtfStore& store)
@@ -198,6 +209,8 @@ class Exporter {
 
   void NewRow(const QTextTable& table, int row) {
     const auto row_number = static_cast<std::uint32_t>(document_.rows.size() - 1);
+    // Of pasted pages; the view draws borders for tables of files, too, that have none.
+    const bool has_borders = !table.format().hasProperty(kTable) && table.format().border() > 0;
     for (int column = 0; column < table.columns();) {
       const QTextTableCell cell = table.cellAt(row, column);
       const int end = column + std::max(cell.columnSpan(), 1);
@@ -207,6 +220,7 @@ class Exporter {
       made.row_span = starts_here ? static_cast<std::uint16_t>(cell.rowSpan()) : std::uint16_t{0};
       const std::int32_t number = AddCell(document_, row_number, made);
       CellText(starts_here ? cell : QTextTableCell(), number);
+      if (has_borders) AddBorderedCell(made, document_.rows[row_number].definition);
       column = end;
     }
   }

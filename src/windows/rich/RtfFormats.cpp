@@ -233,8 +233,9 @@ std::uint32_t RtfFormats::Read(const QTextBlockFormat& shown, const QTextList* l
   TakeChange(kListStyles, style, piece > 1 ? QTextListFormat::ListStyleUndefined : StyleOf(kind), format.list);
   if (format.list != kind) {
     format.list_id = 0;
-    format.list_level = 0;
+    format.list_level = list ? static_cast<std::uint8_t>(list->format().intProperty(kListLevel)) : std::uint8_t{0};
     format.list_start = 1;
+    format.list_text.clear();
     // As far to the left as the marker stands.
     format.first_line = format.list == ListKind::None ? 0 : -std::min(format.left, kLeastListIndent);
   }

@@ -2,15 +2,18 @@
 
 #include <QMimeData>
 #include <QScopedValueRollback>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
+#include <QTextList>
 #include <utility>
 
 #include "documents/rtf/RtfWriter.h"
 #include "windows/rich/ClosedDocument.h"
 #include "windows/rich/RtfClipboard.h"
 #include "windows/rich/RtfExport.h"
+#include "windows/rich/RtfHtml.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
 #include "windows/rich/RtfShape.h"
@@ -22,6 +25,25 @@ void RemovePictures(QTextDocument& document) {
   QTextCursor cursor(&document);
   while (!(cursor = document.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull())
     cursor.removeSelectedText();
+}
+
+/// The toolkit joins the first paragraph of a fragment to the one that it comes into, also to an empty one.
+void TakeFirstFormat(const QTextBlock& from, const QTextBlock& to) {
+  const QTextDocument& part = *from.document();
+  QTextBlockFormat format = from.blockFormat();
+  if (part.frameAt(from.position()) != part.rootFrame() || format.hasProperty(kFiller) || to.textList()) return;
+  format.setObjectIndex(-1);
+  format.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
+  QTextCursor cursor(to);
+  cursor.setBlockFormat(format);
+  cursor.setBlockCharFormat(from.charFormat());
+  const QTextList* list = from.textList();
+  if (!list) return;
+  QTextList* rest = to.next().textList();
+  if (rest && from.next().textList() == list)
+    rest->add(to);
+  else
+    cursor.createList(list->format());
 }
 
 }  // namespace
@@ -49,8 +71,13 @@ std::string RtfPad::SelectedRtf() const {
 }
 
 void RtfPad::InsertFragment(const QTextDocument& part) {
-  Insert(part.characterCount(), part.blockCount(),
-         [&part](QTextCursor& cursor) { cursor.insertFragment(QTextDocumentFragment(&part)); });
+  Insert(part.characterCount(), part.blockCount(), [&part](QTextCursor& cursor) {
+    cursor.removeSelectedText();
+    const bool takes_format = cursor.block().length() == 1 && part.blockCount() > 1;
+    const int first = cursor.position();
+    cursor.insertFragment(QTextDocumentFragment(&part));
+    if (takes_format) TakeFirstFormat(part.firstBlock(), cursor.document()->findBlock(first));
+  });
 }
 
 std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
@@ -66,6 +93,7 @@ std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& htm
   part.setUndoRedoEnabled(false);
   part.setHtml(html);
   RemovePictures(part);
+  ResolveHtml(part, document()->defaultFont().pointSizeF());
   RtfStore store;
   store.document = EmptyRtfDocument();
   rtf::RtfDocument text = RtfExport(part, store).Document();

@@ -22,6 +22,7 @@ enum RtfProperty : int {
   kFlatCell,       ///< of block formats: RtfStore::flat.cells, the cell of a table that is shown as lines
   kLongParagraph,  ///< of block formats: one number for all blocks that show a long paragraph
   kPiece,          ///< of these: grows from block to block
+  kListLevel,      ///< of the format of a list that no file has made, itself: 0 to 8
 };
 inline constexpr int kPageBreak = -1;
 /// Type of the one kind of inline object: pictures, placeholders and page breaks.

@@ -146,7 +146,8 @@ void RtfTraces::Draw(QPainter& painter, const QTextDocument& document, const QRe
 
 void RtfTraces::DrawNumber(QPainter& painter, const QTextBlock& block, const QPointF& origin, const QString& number) {
   const QTextDocument& document = *block.document();
-  const QTextCharFormat format = block.charFormat();
+  // In the first block of a cell, the block's own format is the cell's.
+  const QTextCharFormat format = block.length() > 1 ? block.begin().fragment().charFormat() : block.charFormat();
   const QFont font(format.font(), document.documentLayout()->paintDevice());
   const QFontMetricsF metrics(font);
   const QTextLine line = block.layout()->lineAt(0);

@@ -1,0 +1,72 @@
+#include <QClipboard>
+#include <QMimeData>
+#include <QTest>
+
+#include "RtfProbe.h"
+#include "RtfWindow.h"
+
+using namespace tme;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::string_view kStyled =
+    "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red1\\green2\\blue3;\\red4\\green5\\blue6;}"
+    "{\\stylesheet{\\s3 Mine;}}{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'02\\'00);}}\\listid7}}"
+    "{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}"
+    "\\pard\\s3\\keepn\\brdrb\\brdrs\\brdrcf2\\cbpat1\\lang1031 one\\par\\pard\\ls1\\li720 two\\par\\pard end\\par}";
+
+}  // namespace
+
+TEST_F(FormRtf, APasteKeepsWhatTheClipboardHolds) {
+  form_RTF& window = Open(std::string(kStyled));
+  const auto marks_of_last = [](form_RTF& written) {
+    const rtf::RtfDocument document = rtf::Read(written.Content());
+    std::string marks;
+    for (const rtf::Paragraph& paragraph : document.paragraphs)
+      marks += MarksOf(document, document.paragraph_formats[paragraph.format]) + "|";
+    return marks;
+  };
+  RtfPad& pad = PadOf(window);
+  pad.Select(0, 8);
+  window.EditCopy();
+  pad.Select(pad.End(), pad.End());
+  QTest::keyClick(&pad, Qt::Key_Return);
+  window.EditPaste();
+  const std::string styled = "\\s3\\keepn\\brdrb\\brdrs\\brdrcf2\\cbpat1|";
+  EXPECT_EQ(marks_of_last(window), styled + "li720,list2,start1,ls1||" + styled + "li720,list2,start1,ls1||");
+  form_RTF& other = static_cast<form_RTF&>(*NewDocument(global_, DocumentKind::Rtf));
+  other.EditPaste();
+  EXPECT_EQ(marks_of_last(other), "\\keepn\\brdrb\\brdrs\\brdrcf1\\cbpat2|li720,list2,start1||")
+      << "colours under their numbers there; styles and lists of another file name nothing";
+}
+
+TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
+  form_RTF& window = New();
+  auto* html = new QMimeData;
+  html->setHtml(
+      u"<h1>big</h1><ol><li>one<ol type=a><li>inner</li></ol></li></ol><p style='font-family:monospace'>c</p>"
+      u"<table border=0><tr><td>bare</td></tr></table><table border=1><tr><td>framed</td></tr></table>"_s);
+  QGuiApplication::clipboard()->setMimeData(html);
+  window.EditPaste();
+  const std::string written = window.Content();
+  const rtf::RtfDocument document = rtf::Read(written);
+  const auto format_at = [&](std::string_view text) -> const rtf::CharFormat& {
+    std::size_t at = 0, run = 0;
+    for (const std::size_t wanted = document.text.find(text); at + document.runs[run].bytes <= wanted; ++run)
+      at += document.runs[run].bytes;
+    return document.char_formats[document.runs[run].format];
+  };
+  EXPECT_EQ(format_at("big").half_points, document.char_formats.front().half_points * 2);
+  EXPECT_EQ(document.fonts[format_at("c").font].name, "Courier New");
+  const auto list_of = [&](std::size_t paragraph) {
+    const rtf::ParagraphFormat& format = document.paragraph_formats[document.paragraphs[paragraph].format];
+    return std::to_string(static_cast<int>(format.list)) + " " + std::to_string(format.list_level) + " " +
+           std::to_string(format.left);
+  };
+  EXPECT_EQ(list_of(1), "2 0 600");
+  EXPECT_EQ(list_of(2), "3 1 1200");
+  ASSERT_EQ(document.rows.size(), 2U);
+  EXPECT_EQ(document.rows[0].definition.find("brdrs"), std::string::npos);
+  EXPECT_NE(document.rows[1].definition.find("brdrs"), std::string::npos);
+}
