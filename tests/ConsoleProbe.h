@@ -9,6 +9,7 @@
 
 #include "WriteFile.h"
 #include "console/Commands.h"
+#include "files/TextEncoding.h"
 
 namespace tme {
 
@@ -43,6 +44,10 @@ class ConsoleProbe : public WriteFile {
   }
   void PutFile(const std::string& name, const std::string& bytes) const { Put(In(name), bytes); }
   std::string FileBytes(const std::string& name) const { return Get(In(name)); }
+  static std::string Utf16(std::string text) {
+    TextFormat format{.encoding = TextEncoding::Utf16Le, .stray_byte = {}};
+    return EncodeText(std::move(text), format);
+  }
 
  private:
   class TextStreams : public console::Streams {

@@ -24,11 +24,6 @@ std::string Exchanged(std::string text, const std::string& from, const std::stri
   return at == std::string::npos ? "no " + from : text.replace(at, from.size(), to);
 }
 
-std::string Utf16(std::string text) {
-  TextFormat format{.encoding = TextEncoding::Utf16Le, .stray_byte = {}};
-  return EncodeText(std::move(text), format);
-}
-
 const std::string kEditedIni =
     "; top\r\na=1\r\n\r\n[A]\r\n; c\r\n  k = \"old\"  \r\nk2 = x\r\n\r\n; of b\r\n[B]\nz=1\nz=2\n[b]\nz=3";
 const std::string kEditedReg =

@@ -9,15 +9,15 @@
 namespace tme::console {
 namespace {
 
-constexpr std::array kCommands{&kGetCommand,   &kSetCommand,     &kDeleteCommand, &kListCommand,
-                               &kCheckCommand, &kConvertCommand, &kTextCommand};
+constexpr std::array kCommands{&kGetCommand,     &kSetCommand,  &kDeleteCommand, &kListCommand, &kCheckCommand,
+                               &kConvertCommand, &kTextCommand, &kDiffCommand,   &kMergeCommand};
 
 std::string Help() {
   constexpr std::size_t kColumn = 12;
   std::string help =
       "Usage: tmec COMMAND [OPTION…] FILE…\n\n"
-      "Reads and edits INI files and registry exports (.reg), one value at a time, and leaves every other byte "
-      "alone.\n\n";
+      "Reads, edits, compares and merges INI files and registry exports (.reg), one value at a time, and leaves every\n"
+      "other byte alone.\n\n";
   for (const Command* command : kCommands) {
     std::string left = "  " + std::string(command->name);
     left.resize(std::max(left.size() + 1, kColumn), ' ');

@@ -17,6 +17,8 @@ extern const Command kListCommand;
 extern const Command kCheckCommand;
 extern const Command kConvertCommand;
 extern const Command kTextCommand;
+extern const Command kDiffCommand;
+extern const Command kMergeCommand;
 
 /// All of them, in the order in which help names them.
 std::span<const Command* const> Commands();

@@ -70,7 +70,7 @@ std::uint64_t LineEndsIn(std::string_view text) {
   return lines.Number() - (text.empty() || text.ends_with('\n') || text.ends_with('\r') ? 0 : 1);
 }
 
-ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams)
+ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams, Holds holds)
     : name_(name == "-" ? "standard input" : name) {
   const std::optional<DocumentKind> named = kind ? KindNamed(*kind) : KindOfName(name);
   if (kind && !named) throw Trouble("--kind is ini, reg, rtf or txt, and not \"" + std::string(*kind) + "\"");
@@ -92,7 +92,9 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
   DecodedText decoded = DecodeText(std::move(bytes));
   format_ = decoded.format;
   const DocumentKind found = named ? *named : KindOfText(decoded.text);
-  Hold(found, std::move(decoded.text));
+  kind_ = found;
+  text_ = std::move(decoded.text);
+  if (holds == Holds::Document) Hold(found, TakeText());
 }
 
 ConsoleFile::ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format)
@@ -109,8 +111,7 @@ void ConsoleFile::Hold(DocumentKind kind, std::string text) {
   } else if (kind_ == DocumentKind::Reg) {
     reg_ = std::make_unique<RegDocument>();
     RegWholeOptions options;
-    const bool is_8_bit = format_.encoding == TextEncoding::CodePage || format_.encoding == TextEncoding::Utf8;
-    options.unsaid = is_8_bit ? RegVersion::Regedit4 : RegVersion::Version5;
+    options.unsaid = UnsaidVersion();
     ReadWholeReg(*reg_, std::move(text), options);
   } else {
     text_ = std::move(text);
@@ -118,6 +119,11 @@ void ConsoleFile::Hold(DocumentKind kind, std::string text) {
 }
 
 ConsoleFile::~ConsoleFile() = default;
+
+RegVersion ConsoleFile::UnsaidVersion() const {
+  const bool is_8_bit = format_.encoding == TextEncoding::CodePage || format_.encoding == TextEncoding::Utf8;
+  return is_8_bit ? RegVersion::Regedit4 : RegVersion::Version5;
+}
 
 RegCoding ConsoleFile::CodingFor(RegVersion version) { return {version, CodePageToUtf8, Utf8ToCodePage}; }
 
@@ -145,8 +151,7 @@ PartProducer ConsoleFile::Parts() const {
   return [this](const PartSink& sink) { return Lines().Write(sink); };
 }
 
-std::string ConsoleFile::Encoded() const {
-  const PartProducer produce = Parts();
+std::string ConsoleFile::Encoded(const PartProducer& produce) const {
   TextFormat format = format_;
   const bool may_become_utf8 = is_ascii_ && kind_ == DocumentKind::Ini && format.encoding == TextEncoding::CodePage;
   const auto fits = [&format](std::string_view part) { return TextEncoder(format).Encode(part).has_value(); };
@@ -156,10 +161,10 @@ std::string ConsoleFile::Encoded() const {
 
 void ConsoleFile::Save(const Arguments& arguments, Streams& streams) {
   const std::optional<std::string_view> output = arguments.ValueOf(kOutputOption);
-  if (output || !path_) return WriteOut(output.value_or("-"), Encoded(), streams);
+  if (output || !path_) return WriteOut(output.value_or("-"), Encoded(Parts()), streams);
   const bool is_edited = kind_ == DocumentKind::Ini ? ini_->CanUndo() : reg_->CanUndo();
   if (!is_edited) return;
-  const std::string bytes = Encoded();
+  const std::string bytes = Encoded(Parts());
   if (StampOf(*path_) != stamp_) Fail(0, "another program has changed it since it was read; nothing was written");
   WriteOut(name_, bytes, streams);
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/Parts.h"
 #include "console/Arguments.h"
@@ -22,10 +23,16 @@ namespace tme::console {
 /// A file as a command reads it: its bytes, or an INI or registry document that holds all of them (Holding::Whole).
 class ConsoleFile {
  public:
+  enum class Holds : std::uint8_t {
+    Document,
+    Text,  ///< of an INI or registry file the text alone
+  };
+
   /// name: a path, or "-" for standard input. kind: what --kind says; else the name's ending decides (ini, inf, reg,
   /// rtf, txt), and where it is none of these the content: what is neither registry nor rich-text file is an INI file.
   /// Throws Trouble.
-  ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams);
+  ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams,
+              Holds holds = Holds::Document);
   /// A document that was made of another file. name: of that.
   ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format);
   ~ConsoleFile();
@@ -41,13 +48,18 @@ class ConsoleFile {
   const RegDocument& Reg() const { return *reg_; }
   RegCoding Coding() const { return CodingFor(reg_->Version()); }
   static RegCoding CodingFor(RegVersion version);
-  /// Txt and Rtf: the text, and the bytes.
+  /// What a registry file is that says no version.
+  RegVersion UnsaidVersion() const;
+  /// Txt and Rtf: the text, and the bytes. Of others where they are held so.
   const std::string& Text() const { return text_; }
   const std::string& Bytes() const { return text_; }
+  std::string TakeText() { return std::move(text_); }
   /// Ini and Reg.
   const SourceLines& Lines() const { return kind_ == DocumentKind::Ini ? ini_->Lines() : reg_->Lines(); }
   /// The lines of any kind but Rtf, in parts of whole lines.
   PartProducer Parts() const;
+  /// A text in the encoding of the file. An INI file of ASCII alone may become UTF-8. Throws Trouble.
+  std::string Encoded(const PartProducer& produce) const;
   /// Of the first line of a piece, from 1. Linear.
   std::uint64_t LineNumberOf(SourceLines::Piece piece) const;
   /// "NAME:LINE: ", or "NAME: " for 0.
@@ -58,12 +70,11 @@ class ConsoleFile {
 
   /// Puts the document where --output says, else into the file, whole or not at all, in the encoding that it had. A
   /// file whose document was not edited is left alone; so is one that has changed since it was read, which is Trouble.
-  /// An INI file of ASCII alone may become UTF-8. Throws Trouble.
+  /// Throws Trouble.
   void Save(const Arguments& arguments, Streams& streams);
 
  private:
   void Hold(DocumentKind kind, std::string text);
-  std::string Encoded() const;
 
   std::string name_;
   std::optional<std::filesystem::path> path_;

@@ -264,6 +264,7 @@ class Merging {
 
 std::optional<MergeResult> MergeOutlines(const Outline& base, const Outline& ours, const Outline& theirs) {
   if (ours.Text() == base.Text()) return MergeResult{theirs.Text(), {}};
+  if (theirs.Text() == base.Text()) return MergeResult{ours.Text(), {}};
   const auto has_pairs = [](const Outline& outline) { return outline.Coding().version == RegVersion::Regedit; };
   if (has_pairs(ours) != has_pairs(base) || has_pairs(ours) != has_pairs(theirs)) return std::nullopt;
   return Merging(base, ours, theirs).Run();

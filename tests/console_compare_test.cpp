@@ -1,0 +1,111 @@
+// The console program: files that are compared and merged.
+#include <QProcess>
+
+#include "ConsoleProbe.h"
+
+using namespace tme;
+
+namespace {
+
+using ConsoleCompare = ConsoleProbe;
+
+struct CompareCase {
+  std::string words;
+  int result;
+  std::string output;
+};
+
+const std::string kVersion5 = "Windows Registry Editor Version 5.00\r\n";
+
+}  // namespace
+
+TEST_F(ConsoleCompare, TellsWhatDiffers) {
+  PutFile("a.ini", "; c\r\n[A]\r\nk=1\r\nold=x\r\n[B]\r\n");
+  PutFile("b.ini", "[b]\n[a]\nK = 2\n[N]\nn=1\n");
+  PutFile("a.reg", Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"n\"=dword:1\r\n\"gone\"=hex:01\r\n"));
+  PutFile("b.reg", "REGEDIT4\n[HKEY_USERS\\a]\n\"N\"=hex(4):01,00,00,00\n\"v\"=-\n[-HKEY_USERS\\B]\n");
+  PutFile("empty", "");
+  const CompareCase cases[] = {
+      {"diff FILE:a.ini FILE:a.ini --order --comments", 0, ""},
+      {"diff FILE:a.ini FILE:b.ini", 1, " [A]\n-k=1\n+K=2\n-old=x\n+[N]\n+n=1\n"},
+      {"diff FILE:b.ini FILE:a.ini --json", 1,
+       "[\n  {\"change\": \"changed\", \"section\": \"a\", \"name\": \"K\", \"before\": \"2\", \"after\": \"1\"},\n"
+       "  {\"change\": \"added\", \"section\": \"a\", \"name\": \"old\", \"after\": \"x\"},\n"
+       "  {\"change\": \"removed\", \"section\": \"N\"},\n"
+       "  {\"change\": \"removed\", \"section\": \"N\", \"name\": \"n\", \"before\": \"1\"}\n]\n"},
+      {"diff FILE:a.reg FILE:b.reg", 1, " [HKEY_USERS\\A]\n+\"v\"=-\n-\"gone\"=hex:01\n+[-HKEY_USERS\\B]\n"},
+      {"diff FILE:a.reg FILE:b.reg --json", 1,
+       "[\n  {\"change\": \"added\", \"key\": \"HKEY_USERS\\\\A\", \"name\": \"v\", \"after\": {\"deletion\": true}},\n"
+       "  {\"change\": \"removed\", \"key\": \"HKEY_USERS\\\\A\", \"name\": \"gone\", "
+       "\"before\": {\"type\": \"REG_BINARY\", \"bytes\": \"01\"}},\n"
+       "  {\"change\": \"added\", \"key\": \"HKEY_USERS\\\\B\", \"deletion\": true}\n]\n"},
+      {"diff FILE:a.reg FILE:b.reg --reg", 1,
+       Utf16(kVersion5 + "\r\n[-HKEY_USERS\\B]\r\n\r\n[HKEY_USERS\\A]\r\n\"gone\"=-\r\n\"v\"=-\r\n")},
+      {"diff FILE:b.reg FILE:a.reg --reg --undo", 1,
+       Utf16(kVersion5 + "\r\n[-HKEY_USERS\\B]\r\n\r\n[HKEY_USERS\\A]\r\n\"gone\"=-\r\n\"v\"=-\r\n")},
+      {"diff FILE:empty FILE:b.reg --reg --undo", 1, "REGEDIT4\r\n\r\n[-HKEY_USERS\\a]\r\n"},
+      {"diff FILE:a.reg FILE:a.reg --reg", 0, ""},
+  };
+  for (const CompareCase& each : cases) {
+    EXPECT_EQ(RunWords(each.words), each.result) << each.words << errors_;
+    EXPECT_EQ(output_, each.output) << each.words;
+  }
+  const std::pair<std::string, std::string> wrong[] = {
+      {"diff FILE:a.ini FILE:b.ini --reg", PathText("b.ini") + ": --reg is for registry files"},
+      {"diff FILE:a.reg FILE:b.reg --undo", "diff: --undo goes with --reg"},
+      {"diff FILE:a.ini FILE:b.reg",
+       PathText("b.reg") + ": a registry file, where the other one is an INI file (--kind takes both as one)"},
+  };
+  for (const auto& [words, why] : wrong) {
+    EXPECT_EQ(RunWords(words), 2) << words;
+    EXPECT_EQ(errors_, "tmec: " + why + "\n");
+  }
+}
+
+TEST_F(ConsoleCompare, Merges) {
+  PutFile("base.reg", Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"a\"=\"1\"\r\n\"b\"=\"1\"\r\n"));
+  PutFile("ours.reg", Utf16(kVersion5 + "; ours\r\n[HKEY_USERS\\A]\r\n\"a\"=\"2\"\r\n\"b\"=\"1\"\r\n"));
+  PutFile("theirs.reg", kVersion5 + "[HKEY_USERS\\A]\n\"a\"=\"1\"\n\"b\"=\"3\"\n");
+  EXPECT_EQ(RunWords("merge FILE:base.reg FILE:ours.reg FILE:theirs.reg"), 0) << errors_;
+  EXPECT_EQ(output_, Utf16(kVersion5 + "; ours\r\n[HKEY_USERS\\A]\r\n\"a\"=\"2\"\r\n\"b\"=\"3\"\r\n"));
+  EXPECT_EQ(RunWords("merge FILE:base.reg FILE:base.reg FILE:theirs.reg"), 0);
+  EXPECT_EQ(output_, FileBytes("theirs.reg")) << "also in its encoding";
+
+  PutFile("base.ini", "[A]\nk=1\n");
+  PutFile("ours.ini", "[A]\nk=2\n");
+  PutFile("theirs.ini", "[A]\nk=3\n");
+  EXPECT_EQ(RunWords("merge FILE:base.ini FILE:ours.ini FILE:theirs.ini -o FILE:ours.ini"), 1);
+  EXPECT_EQ(output_, "");
+  EXPECT_EQ(FileBytes("ours.ini"), "[A]\n; MERGE CONFLICT theirs: k=3\nk=2\n");
+  EXPECT_EQ(errors_,
+            "tmec: " + PathText("ours.ini") + ":2: [A] k=2: both changed it; ours stands, theirs is in a comment\n");
+  PutFile("pairs.reg", "REGEDIT\nHKEY_USERS\\a = 1\n");
+  EXPECT_EQ(RunWords("merge FILE:base.reg FILE:pairs.reg FILE:theirs.reg"), 2);
+  EXPECT_EQ(RunWords("merge FILE:base.reg FILE:ours.reg FILE:none.reg"), 2);
+}
+
+/// As git calls it: the files have names without an ending, and one of them is the output.
+TEST_F(ConsoleCompare, IsAMergeDriver) {
+  const auto git = [this](const QString& words) {
+    QProcess process;
+    process.setWorkingDirectory(QString::fromStdString(PathText("")));
+    process.start(QStringLiteral("git"), words.split(QLatin1Char(' ')));
+    return process.waitForFinished() ? process.exitCode() : -1;
+  };
+  if (git(QStringLiteral("init -q")) != 0) GTEST_SKIP() << "no git";
+  PutFile(".git/config",
+          "[core]\n autocrlf = false\n[user]\n name = a\n email = a@b\n[merge \"tmec\"]\n driver = " TME_CONSOLE_PROGRAM
+          " merge %O %A %B -o %A\n");
+  PutFile(".gitattributes", "*.reg merge=tmec\n");
+  const auto commit = [&](const std::string& a, const std::string& b) {
+    PutFile("a.reg", Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"a\"=\"" + a + "\"\r\n\"b\"=\"" + b + "\"\r\n"));
+    return git(QStringLiteral("add .")) + git(QStringLiteral("commit -q -m x"));
+  };
+  ASSERT_EQ(commit("1", "1"), 0);
+  ASSERT_EQ(git(QStringLiteral("checkout -q -b theirs")), 0);
+  ASSERT_EQ(commit("1", "2"), 0);
+  ASSERT_EQ(git(QStringLiteral("checkout -q -")), 0);
+  ASSERT_EQ(commit("3", "1"), 0);
+  EXPECT_EQ(git(QStringLiteral("merge -q -m m theirs")), 0);
+  EXPECT_EQ(FileBytes("a.reg"), Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"a\"=\"3\"\r\n\"b\"=\"2\"\r\n"));
+}
