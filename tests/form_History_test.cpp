@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
+#include <memory>
 #include <stdexcept>
 
 #include "Editor.h"
@@ -182,6 +183,27 @@ TEST_F(FormHistoryTest, WhatASaveReordersIsNoDifference) {
   EXPECT_EQ(View(form).Text(), "  [A]\n  x=1\n  y=2\n  \n  [B]\n- z=3\n+ z=4");
   Select(form, 1);
   EXPECT_EQ(Said(form), "The same lines as now, in another order.");
+}
+
+TEST_F(FormHistoryTest, ComparesByStructure) {
+  const QString path = File(u"a.reg"_s, "REGEDIT4\r\n\r\n[HKEY_USERS\\A]\r\n\"a\"=\"1\"\r\n\"b\"=hex:01\r\n");
+  Start();
+  Keep(DocumentKind::Txt, path, {"t"});
+  Keep(DocumentKind::Reg, path,
+       {"Windows Registry Editor Version 5.00\n; c\n[hkey_users\\a]\n\"B\"=hex:\\\n  01\n\"A\"=\"1\"\n",
+        "REGEDIT4\n[HKEY_USERS\\A]\n\"b\"=hex:02\n\"a\"=\"1\"\n[HKEY_USERS\\B]\n"});
+  auto form = std::make_unique<form_History>(global_);
+  auto* by_structure = form->findChild<QAbstractButton*>(u"chk_ByStructure"_s);
+  by_structure->click();
+  EXPECT_EQ(View(*form).Text(), "  [HKEY_USERS\\A]\n- \"b\"=hex:01\n+ \"b\"=hex:02\n+ [HKEY_USERS\\B]");
+  EXPECT_EQ(Said(*form), "2 lines only in this version (+), 1 line only in what is there now (-).");
+  Select(*form, 1);
+  EXPECT_EQ(Said(*form), "The same keys and values as now; order, comments or the way they are written differ.");
+  Select(*form, 2);
+  EXPECT_FALSE(by_structure->isEnabled()) << "a text";
+  form->done(0);
+  form = std::make_unique<form_History>(global_);
+  EXPECT_TRUE(form->findChild<QAbstractButton*>(u"chk_ByStructure"_s)->isChecked()) << "remembered";
 }
 
 TEST_F(FormHistoryTest, WhatIsThrownWhileComparingIsTold) {

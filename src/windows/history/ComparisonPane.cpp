@@ -20,11 +20,16 @@ ComparisonPane::ComparisonPane(QWidget* parent)
     : QWidget(parent),
       lbl_Difference(PlainLabel()),
       lbl_Place(PlainLabel()),
+      chk_ByStructure(new QCheckBox(tr("By &Structure"))),
       chk_DifferencesOnly(new QCheckBox(tr("&Differences only"))),
       txt_Version(new DifferenceView) {
   lbl_Difference->setObjectName(u"lbl_Difference"_s);
   lbl_Difference->setWordWrap(true);
   lbl_Place->setObjectName(u"lbl_Place"_s);
+  chk_ByStructure->setObjectName(u"chk_ByStructure"_s);
+  SetTip(*chk_ByStructure,
+         tr("Sections, keys and values whatever their order, encoding and comments, instead of lines"));
+  connect(chk_ByStructure, &QCheckBox::clicked, this, &ComparisonPane::ByChanged);
   chk_DifferencesOnly->setObjectName(u"chk_DifferencesOnly"_s);
   SetTip(*chk_DifferencesOnly, tr("Without the lines that are the same, but for a few around each difference"));
   connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &ComparisonPane::ShowLines);
@@ -33,6 +38,7 @@ ComparisonPane::ComparisonPane(QWidget* parent)
   connect(txt_Version, &DifferenceView::CaretMoved, this, &ComparisonPane::ShowPlace);
 
   auto* row = new QHBoxLayout;
+  row->addWidget(chk_ByStructure);
   row->addWidget(chk_DifferencesOnly);
   row->addStretch(1);
   row->addWidget(lbl_Place);
@@ -62,7 +68,17 @@ QPushButton* ComparisonPane::AddWay(QHBoxLayout& row, const QString& name, const
   return button;
 }
 
-QList<QWidget*> ComparisonPane::TabOrder() const { return {chk_DifferencesOnly, cmd_Previous, cmd_Next, txt_Version}; }
+QList<QWidget*> ComparisonPane::TabOrder() const {
+  return {chk_ByStructure, chk_DifferencesOnly, cmd_Previous, cmd_Next, txt_Version};
+}
+
+ComparedBy ComparisonPane::By() const {
+  return chk_ByStructure->isChecked() ? ComparedBy::Structure : ComparedBy::Lines;
+}
+
+void ComparisonPane::SetBy(ComparedBy by) { chk_ByStructure->setChecked(by == ComparedBy::Structure); }
+
+void ComparisonPane::OfferStructure(bool structured) { chk_ByStructure->setEnabled(structured); }
 
 bool ComparisonPane::HasCutLines() const { return txt_Version->HasCutLines(); }
 

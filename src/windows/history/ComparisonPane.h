@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <cstdint>
 #include <memory>
 
 class QCheckBox;
@@ -12,6 +13,7 @@ class QPushButton;
 namespace tme {
 
 class DifferenceView;
+enum class ComparedBy : std::uint8_t;
 struct VersionComparison;
 
 /// The lines of a comparison, all of them or the differences only, under a sentence about it and with the way from
@@ -25,10 +27,18 @@ class ComparisonPane : public QWidget {
   /// Replaces the lines; null shows none.
   void Show(std::shared_ptr<const VersionComparison> comparison);
   void Say(const QString& sentence);
+  /// What is compared, which the user chooses. structured: whether the content has more than lines.
+  ComparedBy By() const;
+  void SetBy(ComparedBy by);
+  void OfferStructure(bool structured);
   /// Whether a line is too long to be shown whole.
   bool HasCutLines() const;
   /// What takes the focus, in its order.
   QList<QWidget*> TabOrder() const;
+
+ signals:
+  /// The user has chosen.
+  void ByChanged();
 
  private:
   QPushButton* AddWay(QHBoxLayout& row, const QString& name, const QString& caption, const QKeySequence& key,
@@ -39,6 +49,7 @@ class ComparisonPane : public QWidget {
   std::shared_ptr<const VersionComparison> comparison_;
   QLabel* lbl_Difference;
   QLabel* lbl_Place;
+  QCheckBox* chk_ByStructure;
   QCheckBox* chk_DifferencesOnly;
   QPushButton* cmd_Previous = nullptr;
   QPushButton* cmd_Next = nullptr;

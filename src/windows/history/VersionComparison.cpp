@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "base/LineReader.h"
+#include "documents/compare/OutlineDiff.h"
 #include "documents/ini/IniLine.h"
 #include "documents/reg/RegAsShown.h"
 #include "documents/rtf/RtfReader.h"
@@ -39,13 +41,46 @@ std::string ReadableText(DocumentKind kind, std::string content) {
   return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
 }
 
-void CompareTexts(VersionComparison& result) {
-  result.lines = DiffLines(result.now_text, result.text);
+void CountLines(VersionComparison& result) {
   const auto count = [&](DiffChange change) {
     return static_cast<std::uint64_t>(std::ranges::count(result.lines, change, &DiffLine::change));
   };
   result.only_here = count(DiffChange::Added);
   result.only_now = count(DiffChange::Removed);
+}
+
+void CompareTexts(VersionComparison& result) {
+  result.lines = DiffLines(result.now_text, result.text);
+  CountLines(result);
+}
+
+RegCoding StructureCoding() {
+  return {.version = RegVersion::Regedit4, .from_code_page = CodePageToUtf8, .to_code_page = Utf8ToCodePage};
+}
+
+/// Takes both texts for what they say.
+void CompareStructures(DocumentKind kind, VersionComparison& result) {
+  const auto read = [kind](std::string text) {
+    return kind == DocumentKind::Ini ? ReadIniOutline(std::move(text))
+                                     : ReadRegOutline(std::move(text), StructureCoding());
+  };
+  const Outline now = read(std::move(result.now_text)), then = read(result.text);
+  result.now_text.clear();
+  result.differences = DiffText(now, then, DiffOutlines(now, then));
+  if (result.differences.empty()) {
+    result.outcome = VersionComparison::Outcome::SameStructure;
+    result.lines = DiffLines(result.text, result.text);
+    return;
+  }
+  result.outcome = VersionComparison::Outcome::Different;
+  LineReader reader(result.differences);
+  for (std::string_view line; reader.Next(line);) {
+    const DiffChange change = line.front() == '+'   ? DiffChange::Added
+                              : line.front() == '-' ? DiffChange::Removed
+                                                    : DiffChange::Same;
+    result.lines.push_back({change, line.substr(1)});
+  }
+  CountLines(result);
 }
 
 void CompareSorted(VersionComparison& result) {
@@ -69,7 +104,7 @@ void CompareSorted(VersionComparison& result) {
 
 }  // namespace
 
-void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now,
+void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now, ComparedBy by,
              VersionComparison& result) {
   using Outcome = VersionComparison::Outcome;
   const QString& path = version.origin.path;
@@ -89,6 +124,9 @@ void Compare(const ContentStore& contents, const KeptVersion& version, std::opti
     return;
   }
   result.now_text = ReadableText(version.origin.kind, std::move(*now));
+  const DocumentKind kind = version.origin.kind;
+  const bool has_structure = kind == DocumentKind::Ini || kind == DocumentKind::Reg;
+  if (by == ComparedBy::Structure && has_structure) return CompareStructures(kind, result);
   CompareTexts(result);
   result.outcome = result.only_here + result.only_now == 0 ? Outcome::SameLines : Outcome::Different;
   const bool is_sorted = version.origin.kind == DocumentKind::Ini && version.origin.holding == Holding::ByRules;
@@ -113,6 +151,10 @@ QString Summary(const VersionComparison& comparison, const KeptVersion& version,
       return version.origin.kind == DocumentKind::Rtf
                  ? Tr("The text is the same as now; its formatting or the way it is written differs.")
                  : Tr("The lines are the same as now; line ends or the encoding differ.");
+    case Outcome::SameStructure:
+      return version.origin.kind == DocumentKind::Ini
+                 ? Tr("The same sections, keys and values as now; order, comments or the way they are written differ.")
+                 : Tr("The same keys and values as now; order, comments or the way they are written differ.");
     case Outcome::SameButOrder:
       return Tr("The same lines as now, in another order.");
     case Outcome::Different:

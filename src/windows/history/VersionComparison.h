@@ -11,7 +11,10 @@
 
 namespace tme {
 
-/// A kept content beside what stands there now, line by line.
+/// What of two contents is compared: their lines, or the sections, keys and values that INI and registry files say.
+enum class ComparedBy : std::uint8_t { Lines, Structure };
+
+/// A kept content beside what stands there now.
 struct VersionComparison {
   enum class Outcome : std::uint8_t {
     Unreadable,  ///< the kept content is gone or damaged
@@ -19,8 +22,9 @@ struct VersionComparison {
     TooLarge,
     NothingThere,  ///< no document or file to compare with: the lines are those of the version
     SameBytes,
-    SameLines,     ///< the bytes differ all the same
-    SameButOrder,  ///< of an INI file, whose saves sort it; the lines are as they stand in the version
+    SameLines,      ///< the bytes differ all the same
+    SameStructure,  ///< the lines differ all the same; they are those of the version
+    SameButOrder,   ///< of an INI file, whose saves sort it; the lines are as they stand in the version
     Different
   };
 
@@ -32,15 +36,16 @@ struct VersionComparison {
   std::vector<DiffLine> lines;  ///< point into the texts below
   std::string text;
   std::string now_text;
+  std::string differences;  ///< by structure
 
   VersionComparison() = default;
   VersionComparison(const VersionComparison&) = delete;
   VersionComparison& operator=(const VersionComparison&) = delete;
 };
 
-/// Compares. now: what the document holds; without it the file is read. Needs no window, any thread may call. A result
-/// in which something was thrown is of no use.
-void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now,
+/// Compares; other kinds than INI and registry files by their lines. now: what the document holds; without it the file
+/// is read. Needs no window, any thread may call. A result in which something was thrown is of no use.
+void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now, ComparedBy by,
              VersionComparison& result);
 
 /// What is said about it, in a sentence or two.

@@ -32,6 +32,7 @@ namespace {
 /// Up to here the window waits for the comparison, which takes no time that anyone notices.
 constexpr qint64 kComparedAtOnce = qint64{1} << 20;
 const QString kSizeValue = QStringLiteral("History Size");
+const QString kByStructureValue = QStringLiteral("History By Structure");
 
 /// What is shown instead of a comparison that threw.
 std::shared_ptr<const VersionComparison> FailedComparison(const std::exception_ptr& thrown) {
@@ -85,6 +86,9 @@ void form_History::BuildControls() {
   connect(list_Versions, &QTreeWidget::itemDoubleClicked, this, &form_History::cmd_OpenAsNew_Click);
 
   pane_ = new ComparisonPane;
+  pane_->SetBy(global_.registry.ReadValue(SettingsRoot, kByStructureValue) == u"1" ? ComparedBy::Structure
+                                                                                   : ComparedBy::Lines);
+  connect(pane_, &ComparisonPane::ByChanged, this, &form_History::ShowVersion);
   splitter_ = new QSplitter(Qt::Vertical);
   splitter_->setAccessibleName(tr("Versions and text"));
   splitter_->addWidget(list_Versions);
@@ -136,10 +140,13 @@ void form_History::RestoreSize() {
 }
 
 void form_History::done(int result) {
-  if (global_.settings.present)
+  if (global_.settings.present) {
     global_.registry.WriteValue(
         SettingsRoot, kSizeValue,
         u"%1 %2 %3 %4"_s.arg(width()).arg(height()).arg(splitter_->sizes()[0]).arg(splitter_->sizes()[1]));
+    global_.registry.WriteValue(SettingsRoot, kByStructureValue,
+                                pane_->By() == ComparedBy::Structure ? u"1"_s : QString());
+  }
   QDialog::done(result);
 }
 
@@ -159,6 +166,8 @@ void form_History::ShowVersion() {
   is_shown_ = false;
   pane_->Show(nullptr);
   EnableCommands(version != nullptr);
+  pane_->OfferStructure(version != nullptr &&
+                        (version->origin.kind == DocumentKind::Ini || version->origin.kind == DocumentKind::Reg));
   if (!version) return SayThatNothingIsKept();
   OrSayWhyNot([&] { CompareVersion(*version); });
 }
@@ -183,7 +192,7 @@ void form_History::CompareVersion(const KeptVersion& version) {
   const qint64 bytes = version.bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version.origin.path).size());
   if (bytes <= kComparedAtOnce) {
     auto comparison = std::make_shared<VersionComparison>();
-    Compare(global_.history.contents, version, std::move(now), *comparison);
+    Compare(global_.history.contents, version, std::move(now), pane_->By(), *comparison);
     return ShowComparison(std::move(comparison));
   }
   pane_->Say(tr("Comparing..."));
@@ -192,8 +201,8 @@ void form_History::CompareVersion(const KeptVersion& version) {
 
 void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
   auto comparison = std::make_shared<VersionComparison>();
-  auto compare = [&contents = global_.history.contents, version, now = std::move(now),
-                  comparison](const auto&) mutable { Compare(contents, version, std::move(now), *comparison); };
+  auto compare = [&contents = global_.history.contents, version, now = std::move(now), by = pane_->By(),
+                  comparison](const auto&) mutable { Compare(contents, version, std::move(now), by, *comparison); };
   const auto show = [this, comparison, number = wanted_](const std::exception_ptr& thrown) {
     // Another one was selected meanwhile; only the last of them counts.
     if (number == wanted_)
