@@ -186,7 +186,9 @@ std::string EncodeOrFail(const std::string& name, const TextFormat& format, cons
                   "\"; nothing was written");
   });
   bytes += encoder.Encode({}).value_or(std::string()) + encoder.Rest();
-  if (!encoder.ReadsBack([&bytes](const PartSink& sink) { return sink(bytes); }))
+  const bool may_seem_other = format.encoding == TextEncoding::Utf8 && !utf8::IsValid(bytes);
+  const bool seems_other = may_seem_other && DecodeText(bytes).format.encoding != format.encoding;
+  if (seems_other || !encoder.ReadsBack([&bytes](const PartSink& sink) { return sink(bytes); }))
     throw Trouble(name + ": in " + encoding + " this text would be read in another encoding; nothing was written");
   return bytes;
 }

@@ -16,7 +16,7 @@ enum class StandardStream : std::uint8_t { Input, Output, Error };
 
 /// The arguments behind the program's name, on Windows as UTF-8. argc, argv: those of main.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
-/// A path as an argument gives it. Null where the system can have no such path.
+/// A path as an argument gives it, on Windows an absolute one. Null where the system can have no such path.
 std::optional<std::filesystem::path> PathOfArgument(const std::string& argument);
 
 /// Takes the places of the streams that the program was started without, so that no file which it opens becomes one of

@@ -63,7 +63,11 @@ std::vector<std::string> ProgramArguments(int /*argc*/, char** /*argv*/) {
 }
 
 std::optional<std::filesystem::path> PathOfArgument(const std::string& argument) {
-  return std::filesystem::path(WideOf(argument));
+  // What replaces files takes no others.
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::absolute(WideOf(argument), error);
+  if (error) return std::nullopt;
+  return path.make_preferred();
 }
 
 void ReserveStandardStreams() {}
