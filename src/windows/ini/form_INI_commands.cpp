@@ -15,6 +15,7 @@
 #include "windows/ini/IniNotice.h"
 #include "windows/ini/KeyValueDialog.h"
 #include "windows/ini/form_INI.h"
+#include "windows/tree/DocumentTreeView.h"
 #include "windows/tree/LinesClipboard.h"
 #include "windows/tree/TreeSelection.h"
 

@@ -7,6 +7,7 @@
 #include "windows/reg/RegSource.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/RowDragView.h"
 
 namespace tme {
 

@@ -6,6 +6,7 @@
 #include "shell/DisplayText.h"
 #include "windows/reg/RegValueModel.h"
 #include "windows/reg/form_REG.h"
+#include "windows/tree/RowDragView.h"
 
 using namespace Qt::StringLiterals;
 
