@@ -175,6 +175,14 @@ TEST_F(RegWindowUndo, SelectedRowsAndExpandedKeysComeBack) {
     EXPECT_EQ(TV().currentIndex().data().toString(), u"Omega");
     Reg().EditUndo();
     EXPECT_EQ(selected(), u"t u") << "of the key whose name comes back";
+    {
+      const RegDocument::Step step(Reg().Document(), EditName::Replace);
+      for (std::size_t record = 0; record < 3; ++record)
+        whole ? Reg().Document().SetAssignment(record, "\"x\"") : Reg().Document().SetValueData(record, "x");
+    }
+    SelectKey(alpha.mid(0, 1));
+    Reg().EditUndo();
+    EXPECT_EQ(selected(), u"t u") << "of the key that is selected again";
     Reg().FileClose();
   }
 }

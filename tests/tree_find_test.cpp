@@ -147,6 +147,10 @@ TEST_F(TreeFind, ListsHitsAndFollowsEdits) {
   list->setCurrentIndex(list->model()->index(2, 0));
   EXPECT_EQ(Current(Child<QTreeView>(window, "TV")), u"other=The Name");
   Select(window, {u"one"_s});
+  EXPECT_FALSE(list->selectionModel()->hasSelection()) << "no hit is selected";
+  list->selectionModel()->select(list->currentIndex(), QItemSelectionModel::ClearAndSelect);
+  EXPECT_EQ(Current(Child<QTreeView>(window, "TV")), u"other=The Name") << "as a click on the same row does";
+  Select(window, {u"one"_s});
   dialogs_.ExpectMsgBox(u"Are you sure you want to delete Section one?"_s, u"Deletion Confirmation"_s,
                         MsgButtons::YesNo, MsgAnswer::Yes, MsgIcon::Question);
   window.DeleteSection();

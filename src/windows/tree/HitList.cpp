@@ -31,8 +31,8 @@ HitList::HitList(TreeFinder& finder, QWidget* parent)
   // By the rows in sight, or a million would be measured.
   header()->setResizeContentsPrecision(0);
   ShowColumns();
-  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex& current) {
-    if (!is_following_ && current.isValid()) finder_.Show(static_cast<std::size_t>(current.row()));
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection& selected) {
+    if (!is_following_ && !selected.isEmpty()) finder_.Show(static_cast<std::size_t>(selected.first().top()));
   });
   connect(this, &QTreeView::doubleClicked, this,
           [this](const QModelIndex& index) { emit Chosen(static_cast<std::size_t>(index.row())); });
@@ -47,9 +47,9 @@ void HitList::ShowColumns() {
 
 void HitList::Follow() {
   const std::optional<std::size_t> present = finder_.Chosen();
-  if (!present || *present >= static_cast<std::size_t>(rows_->rowCount())) return;
+  if (!present || *present >= static_cast<std::size_t>(rows_->rowCount())) return clearSelection();
   const QModelIndex index = rows_->index(static_cast<int>(*present), 0);
-  if (index.row() == currentIndex().row()) return;
+  if (selectionModel()->isSelected(index)) return;
   const QScopedValueRollback following(is_following_, true);
   setCurrentIndex(index);
 }
