@@ -161,6 +161,20 @@ void BM_WrapAndJump(benchmark::State& state) {
 }
 BENCHMARK(BM_WrapAndJump)->Unit(benchmark::kMillisecond)->Iterations(1);
 
+/// All lines of a text of 50 MB get the other end, and one that is painted.
+void BM_ChangeLineEnds(benchmark::State& state) {
+  TextEditor editor;
+  form_TXT& window = editor.Open(InputFile(kBytes / 2));
+  bool is_windows = true;
+  for (auto _ : state) {
+    is_windows = !is_windows;
+    window.ChangeLineEnds(is_windows ? LineEnds::CrLf : LineEnds::Lf);
+    QApplication::processEvents();
+  }
+  window.SavePlain({});
+}
+BENCHMARK(BM_ChangeLineEnds)->Unit(benchmark::kMillisecond)->Iterations(6);
+
 }  // namespace
 }  // namespace tme
 
