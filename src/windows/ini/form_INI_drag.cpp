@@ -1,7 +1,11 @@
 // Rows of form_INI that are dragged, and rows that are dropped on them.
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "base/LineReader.h"
@@ -140,7 +144,7 @@ void form_INI::TakeRows(const IniDraggedRows& rows, Qt::DropAction action, IniNo
   auto& from = static_cast<form_INI&>(*rows.From());
   const bool is_move = action == Qt::MoveAction, is_own = &from == this;
   const EditName name = is_move ? EditName::Move : EditName::Copy;
-  const std::vector<IniNode*> nodes = rows.Nodes();
+  const std::vector<IniNode*>& nodes = rows.Nodes();
   const std::string lines = from.LinesOfMany(nodes);
   std::vector<IniNode*> came;
   {

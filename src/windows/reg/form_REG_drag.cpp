@@ -1,6 +1,11 @@
 // Keys and values of form_REG that are dragged, and what is dropped on its keys.
 #include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "documents/reg/RegKeyWalk.h"
@@ -34,11 +39,22 @@ class RegDraggedRows : public DraggedRows {
   const RegTarget& What() const { return what_; }
   /// Whose values they are.
   const RegNode* Key() const { return key_; }
+  /// What stands in the way of the keys in a document, wherever they are dropped there. It is sought once.
+  const std::optional<std::string>& InTheWayOf(const RegDocument& document) const {
+    if (sought_in_ != &document || sought_revision_ != document.Revision())
+      in_the_way_ = ValueInTheWay(document, document_, what_.nodes);
+    sought_in_ = &document;
+    sought_revision_ = document.Revision();
+    return in_the_way_;
+  }
 
  private:
   const RegDocument& document_;
   const RegNode* const key_;
   const RegTarget what_;
+  mutable const RegDocument* sought_in_ = nullptr;
+  mutable std::uint64_t sought_revision_ = 0;
+  mutable std::optional<std::string> in_the_way_;
 };
 
 namespace {
@@ -149,7 +165,7 @@ bool form_REG::TakeLines(const std::string& lines, const RegTarget& what, RegNod
 void form_REG::TakeRows(const RegDraggedRows& rows, Qt::DropAction action, RegNode* key) {
   const WaitCursor wait_cursor;
   auto& from = static_cast<form_REG&>(*rows.From());
-  const RegTarget what = rows.What();
+  const RegTarget& what = rows.What();
   const bool is_move = action == Qt::MoveAction, is_own = &from == this;
   const bool moves_nodes = is_own && !IsWhole() && !what.is_in_list;
   const EditName name = is_move ? EditName::Move : EditName::Copy;
