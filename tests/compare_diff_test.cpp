@@ -58,7 +58,7 @@ TEST(CompareDiff, OfRegistryFilesTellsWhatTheySay) {
       {v5 +
            "[K]\n\"m\"=hex(7):41,00,00,00,42,00,00,00,00,00\n\"q\"=hex(b):01,00,00,00,00,00,00,00\n\"b\"=hex:01\nodd\n",
        v5 + "[K]\n\"a\\\\b\"=-\n",
-       " [K]\n+\"a\\\\b\"=-\n-\"m\"=multi:\"A\",\"B\"\n-\"q\"=qword:1\n-\"b\"=hex:01\n-odd\n"},
+       " [K]\n+\"a\\\\b\"=-\n-\"m\"=multi:\"A\",\"B\"\n-\"q\"=qword:0000000000000001\n-\"b\"=hex:01\n-odd\n"},
       {v5 + "[-K]\n[K\\S]\n", v5 + "[K\\S]\n[-k]\n", ">[-K]\n"},
   };
   for (const auto& it : cases) {

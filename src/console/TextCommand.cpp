@@ -7,69 +7,12 @@
 #include "console/Commands.h"
 #include "console/ConsoleFile.h"
 #include "console/RtfLines.h"
+#include "documents/reg/RegDataLine.h"
 #include "documents/reg/RegHex.h"
 #include "documents/reg/RegSourceLine.h"
 
 namespace tme::console {
 namespace {
-
-std::string_view MarkOfType(std::uint32_t type) {
-  switch (type) {
-    case reg_type::kExpandString:
-      return "expand:";
-    case reg_type::kMultiString:
-      return "multi:";
-    case reg_type::kLink:
-      return "link:";
-    case reg_type::kDword:
-      return "dword:";
-    case reg_type::kDwordBigEndian:
-      return "dword-be:";
-    case reg_type::kQword:
-      return "qword:";
-    default:
-      return {};
-  }
-}
-
-std::string Quoted(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : EscapedRegText(text)) {
-    if (c == '\n')
-      quoted += "\\n";
-    else if (c == '\r')
-      quoted += "\\r";
-    else
-      quoted += c;
-  }
-  return quoted += '"';
-}
-
-std::string HexNumber(std::uint64_t number, std::size_t digits) {
-  constexpr unsigned kBits = 4, kMask = 0xF;
-  std::string text(digits, '0');
-  for (std::size_t at = digits; at > 0; number >>= kBits) text[--at] = kHexDigits[number & kMask];
-  return text;
-}
-
-/// One line that does not depend on the version, wrapping and letter case of the file.
-std::string LineOfData(const RegData& data) {
-  constexpr std::size_t kDwordDigits = 8, kQwordDigits = 16;
-  std::string line(data.content == RegContent::Bytes ? HexMark(data.type) : MarkOfType(data.type));
-  switch (data.content) {
-    case RegContent::Text:
-      return line + Quoted(data.text);
-    case RegContent::Strings:
-      for (const std::string& string : data.strings)
-        line.append(&string == data.strings.data() ? "" : ",").append(Quoted(string));
-      return line;
-    case RegContent::Number:
-      return line + HexNumber(data.number, data.type == reg_type::kQword ? kQwordDigits : kDwordDigits);
-    case RegContent::Bytes:
-      return line + HexOfBytes(data.bytes);
-  }
-  return line;
-}
 
 void PutLines(std::string_view text, Streams& streams) {
   LineReader lines(text);
@@ -86,7 +29,7 @@ void PutRegPiece(const RegCoding& coding, RegPiece kind, std::string_view text, 
   for (const std::string_view comment : CommentsInHex(place->assignment.Of(text))) streams.PutLine(comment);
   std::string behind(text.substr(place->assignment.End()));
   while (behind.ends_with('\n') || behind.ends_with('\r')) behind.pop_back();
-  streams.PutLine(std::string(place->name.Of(text)) + "=" + LineOfData(*data) + behind);
+  streams.PutLine(std::string(place->name.Of(text)) + "=" + RegDataLine(*data) + behind);
 }
 
 Result Text(const Arguments& arguments, Streams& streams) {

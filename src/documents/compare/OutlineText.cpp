@@ -2,60 +2,12 @@
 #include <optional>
 
 #include "documents/compare/OutlineDiff.h"
-#include "documents/reg/RegHex.h"
+#include "documents/reg/RegDataLine.h"
 
 namespace tme {
 namespace {
 
 using Kind = OutlineChange::Kind;
-
-std::string Quoted(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : EscapedRegText(text)) {
-    if (c == '\r')
-      quoted += "\\r";
-    else if (c == '\n')
-      quoted += "\\n";
-    else
-      quoted += c;
-  }
-  return quoted += '"';
-}
-
-/// How the types of texts are named where they are shown decoded.
-std::string MarkOfText(std::uint32_t type) {
-  switch (type) {
-    case reg_type::kString:
-      return "";
-    case reg_type::kExpandString:
-      return "expand:";
-    case reg_type::kMultiString:
-      return "multi:";
-    case reg_type::kLink:
-      return "link:";
-    default:
-      return HexMark(type);
-  }
-}
-
-std::string LabelOf(const RegData& data) {
-  std::string label = MarkOfText(data.type);
-  switch (data.content) {
-    case RegContent::Text:
-      return label + Quoted(data.text);
-    case RegContent::Strings:
-      for (const std::string& string : data.strings)
-        label.append(label.back() == '"' ? "," : "").append(Quoted(string));
-      return label;
-    case RegContent::Number: {
-      RegCoding coding;
-      if (data.type == reg_type::kDword) return *EncodeAssignment(data, coding);
-      return (data.type == reg_type::kQword ? "qword:" : "dword-big-endian:") + std::to_string(data.number);
-    }
-    default:
-      return HexMark(data.type) + HexOfBytes(data.bytes);
-  }
-}
 
 /// Gathers lines below the labels of their groups.
 class DiffLines {
@@ -113,7 +65,7 @@ std::string ValueLabel(const Outline& outline, Outline::Index item) {
   if (outline.FileKind() == Outline::Kind::Ini || !it.has_value || outline.Coding().version == RegVersion::Regedit)
     return std::string(value);
   const std::optional<RegData> data = DecodeAssignment(value, outline.Coding());
-  return data ? LabelOf(*data) : std::string(value);
+  return data ? RegDataLine(*data) : std::string(value);
 }
 
 std::string ItemLabel(const Outline& outline, Outline::Index item) {
@@ -121,7 +73,7 @@ std::string ItemLabel(const Outline& outline, Outline::Index item) {
   const bool is_pair = outline.Coding().version == RegVersion::Regedit;
   std::string label = outline.NameOf(it);
   if (it.sort != Outline::Sort::Entry) return label;
-  if (outline.FileKind() == Outline::Kind::Reg && !is_pair) label = label.empty() ? "@" : Quoted(label);
+  if (outline.FileKind() == Outline::Kind::Reg && !is_pair) label = QuotedRegName(label);
   if (it.has_value) label.append("=").append(ValueLabel(outline, item));
   return label;
 }
