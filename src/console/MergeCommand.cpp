@@ -39,9 +39,10 @@ Result Merge(const Arguments& arguments, Streams& streams) {
   WriteOut(output, like.Encoded([&text](const PartSink& sink) { return sink(text); }), streams);
   const std::string name = output == "-" ? ours.File().Name() : std::string(output);
   for (const MergeConflict& conflict : merged->conflicts) {
-    const std::string blank = conflict.group.empty() || conflict.item.empty() ? "" : " ";
-    streams.Complain(name + ":" + std::to_string(conflict.line) + ": " + conflict.group + blank + conflict.item + ": " +
-                     std::string(WhatHappened(conflict.kind)));
+    std::string line = name;
+    line.append(":").append(std::to_string(conflict.line)).append(": ").append(conflict.group);
+    if (!conflict.group.empty() && !conflict.item.empty()) line.append(" ");
+    streams.Complain(line.append(conflict.item).append(": ").append(WhatHappened(conflict.kind)));
   }
   return merged->conflicts.empty() ? Result::Done : Result::Other;
 }
