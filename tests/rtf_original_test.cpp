@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "RtfProbe.h"
+#include "documents/rtf/RtfComparison.h"
 #include "documents/rtf/RtfOriginal.h"
 
 namespace tme::rtf {
@@ -136,6 +137,96 @@ TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
        "{\\colortbl;\\red18\\green52\\blue86;}{\\*\\unknown x}{\\f7\\cf1 a}b\\par}"},
   };
   for (const Case& it : cases) EXPECT_EQ(Edited(it.before, it.edit), it.after) << it.before;
+}
+
+/// Files of several makes: what stands around their text differs.
+constexpr std::string_view kFixtures[] = {
+    "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\pard one two\\par\\qc three\\par\\b four five\\par}",
+    "{\\rtf1\\ansi\\uc2{\\fonttbl\\f0 A;\\f1\\fcharset204 B;}{\\colortbl\\red1\\green1\\blue1;}{\\*\\x "
+    "y}\\pard\\plain\\cf0{\\f1 \\'e0\\'e1}"
+    " a\\u8364 ??b\\par{\\revised\\revauth1\\revdttm7 new}{\\deleted old}\\par\\pard{\\header h}last}\n\0",
+    "{\\rtf1{\\stylesheet{\\s1\\b x;}}\\pard\\s1{\\field{\\*\\fldinst HYPERLINK \"http://a\"}{\\fldrslt a b}} c\\line "
+    "d\\par"
+    "{\\*\\bkmkstart m}{\\footnote n}e\\par\\sect\\sectd f g\\par}",
+    "{\\rtf1\\pard a\\par\\trowd\\cellx900\\cellx1800\\pard\\intbl b c\\par d\\cell{\\b "
+    "e}\\cell\\row\\trowd\\cellx900\\pard\\intbl"
+    "\\cell\\row\\pard f\\par{\\*\\pn\\pnlvlblt}g\\par}",
+    "{\\rtf1\\trowd\\cellx900\\pard\\intbl a\\par\\itap2 "
+    "b\\nestcell{\\*\\nesttableprops\\trowd\\cellx500\\nestrow}{\\nonesttables\\par}"
+    "\\pard\\intbl c\\cell\\row\\pard d}} e} f",
+};
+
+/// The bytes of each paragraph, its end with it; in front of them what stands before all.
+std::vector<std::string> PartsOf(std::string_view bytes, const RtfSource& source) {
+  std::vector<std::string> parts;
+  std::size_t begin = source.header.end;
+  for (const RtfSource::Mark& mark : source.marks) {
+    parts.emplace_back(bytes.substr(begin, mark.end - begin));
+    begin = mark.end;
+  }
+  parts.emplace_back(bytes.substr(begin));
+  return parts;
+}
+
+using Edit = void (*)(RtfDocument&, std::size_t paragraph);
+
+void TypeInto(RtfDocument& document, std::size_t paragraph) {
+  const std::uint32_t text = TextStarts(document)[paragraph];
+  const std::size_t run = document.paragraphs[paragraph].first_run;
+  const bool is_empty = run == document.EndOfRuns(paragraph) || document.runs[run].object != 0;
+  if (is_empty) return;
+  document.text.insert(text + document.runs[run].bytes, "z");
+  ++document.runs[run].bytes;
+}
+
+void Embolden(RtfDocument& document, std::size_t paragraph) {
+  for (std::size_t run = document.paragraphs[paragraph].first_run; run < document.EndOfRuns(paragraph); ++run) {
+    CharFormat format = document.char_formats[document.runs[run].format];
+    format.bold = !format.bold;
+    document.char_formats.push_back(format);
+    document.runs[run].format = static_cast<std::uint32_t>(document.char_formats.size() - 1);
+  }
+}
+
+void Center(RtfDocument& document, std::size_t paragraph) {
+  ParagraphFormat format = document.paragraph_formats[document.paragraphs[paragraph].format];
+  format.alignment = Alignment::Right;
+  document.paragraph_formats.push_back(format);
+  document.paragraphs[paragraph].format = static_cast<std::uint32_t>(document.paragraph_formats.size() - 1);
+}
+
+void Double(RtfDocument& document, std::size_t paragraph) {
+  const auto place = document.paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph);
+  const Paragraph empty = *place;
+  document.paragraphs.insert(place, empty);
+}
+
+// The bytes of all other paragraphs stay as they are, whatever is around.
+TEST(RtfOriginal, AnEditStaysInItsParagraph) {
+  const Edit edits[] = {TypeInto, Embolden, Center, Double};
+  for (const std::string_view bytes : kFixtures) {
+    RtfSource source;
+    const RtfDocument read = ReadRtf(bytes, BytesToUtf8, &source);
+    ASSERT_EQ(source.marks.size(), read.paragraphs.size());
+    RtfOriginal original(std::string(bytes), read, source);
+    original.SetUnedited(read);
+    EXPECT_EQ(original.WithEdits(read, BytesToUtf8), bytes);
+    const std::vector<std::string> parts = PartsOf(bytes, source);
+    for (std::size_t paragraph = 0; paragraph < read.paragraphs.size(); ++paragraph) {
+      for (std::size_t edit = 0; edit < std::size(edits); ++edit) {
+        RtfDocument edited = read;
+        edits[edit](edited, paragraph);
+        const std::optional<std::string> result = original.WithEdits(edited, BytesToUtf8);
+        const auto which = ::testing::Message() << bytes << "\nparagraph " << paragraph << ", edit " << edit;
+        ASSERT_TRUE(result) << which;
+        std::size_t at = 0;
+        for (std::size_t part = 0; part < parts.size() && at != std::string::npos; ++part)
+          if (part != paragraph) at = result->find(parts[part], at);
+        EXPECT_NE(at, std::string::npos) << which << "\n" << *result;
+        EXPECT_EQ(Read(*result).text, edited.text) << which;
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -148,13 +148,26 @@ TEST(RtfReader, WhatStandsAroundTheText) {
   EXPECT_EQ(document.colors, (std::vector<std::uint32_t>{0, 0, 0x010203}));
 }
 
+TEST(RtfReader, MacintoshFonts) {
+  const std::pair<int, std::pair<std::string_view, std::string_view>> fonts[] = {
+      {78, {"\\'82\\'a0", "\u3042"}}, {80, {"\\'d6\\'d0", "\u4E2D"}}, {83, {"\\'e0", "\u05D0"}},
+      {84, {"\\'c7", "\u0627"}},      {85, {"\\'b0", "\u0391"}},      {86, {"\\'dd", "\u0131"}},
+      {88, {"\\'8b", "\u010D"}},      {89, {"\\'df", "\u044F"}}};
+  for (const auto& [charset, text] : fonts) {
+    const std::string begin = "{\\rtf1{\\fonttbl{\\f0\\fcharset" + std::to_string(charset) + " M;}}";
+    EXPECT_EQ(Read(begin + std::string(text.first) + "}").text, text.second) << charset;
+  }
+}
+
 TEST(RtfReader, BrokenFiles) {
   struct Broken {
     std::string bytes, expected, losses;
   };
   std::string deep = "{\\rtf1 a";
   for (int i = 0; i < 300'000; ++i) deep += '{';
-  const std::array<Broken, 14> cases = {{
+  const std::string deep_text = "{\\rtf1 a" + deep.substr(8, 2000) +
+                                "\\b b{\\field{\\*\\fldinst PAGE}{\\fldrslt c}}\\u233?" + std::string(2000, '}') + "d}";
+  const std::array<Broken, 16> cases = {{
       {"", "|", "not-rtf "},
       {"plain \xC3\xA9\r\nb\rc\n", "plain \u00E9|b|c|", "not-rtf "},
       {"\xE9", "\u00E9|", "not-rtf "},
@@ -162,13 +175,15 @@ TEST(RtfReader, BrokenFiles) {
       {"{\\rtf1 a\\u27 ?\\u10 ?\\'0d\\'07}", "a\x1B$\x07|", ""},
       {"{\\rtf", "|", "early "},
       {"{\\rtf1 a{\\b b", "a[b:b]|", "early "},
-      {"{\\rtf1 a}b}c", "abc|", "early "},
+      {"{\\rtf1 a}b}c", "ab|", "early "},
       {"{\\rtf1 a}} \r\n", "a|", "early "},
       {"{\\rtf1 a\\", "a|", "early "},
       {"{\\rtf1 a\\bin99 b}", "a|", "early "},
       {"{\\rtf1 a{\\*\\x {b\\bin9 c}", "a<invisible {\\*\\x {b}}>|", "early "},
       {"{\\rtf1\\fs99999999999 a\\'zz\\'4", "[fs3276:azz4]|", "early "},
       {deep, "a|", "limits 1 early "},
+      {deep_text, "abc\u00E9d|", "limits 1 "},
+      {"{\\rtf1 a}\nb\1", "a|", ""},
   }};
   for (const Broken& it : cases) {
     const RtfDocument document = Read(it.bytes);

@@ -233,6 +233,7 @@ TEST(RtfWriterTest, TextOfABrokenFileComesBack) {
       {"half a character in a kept group", R"(a{\u-10179?\footnote x}b)"},
       {"a fallback in a kept group", R"(\uc3{\u10 abc\footnote x}d)"},
       {"binary data in a kept group", R"(\uc2 a{\bin4 }}}}\footnote \u65 ab}c)"},
+      {"bytes behind the last brace", "a}\nb{c"},
       {"fields in a thousand groups", nested + "text" + std::string(900, '}')},
   };
   for (const auto& [name, body] : cases) {

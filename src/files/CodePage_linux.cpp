@@ -11,6 +11,7 @@
 
 #include "base/Utf8.h"
 #include "files/CodePage.h"
+#include "files/MacCodePages_linux.h"
 #include "files/TextEncoding.h"
 
 namespace tme {
@@ -48,6 +49,8 @@ using Converter = std::unique_ptr<void, CloseConverter>;
 Converter OpenConverter(int code_page) {
   std::array<std::string, 2> names{"CP" + std::to_string(code_page), "IBM" + std::to_string(code_page)};
   if (code_page == 10000) names[0] = "MACINTOSH";
+  if (code_page == 10007) names[0] = "MAC-CYRILLIC";
+  if (code_page == 10029) names[0] = "MAC-CENTRALEUROPE";
   if (code_page == 1361) names[0] = "JOHAB";
   if (code_page == 65001) names[0] = "UTF-8";
   for (const std::string& name : names) {
@@ -69,11 +72,23 @@ iconv_t ConverterOf(int code_page) {
   return found->second.get();
 }
 
+std::string DecodeWith(const std::array<char16_t, 128>& high_half, std::string_view bytes) {
+  std::string text;
+  std::array<char, utf8::kMaxCharacterBytes> character;
+  for (const char each : bytes) {
+    const auto byte = static_cast<unsigned char>(each);
+    const char32_t value = byte < kFirstSpecial ? byte : high_half[byte - kFirstSpecial];
+    text.append(character.data(), utf8::PutCharacter(value, character.data()));
+  }
+  return text;
+}
+
 }  // namespace
 
 TextEncoding SystemUnicode() { return TextEncoding::Utf8; }
 
 std::string BytesToUtf8(int code_page, std::string_view bytes) {
+  if (const auto* const high_half = MacCodePage(code_page)) return DecodeWith(*high_half, bytes);
   static std::mutex one_at_a_time;  // a converter has a state
   const std::lock_guard lock(one_at_a_time);
   iconv_t converter = ConverterOf(code_page);

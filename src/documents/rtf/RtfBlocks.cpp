@@ -7,6 +7,14 @@
 #include "documents/rtf/RtfInternTable.h"
 
 namespace tme::rtf {
+namespace {
+
+/// The cell around a table, counted in its block from 1; 0 where it stands in none.
+std::uint32_t ParentIn(const Table& table, const RtfBlock& block) {
+  return table.parent_cell < 0 ? 0 : static_cast<std::uint32_t>(table.parent_cell) - block.cell + 1;
+}
+
+}  // namespace
 
 RtfBlocks::RtfBlocks(const RtfDocument& document)
     : cells_(document.cells), rows_(document.rows), tables_(document.tables) {
@@ -27,16 +35,18 @@ bool RtfBlocks::FindBlocks(const RtfDocument& document) {
   const auto outer_of = [&](std::int32_t of) { return outer[rows_[cells_[static_cast<std::size_t>(of)].row].table]; };
   for (std::uint32_t i = 0; i < document.paragraphs.size(); ++i) {
     const std::int32_t own = document.paragraphs[i].cell;
-    const bool goes_on = own >= 0 && !blocks_.empty() && blocks_.back().IsTable() &&
-                         blocks_.back().table == outer_of(own) && block_of_.back() + 1 == blocks_.size();
+    const bool goes_on = own >= 0 && !blocks_.empty() && outer_of(own) >= blocks_.back().table &&
+                         outer_of(own) < blocks_.back().table_end && block_of_.back() + 1 == blocks_.size();
     if (!goes_on) {
       RtfBlock block{.paragraph = i, .cell = cell, .row = row, .table = table};
-      // The parts of a table stand side by side.
+      // The parts of a table stand side by side; those of one without any paragraph come before the one that took its
+      // place.
       if (own >= 0) {
-        if (outer_of(own) != table) return false;
-        while (table < tables_.size() && outer[table] == block.table) ++table;
-        while (row < rows_.size() && outer[rows_[row].table] == block.table) ++row;
-        while (cell < cells_.size() && outer[rows_[cells_[cell].row].table] == block.table) ++cell;
+        const std::uint32_t last = outer_of(own);
+        if (last < table) return false;
+        while (table < tables_.size() && outer[table] <= last) ++table;
+        while (row < rows_.size() && outer[rows_[row].table] <= last) ++row;
+        while (cell < cells_.size() && outer[rows_[cells_[cell].row].table] <= last) ++cell;
       }
       block.cell_end = cell, block.row_end = row, block.table_end = table;
       blocks_.push_back(block);
@@ -68,8 +78,7 @@ std::uint64_t RtfBlocks::HashOf(std::size_t block) const {
   }
   for (std::uint32_t i = it.row; i < it.row_end; ++i)
     hash = MixHash(MixHash(hash, rows_[i].table - it.table), std::hash<std::string>{}(rows_[i].definition));
-  for (std::uint32_t i = it.table + 1; i < it.table_end; ++i)
-    hash = MixHash(hash, static_cast<std::uint32_t>(tables_[i].parent_cell) - it.cell);
+  for (std::uint32_t i = it.table + 1; i < it.table_end; ++i) hash = MixHash(hash, ParentIn(tables_[i], it));
   return hash;
 }
 
@@ -92,9 +101,7 @@ bool RtfBlocks::IsLike(std::size_t block, const RtfBlocks& others, std::size_t o
       return false;
   }
   for (std::uint32_t i = 1; i < tables; ++i)
-    if (static_cast<std::uint32_t>(tables_[one.table + i].parent_cell) - one.cell !=
-        static_cast<std::uint32_t>(others.tables_[two.table + i].parent_cell) - two.cell)
-      return false;
+    if (ParentIn(tables_[one.table + i], one) != ParentIn(others.tables_[two.table + i], two)) return false;
   return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "base/Utf8.h"
 #include "documents/rtf/RtfDocument.h"
@@ -35,9 +36,19 @@ struct CharsetPage {
   int charset;
   int page;
 };
-constexpr CharsetPage kCharsetPages[] = {{0, 1252},   {77, 10000}, {128, 932},  {129, 949},  {130, 1361}, {134, 936},
-                                         {136, 950},  {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256},
-                                         {186, 1257}, {204, 1251}, {222, 874},  {238, 1250}, {254, 437},  {255, 850}};
+// The double-byte ones of the Macintosh are those of Windows but for a few signs.
+constexpr CharsetPage kCharsetPages[] = {{0, 1252},   {77, 10000}, {78, 932},   {79, 949},   {80, 936},   {81, 950},
+                                         {83, 10005}, {84, 10004}, {85, 10006}, {86, 10081}, {87, 874},   {88, 10029},
+                                         {89, 10007}, {128, 932},  {129, 949},  {130, 1361}, {134, 936},  {136, 950},
+                                         {161, 1253}, {162, 1254}, {163, 1258}, {177, 1255}, {178, 1256}, {186, 1257},
+                                         {204, 1251}, {222, 874},  {238, 1250}, {254, 437},  {255, 850}};
+
+/// Of a page of several bytes, or the Thai one, of the Macintosh.
+int WindowsPageOf(int page) {
+  constexpr std::pair<int, int> kPages[] = {{10001, 932}, {10002, 950}, {10003, 949}, {10008, 936}, {10021, 874}};
+  const auto known = std::ranges::find(kPages, page, &std::pair<int, int>::first);
+  return known != std::end(kPages) ? known->second : page;
+}
 
 bool IsDoubleByte(int page) { return page == 932 || page == 936 || page == 949 || page == 950 || page == 1361; }
 
@@ -123,6 +134,7 @@ void CodePage::Store(Entry& entry, std::string_view text) {
 }
 
 CodePage& CodePages::Get(int number) {
+  number = WindowsPageOf(number);
   for (const auto& [known, page] : pages_) {
     if (known == number) return *page;
   }

@@ -155,7 +155,7 @@ struct Losses {
   std::uint32_t unknown_characters = 0;  ///< bytes that the file's code page has no character for
   std::uint32_t limits = 0;              ///< parts over a limit (RtfReader.h), left out
   bool deep_tables = false;        ///< over RtfReader.h's limit; their text stands in the innermost that is within
-  bool ended_early = false;        ///< the file ends inside a group, or goes on after the last one
+  bool ended_early = false;        ///< the file ends inside a group, or has more ends than groups
   bool not_rtf = false;            ///< it does not begin with {\rtf; its bytes are shown as text
   std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
   bool operator==(const Losses&) const = default;
@@ -193,6 +193,8 @@ struct RtfDocument {
   std::string document_controls;
   /// Headers and footers, as they came.
   std::string kept_section;
+  /// Bytes behind the last brace, as they came.
+  std::string kept_behind;
   Losses losses;
 
   /// Where the runs of a paragraph end, an index into `runs`.

@@ -125,8 +125,18 @@ class BlockHunks {
     for (RtfHunk hunk : DiffNumbers(before, after)) {
       hunk.before_begin += all.before_begin, hunk.before_end += all.before_begin;
       hunk.after_begin += all.after_begin, hunk.after_end += all.after_begin;
-      hunks_.push_back(hunk);
+      AddInParts(hunk);
     }
+  }
+  /// Many paragraphs, each with an edit, are compared one by one.
+  void AddInParts(RtfHunk hunk) {
+    constexpr std::size_t kMostTogether = 64;
+    const auto is_large = [&hunk] {
+      return std::min(hunk.before_end - hunk.before_begin, hunk.after_end - hunk.after_begin) > kMostTogether;
+    };
+    for (; is_large(); ++hunk.before_begin, ++hunk.after_begin)
+      hunks_.push_back({hunk.before_begin, hunk.before_begin + 1, hunk.after_begin, hunk.after_begin + 1});
+    hunks_.push_back(hunk);
   }
 
   const RtfDigest& before_;

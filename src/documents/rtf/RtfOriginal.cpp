@@ -112,6 +112,7 @@ RtfOriginal::RtfOriginal(std::string bytes, const RtfDocument& document, RtfSour
       kept_header_(document.kept_header),
       kept_section_(document.kept_section),
       document_controls_(document.document_controls),
+      kept_behind_(document.kept_behind.size()),
       ended_early_(document.losses.ended_early),
       fonts_(document.fonts.size()) {}
 
@@ -161,7 +162,8 @@ std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, con
     if (failures.empty()) {
       const RtfDocument read = ReadRtf(bytes, decode);
       const bool same_rest = read.kept_header == kept_header_ && read.kept_section == kept_section_ &&
-                             read.document_controls == document_controls_ && read.losses.ended_early == ended_early_;
+                             read.document_controls == document_controls_ && read.kept_behind.size() == kept_behind_ &&
+                             read.losses.ended_early == ended_early_;
       failures = same_rest ? Check(sides, read, tables.UnnamedFont()).Run(hunks) : Check::All(hunks);
       if (failures.empty()) return bytes;
     }

@@ -46,6 +46,7 @@ class RtfOriginal {
   std::string kept_header_;
   std::string kept_section_;
   std::string document_controls_;
+  std::size_t kept_behind_;  ///< its bytes
   bool ended_early_;
   std::size_t fonts_;
   RtfDigest unedited_;

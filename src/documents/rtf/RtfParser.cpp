@@ -80,9 +80,9 @@ void Parser::ReadStar() {
 void Parser::OpenGroup() {
   decoder_.Flush();
   decoder_.EndFallback();
+  // What is deeper looks like the text around it.
   if (states_.size() > static_cast<std::size_t>(kMaxGroupDepth)) {
-    ++document_.losses.limits;
-    tokens_.TakeGroup(token_.begin, nullptr);
+    if (too_deep_++ == 0) ++document_.losses.limits;
     return;
   }
   if (states_.size() == 2) NoteHeader();
@@ -97,6 +97,10 @@ void Parser::OpenGroup() {
 void Parser::CloseGroup() {
   decoder_.Flush();
   decoder_.EndFallback();
+  if (too_deep_ > 0) {
+    --too_deep_;
+    return;
+  }
   if (states_.size() <= 2) return CloseRoot();
   const State closed = Top();
   states_.pop_back();
@@ -111,19 +115,25 @@ void Parser::CloseGroup() {
   NoteHeaderEnd();
 }
 
-/// A brace too many does not end the text when more of it follows.
+/// A brace too many does not end the text when more of it follows before another one. What stands behind the last one
+/// is none.
 void Parser::CloseRoot() {
   if (tokens_.Position() <= text_behind_braces_) return;
   NoteHeader();
   root_end_ = token_.begin;
-  const std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
-  const std::size_t text = rest.find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7));
-  if (text != std::string_view::npos) {
-    text_behind_braces_ = tokens_.Position() + text;
+  constexpr std::string_view kNothing(" \t\r\n\0\x1A", 6);
+  std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
+  const std::size_t last_brace = rest.rfind('}');
+  if (last_brace != std::string_view::npos) {
+    const std::size_t text = rest.substr(0, last_brace).find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7));
     document_.losses.ended_early = true;
-    return;
+    if (text != std::string_view::npos) {
+      text_behind_braces_ = tokens_.Position() + text;
+      return;
+    }
+    rest.remove_prefix(last_brace + 1);
   }
-  document_.losses.ended_early = document_.losses.ended_early || rest.find('}') != std::string_view::npos;
+  if (rest.find_first_not_of(kNothing) != std::string_view::npos) document_.kept_behind = rest;
   tokens_.Seek(tokens_.Bytes().size());
   is_closed_ = true;
 }

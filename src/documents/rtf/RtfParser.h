@@ -116,6 +116,7 @@ class Parser : private TextDecoder::Sink {
   void ApplyDefaultFont();
 
   // RtfParserGroups.cpp: control words that say what their group is.
+  void ReadDeepWord(const ControlWord& word);
   void ReadGroupWord(const ControlWord& word);
   void ReadBodyGroup(const ControlWord& word);
   void ReadUnknownGroup();
@@ -154,6 +155,7 @@ class Parser : private TextDecoder::Sink {
   std::size_t effects_ = 0;                 ///< grows with what a group does beyond its own end
   ListKind list_of_text_ = ListKind::None;  ///< of the paragraph's \pntext or \listtext
 
+  std::size_t too_deep_ = 0;            ///< how many groups over the limit are open
   bool is_closed_ = false;              ///< the last brace came
   std::size_t root_end_ = 0;            ///< where that stands
   std::size_t text_behind_braces_ = 0;  ///< where more text is known to stand

@@ -31,7 +31,7 @@ void SayUnicodeSkip(std::string& group, int skip) {
 
 /// The group that the control word stands in, as it came; it is closed.
 std::string Parser::TakeGroup() {
-  const bool is_whole = Top().has_only_words;
+  const bool is_whole = Top().has_only_words && too_deep_ == 0;
   const int skip = (is_whole ? states_.end()[-2] : Top()).encoding.unicode_skip;
   object_begin_ = is_whole ? Top().begin : kUnknown;
   std::string group;
@@ -48,6 +48,10 @@ void Parser::SkipGroup() {
 }
 
 void Parser::LeaveGroup() {
+  if (too_deep_ > 0) {
+    --too_deep_;
+    return;
+  }
   if (Top().owns_paragraph) paragraphs_.pop_back();
   states_.pop_back();
   NoteHeaderEnd();
@@ -65,6 +69,26 @@ void Parser::ReadUnknownGroup() {
     KeepInvisible(TakeGroup());
   } else {
     document_.kept_header += TakeGroup();
+  }
+}
+
+/// In a group over the limit, which has no formats and tables of its own.
+void Parser::ReadDeepWord(const ControlWord& word) {
+  switch (word.control) {
+    case Control::Field:
+    case Control::TransparentGroup:
+    case Control::TwoForms:
+    case Control::UnicodeForm:
+    case Control::NestedTableProperties:
+      return;
+    case Control::FontTable:
+    case Control::ColorTable:
+    case Control::LegacyNumbering:
+    case Control::FieldInstruction:
+      return SkipGroup();
+    default:
+      if (word.control_class == ControlClass::Text) return ReadTextWord(word);
+      if (word.control_class == ControlClass::Group) ReadGroupWord(word);
   }
 }
 

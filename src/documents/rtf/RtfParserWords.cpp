@@ -144,6 +144,7 @@ std::string_view Parser::RawWord() const {
 void Parser::ReadWord(const ControlWord& word) {
   if (word.control == Control::Character && decoder_.SkipFallback(token_.end)) return;
   if (word.control != Control::Unicode) decoder_.EndFallback();
+  if (too_deep_ > 0 && IsBody()) return ReadDeepWord(word);
   const Destination destination = Top().destination;
   if (word.control_class == ControlClass::Group) {
     if (!IsOfField(word.control)) ++effects_;

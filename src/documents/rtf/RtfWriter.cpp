@@ -34,7 +34,10 @@ bool WriteRtf(const RtfDocument& document, const PartSink& sink) {
   WriteHeader(document, out);
   RtfBodyWriter(document, out).WriteAll();
   out.Close();
-  out.LineEnd();
+  if (document.kept_behind.empty())
+    out.LineEnd();
+  else
+    out.Kept(document.kept_behind);
   return out.Finish();
 }
 
