@@ -7,8 +7,10 @@
 #include <QTreeView>
 
 #include "Editor.h"
+#include "shell/DocumentArea.h"
 #include "shell/NoticeBar.h"
 #include "shell/OpenDispatch.h"
+#include "shell/Settings.h"
 #include "windows/reg/form_REG.h"
 
 namespace tme {
@@ -26,6 +28,14 @@ class RegWindow : public Editor {
   void Open(const std::string& bytes) {
     Start();
     OpenPathList(global_, File(u"a.reg"_s, bytes));
+  }
+  /// A document of any kind, in the way of holding it that counts from now on.
+  template <class Window>
+  Window& OpenAs(const QString& name, const std::string& bytes, Holding holding) {
+    if (!frame_->isVisible()) Start();
+    global_.settings.ini_whole = global_.settings.reg_whole = holding == Holding::Whole;
+    OpenPathList(global_, File(name, bytes));
+    return dynamic_cast<Window&>(*global_.area.ActiveDocument());
   }
   QTreeView* View(const QString& name) { return Reg().findChild<QTreeView*>(name); }
   QString Notice() { return Reg().findChild<NoticeBar*>()->Text(); }

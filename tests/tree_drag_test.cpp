@@ -5,7 +5,6 @@
 
 #include "RegWindow.h"
 #include "shell/DocumentArea.h"
-#include "shell/Settings.h"
 #include "windows/tree/RowDragView.h"
 
 using namespace tme;
@@ -18,10 +17,7 @@ class RowsDragged : public RegWindow {
  protected:
   template <class Window>
   Window& OpenAs(const QString& name, const std::string& bytes, Holding holding) {
-    if (!frame_->isVisible()) Start();
-    global_.settings.ini_whole = global_.settings.reg_whole = holding == Holding::Whole;
-    OpenPathList(global_, File(name, bytes));
-    auto& window = dynamic_cast<Window&>(*global_.area.ActiveDocument());
+    auto& window = RegWindow::OpenAs<Window>(name, bytes, holding);
     Tree(window).expandAll();
     return window;
   }

@@ -2,8 +2,6 @@
 #include <QGuiApplication>
 
 #include "RegWindow.h"
-#include "shell/DocumentArea.h"
-#include "shell/Settings.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -13,13 +11,6 @@ namespace {
 /// Several rows of a tree or list, selected as a user does.
 class ManyRows : public RegWindow {
  protected:
-  template <class Window>
-  Window& OpenAs(const QString& name, const std::string& bytes, Holding holding) {
-    if (!frame_->isVisible()) Start();
-    global_.settings.ini_whole = global_.settings.reg_whole = holding == Holding::Whole;
-    OpenPathList(global_, File(name, bytes));
-    return dynamic_cast<Window&>(*global_.area.ActiveDocument());
-  }
   static void Extend(QTreeView* view, const QModelIndex& index) {
     view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
   }
