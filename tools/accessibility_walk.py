@@ -243,6 +243,7 @@ def main():
     dialog("Tools", "Options...", each=check_tabs)
     dialog("Help", "About")
     dialog("Tools", "SYSEDIT")
+    dialog("Tools", "Compare Files...")
 
     activate(frame, "notes.txt", ("Search", "Find Again"))
     dialog("Search", "Find")

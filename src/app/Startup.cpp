@@ -22,6 +22,7 @@
 #include "system/RegistryAccess.h"
 #include "system/SessionEnd.h"
 #include "system/ShellUtilities.h"
+#include "windows/history/form_Compare.h"
 #include "windows/history/form_History.h"
 #include "windows/ini/form_INI.h"
 #include "windows/options/ShellIntegration.h"
@@ -136,6 +137,7 @@ int RunFrame(QApplication& application, RegistryAccess& registry, InstanceLink& 
         .exec();
   });
   global.menus.Handle("menu_ToolsHistory", [&] { form_History(global, &frame).exec(); });
+  global.menus.Handle("menu_ToolsCompare", [&] { form_Compare(global, &frame).exec(); });
   SessionShutdown shutdown(frame);
   const SessionEnd session_end([&shutdown](SessionEnd::Questions questions) { shutdown.EndSession(questions); });
   frame.MDIForm_Load(texts);

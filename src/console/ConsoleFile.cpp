@@ -1,15 +1,13 @@
 #include "console/ConsoleFile.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <utility>
 
 #include "base/LineReader.h"
 #include "base/Utf8.h"
+#include "documents/compare/FileKind.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniSourceLine.h"
-#include "documents/reg/RegSourceLine.h"
 #include "documents/reg/RegWholeReader.h"
 #include "files/CodePage.h"
 #include "files/FileBytes.h"
@@ -20,27 +18,6 @@ namespace tme::console {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::optional<DocumentKind> KindNamed(std::string_view name) {
-  std::string upper(name);
-  std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return static_cast<char>(std::toupper(c)); });
-  if (upper == "INF") return DocumentKind::Ini;
-  const auto found =
-      std::find_if(kKinds.begin(), kKinds.end(), [&upper](DocumentKind k) { return NameOf(k) == upper; });
-  return found == kKinds.end() ? std::nullopt : std::optional(*found);
-}
-
-std::optional<DocumentKind> KindOfName(std::string_view name) {
-  const std::size_t dot = name.rfind('.');
-  return dot == std::string_view::npos ? std::nullopt : KindNamed(name.substr(dot + 1));
-}
-
-DocumentKind KindOfText(std::string_view text) {
-  LineReader lines(text);
-  std::string_view line;
-  lines.Next(line);
-  return VersionOfLine(line) ? DocumentKind::Reg : DocumentKind::Ini;
-}
 
 fs::path PathOrFail(const std::string& name) {
   const auto path = PathOfArgument(name);

@@ -188,6 +188,7 @@ constexpr std::array kRows{
     Row{"menu_Tools", "menu_ToolsOptions", QT_TR_NOOP("&Options..."), kAlways, nullptr},
     Row{"menu_Tools", "menu_ToolsContents", QT_TR_NOOP("Show What This File &Contains..."), kRtf, "ShowContents"},
     Row{"menu_Tools", "menu_ToolsHistory", QT_TR_NOOP("File &History..."), kAlways, nullptr, "file-history"},
+    Row{"menu_Tools", "menu_ToolsCompare", QT_TR_NOOP("Compare &Files..."), kAlways, nullptr},
     Row{"menu_Tools", "ASDF", "ASDF", kNever, nullptr},
 
     OpenMenu("", "md_menu_window", QT_TR_NOOP("&Window")),

@@ -45,17 +45,6 @@ bool IsSameFile(const QString& path, const QString& other) {
   return path == other || std::filesystem::equivalent(FilePath(path), FilePath(other), error);
 }
 
-/// A document that holds the file; one of the kind before others, null for none.
-DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind kind) {
-  DocumentWindow* found = nullptr;
-  global.documents.ForEachOpen([&](DocumentWindow& window) {
-    const QString& other = window.File().Path();
-    if (other.isEmpty() || (found && found->Kind() == kind)) return;
-    if ((!found || window.Kind() == kind) && IsSameFile(path, other)) found = &window;
-  });
-  return found;
-}
-
 struct OpenRequest {
   enum class SecondOpen : std::uint8_t { ShowsTheFirst, IsWanted };
   SecondOpen second = SecondOpen::ShowsTheFirst;
@@ -112,6 +101,16 @@ DocumentKind KindOfFilterEntry(const Global& global, int filter_index, const QSt
 }
 
 }  // namespace
+
+DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind kind) {
+  DocumentWindow* found = nullptr;
+  global.documents.ForEachOpen([&](DocumentWindow& window) {
+    const QString& other = window.File().Path();
+    if (other.isEmpty() || (found && found->Kind() == kind)) return;
+    if ((!found || window.Kind() == kind) && IsSameFile(path, other)) found = &window;
+  });
+  return found;
+}
 
 QString InitialOpenFolder(const Global& global) {
   for (const QString& folder :

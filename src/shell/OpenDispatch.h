@@ -21,6 +21,9 @@ void OpenWholePath(Global& global, const QString& path, DocumentFile::Recent rec
 /// Opens an existing file in a window of the kind that its name tells, whatever blanks stand in it; then cascades.
 void OpenFileByName(Global& global, const QString& path);
 
+/// A document that holds the file, through links or not; one of the kind before others, null for none.
+DocumentWindow* WindowOfFile(Global& global, const QString& path, DocumentKind kind);
+
 /// Shows the Open dialog and opens what was chosen; the windows are cascaded at the end.
 void OpenFileDialog(Global& global);
 

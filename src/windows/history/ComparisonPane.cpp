@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace tme {
 
-ComparisonPane::ComparisonPane(QWidget* parent)
+ComparisonPane::ComparisonPane(const QString& text_name, QWidget* parent)
     : QWidget(parent),
       lbl_Difference(PlainLabel()),
       lbl_Place(PlainLabel()),
@@ -34,7 +34,7 @@ ComparisonPane::ComparisonPane(QWidget* parent)
   SetTip(*chk_DifferencesOnly, tr("Without the lines that are the same, but for a few around each difference"));
   connect(chk_DifferencesOnly, &QCheckBox::toggled, this, &ComparisonPane::ShowLines);
   txt_Version->setObjectName(u"txt_Version"_s);
-  txt_Version->setAccessibleName(tr("The version's text, with the difference to now"));
+  txt_Version->setAccessibleName(text_name);
   connect(txt_Version, &DifferenceView::CaretMoved, this, &ComparisonPane::ShowPlace);
 
   auto* row = new QHBoxLayout;
@@ -80,13 +80,20 @@ void ComparisonPane::SetBy(ComparedBy by) { chk_ByStructure->setChecked(by == Co
 
 void ComparisonPane::OfferStructure(bool structured) { chk_ByStructure->setEnabled(structured); }
 
-bool ComparisonPane::HasCutLines() const { return txt_Version->HasCutLines(); }
-
 void ComparisonPane::Say(const QString& sentence) { lbl_Difference->setText(sentence); }
 
 void ComparisonPane::Show(std::shared_ptr<const VersionComparison> comparison) {
   comparison_ = std::move(comparison);
   ShowLines();
+}
+
+void ComparisonPane::ShowAndSay(std::shared_ptr<const VersionComparison> comparison, const QString& sentence) {
+  Show(std::move(comparison));
+  Say(txt_Version->HasCutLines()
+          ? sentence + u' ' +
+                tr("Lines of more than %1 bytes are shown in part, from where they differ.")
+                    .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)))
+          : sentence);
 }
 
 void ComparisonPane::ShowLines() {
@@ -105,6 +112,7 @@ void ComparisonPane::ShowPlace() {
                          ? QString()
                          : tr("Difference %1 of %2")
                                .arg(QLocale().toString(txt_Version->CurrentDifference()), QLocale().toString(count)));
+  lbl_Place->setVisible(count > 0);
   chk_DifferencesOnly->setEnabled(count > 0);
   cmd_Previous->setEnabled(txt_Version->HasPrevious());
   cmd_Next->setEnabled(txt_Version->HasNext());

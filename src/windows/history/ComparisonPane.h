@@ -22,17 +22,18 @@ class ComparisonPane : public QWidget {
   Q_OBJECT
 
  public:
-  explicit ComparisonPane(QWidget* parent = nullptr);
+  /// text_name: of the lines, for screen readers.
+  explicit ComparisonPane(const QString& text_name, QWidget* parent = nullptr);
 
   /// Replaces the lines; null shows none.
   void Show(std::shared_ptr<const VersionComparison> comparison);
   void Say(const QString& sentence);
+  /// Both, and whether lines are too long to be shown whole.
+  void ShowAndSay(std::shared_ptr<const VersionComparison> comparison, const QString& sentence);
   /// What is compared, which the user chooses. structured: whether the content has more than lines.
   ComparedBy By() const;
   void SetBy(ComparedBy by);
   void OfferStructure(bool structured);
-  /// Whether a line is too long to be shown whole.
-  bool HasCutLines() const;
   /// What takes the focus, in its order.
   QList<QWidget*> TabOrder() const;
 

@@ -54,12 +54,15 @@ DocumentWindow* VersionCommands::WindowOf(const KeptVersion& version) const {
   return found;
 }
 
-std::optional<std::string> VersionCommands::UnsavedNow(const KeptVersion& version) const {
-  DocumentWindow* window = WindowOf(version);
+std::optional<std::string> VersionCommands::UnsavedOf(DocumentWindow* window) {
   // What a save would write may leave out what the file has: without edits, the file counts.
-  const bool in_file = window && !window->IsModified() && QFileInfo::exists(version.origin.path);
+  const bool in_file = window && !window->IsModified() && QFileInfo::exists(window->File().Path());
   if (!window || in_file) return std::nullopt;
   return window->Content();
+}
+
+std::optional<std::string> VersionCommands::UnsavedNow(const KeptVersion& version) const {
+  return UnsavedOf(WindowOf(version));
 }
 
 bool VersionCommands::OpenAsNew(const KeptVersion& version) {

@@ -25,7 +25,9 @@ class VersionCommands {
   /// Gives the version to its document, marked changed; what it held is kept first. False when nothing changed.
   bool Restore(const KeptVersion& version);
 
-  /// What the version's document holds, when no file does; nothing otherwise.
+  /// What a document holds, when no file does; nothing otherwise and for no window.
+  static std::optional<std::string> UnsavedOf(DocumentWindow* window);
+  /// The same for the version's document.
   std::optional<std::string> UnsavedNow(const KeptVersion& version) const;
 
  private:

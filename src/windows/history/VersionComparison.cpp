@@ -22,24 +22,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-/// More would take the memory several times over.
-constexpr qint64 kComparedBytes = qint64{200} << 20;
-
 QString Tr(const char* text) { return QCoreApplication::translate("VersionComparison", text); }
-
-/// What people read in a content: without its formatting, as UTF-8.
-std::string ReadableText(DocumentKind kind, std::string content) {
-  std::string text;
-  if (kind == DocumentKind::Rtf) {
-    rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
-      text.append(part);
-      return true;
-    });
-    return text;
-  }
-  text = DecodeText(std::move(content)).text;
-  return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
-}
 
 void CountLines(VersionComparison& result) {
   const auto count = [&](DiffChange change) {
@@ -104,12 +87,32 @@ void CompareSorted(VersionComparison& result) {
 
 }  // namespace
 
+std::string ReadableText(DocumentKind kind, std::string content) {
+  std::string text;
+  if (kind == DocumentKind::Rtf) {
+    rtf::WriteRtfAsText(rtf::ReadRtf(content, BytesToUtf8), [&text](std::string_view part) {
+      text.append(part);
+      return true;
+    });
+    return text;
+  }
+  text = DecodeText(std::move(content)).text;
+  return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
+}
+
+void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result) {
+  if (by == ComparedBy::Structure && HasStructure(kind)) return CompareStructures(kind, result);
+  CompareTexts(result);
+  result.outcome = result.only_here + result.only_now == 0 ? VersionComparison::Outcome::SameLines
+                                                           : VersionComparison::Outcome::Different;
+}
+
 void Compare(const ContentStore& contents, const KeptVersion& version, std::optional<std::string> now, ComparedBy by,
              VersionComparison& result) {
   using Outcome = VersionComparison::Outcome;
   const QString& path = version.origin.path;
   const qint64 now_bytes = now ? static_cast<qint64>(now->size()) : path.isEmpty() ? 0 : QFileInfo(path).size();
-  if (std::max(version.bytes, now_bytes) > kComparedBytes) {
+  if (std::max(version.bytes, now_bytes) > kMostComparedBytes) {
     result.outcome = Outcome::TooLarge;
     return;
   }
@@ -124,12 +127,9 @@ void Compare(const ContentStore& contents, const KeptVersion& version, std::opti
     return;
   }
   result.now_text = ReadableText(version.origin.kind, std::move(*now));
-  const DocumentKind kind = version.origin.kind;
-  const bool has_structure = kind == DocumentKind::Ini || kind == DocumentKind::Reg;
-  if (by == ComparedBy::Structure && has_structure) return CompareStructures(kind, result);
-  CompareTexts(result);
-  result.outcome = result.only_here + result.only_now == 0 ? Outcome::SameLines : Outcome::Different;
-  const bool is_sorted = version.origin.kind == DocumentKind::Ini && version.origin.holding == Holding::ByRules;
+  CompareReadable(version.origin.kind, by, result);
+  const bool is_sorted =
+      by == ComparedBy::Lines && version.origin.kind == DocumentKind::Ini && version.origin.holding == Holding::ByRules;
   if (result.outcome == Outcome::Different && is_sorted) CompareSorted(result);
 }
 

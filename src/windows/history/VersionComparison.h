@@ -14,10 +14,10 @@ namespace tme {
 /// What of two contents is compared: their lines, or the sections, keys and values that INI and registry files say.
 enum class ComparedBy : std::uint8_t { Lines, Structure };
 
-/// A kept content beside what stands there now.
+/// A kept content beside what stands there now, or a second file beside a first one.
 struct VersionComparison {
   enum class Outcome : std::uint8_t {
-    Unreadable,  ///< the kept content is gone or damaged
+    Unreadable,  ///< the kept content is gone or damaged, or a file cannot be read
     Failed,      ///< something was thrown
     TooLarge,
     NothingThere,  ///< no document or file to compare with: the lines are those of the version
@@ -29,7 +29,8 @@ struct VersionComparison {
   };
 
   Outcome outcome = Outcome::Unreadable;
-  QString failure;               ///< why, when it failed
+  QString failure;               ///< why, when it failed or a file cannot be read
+  bool has_structure = false;    ///< the texts can be compared by it
   bool in_sorted_order = false;  ///< both sides were sorted before they were compared
   std::uint64_t only_here = 0;
   std::uint64_t only_now = 0;
@@ -42,6 +43,18 @@ struct VersionComparison {
   VersionComparison(const VersionComparison&) = delete;
   VersionComparison& operator=(const VersionComparison&) = delete;
 };
+
+/// Whether files of a kind say more than lines.
+constexpr bool HasStructure(DocumentKind kind) { return kind == DocumentKind::Ini || kind == DocumentKind::Reg; }
+
+/// Each side; more would take the memory several times over.
+inline constexpr qint64 kMostComparedBytes = qint64{200} << 20;
+
+/// What people read in a content: without its formatting, as UTF-8.
+std::string ReadableText(DocumentKind kind, std::string content);
+
+/// Compares the result's two readable texts.
+void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result);
 
 /// Compares; other kinds than INI and registry files by their lines. now: what the document holds; without it the file
 /// is read. Needs no window, any thread may call. A result in which something was thrown is of no use.

@@ -6,12 +6,10 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
-#include <new>
 
 #include "history/History.h"
 #include "shell/DocumentArea.h"
@@ -20,7 +18,6 @@
 #include "shell/PlainText.h"
 #include "system/RegistryAccess.h"
 #include "windows/history/ComparisonPane.h"
-#include "windows/history/DifferenceView.h"
 #include "windows/history/VersionComparison.h"
 #include "windows/history/VersionList.h"
 
@@ -29,28 +26,16 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-/// Up to here the window waits for the comparison, which takes no time that anyone notices.
-constexpr qint64 kComparedAtOnce = qint64{1} << 20;
 const QString kSizeValue = QStringLiteral("History Size");
 const QString kByStructureValue = QStringLiteral("History By Structure");
 
-/// What is shown instead of a comparison that threw.
-std::shared_ptr<const VersionComparison> FailedComparison(const std::exception_ptr& thrown) {
-  auto comparison = std::make_shared<VersionComparison>();
-  try {
-    std::rethrow_exception(thrown);
-  } catch (const std::bad_alloc&) {
-    comparison->outcome = VersionComparison::Outcome::TooLarge;
-  } catch (...) {
-    comparison->outcome = VersionComparison::Outcome::Failed;
-    comparison->failure = ExceptionText(thrown);
-  }
-  return comparison;
-}
-
 }  // namespace
 
-form_History::form_History(Global& global, QWidget* parent) : QDialog(parent), global_(global), commands_(global) {
+form_History::form_History(Global& global, QWidget* parent)
+    : QDialog(parent),
+      global_(global),
+      commands_(global),
+      comparing_([this](auto comparison) { ShowComparison(std::move(comparison)); }) {
   setObjectName(u"form_History"_s);
   setWindowTitle(tr("File History"));
   BuildControls();
@@ -85,7 +70,7 @@ void form_History::BuildControls() {
   connect(list_Versions, &QTreeWidget::currentItemChanged, this, &form_History::ShowVersion);
   connect(list_Versions, &QTreeWidget::itemDoubleClicked, this, &form_History::cmd_OpenAsNew_Click);
 
-  pane_ = new ComparisonPane;
+  pane_ = new ComparisonPane(tr("The version's text, with the difference to now"));
   pane_->SetBy(global_.registry.ReadValue(SettingsRoot, kByStructureValue) == u"1" ? ComparedBy::Structure
                                                                                    : ComparedBy::Lines);
   connect(pane_, &ComparisonPane::ByChanged, this, &form_History::ShowVersion);
@@ -162,22 +147,13 @@ void form_History::ListVersions(const QString& current_id) {
 
 void form_History::ShowVersion() {
   const KeptVersion* version = list_Versions->Current();
-  ++wanted_;
-  is_shown_ = false;
+  comparing_.Cancel();
   pane_->Show(nullptr);
   EnableCommands(version != nullptr);
-  pane_->OfferStructure(version != nullptr &&
-                        (version->origin.kind == DocumentKind::Ini || version->origin.kind == DocumentKind::Reg));
+  pane_->OfferStructure(version && HasStructure(version->origin.kind));
   if (!version) return SayThatNothingIsKept();
-  OrSayWhyNot([&] { CompareVersion(*version); });
-}
-
-void form_History::OrSayWhyNot(const std::function<void()>& show) {
-  try {
-    show();
-  } catch (const std::exception&) {  // no memory, no thread
-    ShowComparison(FailedComparison(std::current_exception()));
-  }
+  pane_->Say(tr("Comparing..."));
+  comparing_.Start([&] { return ComparisonOf(*version); });
 }
 
 void form_History::SayThatNothingIsKept() {
@@ -187,41 +163,20 @@ void form_History::SayThatNothingIsKept() {
                       "document that is closed without saving."));
 }
 
-void form_History::CompareVersion(const KeptVersion& version) {
+LatestComparison::Job form_History::ComparisonOf(const KeptVersion& version) {
   std::optional<std::string> now = commands_.UnsavedNow(version);
   const qint64 bytes = version.bytes + (now ? static_cast<qint64>(now->size()) : QFileInfo(version.origin.path).size());
-  if (bytes <= kComparedAtOnce) {
-    auto comparison = std::make_shared<VersionComparison>();
-    Compare(global_.history.contents, version, std::move(now), pane_->By(), *comparison);
-    return ShowComparison(std::move(comparison));
-  }
-  pane_->Say(tr("Comparing..."));
-  if (!comparing_.IsRunning()) StartComparing(version, std::move(now));
-}
-
-void form_History::StartComparing(const KeptVersion& version, std::optional<std::string> now) {
-  auto comparison = std::make_shared<VersionComparison>();
-  auto compare = [&contents = global_.history.contents, version, now = std::move(now), by = pane_->By(),
-                  comparison](const auto&) mutable { Compare(contents, version, std::move(now), by, *comparison); };
-  const auto show = [this, comparison, number = wanted_](const std::exception_ptr& thrown) {
-    // Another one was selected meanwhile; only the last of them counts.
-    if (number == wanted_)
-      OrSayWhyNot([&] { ShowComparison(thrown ? FailedComparison(thrown) : comparison); });
-    else if (!is_shown_ && list_Versions->Current())
-      ShowVersion();
+  auto compare = [&contents = global_.history.contents, version, now = std::move(now), by = pane_->By()](
+                     const auto&, VersionComparison& result) mutable {
+    Compare(contents, version, std::move(now), by, result);
   };
-  comparing_.Start(std::move(compare), show);
+  return {bytes, std::move(compare)};
 }
 
 void form_History::ShowComparison(std::shared_ptr<const VersionComparison> comparison) {
-  is_shown_ = true;
   EnableCommands(comparison->outcome != VersionComparison::Outcome::Unreadable);
-  QString said = Summary(*comparison, *list_Versions->Current(), global_.history.folder.Path());
-  pane_->Show(std::move(comparison));
-  if (pane_->HasCutLines())
-    said += u' ' + tr("Lines of more than %1 bytes are shown in part, from where they differ.")
-                       .arg(QLocale().toString(static_cast<qulonglong>(DifferenceView::kShownLineBytes)));
-  pane_->Say(said);
+  const QString said = Summary(*comparison, *list_Versions->Current(), global_.history.folder.Path());
+  pane_->ShowAndSay(std::move(comparison), said);
 }
 
 void form_History::EnableCommands(bool enabled) {

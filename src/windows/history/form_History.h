@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <memory>
 
-#include "shell/BackgroundWork.h"
+#include "windows/history/LatestComparison.h"
 #include "windows/history/VersionCommands.h"
 
 class QComboBox;
@@ -36,12 +36,9 @@ class form_History : public QDialog {
   /// The version of that id becomes the current one, else the newest.
   void ListVersions(const QString& current_id = {});
   void ShowVersion();
-  /// Shows a failed comparison when something is thrown.
-  void OrSayWhyNot(const std::function<void()>& show);
   void SayThatNothingIsKept();
-  void CompareVersion(const KeptVersion& version);
-  /// On a thread of its own; the result is shown when it is there, unless another version is wanted by then.
-  void StartComparing(const KeptVersion& version, std::optional<std::string> now);
+  /// The version beside what is there now.
+  LatestComparison::Job ComparisonOf(const KeptVersion& version);
   void ShowComparison(std::shared_ptr<const VersionComparison> comparison);
   void EnableCommands(bool enabled);
 
@@ -58,11 +55,7 @@ class form_History : public QDialog {
   QPushButton* cmd_OpenAsNew = nullptr;
   QPushButton* cmd_SaveCopy = nullptr;
   QPushButton* cmd_Restore = nullptr;
-  /// Grows with each version that is to be shown.
-  std::uint64_t wanted_ = 0;
-  /// The wanted version's comparison is shown.
-  bool is_shown_ = false;
-  BackgroundWork comparing_;
+  LatestComparison comparing_;
 };
 
 }  // namespace tme

@@ -1,0 +1,33 @@
+#include "documents/compare/FileKind.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "base/LineReader.h"
+#include "documents/reg/RegSourceLine.h"
+
+namespace tme {
+
+std::optional<DocumentKind> KindNamed(std::string_view name) {
+  std::string upper(name);
+  std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return static_cast<char>(std::toupper(c)); });
+  if (upper == "INF") return DocumentKind::Ini;
+  const auto found =
+      std::find_if(kKinds.begin(), kKinds.end(), [&upper](DocumentKind k) { return NameOf(k) == upper; });
+  return found == kKinds.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<DocumentKind> KindOfName(std::string_view file_name) {
+  const std::size_t dot = file_name.rfind('.');
+  return dot == std::string_view::npos ? std::nullopt : KindNamed(file_name.substr(dot + 1));
+}
+
+DocumentKind KindOfText(std::string_view text) {
+  LineReader lines(text);
+  std::string_view line;
+  lines.Next(line);
+  return VersionOfLine(line) ? DocumentKind::Reg : DocumentKind::Ini;
+}
+
+}  // namespace tme

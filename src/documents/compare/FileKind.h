@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "documents/DocumentKind.h"
+
+namespace tme {
+
+/// The kind of a name in any letter case ("ini", "inf", "REG"); nothing for another name.
+std::optional<DocumentKind> KindNamed(std::string_view name);
+/// The same by a file's ending.
+std::optional<DocumentKind> KindOfName(std::string_view file_name);
+/// Reg for a text that begins as registry files do, else Ini.
+DocumentKind KindOfText(std::string_view text);
+
+}  // namespace tme
