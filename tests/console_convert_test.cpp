@@ -34,6 +34,9 @@ TEST_F(ConsoleConvert, GoesThroughJsonAndBack) {
       {"a.reg", EncodedAs(kHostileReg + "?\r\n\"o\"=hex(2):1\r\n[x\r\n\"n", TextEncoding::Utf16Le)},
       {"b.reg", "REGEDIT4\n[HKEY_USERS\\A] \n @ = \"\xE4\"\n\"T\"=hex(2):E4,0\n\"b\"=hex(ff):1\n"},
       {"c.reg", "REGEDIT\nHKEY_CLASSES_ROOT\\.a = b\nHKEY_CLASSES_ROOT\\c\n"},
+      {"e.reg", "REGEDIT4\n[HKEY_USERS\\A]\n\"\"=\"x\"\n\"a\\qb\"=\"x\"\n\"C:\\Tools\"=\"x\"\n"},
+      {"f.reg", "REGEDIT\n[HKEY_USERS\\A]\n\"x\"=\"1\"\n"},
+      {"g.reg", EncodedAs("[HKEY_USERS\\A]\n\"e\"=hex(2):25,00,00,00\n", TextEncoding::Utf16Le)},
       {"d.reg", "[HKEY_USERS\\A]\n\"a\"=\"b\""},
   };
   for (const auto& [name, bytes] : files) {
@@ -86,6 +89,10 @@ TEST_F(ConsoleConvert, RefusesJsonThatNoFileCanHold) {
       {reg("{\"name\": \"a\", \"type\": \"REG_X\", \"value\": 1}"), "2: an unknown type"},
       {reg("{\"name\": \"a\", \"type\": \"REG_DWORD\", \"value\": 4294967296}"),
        "2: the number needs more bits than the type has"},
+      {reg("{\"name\": \"a\", \"type\": \"REG_DWORD\", \"value\": -1}"),
+       "2: \"-1\" is no number, such as 26 or 0x1a, of at most 64 bits"},
+      {reg("{\"name\": \"a\", \"type\": \"REG_BINARY\", \"bytes\": \"0\"}"),
+       "2: \"0\" is not in pairs of hex digits, such as \"01 ff\""},
       {reg("{\"name\": \"a\\nb\", \"type\": \"REG_SZ\", \"value\": \"\"}"), "2: no value can have this name"},
       {reg("{\"other\": \"[HKEY_USERS]\"}"), "2: this is no line of such a file"},
   };
@@ -115,12 +122,14 @@ TEST_F(ConsoleConvert, WritesScriptsForShells) {
             "$key.SetValue('q', [long]-9223372036854775807, 'QWord')\n$key.SetValue('e', [byte[]]@(), 'Binary')\n"
             "$key.Close()\n[Microsoft.Win32.Registry]::Users.DeleteSubKeyTree('A\\B', $false)\n");
   EXPECT_EQ(RunWords("convert FILE:a.reg --to reg-add"), 2) << "a line end within a string";
-  EXPECT_THAT(errors_, HasSubstr("a.reg:7: this cannot be said there\n"));
+  EXPECT_THAT(errors_,
+              HasSubstr("a.reg:7: this cannot be said there: a batch file has no place for a line end in a text\n"));
+  EXPECT_THAT(errors_, HasSubstr("a.reg: 1 line cannot be said there; nothing was written\n"));
   EXPECT_EQ(output_, "");
   EXPECT_EQ(RunWords("delete FILE:a.reg HKU\\A\\%P%\\x20\"q\" m"), 1);
   EXPECT_EQ(Run({"delete", "FILE:a.reg", "HKU\\A\\%P% \"q\"", "m"}), 0);
   EXPECT_EQ(RunWords("convert FILE:a.reg --to reg-add"), 0) << errors_;
-  EXPECT_THAT(errors_, HasSubstr(" comments are left out"));
+  EXPECT_THAT(errors_, HasSubstr(" comments left out: "));
   const std::string path = "^\"HKEY_USERS\\A\\^%%P^%% \\^\"q\\^\"^\"";
   EXPECT_THAT(output_, StartsWith("@chcp 65001 >nul\r\nreg add " + path + " /f\r\nreg add " + path +
                                   " /ve /t REG_SZ /d ^\"it's $x `y` \xE2\x80\x99 ^%%P^%%^\" /f\r\nreg add " + path +
@@ -129,23 +138,36 @@ TEST_F(ConsoleConvert, WritesScriptsForShells) {
   PutFile("b.reg", "REGEDIT4\n[HKEY_X]\n[-HKEY_USERS]\n[HKEY_USERS]\n\"o\"=hex(2):1\n?\n");
   EXPECT_EQ(RunWords("convert FILE:b.reg --to powershell"), 2);
   for (const char* line : {":2: ", ":3: ", ":5: ", ":6: "}) EXPECT_THAT(errors_, HasSubstr(line));
+  PutFile("d.reg", "REGEDIT4\n[-HKEY_USERS\\A]\n\"z\"=\"1\"\n[HKEY_USERS\\A]\n\"n\"=hex(0):\n\"m\"=hex(7):00\n");
+  for (const auto& [form, lines] : {std::pair{"reg-add", ":3: :5: :6: "}, std::pair{"powershell", ":3: "}}) {
+    EXPECT_EQ(RunWords(std::string("convert FILE:d.reg --to ") + form), 2);
+    std::istringstream each(lines);
+    for (std::string line; each >> line;)
+      EXPECT_THAT(errors_, HasSubstr("d.reg" + line + " this cannot be said there: "));
+  }
   PutFile("c.reg", "REGEDIT\nHKEY_CLASSES_ROOT\\.a = b\n");
   EXPECT_EQ(RunWords("convert FILE:c.reg --to reg-add"), 0);
   EXPECT_THAT(output_, HasSubstr("reg add \"HKEY_CLASSES_ROOT\\.a\" /ve /t REG_SZ /d \"b\" /f\r\n"));
 }
 
 TEST_F(ConsoleConvert, ChangesVersionEncodingAndLineEnds) {
-  const std::string key = "\n[HKEY_USERS\\A]\n\"a\"=\"\xC3\xA4\"\n", v4 = "REGEDIT4" + key + "\"e\"=hex(2):e4,00\n",
-                    v5 = "Windows Registry Editor Version 5.00" + key + "\"e\"=hex(2):e4,00,00,00\n";
+  const std::string key = "\n[HKEY_USERS\\A]\n\"a\"=\"\xC3\xA4\"\n",
+                    v4 = "REGEDIT4" + key + "\"e\"=hex(2):e4,00\n\"m\"=hex(7):61,00,62\n",
+                    v5 = "Windows Registry Editor Version 5.00" + key +
+                         "\"e\"=hex(2):e4,00,00,00\n\"m\"=hex(7):61,00,00,00,62,00\n";
   PutFile("a.reg", EncodedAs(v4, TextEncoding::CodePage));
   EXPECT_EQ(RunWords("convert FILE:a.reg --to 5.00 -o FILE:b.reg"), 0);
   EXPECT_EQ(FileBytes("b.reg"), EncodedAs(v5, TextEncoding::Utf16Le));
+  EXPECT_EQ(RunWords("diff FILE:a.reg FILE:b.reg"), 0) << output_;
   EXPECT_EQ(RunWords("convert FILE:b.reg --to regedit4"), 0);
   EXPECT_EQ(output_, FileBytes("a.reg"));
   EXPECT_EQ(RunWords("set FILE:b.reg HKU\\A e \xE6\x97\xA5"), 0);
   EXPECT_EQ(RunWords("convert FILE:b.reg --to regedit4 -o FILE:c.reg"), 2);
   EXPECT_THAT(errors_, HasSubstr("b.reg:4: value \"e\": "));
   EXPECT_THAT(FileBytes("c.reg"), StartsWith("failed")) << "not made";
+  PutFile("b.reg", "Windows Registry Editor Version 5.00\n[HKEY_USERS\\A]\n\"m\"=hex(7):61,00,62\n");
+  EXPECT_EQ(RunWords("convert FILE:b.reg --to regedit4"), 2) << "half a character";
+  EXPECT_THAT(errors_, HasSubstr("b.reg:3: value \"m\": "));
   PutFile("a.ini", "[\xE4]\r\n");
   EXPECT_EQ(RunWords("convert FILE:a.ini --to utf-16 -o FILE:a.ini"), 0);
   EXPECT_EQ(FileBytes("a.ini"), EncodedAs("[\xC3\xA4]\r\n", TextEncoding::Utf16Le));

@@ -97,8 +97,8 @@ void ConsoleFile::Hold(DocumentKind kind, std::string text) {
 
 ConsoleFile::~ConsoleFile() = default;
 
-RegVersion ConsoleFile::UnsaidVersion() const {
-  const bool is_8_bit = format_.encoding == TextEncoding::CodePage || format_.encoding == TextEncoding::Utf8;
+RegVersion ConsoleFile::UnsaidVersionIn(const TextFormat& format) {
+  const bool is_8_bit = format.encoding == TextEncoding::CodePage || format.encoding == TextEncoding::Utf8;
   return is_8_bit ? RegVersion::Regedit4 : RegVersion::Version5;
 }
 

@@ -49,7 +49,8 @@ class ConsoleFile {
   RegCoding Coding() const { return CodingFor(reg_->Version()); }
   static RegCoding CodingFor(RegVersion version);
   /// What a registry file is that says no version.
-  RegVersion UnsaidVersion() const;
+  RegVersion UnsaidVersion() const { return UnsaidVersionIn(format_); }
+  static RegVersion UnsaidVersionIn(const TextFormat& format);
   /// Txt and Rtf: the text, and the bytes. Of others where they are held so.
   const std::string& Text() const { return text_; }
   const std::string& Bytes() const { return text_; }

@@ -64,6 +64,15 @@ class DocumentReader {
       Fail(member == nullptr ? object : *member, "\"" + name + "\" is missing or of another kind");
     return *member;
   }
+  /// What read makes of the text.
+  template <typename Read>
+  auto ReadFrom(const JsonValue& value, Read read) const {
+    try {
+      return read(value.text);
+    } catch (const Trouble& trouble) {
+      Fail(value, trouble.what());
+    }
+  }
   const std::string* TextOrNull(const JsonValue& object, const std::string& name) const {
     return object.Find(name) == nullptr ? nullptr : &Member(object, name, Kind::String).text;
   }
@@ -79,16 +88,16 @@ class DocumentReader {
     if (number == kTextEncodings) Fail(encoding, "an unknown encoding");
     format_.encoding = static_cast<TextEncoding>(number);
     if (root_.Find("stray_byte") != nullptr)
-      format_.stray_byte = static_cast<char>(NumberOf(Member(root_, "stray_byte", Kind::Number).text));
+      format_.stray_byte = static_cast<char>(ReadFrom(Member(root_, "stray_byte", Kind::Number), NumberOf));
   }
   /// What the file's first line says.
   RegVersion VersionIn(const JsonValue& groups) const {
     const JsonValue* lines = groups.items.empty() ? nullptr : groups.items.front().Find("lines");
     for (std::size_t at = 0; lines != nullptr && at < lines->items.size(); ++at) {
       const JsonValue* other = lines->items[at].Find("other");
-      if (other != nullptr) return VersionOfLine(other->text).value_or(RegVersion::Regedit4);
+      if (other != nullptr) return VersionOfLine(other->text).value_or(ConsoleFile::UnsaidVersionIn(format_));
     }
-    return RegVersion::Regedit4;
+    return ConsoleFile::UnsaidVersionIn(format_);
   }
 
   void ReadGroup(const JsonValue& group, bool is_first) {
@@ -160,7 +169,7 @@ class DocumentReader {
     const std::optional<RegData> data = deletes ? std::nullopt : std::optional(DataIn(item));
     if (const std::string* line = TextOrNull(item, "line")) {
       const auto place = FindRegValue(*line, std::min(line->find_first_of("\r\n"), line->size()));
-      if (place && place->name.Of(*line) == QuotedRegName(name) && EndsBehind(*line, place->assignment) &&
+      if (place && NameOfQuoted(place->name.Of(*line)) == name && EndsBehind(*line, place->assignment) &&
           DecodeAssignment(place->assignment.Of(*line), coding_) == data)
         return *line;
     }
@@ -174,7 +183,7 @@ class DocumentReader {
   }
   std::string OtherLineOf(const JsonValue& item, const std::string& text) const {
     const std::string_view visible = std::string_view(text).substr(FirstText(text));
-    const bool is_key = visible.starts_with('[') && FindRegHeader(text);
+    const bool is_key = coding_.version != RegVersion::Regedit && visible.starts_with('[') && FindRegHeader(text);
     if (HasLineEnd(text) || is_key) Fail(item, "this is no line of such a file");
     return text;
   }
@@ -182,8 +191,8 @@ class DocumentReader {
     const JsonValue& type = Member(item, "type", Kind::String);
     const auto number = TypeOfName(type.text);
     if (!number) Fail(type, "an unknown type");
-    if (const std::string* bytes = TextOrNull(item, "bytes"))
-      return DataOfBytes(*number, BytesOfPairs(*bytes), coding_);
+    if (item.Find("bytes") != nullptr)
+      return DataOfBytes(*number, ReadFrom(Member(item, "bytes", Kind::String), BytesOfPairs), coding_);
     RegData data;
     data.type = *number;
     data.content = ContentOf(*number);
@@ -196,7 +205,7 @@ class DocumentReader {
       }
     } else if (data.content == RegContent::Number) {
       if (value->kind != Kind::Number && value->kind != Kind::String) Fail(*value, "a number is missing");
-      data.number = NumberOf(value->text);
+      data.number = ReadFrom(*value, NumberOf);
     } else if (data.content == RegContent::Text) {
       data.text = Member(item, "value", Kind::String).text;
     } else {

@@ -93,7 +93,7 @@ class DocumentJson {
     const auto place = FindRegValue(line, first_line);
     if (!place) return Texts("other", line);
     const std::string_view quoted = place->name.Of(line), assignment = place->assignment.Of(line);
-    const std::string name = quoted == "@" ? "" : UnescapedRegText(quoted.substr(1, quoted.size() - 2));
+    const std::string name = NameOfQuoted(quoted);
     json_.BeginObject().Member("name", name);
     const auto data = DecodeAssignment(assignment, file_.Coding());
     std::string plain = "-";

@@ -106,6 +106,28 @@ std::optional<std::pair<std::string, std::string>> PowerShellPath(std::string_vi
   return std::pair("[Microsoft.Win32.Registry]::" + std::string(found->second), PowerShellText(below));
 }
 
+std::string Counted(std::uint64_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+constexpr std::string_view kTooLong = "a line that cmd takes would not hold it";
+
+/// Why a value has no line.
+std::string WhyNoLine(const RegData& data, Shell shell) {
+  const std::string type = RegTypeName(data.type), a_type = "a " + type;
+  if (data.content != ContentOf(data.type)) return a_type + " with bytes that are no proper form of it";
+  const bool is_cmd = shell == Shell::Cmd;
+  if (is_cmd && data.type == reg_type::kNone) return "reg add takes no data of a REG_NONE";
+  if (data.content == RegContent::Bytes && data.type != reg_type::kBinary)
+    return (is_cmd ? "reg add has no type " : "SetValue has no type ") + type;
+  const auto has_end = [](std::string_view text) { return text.find_first_of("\r\n") != std::string_view::npos; };
+  if (!is_cmd) return "SetValue has no type " + type;
+  if (data.content == RegContent::Strings && data.strings.empty()) return "reg add takes no empty list";
+  if (has_end(data.text) || std::any_of(data.strings.begin(), data.strings.end(), has_end))
+    return "a batch file has no place for a line end in a text";
+  return std::string(kTooLong);
+}
+
 class ScriptWriter {
  public:
   ScriptWriter(const ConsoleFile& file, Shell shell, Streams& streams)
@@ -118,26 +140,28 @@ class ScriptWriter {
     });
     CloseKey();
     if (failures_ > 0)
-      throw Trouble(file_.Name() + ": " + std::to_string(failures_) +
-                    " lines cannot be said there; nothing was written");
+      throw Trouble(file_.Name() + ": " + Counted(failures_, "line") + " cannot be said there; nothing was written");
     if (comments_ > 0)
-      streams_.Complain(file_.Name() + ": " + std::to_string(comments_) +
-                        " comments are left out: cmd has no safe place for them");
+      streams_.Complain(file_.Name() + ": " + Counted(comments_, "comment") +
+                        " left out: cmd has no safe place for them");
     if (utf8::AsciiRun(script_) == script_.size()) return script_;
     return (shell_ == Shell::Cmd ? "@chcp 65001 >nul\r\n" : std::string(kUtf8Mark)) + script_;
   }
 
  private:
-  void Put(std::uint64_t number, const std::optional<std::string>& line) {
+  void Put(std::uint64_t number, const std::optional<std::string>& line, std::string_view why_not) {
     if (line) {
       script_.append(*line).append(shell_ == Shell::Cmd ? "\r\n" : "\n");
       return;
     }
+    Refuse(number, why_not);
+  }
+  void Refuse(std::uint64_t number, std::string_view why) {
     ++failures_;
-    streams_.Complain(file_.At(number) + "this cannot be said there");
+    streams_.Complain(file_.At(number).append("this cannot be said there: ").append(why));
   }
   void CloseKey() {
-    if (is_open_) script_ += "$key.Close()\n";
+    if (is_open_ && shell_ == Shell::PowerShell) script_ += "$key.Close()\n";
     is_open_ = false;
   }
   void Piece(RegPiece kind, std::uint64_t number, std::string_view text) {
@@ -151,7 +175,7 @@ class ScriptWriter {
         return Comment(text);
       case RegPiece::Other:
       case RegPiece::Pair:
-        return Put(number, std::nullopt);
+        return Refuse(number, "it is no key, value or comment");
       case RegPiece::Blank:
       case RegPiece::FileHeader:
         return;
@@ -167,27 +191,32 @@ class ScriptWriter {
     const bool deletes = kind == RegPiece::KeyDeletion;
     CloseKey();
     path_ = FindRegHeader(line)->path.Of(line);
-    if (shell_ == Shell::Cmd) return Put(number, BatchLine(deletes ? RegDeleteKeyLine(path_) : RegAddKeyLine(path_)));
+    is_open_ = !deletes;
+    if (shell_ == Shell::Cmd)
+      return Put(number, BatchLine(deletes ? RegDeleteKeyLine(path_) : RegAddKeyLine(path_)), kTooLong);
     const auto place = PowerShellPath(path_);
-    if (!place || (deletes && path_.find('\\') == std::string_view::npos)) return Put(number, std::nullopt);
-    if (deletes) return Put(number, place->first + ".DeleteSubKeyTree(" + place->second + ", $false)");
-    Put(number, "$key = " + place->first + ".CreateSubKey(" + place->second + ")");
-    is_open_ = true;
+    is_open_ = is_open_ && place;
+    if (!place) return Refuse(number, "PowerShell has no such hive");
+    if (deletes && path_.find('\\') == std::string_view::npos) return Refuse(number, "no hive can be deleted");
+    script_ += deletes ? place->first + ".DeleteSubKeyTree(" + place->second + ", $false)\n"
+                       : "$key = " + place->first + ".CreateSubKey(" + place->second + ")\n";
   }
   void Value(std::uint64_t number, std::string_view text) {
     const auto place = FindRegValue(text, std::min(text.find_first_of("\r\n"), text.size()));
-    if (!place) return Put(number, std::nullopt);
+    if (!place) return Refuse(number, "it is no value");
     const std::string_view quoted = place->name.Of(text), assignment = place->assignment.Of(text);
-    const std::string name = quoted == "@" ? "" : UnescapedRegText(quoted.substr(1, quoted.size() - 2));
+    const std::string name = NameOfQuoted(quoted);
     const auto data = DecodeAssignment(assignment, file_.Coding());
     for (const std::string_view comment : CommentsInHex(assignment)) Comment(comment);
     if (const auto behind = TrimIniBlanks(text.substr(place->assignment.End())); !behind.empty()) Comment(behind);
-    if (shell_ == Shell::Cmd) return Put(number, BatchLine(RegAddValueLine(path_, name, data)));
-    if (!is_open_) return Put(number, std::nullopt);
-    if (!data) return Put(number, "$key.DeleteValue(" + PowerShellText(name) + ", $false)");
+    if (!is_open_) return Refuse(number, "imports pass over it, for there is no key that it belongs to");
+    const std::string why_not = data ? WhyNoLine(*data, shell_) : std::string(kTooLong);
+    if (shell_ == Shell::Cmd) return Put(number, BatchLine(RegAddValueLine(path_, name, data)), why_not);
+    const std::string quoted_name = PowerShellText(name);
+    if (!data) return Put(number, "$key.DeleteValue(" + quoted_name + ", $false)", {});
     const auto written = PowerShellData(*data);
-    Put(number,
-        written ? std::optional("$key.SetValue(" + PowerShellText(name) + ", " + *written + ")") : std::nullopt);
+    if (!written) return Refuse(number, why_not);
+    Put(number, "$key.SetValue(" + quoted_name + ", " + *written + ")", {});
   }
 
   const ConsoleFile& file_;

@@ -71,6 +71,10 @@ std::string ColumnOf(const RegData& data) {
   return ColumnOf(data.content == RegContent::Strings ? Joined(data.strings, {"\0", 1}) : TextOf(data));
 }
 
+std::string NameOfQuoted(std::string_view quoted) {
+  return quoted == "@" ? std::string() : UnescapedRegText(quoted.substr(1, quoted.size() - 2));
+}
+
 std::uint64_t NumberOf(std::string_view text) {
   const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
   const std::string_view digits = is_hex ? text.substr(2) : text;

@@ -20,6 +20,8 @@ std::string ColumnOf(const RegData& data);
 std::string ColumnOf(std::string_view text);
 /// "01 02 0a".
 std::string HexText(std::string_view bytes);
+/// The name of a value as a line has it: in quotes, or "@".
+std::string NameOfQuoted(std::string_view quoted);
 /// The number of "26" or "0x1a", and the bytes of "01 02 0a" or "01020a". Throw Trouble for any other text.
 std::uint64_t NumberOf(std::string_view text);
 std::string BytesOfPairs(std::string_view text);

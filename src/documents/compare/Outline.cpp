@@ -94,7 +94,12 @@ bool Outline::SameValue(Index item, const Outline& other, Index theirs) const {
   const std::optional<RegData> data = DecodeAssignment(value, coding_);
   const std::optional<RegData> their_data = DecodeAssignment(their_value, other.coding_);
   // What cannot be decoded is a deletion.
-  return data == their_data;
+  if (data == their_data || !data || !their_data || coding_.version == other.coding_.version) return data == their_data;
+  const RegContent content = ContentOf(data->type);
+  const bool is_broken_text = (content == RegContent::Text || content == RegContent::Strings) &&
+                              data->type == their_data->type && data->content == RegContent::Bytes &&
+                              their_data->content == RegContent::Bytes;
+  return is_broken_text && RecodedRegText(their_data->bytes, data->type, other.coding_, coding_) == data->bytes;
 }
 
 }  // namespace tme

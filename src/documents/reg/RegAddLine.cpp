@@ -82,7 +82,8 @@ std::optional<std::string> DataArguments(const RegData& data) {
       return digits.empty() ? type : type + " /d " + digits;
     }
     case reg_type::kNone:
-      return data.bytes.empty() ? std::optional(type) : std::nullopt;
+      // Without data the reg command writes an empty text of UTF-16.
+      return data.bytes == std::string(2, '\0') ? std::optional(type) : std::nullopt;
     case reg_type::kMultiString: {
       const auto strings = data.strings.empty() ? std::nullopt : StringsArguments(data.strings);
       return strings ? std::optional(type + *strings) : std::nullopt;

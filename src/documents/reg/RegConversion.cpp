@@ -33,10 +33,13 @@ std::optional<std::string> ConvertedAssignment(std::string_view assignment, cons
   const bool is_text = content == RegContent::Text || content == RegContent::Strings;
   const bool is_coded = mark.form == RegForm::Hex && is_text && mark.type != reg_type::kLink;
   const std::optional<RegData> data = is_coded ? DecodeAssignment(assignment, from) : std::nullopt;
-  if (!data || data->content == RegContent::Bytes) return std::string(assignment);
-  const std::optional<std::string> bytes = RegBytes(*data, to);
+  if (!data) return std::string(assignment);
+  // An import widens each character of REGEDIT4, whether the text is whole or not.
+  const bool is_proper = data->content != RegContent::Bytes;
+  const std::optional<std::string> bytes =
+      is_proper ? RegBytes(*data, to) : RecodedRegText(data->bytes, data->type, from, to);
   if (bytes) return HexMark(data->type) + HexOfBytes(*bytes);
-  fault = FaultOf(*data, to);
+  fault = is_proper ? FaultOf(*data, to) : RegFault::NotUnicode;
   return std::nullopt;
 }
 

@@ -20,9 +20,8 @@ struct RegUnsayable {
   RegFault fault = RegFault::None;
 };
 
-/// What stands behind "=" in another version: a text in hex is encoded anew, all else stays, links
-/// too. Null, and why in fault,
-/// when it cannot. Neither version is REGEDIT. from, to: with the functions of the code page.
+/// What stands behind "=" in another version: a text in hex is encoded anew, proper or not, all else stays, links too.
+/// Null, and why in fault, when it cannot. Neither version is REGEDIT. from, to: with the functions of the code page.
 std::optional<std::string> ConvertedAssignment(std::string_view assignment, const RegCoding& from, const RegCoding& to,
                                                RegFault& fault);
 

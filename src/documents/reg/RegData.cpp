@@ -233,6 +233,13 @@ std::optional<std::string> RegBytes(const RegData& data, const RegCoding& coding
   }
 }
 
+std::optional<std::string> RecodedRegText(const std::string& bytes, std::uint32_t type, const RegCoding& from,
+                                          const RegCoding& to) {
+  const std::optional<std::string> text = TextOfBytes(bytes, type, from);
+  if (!text || BytesOfText(*text, type, from) != bytes) return std::nullopt;
+  return BytesOfText(*text, type, to);
+}
+
 RegData DataOfBytes(std::uint32_t type, std::string bytes, const RegCoding& coding) {
   RegData data = Empty(type, ContentOf(type));
   if (data.content == RegContent::Number && bytes.size() == NumberBytes(type)) {

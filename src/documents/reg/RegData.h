@@ -79,6 +79,10 @@ RegFault FaultOf(const RegData& data, const RegCoding& coding);
 
 /// The data as the registry holds them, a text with its NUL. Null where FaultOf says why.
 std::optional<std::string> RegBytes(const RegData& data, const RegCoding& coding);
+/// The bytes of a text, proper or not, for the other version: each character in its encoding. Null where it has none,
+/// and for bytes that are no characters. type: of text or strings.
+std::optional<std::string> RecodedRegText(const std::string& bytes, std::uint32_t type, const RegCoding& from,
+                                          const RegCoding& to);
 /// Decodes what the registry holds. Bytes that are not exactly what RegBytes gives for a text, a list or a number of
 /// this type stay Bytes.
 RegData DataOfBytes(std::uint32_t type, std::string bytes, const RegCoding& coding);
