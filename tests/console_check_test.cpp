@@ -37,6 +37,7 @@ TEST_F(ConsoleCheck, NamesLinesThatReadersTakeInDifferentWays) {
       {"\xEF\xBB\xBF[A]\n\xC3\xA4=1\r\n\xC3\xA4\xC3\xB6\xC3\xBC=2\r\n\xE4=3\n",
        "1: the byte order mark of UTF-8 right before the first section\n"
        "2: the line ends in CR LF and not in LF, and so do 1 more\n4: bytes that are no UTF-8 in a file of UTF-8\n"},
+      {"\xEF\xBB\xBF; \xC3\xA4\n[]\n", "1: the byte order mark of UTF-8 at the start\n2: a section without a name\n"},
       {"[A]\n\xE4\xF6=1\n\xFC=2\n\xC3\xA4=3\nn=\0\n", "4: UTF-8 in a file of 8-bit characters\n"},
   };
   for (const auto& [text, findings] : cases) {
@@ -45,8 +46,8 @@ TEST_F(ConsoleCheck, NamesLinesThatReadersTakeInDifferentWays) {
     EXPECT_EQ(Short(output_, PathText("a.ini")), findings) << text;
   }
   const std::pair<std::string, std::string> registry[] = {
-      {kReg5 +
-           "[HKEY_USERS\\A]\r\n@=\"1\"\r\n\"m\"=hex(7):61,00,00,00,00,00\r\n\"q\"=hex(b):1,0,0,0,0,0,0,0\r\n; c\r\n",
+      {kReg5 + "[HKEY_USERS\\A]\r\n@=\"1\"\r\n\"m\"=hex(7):61,00,00,00,00,00\r\n\"q\"=hex(b):01,00,00,00,00,00,00,"
+               "00\r\n; c\r\n",
        ""},
       {"\r\n[HKEY_USERS\\A]\r\n\"a\"=\"1\"",
        "1: a first line that is no version of registry files\n"
@@ -58,9 +59,19 @@ TEST_F(ConsoleCheck, NamesLinesThatReadersTakeInDifferentWays) {
       {kReg5 + "[-HKEY_USERS\\A]\r\n[HKEY_USERS\\A]\r\n\"v\"=\"1\"\r\n\"V\"=dword:1\r\n\"e\"=hex(2):61,00,62\r\n"
                "\"s\"=hex(1):61,00\r\n\"q\"=hex(b):1,\\\r\n  2\r\n\"m\"=hex(7):00,d8,00,00,00,00\r\n",
        "6: value \"V\" again, first in line 5\n7: a REG_EXPAND_SZ with an odd number of bytes, 3, in UTF-16\n"
-       "8: a REG_SZ without the NUL at its end\n9: a REG_QWORD of 2 bytes\n"
+       "8: a REG_SZ without the NUL at its end\n9: a byte of one hex digit\n9: a REG_QWORD of 2 bytes\n"
        "11: a REG_MULTI_SZ with bytes that are no text of one or more whole strings\n"},
       {kReg5 + "[HKEY_USERS\\\xE4]\r\n", "3: 8-bit characters beyond ASCII in a file of version 5.00\n"},
+      {"\n; c\nregedit4 \n[-HKEY_USERS\\A]\n\"z\"=\"1\"\n\"y\"=\"1\"\n[HKEY_USERS\\\\B]\n\"C:\\x\"=\"a\\\\b\\\"\\n\"\n",
+       "3: the version is not in the first line\n3: a version in other letter case or with blanks around it\n"
+       "5: a value below the deletion of a key, in line 4\n7: an empty name in the path of a key\n"
+       "8: a backslash before neither \\ nor \"\n8: a backslash before neither \\ nor \"\n"},
+      {"REGEDIT4\n[HKEY_USERS\\A\\B]\n\"h\"=hex:01,\\\n\n\"s\"=hex:1,02 ; ,\n[HKEY_USERS\\A!]\n[-HKEY_USERS\\a]\n",
+       "3: a comma or a backslash behind the last byte\n5: a byte of one hex digit\n"
+       "7: this deletes a key that stands above, in line 2\n"},
+      {"REGEDIT4\n[HKEY_USERS\\A]\n\"s\"=\"a\nb\nc\"\nd\n",
+       "3: a text in quotes that does not end in its line\n4: a line that goes on with a text or is none\n"
+       "5: a line that goes on with a text or is none\n6: a line that is no key, value or comment\n"},
       {"\xEF\xBB\xBF" + kReg5, "1: the byte order mark of UTF-8\n"},
   };
   for (const auto& [text, findings] : registry) {

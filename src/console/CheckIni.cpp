@@ -26,6 +26,7 @@ class IniCheck {
       Add(number, "a section without \"]\"", "readers cut its name or pass over it");
     else if (!behind.empty() && !behind.starts_with(';') && !behind.starts_with('#'))
       Add(number, "text behind the \"]\" of a section", "readers take it for part of the name, drop it or refuse it");
+    if (TrimIniBlanks(name).empty()) Add(number, "a section without a name", "readers refuse it or cannot name it");
     if (name != TrimIniBlanks(name)) Add(number, "blanks around the name of a section", "some readers keep them");
     const auto [first, is_new] = sections_.try_emplace(FoldedCase(TrimIniBlanks(name)), number);
     if (!is_new)
@@ -69,10 +70,14 @@ void CheckMark(const ConsoleFile& file, Findings& findings) {
   const TextEncoding encoding = file.Format().encoding;
   const bool is_marked_utf8 = encoding == TextEncoding::Utf8Bom;
   const SourceLines& lines = file.Lines();
-  if (is_marked_utf8 && lines.First() != SourceLines::kEnds &&
-      static_cast<IniLine>(lines.Kind(lines.First())) == IniLine::Header)
-    findings.push_back({1, "the byte order mark of UTF-8 right before the first section",
-                        "the functions of Windows do not find that section"});
+  const bool is_section =
+      lines.First() != SourceLines::kEnds && static_cast<IniLine>(lines.Kind(lines.First())) == IniLine::Header;
+  if (is_marked_utf8)
+    findings.push_back({1,
+                        std::string("the byte order mark of UTF-8 ") +
+                            (is_section ? "right before the first section" : "at the start"),
+                        is_section ? "the functions of Windows do not find that section"
+                                   : "readers that know no mark take the first line for another one"});
   if (encoding == TextEncoding::Utf16Be || encoding == TextEncoding::Utf16BeUnmarked)
     findings.push_back({1, "UTF-16 with the high byte first", "the functions of Windows do not read it"});
   if (encoding == TextEncoding::Utf16LeUnmarked)
