@@ -93,6 +93,7 @@ TEST_F(ConsoleEdit, ChangesOneLineOfARegistryFile) {
       {{"set", "HKU\\A", "b", "1", "--type", "word"}, "", "", 2},
       {{"delete", "HKU\\A", "a"}, "\"a\"=\"1\"\r\n", ""},
       {{"delete", "HKU\\A\\B"}, "[HKEY_USERS\\A\\B]\r\n\"x\"=\"y\"\r\n\r\n", ""},
+      {{"set", "HKU\\Q\\R", "v", "1"}, "Q]\r\n", "Q]\r\n\r\n[HKEY_USERS\\Q\\R]\r\n\"v\"=\"1\"\r\n"},
       {{"delete", "HKU\\A", "none"}, "", "", 1},
       {{"delete", "HKU\\A", "a", "--write-deletion"}, "\"1\"", "-"},
       {{"delete", "HKU\\A", "d", "--write-deletion"}, "", ""},
@@ -111,6 +112,30 @@ TEST_F(ConsoleEdit, ChangesOneLineOfARegistryFile) {
         << testing::PrintToString(words);
     EXPECT_TRUE(FileBytes("a.reg").starts_with("\xFF\xFE"));
   }
+}
+
+TEST_F(ConsoleEdit, KnowsWhatAnImportLeaves) {
+  const std::string top = "REGEDIT4\n\n; c\n[HKEY_USERS\\A\\B]\n\"x\"=\"1\"\n\"s\"=\"a\nb\"\n\n",
+                    text = top + "[-HKEY_USERS\\a]\n", again = "\n[HKEY_USERS\\A\\B]\n";
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"get FILE:a.reg HKU\\A\\B x", 1, ""},
+      {"get FILE:a.reg HKU\\A\\B x --json", 1, "null\n"},
+      {"get FILE:a.reg HKU\\A --json", 1, "[]\n"},
+      {"get FILE:a.reg HKU\\A\\B", 1, ""},
+      {"set FILE:a.reg HKU\\A\\B x 2 -o-", 0, text + again + "\"x\"=\"2\"\n"},
+      {"set FILE:a.reg HKU\\A\\B\\C n 2 -o-", 0, text + "\n[HKEY_USERS\\A\\B\\C]\n\"n\"=\"2\"\n"},
+      {"delete FILE:a.reg HKU\\A\\B -o-", 0, "REGEDIT4\n\n; c\n\n[-HKEY_USERS\\a]\n"},
+      {"set FILE:a.reg HKU\\A\\B s 2 -o-", 2, ""},
+      {"delete FILE:a.reg HKU\\A\\B s", 2, ""},
+  };
+  PutFile("a.reg", text);
+  for (const auto& [words, result, output] : cases) {
+    EXPECT_EQ(RunWords(words), result) << words << errors_;
+    EXPECT_EQ(output_, output) << words;
+  }
+  PutFile("b.reg", text + again + "\"y\"=\"1\"\n");
+  EXPECT_EQ(RunWords("get FILE:b.reg HKU\\A\\B"), 0);
+  EXPECT_EQ(output_, "y\tREG_SZ\t1\n");
 }
 
 TEST_F(ConsoleEdit, WritesWhatTheFileCanHold) {

@@ -9,6 +9,7 @@
 #include "base/CaseFold.h"
 #include "base/Utf8.h"
 #include "console/Findings.h"
+#include "console/KeyEdits.h"
 #include "console/Values.h"
 #include "documents/reg/RegHex.h"
 #include "documents/reg/RegNames.h"
@@ -40,14 +41,6 @@ constexpr std::array kVersions{RegVersion::Regedit, RegVersion::Regedit4, RegVer
 bool EndsString(std::string_view text) {
   const std::size_t end = text.find_last_not_of(" \t");
   return end != std::string_view::npos && text[end] == '"' && (end == 0 || text[end - 1] != '\\');
-}
-
-/// Whether a value's text begins in this line and goes on in the next one.
-bool IsOpenString(std::string_view text) {
-  if (!text.starts_with('"') && !text.starts_with('@')) return false;
-  const std::string closed = std::string(text) + '"';
-  const auto place = FindRegValue(closed, closed.size());
-  return place && place->assignment.Of(closed).starts_with('"') && place->assignment.End() == closed.size();
 }
 
 class RegCheck {
@@ -170,7 +163,7 @@ class RegCheck {
     if (text.starts_with('[') && line.rfind(']') == std::string_view::npos)
       return Add(number, "a key without \"]\"", "imports pass over it, and its values go to the key above");
     const bool is_value = FindRegValue(line, line.size()).has_value();
-    if (IsOpenString(text)) {
+    if (std::string name; BeginsOpenText(line, name)) {
       in_string_ = true;
       return Add(number, "a text in quotes that does not end in its line",
                  "the system's import reads on in the next lines, most others pass over them");

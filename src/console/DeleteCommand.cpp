@@ -31,6 +31,7 @@ Result DeleteValues(ConsoleFile& file, RegNode* key, const std::string& path, st
                     bool writes_deletion) {
   RegDocument& document = file.Reg();
   std::vector<std::size_t> records = key == nullptr ? std::vector<std::size_t>() : ValuesNamed(document, key, name);
+  if (records.empty()) RequireNoOpenText(file, path, name);
   if (!writes_deletion) {
     for (const std::size_t record : records) document.DeleteValue(record);
     return records.empty() ? Result::Other : Result::Done;
@@ -59,7 +60,7 @@ Result DeleteReg(ConsoleFile& file, const Arguments& arguments) {
   if (writes_deletion && PartsOfKeyPath(path).size() < 2) file.Fail(0, "no import deletes a hive; nothing was written");
   if (!writes_deletion) {
     if (key == nullptr) return Result::Other;
-    document.RemoveKey(key);
+    document.RemoveKey(key, HeaderComments::Stay);
   } else if (key != nullptr) {
     document.WriteDeletion(key);
   } else {

@@ -3,6 +3,7 @@
 #include "console/Commands.h"
 #include "console/ConsoleFile.h"
 #include "console/Json.h"
+#include "console/KeyEdits.h"
 #include "console/Lookup.h"
 #include "console/Values.h"
 
@@ -13,15 +14,17 @@ bool IsDeletion(const RegValueRecord& record) { return record.type == RegType::N
 
 /// What readers take of a key's values: of each name the last line, unless it deletes the value.
 std::vector<std::size_t> EffectiveValues(const RegDocument& document, const RegNode* key,
-                                         std::optional<std::string_view> name) {
-  if (name) {
-    const std::vector<std::size_t> records = ValuesNamed(document, key, *name);
-    if (records.empty() || IsDeletion(document.Values()[records.back()])) return {};
-    return {records.back()};
-  }
-  std::vector<std::size_t> records = document.ValuesOfPath(key);
+                                         std::optional<std::string_view> name, SourceLines::Piece deletion) {
+  std::vector<std::size_t> records = name ? ValuesNamed(document, key, *name) : document.ValuesOfPath(key);
+  std::erase_if(records, [&](std::size_t record) { return document.Values()[record].piece < deletion; });
+  if (name && !records.empty()) records = {records.back()};
   std::erase_if(records, [&document](std::size_t record) { return IsDeletion(document.Values()[record]); });
   return records;
+}
+
+Result Absent(const Arguments& arguments, Streams& streams) {
+  if (arguments.Has(kJsonOption)) streams.PutLine(arguments.OperandCount() > 2 ? "null" : "[]");
+  return Result::Other;
 }
 
 Result GetIni(const ConsoleFile& file, const Arguments& arguments, Streams& streams) {
@@ -34,7 +37,7 @@ Result GetIni(const ConsoleFile& file, const Arguments& arguments, Streams& stre
     for (int row = 0; !is_one && row < section->ChildCount(); ++row)
       if (section->Child(row)->Tag() == IniTag::Value) entries.push_back(section->Child(row));
   }
-  if (sections.empty() || (is_one && entries.empty())) return Result::Other;
+  if (sections.empty() || (is_one && entries.empty())) return Absent(arguments, streams);
   if (is_one) entries.resize(1);
   if (!arguments.Has(kJsonOption)) {
     for (const IniNode* entry : entries) {
@@ -56,12 +59,17 @@ Result GetIni(const ConsoleFile& file, const Arguments& arguments, Streams& stre
 
 Result GetReg(const ConsoleFile& file, const Arguments& arguments, Streams& streams) {
   const RegDocument& document = file.Reg();
-  const RegNode* key = KeyOfPath(document, FullKeyPath(arguments.Operand(1)));
-  if (key == nullptr) return Result::Other;
+  const std::string path = FullKeyPath(arguments.Operand(1));
+  const RegNode* key = KeyOfPath(document, path);
   const bool is_one = arguments.OperandCount() > 2;
-  const auto records =
-      EffectiveValues(document, key, is_one ? std::optional(ValueNameOf(arguments.Operand(2))) : std::nullopt);
-  if (is_one && records.empty()) return Result::Other;
+  const auto deletion = DeletionOf(document, path);
+  if (key == nullptr || !StandsBehind(document, *key, deletion)) return Absent(arguments, streams);
+  const auto wanted = is_one ? std::optional(ValueNameOf(arguments.Operand(2))) : std::nullopt;
+  const auto records = EffectiveValues(document, key, wanted, deletion);
+  if (is_one && records.empty()) {
+    RequireNoOpenText(file, path, *wanted);
+    return Absent(arguments, streams);
+  }
   JsonWriter json(streams);
   const bool as_json = arguments.Has(kJsonOption);
   if (as_json && !is_one) json.BeginArray(JsonWriter::Layout::Lines);
@@ -106,7 +114,10 @@ constinit const Command kGetCommand{
     "and\n"
     "the value, with tabs between them. SECTION \"\" is what stands before the first section. Names are found in any\n"
     "letter case. Of several entries of one key the first counts, of several values of one name the last.\n"
-    "Strings of a REG_MULTI_SZ are a line each, numbers are decimal, and bytes are pairs of hex digits.\n",
+    "Strings of a REG_MULTI_SZ are a line each, numbers are decimal, and bytes are pairs of hex digits. In lines with\n"
+    "tabs, controls within a text are \\t, \\n, \\r and \\0, and a backslash stays one; --json is exact, with null or "
+    "[]\n"
+    "for what is absent.\n",
     &Get};
 
 }  // namespace tme::console

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "console/Findings.h"
 #include "console/Lookup.h"
+#include "console/Values.h"
 #include "documents/reg/RegNames.h"
+#include "documents/reg/RegSourceLine.h"
 
 namespace tme::console {
 namespace {
@@ -40,6 +43,33 @@ RegNode* DeletionBelow(const RegNode* parent, std::string_view name) {
 
 bool IsValueName(std::string_view name) { return name.find_first_of(kLineEndsAndNul) == name.npos; }
 
+bool BeginsOpenText(std::string_view line, std::string& name) {
+  const std::string closed = std::string(line) + '"';
+  const auto place = FindRegValue(closed, closed.size());
+  if (!place || !place->assignment.Of(closed).starts_with('"') || place->assignment.End() != closed.size())
+    return false;
+  name = NameOfQuoted(place->name.Of(closed));
+  return true;
+}
+
+void RequireNoOpenText(const ConsoleFile& file, std::string_view path, std::string_view name) {
+  const auto parts = PartsOfKeyPath(path);
+  const auto same = [](std::string_view one, std::string_view other) { return SameRegName(one, other); };
+  bool is_key = false;
+  ForEachPiece(file, [&](SourceLines::Piece piece, std::uint64_t number, std::string_view text) {
+    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    const auto kind = static_cast<RegPiece>(file.Lines().Kind(piece));
+    std::string found;
+    if (kind == RegPiece::Key) {
+      const auto header = FindRegHeader(line);
+      is_key = header && std::ranges::equal(PartsOfKeyPath(header->path.Of(line)), parts, same);
+    }
+    if (is_key && kind == RegPiece::Other && BeginsOpenText(line, found) && SameRegName(found, name))
+      file.Fail(number,
+                "the text of this value goes on in the next line, which cannot be taken here; nothing was done");
+  });
+}
+
 RegNode* AddKeyPath(ConsoleFile& file, const std::string& path) {
   RequireKeyPath(file, path);
   RegDocument& document = file.Reg();
@@ -50,7 +80,8 @@ RegNode* AddKeyPath(ConsoleFile& file, const std::string& path) {
     next = document.FindChild(node, parts[found]);
     if (next == nullptr) break;
   }
-  if (found + 1 < parts.size() && document.Version() != RegVersion::Regedit) {
+  const bool is_deleted = DeletionOf(document, path) != SourceLines::kEnds;
+  if ((is_deleted || found + 1 < parts.size()) && document.Version() != RegVersion::Regedit) {
     document.Paste(document.Root(), "[" + JoinedPath(parts) + "]\n", file.Coding());  // one line, not one a level
     node = KeyOfPath(document, path);
     if (node == nullptr) file.Fail(0, "this file cannot hold a key of this name; nothing was written");

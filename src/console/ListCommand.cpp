@@ -74,11 +74,13 @@ Result ListIni(const IniTree& tree, const Arguments& arguments, RowWriter& rows)
   return sections.empty() ? Result::Other : Result::Done;
 }
 
-void ListKey(const ConsoleFile& file, const RegNode& key, const std::string& path, RowWriter& rows) {
+void ListKey(const ConsoleFile& file, const RegNode& key, RowWriter& rows) {
   const RegDocument& document = file.Reg();
   const auto records = document.ValuesOfPath(&key);
   const bool has_lines = document.PieceOf(&key) != SourceLines::kEnds;
-  if (records.empty() && has_lines) rows.Put(std::array{RowWriter::Cell{"key", path}});
+  if (records.empty() && !has_lines) return;
+  const std::string path = key.KeyPath();
+  if (records.empty()) rows.Put(std::array{RowWriter::Cell{"key", path}});
   for (const std::size_t record : records) {
     const RegValueRecord& value = document.Values()[record];
     const bool is_deletion = value.type == RegType::None;
@@ -91,18 +93,16 @@ void ListKey(const ConsoleFile& file, const RegNode& key, const std::string& pat
 
 Result ListReg(const ConsoleFile& file, const Arguments& arguments, RowWriter& rows) {
   const RegNode* top = file.Reg().Root();
-  std::string top_path;
   if (arguments.OperandCount() > 1) {
     top = KeyOfPath(file.Reg(), FullKeyPath(arguments.Operand(1)));
     if (top == nullptr) return Result::Other;
-    top_path = top->KeyPath();
   }
   WalkKeys(*top, [&](const RegNode& node) {
     if (node.Tag() == RegTag::Deletion) {
       const std::string path = "-" + node.KeyPath();
       rows.Put(std::array{RowWriter::Cell{"key", path}});
     } else if (IsKey(node.Tag())) {
-      ListKey(file, node, node.KeyPath(), rows);
+      ListKey(file, node, rows);
     }
     return true;
   });

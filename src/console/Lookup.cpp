@@ -6,6 +6,7 @@
 
 #include "base/CaseFold.h"
 #include "documents/ini/IniSourceLine.h"
+#include "documents/reg/RegKeyWalk.h"
 #include "documents/reg/RegNames.h"
 
 namespace tme::console {
@@ -64,6 +65,26 @@ RegNode* KeyOfPath(const RegDocument& document, std::string_view path) {
     if (node == nullptr) return nullptr;
   }
   return node == document.Root() ? nullptr : node;
+}
+
+SourceLines::Piece DeletionOf(const RegDocument& document, std::string_view path) {
+  std::string wanted;
+  for (const std::string_view part : PartsOfKeyPath(path)) wanted.append(part).append("\\");
+  wanted = FoldedCase(wanted);
+  SourceLines::Piece last = SourceLines::kEnds;
+  document.ForEachBlock([&](const RegBlock& block) {
+    if (block.node->Tag() == RegTag::Deletion && wanted.starts_with(FoldedCase(block.node->KeyPath() + "\\")))
+      last = block.header;
+  });
+  return last;
+}
+
+bool StandsBehind(const RegDocument& document, const RegNode& key, SourceLines::Piece deletion) {
+  if (deletion == SourceLines::kEnds) return true;
+  return !WalkKeys(key, [&](const RegNode& node) {
+    return node.Tag() == RegTag::Deletion || document.PieceOf(&node) == SourceLines::kEnds ||
+           document.PieceOf(&node) < deletion;
+  });
 }
 
 std::string_view ValueNameOf(std::string_view argument) { return argument == "@" ? std::string_view() : argument; }

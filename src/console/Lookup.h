@@ -23,6 +23,11 @@ std::string FullKeyPath(std::string_view path);
 std::vector<std::string_view> PartsOfKeyPath(std::string_view path);
 /// Null when there is none.
 RegNode* KeyOfPath(const RegDocument& document, std::string_view path);
+/// The last line that deletes the key of a path or one above it; kEnds without. Of a document as it was read, whose
+/// pieces have numbers in the order of the file. Linear in the keys' lines.
+SourceLines::Piece DeletionOf(const RegDocument& document, std::string_view path);
+/// Whether the key or one below it has a line behind this one; for kEnds always.
+bool StandsBehind(const RegDocument& document, const RegNode& key, SourceLines::Piece deletion);
 /// "" and "@" are the default value.
 std::string_view ValueNameOf(std::string_view argument);
 /// The records of this name, deletions included, in the order of the file. An import leaves the last one.

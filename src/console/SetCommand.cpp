@@ -31,7 +31,9 @@ void SetIni(ConsoleFile& file, const Arguments& arguments) {
   IniNode* entry = entries.empty() ? tree.AddEntry(sections.front(), key, value) : entries.front();
   if (entry != nullptr) entries = EntriesNamed(tree, sections, key);
   if (entry == nullptr || entries.empty() || key.empty())
-    refuse("no line can have the key \"" + std::string(key) + "\" and this value");
+    refuse(
+        "no line can have the key \"" + std::string(key) +
+        "\" and this value (a key has no \"=\" and does not begin with \";\", \"#\" or \"[\", and both are one line)");
   if (tree.ValueOf(*entry) == value) return;
   const std::string as_it_is(value);
   const std::string forms[] = {as_it_is, "\"" + as_it_is + "\"", "'" + as_it_is + "'"};
@@ -77,7 +79,9 @@ void SetReg(ConsoleFile& file, const Arguments& arguments) {
   const auto name = ValueNameOf(arguments.Operand(2));
   const std::string path = FullKeyPath(arguments.Operand(1));
   RegNode* key = KeyOfPath(document, path);
-  const auto records = key == nullptr ? std::vector<std::size_t>() : ValuesNamed(document, key, name);
+  const auto deletion = DeletionOf(document, path);
+  auto records = key == nullptr ? std::vector<std::size_t>() : ValuesNamed(document, key, name);
+  std::erase_if(records, [&](std::size_t record) { return document.Values()[record].piece < deletion; });
   std::uint32_t type = reg_type::kString;
   if (const auto wanted = arguments.ValueOf(kTypeOption))
     type = TypeNamed(*wanted);
@@ -95,7 +99,10 @@ void SetReg(ConsoleFile& file, const Arguments& arguments) {
   if (document.Version() == RegVersion::Regedit && !name.empty())
     file.Fail(0, std::string(WhyNot(RegFault::OnlyText)) + "; nothing was written");
   if (!IsValueName(name)) file.Fail(0, "no value can have this name; nothing was written");
-  document.AddValue(key != nullptr ? key : AddKeyPath(file, path), name, *assignment);
+  RequireNoOpenText(file, path, name);
+  // A line above the one that deletes the key would be lost.
+  const bool is_there = key != nullptr && (deletion == SourceLines::kEnds || document.PieceOf(key) > deletion);
+  document.AddValue(is_there ? key : AddKeyPath(file, path), name, *assignment);
 }
 
 Result Set(const Arguments& arguments, Streams& streams) {

@@ -1,6 +1,7 @@
 #include "console/Streams.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "base/Parts.h"
 #include "base/Utf8.h"
@@ -44,6 +45,7 @@ std::string WithVisibleControls(std::string_view text) {
 
 std::string Streams::Input() {
   std::string bytes;
+  if (std::exchange(has_read_, true)) throw Trouble("standard input can be read once, and not for two files");
   if (const auto failure = ReadInput(bytes)) throw Trouble("standard input: " + failure->reason);
   return bytes;
 }

@@ -30,7 +30,7 @@ class Streams {
   Streams& operator=(const Streams&) = delete;
   virtual ~Streams() = default;
 
-  /// Reads standard input to its end. Throws Trouble.
+  /// Reads standard input to its end; once. Throws Trouble.
   std::string Input();
   /// Writes whole texts, sooner or later. Throws Trouble.
   void Put(std::string_view text);
@@ -50,6 +50,7 @@ class Streams {
 
  private:
   std::string output_;
+  bool has_read_ = false;
 };
 
 /// A text with its controls (C0, C1, and what turns the direction of text) as "\x1b" or "\u202e".

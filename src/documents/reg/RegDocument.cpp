@@ -164,14 +164,14 @@ void RegDocument::SetTitle(std::string_view title) {
   observer_->TextChanged(*root_);
 }
 
-void RegDocument::RemoveKey(RegNode* node) {
+void RegDocument::RemoveKey(RegNode* node, HeaderComments comments) {
   if (node == root_.get()) return;
   const Editing editing(*this, IsKey(node->tag_) ? EditName::DeleteKey : EditName::Delete);
   RegNode* parent = node->parent_;
   RegChildren& siblings = *parent->children_;
   const std::size_t row = node->row_;
   observer_->BeforeRemove(*node);
-  if (holding_ == Holding::Whole) RemoveBlocks(node);
+  if (holding_ == Holding::Whole) RemoveBlocks(node, comments);
   const bool selection_moves = IsBelow(selected_, node);
   NoteRow(node, row, RegChanges::ListChange::Kind::Removed);
   TakeRow(node);

@@ -55,6 +55,12 @@ class RegDocumentObserver : public TreeObserver<RegNode> {
 /// Whether comment lines are nodes of a whole document.
 enum class RegComments : std::uint8_t { Hidden, Shown };
 
+/// What becomes of the comments that touch the header of a key that is removed.
+enum class HeaderComments : std::uint8_t {
+  Go,
+  Stay,  ///< not where comments are shown
+};
+
 /// The document of a registry window: the tree of keys and one table of values. Every edit is one call with a name.
 /// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
 /// In whole holding the lines of the file are the truth; nodes and records show them, keys are found in any letter
@@ -155,8 +161,8 @@ class RegDocument : public EditLog<RegChanges> {
   /// Takes the node with its subtree out of the tree, but never the root. Its records stay. If the selected node goes
   /// too, its next sibling is selected, else the previous one, else the parent. There is no recursion.
   /// In whole holding its blocks go, with the blank lines behind them and the comments that touch their headers; a
-  /// comment that touches the next header stays.
-  void RemoveKey(RegNode* node);
+  /// comment that touches the next header stays. Where comments stay, a blank line behind them does, too.
+  void RemoveKey(RegNode* node, HeaderComments comments = HeaderComments::Go);
   /// Takes many nodes with their subtrees out of the tree, as RemoveKey does one; linear in their number and that of
   /// their siblings. nodes: none below another one; the root stays.
   void RemoveKeys(std::span<RegNode* const> nodes);
@@ -270,7 +276,7 @@ class RegDocument : public EditLog<RegChanges> {
   void RenameInLine(std::size_t record, std::string_view name);
   void FollowPiece(std::size_t record);
   void DeleteValueLines(std::size_t record);
-  void RemoveBlocks(const RegNode* node);
+  void RemoveBlocks(const RegNode* node, HeaderComments comments);
   void KeepComments(SourceLines::Piece piece, std::string_view assignment);
   void RenumberFrom(const RegNode* parent, std::size_t row);
   RegNode* MakeNode(RegNode* parent, std::string_view text, RegTag tag);

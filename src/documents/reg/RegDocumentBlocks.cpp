@@ -107,7 +107,7 @@ void RegDocument::AddHeaderLine(RegNode* node) {
 
 /// Takes the lines of a node and all below it from the file, with the comments that touch their headers, which would
 /// belong to the next header otherwise. A comment node is its line.
-void RegDocument::RemoveBlocks(const RegNode* node) {
+void RegDocument::RemoveBlocks(const RegNode* node, HeaderComments comments) {
   if (node->tag_ == RegTag::Comment) return lines_.Remove(node->place_);
   const auto is_of_node = [this, node](std::uint32_t header) {
     const RegNode* at = headers_[header].node;
@@ -129,6 +129,10 @@ void RegDocument::RemoveBlocks(const RegNode* node) {
       // Between two of these blocks all goes, and with the first of them.
       blocks.push_back({header, is_of_node(block.previous) ? block.piece : LeadOf(header),
                         is_of_node(block.next) ? lines_.Previous(headers_[block.next].piece) : TailOf(header)});
+      Block& added = blocks.back();
+      if (comments == HeaderComments::Go || added.first == block.piece) continue;
+      added.first = block.piece;
+      if (!is_of_node(block.next) && KindOf(added.last) == RegPiece::Blank) added.last = lines_.Previous(added.last);
     } while (header != below.place_);
     ForEachRecordOf(&below, [this](std::size_t record) { MarkDeleted(record); });
     return true;

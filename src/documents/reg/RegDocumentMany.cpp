@@ -22,7 +22,7 @@ void RegDocument::RemoveKeys(std::span<RegNode* const> nodes) {
   std::vector<RegChanges::ListChange> rows;
   for (std::size_t at = 0; at < gone.size(); ++at) {
     RegNode* node = gone[at];
-    if (holding_ == Holding::Whole) RemoveBlocks(node);
+    if (holding_ == Holding::Whole) RemoveBlocks(node, HeaderComments::Go);
     NoteRow(node, node->row_, RegChanges::ListChange::Kind::Removed);
     rows.push_back({node, node->row_, 0, RegChanges::ListChange::Kind::Removed});
     if (at + 1 < gone.size() && gone[at + 1]->parent_ == node->parent_) continue;
