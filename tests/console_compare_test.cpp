@@ -79,6 +79,15 @@ TEST_F(ConsoleCompare, Merges) {
   EXPECT_EQ(FileBytes("ours.ini"), "[A]\n; MERGE CONFLICT theirs: k=3\nk=2\n");
   EXPECT_EQ(errors_,
             "tmec: " + PathText("ours.ini") + ":2: [A] k=2: both changed it; ours stands, theirs is in a comment\n");
+  EXPECT_EQ(RunWords("merge FILE:base.ini FILE:ours.ini FILE:theirs.ini --name x/y.ini"), 1);
+  EXPECT_TRUE(errors_.starts_with("tmec: x/y.ini:3: ")) << errors_;
+  EXPECT_EQ(RunWords("merge FILE:base.ini FILE:ours.ini FILE:theirs.ini"), 1);
+  EXPECT_TRUE(errors_.starts_with("tmec: the result:3: ")) << errors_;
+  for (const auto& [name, bytes] :
+       {std::pair{"b", "01,02,\\\n  03,04"}, {"o", "01,02,\\\n  dd,ee"}, {"t", "aa,bb,\\\n  03,04"}})
+    PutFile(name, std::string("; c\n\n[HKEY_USERS\\A]\n\"b\"=hex:") + bytes + "\n");
+  EXPECT_EQ(RunWords("merge FILE:b FILE:o FILE:t"), 1) << "registry files by what stands below the comment";
+  EXPECT_EQ(RunWords("diff - -"), 2);
   PutFile("pairs.reg", "REGEDIT\nHKEY_USERS\\a = 1\n");
   EXPECT_EQ(RunWords("merge FILE:base.reg FILE:pairs.reg FILE:theirs.reg"), 2);
   EXPECT_EQ(RunWords("merge FILE:base.reg FILE:ours.reg FILE:none.reg"), 2);
@@ -95,7 +104,7 @@ TEST_F(ConsoleCompare, IsAMergeDriver) {
   if (git(QStringLiteral("init -q")) != 0) GTEST_SKIP() << "no git";
   PutFile(".git/config",
           "[core]\n autocrlf = false\n[user]\n name = a\n email = a@b\n[merge \"tmec\"]\n driver = " TME_CONSOLE_PROGRAM
-          " merge %O %A %B -o %A\n");
+          " merge --name %P %O %A %B -o %A\n");
   PutFile(".gitattributes", "*.reg merge=tmec\n");
   const auto commit = [&](const std::string& a, const std::string& b) {
     PutFile("a.reg", Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"a\"=\"" + a + "\"\r\n\"b\"=\"" + b + "\"\r\n"));

@@ -32,10 +32,15 @@ TEST_F(ConsoleHostile, RefusesWhatIsNoFileAndKeepsWhatIsOne) {
   PutFile("a.ini", text);
   const std::pair<std::string, std::string> cases[] = {
       {"$T get . A", "2: tmec: .: Is a directory\n"},
-      {"$T get '' A", "2: tmec: : no path on this system\n"},
+      {"$T get '' A", "2: tmec: an empty text names no file\n"},
       {"$T get a.ini/x A", "2: tmec: a.ini/x: Not a directory\n"},
-      {"mkfifo f.ini; $T get f.ini A", "2: tmec: f.ini: Not a regular file\n"},
-      {"$T set a.ini A k 2 -o f.ini", "2: tmec: f.ini: Not a regular file\n"},
+      {"mkfifo f.ini; cat a.ini >f.ini & sleep 0.1; $T get f.ini A k", "0: 1\n"},
+      {"cat a.ini >f.ini & sleep 0.1; $T set f.ini A k 2",
+       "2: tmec: f.ini: this is no regular file; -o says where to write\n"},
+      {"cat f.ini & $T set a.ini A k 2 -o f.ini; wait", "0: [A]\nk=2\n"},
+      {"$T set a.ini A k 2 -o /dev/stdout; $T get /dev/stdin A k <a.ini", "0: [A]\nk=2\n1\n"},
+      {"printf 'a\\0b' >b; $T set b A k 2; rm b",
+       "0: tmec: b: no text file, for it has NUL characters (--kind takes it as one)\n"},
       {"$T set a.ini A k 2 -o no/x", "2: tmec: no/x: No such file or directory\n"},
       {"$T get a.ini A k >/dev/full", "2: tmec: standard output: No space left on device\n"},
       {"$T get a.ini A k >&-", "2: tmec: standard output: Bad file descriptor\n"},
@@ -46,7 +51,8 @@ TEST_F(ConsoleHostile, RefusesWhatIsNoFileAndKeepsWhatIsOne) {
        "0: tmec: standard output: Broken pipe\n2\n"},
       {"(trap '' XFSZ; ulimit -f 0; $T set a.ini A k 2 2>&1 | cat)", "0: tmec: a.ini: File too large\n"},
       {"ln a.ini hard; $T set a.ini A k 2; status=$?; rm hard; exit $status",
-       "2: tmec: a.ini: A new file cannot have the owner, the access rights and the links of the old one\n"},
+       "2: tmec: a.ini: A new file cannot have the owner, the access rights and the links of the old one; nothing was "
+       "written (-o OUT writes another file)\n"},
       {"ls -A", "0: a.ini\nf.ini\n"},
   };
   for (const auto& [line, answer] : cases) EXPECT_EQ(Shell(line), answer) << line;

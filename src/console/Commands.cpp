@@ -24,7 +24,8 @@ std::string Help() {
     help.append(left).append(command->summary).append("\n");
   }
   return help +
-         "\n\"-\" is standard input. \"tmec COMMAND --help\" says more about each.\n"
+         "\n\"-\" is standard input. \"tmec COMMAND --help\" says more about each, and \"tmec --version\" which\n"
+         "this is.\n"
          "Exit status: 0 done or the same, 1 absent, different or found, 2 trouble.\n";
 }
 

@@ -12,8 +12,9 @@ namespace tme::console {
 class ComparedFile {
  public:
   /// As ConsoleFile. Throws Trouble.
-  ComparedFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams)
-      : file_(name, kind, streams, ConsoleFile::Holds::Text) {}
+  ComparedFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams,
+               std::optional<std::string_view> shown_name = {})
+      : file_(name, kind, streams, ConsoleFile::Holds::Text, shown_name) {}
 
   const ConsoleFile& File() const { return file_; }
   bool IsEmpty() const { return file_.Text().empty(); }

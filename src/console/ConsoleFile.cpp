@@ -21,7 +21,8 @@ namespace fs = std::filesystem;
 
 fs::path PathOrFail(const std::string& name) {
   const auto path = PathOfArgument(name);
-  if (!path || name.empty()) throw Trouble(name + ": no path on this system");
+  if (name.empty()) throw Trouble("an empty text names no file");
+  if (!path) throw Trouble(name + ": no path on this system");
   return *path;
 }
 
@@ -47,9 +48,10 @@ std::uint64_t LineEndsIn(std::string_view text) {
   return lines.Number() - (text.empty() || text.ends_with('\n') || text.ends_with('\r') ? 0 : 1);
 }
 
-ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams, Holds holds)
+ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams, Holds holds,
+                         std::optional<std::string_view> shown_name)
     : name_(name == "-" ? "standard input" : name) {
-  const std::optional<DocumentKind> named = kind ? KindNamed(*kind) : KindOfName(name);
+  const std::optional<DocumentKind> named = kind ? KindNamed(*kind) : KindOfName(shown_name.value_or(name));
   if (kind && !named) throw Trouble("--kind is ini, reg, rtf or txt, and not \"" + std::string(*kind) + "\"");
   std::string bytes;
   if (name == "-") {
@@ -57,7 +59,8 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
   } else {
     path_ = PathOrFail(name_);
     stamp_ = StampOf(*path_);
-    if (const auto failure = ReadFileBytes(*path_, bytes)) Fail(0, failure->reason);
+    if (const auto failure = IsStream(*path_) ? ReadStream(*path_, bytes) : ReadFileBytes(*path_, bytes))
+      Fail(0, failure->reason);
     if (StampOf(*path_) != stamp_) Fail(0, "it changed while it was read; nothing was done");
   }
   if (named ? named == DocumentKind::Rtf : bytes.starts_with("{\\rtf")) {
@@ -69,6 +72,8 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
   DecodedText decoded = DecodeText(std::move(bytes));
   format_ = decoded.format;
   const DocumentKind found = named ? *named : KindOfText(decoded.text);
+  const bool is_binary = !named && found == DocumentKind::Ini && decoded.text.find('\0') != std::string::npos;
+  if (is_binary) Fail(0, "no text file, for it has NUL characters (--kind takes it as one)");
   kind_ = found;
   text_ = std::move(decoded.text);
   if (holds == Holds::Document) Hold(found, TakeText());
@@ -141,6 +146,7 @@ void ConsoleFile::Save(const Arguments& arguments, Streams& streams) {
   if (output || !path_) return WriteOut(output.value_or("-"), Encoded(Parts()), streams);
   const bool is_edited = kind_ == DocumentKind::Ini ? ini_->CanUndo() : reg_->CanUndo();
   if (!is_edited) return;
+  if (!stamp_) Fail(0, "this is no regular file; -o says where to write");
   const std::string bytes = Encoded(Parts());
   if (StampOf(*path_) != stamp_) Fail(0, "another program has changed it since it was read; nothing was written");
   WriteOut(name_, bytes, streams);
@@ -176,7 +182,11 @@ void WriteOut(std::string_view name, std::string_view bytes, Streams& streams) {
     return;
   }
   const std::string text(name);
-  if (const auto failure = WriteFileBytes(PathOrFail(text), bytes)) throw Trouble(text + ": " + failure->reason);
+  const fs::path path = PathOrFail(text);
+  if (const auto failure = IsStream(path) ? WriteStream(path, bytes) : WriteFileBytes(path, bytes)) {
+    const char* const way = failure->folder_refused ? "; nothing was written (-o OUT writes another file)" : "";
+    throw Trouble(text + ": " + failure->reason + way);
+  }
 }
 
 }  // namespace tme::console

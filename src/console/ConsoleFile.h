@@ -30,9 +30,9 @@ class ConsoleFile {
 
   /// name: a path, or "-" for standard input. kind: what --kind says; else the name's ending decides (ini, inf, reg,
   /// rtf, txt), and where it is none of these the content: what is neither registry nor rich-text file is an INI file.
-  /// Throws Trouble.
+  /// shown_name: whose ending decides, for a file that stands for another one. Throws Trouble.
   ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams,
-              Holds holds = Holds::Document);
+              Holds holds = Holds::Document, std::optional<std::string_view> shown_name = {});
   /// A document that was made of another file. name: of that.
   ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format);
   ~ConsoleFile();
@@ -95,7 +95,7 @@ std::uint64_t LineEndsIn(std::string_view text);
 /// where the bytes would be read in another one.
 std::string EncodeOrFail(const std::string& name, const TextFormat& format, const PartProducer& produce);
 
-/// Writes bytes to a path, or standard output for "-", whole or not at all. Throws Trouble.
+/// Writes bytes to a path, or standard output for "-", whole or not at all, but for pipes and devices. Throws Trouble.
 void WriteOut(std::string_view name, std::string_view bytes, Streams& streams);
 
 }  // namespace tme::console

@@ -7,6 +7,8 @@
 namespace tme::console {
 namespace {
 
+constexpr Option kNameOption{"name", '\0', "PATH", "the file that is merged, for messages and its kind"};
+
 std::string_view WhatHappened(MergeConflict::Kind kind) {
   switch (kind) {
     case MergeConflict::Kind::BothChanged:
@@ -24,8 +26,9 @@ std::string_view WhatHappened(MergeConflict::Kind kind) {
 Result Merge(const Arguments& arguments, Streams& streams) {
   const std::optional<std::string_view> named = arguments.ValueOf(kKindOption);
   const std::string_view output = arguments.ValueOf(kOutputOption).value_or("-");
-  ComparedFile base(arguments.Operand(0), named, streams), ours(arguments.Operand(1), named, streams),
-      theirs(arguments.Operand(2), named, streams);
+  const std::optional<std::string_view> path = arguments.ValueOf(kNameOption);
+  ComparedFile base(arguments.Operand(0), named, streams, path), ours(arguments.Operand(1), named, streams, path),
+      theirs(arguments.Operand(2), named, streams, path);
   const bool is_ours_base = ours.File().Text() == base.File().Text();
   const bool is_encoding_base = ours.File().Format().encoding == base.File().Format().encoding;
   const DocumentKind kind = (ours.IsEmpty() ? theirs : ours).File().Kind();
@@ -37,7 +40,7 @@ Result Merge(const Arguments& arguments, Streams& streams) {
   const ConsoleFile& like = (is_ours_base && is_encoding_base ? theirs : ours).File();
   const std::string& text = merged->text;
   WriteOut(output, like.Encoded([&text](const PartSink& sink) { return sink(text); }), streams);
-  const std::string name = output == "-" ? ours.File().Name() : std::string(output);
+  const std::string name(path.value_or(output == "-" ? "the result" : output));
   for (const MergeConflict& conflict : merged->conflicts) {
     std::string line = name;
     line.append(":").append(std::to_string(conflict.line)).append(": ").append(conflict.group);
@@ -47,7 +50,7 @@ Result Merge(const Arguments& arguments, Streams& streams) {
   return merged->conflicts.empty() ? Result::Done : Result::Other;
 }
 
-constexpr std::array kMergeOptions{kKindOption,
+constexpr std::array kMergeOptions{kKindOption, kNameOption,
                                    Option{"output", 'o', "OUT", "write to OUT instead of standard output"}};
 
 }  // namespace
@@ -63,7 +66,7 @@ constinit const Command kMergeCommand{
     "and bytes stay. What both sides added stays; what one side deleted goes where the other one did not change it.\n"
     "Where both gave one key new values, ours stands and theirs is in a comment above it, which begins with\n"
     "\"; MERGE CONFLICT\"; each such place is a line on standard error. As merge driver of git:\n"
-    "\"tmec merge %O %A %B -o %A\". Exit status: 0 merged, 1 with conflicts.\n",
+    "\"tmec merge --name %P %O %A %B -o %A\". Exit status: 0 merged, 1 with conflicts.\n",
     &Merge};
 
 }  // namespace tme::console

@@ -26,6 +26,11 @@ void ReserveStandardStreams();
 std::optional<FileFailure> ReadStandardInput(std::string& bytes);
 /// Writes all, on a Windows console as characters (the text is UTF-8, and whole), else byte by byte.
 std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text);
+/// Whether the path leads to a pipe or a device: nothing to be replaced, or asked for its size. Never on Windows.
+bool IsStream(const std::filesystem::path& path);
+/// As ReadStandardInput; may wait for the other end of a pipe.
+std::optional<FileFailure> ReadStream(const std::filesystem::path& path, std::string& bytes);
+std::optional<FileFailure> WriteStream(const std::filesystem::path& path, std::string_view bytes);
 bool IsTerminal(StandardStream stream);
 
 }  // namespace tme

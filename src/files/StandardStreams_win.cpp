@@ -108,6 +108,14 @@ std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view
   return error ? std::optional(FailureOf(error)) : std::nullopt;
 }
 
+bool IsStream(const std::filesystem::path& /*path*/) { return false; }
+std::optional<FileFailure> ReadStream(const std::filesystem::path& path, std::string& bytes) {
+  return ReadFileBytes(path, bytes);
+}
+std::optional<FileFailure> WriteStream(const std::filesystem::path& path, std::string_view bytes) {
+  return WriteFileBytes(path, bytes);
+}
+
 bool IsTerminal(StandardStream stream) {
   DWORD mode = 0;
   return ::GetConsoleMode(HandleOf(stream), &mode) != 0;

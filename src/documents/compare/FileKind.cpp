@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/LineReader.h"
+#include "documents/reg/RegNames.h"
 #include "documents/reg/RegSourceLine.h"
 
 namespace tme {
@@ -24,10 +25,16 @@ std::optional<DocumentKind> KindOfName(std::string_view file_name) {
 }
 
 DocumentKind KindOfText(std::string_view text) {
+  constexpr std::string_view kHive = "HKEY_";
   LineReader lines(text);
-  std::string_view line;
-  lines.Next(line);
-  return VersionOfLine(line) ? DocumentKind::Reg : DocumentKind::Ini;
+  for (std::string_view line; lines.Next(line);) {
+    line.remove_prefix(FirstText(line));
+    if (line.empty() || line.starts_with(';')) continue;
+    const auto header = line.starts_with('[') ? FindRegHeader(line) : std::nullopt;
+    const bool is_key = header && SameRegName(header->path.Of(line).substr(0, kHive.size()), kHive);
+    return is_key || VersionOfLine(line) ? DocumentKind::Reg : DocumentKind::Ini;
+  }
+  return DocumentKind::Ini;
 }
 
 }  // namespace tme

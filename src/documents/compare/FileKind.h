@@ -11,7 +11,7 @@ namespace tme {
 std::optional<DocumentKind> KindNamed(std::string_view name);
 /// The same by a file's ending.
 std::optional<DocumentKind> KindOfName(std::string_view file_name);
-/// Reg for a text that begins as registry files do, else Ini.
+/// Reg where the first line that is neither blank nor a comment is a version or a key of a hive, else Ini.
 DocumentKind KindOfText(std::string_view text);
 
 }  // namespace tme
