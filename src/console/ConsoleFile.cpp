@@ -137,7 +137,7 @@ std::string ConsoleFile::Encoded(const PartProducer& produce) const {
   TextFormat format = format_;
   const bool may_become_utf8 = is_ascii_ && kind_ == DocumentKind::Ini && format.encoding == TextEncoding::CodePage;
   const auto fits = [&format](std::string_view part) { return TextEncoder(format).Encode(part).has_value(); };
-  if (may_become_utf8 && !produce(fits)) format.encoding = TextEncoding::Utf8;
+  if (may_become_utf8 && (!IsCodePageUsual() || !produce(fits))) format.encoding = TextEncoding::Utf8;
   return EncodeOrFail(name_, format, produce);
 }
 

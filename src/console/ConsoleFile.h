@@ -59,7 +59,8 @@ class ConsoleFile {
   const SourceLines& Lines() const { return kind_ == DocumentKind::Ini ? ini_->Lines() : reg_->Lines(); }
   /// The lines of any kind but Rtf, in parts of whole lines.
   PartProducer Parts() const;
-  /// A text in the encoding of the file. An INI file of ASCII alone may become UTF-8. Throws Trouble.
+  /// A text in the encoding of the file. An INI file of ASCII alone may become UTF-8, which is usual
+  /// but on Windows. Throws Trouble.
   std::string Encoded(const PartProducer& produce) const;
   /// Of the first line of a piece, from 1. Linear.
   std::uint64_t LineNumberOf(SourceLines::Piece piece) const;

@@ -11,6 +11,9 @@ namespace tme {
 /// table).
 std::string CodePageToUtf8(std::string_view bytes);
 
+/// Whether programs of this system take 8-bit text for this code page, and not for UTF-8.
+bool IsCodePageUsual();
+
 /// Returns null when a character has no byte, or the text is not valid UTF-8.
 std::optional<std::string> Utf8ToCodePage(std::string_view text);
 

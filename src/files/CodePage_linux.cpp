@@ -133,6 +133,8 @@ std::string CodePageToUtf8(std::string_view bytes) {
   }
 }
 
+bool IsCodePageUsual() { return false; }
+
 std::optional<std::string> Utf8ToCodePage(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size());

@@ -106,6 +106,8 @@ std::string BytesToUtf8(int code_page, std::string_view bytes) {
   return text;
 }
 
+bool IsCodePageUsual() { return true; }
+
 std::string CodePageToUtf8(std::string_view bytes) { return SystemTable().ToUtf8(bytes); }
 
 std::optional<std::string> Utf8ToCodePage(std::string_view text) { return SystemTable().FromUtf8(text); }
