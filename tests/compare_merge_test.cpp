@@ -57,6 +57,8 @@ TEST(CompareMerge, OfIniFilesKeepsWhatBothSidesDid) {
        "[A]\na=2\n\nc=1\n\n[C]\nc=1\n"},
       {"comments that they change come along", "; old\na=1\n\n; free\n\nb=1\n", "; old\na=2\n\n; free\n\nb=1\n",
        "; new\n; lines\na=1\n\n; other\n\nb=1\n", "; new\n; lines\na=2\n\n; other\n\nb=1\n"},
+      {"comments that we wrote above what they deleted stay", "[S]\nk=1\nj=1\n[T]\nt=1\n",
+       "[S]\n; ours\nk=1\nj=1\n; mine\n[T]\n; in\nt=1\n", "[S]\nj=1\n", "[S]\n; ours\nj=1\n; mine\n; in\n"},
       {"comments that we changed stay", "# old\na=1\nx=1\n", "# ours\na=1\nx=1\n", "# theirs\na=3\nx=1\n",
        "# ours\na=3\nx=1\n"},
       {"sections of theirs come behind their neighbours", "[A]\na=1\n\n[B]\nb=1\n",

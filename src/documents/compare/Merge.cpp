@@ -114,11 +114,12 @@ class Merging {
     const bool have_they = their_groups_[group] != kNoUnit, has_base = base_of_our_groups_[group] != kNoUnit;
     if (have_they) return MergeGroup(group);
     const bool is_conflict = has_base && IsGroupChanged(base_, ours_, base_of_ours_, group);
+    const MergeUnits::Range range = ours_.Groups()[group];
     if (has_base && !is_conflict) {
+      for (UnitIndex unit = range.begin; unit < range.end; ++unit) PutOurComments(unit);
       stands_behind_gap_ = true;
       return;
     }
-    const MergeUnits::Range range = ours_.Groups()[group];
     for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
       PutBlanks(unit);
       out_.Put(ours_.LeadOf(unit));
@@ -163,6 +164,7 @@ class Merging {
     const UnitIndex base = base_of_ours_[unit], theirs = theirs_of_ours_[unit];
     const bool have_they_deleted = theirs == kNoUnit && base != kNoUnit && unit != file_header_;
     if (have_they_deleted && ours_.SameContent(unit, base_, base)) {
+      PutOurComments(unit);
       stands_behind_gap_ = true;
       return;
     }
@@ -178,6 +180,15 @@ class Merging {
     AddConflict(have_we_changed ? MergeConflict::Kind::BothChanged : MergeConflict::Kind::Unsayable, ours_, unit);
     out_.PutMark(kTheirSide, theirs_.MainOf(theirs));
     out_.Put(ours_.MainOf(unit));
+  }
+
+  /// Of what they deleted: the comments above it that we wrote.
+  void PutOurComments(UnitIndex unit) {
+    const UnitIndex base = base_of_ours_[unit];
+    const std::string_view lead = ours_.LeadOf(unit);
+    if (lead.empty() || (base != kNoUnit && SameMergeLines(lead, base_.LeadOf(base)))) return;
+    PutBlanks(unit);
+    out_.Put(lead);
   }
 
   void PutBlanks(UnitIndex unit) {
