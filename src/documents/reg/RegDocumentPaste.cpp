@@ -174,7 +174,9 @@ class RegDocument::Pasting {
     RegFault fault = RegFault::None;
     if (from_.version == to_.version) return std::string(text);
     const std::optional<std::string> converted = ConvertedAssignment(assignment, from_, to_, fault);
-    if (!converted) return std::nullopt;
+    // Half a character has no other bytes anywhere, so a paste keeps those that it has.
+    if (!converted && fault != RegFault::NotUnicode) return std::nullopt;
+    if (!converted) return std::string(text);
     if (*converted == assignment) return std::string(text);
     const std::string_view before = text.substr(0, value.assignment.at);
     std::string line(before);
