@@ -34,18 +34,18 @@ class FormCompareTest : public Editor {
 }  // namespace
 
 TEST_F(FormCompareTest, ShowsWhatDiffersByStructureAndByLines) {
-  const QString first = File(u"a.ini"_s, "[A]\r\nx=1\r\ny=2\r\n\r\n"),
-                other = File(u"b"_s, "; c\n[a]\nY=2\nx=3\n[B]\n");
+  const QString first = File(u"a.ini"_s, "[A]\r\nx=1\r\ny=2\r\n[C]\r\nz=1\r\n\r\n"),
+                other = File(u"b"_s, "; c\n[a]\nY=2\nx=3\nn=4\n");
   Start({first});
   form_Compare form(global_);
   EXPECT_EQ(form.findChild<QLineEdit*>(u"txt_First"_s)->text(), first);
   EXPECT_EQ(Said(form), "Choose two files.");
   common_dialog_.ExpectOpen({other});
   Click(form, u"cmd_BrowseSecond"_s);
-  EXPECT_EQ(Shown(form), "  [A]\n- x=1\n+ x=3\n+ [B]") << "what has no ending goes by its content";
-  EXPECT_EQ(Said(form), "2 lines only in the second file (+), 1 line only in the first file (-).");
+  EXPECT_EQ(Shown(form), "  [A]\n- x=1\n+ x=3\n+ n=4\n- [C]\n- z=1") << "what has no ending goes by its content";
+  EXPECT_EQ(Said(form), "2 lines only in the second file (+), 3 lines only in the first file (-).");
   Click(form, u"chk_ByStructure"_s);
-  EXPECT_EQ(Shown(form), "- [A]\n- x=1\n- y=2\n- \n+ ; c\n+ [a]\n+ Y=2\n+ x=3\n+ [B]");
+  EXPECT_EQ(Shown(form), "- [A]\n- x=1\n- y=2\n- [C]\n- z=1\n- \n+ ; c\n+ [a]\n+ Y=2\n+ x=3\n+ n=4");
   form.done(0);
   EXPECT_FALSE(form_Compare(global_).findChild<QAbstractButton*>(u"chk_ByStructure"_s)->isChecked()) << "remembered";
 

@@ -60,17 +60,18 @@ class Rows {
     for (std::size_t line = end - after; line < end; ++line) AddRow(lines_[line], 0);
   }
 
-  /// What stands only now comes first, line by line against what takes its place.
+  /// A long line is shown from where it differs from what takes its place.
   void AddDifference(std::size_t begin, std::size_t end) {
     std::array<std::vector<std::size_t>, 2> sides;
     for (std::size_t line = begin; line < end; ++line) sides[SideOf(line)].push_back(line);
-    for (const std::size_t side : {std::size_t{0}, std::size_t{1}})
-      for (std::size_t place = 0; place < sides[side].size(); ++place) {
-        const std::vector<std::size_t>& others = sides[1 - side];
-        const std::string_view line = lines_[sides[side][place]].text;
-        const bool is_pair = line.size() > DifferenceView::kShownLineBytes && place < others.size();
-        AddRow(lines_[sides[side][place]], is_pair ? CommonStart(line, lines_[others[place]].text) : 0);
-      }
+    std::array<std::size_t, 2> places{};
+    for (std::size_t line = begin; line < end; ++line) {
+      const std::size_t side = SideOf(line), place = places[side]++;
+      const std::vector<std::size_t>& others = sides[1 - side];
+      const std::string_view text_here = lines_[line].text;
+      const bool is_pair = text_here.size() > DifferenceView::kShownLineBytes && place < others.size();
+      AddRow(lines_[line], is_pair ? CommonStart(text_here, lines_[others[place]].text) : 0);
+    }
   }
 
   std::size_t SideOf(std::size_t line) const { return lines_[line].change == DiffChange::Removed ? 0 : 1; }

@@ -32,8 +32,20 @@ void CountLines(VersionComparison& result) {
   result.only_now = count(DiffChange::Removed);
 }
 
+/// In each run of lines that differ, those that stand only now come first.
+void PutNowFirst(std::vector<DiffLine>& lines) {
+  const auto is_same = [](const DiffLine& line) { return line.change == DiffChange::Same; };
+  for (auto begin = lines.begin(); begin != lines.end();) {
+    begin = std::find_if_not(begin, lines.end(), is_same);
+    const auto end = std::find_if(begin, lines.end(), is_same);
+    std::stable_partition(begin, end, [](const DiffLine& line) { return line.change == DiffChange::Removed; });
+    begin = end;
+  }
+}
+
 void CompareTexts(VersionComparison& result) {
   result.lines = DiffLines(result.now_text, result.text);
+  PutNowFirst(result.lines);
   CountLines(result);
 }
 
