@@ -121,18 +121,18 @@ RegReplacer::Names& RegReplacer::NamesOfComponent(std::string_view component) {
       if (!record.deleted && record.owner != last) owners_[record.owner->Text()].push_back(last = record.owner);
   }
   const auto [at, is_new] = value_names_.try_emplace(std::string(component));
-  if (!is_new) return at->second;
+  Names& names = at->second;
   const auto found = owners_.find(component);
-  if (found == owners_.end()) return at->second;
+  if (!is_new || found == owners_.end()) return names;
   std::vector<const RegNode*>& owners = found->second;
   // A key's records may stand apart.
   std::ranges::sort(owners);
   owners.erase(std::unique(owners.begin(), owners.end()), owners.end());
   for (const RegNode* owner : owners)
     document_.ForEachValueOf(owner, [&](const RegValueRecord& record) {
-      if (!record.deleted) at->second.emplace(record.name);
+      if (!record.deleted) names.emplace(record.name);
     });
-  return at->second;
+  return names;
 }
 
 RegReplacer::Names& RegReplacer::ValueNamesOf(const RegNode& key) {
