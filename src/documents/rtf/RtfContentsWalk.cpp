@@ -17,13 +17,13 @@ constexpr std::size_t kTokensBetweenSteps = 100'000;
 constexpr std::size_t kMaxOpenParts = 1000;
 
 constexpr int kHexBase = 16;
-/// -1 for what is none.
-constexpr std::array<std::int8_t, 256> kHexDigits = [] {
-  std::array<std::int8_t, 256> digits{};
-  digits.fill(-1);
-  for (std::int8_t i = 0; i < 10; ++i) digits[static_cast<std::size_t>('0' + i)] = i;
-  for (std::int8_t i = 10; i < kHexBase; ++i)
-    digits[static_cast<std::size_t>('a' + i - 10)] = digits[static_cast<std::size_t>('A' + i - 10)] = i;
+constexpr std::uint8_t kNoDigit = 0xFF;
+constexpr std::array<std::uint8_t, 256> kHexDigits = [] {
+  std::array<std::uint8_t, 256> digits{};
+  digits.fill(kNoDigit);
+  for (std::uint8_t i = 0; i < 10; ++i) digits[static_cast<std::size_t>('0') + i] = i;
+  for (std::uint8_t i = 10; i < kHexBase; ++i)
+    digits[static_cast<std::size_t>('a') + i - 10] = digits[static_cast<std::size_t>('A') + i - 10] = i;
   return digits;
 }();
 
@@ -123,10 +123,37 @@ void ContentsWalk::ReadWord() {
   Top().unicode_skip = encoding_.unicode_skip;
 }
 
+std::uint64_t* ContentsWalk::CountOf(ContentsWord word) {
+  using W = ContentsWord;
+  switch (word) {
+    case W::Header:
+      return &contents_.headers;
+    case W::Footer:
+      return &contents_.footers;
+    case W::Footnote:
+      return &contents_.footnotes;
+    case W::Endnote:
+      return &contents_.endnotes;
+    case W::Comment:
+      return &contents_.comments;
+    case W::Formula:
+      return &contents_.formulas;
+    case W::Bookmark:
+      return &contents_.bookmarks;
+    default:
+      return nullptr;
+  }
+}
+
 void ContentsWalk::ReadKnownWord(const ContentsWordEntry& entry) {
   using W = ContentsWord;
   Group& top = Top();
-  const auto count = [&](std::uint64_t& number) { ++number; };
+  if (std::uint64_t* count = CountOf(entry.word)) {
+    ++*count;
+    if (entry.word == W::Endnote && contents_.footnotes > 0) --contents_.footnotes;
+    if (entry.word == W::Bookmark) top.destination = Destination::Nowhere;
+    return;
+  }
   switch (entry.word) {
     case W::CodePage:
       encoding_.page = &pages_.Get(token_.value);
@@ -140,22 +167,6 @@ void ContentsWalk::ReadKnownWord(const ContentsWordEntry& entry) {
     case W::Deleted:
       top.is_deleted = token_.IsOn();
       return;
-    case W::Header:
-      return count(contents_.headers);
-    case W::Footer:
-      return count(contents_.footers);
-    case W::Footnote:
-      return count(contents_.footnotes);
-    case W::Endnote:
-      if (contents_.footnotes > 0) --contents_.footnotes;
-      return count(contents_.endnotes);
-    case W::Comment:
-      return count(contents_.comments);
-    case W::Formula:
-      return count(contents_.formulas);
-    case W::Bookmark:
-      top.destination = Destination::Nowhere;
-      return count(contents_.bookmarks);
     case W::Skip:
       top.destination = Destination::Nowhere;
       return;
@@ -227,8 +238,8 @@ void ContentsWalk::AddHex(Open& data, std::string_view digits) {
   const bool is_read = data.word == ContentsWord::ObjectData && data.text.size() < kMaxObjectBytesRead;
   std::size_t count = data.high < 0 ? 0 : 1;
   for (const char c : digits) {
-    const int digit = kHexDigits[static_cast<unsigned char>(c)];
-    if (digit < 0) continue;
+    const std::uint8_t digit = kHexDigits[static_cast<unsigned char>(c)];
+    if (digit == kNoDigit) continue;
     ++count;
     if (!is_read) continue;
     const int high = std::exchange(data.high, data.high < 0 ? digit : -1);

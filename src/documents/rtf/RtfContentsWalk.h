@@ -51,6 +51,8 @@ class ContentsWalk : private TextDecoder::Sink {
   void Read();
   void ReadStar();
   void ReadWord();
+  /// What a word is counted in; null for one that is not counted.
+  std::uint64_t* CountOf(ContentsWord word);
   void ReadKnownWord(const ContentsWordEntry& entry);
   void ReadObjectWord(ContentsWord word);
   void ReadText();
