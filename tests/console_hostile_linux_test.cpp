@@ -84,7 +84,8 @@ TEST_F(ConsoleHostile, LeavesAFileThatChangedMeanwhile) {
 }
 
 TEST_F(ConsoleHostile, TakesLinesOfAnySizeAndBytesOfAnyKind) {
-  const std::string line(10'000'000, 'x');
+  std::string line;
+  line.resize(10'000'000, 'x');
   PutFile("a.ini", "[A]\nk=" + line + "\ns=1\n");
   EXPECT_EQ(RunWords("get FILE:a.ini A k"), 0);
   EXPECT_EQ(output_.size(), line.size() + 1);
@@ -97,7 +98,7 @@ TEST_F(ConsoleHostile, TakesLinesOfAnySizeAndBytesOfAnyKind) {
   for (const std::string kind : {"ini", "reg", "rtf", "txt"})
     for (const std::string command : {"get", "set", "delete", "list", "check", "convert --to json", "text"}) {
       const std::string rest = command == "get" || command == "delete" ? " A k" : command == "set" ? " A k v" : "";
-      const int result = RunWords(command + " --kind " + kind + " FILE:r" + rest);
+      const int result = RunWords(std::string(command).append(" --kind ").append(kind).append(" FILE:r").append(rest));
       EXPECT_EQ(result == 2, !errors_.empty()) << command << kind;
     }
 }

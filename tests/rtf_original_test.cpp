@@ -140,21 +140,15 @@ TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
 }
 
 /// Files of several makes: what stands around their text differs.
+// clang-format off
 constexpr std::string_view kFixtures[] = {
     "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\pard one two\\par\\qc three\\par\\b four five\\par}",
-    "{\\rtf1\\ansi\\uc2{\\fonttbl\\f0 A;\\f1\\fcharset204 B;}{\\colortbl\\red1\\green1\\blue1;}{\\*\\x "
-    "y}\\pard\\plain\\cf0{\\f1 \\'e0\\'e1}"
-    " a\\u8364 ??b\\par{\\revised\\revauth1\\revdttm7 new}{\\deleted old}\\par\\pard{\\header h}last}\n\0",
-    "{\\rtf1{\\stylesheet{\\s1\\b x;}}\\pard\\s1{\\field{\\*\\fldinst HYPERLINK \"http://a\"}{\\fldrslt a b}} c\\line "
-    "d\\par"
-    "{\\*\\bkmkstart m}{\\footnote n}e\\par\\sect\\sectd f g\\par}",
-    "{\\rtf1\\pard a\\par\\trowd\\cellx900\\cellx1800\\pard\\intbl b c\\par d\\cell{\\b "
-    "e}\\cell\\row\\trowd\\cellx900\\pard\\intbl"
-    "\\cell\\row\\pard f\\par{\\*\\pn\\pnlvlblt}g\\par}",
-    "{\\rtf1\\trowd\\cellx900\\pard\\intbl a\\par\\itap2 "
-    "b\\nestcell{\\*\\nesttableprops\\trowd\\cellx500\\nestrow}{\\nonesttables\\par}"
-    "\\pard\\intbl c\\cell\\row\\pard d}} e} f",
+    "{\\rtf1\\ansi\\uc2{\\fonttbl\\f0 A;\\f1\\fcharset204 B;}{\\colortbl\\red1\\green1\\blue1;}{\\*\\x y}\\pard\\plain\\cf0{\\f1 \\'e0\\'e1} a\\u8364 ??b\\par{\\revised\\revauth1\\revdttm7 new}{\\deleted old}\\par\\pard{\\header h}last}\n\0",
+    "{\\rtf1{\\stylesheet{\\s1\\b x;}}\\pard\\s1{\\field{\\*\\fldinst HYPERLINK \"http://a\"}{\\fldrslt a b}} c\\line d\\par{\\*\\bkmkstart m}{\\footnote n}e\\par\\sect\\sectd f g\\par}",
+    "{\\rtf1\\pard a\\par\\trowd\\cellx900\\cellx1800\\pard\\intbl b c\\par d\\cell{\\b e}\\cell\\row\\trowd\\cellx900\\pard\\intbl\\cell\\row\\pard f\\par{\\*\\pn\\pnlvlblt}g\\par}",
+    "{\\rtf1\\trowd\\cellx900\\pard\\intbl a\\par\\itap2 b\\nestcell{\\*\\nesttableprops\\trowd\\cellx500\\nestrow}{\\nonesttables\\par}\\pard\\intbl c\\cell\\row\\pard d}} e} f",
 };
+// clang-format on
 
 /// The bytes of each paragraph, its end with it; in front of them what stands before all.
 std::vector<std::string> PartsOf(std::string_view bytes, const RtfSource& source) {
