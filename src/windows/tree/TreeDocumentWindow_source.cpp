@@ -31,7 +31,8 @@ QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
   source_ = std::make_unique<SourcePane>(global_, *splitter, MakeSourceDocument());
   connect(source_.get(), &SourcePane::DocumentEdited, this, [this] { SetChanged(true); });
   connect(source_.get(), &SourcePane::FaultChanged, this, &TreeDocumentWindow::StateChanged);
-  connect(source_.get(), &SourcePane::FocusChanged, this, &TreeDocumentWindow::UpdateCommands);
+  // The focus also goes while all windows do, when there are no commands any more.
+  connect(source_.get(), &SourcePane::FocusChanged, this, &TreeDocumentWindow::UpdateCommands, Qt::QueuedConnection);
   return area;
 }
 
