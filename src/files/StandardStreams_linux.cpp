@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <exception>
 #include <system_error>
 
-#include "files/FileBytes.h"
 #include "files/FileSteps.h"
+#include "files/ReadToEnd.h"
 #include "files/StandardStreams.h"
 #include "files/SystemFile.h"
 #include "files/TemporaryFile.h"
@@ -23,23 +22,10 @@ FileFailure MissingStream() { return FailureOf(std::error_code(EBADF, std::gener
 
 std::size_t NumberOf(StandardStream stream) { return static_cast<std::size_t>(stream); }
 
-std::optional<FileFailure> ReadToEnd(int descriptor, std::string& bytes) {
-  constexpr std::size_t kStep = std::size_t{1} << 16;
-  std::error_code error;
-  try {
-    for (std::size_t used = 0, count = 1; count > 0 && !error; used += count) {
-      bytes.resize(used + std::max(kStep, used));
-      error = system_file::Read(descriptor, bytes.data() + used, bytes.size() - used, count);
-      if (error) count = 0;
-      if (count == 0) bytes.resize(used);
-      if (used > kMaxFileBytes) error = std::make_error_code(std::errc::file_too_large);
-    }
-  } catch (const std::exception&) {  // bad_alloc, length_error
-    error = std::make_error_code(std::errc::not_enough_memory);
-  }
-  if (!error) return std::nullopt;
-  std::string().swap(bytes);
-  return FailureOf(error);
+std::optional<FileFailure> ReadAllOf(int descriptor, std::string& bytes) {
+  return ReadToEnd([descriptor](char* place, std::size_t size,
+                                std::size_t& count) { return system_file::Read(descriptor, place, size, count); },
+                   bytes);
 }
 
 }  // namespace
@@ -68,7 +54,7 @@ std::optional<FileFailure> ReadStream(const std::filesystem::path& path, std::st
   bytes.clear();
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
   if (descriptor < 0) return FailureOf(std::error_code(errno, std::generic_category()));
-  auto failure = ReadToEnd(descriptor, bytes);
+  auto failure = ReadAllOf(descriptor, bytes);
   ::close(descriptor);
   return failure;
 }
@@ -86,7 +72,7 @@ std::optional<FileFailure> WriteStream(const std::filesystem::path& path, std::s
 std::optional<FileFailure> ReadStandardInput(std::string& bytes) {
   bytes.clear();
   if (missing_streams[NumberOf(StandardStream::Input)]) return MissingStream();
-  return ReadToEnd(STDIN_FILENO, bytes);
+  return ReadAllOf(STDIN_FILENO, bytes);
 }
 
 std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text) {

@@ -2,11 +2,11 @@
 #include <shellapi.h>
 
 #include <algorithm>
-#include <exception>
 #include <system_error>
 
 #include "files/FileBytes.h"
 #include "files/FileSteps.h"
+#include "files/ReadToEnd.h"
 #include "files/StandardStreams.h"
 #include "files/TemporaryFile.h"
 
@@ -73,27 +73,20 @@ std::optional<std::filesystem::path> PathOfArgument(const std::string& argument)
 void ReserveStandardStreams() {}
 
 std::optional<FileFailure> ReadStandardInput(std::string& bytes) {
-  constexpr std::size_t kStep = std::size_t{1} << 16;
   bytes.clear();
   const HANDLE handle = HandleOf(StandardStream::Input);
   if (!IsOpen(handle)) return MissingStream();
-  std::error_code error;
-  try {
-    for (DWORD used = 0, count = 1; count > 0 && !error; used += count) {
-      bytes.resize(used + std::max<std::size_t>(kStep, used));
-      const bool is_read =
-          ::ReadFile(handle, bytes.data() + used, static_cast<DWORD>(bytes.size() - used), &count, nullptr) != 0;
-      if (!is_read) count = 0;
-      if (!is_read && ::GetLastError() != ERROR_BROKEN_PIPE) error = LastSystemError();  // which is the end of a pipe
-      if (count == 0) bytes.resize(used);
-      if (used > kMaxFileBytes) error = std::make_error_code(std::errc::file_too_large);
-    }
-  } catch (const std::exception&) {  // bad_alloc, length_error
-    error = std::make_error_code(std::errc::not_enough_memory);
-  }
-  if (!error) return std::nullopt;
-  std::string().swap(bytes);
-  return FailureOf(error);
+  return ReadToEnd(
+      [handle](char* place, std::size_t size, std::size_t& count) -> std::error_code {
+        constexpr std::size_t kMostBytes = std::size_t{1} << 30;  // a DWORD holds them
+        DWORD read = 0;
+        const bool is_read =
+            ::ReadFile(handle, place, static_cast<DWORD>(std::min(size, kMostBytes)), &read, nullptr) != 0;
+        count = is_read ? read : 0;
+        if (is_read || ::GetLastError() == ERROR_BROKEN_PIPE) return {};  // which is the end of a pipe
+        return LastSystemError();
+      },
+      bytes);
 }
 
 std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text) {

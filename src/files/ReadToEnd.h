@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "files/FileFailure.h"
+
+namespace tme {
+
+/// Puts at most `size` bytes at `place` and says in `count` how many; 0 at the end.
+using ReadStep = std::function<std::error_code(char* place, std::size_t size, std::size_t& count)>;
+
+/// Reads what has no known size, at most kMaxFileBytes. `bytes` is empty after a failure.
+std::optional<FileFailure> ReadToEnd(const ReadStep& step, std::string& bytes);
+
+}  // namespace tme
