@@ -96,7 +96,8 @@ void CheckReading(const ConsoleFile& file, Findings& findings) {
       ReadIni(tree, std::move(text), IniQuestions{.duplicate_section = [](std::string_view) { return true; }});
   if (result.end == IniReadEnd::LineNotTaken)
     findings.push_back({result.ended_at_line, "the editor's reading by the rules ends here",
-                        std::to_string(result.lines_not_read) + " lines are left out"});
+                        std::to_string(result.lines_not_read) +
+                            (result.lines_not_read == 1 ? " line is left out" : " lines are left out")});
 }
 
 }  // namespace
