@@ -1,9 +1,9 @@
 #include "files/FileBytes.h"
 
 #include <algorithm>
-#include <exception>
 
 #include "files/FileSteps.h"
+#include "files/ReadToEnd.h"
 #include "files/SystemFile.h"
 #include "files/TemporaryFile.h"
 
@@ -11,23 +11,6 @@ namespace tme {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// expected: the size of the file when it was opened; it may be another by now.
-std::error_code ReadToEnd(FileHandle handle, std::size_t expected, std::string& bytes) {
-  bytes.resize(expected + 1);  // the end shows in one call more, without growing
-  std::size_t used = 0;
-  while (true) {
-    if (used == bytes.size()) bytes.resize(std::min<std::size_t>(2 * used, kMaxFileBytes + 1));
-    std::size_t count = 0;
-    const std::size_t room = std::min(bytes.size() - used, kMaxTransfer);
-    if (const auto error = system_file::Read(handle, bytes.data() + used, room, count)) return error;
-    if (count == 0) break;
-    used += count;
-    if (used > kMaxFileBytes) return std::make_error_code(std::errc::file_too_large);
-  }
-  bytes.resize(used);
-  return {};
-}
 
 /// opened: whether the file may have other bytes now.
 std::error_code Overwrite(FileSteps& steps, const fs::path& path, std::string_view bytes, bool& opened) {
@@ -72,16 +55,13 @@ std::optional<FileFailure> ReadFileBytes(const fs::path& path, std::string& byte
   FileHandle handle = kNoFile;
   std::uint64_t size = 0;
   if (auto failure = system_file::OpenForReading(path, handle, size)) return failure;
-  auto error = std::make_error_code(std::errc::file_too_large);
-  try {
-    if (size <= kMaxFileBytes) error = ReadToEnd(handle, static_cast<std::size_t>(size), bytes);
-  } catch (const std::exception&) {  // bad_alloc, length_error
-    error = std::make_error_code(std::errc::not_enough_memory);
-  }
+  const auto read = [handle](char* place, std::size_t room, std::size_t& count) {
+    return system_file::Read(handle, place, std::min(room, kMaxTransfer), count);
+  };
+  std::optional<FileFailure> failure = FailureOf(std::make_error_code(std::errc::file_too_large));
+  if (size <= kMaxFileBytes) failure = ReadToEnd(read, static_cast<std::size_t>(size), bytes);
   system_file::CloseReading(handle);
-  if (!error) return std::nullopt;
-  std::string().swap(bytes);
-  return FailureOf(error);
+  return failure;
 }
 
 std::optional<FileFailure> WriteFileInPlace(const fs::path& path, std::string_view bytes, std::string_view old_bytes,

@@ -25,7 +25,7 @@ std::size_t NumberOf(StandardStream stream) { return static_cast<std::size_t>(st
 std::optional<FileFailure> ReadAllOf(int descriptor, std::string& bytes) {
   return ReadToEnd([descriptor](char* place, std::size_t size,
                                 std::size_t& count) { return system_file::Read(descriptor, place, size, count); },
-                   bytes);
+                   0, bytes);
 }
 
 }  // namespace

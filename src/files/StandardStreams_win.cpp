@@ -86,7 +86,7 @@ std::optional<FileFailure> ReadStandardInput(std::string& bytes) {
         if (is_read || ::GetLastError() == ERROR_BROKEN_PIPE) return {};  // which is the end of a pipe
         return LastSystemError();
       },
-      bytes);
+      0, bytes);
 }
 
 std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text) {
