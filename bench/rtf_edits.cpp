@@ -1,6 +1,7 @@
 // What edits of rich text change in its file, through the view that a window shows: tme_rtf_edits FILE...
 // Each file gets each edit at some random places. Prints of each how often it held, how often all else in the file
-// stayed as it was though more was written than should have been, and how often all was written anew.
+// stayed as it was though more was written than should have been, and how often all was written anew. The edited files
+// go into the folder that TME_RTF_EDITS_OUT names.
 #include <QApplication>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -213,8 +214,8 @@ class Tried {
                                              std::vector<bool>(unedited_.blocks.size())));
         break;
     }
-    const char* const folder = std::getenv("TME_RTF_EDITS_OUT");
-    if (!held && folder != nullptr) std::ofstream(std::string(folder) + "/" + name, std::ios::binary) << *result;
+    if (const char* const folder = std::getenv("TME_RTF_EDITS_OUT"))
+      std::ofstream(std::string(folder) + "/" + name + ".rtf", std::ios::binary) << *result;
     return Note(name.c_str(), held ? Verdict::Held : Verdict::Elsewhere);
   }
 

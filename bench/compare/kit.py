@@ -1,4 +1,4 @@
-"""What the comparisons of the console program with others share."""
+"""What the comparisons with other programs share."""
 
 import argparse
 import os
