@@ -58,7 +58,7 @@ TEST_F(FormCompareTest, ShowsWhatDiffersByStructureAndByLines) {
 }
 
 TEST_F(FormCompareTest, SaysWhatCannotBeRead) {
-  Start({File(u"<b>a.ini"_s, "[A]\n")});
+  Start({File(u"&lt;b&gt;a.ini"_s, "[A]\n")});
   form_Compare form(global_);
   for (const QString& path : {InFolder(u"none"_s), folder_.path()}) {
     CompareWith(form, path);
