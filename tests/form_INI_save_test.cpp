@@ -68,8 +68,15 @@ TEST_F(Editor, SavedBytesKeepTheEncodingOrBecomeUtf8) {
     EXPECT_EQ(save_with_zhe(ascii), saved) << "the last choice";
   }
   Ini().FileClose();
-  EXPECT_EQ(save_with_zhe("[A]\r\nx=1\r\ny=\xE9\r\n\r\n").substr(0, 2), "\xFF\xFE")
-      << "who reads 8 bits reads no UTF-8";
+  const std::string in_8bit = "[A]\r\nx=1\r\ny=\xE9\r\n\r\n";
+  const std::string with_zhe = save_with_zhe(in_8bit);
+  EXPECT_EQ(with_zhe.substr(0, 2), "\xFF\xFE") << "who reads 8 bits reads no UTF-8";
+  for (const auto& [step, bytes] : {std::pair(&form_INI::EditUndo, in_8bit), std::pair(&form_INI::EditRedo, with_zhe),
+                                    std::pair(&form_INI::EditUndo, in_8bit)}) {
+    (Ini().*step)();
+    Ini().SaveFile();
+    EXPECT_EQ(BytesOf(Ini().File().Path()), bytes) << "each state has its own encoding";
+  }
 }
 
 TEST_F(Editor, SaveAsAsksAndGoesBackWhenCancelled) {

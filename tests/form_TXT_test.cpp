@@ -342,6 +342,10 @@ TEST_F(FormTxt, TextThatTheEncodingCannotHoldIsSaid) {
             "\xE4\xB8\xAD"
             "caf\xC3\xA9");
   EXPECT_TRUE(window.findChild<NoticeBar*>()->isVisibleTo(&window));
+  while (PadOf(window).CanUndo()) window.EditUndo();
+  WaitFor([&] { return window.File().Format().encoding == TextEncoding::CodePage; });
+  window.SaveFile();
+  EXPECT_EQ(BytesOf(window.File().Path()), "caf\xE9") << "as it was opened";
 }
 
 TEST_F(FormTxt, AssistiveProgramsReadLinesAndCharacters) {

@@ -72,9 +72,9 @@ void DocumentWindow::ChangeEncoding(TextEncoding encoding) {
     misfit_ = tr("The encoding stays as it is.") + u' ' + misfit_;
     return AddNotice(misfit_);
   }
-  file_.SetFormat(format);
+  // What notes the state before the step does it now.
   AddFormatStep([this, before] { PutFormat(before); }, [this, format] { PutFormat(format); });
-  StateChanged();
+  PutFormat(format);
 }
 
 void DocumentWindow::PutFormat(const TextFormat& format) {

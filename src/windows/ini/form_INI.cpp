@@ -328,6 +328,13 @@ void form_INI::EncodingChosen(TextEncoding encoding) {
     global_.registry.WriteValue(SettingsRoot, kUnicodeValue, QString::fromUtf8(EncodingName(encoding)));
 }
 
+std::function<void()> form_INI::FormatAgain() {
+  return [again = TreeDocumentWindow::FormatAgain(), is_8bit = is_8bit_, this] {
+    again();
+    is_8bit_ = is_8bit;
+  };
+}
+
 void form_INI::TitleChanged(const QString&) {
   tree_.SetText(tree_.Root(), file_.Title().toStdString());
   MarkUnmodified();

@@ -82,6 +82,7 @@ class form_INI : public TreeDocumentWindow {
   TextFormat FormatToWrite() const override;
   PartProducer Producer() override;
   void EncodingChosen(TextEncoding encoding) override;
+  std::function<void()> FormatAgain() override;
   void TitleChanged(const QString& before) override;
   void DropContent() override { tree_.Reset({}); }
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -46,7 +46,10 @@ void form_TXT::BuildControls(QWidget& client) {
   connect(pad, &QsciScintillaBase::SCEN_CHANGE, this, [this] { Altered(true); });
   // SCEN_CHANGE comes just before the edit.
   connect(pad, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
-    if (updated & QsciScintillaBase::SC_UPDATE_CONTENT) ShowUndoState();
+    if (updated & QsciScintillaBase::SC_UPDATE_CONTENT) {
+      ShowUndoState();
+      TakeFormatOfStart();
+    }
     if (updated & (QsciScintillaBase::SC_UPDATE_CONTENT | QsciScintillaBase::SC_UPDATE_SELECTION)) StateChanged();
   });
   WatchPad(client);
@@ -61,7 +64,7 @@ void form_TXT::ResizeForm() {
 
 void form_TXT::NewTXT() {
   TakeSlotForNew();
-  pad->SetText({});
+  PutText({});
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
   ShowNew();
 }
@@ -71,11 +74,22 @@ void form_TXT::OpenTXT() {
   std::optional<std::string> text = TakeSlotText();
   if (!text) return;
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
-  pad->SetText(std::move(*text));
+  PutText(std::move(*text));
   MarkOpened(QString());
   ShowInFrame();
   ResizeForm();
   pad->setFocus();
+}
+
+void form_TXT::PutText(std::string text) {
+  pad->SetText(std::move(text));
+  start_format_ = file_.Format();
+}
+
+void form_TXT::TakeFormatOfStart() {
+  if (pad->CanUndo() || !IsOpen() || file_.Format().encoding == start_format_.encoding) return;
+  file_.SetFormat(start_format_);
+  StateChanged();
 }
 
 void form_TXT::DropContent() { pad->SetText({}); }
@@ -96,7 +110,7 @@ void form_TXT::PutContent(std::string bytes, Holding /*holding*/) {
   DecodedText decoded = DecodeText(std::move(bytes));
   file_.SetFormat(decoded.format);
   pad->SetTextFont(global_.settings.font_name, global_.settings.font_size);
-  pad->SetText(std::move(decoded.text));
+  PutText(std::move(decoded.text));
   Altered(true);
 }
 

@@ -39,7 +39,13 @@ class form_TXT : public PadWindow {
   void AddFormatStep(std::function<void()> undo, std::function<void()> redo) override;
 
  private:
+  void PutText(std::string text);
+  /// With nothing left to undo, the file has its encoding again, which a save may have changed.
+  void TakeFormatOfStart();
+
   TextPad* pad = nullptr;
+  /// That of the text as it was put.
+  TextFormat start_format_;
 };
 
 }  // namespace tme

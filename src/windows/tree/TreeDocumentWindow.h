@@ -46,8 +46,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   void PutContent(std::string bytes, Holding holding) override;
   void ChangeLineEnds(LineEnds ends) override;
 
-  /// A position of the document's steps comes back as it was left: content, selection, the changed flag, and what was
-  /// in sight. After a save, all positions but that of the save count as changed.
+  /// A position of the document's steps comes back as it was left: content, selection, the file's encoding, the changed
+  /// flag, and what was in sight. After a save, all positions but that of the save count as changed.
   Q_INVOKABLE void EditUndo();
   Q_INVOKABLE void EditRedo();
 
@@ -94,6 +94,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
   /// What selects the rows of the views again that are selected now, once the document is the same again; empty where
   /// the document knows them. Takes memory in proportion to them.
   virtual std::function<void()> SelectionAgain() const { return {}; }
+  /// What gives the file the encoding again that it has now.
+  virtual std::function<void()> FormatAgain();
   /// To be called once, when the view of the tree is built.
   void FollowSteps(QAbstractItemView& view);
   void AddFormatStep(std::function<void()> undo, std::function<void()> redo) override;
@@ -216,6 +218,7 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
     std::uint64_t file_revision = 0;
     int scrolled = 0;
     std::function<void()> select_again = {};
+    std::function<void()> format_again = {};
   };
   std::vector<Position> positions_;
   QAbstractItemView* stepped_view_ = nullptr;

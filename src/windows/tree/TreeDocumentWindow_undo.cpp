@@ -63,6 +63,10 @@ void TreeDocumentWindow::AddFormatStep(std::function<void()> undo, std::function
   SetChanged(true);
 }
 
+std::function<void()> TreeDocumentWindow::FormatAgain() {
+  return [this, format = file_.Format()] { file_.SetFormat(format); };
+}
+
 void TreeDocumentWindow::EditUndo() {
   CommitTyping();
   const WaitCursor wait_cursor;
@@ -83,7 +87,7 @@ void TreeDocumentWindow::NotePosition() {
   const std::size_t at = Document().EditPosition();
   if (positions_.size() <= at) positions_.resize(at + 1);
   positions_[at] = {file_.IsChanged(), file_.FileRevision(), stepped_view_->verticalScrollBar()->value(),
-                    SelectionAgain()};
+                    SelectionAgain(), FormatAgain()};
 }
 
 void TreeDocumentWindow::ShowPosition() {
@@ -91,6 +95,9 @@ void TreeDocumentWindow::ShowPosition() {
   if (at >= positions_.size()) return SetChanged(IsModified());
   const Position& position = positions_[at];
   SetChanged(position.file_revision == file_.FileRevision() ? position.is_changed : IsModified());
+  // A save in between may have given the file another encoding.
+  position.format_again();
+  StateChanged();
   if (position.select_again) position.select_again();
   // Once the rows are laid out, and what is selected stays in sight all the same.
   stepped_view_->scrollTo(stepped_view_->currentIndex());
