@@ -1,3 +1,5 @@
+#include <QDateTime>
+#include <QLocale>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -22,10 +24,23 @@ int CountPixels(const QImage& image, QRgb color) {
 }
 
 const std::string kTraced =
+    "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset204 Arial;}{\\f2\\fcharset128 Mincho;}}"
+    "{\\*\\revtbl{Unknown;}{\\f1 \\'c8\\'e2;}}"
+    "{\\headerl\\f1 "
+    "\\'cf\\'f0\\par}{\\headerr\\f2\\'93\\'fa{\\shp"
+    "{\\*\\shpinst{\\sp{\\sn gtextUNICODE}{\\sv DRAFT}}}}\\par}{\\footer\\pard low \\u937?\\par}\\pgbrdrt"
+    "\\pard\\ls1\\li720\\fi-360\\sb60\\sa120 one\\par two\\par\\pard {\\revised\\revauth1 new} {\\deleted old}"
+    "{\\mvf\\mvauth0 gone}{\\crauth1\\b bold}{\\*\\atnauthor Ann}\\chatn{\\*\\annotation{\\*\\atnref 1}{\\*\\atndate "
+    "1194847263}said}.{\\v hid}.{\\field{\\*\\fldinst FORMCHECKBOX}{\\fldrslt}}.{\\field{\\*\\fldinst EQ "
+    "x}{\\fldrslt}}."
+    "{\\xe i}{\\*\\bkmkstart b}{\\mmath{\\*\\moMath{\\mf{\\mfPr{\\mtype bar}}{\\mnum 1}{\\mden "
+    "2}}}}{\\footnote\\ftnalt note}"
+    "{\\revised\\revauth1\\par}{\\field{\\*\\fldinst HYPERLINK \"http://b.org/x\"}{\\fldrslt www.a.org}}\\par}";
+
+const std::string kListed =
     "{\\rtf1\\ansi{\\*\\listtable{\\list{\\listlevel\\levelnfc0\\levelstartat3{\\leveltext\\'02\\'00);}}\\listid7}}"
-    "{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}{\\header\\pard top\\par}{\\footer\\pard low\\par}\\pgbrdrt"
-    "\\pard\\ls1\\li720\\fi-360\\sb60\\sa120 one\\par two\\par\\pard {\\revised new} {\\deleted old}"
-    "{\\*\\annotation said}\\par}";
+    "{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}\\pard\\ls1\\li720\\fi-360\\sb60\\sa120 one\\par two\\par"
+    "\\pard {\\revised new} {\\deleted old}\\par}";
 
 }  // namespace
 
@@ -40,9 +55,18 @@ TEST_F(FormRtf, TracesOfWhatItCannotShowAreNoPartOfTheFile) {
     for (int x = 0; x < pad.viewport()->width(); x += 2)
       if (const QString tip = pad.TipAt({x, y}); !tip.isEmpty() && !tips.contains(tip)) tips.append(tip);
   tips.sort();
-  EXPECT_EQ(tips, (QStringList{u"Comment: said"_s, u"Footer: low. Saving keeps it."_s,
-                               u"Header: top \u2013 The pages have borders. Saving keeps it."_s,
-                               u"Tracked change: deleted"_s, u"Tracked change: inserted"_s}));
+  const QString when = QLocale().toString(QDateTime({2015, 7, 29}, {16, 31}), QLocale::ShortFormat);
+  EXPECT_EQ(tips.join(u'|'),
+            QStringList({u"Check box, which is kept and not shown"_s, u"Comment (Ann, %1): said"_s.arg(when),
+                         u"Endnote\nnote"_s, u"Footer: low \u03A9\nKept when the document is saved"_s,
+                         u"Formula\n1/2"_s, u"Formula, which is kept and not shown: x"_s, u"Hidden text: hid"_s,
+                         u"Link, which is not opened here\nhttp://b.org/x\nIts text looks like another "
+                         "address"_s,
+                         u"The pages have borders\nWatermark: DRAFT\nHeader of left pages: \u041F\u0440\n"
+                         "Header of right pages: \u65E5\nKept when the document is saved"_s,
+                         u"Tracked change: another format (\u0418\u0432)"_s, u"Tracked change: deleted"_s,
+                         u"Tracked change: inserted (\u0418\u0432)"_s, u"Tracked change: moved away from here"_s})
+                .join(u'|'));
   QTest::keyClick(&pad, Qt::Key_Right);
   window.SaveFile();
   EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), kTraced);
@@ -55,13 +79,13 @@ TEST_F(FormRtf, TracesOfWhatItCannotShowAreNoPartOfTheFile) {
 }
 
 TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {
-  form_RTF& window = Open(kTraced);
+  form_RTF& window = Open(kListed);
   RtfPad& pad = PadOf(window);
   pad.setTextCursor(pad.document()->find(u"one"_s));
   QTest::keyClick(&pad, Qt::Key_Right);
   QTest::keyClicks(&pad, u"\rx"_s);
   window.SaveFile();
-  std::string edited = kTraced;
+  std::string edited = kListed;
   EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), edited.replace(edited.find("one"), 3, "one\\par x"));
   pad.setTextCursor(pad.document()->find(u"old"_s));
   QTest::keyClick(&pad, Qt::Key_Right);
@@ -76,8 +100,11 @@ TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {
 
 TEST(RtfNumbering, ListsShowTheirStartAndForm) {
   const auto labels = [](const std::string& body) {
-    const rtf::RtfDocument document = rtf::ReadRtf("{\\rtf1" + body + "}", BytesToUtf8);
-    rtf::RtfNumbering numbering;
+    const rtf::RtfDocument document = rtf::ReadRtf(
+        "{\\rtf1{\\fonttbl{\\f4\\fcharset2 Symbol;}{\\f5\\fcharset2 Wingdings;}}" + body + "}", BytesToUtf8);
+    rtf::ListTables tables;
+    tables.ReadHeader(document.kept_header);
+    rtf::RtfNumbering numbering(&tables);
     std::string joined;
     for (const rtf::Paragraph& paragraph : document.paragraphs)
       joined += numbering.Next(document.paragraph_formats[paragraph.format]) + "|";
@@ -85,21 +112,43 @@ TEST(RtfNumbering, ListsShowTheirStartAndForm) {
   };
   const auto listed = [&](const std::string& levels, const std::string& text) {
     return labels("{\\*\\listtable{\\list" + levels +
-                  "\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}" + text);
+                  "\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}{\\listoverride\\listid7\\ls2}"
+                  "{\\listoverride\\listid7{\\lfolevel\\listoverridestartat\\levelstartat5}\\ls3}}" +
+                  text);
   };
-  const std::string level = "{\\listlevel\\levelnfc";
-  EXPECT_EQ(listed(level + "0\\levelstartat3{\\leveltext\\'02\\'00);}{\\levelnumbers\\'01;}}", "\\ls1 a\\par b\\par"),
-            "3)|4)|");
-  EXPECT_EQ(listed(level + "2\\levelstartat4{\\leveltext\\'03(\\'00);}}", "\\ls1 a\\par"), "(iv)|");
-  EXPECT_EQ(listed(level + "0{\\leveltext\\'02\\'00.;}}" + level + "4{\\leveltext\\'04\\'00.\\'01.;}}",
-                   "\\ls1 a\\par\\ilvl1 b\\par c\\par\\ilvl0 d\\par"),
-            "1.|1.a.|1.b.|2.|");
-  EXPECT_EQ(listed(level + "23{\\leveltext\\'01\\u-3929 ?;}}" + level + "23{\\leveltext\\'01\\'b7;}}" + level +
-                       "23{\\leveltext\\'01o;}}",
-                   "\\ls1 a\\par\\ilvl1 b\\par\\ilvl2 c\\par"),
-            "\u25AA|\u2022|o|");
-  EXPECT_EQ(listed(level + "0{\\leveltext\\'00;}}", "\\ls1 a\\par"), "|");
+  const std::string level = "{\\listlevel\\levelnfc", form = "{\\leveltext\\'02\\'00.;}}";
+  const std::string of_two = level + "0" + form + level + "0{\\leveltext\\'03\\'00.\\'01;}";
+  const std::string two_of_it = "\\ls1\\ilvl1 a\\par\\ilvl0 b\\par\\ilvl1 c\\par";
+  const struct {
+    std::string levels, text, labels;
+  } cases[] = {
+      {level + "0\\levelstartat3{\\leveltext\\'02\\'00);}{\\levelnumbers\\'01;}}", "\\ls1 a\\par b\\par", "3)|4)|"},
+      {level + "2\\levelstartat4{\\leveltext\\'03(\\'00);}}", "\\ls1 a\\par", "(iv)|"},
+      {level + "0{\\leveltext\\'02\\'00.;}}" + level + "4{\\leveltext\\'04\\'00.\\'01.;}}",
+       "\\ls1 a\\par\\ilvl1 b\\par c\\par\\ilvl0 d\\par", "1.|1.a.|1.b.|2.|"},
+      {level + "1\\levelstartat9" + form, "\\ls1 a\\par", "IX.|"},
+      {level + "3\\levelstartat28" + form, "\\ls1 a\\par", "BB.|"},
+      {level + "5\\levelstartat12" + form, "\\ls1 a\\par b\\par", "12th.|13th.|"},
+      {level + "6\\levelstartat121" + form, "\\ls1 a\\par", "One hundred twenty-one.|"},
+      {level + "7\\levelstartat20" + form, "\\ls1 a\\par b\\par", "Twentieth.|Twenty-first.|"},
+      {level + "22\\levelstartat9" + form, "\\ls1 a\\par b\\par", "09.|10.|"},
+      {level + "255" + form, "\\ls1 a\\par", "|"},
+      {of_two + "}", two_of_it, "1.1|1.|1.1|"},
+      {of_two + "\\levelnorestart1}", two_of_it, "1.1|1.|1.2|"},
+      {level + "1" + form + level + "0\\levellegal1{\\leveltext\\'03\\'00.\\'01;}}", two_of_it, "1.1|I.|1.1|"},
+      {level + "23{\\leveltext\\'01\\u-3929 ?;}}" + level + "23{\\leveltext\\'01\\'b7;}}" + level +
+           "23{\\leveltext\\'01o;}}",
+       "\\ls1 a\\par\\ilvl1 b\\par\\ilvl2 c\\par", "\u25AA|\u2022|o|"},
+      {level + "23{\\leveltext\\'01v;}\\f5}" + level + "23{\\leveltext\\'01\\u-3928 ?;}\\f5}" + level +
+           "23{\\leveltext\\'01\\u-3928 ?;}\\f4}",
+       "\\ls1 a\\par\\ilvl1 b\\par\\ilvl2 c\\par", "\u2756|\u25FB|\u2666|"},
+      {level + "0{\\leveltext\\'00;}}", "\\ls1 a\\par", "|"},
+      {level + "0" + form, "\\ls1 a\\par\\ls2 b\\par\\ls3 c\\par d\\par", "1.|2.|5.|6.|"},
+  };
+  for (const auto& [levels, text, expected] : cases) EXPECT_EQ(listed(levels, text), expected) << levels;
   EXPECT_EQ(labels("{\\pn\\pnlvlbody\\pnlcltr\\pnstart2{\\pntxtb (}{\\pntxta )}}a\\par b\\par"), "(b)|(c)|");
+  EXPECT_EQ(labels("{\\pn\\pnlvlbody\\pnordt\\pnstart3{\\pntxta .}}a\\par"), "Third.|");
+  EXPECT_EQ(labels("{\\pn\\pnlvlblt\\pnf5{\\pntxtb\\'d8}}a\\par"), "\u27A2|");
   EXPECT_EQ(labels("{\\pn\\pnlvlblt{\\pntxtb\\'b7}}a\\par"), "\u2022|");
   EXPECT_EQ(labels("{\\pn\\pnlvlblt{\\pntxtb\\'95}}a\\par{\\pn\\pnlvlblt{\\pntxtb\\u9642*}}b\\par"), "\u2022|\u25AA|");
 }

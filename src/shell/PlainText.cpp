@@ -6,6 +6,7 @@
 #include <QTextDocument>
 #include <QToolTip>
 #include <QTreeWidgetItem>
+#include <algorithm>
 
 #include "shell/DisplayText.h"
 #include "system/Dialogs.h"
@@ -15,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr qsizetype kMaxCharactersInTip = 1000;
+constexpr qsizetype kMaxCharactersInTip = 1000, kMaxLinesInTip = 30;
 
 QString Shown(const QString& text) {
   return DisplayText(text.left(kMaxCharactersInTip + 1).toStdString(), kMaxCharactersInTip);
@@ -46,6 +47,19 @@ void SetItemTip(QTreeWidgetItem& item, int column, const QString& text) { item.s
 
 void ShowTip(const QPoint& global_position, const QString& text, QWidget* widget) {
   QToolTip::showText(global_position, TipText(text), widget);
+}
+
+void ShowTipLines(const QPoint& global_position, const QStringList& lines, QWidget* widget) {
+  if (lines.size() < 2) return ShowTip(global_position, lines.value(0), widget);
+  QStringList shown;
+  bool is_short = true;
+  for (const QString& line : lines.first(std::min(lines.size(), kMaxLinesInTip))) {
+    shown.append(Breakable(Shown(line)).toHtmlEscaped());
+    is_short = is_short && line.size() <= kLongestRun;
+  }
+  const QString wraps = is_short ? u"pre"_s : u"pre-wrap"_s;
+  const QString text = u"<p style='white-space:"_s + wraps + u"'>"_s + shown.join(u"<br>"_s) + u"</p>"_s;
+  QToolTip::showText(global_position, text, widget);
 }
 
 void SetWhatsThis(QWidget& widget, const QString& text) {

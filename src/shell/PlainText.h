@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QAction;
 class QComboBox;
@@ -25,6 +26,8 @@ void SetItemTip(QComboBox& box, int index, const QString& text);
 void SetItemTip(QTreeWidgetItem& item, int column, const QString& text);
 /// Shows it now, at a point of the screen; hides what is shown when it is empty.
 void ShowTip(const QPoint& global_position, const QString& text, QWidget* widget);
+/// The same of lines, one below the other: the first 30.
+void ShowTipLines(const QPoint& global_position, const QStringList& lines, QWidget* widget);
 void SetWhatsThis(QWidget& widget, const QString& text);
 
 /// A label that takes no text for markup. Owned by the parent, or else by whatever takes it.

@@ -42,6 +42,7 @@ struct Contents {
   std::vector<Part> parts;  ///< by kind, then in the file's order; at most kMaxParts of a kind
   std::array<std::uint64_t, kPartKinds> totals{};
   std::uint64_t headers = 0, footers = 0, footnotes = 0, endnotes = 0, comments = 0, formulas = 0, bookmarks = 0;
+  std::uint64_t index_entries = 0, drawings = 0;
   std::uint64_t fields = 0;                     ///< of all kinds
   std::uint64_t insertions = 0, deletions = 0;  ///< tracked changes: passages
   std::uint64_t bytes_behind_end = 0;           ///< that follow the document's last brace, blanks aside

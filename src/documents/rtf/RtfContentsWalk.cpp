@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "base/Utf8.h"
@@ -39,7 +40,7 @@ bool IsUnshown(std::string_view name) {
   const ControlWord& word = FindControl(name);
   const bool is_row_word = name.starts_with("ts") || name.starts_with("tr") || name.starts_with("cl");
   if (word.control_class == ControlClass::Unknown) return !is_row_word;
-  return word.control == Control::HeaderGroup || word.control == Control::InvisibleGroup;
+  return word.control == Control::HeaderGroup || word.control == Control::InvisibleGroup || name == "fontemb";
 }
 
 }  // namespace
@@ -125,24 +126,14 @@ void ContentsWalk::ReadWord() {
 
 std::uint64_t* ContentsWalk::CountOf(ContentsWord word) {
   using W = ContentsWord;
-  switch (word) {
-    case W::Header:
-      return &contents_.headers;
-    case W::Footer:
-      return &contents_.footers;
-    case W::Footnote:
-      return &contents_.footnotes;
-    case W::Endnote:
-      return &contents_.endnotes;
-    case W::Comment:
-      return &contents_.comments;
-    case W::Formula:
-      return &contents_.formulas;
-    case W::Bookmark:
-      return &contents_.bookmarks;
-    default:
-      return nullptr;
-  }
+  constexpr std::pair<W, std::uint64_t Contents::*> kCounts[] = {
+      {W::Header, &Contents::headers},     {W::Footer, &Contents::footers},
+      {W::Footnote, &Contents::footnotes}, {W::Endnote, &Contents::endnotes},
+      {W::Comment, &Contents::comments},   {W::Formula, &Contents::formulas},
+      {W::Bookmark, &Contents::bookmarks}, {W::IndexEntry, &Contents::index_entries},
+      {W::Drawing, &Contents::drawings}};
+  const auto known = std::ranges::find(kCounts, word, &std::pair<W, std::uint64_t Contents::*>::first);
+  return known != std::end(kCounts) ? &(contents_.*known->second) : nullptr;
 }
 
 void ContentsWalk::ReadKnownWord(const ContentsWordEntry& entry) {
@@ -151,7 +142,7 @@ void ContentsWalk::ReadKnownWord(const ContentsWordEntry& entry) {
   if (std::uint64_t* count = CountOf(entry.word)) {
     ++*count;
     if (entry.word == W::Endnote && contents_.footnotes > 0) --contents_.footnotes;
-    if (entry.word == W::Bookmark) top.destination = Destination::Nowhere;
+    if (entry.word == W::Bookmark || entry.word == W::IndexEntry) top.destination = Destination::Nowhere;
     return;
   }
   switch (entry.word) {

@@ -23,6 +23,7 @@ constexpr auto kWords = std::to_array<ContentsWordEntry>({
     {"colortbl", W::Skip},
     {"deleted", W::Deleted},
     {"dibitmap", W::PictureKind, "Windows bitmap"},
+    {"do", W::Drawing},
     {"emfblip", W::PictureKind, "enhanced metafile"},
     {"file", W::Reference},
     {"fldinst", W::Instruction},
@@ -79,13 +80,17 @@ constexpr auto kWords = std::to_array<ContentsWordEntry>({
     {"pntext", W::Skip},
     {"revised", W::Inserted},
     {"revtbl", W::Skip},
+    {"shp", W::Drawing},
     {"shpinst", W::Shown},
     {"sn", W::PropertyName},
     {"stylesheet", W::Skip},
     {"sv", W::PropertyValue},
+    {"tc", W::IndexEntry},
+    {"tcn", W::IndexEntry},
     {"template", W::Template},
     {"wbitmap", W::PictureKind, "bitmap"},
     {"wmetafile", W::PictureKind, "Windows metafile"},
+    {"xe", W::IndexEntry},
 });
 static_assert(std::ranges::is_sorted(kWords, {}, &ContentsWordEntry::name));
 

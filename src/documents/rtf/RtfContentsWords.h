@@ -21,6 +21,8 @@ enum class ContentsWord : std::uint8_t {
   Comment,
   Formula,
   Bookmark,
+  IndexEntry,
+  Drawing,
   Picture,
   PictureCopy,  ///< \nonshppict
   PictureKind,

@@ -119,6 +119,7 @@ constexpr auto kGroupWords = std::to_array<ControlWord>({
     {"shppict", C::ShownPicture}, {"nonshppict", C::Picture}, {"object", C::Object}, {"shp", C::Drawing},
     {"shpgrp", C::Drawing}, {"do", C::Drawing}, {"shptxt", C::DrawingText}, {"dptxbxtext", C::DrawingText},
     {"result", C::DrawingText}, {"footnote", C::Footnote},
+    {"moMath", C::Formula}, {"moMathPara", C::Formula},
 });
 constexpr auto kHeaderGroups = std::to_array<std::string_view>({
     "stylesheet", "info", "revtbl", "rsidtbl", "generator", "themedata", "colorschememapping", "latentstyles",

@@ -112,6 +112,7 @@ enum class Control : std::uint8_t {
   Drawing,      ///< \shp, \do
   DrawingText,  ///< \shptxt, \dptxbxtext and \result: what is read of an object for its label
   Footnote,
+  Formula,
 };
 
 struct ControlWord {

@@ -47,7 +47,19 @@ struct CharFormat {
 
 enum class Alignment : std::uint8_t { Left, Right, Center, Justify };
 
-enum class ListKind : std::uint8_t { None, Bullet, Decimal, LowerLetter, UpperLetter, LowerRoman, UpperRoman };
+enum class ListKind : std::uint8_t {
+  None,
+  Bullet,
+  Decimal,
+  LowerLetter,
+  UpperLetter,
+  LowerRoman,
+  UpperRoman,
+  Padded,       ///< 01
+  Ordinal,      ///< 1st
+  Words,        ///< One
+  OrdinalWords  ///< First
+};
 
 enum class TabKind : std::uint8_t { Left, Right, Center, Decimal, Bar };
 enum class TabLeader : std::uint8_t { None, Dots, MiddleDots, Hyphens, Underline, Thick, Equal };
@@ -123,8 +135,9 @@ inline constexpr std::int32_t kSymbolCharset = 2;
 struct Font {
   std::int32_t number = 0;  ///< the N of \fN; kept, because kept groups name it
   std::string name;
-  std::string family;        ///< "nil", "roman", "swiss", "modern", "script", "decor", "tech", "bidi"
-  std::int32_t charset = 0;  ///< \fcharset; kSymbolCharset of a symbol font
+  std::string family;           ///< "nil", "roman", "swiss", "modern", "script", "decor", "tech", "bidi"
+  std::int32_t charset = 0;     ///< \fcharset; kSymbolCharset of a symbol font
+  std::int32_t code_page = -1;  ///< of its text in the file that was read; -1: the document's own
 };
 
 /// One cell of a table row; its paragraphs name it.

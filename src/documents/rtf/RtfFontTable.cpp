@@ -70,7 +70,20 @@ void FontTable::EndEntry() {
   if (number >= index_of_number_.size()) index_of_number_.resize(number + 1, kNoFont);
   index_of_number_[number] = static_cast<std::uint32_t>(document_.fonts.size());
   page_of_font_.push_back(entry_page_);
+  entry_.code_page = entry_page_;
   document_.fonts.push_back(std::move(entry_));
+}
+
+void FontTable::Take(const RtfDocument& read) {
+  ansi_page_ = read.ansi_code_page;
+  for (const Font& font : read.fonts) {
+    const auto number = static_cast<std::size_t>(std::clamp(font.number, 0, kMaxFontNumber));
+    if (number >= index_of_number_.size()) index_of_number_.resize(number + 1, kNoFont);
+    index_of_number_[number] = static_cast<std::uint32_t>(page_of_font_.size());
+    page_of_font_.push_back(font.code_page);
+  }
+  default_number_ = read.default_font;
+  ResolveDefault();
 }
 
 std::uint32_t FontTable::IndexOf(std::int32_t number) const {
@@ -81,6 +94,11 @@ std::uint32_t FontTable::IndexOf(std::int32_t number) const {
 CodePage& FontTable::PageOf(std::uint32_t index) {
   const int page = index < page_of_font_.size() ? page_of_font_[index] : -1;
   return pages_.Get(page < 0 ? ansi_page_ : page);
+}
+
+SymbolFont FontTable::SymbolsOf(std::int32_t number) const {
+  const std::uint32_t index = IndexOf(number);
+  return index < document_.fonts.size() ? SymbolFontOf(document_.fonts[index].name) : SymbolFont::Unknown;
 }
 
 bool FontTable::ResolveDefault() {

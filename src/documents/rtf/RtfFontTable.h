@@ -7,6 +7,7 @@
 #include "documents/rtf/RtfCharset.h"
 #include "documents/rtf/RtfControls.h"
 #include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfSymbols.h"
 #include "documents/rtf/RtfTextDecoder.h"
 
 namespace tme::rtf {
@@ -20,6 +21,9 @@ class FontTable {
   /// Fills the fonts of `document`; both outlive this.
   FontTable(RtfDocument& document, const DecodeCodePage& decode) : document_(document), pages_(decode) {}
 
+  /// Knows the fonts of a document that was read, which is not touched and need not stay.
+  void Take(const RtfDocument& read);
+
   /// A control word of the table; the encoding becomes that of the font's name.
   void ReadWord(const ControlWord& word, std::int32_t value, TextEncoding& encoding);
   /// A part of the font's name, whose semicolon ends the entry.
@@ -29,6 +33,8 @@ class FontTable {
   /// Of the \fN, an index into RtfDocument::fonts; kNoFont when there is none.
   std::uint32_t IndexOf(std::int32_t number) const;
   CodePage& PageOf(std::uint32_t index);
+  /// Which signs the font of an \fN has.
+  SymbolFont SymbolsOf(std::int32_t number) const;
 
   /// The page of text whose font says no other.
   int AnsiPage() const { return ansi_page_; }

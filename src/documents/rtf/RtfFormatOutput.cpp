@@ -26,7 +26,11 @@ constexpr std::string_view kListKinds[] = {"",
                                            "\\pnlvlbody\\pnlcltr",
                                            "\\pnlvlbody\\pnucltr",
                                            "\\pnlvlbody\\pnlcrm",
-                                           "\\pnlvlbody\\pnucrm"};
+                                           "\\pnlvlbody\\pnucrm",
+                                           "\\pnlvlbody\\pndec",
+                                           "\\pnlvlbody\\pnord",
+                                           "\\pnlvlbody\\pncard",
+                                           "\\pnlvlbody\\pnordt"};
 /// By TabKind, before the position.
 constexpr std::string_view kTabs[] = {"\\tx", "\\tqr\\tx", "\\tqc\\tx", "\\tqdec\\tx", "\\tb"};
 /// By TabLeader, before the kind.

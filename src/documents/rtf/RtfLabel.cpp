@@ -1,6 +1,7 @@
 #include "documents/rtf/RtfLabel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -42,8 +43,12 @@ class LabelReader : private TextDecoder::Sink {
   void ReadStar();
   void ReadWord(const ControlWord& word);
   void ReadGroupWord(const ControlWord& word);
+  void ReadFormulaWord();
   void ReadBodyWord(const ControlWord& word);
-  void SetFont(std::int32_t number) { Top().encoding.page = &fonts_.PageOf(fonts_.IndexOf(number)); }
+  void SetFont(std::int32_t number) {
+    const std::uint32_t index = fonts_.IndexOf(number);
+    Top().encoding.page = &fonts_.PageOf(index == FontTable::kNoFont ? fonts_.Default() : index);
+  }
 
   void Add(std::string_view text) {
     if (!Top().is_hidden) label_ += text;
@@ -113,8 +118,19 @@ void LabelReader::ReadStar() {
 void LabelReader::ReadWord(const ControlWord& word) {
   if (word.control == Control::Character && decoder_.SkipFallback(token_.end)) return;
   if (word.control != Control::Unicode) decoder_.EndFallback();
+  if (word.control_class == ControlClass::Unknown && IsInner() && token_.text.starts_with('m'))
+    return ReadFormulaWord();
   if (word.control_class != ControlClass::Group) return ReadBodyWord(word);
   if (IsInner()) ReadGroupWord(word);  // not what the group itself is
+}
+
+/// What stands between the parts of a formula; what describes these is no text.
+void LabelReader::ReadFormulaWord() {
+  constexpr std::pair<std::string_view, std::string_view> kSigns[] = {
+      {"mden", "/"}, {"msup", "^"}, {"msub", "_"}, {"mrad", "\u221A"}};
+  if (token_.text.ends_with("Pr")) return SkipGroup();
+  const auto known = std::ranges::find(kSigns, token_.text, &std::pair<std::string_view, std::string_view>::first);
+  if (known != std::end(kSigns)) Add(known->second);
 }
 
 /// What the group holds of kept groups is passed over.
@@ -123,6 +139,7 @@ void LabelReader::ReadGroupWord(const ControlWord& word) {
   switch (word.control) {
     case Control::TransparentGroup:
     case Control::Field:
+    case Control::Formula:
       return;
     case Control::TwoForms:
       state.was_hidden = std::exchange(state.is_hidden, true);
@@ -165,11 +182,13 @@ std::string LabelOf(std::string_view group, LabelText which, FontTable& fonts, T
   return LabelReader(group, which, fonts, around).Read();
 }
 
-std::string TextOfGroup(std::string_view group, int ansi_page, const DecodeCodePage& decode) {
-  RtfDocument scratch;
-  FontTable fonts(scratch, decode);
-  fonts.SetAnsiPage(ansi_page);
-  return LabelOf(group, LabelText::All, fonts, {&fonts.PageOf(FontTable::kNoFont)});
+GroupTexts::GroupTexts(const RtfDocument& document, const DecodeCodePage& decode)
+    : decode_(decode), fonts_(scratch_, decode_) {
+  fonts_.Take(document);
+}
+
+std::string GroupTexts::TextOf(std::string_view group) {
+  return LabelOf(group, LabelText::All, fonts_, {&fonts_.PageOf(fonts_.Default())});
 }
 
 }  // namespace tme::rtf

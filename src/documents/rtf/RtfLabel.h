@@ -19,7 +19,19 @@ enum class LabelText : std::uint8_t {
 /// encoding of the group around. Internal to the reader.
 std::string LabelOf(std::string_view group, LabelText which, FontTable& fonts, TextEncoding around);
 
-/// All of the text of a group that stands alone.
-std::string TextOfGroup(std::string_view group, int ansi_page, const DecodeCodePage& decode);
+/// All of the text of groups that a document keeps, in the encodings of its fonts.
+class GroupTexts {
+ public:
+  GroupTexts(const RtfDocument& document, const DecodeCodePage& decode);
+  GroupTexts(const GroupTexts&) = delete;
+  GroupTexts& operator=(const GroupTexts&) = delete;
+
+  std::string TextOf(std::string_view group);
+
+ private:
+  const DecodeCodePage decode_;
+  RtfDocument scratch_;
+  FontTable fonts_;
+};
 
 }  // namespace tme::rtf

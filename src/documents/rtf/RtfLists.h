@@ -7,18 +7,25 @@
 #include <vector>
 
 #include "documents/rtf/RtfDocument.h"
+#include "documents/rtf/RtfFontTable.h"
 #include "documents/rtf/RtfTokenizer.h"
 
-/// What the reader finds out of groups about lists that are kept as they came. Internal to the reader.
+/// What is found out of groups about lists that are kept as they came.
 namespace tme::rtf {
 
 struct ListStyle {
   ListKind kind = ListKind::None;
   std::int32_t start = 1;
   std::string text{};  ///< as ParagraphFormat::list_text
+  /// Which side of the number stands where the first line begins.
+  enum class Side : std::uint8_t { Left, Middle, Right };
+  Side side = Side::Left;
+  bool is_legal = false;       ///< numbers of other levels are digits, whatever these have
+  bool goes_on = false;        ///< behind an item of a higher level
+  bool has_own_start = false;  ///< an override begins anew with `start`
 };
 /// Makes a paragraph's format that of the list which a \pn group describes.
-void ReadLegacyNumbering(std::string_view group, ParagraphFormat& format);
+void ReadLegacyNumbering(std::string_view group, const FontTable& fonts, ParagraphFormat& format);
 
 /// What kind of list the number or bullet before a paragraph (\pntext, \listtext) speaks of.
 ListKind ListKindOfText(std::string_view text);
@@ -28,24 +35,30 @@ class ListTables {
  public:
   static constexpr std::size_t kLevels = 9;
 
-  /// \listtable; false when some lists are over the limit.
-  bool ReadLists(std::string_view group);
+  /// \listtable; false when some lists are over the limit. fonts: for bullets; null when these do not matter.
+  bool ReadLists(std::string_view group, const FontTable* fonts);
   /// \listoverridetable, behind \listtable; the same.
-  bool ReadOverrides(std::string_view group);
+  bool ReadOverrides(std::string_view group, const FontTable* fonts);
+
+  /// Both, anew, among the groups before a document's text (RtfDocument::kept_header). Bullets are not known.
+  void ReadHeader(std::string_view header);
 
   /// ListKind::None for a list that is not known.
-  ListStyle Find(std::int32_t override_number, std::uint8_t level) const;
+  const ListStyle& Find(std::int32_t override_number, std::size_t level) const;
+  /// What is counted together has one number; 0 for a list that is not known.
+  std::int32_t CounterOf(std::int32_t override_number) const;
 
  private:
   struct List {
     std::int32_t id = 0;
+    std::int32_t counter = 0;  ///< \listid
     std::array<ListStyle, kLevels> levels{};
   };
   /// What a table calls the begin of an entry, the begin of each of its levels, and the entry's number at its end.
   struct TableWords {
     std::string_view entry, level, number;
   };
-  bool ReadTable(std::string_view group, const TableWords& words, std::vector<List>& lists);
+  bool ReadTable(std::string_view group, const TableWords& words, const FontTable* fonts, std::vector<List>& lists);
   /// Behind \leveltext; ends before the group does.
   static std::string ReadLevelText(Tokenizer& tokens, Token& token);
   static const List* FindIn(const std::vector<List>& lists, std::int32_t id);

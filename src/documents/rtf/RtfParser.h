@@ -128,7 +128,7 @@ class Parser : private TextDecoder::Sink {
   void AddPicture(std::string group);
   void AddShownPicture();
   void AddDrawing(std::string_view what);
-  void AddFootnote();
+  void AddNote(std::string_view what);
   void BeginField();
   void AddField();
   void ReadLists(const ControlWord& word);

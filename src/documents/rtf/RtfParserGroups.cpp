@@ -129,7 +129,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       return;
     case Control::LegacyNumbering: {
       const std::string group = TakeGroup();
-      return ReadLegacyNumbering(group, OwnParagraph().format);
+      return ReadLegacyNumbering(group, fonts_, OwnParagraph().format);
     }
     case Control::ListText:
       list_of_text_ = ListKindOfText(LabelOfGroup(TakeGroup(), LabelText::All));
@@ -150,7 +150,9 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     case Control::Drawing:
       return AddDrawing("Drawing");
     case Control::Footnote:
-      return AddFootnote();
+      return AddNote({});
+    case Control::Formula:
+      return AddNote("Formula");
     default:
       return KeepInvisible(TakeGroup());
   }
@@ -158,7 +160,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
 
 void Parser::ReadLists(const ControlWord& word) {
   const std::string group = TakeGroup();
-  const bool all = word.value == 0 ? lists_.ReadLists(group) : lists_.ReadOverrides(group);
+  const bool all = word.value == 0 ? lists_.ReadLists(group, &fonts_) : lists_.ReadOverrides(group, &fonts_);
   if (!all) ++document_.losses.limits;
   document_.kept_header += group;
 }
@@ -211,9 +213,11 @@ void Parser::AddDrawing(std::string_view what) {
   AddObject({.rtf = std::move(group), .label = label.empty() ? std::string(what) : std::move(label)});
 }
 
-void Parser::AddFootnote() {
+/// what: its label without text.
+void Parser::AddNote(std::string_view what) {
   std::string group = TakeGroup();
   std::string label = LabelOfGroup(group, LabelText::All);
+  if (label.empty()) label = what;
   AddObject({.rtf = std::move(group), .label = std::move(label)});
 }
 

@@ -32,7 +32,7 @@ void AddTab(std::int32_t position, TabKind kind, ParagraphState& paragraph, Loss
 
 void FindList(const ListTables& lists, ParagraphFormat& format) {
   if (format.list_id == 0) return;
-  const ListStyle style = lists.Find(format.list_id, format.list_level);
+  const ListStyle& style = lists.Find(format.list_id, format.list_level);
   format.list = style.kind;
   format.list_start = style.start;
   format.list_text = style.text;

@@ -4,8 +4,10 @@
 #include <QDialogButtonBox>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QTreeWidget>
@@ -23,7 +25,7 @@ namespace {
 
 enum Column : std::uint8_t { kWhat, kWhere, kSize };
 // Characters of the window's font.
-constexpr int kWhatWidth = 55, kWhereWidth = 55, kSizeWidth = 14, kLines = 24;
+constexpr int kLeastWhatWidth = 40, kMostWhatWidth = 80, kWindowWidth = 150, kLines = 30, kDetailLines = 4;
 constexpr double kShareOfScreen = 0.9;
 
 }  // namespace
@@ -39,6 +41,7 @@ RtfContentsWindow::RtfContentsWindow(const rtf::Contents& contents, const QStrin
   AddCounts(contents);
   if (list_->topLevelItemCount() == 0) AddHeading(tr("Nothing but text"), 0);
   list_->expandAll();
+  FitColumns();
   list_->setCurrentItem(list_->topLevelItem(0));
   list_->setFocus();
 }
@@ -55,21 +58,28 @@ void RtfContentsWindow::BuildControls(const rtf::Contents& contents, const QStri
   list_->setHeaderLabels({tr("What"), tr("Where It Leads, What Is in It"), tr("Size")});
   list_->setUniformRowHeights(true);
   list_->setAllColumnsShowFocus(true);
-  const int character = fontMetrics().averageCharWidth();
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list_->header()->setStretchLastSection(false);
-  list_->header()->setSectionResizeMode(kWhere, QHeaderView::Stretch);
-  list_->setColumnWidth(kWhat, kWhatWidth * character);
-  list_->setColumnWidth(kSize, kSizeWidth * character);
+  connect(list_, &QTreeWidget::currentItemChanged, this, &RtfContentsWindow::ShowDetails);
+  list_->installEventFilter(this);
+  details_ = new QPlainTextEdit;
+  details_->setObjectName(u"text_Details"_s);
+  details_->setAccessibleName(tr("The selected row in full"));
+  details_->setReadOnly(true);
+  details_->setTabChangesFocus(true);
+  details_->setFixedHeight(kDetailLines * fontMetrics().lineSpacing() + 2 * details_->frameWidth() +
+                           static_cast<int>(2 * details_->document()->documentMargin()));
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-  QPushButton* copy = buttons->addButton(tr("&Copy as Text"), QDialogButtonBox::ActionRole);
+  QPushButton* copy = buttons->addButton(tr("&Copy All as Text"), QDialogButtonBox::ActionRole);
   copy->setObjectName(u"cmd_Copy"_s);
   connect(copy, &QPushButton::clicked, this, [this] { QGuiApplication::clipboard()->setText(Text()); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   auto* rows = new QVBoxLayout(this);
   rows->addWidget(note);
   rows->addWidget(list_, 1);
+  rows->addWidget(details_);
   rows->addWidget(buttons);
-  const QSize wanted((kWhatWidth + kWhereWidth + kSizeWidth) * character, kLines * fontMetrics().lineSpacing());
+  const QSize wanted(kWindowWidth * fontMetrics().averageCharWidth(), kLines * fontMetrics().lineSpacing());
   resize(wanted.boundedTo(screen()->availableSize() * kShareOfScreen));
 }
 
@@ -94,8 +104,10 @@ void RtfContentsWindow::AddCounts(const rtf::Contents& contents) {
       {tr("Tracked insertions"), contents.insertions},
       {tr("Tracked deletions"), contents.deletions},
       {tr("Formulas"), contents.formulas},
+      {tr("Drawings and text boxes"), contents.drawings},
       {tr("Fields of all kinds"), contents.fields},
       {tr("Bookmarks"), contents.bookmarks},
+      {tr("Entries of indexes and contents"), contents.index_entries},
       {tr("Bytes behind the end of the document"), contents.bytes_behind_end}};
   QTreeWidgetItem* heading = nullptr;
   for (const auto& [what, count] : counts) {
@@ -123,15 +135,53 @@ void RtfContentsWindow::AddRow(QTreeWidgetItem& heading, const QString& what, co
   if (!where.isEmpty()) SetItemTip(*row, kWhere, where);
 }
 
+/// What stands in a column says how wide it is, within bounds; where it leads has the rest.
+void RtfContentsWindow::FitColumns() {
+  const int character = fontMetrics().averageCharWidth();
+  for (const Column column : {kWhat, kSize}) {
+    list_->resizeColumnToContents(column);
+    list_->setColumnWidth(column, list_->columnWidth(column) + 2 * character);
+  }
+  const int what = std::clamp(list_->columnWidth(kWhat), kLeastWhatWidth * character, kMostWhatWidth * character);
+  list_->setColumnWidth(kWhat, what);
+  list_->header()->setSectionResizeMode(kWhere, QHeaderView::Stretch);
+}
+
+/// The list itself would copy a single column.
+bool RtfContentsWindow::eventFilter(QObject* watched, QEvent* event) {
+  const bool is_key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+  if (watched != list_ || !is_key || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy))
+    return QDialog::eventFilter(watched, event);
+  if (event->type() == QEvent::KeyPress) QGuiApplication::clipboard()->setText(SelectedText());
+  event->accept();
+  return true;
+}
+
+void RtfContentsWindow::ShowDetails() {
+  QStringList texts;
+  const QTreeWidgetItem* row = list_->currentItem();
+  for (const int column : {kWhat, kWhere, kSize})
+    if (row && !row->text(column).isEmpty()) texts.append(row->text(column));
+  details_->setPlainText(texts.join(u'\n'));
+}
+
+QString RtfContentsWindow::LineOf(const QTreeWidgetItem& row) {
+  const QString indent = row.parent() ? u"\t"_s : QString();
+  QStringList columns{indent + row.text(kWhat)};
+  for (const int column : {kWhere, kSize})
+    if (!row.text(column).isEmpty()) columns.append(row.text(column));
+  return columns.join(u'\t') + u'\n';
+}
+
 QString RtfContentsWindow::Text() const {
   QString text;
-  for (QTreeWidgetItemIterator it(list_); *it; ++it) {
-    const QString indent = (*it)->parent() ? u"\t"_s : QString();
-    QStringList columns{indent + (*it)->text(kWhat)};
-    for (const int column : {kWhere, kSize})
-      if (!(*it)->text(column).isEmpty()) columns.append((*it)->text(column));
-    text += columns.join(u'\t') + u'\n';
-  }
+  for (QTreeWidgetItemIterator it(list_); *it; ++it) text += LineOf(**it);
+  return text;
+}
+
+QString RtfContentsWindow::SelectedText() const {
+  QString text;
+  for (QTreeWidgetItemIterator it(list_, QTreeWidgetItemIterator::Selected); *it; ++it) text += LineOf(**it);
   return text;
 }
 

@@ -4,6 +4,7 @@
 
 #include "documents/rtf/RtfContents.h"
 
+class QPlainTextEdit;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -19,6 +20,11 @@ class RtfContentsWindow : public QDialog {
 
   /// A line for each row, its columns apart by tabs.
   QString Text() const;
+  /// The same of the rows that are selected.
+  QString SelectedText() const;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void BuildControls(const rtf::Contents& contents, const QString& title);
@@ -27,7 +33,13 @@ class RtfContentsWindow : public QDialog {
   QTreeWidgetItem* AddHeading(const QString& text, std::uint64_t count);
   static void AddRow(QTreeWidgetItem& heading, const QString& what, const QString& where, const QString& size);
 
+  static QString LineOf(const QTreeWidgetItem& row);
+  void FitColumns();
+  /// The current row in full, below the list.
+  void ShowDetails();
+
   QTreeWidget* list_ = nullptr;
+  QPlainTextEdit* details_ = nullptr;
 };
 
 }  // namespace tme

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/Utf8.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfPieces.h"
 
@@ -16,6 +17,9 @@ using rtf::Underline;
 
 /// Room for the marker of a list whose text begins at the margin, in twips.
 constexpr int kLeastListIndent = 360;
+/// A longer one has room for each of its characters.
+constexpr int kTwipsOfLabelCharacter = 120;
+constexpr int kShortLabel = 3;
 constexpr std::uint32_t kLargestHalfPoints = 32'766;
 
 template <typename Format, typename Shown>
@@ -101,6 +105,13 @@ QTextOption::Tab ShowTab(const rtf::TabStop& tab, int start) {
   return {TwipsToUnits(tab.position - start), type, type == QTextOption::DelimiterTab ? u'.' : QChar()};
 }
 
+/// Twips from the margin to the text of an item, so that its label is not cut off.
+int LeftOfItem(const rtf::ParagraphFormat& format) {
+  const auto length = std::ranges::count_if(format.list_text, [](char c) { return !utf8::IsContinuation(c); });
+  if (length > kShortLabel) return std::max(format.left, kTwipsOfLabelCharacter * static_cast<int>(length + 1));
+  return format.left <= 0 ? kLeastListIndent : format.left;
+}
+
 void ReadIndents(const QTextBlockFormat& shown, const QTextBlockFormat& was, rtf::ParagraphFormat& format) {
   const auto read = [](qreal now, qreal before, std::int32_t& twips) {
     if (now != before) twips = UnitsToTwips(now);
@@ -153,7 +164,7 @@ QTextBlockFormat RtfFormats::ShowParagraphFormat(std::uint32_t number) const {
   shown.setAlignment(ShownOf(kAlignments, format.alignment));
   // A list's marker is drawn to the left of its text.
   const bool in_list = format.list != ListKind::None;
-  const int left = in_list && format.left <= 0 ? kLeastListIndent : format.left;
+  const int left = in_list ? LeftOfItem(format) : format.left;
   // The toolkit's own markers know neither a first number nor what stands around it; RtfTraces draws them.
   if (in_list) shown.setProperty(QTextFormat::ListStyle, QTextListFormat::ListStyleUndefined);
   if (left) shown.setLeftMargin(TwipsToUnits(left));

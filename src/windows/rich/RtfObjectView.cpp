@@ -102,7 +102,12 @@ QString RtfObjectView::TipOf(const QTextFormat& format) const {
   const rtf::Object* object = ObjectOf(format);
   if (!object || format.objectType() != kRtfObjectType) return label;
   const bool is_note = object->rtf.starts_with("{\\footnote");
-  const QString what = is_note ? tr("Footnote") : PartTextOf(format.intProperty(kObject), *object);
+  const bool is_endnote = is_note && object->rtf.find("\\ftnalt") != std::string::npos;
+  const bool is_formula = object->rtf.starts_with("{\\*\\moMath");
+  const QString what = is_endnote   ? tr("Endnote")
+                       : is_note    ? tr("Footnote")
+                       : is_formula ? tr("Formula")
+                                    : PartTextOf(format.intProperty(kObject), *object);
   const bool says_more = !label.isEmpty() && object->label != rtf::kObjectLabel;
   return says_more && !what.isEmpty() ? what + u'\n' + label : what.isEmpty() ? label : what;
 }

@@ -106,6 +106,9 @@ class RtfPad : public QTextEdit, public Pad {
   /// The same of a point of the viewport, marks that are drawn over the text included.
   QString TipAt(const QPoint& point) const;
 
+  /// Where the link at the caret leads; empty for none.
+  QString LinkAtCaret() const;
+
   /// 100 is the size of the document. For the display only.
   void SetZoom(int percent);
 
@@ -132,6 +135,8 @@ class RtfPad : public QTextEdit, public Pad {
   /// Of the viewport in the document.
   QPoint Scrolled() const;
   QString FieldTip(const QTextCharFormat& format) const;
+  /// The text of the link around a cursor, as far as its paragraph goes.
+  static QString LinkText(const QTextCursor& cursor);
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
   /// no longer there.
   bool LayOutTo(int position);

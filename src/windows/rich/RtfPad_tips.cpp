@@ -6,6 +6,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextCursor>
 
 #include "documents/rtf/RtfContents.h"
@@ -22,7 +23,7 @@ namespace tme {
 bool RtfPad::viewportEvent(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QTextEdit::viewportEvent(event);
   const auto& help = *static_cast<QHelpEvent*>(event);
-  ShowTip(help.globalPos(), TipAt(help.pos()), viewport());
+  ShowTipLines(help.globalPos(), TipAt(help.pos()).split(u'\n'), viewport());
   return true;
 }
 
@@ -31,7 +32,8 @@ void RtfPad::mouseReleaseEvent(QMouseEvent* event) {
   QTextEdit::mouseReleaseEvent(event);
   if (event->button() != Qt::LeftButton || textCursor().hasSelection()) return;
   const QPoint point = event->position().toPoint();
-  if (!anchorAt(point).isEmpty()) ShowTip(event->globalPosition().toPoint(), TipAt(point), viewport());
+  if (!anchorAt(point).isEmpty())
+    ShowTipLines(event->globalPosition().toPoint(), TipAt(point).split(u'\n'), viewport());
 }
 
 void RtfPad::paintEvent(QPaintEvent* event) {
@@ -52,13 +54,40 @@ QString RtfPad::TipAt(const QPoint& point) const {
   if (!mark.isEmpty() || position < 0 || position >= End()) return mark;
   QTextCursor cursor(document());
   cursor.setPosition(position + 1);
-  return TipOf(cursor.charFormat());
+  const QString tip = TipOf(cursor.charFormat());
+  const QString target = cursor.charFormat().anchorHref();
+  if (target.isEmpty() || !RtfPartText::IsOtherAddress(LinkText(cursor), target)) return tip;
+  return tip + u'\n' + tr("Its text looks like another address");
+}
+
+QString RtfPad::LinkText(const QTextCursor& cursor) {
+  const QString target = cursor.charFormat().anchorHref();
+  QString text;
+  for (QTextBlock::iterator it = cursor.block().begin(); !it.atEnd(); ++it) {
+    const QTextFragment run = it.fragment();
+    if (run.charFormat().anchorHref() == target) {
+      text += run.text();
+    } else if (run.position() >= cursor.position()) {
+      break;
+    } else {
+      text.clear();
+    }
+  }
+  return text;
+}
+
+QString RtfPad::LinkAtCaret() const {
+  QTextCursor after = textCursor();
+  if (!after.atBlockEnd()) after.movePosition(QTextCursor::Right);
+  const QString before = textCursor().charFormat().anchorHref();
+  return before.isEmpty() ? after.charFormat().anchorHref() : before;
 }
 
 QString RtfPad::TipOf(const QTextCharFormat& format) const {
   const QString tip = objects_->TipOf(format);
   if (!tip.isEmpty()) return tip;
-  return format.anchorHref().isEmpty() ? FieldTip(format) : format.anchorHref();
+  if (format.anchorHref().isEmpty()) return FieldTip(format);
+  return tr("Link, which is not opened here") + u'\n' + RtfPartText::Shown(format.anchorHref().toStdString());
 }
 
 QString RtfPad::FieldTip(const QTextCharFormat& format) const {

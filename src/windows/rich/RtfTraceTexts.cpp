@@ -1,15 +1,19 @@
 #include "windows/rich/RtfTraceTexts.h"
 
-#include <QStringList>
+#include <QDateTime>
+#include <QLocale>
+#include <algorithm>
 
-#include "documents/rtf/RtfLabel.h"
-#include "documents/rtf/RtfTokenizer.h"
 #include "files/CodePage.h"
-#include "shell/DisplayText.h"
+#include "windows/rich/RtfPartText.h"
 
 using namespace Qt::StringLiterals;
 
 namespace tme {
+
+using rtf::RevisionKind;
+using rtf::UnseenKind;
+
 namespace {
 
 /// Whether control words hold one of this name that is switched on.
@@ -21,78 +25,147 @@ bool HasWord(const std::string& words, std::string_view name) {
   return false;
 }
 
+/// The name that stands in the table for nobody.
+constexpr const char* kNobody = "Unknown";
+
+QString WithText(const QString& what, const QString& text) { return text.isEmpty() ? what : what + u": "_s + text; }
+
+QString InOneLine(const std::string& text) { return RtfPartText::Shown(text).simplified(); }
+
 }  // namespace
 
-QString RtfTraceTexts::OfObject(const rtf::RtfDocument& document, const std::string& group) {
-  const auto with_text = [&](const QString& what) {
-    const QString text = DisplayText(rtf::TextOfGroup(group, document.ansi_code_page, BytesToUtf8)).simplified();
-    return text.isEmpty() ? what : tr("%1: %2").arg(what, text);
-  };
-  if (group.find("\\annotation") != std::string::npos) return with_text(tr("Comment"));
-  if (group.find("\\moMath") != std::string::npos) return tr("Formula, which is kept and not shown");
-  if (group.starts_with("{\\header")) return with_text(tr("Header of the section here"));
-  return group.starts_with("{\\footer") ? with_text(tr("Footer of the section here")) : QString();
+RtfTraceTexts::RtfTraceTexts(const RtfStore& store) : store_(store), texts_(store.document, BytesToUtf8) {}
+
+/// "Ann, 3/4/24 10:15 AM", or as much of it as the file says.
+QString RtfTraceTexts::ByWhom(const QString& author, const rtf::PackedTime& time) {
+  if (time.month == 0) return author;
+  const QDateTime moment({time.year, time.month, time.day}, QTime(time.hour, time.minute));
+  if (!moment.isValid()) return author;
+  const QString when = QLocale().toString(moment, QLocale::ShortFormat);
+  return author.isEmpty() ? when : tr("%1, %2").arg(author, when);
 }
 
-QString RtfTraceTexts::OfAttached(const RtfStore& store, const std::vector<RtfStore::Attached>& parts) {
-  QStringList texts;
-  for (const RtfStore::Attached& part : parts) {
-    const rtf::Object* object = rtf::EntryOf(store.document.objects, part.object);
-    const QString text = object ? OfObject(store.document, object->rtf) : QString();
-    if (!text.isEmpty()) texts.append(text);
+QString RtfTraceTexts::PagesOf(const rtf::Unseen& unseen) {
+  const bool is_header = unseen.kind == UnseenKind::Header;
+  switch (unseen.pages) {
+    case rtf::PagesOf::First:
+      return is_header ? tr("Header of the first page") : tr("Footer of the first page");
+    case rtf::PagesOf::Left:
+      return is_header ? tr("Header of left pages") : tr("Footer of left pages");
+    case rtf::PagesOf::Right:
+      return is_header ? tr("Header of right pages") : tr("Footer of right pages");
+    case rtf::PagesOf::All:
+      break;
   }
+  return is_header ? tr("Header") : tr("Footer");
+}
+
+QString RtfTraceTexts::OfUnseen(const rtf::Unseen& unseen) const {
+  const QString text = InOneLine(unseen.text);
+  switch (unseen.kind) {
+    case UnseenKind::Comment: {
+      const QString who = ByWhom(InOneLine(unseen.author), unseen.time);
+      return WithText(who.isEmpty() ? tr("Comment") : tr("Comment (%1)").arg(who), text);
+    }
+    case UnseenKind::Formula:
+      return WithText(tr("Formula, which is kept and not shown"), text);
+    case UnseenKind::FormField:
+      return text.startsWith(u"FORMCHECKBOX"_s)   ? tr("Check box, which is kept and not shown")
+             : text.startsWith(u"FORMDROPDOWN"_s) ? tr("Drop-down list, which is kept and not shown")
+                                                  : tr("Field to fill in, which is kept and not shown");
+    case UnseenKind::Field:
+      return WithText(tr("A field, which is not carried out here"), text);
+    case UnseenKind::Header:
+    case UnseenKind::Footer:
+      break;
+  }
+  return WithText(tr("%1, from this section on").arg(PagesOf(unseen)), text);
+}
+
+QString RtfTraceTexts::OfAttached(const std::vector<RtfStore::Attached>& parts) {
+  QStringList texts;
+  std::string hidden;
+  for (const RtfStore::Attached& part : parts) {
+    hidden += part.hidden_text;
+    const rtf::Object* object = rtf::EntryOf(store_.document.objects, part.object);
+    if (!object) continue;
+    for (const rtf::Unseen& unseen : rtf::UnseenIn(object->rtf, texts_)) texts.append(OfUnseen(unseen));
+  }
+  if (const QString text = InOneLine(hidden); !text.isEmpty()) texts.append(WithText(tr("Hidden text"), text));
   return texts.join(u'\n');
 }
 
-RtfTraceTexts::Band RtfTraceTexts::BandOf(const rtf::RtfDocument& document, std::string_view word,
-                                          const QString& name) {
+QStringList RtfTraceTexts::OnPages(UnseenKind kind) {
   QStringList texts;
-  rtf::Tokenizer tokens(document.kept_section);
-  rtf::Token token;
-  bool is_there = false;
-  for (tokens.Next(token); token.kind != rtf::TokenKind::End; tokens.Next(token)) {
-    if (token.kind != rtf::TokenKind::GroupStart) continue;
-    std::string group;
-    tokens.TakeGroup(token.begin, &group);
-    if (group.find(word) == std::string::npos) continue;
-    is_there = true;
-    const QString text = DisplayText(rtf::TextOfGroup(group, document.ansi_code_page, BytesToUtf8)).simplified();
-    if (!text.isEmpty() && !texts.contains(text)) texts.append(text);
+  for (const rtf::Unseen& unseen : rtf::UnseenIn(store_.document.kept_section, texts_)) {
+    if (unseen.kind != kind) continue;
+    if (const QString mark = tr("Watermark: %1").arg(InOneLine(unseen.watermark));
+        !unseen.watermark.empty() && !texts.contains(mark))
+      texts.prepend(mark);
+    const QString text = WithText(PagesOf(unseen), InOneLine(unseen.text));
+    if (!texts.contains(text)) texts.append(text);
   }
-  if (!is_there) return {};
-  const QString text = texts.isEmpty() ? name : tr("%1: %2").arg(name, texts.join(u" | "_s));
-  return {text, text};
+  return texts;
 }
 
-RtfTraceTexts::Band RtfTraceTexts::Top(const rtf::RtfDocument& document) {
-  Band band = BandOf(document, "\\header", tr("Header"));
-  for (const char* word : {"\\pgbrdrt", "\\pgbrdrb", "\\pgbrdrl", "\\pgbrdrr"}) {
-    if (!HasWord(document.document_controls, word)) continue;
-    const QString borders = tr("The pages have borders");
-    band.text = band.text.isEmpty() ? borders : band.text + u" – "_s + borders;
-    break;
+RtfTraceTexts::Band RtfTraceTexts::BandOf(const QStringList& texts) {
+  if (texts.isEmpty()) return {};
+  return {texts.join(u" \u2013 "_s), texts.join(u'\n') + u'\n' + tr("Kept when the document is saved")};
+}
+
+RtfTraceTexts::Band RtfTraceTexts::Top() {
+  QStringList texts = OnPages(UnseenKind::Header);
+  constexpr std::string_view kBorders[] = {"\\pgbrdrt", "\\pgbrdrb", "\\pgbrdrl", "\\pgbrdrr"};
+  if (std::ranges::any_of(kBorders, [&](auto word) { return HasWord(store_.document.document_controls, word); }))
+    texts.prepend(tr("The pages have borders"));
+  return BandOf(texts);
+}
+
+RtfTraceTexts::Band RtfTraceTexts::Bottom() { return BandOf(OnPages(UnseenKind::Footer)); }
+
+QString RtfTraceTexts::OfRevision(const rtf::Revision& revision) {
+  if (!authors_) authors_ = rtf::AuthorsOf(store_.document, texts_);
+  QString what;
+  switch (revision.kind) {
+    case RevisionKind::Inserted:
+      what = tr("Tracked change: inserted");
+      break;
+    case RevisionKind::Deleted:
+      what = tr("Tracked change: deleted");
+      break;
+    case RevisionKind::MovedFrom:
+      what = tr("Tracked change: moved away from here");
+      break;
+    case RevisionKind::MovedTo:
+      what = tr("Tracked change: moved here");
+      break;
+    case RevisionKind::Format:
+      what = tr("Tracked change: another format");
+      break;
   }
-  band.tip = tr("%1. Saving keeps it.").arg(band.text);
-  return band;
+  const auto author = static_cast<std::size_t>(revision.author);
+  const bool is_named = revision.author >= 0 && author < authors_->size() && (*authors_)[author] != kNobody;
+  const QString who = ByWhom(is_named ? InOneLine((*authors_)[author]) : QString(), revision.time);
+  return who.isEmpty() ? what : tr("%1 (%2)").arg(what, who);
 }
 
-RtfTraceTexts::Band RtfTraceTexts::Bottom(const rtf::RtfDocument& document) {
-  Band band = BandOf(document, "\\footer", tr("Footer"));
-  band.tip = tr("%1. Saving keeps it.").arg(band.text);
-  return band;
-}
-
-RtfRevision RtfTraceTexts::RevisionOf(const rtf::RtfDocument& document, int number) {
-  if (number <= 0) return RtfRevision::None;
-  const rtf::CharFormat& format = document.char_formats[static_cast<std::size_t>(number) - 1];
-  const std::string* words = rtf::EntryOf(document.extras, format.extra);
-  if (!words) return RtfRevision::None;
-  if (HasWord(*words, "\\deleted")) return RtfRevision::Deleted;
-  return HasWord(*words, "\\revised") ? RtfRevision::Inserted : RtfRevision::None;
-}
-
-QString RtfTraceTexts::OfRevision(RtfRevision revision) {
-  return revision == RtfRevision::Deleted ? tr("Tracked change: deleted") : tr("Tracked change: inserted");
+RtfTraceTexts::Revision RtfTraceTexts::OfFormat(int number) {
+  const rtf::CharFormat* format = rtf::EntryOf(store_.document.char_formats, static_cast<std::uint32_t>(number));
+  const std::string* words = format ? rtf::EntryOf(store_.document.extras, format->extra) : nullptr;
+  if (!words) return {};
+  Revision shown;
+  QStringList tips;
+  for (const rtf::Revision& revision : rtf::RevisionsIn(*words)) {
+    tips.append(OfRevision(revision));
+    const bool is_gone = revision.kind == RevisionKind::Deleted || revision.kind == RevisionKind::MovedFrom;
+    const bool is_new = revision.kind == RevisionKind::Inserted || revision.kind == RevisionKind::MovedTo;
+    const Mark mark = is_gone ? Mark::Deleted : is_new ? Mark::Inserted : Mark::Changed;
+    // What went is more than what came, and that is more than a format.
+    if (mark == Mark::Deleted || shown.mark == Mark::None || (mark == Mark::Inserted && shown.mark == Mark::Changed))
+      shown.mark = mark;
+  }
+  shown.tip = tips.join(u'\n');
+  return shown;
 }
 
 }  // namespace tme

@@ -31,8 +31,19 @@ constexpr double kLinesOfAscent = 12, kStrikeHeight = 0.65;
 constexpr double kChangeBarLeft = 3;
 constexpr double kChangeBarWidth = 2;
 // On white, as the page is on every desktop.
-const QColor kInsertedColor(0x0B, 0x6E, 0x4F), kDeletedColor(0xB0, 0x1E, 0x1E), kFlagColor(0xC2, 0x6A, 0x00);
+const QColor kInsertedColor(0x0B, 0x6E, 0x4F), kDeletedColor(0xB0, 0x1E, 0x1E), kChangedColor(0x1F, 0x5F, 0xA8),
+    kFlagColor(0xC2, 0x6A, 0x00);
 const QColor kBandFill(0xF3, 0xF5, 0xF7), kBandBorder(0xC5, 0xCC, 0xD3), kBandText(0x3A, 0x44, 0x4E);
+
+using rtf::ListStyle;
+using Mark = RtfTraceTexts::Mark;
+
+/// Stands at a paragraph's end that was tracked.
+constexpr QChar kPilcrow = u'\u00B6';
+
+const QColor& ColorOf(Mark mark) {
+  return mark == Mark::Inserted ? kInsertedColor : mark == Mark::Deleted ? kDeletedColor : kChangedColor;
+}
 
 double ResolutionOf(const QTextDocument& document) {
   const QPaintDevice* device = document.documentLayout()->paintDevice();
@@ -67,11 +78,18 @@ void RtfTraces::Reset(const RtfStore& store) {
   formats_.clear();
   revisions_.clear();
   attached_texts_.clear();
-  counters_.assign(1, {});
-  has_lists_ = std::ranges::any_of(store.document.paragraph_formats,
+  texts_.emplace(store);
+  ReadLists();
+  counters_.assign(1, rtf::RtfNumbering(&lists_));
+  top_ = texts_->Top();
+  bottom_ = texts_->Bottom();
+}
+
+void RtfTraces::ReadLists() {
+  lists_.ReadHeader(store_->document.kept_header);
+  header_read_ = store_->document.kept_header.size();
+  has_lists_ = std::ranges::any_of(store_->document.paragraph_formats,
                                    [](const auto& format) { return format.list != rtf::ListKind::None; });
-  top_ = RtfTraceTexts::Top(store.document);
-  bottom_ = RtfTraceTexts::Bottom(store.document);
 }
 
 void RtfTraces::MakeRoom(QTextDocument& document) const {
@@ -83,9 +101,8 @@ void RtfTraces::MakeRoom(QTextDocument& document) const {
 }
 
 void RtfTraces::NoteEdit(int block) {
-  // A pasted part may bring the first list.
-  has_lists_ = has_lists_ || std::ranges::any_of(store_->document.paragraph_formats,
-                                                 [](const auto& format) { return format.list != rtf::ListKind::None; });
+  // A pasted part may bring the first list, and lists of its own.
+  if (!has_lists_ || header_read_ != store_->document.kept_header.size()) ReadLists();
   const auto kept = static_cast<std::size_t>(block / kBlocksOfCounter) + 1;
   if (counters_.size() > kept) counters_.resize(kept);
 }
@@ -123,10 +140,10 @@ rtf::RtfNumbering RtfTraces::CounterBefore(const QTextDocument& document, const 
 void RtfTraces::Draw(QPainter& painter, const QTextDocument& document, const QRectF& clip, Medium medium) {
   if (!store_) return;
   clip_ = clip;
-  std::erase_if(marks_, [&clip](const Mark& mark) { return mark.place.intersects(clip); });
+  std::erase_if(marks_, [&clip](const Spot& mark) { return mark.place.intersects(clip); });
   painter.save();
   const auto [first, last] = BlocksIn(document, clip);
-  rtf::RtfNumbering counter = has_lists_ ? CounterBefore(document, first) : rtf::RtfNumbering();
+  rtf::RtfNumbering counter = has_lists_ ? CounterBefore(document, first) : rtf::RtfNumbering(&lists_);
   for (QTextBlock block = first; block.isValid(); block = block.next()) {
     const QString number = has_lists_ ? NumberOf(block, counter) : QString();
     const QPointF origin = document.documentLayout()->blockBoundingRect(block).topLeft();
@@ -154,9 +171,13 @@ void RtfTraces::DrawNumber(QPainter& painter, const QTextBlock& block, const QPo
   const QRectF text = line.naturalTextRect().translated(origin);
   const double width = metrics.horizontalAdvance(number), gap = metrics.horizontalAdvance(u' ');
   const auto& paragraph = store_->document.paragraph_formats[static_cast<std::size_t>(FormatOf(block))];
-  // Where the paragraph's first line hangs out, it begins there; else it ends at the text.
+  const ListStyle::Side side =
+      paragraph.list_id == 0 ? ListStyle::Side::Left : lists_.Find(paragraph.list_id, paragraph.list_level).side;
+  // Where the paragraph's first line hangs out, it stands there by the side that the list says; else it ends at the
+  // text.
   const double hanging = std::max(-paragraph.first_line * ResolutionOf(document) / kTwipsPerInch, 0.0);
-  const double room = width + gap <= hanging ? hanging : width + gap;
+  const double before = side == ListStyle::Side::Left ? 0 : side == ListStyle::Side::Middle ? width / 2 : width;
+  const double room = width - before + gap <= hanging ? hanging + before : width + gap;
   const bool is_rtl = block.textDirection() == Qt::RightToLeft;
   painter.setFont(font);
   painter.setPen(format.foreground().style() == Qt::NoBrush ? QColor(Qt::black) : format.foreground().color());
@@ -165,33 +186,41 @@ void RtfTraces::DrawNumber(QPainter& painter, const QTextBlock& block, const QPo
       number);
 }
 
-RtfTraces::Revision RtfTraces::RevisionOf(int index, const QTextCharFormat& format) {
+const RtfTraces::Revision& RtfTraces::RevisionOf(int index, const QTextCharFormat& format) {
   const auto at = static_cast<std::size_t>(index);
   if (revisions_.size() <= at) revisions_.resize(at + 1);
-  Revision& known = revisions_[at];
-  if (known == Revision::Unknown) known = RtfTraceTexts::RevisionOf(store_->document, format.intProperty(kCharFormat));
-  return known;
+  std::optional<Revision>& known = revisions_[at];
+  if (!known) known = texts_->OfFormat(format.intProperty(kCharFormat));
+  return *known;
 }
 
 void RtfTraces::DrawRuns(QPainter& painter, const QTextBlock& block, const QPointF& origin, Medium medium) {
   const bool flags = medium == Medium::Screen && !store_->attached.empty();
+  int before = 0;
   for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
     const QTextFragment run = it.fragment();
     const QTextCharFormat format = run.charFormat();
-    if (const Revision revision = RevisionOf(run.charFormatIndex(), format); revision != Revision::None)
+    if (const Revision& revision = RevisionOf(run.charFormatIndex(), format); revision.mark != Mark::None)
       DrawRevision(painter, block, origin, run, revision);
-    if (flags) DrawFlag(painter, block, origin, run.position(), format.intProperty(kAttached));
+    const int attached = format.intProperty(kAttached);
+    // Text that was split names the same as the text before.
+    if (flags && attached != before) DrawFlag(painter, block, origin, run.position(), attached);
+    before = attached;
   }
+  DrawRevisedEnd(painter, block, origin);
   if (flags)
     DrawFlag(painter, block, origin, block.position() + block.length() - 1, block.blockFormat().intProperty(kAttached));
 }
 
-/// A line under or through the text, and a bar at the edge of the page.
+void RtfTraces::DrawChangeBar(QPainter& painter, double top, double height, RtfTraceTexts::Mark mark) {
+  painter.fillRect(QRectF(kChangeBarLeft, top, kChangeBarWidth, height), ColorOf(mark));
+}
+
+/// A line under or through the text, none for a change of its format, and a bar at the edge of the page.
 void RtfTraces::DrawRevision(QPainter& painter, const QTextBlock& block, const QPointF& origin,
-                             const QTextFragment& run, Revision revision) {
+                             const QTextFragment& run, const Revision& revision) {
   const int begin = run.position() - block.position(), end = begin + run.length();
   const QTextLayout& layout = *block.layout();
-  const QColor color = revision == Revision::Inserted ? kInsertedColor : kDeletedColor;
   for (int number = 0; number < layout.lineCount(); ++number) {
     const QTextLine line = layout.lineAt(number);
     const int from = std::max(begin, line.textStart()), to = std::min(end, line.textStart() + line.textLength());
@@ -200,13 +229,31 @@ void RtfTraces::DrawRevision(QPainter& painter, const QTextBlock& block, const Q
     const double left = origin.x() + line.cursorToX(from), right = origin.x() + line.cursorToX(to);
     const double weight = std::max(1.0, line.ascent() / kLinesOfAscent);
     const double under = top + line.ascent() + 2 * weight, through = top + line.ascent() * kStrikeHeight;
-    const double y = revision == Revision::Inserted ? under : through;
-    painter.setPen(QPen(color, weight));
-    painter.drawLine(QPointF(left, y), QPointF(right, y));
-    painter.fillRect(QRectF(kChangeBarLeft, top, kChangeBarWidth, line.height()), color);
-    AddMark(QRectF(QPointF(left, top), QPointF(right, top + line.height())).normalized(),
-            RtfTraceTexts::OfRevision(revision));
+    const double y = revision.mark == Mark::Inserted ? under : through;
+    painter.setPen(QPen(ColorOf(revision.mark), weight));
+    if (revision.mark != Mark::Changed) painter.drawLine(QPointF(left, y), QPointF(right, y));
+    DrawChangeBar(painter, top, line.height(), revision.mark);
+    AddMark(QRectF(QPointF(left, top), QPointF(right, top + line.height())).normalized(), revision.tip);
   }
+}
+
+void RtfTraces::DrawRevisedEnd(QPainter& painter, const QTextBlock& block, const QPointF& origin) {
+  // The document's last paragraph has no end that could go, and the first one of a cell has its own elsewhere.
+  if (!block.next().isValid() || block.blockFormat().hasProperty(kMarkFormat)) return;
+  const Revision& revision = RevisionOf(block.charFormatIndex(), block.charFormat());
+  if (revision.mark != Mark::Inserted && revision.mark != Mark::Deleted) return;
+  const QTextLine line = block.layout()->lineAt(block.layout()->lineCount() - 1);
+  const QRectF text = line.naturalTextRect().translated(origin);
+  const bool is_rtl = block.textDirection() == Qt::RightToLeft;
+  const QFont font(block.charFormat().font(), block.document()->documentLayout()->paintDevice());
+  const double width = QFontMetricsF(font).horizontalAdvance(kPilcrow);
+  const double left = is_rtl ? text.left() - width : text.right();
+  const double top = origin.y() + line.y();
+  painter.setFont(font);
+  painter.setPen(ColorOf(revision.mark));
+  painter.drawText(QPointF(left, top + line.ascent()), QString(kPilcrow));
+  DrawChangeBar(painter, top, line.height(), revision.mark);
+  AddMark({left, top, width, line.height()}, revision.tip);
 }
 
 void RtfTraces::DrawFlag(QPainter& painter, const QTextBlock& block, const QPointF& origin, int position,
@@ -226,7 +273,7 @@ void RtfTraces::DrawFlag(QPainter& painter, const QTextBlock& block, const QPoin
 const QString& RtfTraces::AttachedText(int attached) {
   const auto at = static_cast<std::size_t>(attached) - 1;
   if (attached_texts_.size() <= at) attached_texts_.resize(at + 1);
-  if (!attached_texts_[at]) attached_texts_[at] = RtfTraceTexts::OfAttached(*store_, store_->attached[at]);
+  if (!attached_texts_[at]) attached_texts_[at] = texts_->OfAttached(store_->attached[at]);
   return *attached_texts_[at];
 }
 
@@ -238,8 +285,10 @@ void RtfTraces::DrawBands(QPainter& painter, const QTextDocument& document, doub
   const QFontMetricsF metrics(font);
   for (const auto& [band, top] : {std::pair(&top_, edge), std::pair(&bottom_, text_end + edge)}) {
     if (band->text.isEmpty()) continue;
-    const double width = std::min(metrics.horizontalAdvance(band->text), metrics.height() * kMaxBandEms);
-    const QRectF place(document.documentMargin() * scale, top, width + metrics.height(), room - edge);
+    const double left = document.documentMargin() * scale, padding = metrics.height();
+    double width = std::min(metrics.horizontalAdvance(band->text), padding * kMaxBandEms);
+    if (document.textWidth() > 0) width = std::clamp(document.textWidth() - 2 * left - padding, 0.0, width);
+    const QRectF place(left, top, width + padding, room - edge);
     if (!place.intersects(clip_)) continue;
     painter.setFont(font);
     painter.setPen(kBandBorder);
@@ -257,7 +306,7 @@ void RtfTraces::AddMark(const QRectF& place, const QString& tip) {
 
 QString RtfTraces::TipAt(const QPointF& point) const {
   const auto found =
-      std::find_if(marks_.rbegin(), marks_.rend(), [&point](const Mark& mark) { return mark.place.contains(point); });
+      std::find_if(marks_.rbegin(), marks_.rend(), [&point](const Spot& mark) { return mark.place.contains(point); });
   return found == marks_.rend() ? QString() : found->tip;
 }
 

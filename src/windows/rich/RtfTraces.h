@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "documents/rtf/RtfLists.h"
 #include "documents/rtf/RtfNumbering.h"
 #include "windows/rich/RtfStore.h"
 #include "windows/rich/RtfTraceTexts.h"
@@ -38,26 +39,31 @@ class RtfTraces {
   bool HasLists() const { return has_lists_; }
 
  private:
-  struct Mark {
+  struct Spot {
     QRectF place;
     QString tip;
   };
-  using Revision = RtfRevision;
+  using Revision = RtfTraceTexts::Revision;
   /// Of the store's paragraph formats; kNoParagraph for a block that begins none.
   int FormatOf(const QTextBlock& block);
   /// What stands before a block, which is counted.
   QString NumberOf(const QTextBlock& block, rtf::RtfNumbering& counter);
+  void ReadLists();
   /// Counts up to a block.
   rtf::RtfNumbering CounterBefore(const QTextDocument& document, const QTextBlock& block);
   void DrawNumber(QPainter& painter, const QTextBlock& block, const QPointF& origin, const QString& number);
   void DrawRuns(QPainter& painter, const QTextBlock& block, const QPointF& origin, Medium medium);
   void DrawRevision(QPainter& painter, const QTextBlock& block, const QPointF& origin, const QTextFragment& run,
-                    Revision revision);
+                    const Revision& revision);
+  /// A tracked end of a paragraph.
+  void DrawRevisedEnd(QPainter& painter, const QTextBlock& block, const QPointF& origin);
+  void DrawChangeBar(QPainter& painter, double top, double height, RtfTraceTexts::Mark mark);
   void DrawFlag(QPainter& painter, const QTextBlock& block, const QPointF& origin, int position, int attached);
   /// text_end: where the lower band stands; below the clip, where it is out of sight.
   void DrawBands(QPainter& painter, const QTextDocument& document, double text_end);
   const QString& AttachedText(int attached);
-  Revision RevisionOf(int index, const QTextCharFormat& format);
+  /// index: of the format.
+  const Revision& RevisionOf(int index, const QTextCharFormat& format);
   void AddMark(const QRectF& place, const QString& tip);
 
   static constexpr int kUnknown = -2, kNoParagraph = -1;
@@ -66,9 +72,12 @@ class RtfTraces {
   bool has_lists_ = false;
   RtfTraceTexts::Band top_, bottom_;
   QRectF clip_;  ///< while it draws
-  std::vector<Mark> marks_;
-  std::vector<int> formats_;         ///< FormatOf by the index of a block's format, where it is known
-  std::vector<Revision> revisions_;  ///< by the index of a character's format
+  std::vector<Spot> marks_;
+  std::vector<int> formats_;  ///< FormatOf by the index of a block's format, where it is known
+  std::optional<RtfTraceTexts> texts_;
+  rtf::ListTables lists_;
+  std::size_t header_read_ = 0;                     ///< its size when lists_ were read from it
+  std::vector<std::optional<Revision>> revisions_;  ///< by the index of a character's format
   std::vector<std::optional<QString>> attached_texts_;
   std::vector<rtf::RtfNumbering> counters_;  ///< before each block whose number is a multiple of kBlocksOfCounter
 };

@@ -54,6 +54,7 @@ void form_RTF::BuildControls(QWidget& client) {
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::TextChanged);
   connect(pad, &QTextEdit::textChanged, this, &form_RTF::StateChanged);
   connect(pad, &QTextEdit::selectionChanged, this, &form_RTF::StateChanged);
+  connect(pad, &QTextEdit::cursorPositionChanged, this, &form_RTF::StateChanged);
   connect(pad, &RtfPad::PasteRequested, this, &form_RTF::Paste);
   connect(pad, &QTextEdit::undoAvailable, this, &form_RTF::ShowUndoState);
   connect(pad, &QTextEdit::redoAvailable, this, &form_RTF::ShowUndoState);
@@ -270,6 +271,7 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
 void form_RTF::AddState(DocumentState& state) const {
   state.encoding.reset();  // of the file, not of the text
   state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
+  state.path = pad->LinkAtCaret();
   state.selected_characters = pad->SelectionEnd() - pad->SelectionStart();
 }
 
@@ -277,6 +279,7 @@ std::string form_RTF::Content() { return DocumentFile::BytesOf(nullptr, Producer
 
 void form_RTF::PutContent(std::string bytes, Holding /*holding*/) {
   rtf::RtfDocument read = rtf::ReadRtf(bytes, BytesToUtf8);
+  AddActiveNotice(bytes);
   AddLossNotice(read.losses);
   AddSimplifiedNotice(*pad->SetRtf(std::move(read)));
   pad->SetBulletIndent(kBulletIndent);
