@@ -271,7 +271,7 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
 void form_RTF::AddState(DocumentState& state) const {
   state.encoding.reset();  // of the file, not of the text
   state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
-  state.path = pad->LinkAtCaret();
+  if (QString link = pad->LinkAtCaret(); !link.isEmpty()) state.path = std::move(link);
   state.selected_characters = pad->SelectionEnd() - pad->SelectionStart();
 }
 
