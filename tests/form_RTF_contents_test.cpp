@@ -69,9 +69,9 @@ TEST(RtfPartText, SaysWhatIsDangerousFirstAndHidesNoName) {
     QString said;
   } cases[] = {
       {{.kind = rtf::PartKind::Object, .name = "Equation.3", .declared_class = "Word.Document.8"},
-       u"Embedded object under another name: Equation.3, called Word.Document.8"_s},
+       u"Embedded object: Equation.3, called Word.Document.8"_s},
       {{.kind = rtf::PartKind::Object, .name = "htmlfile", .is_linked = true, .is_updated = true},
-       u"Run when the file opens: linked object: htmlfile"_s},
+       u"Run when opened: linked object: htmlfile"_s},
       {{.kind = rtf::PartKind::ActiveField, .name = "DDEAUTO"},
        u"DDEAUTO: starts another program when the file opens"_s},
       {{.kind = rtf::PartKind::Unshown, .name = "themedata", .count = 2}, u"Theme \u2013 themedata (2 times)"_s},

@@ -15,6 +15,8 @@ constexpr auto kWords = std::to_array<ContentsWordEntry>({
     {"atnauthor", W::Skip},
     {"atndate", W::Skip},
     {"atnid", W::Skip},
+    {"atnparent", W::Skip},
+    {"atnref", W::Skip},
     {"atrfend", W::Skip},
     {"atrfstart", W::Skip},
     {"bkmkend", W::Skip},

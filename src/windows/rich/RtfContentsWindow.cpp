@@ -25,8 +25,9 @@ namespace {
 
 enum Column : std::uint8_t { kWhat, kWhere, kSize };
 // Characters of the window's font.
-constexpr int kLeastWhatWidth = 40, kMostWhatWidth = 80, kWindowWidth = 150, kLines = 30, kDetailLines = 4;
-constexpr double kShareOfScreen = 0.9;
+constexpr int kLeastWhatWidth = 40, kWindowWidth = 170, kLines = 34, kDetailLines = 4;
+constexpr double kShareOfScreen = 0.9, kMostWhatShare = 0.6;
+constexpr int kMeaningRole = Qt::UserRole;
 
 }  // namespace
 
@@ -88,7 +89,8 @@ void RtfContentsWindow::AddParts(const rtf::Contents& contents) {
   const rtf::Part* before = nullptr;
   for (const rtf::Part& part : contents.parts) {
     if (before == nullptr || before->kind != part.kind)
-      heading = AddHeading(RtfPartText::Heading(part.kind), contents.totals[static_cast<std::size_t>(part.kind)]);
+      heading = AddHeading(RtfPartText::Heading(part.kind), contents.totals[static_cast<std::size_t>(part.kind)],
+                           RtfPartText::Meaning(part.kind));
     AddRow(*heading, RtfPartText::What(part), RtfPartText::Where(part), RtfPartText::Size(part));
     before = &part;
   }
@@ -117,10 +119,11 @@ void RtfContentsWindow::AddCounts(const rtf::Contents& contents) {
   }
 }
 
-QTreeWidgetItem* RtfContentsWindow::AddHeading(const QString& text, std::uint64_t count) {
+QTreeWidgetItem* RtfContentsWindow::AddHeading(const QString& text, std::uint64_t count, const QString& meaning) {
   const QString number = QLocale().toString(static_cast<qulonglong>(count));
   auto* heading = new QTreeWidgetItem(list_, {count > 0 ? tr("%1 (%2)").arg(text, number) : text});
   heading->setFirstColumnSpanned(true);
+  heading->setData(kWhat, kMeaningRole, meaning);
   QFont font = heading->font(kWhat);
   font.setBold(true);
   heading->setFont(kWhat, font);
@@ -142,8 +145,9 @@ void RtfContentsWindow::FitColumns() {
     list_->resizeColumnToContents(column);
     list_->setColumnWidth(column, list_->columnWidth(column) + 2 * character);
   }
-  const int what = std::clamp(list_->columnWidth(kWhat), kLeastWhatWidth * character, kMostWhatWidth * character);
-  list_->setColumnWidth(kWhat, what);
+  const int most = static_cast<int>(width() * kMostWhatShare);
+  list_->setColumnWidth(kWhat,
+                        std::clamp(list_->columnWidth(kWhat), std::min(kLeastWhatWidth * character, most), most));
   list_->header()->setSectionResizeMode(kWhere, QHeaderView::Stretch);
 }
 
@@ -162,6 +166,8 @@ void RtfContentsWindow::ShowDetails() {
   const QTreeWidgetItem* row = list_->currentItem();
   for (const int column : {kWhat, kWhere, kSize})
     if (row && !row->text(column).isEmpty()) texts.append(row->text(column));
+  if (row && !row->data(kWhat, kMeaningRole).toString().isEmpty())
+    texts.append(row->data(kWhat, kMeaningRole).toString());
   details_->setPlainText(texts.join(u'\n'));
 }
 

@@ -30,7 +30,8 @@ class RtfContentsWindow : public QDialog {
   void BuildControls(const rtf::Contents& contents, const QString& title);
   void AddParts(const rtf::Contents& contents);
   void AddCounts(const rtf::Contents& contents);
-  QTreeWidgetItem* AddHeading(const QString& text, std::uint64_t count);
+  /// meaning: stands below the list while the heading is the current row.
+  QTreeWidgetItem* AddHeading(const QString& text, std::uint64_t count, const QString& meaning = {});
   static void AddRow(QTreeWidgetItem& heading, const QString& what, const QString& where, const QString& size);
 
   static QString LineOf(const QTreeWidgetItem& row);

@@ -25,6 +25,13 @@ constexpr int kTwipsPerPixel = 15;
 constexpr double kMaxLabelEms = 24;
 constexpr double kPageBreakEms = 30;
 
+QStringList LinesOf(const std::string& label) {
+  QStringList lines;
+  for (const QString& line : QString::fromStdString(label).split(u'\n', Qt::SkipEmptyParts))
+    lines.append(RtfPartText::Shown(line.toStdString()));
+  return lines;
+}
+
 QBuffer& OpenedBuffer(QBuffer& buffer, const std::string& bytes) {
   buffer.setData(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
   buffer.open(QIODevice::ReadOnly);
@@ -82,11 +89,12 @@ QString RtfObjectView::LabelOf(const QTextFormat& format) const {
   if (!object) return tr("Object");
   if (object->kind == rtf::ObjectKind::Picture)
     return PictureSize(format.intProperty(kObject), *object).isEmpty() ? tr("Picture that cannot be shown") : QString();
-  if (object->label == rtf::kObjectLabel) {
-    const QString& text = PartTextOf(format.intProperty(kObject), *object);
-    if (!text.isEmpty()) return QString(text).replace(u'\n', u", "_s);
-  }
-  return object->label.empty() ? tr("Object") : QString::fromStdString(object->label);
+  const QString label = object->label.empty() ? tr("Object") : LinesOf(object->label).join(u' ');
+  if (!object->rtf.starts_with("{\\object")) return label;
+  // What it is comes before what its file says that it shows.
+  const QString text = QString(PartTextOf(format.intProperty(kObject), *object)).replace(u'\n', u", "_s);
+  if (text.isEmpty()) return label;
+  return object->label == rtf::kObjectLabel ? text : text + u" \u2013 "_s + label;
 }
 
 const QString& RtfObjectView::PartTextOf(int number, const rtf::Object& object) const {
@@ -108,8 +116,8 @@ QString RtfObjectView::TipOf(const QTextFormat& format) const {
                        : is_note    ? tr("Footnote")
                        : is_formula ? tr("Formula")
                                     : PartTextOf(format.intProperty(kObject), *object);
-  const bool says_more = !label.isEmpty() && object->label != rtf::kObjectLabel;
-  return says_more && !what.isEmpty() ? what + u'\n' + label : what.isEmpty() ? label : what;
+  const bool says_more = !what.isEmpty() && !object->label.empty() && object->label != rtf::kObjectLabel;
+  return says_more ? what + u'\n' + LinesOf(object->label).join(u'\n') : what.isEmpty() ? label : what;
 }
 
 QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {

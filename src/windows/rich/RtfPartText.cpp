@@ -54,12 +54,10 @@ bool RtfPartText::IsOtherAddress(const QString& text, const QString& target) {
 
 /// What is dangerous comes first.
 QString RtfPartText::OfObject(const Part& part) {
-  QString kind = part.is_linked ? tr("Linked object") : tr("Embedded object");
-  if (part.is_updated) kind = tr("Run when the file opens: %1").arg(kind.toLower());
-  const QString name = Shown(part.name), declared = Shown(part.declared_class);
-  if (!declared.isEmpty()) kind = tr("%1 under another name").arg(kind);
-  if (!name.isEmpty()) kind += u": "_s + name;
-  return declared.isEmpty() ? kind : tr("%1, called %2").arg(kind, declared);
+  QString text = part.is_linked ? tr("Linked object") : tr("Embedded object");
+  if (part.is_updated) text = tr("Run when opened: %1").arg(text.toLower());
+  if (!part.name.empty()) text += u": "_s + Shown(part.name);
+  return part.declared_class.empty() ? text : tr("%1, called %2").arg(text, Shown(part.declared_class));
 }
 
 QString RtfPartText::OfField(const QString& word) {
@@ -168,9 +166,38 @@ QString RtfPartText::Size(const Part& part) {
 
 QString RtfPartText::Tip(const Part& part) {
   QStringList texts{What(part)};
-  for (const QString& text : {Where(part), Size(part)})
+  for (const QString& text : {Size(part), Where(part)})
     if (!text.isEmpty()) texts.append(text);
   return texts.join(u"\n"_s);
+}
+
+QString RtfPartText::Meaning(PartKind kind) {
+  switch (kind) {
+    case PartKind::Object:
+      return tr(
+          "Data of other programs. A word processor hands them to that program when they are opened, and those that "
+          "are "
+          "run when opened as soon as it opens the file. Do not open them unless you trust who made the file.");
+    case PartKind::Template:
+      return tr(
+          "A document that a word processor loads when it opens this file, from the place that is named. It can bring "
+          "programs (macros) with it.");
+    case PartKind::ActiveField:
+      return tr(
+          "Places whose text a word processor works out. For these it reads another file, asks an address on the net "
+          "or starts a program.");
+    case PartKind::Reference:
+      return tr("Files and data bases elsewhere that other programs read when they open this file.");
+    case PartKind::Link:
+      return tr(
+          "Addresses that open in other programs when the link is clicked. The text of a link may show another "
+          "address.");
+    case PartKind::Picture:
+      return tr("Pictures that stand in the file itself.");
+    case PartKind::Unshown:
+      break;
+  }
+  return tr("Parts that this editor does not show. They stay in the file as they are.");
 }
 
 QString RtfPartText::Heading(PartKind kind) {

@@ -27,6 +27,8 @@ class RtfPartText {
   static QString Tip(const rtf::Part& part);
   /// The heading of all parts of a kind.
   static QString Heading(rtf::PartKind kind);
+  /// What the parts of a kind are good for, in whole sentences.
+  static QString Meaning(rtf::PartKind kind);
 
  private:
   static QString OfObject(const rtf::Part& part);

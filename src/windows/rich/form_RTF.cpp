@@ -24,6 +24,7 @@
 #include "system/CommonDialog.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfPartText.h"
 #include "windows/text/PadKeys.h"
 
 using namespace Qt::StringLiterals;
@@ -271,7 +272,7 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
 void form_RTF::AddState(DocumentState& state) const {
   state.encoding.reset();  // of the file, not of the text
   state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
-  if (QString link = pad->LinkAtCaret(); !link.isEmpty()) state.path = std::move(link);
+  if (const QString link = RtfPartText::Shown(pad->LinkAtCaret().toStdString()); !link.isEmpty()) state.path = link;
   state.selected_characters = pad->SelectionEnd() - pad->SelectionStart();
 }
 
