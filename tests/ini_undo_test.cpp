@@ -9,6 +9,9 @@
 #include <vector>
 
 #include "IniTreeProbe.h"
+#include "WrittenChangeProbe.h"
+#include "documents/ini/IniWriter.h"
+#include "documents/ini/IniWrittenLines.h"
 
 namespace tme {
 namespace {
@@ -91,6 +94,7 @@ class RandomSteps {
 
   void Run(int count) {
     IniMirror mirror(tree_);
+    WrittenText written(tree_.Revision(), WriteIni(tree_));
     for (int at = 0; at < count && !testing::Test::HasFailure(); ++at) {
       if (Below(3) == 0) {
         const std::size_t position = tree_.EditPosition();
@@ -106,12 +110,17 @@ class RandomSteps {
       if (tree_.EditPosition() == states_.size()) states_.emplace_back(tree_);
       mirror.Check();
       ASSERT_EQ(IniState(tree_), states_[tree_.EditPosition()]);
+      if (holding_ == Holding::ByRules) {
+        const auto change = WrittenChangeSince(tree_, written.Revision());
+        written.Follow(change ? std::vector{*change} : std::vector<WrittenChange>(), tree_.Revision(), WriteIni(tree_));
+      }
       if (holding_ == Holding::Whole && Below(4) == 0) Rearrange();
     }
     largest = std::max(largest, states_.size());
+    followed = written.Followed();
   }
 
-  std::size_t largest = 0;
+  std::size_t largest = 0, followed = 0;
 
  private:
   std::size_t Below(std::size_t count) { return random_() % count; }
@@ -198,13 +207,15 @@ class RandomSteps {
 };
 
 TEST(IniUndo, AnyEditsComeBackInBothHoldings) {
-  std::size_t largest = 0;
+  std::size_t largest = 0, followed = 0;
   for (unsigned seed = 0; seed < 40 && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     RandomSteps steps(seed % 2 == 0 ? Holding::Whole : Holding::ByRules, seed);
     steps.Run(150);
     largest = std::max(largest, steps.largest);
+    followed += steps.followed;
   }
+  EXPECT_GT(followed, 500U);
   EXPECT_GT(largest, 20U) << "too little to be a test";
 }
 

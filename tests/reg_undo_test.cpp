@@ -7,9 +7,11 @@
 #include <random>
 
 #include "RegProbe.h"
+#include "WrittenChangeProbe.h"
 #include "documents/reg/RegAsShown.h"
 #include "documents/reg/RegWholeReader.h"
 #include "documents/reg/RegWholeWriter.h"
+#include "documents/reg/RegWrittenLines.h"
 #include "files/CodePage.h"
 
 namespace tme {
@@ -188,10 +190,13 @@ TEST(RegUndo, EditsOfWholeDocuments) {
 /// Edits at random places, undo and redo, and comments that are shown and hidden in between.
 class RandomEdits {
  public:
-  RandomEdits(RegDocument& document, unsigned seed) : document_(document), mirror_(document), random_(seed) {
+  RandomEdits(RegDocument& document, unsigned seed)
+      : document_(document), mirror_(document), random_(seed), written_(document.Revision(), Regular()) {
     states_.push_back(UndoState(document));
   }
 
+  /// Steps whose lines were known.
+  std::size_t Followed() const { return written_.Followed(); }
   void Run() {
     for (int i = 0; i < 120; ++i) {
       const bool is_whole = document_.HeldAs() == Holding::Whole;
@@ -217,8 +222,8 @@ class RandomEdits {
 
   void GoTo(std::size_t position) {
     if (position == document_.EditPosition()) return;
-    while (document_.EditPosition() > position) document_.Undo();
-    while (document_.EditPosition() < position) document_.Redo();
+    for (; document_.EditPosition() > position; FollowWritten()) document_.Undo();
+    for (; document_.EditPosition() < position; FollowWritten()) document_.Redo();
     // Steps select what was selected when they were made; what is selected in between is no part of them.
     EXPECT_EQ(WithoutSelection(UndoState(document_)), WithoutSelection(states_[position]));
     mirror_.Check();
@@ -242,6 +247,16 @@ class RandomEdits {
     }
     states_.resize(position + 1);
     states_.push_back(UndoState(document_));
+    FollowWritten();
+  }
+
+  void FollowWritten() {
+    if (document_.HeldAs() == Holding::Whole) return;
+    const RegWrittenLines lines(document_);
+    written_.Follow(lines.ChangesSince(written_.Revision()), document_.Revision(), Regular());
+  }
+  std::string Regular() const {
+    return document_.HeldAs() == Holding::Whole ? "" : Written(document_, RegLayout::Regular);
   }
 
   RegNode* AnyNode() {
@@ -350,11 +365,13 @@ class RandomEdits {
   RegDocument& document_;
   RegMirror mirror_;
   std::minstd_rand random_;
+  WrittenText written_;
   /// By position.
   std::vector<std::string> states_;
 };
 
 TEST(RegUndo, RandomEdits) {
+  std::size_t followed = 0;
   for (unsigned seed = 1; seed <= 200 && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     RegDocument document("Title");
@@ -362,8 +379,11 @@ TEST(RegUndo, RandomEdits) {
       ReadReg(document, "REGEDIT4|[$/a]|'v'='1'|'w'=dword:2|[$/a/b]|'v'=hex:3|[$/c]|[$/d/b]|'x'='4'||");
     else
       ReadWholeReg(document, Reg(kUndoneText));
-    RandomEdits(document, seed).Run();
+    RandomEdits edits(document, seed);
+    edits.Run();
+    followed += edits.Followed();
   }
+  EXPECT_GT(followed, 3000U);
 }
 
 }  // namespace

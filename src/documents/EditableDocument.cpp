@@ -1,5 +1,6 @@
 #include "documents/EditableDocument.h"
 
+#include <optional>
 #include <utility>
 
 namespace tme {
@@ -22,6 +23,16 @@ void EditableDocument::Redo() {
   if (step.redo_outside) step.redo_outside();
   TellRevision();
   TellSteps();
+}
+
+std::optional<EditableDocument::TakenStep> EditableDocument::OnlyStepSince(std::uint64_t revision) const {
+  if (depth_ > 0) return std::nullopt;
+  const auto joins = [](const StepState& step, std::uint64_t before, std::uint64_t after) {
+    return step.revision_before == before && step.revision_after == after;
+  };
+  if (CanUndo() && joins(steps_[position_ - 1], revision, revision_)) return TakenStep{position_ - 1, StepWay::Done};
+  if (CanRedo() && joins(steps_[position_], revision_, revision)) return TakenStep{position_, StepWay::Undone};
+  return std::nullopt;
 }
 
 void EditableDocument::AddOutsideStep(EditName name, std::function<void()> undo, std::function<void()> redo) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -76,6 +77,15 @@ class EditableDocument {
   void Undo();
   void Redo();
 
+  /// One step, and whether it was done or undone.
+  enum class StepWay : std::uint8_t { Done, Undone };
+  struct TakenStep {
+    std::size_t number;
+    StepWay way;
+  };
+  /// The step that alone leads from the content of a revision to the present one; null where there is none such.
+  std::optional<TakenStep> OnlyStepSince(std::uint64_t revision) const;
+
   /// While it stands, the edits of a document are one step of this name. Inside of another one it does nothing. A step
   /// without a change leaves nothing.
   class Step {
@@ -147,6 +157,10 @@ class EditableDocument {
 /// proportion to it; empty when made.
 template <class Changes>
 class EditLog : public EditableDocument {
+ public:
+  /// What a step changed, until there is another one. They stand as that way left them.
+  const Changes& ChangesOf(const TakenStep& step) const { return changes_[step.number]; }
+
  protected:
   ~EditLog() = default;
 

@@ -20,21 +20,24 @@ bool PutSection(PartBuffer& out, const IniNode& section) {
   return going_on;
 }
 
-bool PutSections(PartBuffer& out, const IniNode& root) {
+bool PutSections(PartBuffer& out, const IniNode& root, int row, int end) {
   bool going_on = true;
-  for (int row = 0; row < root.ChildCount() && going_on; ++row)
+  for (; row < end && going_on; ++row)
     if (root.Child(row)->Tag() == IniTag::Section) going_on = PutSection(out, *root.Child(row)) && PutLine(out, {});
   return going_on;
 }
+
+bool PutAllSections(PartBuffer& out, const IniNode& root) { return PutSections(out, root, 0, root.ChildCount()); }
 
 bool PutTree(PartBuffer& out, const IniNode& root) {
   bool going_on = true;
   for (int row = 0; row < root.ChildCount() && going_on; ++row)
     if (root.Child(row)->Tag() == IniTag::Comments) going_on = PutLine(out, root.Child(row)->Text());
-  return going_on && PutSections(out, root);
+  return going_on && PutAllSections(out, root);
 }
 
-std::string TextOf(bool (*put)(PartBuffer& out, const IniNode& node), const IniNode& node) {
+template <typename Put>
+std::string TextOf(Put put, const IniNode& node) {
   std::string text;
   const PartSink sink = [&text](std::string_view part) {
     text += part;
@@ -49,6 +52,11 @@ std::string TextOf(bool (*put)(PartBuffer& out, const IniNode& node), const IniN
 }  // namespace
 
 std::string WriteIni(const IniTree& tree) { return TextOf(PutTree, *tree.Root()); }
+
+std::string WriteIniSections(const IniTree& tree, int row, int end) {
+  const auto put = [row, end](PartBuffer& out, const IniNode& root) { return PutSections(out, root, row, end); };
+  return TextOf(put, *tree.Root());
+}
 
 bool WriteIni(const IniTree& tree, const PartSink& sink) {
   if (tree.Holding() == Holding::Whole) return tree.WriteSource(sink);
@@ -96,7 +104,7 @@ std::string ClipboardText(const IniTree& tree, const IniNode& node) {
   std::string out;
   switch (node.Tag()) {
     case IniTag::OpenedFile:
-      out = TextOf(PutSections, node);
+      out = TextOf(PutAllSections, node);
       break;
     case IniTag::Section:
       out = TextOf(PutSection, node);

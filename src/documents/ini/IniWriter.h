@@ -16,6 +16,9 @@ std::string WriteIni(const IniTree& tree);
 /// Hands over the file in the way that the tree is held. Returns false when the sink stopped.
 bool WriteIni(const IniTree& tree, const PartSink& sink);
 
+/// What it has of the sections among some children of the root. row, end: of the first, and behind the last one.
+std::string WriteIniSections(const IniTree& tree, int row, int end);
+
 /// What the reader would make of a written file otherwise than the tree has it. Only pasting and editing lead to this,
 /// never reading a file.
 struct IniReadBack {

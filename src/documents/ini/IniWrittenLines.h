@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "documents/WrittenChange.h"
+
 namespace tme {
 
 class IniNode;
@@ -14,5 +16,7 @@ class IniTree;
 std::optional<std::uint64_t> WrittenLineOf(const IniTree& tree, const IniNode& node);
 /// The line behind a section is its own. Null behind the last one.
 IniNode* NodeAtWrittenLine(const IniTree& tree, std::uint64_t line);
+/// What one step changed since a revision; null where that is not known, or not sooner. Linear in the sections.
+std::optional<WrittenChange> WrittenChangeSince(const IniTree& tree, std::uint64_t revision);
 
 }  // namespace tme

@@ -45,6 +45,21 @@ class RegTableChanges {
     if (!is_noted) changed_.push_back({static_cast<std::uint32_t>(row), table[row]});
   }
   bool HasAny(const Table& table) const { return !changed_.empty() || table.size() > first_; }
+  /// Rows that came with the last step that was done or undone.
+  bool HasAdded(const Table& table) const { return !added_.empty() || table.size() > first_; }
+  /// visit(row): of those that were there before and changed, or are to be again.
+  template <typename Visit>
+  void ForEachChanged(Visit visit) const {
+    for (const Change& change : changed_) visit(change.row);
+  }
+  /// The same of those that came, where they are in the table.
+  template <typename Visit>
+  void ForEachAdded(const Table& table, Visit visit) const {
+    for (const Row& row : added_) visit(row);
+    for (std::size_t row = first_; row < table.size(); ++row) visit(table[row]);
+  }
+  bool HasChanged() const { return !changed_.empty(); }
+  std::size_t Count(const Table& table) const { return changed_.size() + added_.size() + table.size() - first_; }
   void Revert(Table& table) {
     for (auto& [row, other] : Reversed(changed_)) std::swap(table[row], other);
     const auto first = table.begin() + static_cast<std::ptrdiff_t>(first_);

@@ -31,6 +31,13 @@ class RegValueIndex {
     }
   }
 
+  /// Calls visit(group, number of records) for the runs of the whole table.
+  template <typename Visit>
+  void ForEachRun(Visit visit) const {
+    for (std::uint32_t run = 0; run < runs_.size(); ++run)
+      visit(runs_[run].group, std::size_t{document_.runs_[run].count});
+  }
+
   /// Calls visit(group, record) for the whole table.
   template <typename Visit>
   void ForEachRecord(Visit visit) const {

@@ -1,7 +1,5 @@
 #include "documents/reg/RegWrittenLines.h"
 
-#include <algorithm>
-
 #include "documents/reg/RegKeyWalk.h"
 #include "documents/reg/RegWriter.h"
 
@@ -16,21 +14,12 @@ std::size_t NumberOf(const RegDocument& document, const RegValueRecord& record) 
 
 RegWrittenLines::RegWrittenLines(const RegDocument& document)
     : document_(document), index_(document), counts_(index_.GroupCount()) {
-  index_.ForEachRecord([this](std::uint32_t group, const RegValueRecord&) { ++counts_[group]; });
+  index_.ForEachRun([this](std::uint32_t group, std::size_t records) { counts_[group] += records; });
 }
 
-template <typename Visit>
-void RegWrittenLines::ForEachKey(Visit visit) const {
-  const RegNode& root = *document_.Root();
-  auto line = static_cast<std::uint64_t>(std::ranges::count(kRegHeader, '\n'));
-  WalkKeys(root, [&](const RegNode& node) {
-    if (node.Tag() != RegTag::Branch || node.Text() == root.Text()) return true;
-    const std::uint32_t group = index_.GroupOf(node);
-    if (group == RegValueIndex::kNoGroup) return true;
-    if (visit(node, line, group)) return false;
-    line += counts_[group] + 2;
-    return true;
-  });
+std::uint32_t RegWrittenLines::WrittenGroup(const RegNode& node) const {
+  const bool is_left_out = node.Tag() != RegTag::Branch || node.Text() == document_.Root()->Text();
+  return is_left_out ? RegValueIndex::kNoGroup : index_.GroupOf(node);
 }
 
 std::optional<std::uint64_t> RegWrittenLines::LineOf(const RegPlace& place) const {
@@ -58,7 +47,7 @@ RegPlace RegWrittenLines::At(std::uint64_t wanted) const {
   ForEachKey([&](const RegNode& node, std::uint64_t line, std::uint32_t group) {
     if (wanted < line) return true;
     place.key = &node;
-    if (wanted >= line + counts_[group] + 2) return false;
+    if (wanted >= line + LinesOf(group)) return false;
     index_.ForEachRecord(group, [&](const RegValueRecord& record) {
       if (++line == wanted) place.record = NumberOf(document_, record);
     });

@@ -10,6 +10,13 @@ void IniSource::Listen(std::function<void()> listener) { tree_.SetRevisionListen
 
 bool IniSource::Write(const PartSink& sink) const { return WriteIni(tree_, sink); }
 
+std::vector<WrittenChange> IniSource::ChangesSince(std::uint64_t revision) const {
+  std::optional<WrittenChange> change = IsWhole() ? std::nullopt : WrittenChangeSince(tree_, revision);
+  std::vector<WrittenChange> changes;
+  if (change) changes.push_back(*std::move(change));
+  return changes;
+}
+
 std::vector<SourceLineRange> IniSource::SelectedLines(const SourceView& text) const {
   const IniNode& selected = *tree_.Selected();
   if (!IsWhole()) {

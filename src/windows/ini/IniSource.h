@@ -20,6 +20,7 @@ class IniSource : public SourceDocument, private SourceLexer {
   std::uint64_t Revision() const override { return tree_.Revision(); }
   void Listen(std::function<void()> listener) override;
   bool Write(const PartSink& sink) const override;
+  std::vector<WrittenChange> ChangesSince(std::uint64_t revision) const override;
   std::vector<SourceLineRange> SelectedLines(const SourceView& text) const override;
   void SelectLine(const SourceView& text, PadPosition line) override;
   const SourceLines* Pieces() const override;

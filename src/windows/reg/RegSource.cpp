@@ -12,9 +12,15 @@ bool RegSource::Write(const PartSink& sink) const {
 }
 
 const RegWrittenLines& RegSource::Written() const {
-  if (!written_ || written_revision_ != document_.Revision()) written_.emplace(document_);
+  const bool stays = written_ && (written_revision_ == document_.Revision() ||
+                                  RegWrittenLines::StaysSince(document_, written_revision_));
+  if (!stays) written_.emplace(document_);
   written_revision_ = document_.Revision();
   return *written_;
+}
+
+std::vector<WrittenChange> RegSource::ChangesSince(std::uint64_t revision) const {
+  return IsWhole() ? std::vector<WrittenChange>() : Written().ChangesSince(revision);
 }
 
 std::vector<SourceLineRange> RegSource::SelectedLines(const SourceView& text) const {

@@ -7,6 +7,7 @@
 
 #include "base/Parts.h"
 #include "documents/SourceLines.h"
+#include "documents/WrittenChange.h"
 #include "windows/tree/SourceView.h"
 
 namespace tme {
@@ -22,6 +23,9 @@ class SourceDocument {
   virtual void Listen(std::function<void()> listener) = 0;
   /// What a plain save writes.
   virtual bool Write(const PartSink& sink) const = 0;
+  /// What that writes otherwise than at an earlier revision, in the order of the text, where that is known; nothing
+  /// where all is to be compared. Where there are several, each has as many lines as before.
+  virtual std::vector<WrittenChange> ChangesSince(std::uint64_t /*revision*/) const { return {}; }
   /// Of what is selected. text: shows the document as it is.
   virtual std::vector<SourceLineRange> SelectedLines(const SourceView& text) const = 0;
   /// Selects what a line belongs to, if anything.

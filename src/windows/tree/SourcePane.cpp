@@ -126,7 +126,8 @@ void SourcePane::FollowNow() {
   if (revision_ != document_->Revision()) {
     // What was typed is older, or it would be a step by now.
     pause_.stop();
-    view_->Follow([this](const PartSink& put) { return document_->Write(put); });
+    if (!revision_ || !view_->Follow(document_->ChangesSince(*revision_)))
+      view_->Follow([this](const PartSink& put) { return document_->Write(put); });
     revision_ = document_->Revision();
     selected_line_.reset();
   }

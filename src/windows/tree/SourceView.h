@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/Parts.h"
+#include "documents/WrittenChange.h"
 #include "windows/text/TextPad.h"
 #include "windows/tree/SourceLexer.h"
 
@@ -27,6 +28,8 @@ class SourceView : public TextPad {
   /// Makes the text what is written, by exchanging the lines that differ. What is in sight stays there. Nothing is to
   /// be undone then.
   void Follow(const PartProducer& write);
+  /// The same from a known state. Returns false, and does nothing, where the text is not as they say.
+  bool Follow(const std::vector<WrittenChange>& changes);
   void SetEditable(bool editable);
   /// Whether the user typed since Follow or Accept.
   bool IsTyped() const { return is_typed_; }
@@ -77,6 +80,8 @@ class SourceView : public TextPad {
   std::string_view Line(PadPosition line) const { return BytesBetween(StartOf(line), EndOf(line)); }
   PadPosition EndOf(PadPosition line) const { return line + 1 < LineCount() ? StartOf(line + 1) : End(); }
   void ShowFaults(PadPosition start, PadPosition end, const std::vector<SourceFault>& faults);
+  /// Puts whole lines in the place of others, as far as they differ.
+  void Exchange(PadPosition start, PadPosition end, std::string text);
   void Replace(PadPosition start, PadPosition end, std::string_view text);
   void ApplyEditable();
   bool HandleKey(const QKeyEvent& key);

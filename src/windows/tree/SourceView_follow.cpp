@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/Reversed.h"
 #include "windows/tree/SourceView.h"
 
 namespace tme {
@@ -128,14 +129,40 @@ void SourceView::Follow(const PartProducer& write) {
     std::string text = comparison.TakeText();
     const PadPosition start = StartOf(LineAt(comparison.Start())), end = comparison.End();
     text.insert(0, BytesBetween(start, comparison.Start()));
-    const PadPosition same_end = end - static_cast<PadPosition>(SameEnd(text, BytesBetween(start, end)));
-    // Whole lines, so that no character is parted.
-    const PadPosition line = LineAt(same_end);
-    const PadPosition behind = StartOf(line) == same_end ? same_end : EndOf(line);
-    text.resize(text.size() - static_cast<std::size_t>(end - behind));
-    Replace(start, behind, text);
+    Exchange(start, end, std::move(text));
   }
   Accept();
+}
+
+bool SourceView::Follow(const std::vector<WrittenChange>& changes) {
+  const PadPosition lines = LineCount() - 1;  // the last one is empty
+  const auto fits = [&](const WrittenChange& change) {
+    const PadPosition behind = lines - static_cast<PadPosition>(change.behind);
+    std::string_view next = behind < 0 ? std::string_view() : Line(behind);
+    next.remove_suffix(LineEndOf(next).size());
+    return behind >= static_cast<PadPosition>(change.before) && next == change.next;
+  };
+  if (is_typed_ || changes.empty() || !std::ranges::all_of(changes, fits)) return false;
+  const QScopedValueRollback following(is_following_, true);
+  Mark({});
+  for (const WrittenChange& change : Reversed(changes)) {
+    const PadPosition start = StartOf(static_cast<PadPosition>(change.before));
+    const PadPosition end = StartOf(lines - static_cast<PadPosition>(change.behind));
+    const auto same = static_cast<PadPosition>(SameStart(change.lines, BytesBetween(start, end)));
+    const PadPosition first = StartOf(LineAt(start + same));
+    Exchange(first, end, change.lines.substr(static_cast<std::size_t>(first - start)));
+  }
+  Accept();
+  return true;
+}
+
+void SourceView::Exchange(PadPosition start, PadPosition end, std::string text) {
+  const PadPosition same_end = end - static_cast<PadPosition>(SameEnd(text, BytesBetween(start, end)));
+  // Whole lines, so that no character is parted.
+  const PadPosition line = LineAt(same_end);
+  const PadPosition behind = StartOf(line) == same_end ? same_end : EndOf(line);
+  text.resize(text.size() - static_cast<std::size_t>(end - behind));
+  Replace(start, behind, text);
 }
 
 void SourceView::Replace(PadPosition start, PadPosition end, std::string_view text) {
