@@ -37,8 +37,8 @@ TEST_F(FormRtf, APasteKeepsWhatTheClipboardHolds) {
   EXPECT_EQ(marks_of_last(window), styled + "li720,list2,start1,ls1||" + styled + "li720,list2,start1,ls1||");
   form_RTF& other = static_cast<form_RTF&>(*NewDocument(global_, DocumentKind::Rtf));
   other.EditPaste();
-  EXPECT_EQ(marks_of_last(other), "\\keepn\\brdrb\\brdrs\\brdrcf1\\cbpat2|li720,list2,start1||")
-      << "colours under their numbers there; styles and lists of another file name nothing";
+  EXPECT_EQ(marks_of_last(other), "\\s3\\keepn\\brdrb\\brdrs\\brdrcf1\\cbpat2|li720,list2,start1,ls1||")
+      << "colours under their numbers there; styles and lists come along";
 }
 
 TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {

@@ -118,6 +118,23 @@ TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
       // Between the end of a cell and that of its row no text can stand.
       {"\\trowd\\cellx900\\pard\\intbl ab\\cell{\\*\\end x}\\row\\pard c\\par}", type(2, 0, "x"),
        "\\trowd\\cellx900\\pard\\intbl abx\\cell{\\*\\end x}\\row\\pard c\\par}"},
+      // New items of a list have their number, and those that go take theirs with them.
+      {"\\ls1{\\listtext 1.\\tab}ab\\par{\\listtext 2.\\tab}cd\\par}", [](RtfDocument& it) { Split(it, 0, 0, 1); },
+       "\\ls1{\\listtext 1.\\tab}a\\par{\\listtext 2.\\tab}b\\par{\\listtext 2.\\tab}cd\\par}"},
+      {"\\ls1{\\listtext 1.\\tab}ab\\par{\\listtext 2.\\tab}cd\\par}",
+       [](RtfDocument& it) {
+         Type(it, 0, 2, "");
+         Join(it, 0);
+       },
+       "\\ls1{\\listtext 2.\\tab}cd\\par}"},
+      {"\\ls1{\\listtext 1.\\tab}ab\\par{\\listtext 2.\\tab}cd\\par}", [](RtfDocument& it) { Join(it, 0); },
+       "\\ls1{\\listtext 1.\\tab}abcd\\par}"},
+      {"\\ls1{\\listtext 1.\\tab}ab\\par{\\listtext 2.\\tab}\\par}",
+       [](RtfDocument& it) {
+         it.paragraph_formats.emplace_back();
+         it.paragraphs[1].format = static_cast<std::uint32_t>(it.paragraph_formats.size() - 1);
+       },
+       "\\ls1{\\listtext 1.\\tab}ab\\par{\\pard\\par}}"},
       // What has no place is written anew with its paragraph, or its table.
       {"a{\\field{\\*\\fldinst PAGE}{\\fldrslt 12}}b\\par\\b x\\par}",
        [](RtfDocument& it) { it.runs[1].format = it.runs[0].format; }, "{\\plain\\pard a12b\\par\r\n}\\b x\\par}"},

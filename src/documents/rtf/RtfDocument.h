@@ -156,6 +156,17 @@ struct Table {
   std::int32_t parent_cell = -1;  ///< index into RtfDocument::cells for a nested table
 };
 
+/// The tables that stand in RtfDocument::kept_header and can be added to, in the order in which they are written.
+enum class HeaderTable : std::uint8_t { Styles, Lists, Overrides, Authors };
+inline constexpr std::size_t kHeaderTables = 4;
+/// An entry for one of them, that came with text of another document.
+struct JoinedEntry {
+  HeaderTable table = HeaderTable::Styles;
+  std::int32_t number = 0;  ///< under which text names it; of Lists the \listid, of Authors the place in their table
+  std::string rtf;          ///< its group
+  std::string origin;       ///< the group in the document that it came from
+};
+
 struct Paragraph {
   std::uint32_t first_run = 0;    ///< its runs end where those of the next paragraph begin
   std::uint32_t format = 0;       ///< index into RtfDocument::paragraph_formats
@@ -202,6 +213,8 @@ struct RtfDocument {
   std::int32_t default_font = 0;  ///< the N of \deffN
   /// Groups between the colour table and the text that are kept as they came: style sheet, list tables, information.
   std::string kept_header;
+  /// What is written into the tables of kept_header when text names it.
+  std::vector<JoinedEntry> joined;
   /// Control words of the whole document, its first section and its page, as they came ("\\paperw12240\\margl1800").
   std::string document_controls;
   /// Headers and footers, as they came.

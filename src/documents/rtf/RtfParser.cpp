@@ -201,9 +201,19 @@ void Parser::NoteMark(std::size_t before, RtfSource::MarkKind kind) {
   source_->marks.push_back({.first_piece = first_piece_,
                             .begin = static_cast<std::uint32_t>(is_closed_ ? root_end_ : token_.begin),
                             .end = static_cast<std::uint32_t>(is_closed_ ? root_end_ : tokens_.Position()),
+                            .label_begin = label_.first,
+                            .label_end = label_.second,
                             .kind = kind,
                             .unicode_skip = Top().encoding.unicode_skip});
   first_piece_ = static_cast<std::uint32_t>(source_->pieces.size());
+  label_ = {};
+}
+
+/// The group of a number in a list; it was passed.
+void Parser::NoteLabel() {
+  const std::size_t begin = std::exchange(object_begin_, kUnknown);
+  if (begin == kUnknown || label_.second > 0) return;
+  label_ = {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(tokens_.Position())};
 }
 
 /// What comes next is the first that is more than a control word.
@@ -228,9 +238,17 @@ void Parser::NoteTable(Destination table) {
   source_->header.colors = static_cast<std::uint32_t>(document_.colors.size());
 }
 
+/// Of the text before it; it was passed.
+void Parser::NoteKeptTable(HeaderTable table) {
+  if (source_ == nullptr || tokens_.CutShort()) return;
+  std::uint32_t& end = source_->header.table_ends[static_cast<std::size_t>(table)];
+  if (end == 0) end = static_cast<std::uint32_t>(tokens_.Position() - 1);
+}
+
 void Parser::StartBody() {
   if (is_body_) return;
   NoteHeader();
+  if (source_ != nullptr) source_->header.kept = static_cast<std::uint32_t>(document_.kept_header.size());
   is_body_ = true;
   fonts_.FixDefault();
   CharFormat plain;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "documents/rtf/RtfBuilder.h"
@@ -80,6 +81,8 @@ class Parser : private TextDecoder::Sink {
   void NoteHeader();
   void NoteHeaderEnd();
   void NoteTable(Destination table);
+  void NoteKeptTable(HeaderTable table);
+  void NoteLabel();
   void StartBody();
   void BreakSection();
   void EndParagraph(int table_level, RtfSource::MarkKind kind = RtfSource::MarkKind::Fixed);
@@ -147,8 +150,9 @@ class Parser : private TextDecoder::Sink {
   DocumentControls document_controls_;
   Builder builder_;
   RtfSource* const source_;
-  std::uint32_t first_piece_ = 0;        ///< of the paragraph
-  std::size_t object_begin_ = kUnknown;  ///< where the bytes of the next object begin
+  std::uint32_t first_piece_ = 0;                    ///< of the paragraph
+  std::size_t object_begin_ = kUnknown;              ///< where the bytes of the next object begin
+  std::pair<std::uint32_t, std::uint32_t> label_{};  ///< of the paragraph, as in its mark
 
   std::vector<State> states_;
   std::vector<ParagraphState> paragraphs_;

@@ -2,32 +2,11 @@
 #include <utility>
 
 #include "documents/rtf/RtfFieldInstruction.h"
+#include "documents/rtf/RtfNames.h"
 #include "documents/rtf/RtfParser.h"
 #include "documents/rtf/RtfPicture.h"
 
 namespace tme::rtf {
-namespace {
-
-/// Makes a group say how long the fallbacks of its \u are, where the groups around it said so: it is written back among
-/// others. Behind the group's own word, which readers want first.
-void SayUnicodeSkip(std::string& group, int skip) {
-  if (skip == 1 || group.find("\\u") == std::string::npos) return;
-  const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-  const auto is_number = [](char c) { return (c >= '0' && c <= '9') || c == '-'; };
-  const auto pass_line_ends = [&](std::size_t from) {
-    return std::min(group.find_first_not_of("\r\n", from), group.size() - 1);
-  };
-  std::size_t word = pass_line_ends(1);
-  if (group.compare(word, 2, "\\*") == 0) word = pass_line_ends(word + 2);
-  std::size_t at = word + 1;
-  while (at < group.size() && is_letter(group[at])) ++at;
-  const bool has_word = group[word] == '\\' && at > word + 1;
-  while (has_word && at < group.size() && is_number(group[at])) ++at;
-  if (!has_word) at = 1;
-  group.insert(at, "\\uc" + std::to_string(skip));
-}
-
-}  // namespace
 
 /// The group that the control word stands in, as it came; it is closed.
 std::string Parser::TakeGroup() {
@@ -37,7 +16,8 @@ std::string Parser::TakeGroup() {
   std::string group;
   tokens_.TakeGroup(is_whole ? Top().begin : word_begin_, &group);
   if (!is_whole) group.insert(group.begin(), '{');
-  SayUnicodeSkip(group, skip);
+  // Among others it is written back.
+  if (skip != 1) SayUnicodeSkip(group, skip);
   LeaveGroup();
   return group;
 }
@@ -120,6 +100,8 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       return;
     case Control::HeaderGroup:
       document_.kept_header += TakeGroup();
+      if (word.name == "stylesheet") NoteKeptTable(HeaderTable::Styles);
+      if (word.name == "revtbl") NoteKeptTable(HeaderTable::Authors);
       return;
     case Control::ListTable:
       return ReadLists(word);
@@ -133,7 +115,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     }
     case Control::ListText:
       list_of_text_ = ListKindOfText(LabelOfGroup(TakeGroup(), LabelText::All));
-      return;
+      return NoteLabel();
     case Control::Field:
       return BeginField();
     case Control::FieldInstruction:
@@ -163,6 +145,7 @@ void Parser::ReadLists(const ControlWord& word) {
   const bool all = word.value == 0 ? lists_.ReadLists(group, &fonts_) : lists_.ReadOverrides(group, &fonts_);
   if (!all) ++document_.losses.limits;
   document_.kept_header += group;
+  NoteKeptTable(word.value == 0 ? HeaderTable::Lists : HeaderTable::Overrides);
 }
 
 void Parser::AddObject(Object&& object) {

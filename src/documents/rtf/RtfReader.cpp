@@ -38,10 +38,13 @@ void MoveBy(RtfSource& source, std::uint32_t bytes) {
   for (RtfSource::Mark& place : source.marks) {
     place.begin += bytes, place.end += bytes;
     if (place.row_end > 0) place.row_end += bytes;
+    if (place.label_end > 0) place.label_begin += bytes, place.label_end += bytes;
   }
   RtfSource::Header& header = source.header;
   for (std::uint32_t* const place : {&header.begin, &header.end, &header.fonts_end, &header.colors_end})
     if (*place > 0) *place += bytes;
+  for (std::uint32_t& end : header.table_ends)
+    if (end > 0) end += bytes;
 }
 
 }  // namespace

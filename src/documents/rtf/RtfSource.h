@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
+
+#include "documents/rtf/RtfDocument.h"
 
 namespace tme::rtf {
 
@@ -35,6 +38,9 @@ struct RtfSource {
     /// Where the table behind it has ended, as far as it was read: behind the \row of a table of the text itself; 0
     /// where none ended.
     std::uint32_t row_end = 0;
+    /// The group before the paragraph that says its number or bullet in a list; both 0 without one.
+    std::uint32_t label_begin = 0;
+    std::uint32_t label_end = 0;
     MarkKind kind = MarkKind::Fixed;
     std::uint8_t unicode_skip = 1;
   };
@@ -45,6 +51,9 @@ struct RtfSource {
     std::uint32_t fonts_end = 0;   ///< at the brace that ends the first \fonttbl; 0 without one
     std::uint32_t colors_end = 0;  ///< the same of the last \colortbl
     std::uint32_t colors = 0;      ///< how many entries that has
+    std::uint32_t kept = 0;        ///< how much of RtfDocument::kept_header stands in front of `end`
+    /// At the brace that ends the first of each HeaderTable; 0 without one.
+    std::array<std::uint32_t, kHeaderTables> table_ends{};
   };
 
   Header header;

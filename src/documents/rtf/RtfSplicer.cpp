@@ -36,12 +36,17 @@ bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
   const auto is_near = [&](std::size_t before, std::size_t after) {
     return before < before_.paragraphs.size() && SameCell(before, after);
   };
-  if (is_near(hunk.before_end, hunk.after_end - 1)) {
+  const bool has_last = hunk.before_begin > 0 && is_near(hunk.before_begin - 1, hunk.after_begin);
+  // Behind an item of a list, another one.
+  const bool goes_on = has_last &&
+                       after_.paragraph_formats[after_.paragraphs[hunk.after_begin].format].list != ListKind::None &&
+                       before_.paragraphs[hunk.before_begin - 1].format == after_.paragraphs[hunk.after_begin].format;
+  if (!goes_on && is_near(hunk.before_end, hunk.after_end - 1)) {
     ++hunk.before_end;
     ++hunk.after_end;
     return true;
   }
-  if (hunk.before_begin == 0 || !is_near(hunk.before_begin - 1, hunk.after_begin)) return false;
+  if (!has_last) return false;
   --hunk.before_begin;
   --hunk.after_begin;
   return true;
@@ -54,6 +59,9 @@ bool RtfSplicer::Splice(RtfHunk hunk) {
   const std::vector<RtfItem> after = ItemsOf(after_, hunk.after_begin, hunk.after_end, after_text);
   if (!FindPieces(before, hunk.before_begin)) return false;
   const std::vector<DiffStep> steps = DiffItems(before_, before, after_, after);
+  labels_ = PlanLabels(sides_, hunk, before, after, steps);
+  for (const std::size_t paragraph : labels_.removed)
+    patch_.Replace(source_.marks[paragraph].label_begin, source_.marks[paragraph].label_end, {});
   std::size_t next_before = 0, next_after = 0;
   for (std::size_t i = 0; i < steps.size();) {
     const DiffChange change = steps[i].change;
@@ -65,6 +73,7 @@ bool RtfSplicer::Splice(RtfHunk hunk) {
       const std::optional<Place> place = PlaceFor(before, next_before, new_items);
       if (!place || !Insert(*place, new_items)) return false;
     } else if (change == DiffChange::Same) {
+      KeepLabels(old_items, new_items);
       if (!Keep(old_items, new_items)) return false;
     } else if (!std::ranges::all_of(old_items, [this](const RtfItem& item) { return Remove(item); })) {
       return false;
@@ -196,9 +205,33 @@ std::optional<RtfSplicer::Place> RtfSplicer::PlaceFor(const std::vector<RtfItem>
   return behind->format != first && fits_in_front && in_front->format == first ? in_front : behind;
 }
 
+/// A paragraph that became an item of a list gets its number.
+void RtfSplicer::KeepLabels(std::span<const RtfItem> before, std::span<const RtfItem> after) {
+  for (std::size_t i = 0; i < before.size() && !labels_.wanted.empty(); ++i) {
+    if (!labels_.wanted.contains(after[i].paragraph)) continue;
+    WriteLabel(after[i].paragraph);
+    const std::uint32_t begin = RangeOf(before[i]).begin;
+    patch_.Replace(begin, begin, TakeSnippet());
+  }
+}
+
+/// Where one is wanted.
+void RtfSplicer::WriteLabel(std::size_t paragraph) {
+  if (labels_.wanted.erase(paragraph) == 0) return;
+  std::string label;
+  for (; numbered_ <= paragraph; ++numbered_)
+    label = numbering_.Next(after_.paragraph_formats[after_.paragraphs[numbered_].format]);
+  if (label.empty()) return;
+  out_.Open(after_.paragraph_formats[after_.paragraphs[paragraph].format].list_id != 0 ? "\\listtext" : "\\pntext");
+  out_.Text(label);
+  out_.Text("\t");
+  out_.Close();
+}
+
 bool RtfSplicer::Insert(const Place& place, std::span<const RtfItem> added) {
   for (std::size_t i = 0, end = 0; i < added.size(); i = end) {
     end = i + 1;
+    WriteLabel(added[i].paragraph);
     bool is_written = false;
     switch (added[i].kind) {
       case RtfItem::Kind::Mark:
@@ -256,6 +289,7 @@ bool RtfSplicer::InsertMark(const Place& place, const RtfItem& mark) {
   if (!WriteFormat(place.format, mark.format)) return false;
   out_.Words("\\par");
   if (is_group) out_.Close();
+  WriteLabel(mark.paragraph + std::size_t{1});
   return true;
 }
 

@@ -12,6 +12,8 @@
 #include "documents/rtf/RtfFormatOutput.h"
 #include "documents/rtf/RtfHunks.h"
 #include "documents/rtf/RtfItems.h"
+#include "documents/rtf/RtfLabelPlan.h"
+#include "documents/rtf/RtfNumbering.h"
 #include "documents/rtf/RtfOutput.h"
 #include "documents/rtf/RtfPatch.h"
 #include "documents/rtf/RtfRewriter.h"
@@ -59,6 +61,8 @@ class RtfSplicer {
   Place PlaceAt(std::uint32_t at, const RtfItem& item, std::uint8_t unicode_skip) const;
   std::optional<Place> PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
                                 std::span<const RtfItem> added) const;
+  void KeepLabels(std::span<const RtfItem> before, std::span<const RtfItem> after);
+  void WriteLabel(std::size_t paragraph);
   bool Insert(const Place& place, std::span<const RtfItem> added);
   bool InsertText(const Place& place, std::span<const RtfItem> text);
   bool InsertObject(const Place& place, const RtfItem& item);
@@ -82,6 +86,9 @@ class RtfSplicer {
   const PartSink sink_;
   RtfOutput out_;
   Patch& patch_;
+  RtfLabelPlan labels_;     ///< of the hunk
+  RtfNumbering numbering_;  ///< of the document after the edits
+  std::size_t numbered_ = 0;
 };
 
 }  // namespace tme::rtf

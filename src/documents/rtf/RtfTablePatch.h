@@ -1,18 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <span>
-#include <vector>
+#include <string>
 
 #include "documents/rtf/RtfDocument.h"
 #include "documents/rtf/RtfHunks.h"
 #include "documents/rtf/RtfPatch.h"
 #include "documents/rtf/RtfSource.h"
+#include "documents/rtf/RtfUses.h"
 
 namespace tme::rtf {
 
-/// Which fonts and colours text has that came into a file.
+/// Which fonts, colours and other entries of tables text names that came into a file.
 class RtfTablePatch {
  public:
   /// fonts: how many the file's own table has; those of `after` begin with them. Both documents outlive this.
@@ -21,21 +20,18 @@ class RtfTablePatch {
   /// The font that the view gives text that has none.
   std::size_t UnnamedFont() const { return unnamed_font_; }
 
-  void Note(const RtfHunk& hunk);
+  void Note(const RtfHunk& hunk) { uses_.Note(hunk.after_begin, hunk.after_end); }
   /// Adds what the file does not have to its tables, or makes these.
   void Write(Patch& patch) const;
+  /// A file's kept header, as that makes it.
+  std::string Header(const std::string& kept_header) const;
 
  private:
-  void NoteFormat(std::uint32_t format);
-
   const RtfDocument& after_;
   const RtfSource& source_;
   const std::size_t file_fonts_;
   std::size_t unnamed_font_;
-  std::vector<bool> known_formats_;
-  std::vector<bool> known_fonts_;
-  std::vector<std::uint32_t> fonts_;  ///< to be added
-  std::uint32_t color_ = 0;           ///< the last one that is needed
+  RtfUses uses_;
 };
 
 }  // namespace tme::rtf

@@ -4,7 +4,9 @@
 
 #include "documents/rtf/RtfBodyWriter.h"
 #include "documents/rtf/RtfFormatOutput.h"
+#include "documents/rtf/RtfHeaderTables.h"
 #include "documents/rtf/RtfOutput.h"
+#include "documents/rtf/RtfUses.h"
 
 namespace tme::rtf {
 
@@ -18,7 +20,10 @@ void WriteHeader(const RtfDocument& document, RtfOutput& out) {
   out.Word("\\deff", document.default_font);
   out.LineEnd();
   WriteTables(document, out);
-  for (const std::string* part : {&document.kept_header, &document.document_controls, &document.kept_section}) {
+  RtfUses uses(document);
+  if (!document.joined.empty()) uses.Note(0, document.paragraphs.size());
+  const std::string header = HeaderWith(document.kept_header, document.kept_header.size(), uses.Joined());
+  for (const std::string* part : {&header, &document.document_controls, &document.kept_section}) {
     if (part->empty()) continue;
     out.Kept(*part);
     out.LineEnd();

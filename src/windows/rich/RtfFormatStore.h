@@ -37,8 +37,8 @@ class RtfFormatStore {
 };
 
 /// Adds what the text of a document names to the store: fonts and colours find their like there or are added, objects
-/// and fields are added. What names styles, lists and authors of changes is dropped, unless both documents have the
-/// same style sheet and lists. The text, whose numbers name parts of the store.
+/// and fields are added, and what names styles, lists and authors of changes, as RtfTableJoin has it. The text, whose
+/// numbers name parts of the store.
 rtf::RtfDocument MergeRtf(rtf::RtfDocument&& source, RtfStore& store);
 
 }  // namespace tme

@@ -30,7 +30,7 @@ bool ImportRtf(rtf::RtfDocument&& source, RtfStore& store, QTextDocument& target
                const RtfImportStep& step = {});
 
 /// The same for a part that joins another document: fonts and colours find their like in the store or are added,
-/// objects are added. What would name another document's style sheet or lists is dropped. Given up, it leaves the store
+/// objects are added, and so are styles and lists that it names. Given up, it leaves the store
 /// with parts that nothing names.
 bool ImportRtfPart(rtf::RtfDocument&& source, RtfStore& store, QTextDocument& target, RtfSimplified& simplified,
                    const RtfImportStep& step = {});
