@@ -64,8 +64,8 @@ TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
     return std::to_string(static_cast<int>(format.list)) + " " + std::to_string(format.list_level) + " " +
            std::to_string(format.left);
   };
-  EXPECT_EQ(list_of(1), "2 0 600");
-  EXPECT_EQ(list_of(2), "3 1 1200");
+  EXPECT_EQ(list_of(1), "2 0 720");
+  EXPECT_EQ(list_of(2), "3 1 1440");
   ASSERT_EQ(document.rows.size(), 2U);
   EXPECT_EQ(document.rows[0].definition.find("brdrs"), std::string::npos);
   EXPECT_NE(document.rows[1].definition.find("brdrs"), std::string::npos);

@@ -5,11 +5,13 @@
 #include <QTextFrame>
 #include <QTextTable>
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "windows/rich/RtfFlatTables.h"
 #include "windows/rich/RtfFormats.h"
+#include "windows/rich/RtfNewTable.h"
 #include "windows/rich/RtfPieces.h"
 
 namespace tme {
@@ -18,17 +20,6 @@ namespace {
 using rtf::RtfDocument;
 
 constexpr int kWidthOfNewTable = 9000;  // twips
-
-/// Untranslated control words.
-void AddBorderedCell(const rtf::Cell& cell, std::string& definition) {
-  definition.append(definition.empty() ? "\\trowd\\trgaph108" : "")
-      .append(cell.row_span == 1   ? ""
-              : cell.row_span == 0 ? "\\clvmrg"
-                                   : "\\clvmgf");
-  for (const char* edge : {"\\clbrdrt", "\\clbrdrl", "\\clbrdrb", "\\clbrdrr"})
-    definition.append(edge).append("\\brdrs\\brdrw10");
-  definition.append("\\cellx").append(std::to_string(cell.right_edge));
-}
 
 class Exporter {
  public:
@@ -170,13 +161,16 @@ class Exporter {
     const bool goes_on = kept && kept->group > 0 && kept->group == last.group && kept->part > last.part;
     const std::uint32_t number = goes_on ? last.table : static_cast<std::uint32_t>(document_.tables.size());
     if (!goes_on) document_.tables.push_back({parent});
+    const RtfNewTable::ColorOf color_of = [this](const QBrush& brush) { return formats_.ColorOf(brush); };
+    std::optional<RtfNewTable> look;
+    if (!kept) look.emplace(table, color_of);
     for (int row = 0; row < table.rows(); ++row) {
       const RtfStore::KeptRow* kept_row = kept ? &kept->rows[static_cast<std::size_t>(row)] : nullptr;
       document_.rows.push_back({number, kept_row ? kept_row->definition : std::string()});
       if (kept_row)
         KeptRow(table, row, *kept_row);
       else
-        NewRow(table, row);
+        NewRow(table, row, *look);
     }
     return kept ? Part{number, kept->group, kept->part} : Part{};
   }
@@ -207,20 +201,20 @@ class Exporter {
     }
   }
 
-  void NewRow(const QTextTable& table, int row) {
+  void NewRow(const QTextTable& table, int row, const RtfNewTable& look) {
     const auto row_number = static_cast<std::uint32_t>(document_.rows.size() - 1);
-    // Of pasted pages; the view draws borders for tables of files, too, that have none.
-    const bool has_borders = !table.format().hasProperty(kTable) && table.format().border() > 0;
+    // A table of a file that was cut says nothing of how it looks.
+    const bool is_cut = table.format().hasProperty(kTable);
     for (int column = 0; column < table.columns();) {
       const QTextTableCell cell = table.cellAt(row, column);
       const int end = column + std::max(cell.columnSpan(), 1);
       const bool starts_here = cell.row() == row;
       rtf::Cell made;
-      made.right_edge = kWidthOfNewTable * end / table.columns();
+      made.right_edge = is_cut ? kWidthOfNewTable * end / table.columns() : look.EdgeBefore(end);
       made.row_span = starts_here ? static_cast<std::uint16_t>(cell.rowSpan()) : std::uint16_t{0};
       const std::int32_t number = AddCell(document_, row_number, made);
       CellText(starts_here ? cell : QTextTableCell(), number);
-      if (has_borders) AddBorderedCell(made, document_.rows[row_number].definition);
+      if (!is_cut) look.AddCell(cell, made, document_.rows[row_number].definition);
       column = end;
     }
   }

@@ -243,13 +243,14 @@ std::uint32_t RtfFormats::Read(const QTextBlockFormat& shown, const QTextList* l
   // Only the first piece of a paragraph shows its marker.
   TakeChange(kListStyles, style, piece > 1 ? QTextListFormat::ListStyleUndefined : StyleOf(kind), format.list);
   if (format.list != kind) {
-    format.list_id = 0;
+    format.list_id = list ? list->format().intProperty(kListNumber) : 0;
     format.list_level = list ? static_cast<std::uint8_t>(list->format().intProperty(kListLevel)) : std::uint8_t{0};
     format.list_start = 1;
     format.list_text.clear();
     // As far to the left as the marker stands.
     format.first_line = format.list == ListKind::None ? 0 : -std::min(format.left, kLeastListIndent);
   }
+  if (const int extra = shown.intProperty(kExtraWords); extra > 0) format.extra = static_cast<std::uint32_t>(extra);
   return store_.Add(format);
 }
 

@@ -27,9 +27,11 @@ class RtfFormats {
   /// Index into the document's paragraph_formats; a new format is added. list: null for a paragraph outside any.
   std::uint32_t Read(const QTextBlockFormat& shown, const QTextList* list);
 
+  /// Index into the document's colours, to which a new one is added; 0 for none.
+  std::uint32_t ColorOf(const QBrush& brush);
+
  private:
   QBrush BrushOf(std::uint32_t color) const;
-  std::uint32_t ColorOf(const QBrush& brush);
   void ReadFont(const QTextCharFormat& shown, const QTextCharFormat& was, rtf::CharFormat& format);
 
   RtfFormatStore store_;

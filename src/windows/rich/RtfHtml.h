@@ -1,11 +1,15 @@
 #pragma once
 
-class QTextDocument;
+#include <QString>
+
+#include "documents/rtf/RtfDocument.h"
+
+class QFont;
 
 namespace tme {
 
-/// Gives a text that was made of marked-up text the sizes, names of fonts and indents outright that its formats only
-/// describe, so that it is saved as it looks. points: of text without a size.
-void ResolveHtml(QTextDocument& text, double points);
+/// What a marked-up text says and looks like, as a document by itself; pictures that stand in it come along, and what
+/// stands elsewhere is left out. font: of text that says nothing of its own.
+rtf::RtfDocument RtfOfHtml(const QString& html, const QFont& font);
 
 }  // namespace tme

@@ -70,7 +70,7 @@ class RtfPad : public QTextEdit, public Pad {
   std::string SelectedRtf() const;
   /// Null when `step` gave up: the text is as it was.
   std::optional<RtfSimplified> ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
-  /// Marked-up text; pictures and whatever else it refers to are left out.
+  /// Marked-up text; whatever it refers to and does not hold is left out.
   std::optional<RtfSimplified> ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step = {});
   /// The bytes of a PNG or JPEG file.
   void ReplaceSelectionWithPicture(const QByteArray& bytes);

@@ -16,16 +16,9 @@
 #include "windows/rich/RtfHtml.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
-#include "windows/rich/RtfShape.h"
 
 namespace tme {
 namespace {
-
-void RemovePictures(QTextDocument& document) {
-  QTextCursor cursor(&document);
-  while (!(cursor = document.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull())
-    cursor.removeSelectedText();
-}
 
 /// The toolkit joins the first paragraph of a fragment to the one that it comes into, also to an empty one.
 void TakeFirstFormat(const QTextBlock& from, const QTextBlock& to) {
@@ -73,7 +66,9 @@ std::string RtfPad::SelectedRtf() const {
 void RtfPad::InsertFragment(const QTextDocument& part) {
   Insert(part.characterCount(), part.blockCount(), [&part](QTextCursor& cursor) {
     cursor.removeSelectedText();
-    const bool takes_format = cursor.block().length() == 1 && part.blockCount() > 1;
+    // A word alone has no format of its own; a paragraph that was taken as a whole has.
+    const bool has_format = part.blockCount() > 1 || part.firstBlock().blockFormat().intProperty(kParagraphFormat) > 1;
+    const bool takes_format = cursor.block().length() == 1 && has_format;
     const int first = cursor.position();
     cursor.insertFragment(QTextDocumentFragment(&part));
     if (takes_format) TakeFirstFormat(part.firstBlock(), cursor.document()->findBlock(first));
@@ -89,18 +84,7 @@ std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& 
 }
 
 std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& html, const RtfImportStep& step) {
-  ClosedDocument part;
-  part.setUndoRedoEnabled(false);
-  part.setHtml(html);
-  RemovePictures(part);
-  ResolveHtml(part, document()->defaultFont().pointSizeF());
-  RtfStore store;
-  store.document = EmptyRtfDocument();
-  rtf::RtfDocument text = RtfExport(part, store).Document();
-  // Tables that the view could not bear are simplified as those of a file.
-  if (RtfShape(text).FlatTables() > 0) return ReplaceSelectionWithRtf(std::move(text), step);
-  InsertFragment(part);
-  return RtfSimplified();
+  return ReplaceSelectionWithRtf(RtfOfHtml(html, document()->defaultFont()), step);
 }
 
 void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {

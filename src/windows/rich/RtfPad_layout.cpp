@@ -162,6 +162,11 @@ void RtfPad::BeginParagraph() {
     QTextList* list = cursor.currentList();
     if (list && cursor.block().length() == 1) {
       list->remove(cursor.block());
+      // The text goes on where it stands outside of lists.
+      format.setObjectIndex(-1);
+      format.clearProperty(QTextFormat::ListStyle);
+      format.clearProperty(QTextFormat::BlockLeftMargin);
+      cursor.setBlockFormat(format);
     } else {
       cursor.insertBlock(format, cursor.charFormat());
       QTextCursor before(cursor.block().previous());

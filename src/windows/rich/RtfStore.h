@@ -23,6 +23,8 @@ enum RtfProperty : int {
   kLongParagraph,  ///< of block formats: one number for all blocks that show a long paragraph
   kPiece,          ///< of these: grows from block to block
   kListLevel,      ///< of the format of a list that no file has made, itself: 0 to 8
+  kListNumber,     ///< of the same, itself: its \ls
+  kExtraWords,     ///< of block formats that no file has made: rtf::ParagraphFormat::extra, itself
 };
 inline constexpr int kPageBreak = -1;
 /// Type of the one kind of inline object: pictures, placeholders and page breaks.
