@@ -47,7 +47,8 @@ void ReadWord(const Token& token, HeaderEntry& entry) {
 
 class EntryReader {
  public:
-  EntryReader(const RtfDocument& document, const DecodeCodePage& decode) : document_(document), decode_(decode) {}
+  EntryReader(const RtfDocument& document, const DecodeCodePage& decode)
+      : document_(document), texts_(document, decode) {}
 
   std::vector<HeaderEntry> Read() {
     Tokenizer tokens(document_.kept_header);
@@ -97,14 +98,14 @@ class EntryReader {
     if (table == HeaderTable::Styles && entry.kind == 0) entry.kind = 's';
     if (table == HeaderTable::Authors) entry.number = authors_++;
     if (table == HeaderTable::Styles || table == HeaderTable::Authors) {
-      entry.name = TextOfGroup(entry.rtf, document_.ansi_code_page, decode_);
+      entry.name = texts_.TextOf(entry.rtf);
       entry.name.resize(std::min(entry.name.find(';'), entry.name.size()));
     }
     entries_.push_back(std::move(entry));
   }
 
   const RtfDocument& document_;
-  const DecodeCodePage& decode_;
+  GroupTexts texts_;
   std::vector<HeaderEntry> entries_;
   std::int32_t authors_ = 0;
 };
