@@ -96,6 +96,15 @@ TEST(TreeSearch, FindsDataOfTheRegistryAsTheyAreShown) {
   EXPECT_EQ(RegHits(document, "0a bc", FieldBit(SearchField::Data)), "D abc/h 0+5\n");
   EXPECT_EQ(RegHits(document, "abc ab"), "D abc/m 0+6\n");
   EXPECT_EQ(RegHits(document, "gone"), "N abc/gone 0+4\n");
+  // Data that are passed over undecoded are such that hold none: whatever is in others is found.
+  RegDocument coded;
+  ReadWholeReg(coded,
+               "REGEDIT4\n\n[HKEY_USERS]\n\"a\"=hex(2):7A,79,00\n\"b\"=hex(7):7a,\\\n  79,00,00\n\"c\"=hex:7a,79\n"
+               "\"e\"=hex(2):5a,59,00\n\"g\"=-\n\"h\"=dword:7a\n\"i\"=\"\\\\zy\"\n",
+               {});
+  EXPECT_EQ(RegHits(coded, "zy", FieldBit(SearchField::Data)),
+            "D HKEY_USERS/a 0+2\nD HKEY_USERS/b 0+2\nD HKEY_USERS/e 0+2\nD HKEY_USERS/i 1+2\n");
+  EXPECT_EQ(RegHits(coded, "7a", FieldBit(SearchField::Data)), "D HKEY_USERS/c 0+2\nD HKEY_USERS/h 8+2\n");
   RegDocument by_rules;
   RegNode* key = by_rules.AddBranch(by_rules.AddHiveNode("HKEY_USERS"), "abc");
   by_rules.AddValueRecord(key, RegType::String, "v", "x\\\\abc");

@@ -20,7 +20,7 @@ std::optional<std::string> TextMatcher::Replaced(std::string_view text, std::str
 }
 
 PlainMatcher::PlainMatcher(std::string_view wanted, SearchCase search_case, SearchWords words)
-    : search_(wanted, search_case, words) {
+    : wanted_(wanted), search_(wanted, search_case, words) {
   const auto separators = static_cast<std::size_t>(std::ranges::count(wanted, kPathSeparator));
   if (separators > 0) path_parts_ = separators + (wanted.ends_with(kPathSeparator) ? 0 : 1);
 }

@@ -35,6 +35,8 @@ class TextMatcher {
   virtual bool TakesManyTexts() const { return false; }
   /// Whether texts were left that took too long.
   virtual bool HasGivenUp() const { return false; }
+  /// The text that every match is, but perhaps for letter case; empty where matches may be others.
+  virtual std::string_view Wanted() const { return {}; }
   /// How many parts of a path a match takes, or kAllParts where nobody knows; 0 when each lies within one.
   virtual std::size_t PathParts() const { return 0; }
   static constexpr std::size_t kAllParts = SIZE_MAX;
@@ -51,9 +53,11 @@ class PlainMatcher final : public TextMatcher {
   std::vector<TextChange> ChangesIn(std::string_view text, std::string_view with,
                                     std::optional<std::size_t> only) const override;
   bool TakesManyTexts() const override { return true; }
+  std::string_view Wanted() const override { return wanted_; }
   std::size_t PathParts() const override { return path_parts_; }
 
  private:
+  const std::string wanted_;
   TextSearch search_;
   std::size_t path_parts_ = 0;
 };

@@ -10,6 +10,7 @@ namespace tme {
 void SearchBatch::Clear() {
   bytes_.clear();
   texts_.clear();
+  passed_over_ = 0;
   searched_ = 0;
 }
 

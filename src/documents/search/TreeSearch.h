@@ -63,7 +63,9 @@ class SearchBatch {
     texts_.push_back({place, static_cast<std::uint32_t>(bytes_.size()), static_cast<std::uint32_t>(skipped), field});
     bytes_.append(text).push_back('\0');
   }
-  bool IsFull() const { return bytes_.size() >= kFullBytes || texts_.size() >= kFullTexts; }
+  /// A text that no match can be in: it counts, so that looking at many takes no longer.
+  void PassOver() { ++passed_over_; }
+  bool IsFull() const { return bytes_.size() >= kFullBytes || texts_.size() + passed_over_ >= kFullTexts; }
   /// Adds the hits. Returns false when it is late and texts are left, which the next call goes on with.
   bool FindAll(const TextMatcher& matcher, Clock::time_point until, std::deque<SearchHit>& hits);
 
@@ -92,6 +94,7 @@ class SearchBatch {
   std::string bytes_;
   std::vector<Text> texts_;
   std::vector<TextMatch> matches_;
+  std::size_t passed_over_ = 0;
   /// How many of the texts.
   std::size_t searched_ = 0;
 };

@@ -13,6 +13,10 @@ constexpr std::size_t kMostSearched = std::size_t{1} << 20;  // bytes
 
 const RegNode* NodeOfPlace(const SearchPlace& place) { return static_cast<const RegNode*>(place.node); }
 
+bool IsDecoded(const RegDocument& document, const RegCoding& coding) {
+  return document.HeldAs() == Holding::Whole && coding.version != RegVersion::Regedit;
+}
+
 /// Most values, which need no decoding.
 bool IsPlainText(std::string_view assignment) {
   return assignment.size() >= 2 && assignment.front() == '"' && assignment.back() == '"' &&
@@ -57,7 +61,7 @@ std::optional<SearchField> FieldOfNode(const RegNode& node) {
 std::string_view SearchedData(const RegDocument& document, const RegValueRecord& record, const RegCoding& coding,
                               std::string& buffer) {
   const std::string_view data = record.data;
-  if (document.HeldAs() == Holding::ByRules || coding.version == RegVersion::Regedit) return data;
+  if (!IsDecoded(document, coding)) return data;
   if (data == "-") return {};
   if (IsPlainText(data)) return data.substr(1, data.size() - 2);
   const std::optional<RegData> decoded = DecodeAssignment(data, coding);
@@ -73,6 +77,7 @@ RegSearchSource::RegSearchSource(const RegDocument& document) : document_(docume
 void RegSearchSource::Restart(const TextMatcher* matcher) {
   coding_ = CodingOf(document_);
   of_paths_ = matcher != nullptr && matcher->PathParts() > 0 ? matcher : nullptr;
+  filter_ = RegDataFilter(IsDecoded(document_, coding_) ? matcher : nullptr);
   default_name_ = SearchedName(document_, {});
   node_ = nullptr;
   records_.clear();
@@ -113,7 +118,10 @@ void RegSearchSource::AddRecord(std::uint32_t record, SearchFields fields, Searc
   const SearchPlace place{node_, record};
   if (fields & FieldBit(SearchField::Name))
     batch.Add(place, SearchField::Name, value.name.empty() ? default_name_ : value.name);
-  if (fields & FieldBit(SearchField::Data))
+  if ((fields & FieldBit(SearchField::Data)) == 0) return;
+  if (!filter_.MayHold(value.data))
+    batch.PassOver();
+  else
     batch.Add(place, SearchField::Data, SearchedData(document_, value, coding_, decoded_));
 }
 

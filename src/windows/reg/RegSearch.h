@@ -7,6 +7,7 @@
 #include "documents/reg/RegData.h"
 #include "documents/reg/RegDocument.h"
 #include "documents/search/TreeSearch.h"
+#include "windows/reg/RegDataFilter.h"
 
 namespace tme {
 
@@ -34,6 +35,8 @@ class RegSearchSource final : public SearchSource {
   std::vector<std::uint32_t> records_;
   std::size_t next_record_ = 0;
   std::string decoded_;
+  /// Of a whole document's data.
+  RegDataFilter filter_;
 };
 
 /// The last components of a key's path. The registry takes no more than these.
