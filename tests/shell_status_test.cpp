@@ -5,15 +5,18 @@
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
+#include <utility>
 
 #include "KindsEditor.h"
 #include "WaitFor.h"
 #include "shell/DocumentArea.h"
 #include "shell/GlobalMenus.h"
+#include "shell/LongWork.h"
 #include "shell/OpenDispatch.h"
 #include "shell/QuietFigure.h"
 #include "shell/StatusLine.h"
@@ -142,6 +145,28 @@ TEST_F(StatusTest, EncodingAndLineEndsOfATextAreStepsOfUndo) {
   for (int step = 0; step < 3; ++step) Trigger(u"menu_EditRedo"_s);
   EXPECT_EQ(TextOf(window), changed);
   EXPECT_EQ(shown().substr(13), " [UTF-16 LE] [LF]");
+  window.File().SetChanged(false);
+}
+
+TEST_F(StatusTest, LineEndsChangeInSlicesAndCanBeCancelled) {
+  std::string bytes, changed;
+  for (int line = 0; line < 900'000; ++line) {
+    bytes += line % 7 == 0 ? "lines\r\n" : "and lines\n";
+    changed += line % 7 == 0 ? "lines\n" : "and lines\n";
+  }
+  bytes += std::string(5'000'000, 'x') + "\r\nend";
+  changed += std::string(5'000'000, 'x') + "\nend";
+  DocumentWindow& window = Open(u"a.txt"_s, bytes);
+  const int quiet_ms = std::exchange(LongWork::quiet_ms, 0);
+  OnDialog(u"LongWorkProgress"_s, [](QWidget& box) { box.findChild<QPushButton*>()->click(); });
+  window.ChangeLineEnds(LineEnds::Lf);
+  LongWork::quiet_ms = quiet_ms;
+  EXPECT_TRUE(TextOf(window) == bytes);
+  EXPECT_FALSE(window.File().IsChanged());
+  window.ChangeLineEnds(LineEnds::Lf);
+  EXPECT_TRUE(TextOf(window) == changed);
+  Trigger(u"menu_EditUndo"_s);
+  EXPECT_TRUE(TextOf(window) == bytes) << "one step";
   window.File().SetChanged(false);
 }
 

@@ -63,8 +63,9 @@ class TextPad : public QsciScintillaBase, public Pad {
   std::int64_t CharactersBetween(PadPosition start, PadPosition end, Count count) const;
   /// What lines end in; without any, what typed ones will. Linear.
   LineEnds UsedLineEnds() const;
-  /// Gives all lines this end, typed ones included. A step of undo.
-  void SetLineEnds(LineEnds ends);
+  /// Gives all lines this end, typed ones included. A step of undo. go_on(bytes done, bytes in all) is called every few
+  /// hundredths of a second; where it gives false, all is taken back. Returns whether the lines have the end.
+  bool SetLineEnds(LineEnds ends, const std::function<bool(std::size_t done, std::size_t total)>& go_on);
   /// A step of undo that something outside of the text takes, and is done already: undo and redo call these. The text
   /// counts as edited.
   void AddOutsideStep(std::function<void()> undo, std::function<void()> redo);
@@ -128,6 +129,8 @@ class TextPad : public QsciScintillaBase, public Pad {
   void ReturnTo(const Place& place);
   void NoteStep(std::function<void()> undo, std::function<void()> redo);
   void RunStep(int type, int token);
+  /// Gives the lines from a position on this end, some megabytes of them. Returns where the next ones begin.
+  PadPosition EndLinesFrom(PadPosition start, std::string_view line_end);
   void Type(const QString& text);
   /// Empty at the end of the text. CR LF is one.
   Range GraphemeAround(PadPosition position) const;

@@ -11,6 +11,8 @@ namespace {
 constexpr std::uintptr_t kNumberMargin = 0;
 /// So that the margin keeps its width in most texts.
 constexpr std::size_t kLeastDigits = 3;
+/// Bytes, for some hundredths of a second.
+constexpr PadPosition kLineEndSlice = PadPosition{4} << 20;
 
 }  // namespace
 
@@ -65,12 +67,26 @@ void TextPad::ReturnTo(const Place& place) {
   Send(SCI_SETFIRSTVISIBLELINE, static_cast<std::uintptr_t>(place.first_line));
 }
 
-void TextPad::SetLineEnds(LineEnds ends) {
-  if (ends == LineEnds::Mixed || ends == UsedLineEnds()) return;
+PadPosition TextPad::EndLinesFrom(PadPosition start, std::string_view line_end) {
+  const PadPosition enough = start + kLineEndSlice;
+  const PadPosition end = enough < End() ? std::max(StartOfLine(LineOf(enough)), start) : End();
+  // A line that is longer stays whole.
+  const std::int64_t next_line = LineOf(start) + 1;
+  const PadPosition whole = end > start ? end : next_line < LineCount() ? StartOfLine(next_line) : End();
+  const std::string_view before = BytesBetween(start, whole);
+  const std::string text = LinesEndedBy(before, line_end);
+  if (text == before) return whole;
+  // One edit: as many as there are lines would take seconds for a million.
+  Send(SCI_SETTARGETRANGE, static_cast<std::uintptr_t>(start), whole);
+  Send(SCI_REPLACETARGET, text.size(), reinterpret_cast<std::intptr_t>(text.data()));
+  return start + static_cast<PadPosition>(text.size());
+}
+
+bool TextPad::SetLineEnds(LineEnds ends, const std::function<bool(std::size_t done, std::size_t total)>& go_on) {
+  if (ends == LineEnds::Mixed || ends == UsedLineEnds()) return true;
   const auto mode = ends == LineEnds::CrLf ? SC_EOL_CRLF : SC_EOL_LF;
   const auto mode_before = Send(SCI_GETEOLMODE);
   const Place place = PlaceNow();
-  const std::string text = LinesEndedBy(Text(), ends == LineEnds::CrLf ? "\r\n" : "\n");
   const auto step = [this, place](std::intptr_t of_mode) {
     return [this, place, of_mode] {
       Send(SCI_SETEOLMODE, static_cast<std::uintptr_t>(of_mode));
@@ -81,12 +97,18 @@ void TextPad::SetLineEnds(LineEnds ends) {
   };
   Send(SCI_BEGINUNDOACTION);
   NoteStep(step(mode_before), step(mode));
-  // One edit: as many as there are lines would take seconds for a million.
-  Send(SCI_TARGETWHOLEDOCUMENT);
-  Send(SCI_REPLACETARGET, text.size(), reinterpret_cast<std::intptr_t>(text.data()));
+  bool goes_on = true;
+  for (PadPosition at = 0; goes_on && at < End();) {
+    at = EndLinesFrom(at, ends == LineEnds::CrLf ? "\r\n" : "\n");
+    goes_on = go_on(static_cast<std::size_t>(at), static_cast<std::size_t>(End()));
+  }
   Send(SCI_ENDUNDOACTION);
-  Send(SCI_SETEOLMODE, static_cast<std::uintptr_t>(mode));
+  if (goes_on)
+    Send(SCI_SETEOLMODE, static_cast<std::uintptr_t>(mode));
+  else
+    Undo();
   ReturnTo(place);
+  return goes_on;
 }
 
 void TextPad::AddOutsideStep(std::function<void()> undo, std::function<void()> redo) {

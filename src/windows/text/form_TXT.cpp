@@ -1,11 +1,13 @@
 #include "windows/text/form_TXT.h"
 
 #include <QMdiSubWindow>
+#include <QScopedValueRollback>
 
 #include "files/TextEncoding.h"
 #include "shell/Global.h"
 #include "shell/GlobalMenus.h"
 #include "shell/Icon.h"
+#include "shell/LongWork.h"
 #include "shell/Settings.h"
 #include "shell/WaitCursor.h"
 #include "windows/text/TextPad.h"
@@ -117,6 +119,7 @@ void form_TXT::PutContent(std::string bytes, Holding /*holding*/) {
 void form_TXT::UpdateCommands() {
   PadWindow::UpdateCommands();
   global_.menus.SetChecked(kLineNumbersItem, global_.settings.line_numbers);
+  global_.menus.SetAvailable("menu_SearchGoToLine", true);
   pad->ShowLineNumbers(global_.settings.line_numbers);
 }
 
@@ -136,12 +139,25 @@ void form_TXT::AddState(DocumentState& state) const {
   state.selected_lines = pad->LineOf(end - 1) - pad->LineOf(start) + 1;
 }
 
-DocumentFigures form_TXT::Figures() const { return {.line_ends = pad->UsedLineEnds()}; }
+DocumentFigures form_TXT::Figures() const {
+  if (is_ending_lines_) return {};
+  return {.line_ends = pad->UsedLineEnds()};
+}
 
 void form_TXT::ChangeLineEnds(LineEnds ends) {
   const WaitCursor wait_cursor;
-  pad->SetLineEnds(ends);
+  const bool was_changed = file_.IsChanged();
+  LongWork work(&global_.frame, tr("Changing the line ends of %1").arg(file_.Title()));
+  bool has_changed = false;
+  {
+    const QScopedValueRollback ending(is_ending_lines_, true);
+    has_changed =
+        pad->SetLineEnds(ends, [&](std::size_t done, std::size_t total) { return work.GoOn(done, total) && IsOpen(); });
+  }
+  if (!IsOpen()) return;
+  if (!has_changed) SetChanged(was_changed);
   ShowUndoState();
+  StateChanged();
 }
 
 void form_TXT::AddFormatStep(std::function<void()> undo, std::function<void()> redo) {

@@ -46,6 +46,7 @@ class form_TXT : public PadWindow {
   TextPad* pad = nullptr;
   /// That of the text as it was put.
   TextFormat start_format_;
+  bool is_ending_lines_ = false;
 };
 
 }  // namespace tme
