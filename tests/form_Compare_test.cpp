@@ -3,11 +3,14 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QLineEdit>
+#include <future>
 
 #include "Editor.h"
 #include "WaitFor.h"
 #include "shell/DocumentWindow.h"
 #include "windows/history/DifferenceView.h"
+#include "windows/history/LatestComparison.h"
+#include "windows/history/VersionComparison.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -55,6 +58,31 @@ TEST_F(FormCompareTest, ShowsWhatDiffersByStructureAndByLines) {
   const QString large = File(u"large.ini"_s, "[A]\r\nx=5\r\n\r\n" + std::string(2'000'000, ';') + "\r\n");
   CompareWith(form, large);
   EXPECT_TRUE(Said(form).starts_with("1 line only in the second file (+), 0 lines only")) << Said(form);
+}
+
+TEST_F(FormCompareTest, NobodyWaitsForAComparisonThatIsLeft) {
+  Start();
+  std::promise<void> gate;
+  const std::shared_future<void> opened = gate.get_future();
+  int told = 0;
+  {
+    LatestComparison comparing([&told](const auto&) { ++told; });
+    const auto start = [&comparing](bool waits, const std::shared_future<void>& until) {
+      comparing.Start([=]() -> LatestComparison::Job {
+        const auto compare = [=](const std::stop_token&, VersionComparison&) {
+          if (waits) until.wait();
+        };
+        return {qint64{1} << 30, compare, true};
+      });
+    };
+    start(true, opened);
+    comparing.Cancel();
+    start(false, opened);
+    WaitFor([&told] { return told == 1; });
+    start(true, opened);
+  }
+  EXPECT_EQ(told, 1) << "and nobody waits at the end";
+  gate.set_value();
 }
 
 TEST_F(FormCompareTest, SaysWhatCannotBeRead) {

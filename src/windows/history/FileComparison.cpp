@@ -80,11 +80,11 @@ void CompareFiles(ComparedFile first, ComparedFile second, ComparedBy by, const 
   result.text = std::move(after.text);
   if (same_bytes) {
     result.outcome = VersionComparison::Outcome::SameBytes;
-    result.lines = DiffLines(result.text, result.text);
+    result.lines = DiffLines(result.text, result.text, kMostChangedLines, stop);
     return;
   }
   result.now_text = std::move(before.text);
-  CompareReadable(kind, by, result);
+  CompareReadable(kind, by, result, stop);
 }
 
 QString FilesSummary(const VersionComparison& comparison) {

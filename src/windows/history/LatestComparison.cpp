@@ -1,6 +1,8 @@
 #include "windows/history/LatestComparison.h"
 
+#include <QCoreApplication>
 #include <new>
+#include <stop_token>
 #include <utility>
 
 #include "windows/history/VersionComparison.h"
@@ -27,6 +29,14 @@ std::shared_ptr<const VersionComparison> FailedComparison(const std::exception_p
 
 }  // namespace
 
+LatestComparison::LatestComparison(Done done)
+    : done_(std::move(done)), self_(std::make_shared<LatestComparison*>(this)) {}
+
+LatestComparison::~LatestComparison() {
+  *self_ = nullptr;
+  if (running_ && !Leave()) delete running_->work;
+}
+
 void LatestComparison::Start(const std::function<Job()>& prepare) {
   Cancel();
   OrFail([&] {
@@ -35,17 +45,28 @@ void LatestComparison::Start(const std::function<Job()>& prepare) {
       auto comparison = std::make_shared<VersionComparison>();
       job.compare({}, *comparison);
       done_(std::move(comparison));
-    } else if (working_.IsRunning()) {
-      pending_ = std::move(job.compare);
+    } else if (running_) {
+      pending_ = std::move(job);
     } else {
-      Run(std::move(job.compare));
+      Run(std::move(job));
     }
   });
 }
 
 void LatestComparison::Cancel() {
   ++wanted_;
-  pending_ = nullptr;
+  pending_.reset();
+  if (running_) Leave();
+}
+
+bool LatestComparison::Leave() {
+  running_->stop.request_stop();
+  const bool is_alone = *self_ == nullptr;
+  if (!running_->stands_alone || (left_ != nullptr && !is_alone)) return false;
+  left_ = running_->work;
+  left_->setParent(QCoreApplication::instance());
+  running_.reset();
+  return true;
 }
 
 void LatestComparison::OrFail(const std::function<void()>& act) {
@@ -56,18 +77,38 @@ void LatestComparison::OrFail(const std::function<void()>& act) {
   }
 }
 
-void LatestComparison::Run(Compare compare) {
+void LatestComparison::Run(Job job) {
   auto comparison = std::make_shared<VersionComparison>();
-  auto work = [compare = std::move(compare), comparison](const std::stop_token& stop) { compare(stop, *comparison); };
-  const auto done = [this, comparison, number = wanted_](const std::exception_ptr& thrown) {
-    OrFail([&] {
-      if (number == wanted_)
-        done_(thrown ? FailedComparison(thrown) : comparison);
-      else if (pending_)
-        Run(std::exchange(pending_, nullptr));
-    });
+  auto owned = std::make_unique<BackgroundWork>();
+  BackgroundWork* const work = owned.get();
+  const std::stop_source stop;
+  auto compare = [compare = std::move(job.compare), comparison, token = stop.get_token()](const std::stop_token& end) {
+    // Whoever waits for the work, and whoever leaves it, ask in ways of their own.
+    std::stop_source either;
+    const std::stop_callback on_end(end, [&either] { either.request_stop(); });
+    const std::stop_callback on_leave(token, [&either] { either.request_stop(); });
+    compare(either.get_token(), *comparison);
   };
-  working_.Start(std::move(work), done);
+  const auto done = [self = self_, work, comparison, number = wanted_](const std::exception_ptr& thrown) {
+    work->deleteLater();
+    if (LatestComparison* owner = *self)
+      owner->Ended(*work, [&] {
+        if (number == owner->wanted_) owner->done_(thrown ? FailedComparison(thrown) : comparison);
+      });
+  };
+  work->Start(std::move(compare), done);
+  running_ = {owned.release(), job.stands_alone, stop};
+}
+
+void LatestComparison::Ended(const BackgroundWork& work, const std::function<void()>& tell) {
+  if (left_ == &work)
+    left_ = nullptr;
+  else
+    running_.reset();
+  OrFail([&] {
+    tell();
+    if (pending_ && !running_) Run(*std::exchange(pending_, std::nullopt));
+  });
 }
 
 }  // namespace tme

@@ -43,8 +43,8 @@ void PutNowFirst(std::vector<DiffLine>& lines) {
   }
 }
 
-void CompareTexts(VersionComparison& result) {
-  result.lines = DiffLines(result.now_text, result.text);
+void CompareTexts(VersionComparison& result, const std::stop_token& stop = {}) {
+  result.lines = DiffLines(result.now_text, result.text, kMostChangedLines, stop);
   PutNowFirst(result.lines);
   CountLines(result);
 }
@@ -54,13 +54,16 @@ RegCoding StructureCoding() {
 }
 
 /// Takes both texts for what they say.
-void CompareStructures(DocumentKind kind, VersionComparison& result) {
+void CompareStructures(DocumentKind kind, VersionComparison& result, const std::stop_token& stop) {
   const auto read = [kind](std::string text) {
     return kind == DocumentKind::Ini ? ReadIniOutline(std::move(text))
                                      : ReadRegOutline(std::move(text), StructureCoding());
   };
-  const Outline now = read(std::move(result.now_text)), then = read(result.text);
+  const Outline now = read(std::move(result.now_text));
+  if (stop.stop_requested()) return;
+  const Outline then = read(result.text);
   result.now_text.clear();
+  if (stop.stop_requested()) return;
   result.differences = DiffText(now, then, DiffOutlines(now, then));
   if (result.differences.empty()) {
     result.outcome = VersionComparison::Outcome::SameStructure;
@@ -112,9 +115,9 @@ std::string ReadableText(DocumentKind kind, std::string content) {
   return kind == DocumentKind::Reg ? WithoutAsShownMark(std::move(text)) : text;
 }
 
-void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result) {
-  if (by == ComparedBy::Structure && HasStructure(kind)) return CompareStructures(kind, result);
-  CompareTexts(result);
+void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result, const std::stop_token& stop) {
+  if (by == ComparedBy::Structure && HasStructure(kind)) return CompareStructures(kind, result, stop);
+  CompareTexts(result, stop);
   result.outcome = result.only_here + result.only_now == 0 ? VersionComparison::Outcome::SameLines
                                                            : VersionComparison::Outcome::Different;
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,7 @@ inline constexpr qint64 kMostComparedBytes = qint64{200} << 20;
 std::string ReadableText(DocumentKind kind, std::string content);
 
 /// Compares the result's two readable texts.
-void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result);
+void CompareReadable(DocumentKind kind, ComparedBy by, VersionComparison& result, const std::stop_token& stop = {});
 
 /// Compares; other kinds than INI and registry files by their lines. now: what the document holds; without it the file
 /// is read. Needs no window, any thread may call. A result in which something was thrown is of no use.

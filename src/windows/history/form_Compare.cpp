@@ -135,10 +135,12 @@ void form_Compare::Compare() {
   comparing_.Start([this]() -> LatestComparison::Job {
     ComparedFile first = FileIn(*txt_First), second = FileIn(*txt_Second);
     const qint64 bytes = first.Bytes() + second.Bytes();
-    return {bytes, [first = std::move(first), second = std::move(second), by = pane_->By()](
-                       const std::stop_token& stop, VersionComparison& result) mutable {
+    return {bytes,
+            [first = std::move(first), second = std::move(second), by = pane_->By()](
+                const std::stop_token& stop, VersionComparison& result) mutable {
               CompareFiles(std::move(first), std::move(second), by, stop, result);
-            }};
+            },
+            true};
   });
 }
 
