@@ -46,11 +46,15 @@ class RowsDragged : public RegWindow {
     for (const QModelIndex& row : view.selectionModel()->selectedRows()) texts += row.data().toString();
     return texts;
   }
+  /// A place below all rows.
+  static inline const QStringList kBeside{u"beside the rows"_s};
   /// Lets the selected rows of a view go over a row of another one; false where they cannot be dropped.
   static bool Drag(RowDragView& from, RowDragView& to, const QStringList& path, Qt::DropAction action) {
     const std::unique_ptr<DraggedRows> rows = from.RowsToDrag();
     if (!rows) return false;
-    const QPointF point = to.visualRect(RowAt(to, path)).center();
+    const QRect room = to.viewport()->rect();
+    const QPointF point = path == kBeside ? QPointF(room.center().x(), room.bottom() - 1)
+                                          : QPointF(to.visualRect(RowAt(to, path)).center());
     const auto send = [&](auto&& event) {
       event.setDropAction(action);
       QCoreApplication::sendEvent(to.viewport(), &event);
@@ -100,6 +104,14 @@ TEST_F(RowsDragged, WithinAnIniDocument) {
   EXPECT_NE(rules.windowTitle(), u"r.ini") << "and as a cut";
   SelectAll(Tree(rules), {{u"a"_s}});
   EXPECT_FALSE(Drag(Tree(rules), Tree(rules), {}, kCopy)) << "each section is there once";
+
+  auto& other = OpenAs<form_INI>(u"o.ini"_s, "[p]\nq=1\n[r]\n", Holding::Whole);
+  SelectAll(Tree(other), {{u"p"_s, u"q=1"_s}});
+  EXPECT_TRUE(Drag(Tree(other), Tree(other), kBeside, kMove)) << "an entry to the last section";
+  EXPECT_EQ(other.Content(), "[p]\n[r]\nq=1\n");
+  SelectAll(Tree(other), {{u"p"_s}});
+  EXPECT_TRUE(Drag(Tree(other), Tree(window), kBeside, kCopy)) << "a section to the end";
+  EXPECT_EQ(window.Content(), bytes + "\n[p]\n");
 }
 
 TEST_F(RowsDragged, BetweenIniDocumentsOfAnyHolding) {

@@ -55,9 +55,18 @@ class IniDraggedRows : public DraggedRows {
 
 namespace {
 
-/// Where lines go that are dropped on a node.
-IniNode* PlaceFor(IniNode* node) {
-  return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? node->Parent() : node;
+/// Where rows go that are dropped on a row: below a section or the file. Beside the rows, sections go to the end of the
+/// file, and lines to that of the last section.
+IniNode* PlaceFor(const IniDraggedRows& rows, const QModelIndex& at, const IniTree& tree) {
+  if (at.isValid()) {
+    IniNode* node = IniItemModel::NodeOf(at);
+    return node->Tag() == IniTag::Value || node->Tag() == IniTag::Comments ? node->Parent() : node;
+  }
+  IniNode* root = tree.Root();
+  const bool has_sections =
+      std::ranges::any_of(rows.Nodes(), [](const IniNode* node) { return node->Tag() == IniTag::Section; });
+  IniNode* last = root->ChildCount() > 0 ? root->Child(root->ChildCount() - 1) : root;
+  return has_sections || last->Tag() != IniTag::Section ? root : last;
 }
 
 /// Of the lines of a text, those that become nodes.
@@ -84,11 +93,12 @@ void form_INI::BuildDragging() {
     if (own_kind == nullptr) return DropAnswer{.reason = tr("Keys and values of the registry have no place here.")};
     // Not on one of them.
     const bool has_place =
-        at.isValid() && std::ranges::find(own_kind->Nodes(), IniItemModel::NodeOf(at)) == own_kind->Nodes().end();
-    return has_place ? AnswerTo(*own_kind, action, *PlaceFor(IniItemModel::NodeOf(at))) : DropAnswer();
+        !at.isValid() || std::ranges::find(own_kind->Nodes(), IniItemModel::NodeOf(at)) == own_kind->Nodes().end();
+    return has_place ? AnswerTo(*own_kind, action, *PlaceFor(*own_kind, at, tree_)) : DropAnswer();
   };
   dragging.take = [this](const DraggedRows& rows, Qt::DropAction action, const QModelIndex& at) {
-    TakeRows(static_cast<const IniDraggedRows&>(rows), action, PlaceFor(IniItemModel::NodeOf(at)));
+    const auto& own_kind = static_cast<const IniDraggedRows&>(rows);
+    TakeRows(own_kind, action, PlaceFor(own_kind, at, tree_));
   };
   TV->SetDragging(std::move(dragging));
 }

@@ -92,8 +92,7 @@ RowDragging form_REG::DraggingIn(Focus focus) {
   dragging.answer = [this, focus](const DraggedRows& rows, Qt::DropAction action, const QModelIndex& at) {
     const auto* own_kind = dynamic_cast<const RegDraggedRows*>(&rows);
     if (own_kind == nullptr) return DropAnswer{.reason = tr("Sections and entries of an INI file have no place here.")};
-    const RegNode* key = KeyAt(focus, at);
-    return key == nullptr ? DropAnswer() : AnswerTo(*own_kind, action, *key);
+    return AnswerTo(*own_kind, action, *KeyAt(focus, at));
   };
   dragging.take = [this, focus](const DraggedRows& rows, Qt::DropAction action, const QModelIndex& at) {
     TakeRows(static_cast<const RegDraggedRows&>(rows), action, KeyAt(focus, at));
@@ -101,9 +100,9 @@ RowDragging form_REG::DraggingIn(Focus focus) {
   return dragging;
 }
 
-/// The list belongs to the selected key as a whole.
+/// The list belongs to the selected key as a whole, and the room beside the keys to the file.
 RegNode* form_REG::KeyAt(Focus focus, const QModelIndex& at) const {
-  if (focus == Focus::TV && !at.isValid()) return nullptr;
+  if (focus == Focus::TV && !at.isValid()) return document_.Root();
   RegNode* node = focus == Focus::TV ? RegKeyModel::NodeOf(at) : document_.Selected();
   return node->Tag() == RegTag::Comment ? node->Parent() : node;
 }
