@@ -161,6 +161,28 @@ TEST_F(SourceBesideTree, SelectionGoesBothWays) {
   }
 }
 
+TEST_F(SourceBesideTree, GoesToALineOfTheSource) {
+  const QAction* item = nullptr;
+  for (const Holding holding : {Holding::ByRules, Holding::Whole}) {
+    OpenWith(DocumentKind::Ini, holding, kIniText);
+    ExpectShown(kIniText);
+    item = global_.menus.Action(u"menu_SearchGoToLine"_s);
+    EXPECT_TRUE(item->isEnabled());
+    window_->GoToLine(7);
+    ExpectMarked("z=\r\n");
+    EXPECT_EQ(Ini().Tree().Selected()->Text(), "z=");
+    EXPECT_EQ(window_->State().place->line, 7);
+    window_->FileClose();
+  }
+  OpenWith(DocumentKind::Reg, Holding::ByRules, kRegText);
+  ExpectShown(kRegText);
+  window_->GoToLine(5);
+  ExpectMarked("\"y\"=hex:01,02\r\n");
+  window_->ViewSource();
+  EXPECT_FALSE(item->isEnabled()) << "only the source has lines";
+  window_->ViewSource();
+}
+
 TEST_F(SourceBesideTree, NoMarkStaysOnLinesThatMoved) {
   OpenWith(DocumentKind::Ini, Holding::Whole, kIniText);
   ExpectShown(kIniText);

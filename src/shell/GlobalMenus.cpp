@@ -159,7 +159,8 @@ constexpr std::array kRows{
         "Shift+F3"},
     Row{"menu_Search", "menu_SearchReplace", QT_TR_NOOP("&Replace"), kDocuments, "SearchReplace", "search-replace",
         "Ctrl+H"},
-    Row{"menu_Search", "menu_SearchGoToLine", QT_TR_NOOP("&Go to Line..."), kTxt, nullptr, nullptr, "Ctrl+G"},
+    Row{"menu_Search", "menu_SearchGoToLine", QT_TR_NOOP("&Go to Line..."), kIni | kReg | kTxt, nullptr, nullptr,
+        "Ctrl+G"},
 
     OpenMenu("", "menu_Format", QT_TR_NOOP("&Format")),
     Row{"menu_Format", "menu_FormatFont", QT_TR_NOOP("&Font"), kRtf, "FormatFont", "format-font"},

@@ -65,6 +65,7 @@ void SourcePane::Show() {
   document_->Listen([this] { Follow(); });
   connect(view_, &SourceView::CaretMoved, this, &SourcePane::SelectCaretLine, Qt::QueuedConnection);
   connect(view_, &SourceView::CaretMoved, this, &SourcePane::FindFault, Qt::QueuedConnection);
+  connect(view_, &SourceView::PlaceChanged, this, &SourcePane::PlaceChanged, Qt::QueuedConnection);
   connect(view_, &SourceView::Entered, this, &SourcePane::FocusChanged);
   connect(view_, &SourceView::Left, this, [this] {
     Commit();
@@ -150,6 +151,24 @@ void SourcePane::SelectCaretLine() {
     if (line >= marked.first && line < marked.first + marked.count) return;
   selected_line_ = line;
   document_->SelectLine(*view_, line);
+  Follow();
+}
+
+std::optional<DocumentState::Place> SourcePane::Place() const {
+  if (!view_) return std::nullopt;
+  const PadPosition line = view_->CaretLine();
+  const std::int64_t column = view_->CharactersBetween(view_->StartOf(line), view_->Caret(), TextPad::Count::Column);
+  return DocumentState::Place{.line = line + 1, .column = column + 1, .lines = view_->LineCount()};
+}
+
+void SourcePane::GoToLine(std::int64_t line) {
+  if (!view_) return;
+  Commit();
+  if (follow_.isActive()) FollowNow();
+  const PadPosition start = view_->StartOf(line - 1);
+  view_->Select(start, start);
+  selected_line_ = line - 1;
+  document_->SelectLine(*view_, line - 1);
   Follow();
 }
 

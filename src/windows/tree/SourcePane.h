@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "shell/DocumentState.h"
 #include "windows/tree/SourceDocument.h"
 
 class QSplitter;
@@ -36,11 +37,16 @@ class SourcePane : public QObject {
   bool IsEditable() const { return document_->Pieces() != nullptr; }
   /// While the text has the focus, commands of the window about a selection are its own. Returns false for any other.
   bool TakeCommand(std::string_view command) { return HasFocus() && view_->RunCommand(command); }
+  /// Of the caret, as people count; null while the pane is hidden.
+  std::optional<DocumentState::Place> Place() const;
+  /// Goes to a line, from 1, and selects what it belongs to.
+  void GoToLine(std::int64_t line);
   /// Why the line that the user is in is not understood; empty for one that is, and when he has left for the tree.
   const QString& Fault() const { return fault_; }
 
  signals:
   void FaultChanged();
+  void PlaceChanged();
   /// The focus came or went.
   void FocusChanged();
   /// By what was typed.

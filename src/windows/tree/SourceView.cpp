@@ -35,6 +35,7 @@ SourceView::SourceView(QWidget* parent, const SourceLexer& lexer) : TextPad(pare
   });
   connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
     if (updated & SC_UPDATE_V_SCROLL && is_plain_in_sight_) StyleInSight();
+    if (updated & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) emit PlaceChanged();
     if (updated & SC_UPDATE_SELECTION && hasFocus() && !is_following_) emit CaretMoved();
   });
   ApplyEditable();

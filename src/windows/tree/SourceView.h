@@ -57,6 +57,8 @@ class SourceView : public TextPad {
   /// By the user.
   void Typed();
   void CaretMoved();
+  /// The caret's line or column may be another one now, whoever moved it.
+  void PlaceChanged();
   void Entered();
   void Left();
 

@@ -45,6 +45,8 @@ class TreeDocumentWindow : public DocumentWindow, private EditableDocument::Step
 
   void PutContent(std::string bytes, Holding holding) override;
   void ChangeLineEnds(LineEnds ends) override;
+  /// Of the source; nothing while it is hidden. Selects what the line belongs to.
+  void GoToLine(std::int64_t line) override;
 
   /// A position of the document's steps comes back as it was left: content, selection, the file's encoding, the changed
   /// flag, and what was in sight. After a save, all positions but that of the save count as changed.

@@ -31,6 +31,7 @@ QWidget* TreeDocumentWindow::MakeTreeArea(QWidget& client) {
   source_ = std::make_unique<SourcePane>(global_, *splitter, MakeSourceDocument());
   connect(source_.get(), &SourcePane::DocumentEdited, this, [this] { SetChanged(true); });
   connect(source_.get(), &SourcePane::FaultChanged, this, &TreeDocumentWindow::StateChanged);
+  connect(source_.get(), &SourcePane::PlaceChanged, this, &TreeDocumentWindow::StateChanged);
   // The focus also goes while all windows do, when there are no commands any more.
   connect(source_.get(), &SourcePane::FocusChanged, this, &TreeDocumentWindow::UpdateCommands, Qt::QueuedConnection);
   return area;
@@ -66,12 +67,18 @@ void TreeDocumentWindow::ShowSourceItems() {
   global_.menus.SetChecked("menu_ViewSource", settings.show_source);
   global_.menus.SetChecked("menu_ViewSourceBeside", settings.source_beside);
   global_.menus.SetAvailable("menu_ViewSourceBeside", settings.show_source);
+  // Lines have numbers in the source alone.
+  global_.menus.SetAvailable("menu_SearchGoToLine", settings.show_source);
 }
 
 void TreeDocumentWindow::FollowInSource() {
   if (!source_) return;
   source_->ApplySettings();
   source_->Follow();
+}
+
+void TreeDocumentWindow::GoToLine(std::int64_t line) {
+  if (source_) source_->GoToLine(line);
 }
 
 bool TreeDocumentWindow::TakeCommand(const QByteArray& command) {

@@ -19,7 +19,10 @@ void TreeDocumentWindow::WatchState(const QAbstractItemView& view) {
 
 void TreeDocumentWindow::AddState(DocumentState& state) const {
   state.holding = GetHolding();
-  if (source_) state.fault = source_->Fault();
+  if (source_) {
+    state.fault = source_->Fault();
+    state.place = source_->Place();
+  }
   if (GetHolding() == Holding::Whole) return;
   state.line_ends = LineEnds::CrLf;
   state.line_ends_stay =
