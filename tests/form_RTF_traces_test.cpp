@@ -57,7 +57,7 @@ TEST_F(FormRtf, TracesOfWhatItCannotShowAreNoPartOfTheFile) {
   tips.sort();
   const QString when = QLocale().toString(QDateTime({2015, 7, 29}, {16, 31}), QLocale::ShortFormat);
   EXPECT_EQ(tips.join(u'|'),
-            QStringList({u"Check box, which is kept and not shown"_s, u"Comment (Ann, %1): said"_s.arg(when),
+            QStringList({u"Check box, which is kept and not shown"_s, u"Comment (Ann, %1)\nsaid"_s.arg(when),
                          u"Endnote\nnote"_s, u"Footer: low \u03A9\nKept when the document is saved"_s,
                          u"Formula\n1/2"_s, u"Formula, which is kept and not shown: x"_s, u"Hidden text: hid"_s,
                          u"Link, which is not opened here\nhttp://b.org/x\nIts text looks like another "

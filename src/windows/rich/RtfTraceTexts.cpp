@@ -65,7 +65,7 @@ QString RtfTraceTexts::OfUnseen(const rtf::Unseen& unseen) const {
   switch (unseen.kind) {
     case UnseenKind::Comment: {
       const QString who = ByWhom(InOneLine(unseen.author), unseen.time);
-      return WithText(who.isEmpty() ? tr("Comment") : tr("Comment (%1)").arg(who), text);
+      return (who.isEmpty() ? tr("Comment") : tr("Comment (%1)").arg(who)) + u'\n' + text;
     }
     case UnseenKind::Formula:
       return WithText(tr("Formula, which is kept and not shown"), text);
@@ -82,14 +82,19 @@ QString RtfTraceTexts::OfUnseen(const rtf::Unseen& unseen) const {
   return WithText(tr("%1, from this section on").arg(PagesOf(unseen)), text);
 }
 
+QString RtfTraceTexts::OfGroups(const std::string& groups) {
+  QStringList texts;
+  for (const rtf::Unseen& unseen : rtf::UnseenIn(groups, texts_)) texts.append(OfUnseen(unseen));
+  return texts.join(u'\n');
+}
+
 QString RtfTraceTexts::OfAttached(const std::vector<RtfStore::Attached>& parts) {
   QStringList texts;
   std::string hidden;
   for (const RtfStore::Attached& part : parts) {
     hidden += part.hidden_text;
     const rtf::Object* object = rtf::EntryOf(store_.document.objects, part.object);
-    if (!object) continue;
-    for (const rtf::Unseen& unseen : rtf::UnseenIn(object->rtf, texts_)) texts.append(OfUnseen(unseen));
+    if (const QString text = object ? OfGroups(object->rtf) : QString(); !text.isEmpty()) texts.append(text);
   }
   if (const QString text = InOneLine(hidden); !text.isEmpty()) texts.append(WithText(tr("Hidden text"), text));
   return texts.join(u'\n');

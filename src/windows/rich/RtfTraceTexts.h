@@ -37,6 +37,8 @@ class RtfTraceTexts {
   };
   /// number: of a char format, plus 1.
   Revision OfFormat(int number);
+  /// Of comments, fields, headers and the like among groups as they came; empty for none.
+  QString OfGroups(const std::string& groups);
   /// Of comments, formulas, hidden text and headers of sections among what stands unseen at a place; empty for none.
   QString OfAttached(const std::vector<RtfStore::Attached>& parts);
 
