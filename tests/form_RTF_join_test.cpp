@@ -35,6 +35,8 @@ const JoinCase kJoins[] = {
      "{\\stylesheet{\\s4 other;}}", "\\s4"},
     {"", "{\\stylesheet{\\s1\\f0\\u8364?;}}", "\\pard\\s1 b\\par c\\par", "{\\stylesheet{\\s1\\uc1\\f0\\u8364?;}}",
      "\\s1"},
+    {"\\uc0{\\stylesheet{\\s3 Mine;}}", "{\\stylesheet{\\s1\\u8364?;}}", "\\pard\\s1 b\\par c\\par",
+     "{\\stylesheet\\uc0{\\s3 Mine;}{\\s1\\uc1\\u8364?;}}", "\\s1"},
     {"{\\*\\listtable{\\list\\listid7}}{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}",
      "{\\*\\listtable{\\list{\\listlevel\\levelnfc4{\\leveltext\\'02\\'00);}}\\listid7}}"
      "{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}",

@@ -42,14 +42,20 @@ TEST_F(FormRtf, APasteKeepsWhatTheClipboardHolds) {
 }
 
 TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
-  form_RTF& window = New();
+  form_RTF& window = Open("{\\rtf1\\ansi{\\*\\unknown x}\\pard first}");
+  RtfPad& pad = PadOf(window);
+  pad.Select(pad.End(), pad.End());
+  QTest::keyClick(&pad, Qt::Key_Return);
   auto* html = new QMimeData;
   html->setHtml(
-      u"<h1>big</h1><ol><li>one<ol type=a><li>inner</li></ol></li></ol><p style='font-family:monospace'>c</p>"
-      u"<table border=0><tr><td>bare</td></tr></table><table border=1><tr><td>framed</td></tr></table>"_s);
+      u"<h1>big</h1><ol start=4><li>one<ol type=a><li>inner</li></ol></li></ol><p style='font-family:monospace'>c</p>"
+      u"<table border=0><tr><td bgcolor=#ff0000>bare</td></tr></table><table border=1 "
+      u"width=200><tr><td>framed</td></tr></table>"
+      u"<img src='file:///x.png'><img src='data:image/png;base64,iVBORw0KGgo='>"_s);
   QGuiApplication::clipboard()->setMimeData(html);
   window.EditPaste();
   const std::string written = window.Content();
+  EXPECT_NE(written.find("\\pard first\\par"), std::string::npos) << "the rest stays as it is: " << written;
   const rtf::RtfDocument document = rtf::Read(written);
   const auto format_at = [&](std::string_view text) -> const rtf::CharFormat& {
     std::size_t at = 0, run = 0;
@@ -62,11 +68,14 @@ TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
   const auto list_of = [&](std::size_t paragraph) {
     const rtf::ParagraphFormat& format = document.paragraph_formats[document.paragraphs[paragraph].format];
     return std::to_string(static_cast<int>(format.list)) + " " + std::to_string(format.list_level) + " " +
-           std::to_string(format.left);
+           std::to_string(format.left) + " " + std::to_string(format.list_start);
   };
-  EXPECT_EQ(list_of(1), "2 0 720");
-  EXPECT_EQ(list_of(2), "3 1 1440");
+  EXPECT_EQ(list_of(2), "2 0 720 4");
+  EXPECT_EQ(list_of(3), "3 1 1440 1");
   ASSERT_EQ(document.rows.size(), 2U);
   EXPECT_EQ(document.rows[0].definition.find("brdrs"), std::string::npos);
+  EXPECT_NE(document.rows[0].definition.find("clcbpat"), std::string::npos);
   EXPECT_NE(document.rows[1].definition.find("brdrs"), std::string::npos);
+  EXPECT_EQ(document.cells[1].right_edge, 3000);
+  EXPECT_EQ(document.objects.size(), 1U) << "what stands elsewhere is not asked for";
 }

@@ -124,6 +124,18 @@ std::string TextOfTable(HeaderTable table, std::span<const JoinedEntry* const> e
   return std::string(kTableStarts[static_cast<std::size_t>(table)]).append(text).append("}");
 }
 
+std::string WithoutTableSkips(std::string header) {
+  constexpr std::string_view kSkip = "\\uc";
+  for (const std::string_view start : kTableStarts) {
+    const std::size_t at = header.find(start);
+    if (at == std::string::npos || header.compare(at + start.size(), kSkip.size(), kSkip) != 0) continue;
+    std::size_t end = at + start.size() + kSkip.size();
+    while (end < header.size() && IsDigit(header[end])) ++end;
+    header.erase(at + start.size(), end - at - start.size());
+  }
+  return header;
+}
+
 std::string HeaderWith(const std::string& kept_header, std::size_t at, std::span<const JoinedEntry* const> entries) {
   if (entries.empty()) return kept_header;
   std::array<std::size_t, kHeaderTables> ends{};

@@ -31,6 +31,10 @@ std::vector<HeaderEntry> HeaderEntriesOf(const RtfDocument& document, const Deco
 /// A kept header with entries added to its tables. at: where in it a table is made that it has not.
 std::string HeaderWith(const std::string& kept_header, std::size_t at, std::span<const JoinedEntry* const> entries);
 
+/// A header without what its tables say of the bytes behind \u where they begin: the reader adds that where an entry
+/// has such characters, and joined entries say it themselves.
+std::string WithoutTableSkips(std::string header);
+
 /// The entries of one table, as they are added: to the table, or (whole) as a table of their own.
 enum class TableText : std::uint8_t { Entries, Whole };
 std::string TextOfTable(HeaderTable table, std::span<const JoinedEntry* const> entries, TableText which);

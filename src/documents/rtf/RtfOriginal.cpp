@@ -161,7 +161,7 @@ std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, con
     std::string bytes = Patched(sides, hunks, tables, failures);
     if (failures.empty()) {
       const RtfDocument read = ReadRtf(bytes, decode);
-      const bool same_rest = read.kept_header == tables.Header(kept_header_) && read.kept_section == kept_section_ &&
+      const bool same_rest = tables.HasMade(read.kept_header, kept_header_) && read.kept_section == kept_section_ &&
                              read.document_controls == document_controls_ && read.kept_behind.size() == kept_behind_ &&
                              read.losses.ended_early == ended_early_;
       failures = same_rest ? Check(sides, read, tables.UnnamedFont()).Run(hunks) : Check::All(hunks);

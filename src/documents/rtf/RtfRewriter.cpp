@@ -12,6 +12,7 @@ namespace {
 using Level = RtfHunk::Level;
 using MarkKind = RtfSource::MarkKind;
 
+constexpr std::string_view kEndOfLast = "\\par";
 constexpr char kBreakOfSection = '\f';
 
 }  // namespace
@@ -97,11 +98,19 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
   }
   const std::string skeleton = SkeletonOf(sides_.bytes, source, stretch);
   patch_.Replace(stretch.begin, end, skeleton);
+  if (FollowsOpenEnd(hunk)) patch_.Replace(end, end, kEndOfLast);
   patch_.Replace(end, end, Written(hunk, part));
   // Objects may stand between the end of the last cell and that of its row.
   for (std::size_t i = stretch.first_piece; i < stretch.end_piece; ++i)
     if (source.pieces[i].begin >= end) patch_.Replace(source.pieces[i].begin, source.pieces[i].end, {});
   return true;
+}
+
+/// Whether it comes behind a paragraph that the end of the file ends.
+bool RtfRewriter::FollowsOpenEnd(const RtfHunk& hunk) const {
+  if (hunk.before_begin < hunk.before_end || hunk.before_begin == 0) return false;
+  const RtfSource::Mark& mark = sides_.source.marks[hunk.before_begin - 1];
+  return mark.begin == mark.end;
 }
 
 std::string RtfRewriter::Written(const RtfHunk& hunk, RtfPart part) {

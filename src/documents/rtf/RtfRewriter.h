@@ -37,6 +37,7 @@ class RtfRewriter {
   bool RewriteCells(RtfHunk hunk);
   bool RewritePart(const RtfHunk& hunk, std::size_t depth);
   std::uint32_t BeginOf(std::size_t paragraph) const;
+  bool FollowsOpenEnd(const RtfHunk& hunk) const;
   std::string Written(const RtfHunk& hunk, RtfPart part);
 
   const Sides& sides_;

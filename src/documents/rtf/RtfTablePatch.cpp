@@ -55,8 +55,11 @@ void RtfTablePatch::Write(Patch& patch) const {
   }
 }
 
-std::string RtfTablePatch::Header(const std::string& kept_header) const {
-  return HeaderWith(kept_header, source_.header.kept, uses_.Joined());
+bool RtfTablePatch::HasMade(const std::string& read_header, const std::string& kept_header) const {
+  const std::vector<const JoinedEntry*> joined = uses_.Joined();
+  if (joined.empty()) return read_header == kept_header;
+  const std::string wanted = HeaderWith(kept_header, source_.header.kept, joined);
+  return read_header == wanted || WithoutTableSkips(read_header) == WithoutTableSkips(wanted);
 }
 
 }  // namespace tme::rtf

@@ -23,8 +23,8 @@ class RtfTablePatch {
   void Note(const RtfHunk& hunk) { uses_.Note(hunk.after_begin, hunk.after_end); }
   /// Adds what the file does not have to its tables, or makes these.
   void Write(Patch& patch) const;
-  /// A file's kept header, as that makes it.
-  std::string Header(const std::string& kept_header) const;
+  /// Whether that made of a file's kept header what was read again.
+  bool HasMade(const std::string& read_header, const std::string& kept_header) const;
 
  private:
   const RtfDocument& after_;
