@@ -78,7 +78,7 @@ void Run(std::string_view input) {
   const std::string our_text = EditedLines(text, our_script), their_text = EditedLines(text, their_script);
   const Outline base = Read(is_reg, text), ours = Read(is_reg, our_text), theirs = Read(is_reg, their_text);
   // A blank line at the end is no difference, but keeps from taking a shortcut.
-  const bool is_whole = text.ends_with('\n') && our_text.ends_with('\n');
+  const bool is_whole = our_text != text && text.ends_with('\n') && our_text.ends_with('\n');
   if (const auto same = MergeOutlines(base, ours, Read(is_reg, is_whole ? text + '\n' : text)))
     Promise(same->text == our_text && same->conflicts.empty(), "what they did not change becomes ours");
   if (const auto same = MergeOutlines(base, base, theirs))
@@ -92,6 +92,13 @@ void Run(std::string_view input) {
     const auto count = [&side](Outline::Sort sort) {
       return std::ranges::count(side.Items(), sort, &Outline::Item::sort);
     };
+    // A line that stands deeper is part of what comes to stand above it.
+    const auto is_loose = [&side](const Outline::Item& item) {
+      const std::string_view line = std::string_view(side.Text()).substr(item.at);
+      const bool is_bare = line.substr(0, line.find_first_of("\r\n")).find('=') == line.npos;
+      return item.sort == Outline::Sort::Entry && is_bare && line.find_first_of(" \t") == 0;
+    };
+    if (side.FileKind() == Outline::Kind::Ini && std::ranges::any_of(side.Items(), is_loose)) return true;
     const bool is_reg_file = side.FileKind() == Outline::Kind::Reg;
     return side.Coding().version != base.Coding().version ||
            (is_reg_file && (count(Outline::Sort::FileHeader) != 1 || count(Outline::Sort::Other) > 0));

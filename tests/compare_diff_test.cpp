@@ -45,6 +45,54 @@ TEST(CompareDiff, OfIniFilesTellsWhatTheySay) {
             "+; d\n-; c\n");
 }
 
+TEST(CompareDiff, LinesThatStandDeeperAreMoreOfAValue) {
+  struct Case {
+    const char *what, *before, *after, *diff;
+  } const cases[] = {
+      {"a line below another key", "[t]\nd =\n  x\ns =\n  y\n", "[t]\nd =\n  y\ns =\n  x\n",
+       " [t]\n-d=\\nx\n+d=\\ny\n-s=\\ny\n+s=\\nx\n"},
+      {"another order of lines", "d=1\n x\n y\n", "d=1\n y\n x\n", "-d=1\\nx\\ny\n+d=1\\ny\\nx\n"},
+      {"depth, blank lines, comments, line ends", "d=1\n x\n y\nz=1\n", "d = 1\r\n\t\tx\r\n\r\n; c\r\n  y\r\nz=1\r\n",
+       ""},
+      {"one line more at the end", "d=1\n x\n\n[B]\n", "d=1\n x\n\n y\n[B]\n", "-d=1\\nx\n+d=1\\nx\\ny\n"},
+      {"a key without a value", "[A]\nd\n x\n", "[A]\nd\n y\n", " [A]\n-d=\\nx\n+d=\\ny\n"},
+      {"as deep as the key: an entry", "[A]\n x\n y\n", "[A]\n y\n x\n", ""},
+      {"with a \"=\": an entry", "[A]\na=1\n  b=2\n", "[A]\nb=2\na=1\n", ""},
+      {"the first of a section: an entry", "a=1\n[A]\n  x\n[B]\n", "a=1\n[B]\n[A]\nx\n", ""},
+  };
+  for (const auto& it : cases) {
+    EXPECT_EQ(DiffIni(it.before, it.after), it.diff) << it.what;
+    EXPECT_EQ(DiffIni(it.after, it.after, OutlineOrder::Told, OutlineOptions::Comments::Found), "") << it.what;
+  }
+  EXPECT_EQ(DiffIni("d=1\n ; c\n x\n", "d=1\n x\n", OutlineOrder::PassedOver, OutlineOptions::Comments::Found),
+            "-d=1\\n; c\\nx\n+d=1\\nx\n");
+  // Each line belongs to one item, so that a merge loses none.
+  const std::string text = "; a\n\n[t]\nd=1\n\n# c\n x\n# free\n\ne=1\n   \n";
+  const Outline outline = ReadIniOutline(text);
+  std::string lines;
+  for (Outline::Index item = 0; item < outline.Items().size(); ++item) lines += outline.LinesOf(item);
+  EXPECT_EQ(lines, text);
+  EXPECT_EQ(outline.LinesOf(3), "d=1\n\n# c\n x\n");
+}
+
+TEST(CompareDiff, CommentsBesideRegistryValuesCountWhereAskedFor) {
+  const OutlineOptions found{.comments = OutlineOptions::Comments::Found};
+  const std::string top = "REGEDIT4\n[K]\n";
+  struct Case {
+    const char *before, *after, *diff;
+  } const cases[] = {
+      {"\"q\"=\"x\" ; a\n", "\"q\"=\"x\"  ; a\n", ""},
+      {"\"q\"=\"x\" ; a\n", "\"q\"=\"x\" ; b\n", " [K]\n-\"q\"=\"x\" ; a\n+\"q\"=\"x\" ; b\n"},
+      {"\"q\"=\"x\"\n", "\"q\"=\"x\" ; b\n", " [K]\n-\"q\"=\"x\"\n+\"q\"=\"x\" ; b\n"},
+      {"\"q\"=hex:01,\\\n; in\n  02\n", "\"q\"=hex:01,\\\n  02\n", " [K]\n-\"q\"=hex:01,02 ; in\n+\"q\"=hex:01,02\n"},
+  };
+  for (const auto& it : cases) {
+    EXPECT_EQ(DiffOf(ReadRegOutline(top + it.before, kCoding, found), ReadRegOutline(top + it.after, kCoding, found)),
+              it.diff);
+    EXPECT_EQ(DiffReg(top + it.before, top + it.after), "") << "not asked for";
+  }
+}
+
 TEST(CompareDiff, OfRegistryFilesTellsWhatTheySay) {
   const std::string v5 = "Windows Registry Editor Version 5.00\n", v4 = "REGEDIT4\n";
   struct Case {
@@ -86,6 +134,12 @@ TEST(CompareDiff, AsARegistryFileMakesOneTheOther) {
        "\r\n[K\\S]\r\n"},
       {"[\\-K]\n\"a\"=\"1\"\n", "", "\r\n[--K]\r\n", "\r\n[\\-K]\r\n\"a\"=\"1\"\r\n"},
       {"[K]\n\"a\"=\"1\"\n", "; c\n[K]\n\"a\"=\"1\"\n", "", ""},
+      // Values in another order, in several blocks, with comments between them, and names that come again.
+      {"[K]\n\"a\"=\"1\"\n\"b\"=\"2\"\n; c\n\"c\"=\"3\"\n[L]\n\"a\"=\"1\"\n[k]\n\"d\"=\"4\"\n",
+       "[L]\n\"A\"=\"1\"\n[K]\n\"d\"=\"4\"\n\"c\"=\"3\"\n\n\"b\"=\"2\"\n\"a\"=\"0\"\n\"a\"=\"1\"\n", "", ""},
+      {"[K]\n\"a\"=\"1\"\n\"b\"=\"2\"\n[L]\n\"b\"=\"9\"\n", "[L]\n\"b\"=\"2\"\n[K]\n\"b\"=\"2\"\n\"b\"=\"3\"\n",
+       "\r\n[L]\r\n\"b\"=\"2\"\r\n\r\n[K]\r\n\"a\"=-\r\n\"b\"=\"3\"\r\n",
+       "\r\n[K]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\"\r\n\r\n[L]\r\n\"b\"=\"9\"\r\n"},
   };
   const auto expected = [&v5](const char* blocks) { return *blocks == '\0' ? std::string() : v5 + blocks; };
   for (const auto& it : cases) {

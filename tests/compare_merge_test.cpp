@@ -59,6 +59,18 @@ TEST(CompareMerge, OfIniFilesKeepsWhatBothSidesDid) {
        "; new\n; lines\na=1\n\n; other\n\nb=1\n", "; new\n; lines\na=2\n\n; other\n\nb=1\n"},
       {"comments that we wrote above what they deleted stay", "[S]\nk=1\nj=1\n[T]\nt=1\n",
        "[S]\n; ours\nk=1\nj=1\n; mine\n[T]\n; in\nt=1\n", "[S]\nj=1\n", "[S]\n; ours\nj=1\n; mine\n; in\n"},
+      {"comments that they wrote above what we deleted come", "[S]\nk=1\nj=1\n[T]\nt=1\n", "[S]\nj=1\n",
+       "[S]\n; theirs\nk=1\nj=1\n; mine\n[T]\n; in\nt=1\n", "[S]\n; theirs\nj=1\n; mine\n; in\n"},
+      {"old comments go with what they stand above", "; of k\nk=1\n\n; free\n\nj=1\n", "j=1\n",
+       "; of k\nk=1\n\n; free\n\nj=2\n", "j=2\n"},
+      {"comments of their own in a section that goes", "[S]\ns=1\n\n[T]\nt=1\n", "[S]\ns=1\n\n[T]\n; ours\n\nt=1\n",
+       "[S]\ns=2\n", "[S]\ns=2\n; ours\n"},
+      {"lines that stand deeper", "[t]\nd =\n  a\n  b\ne=1\n", "[t]\nd =\n  a\n  b\ne=2\n", "[t]\nd =\n  a\n  c\ne=1\n",
+       "[t]\nd =\n  a\n  c\ne=2\n"},
+      {"such lines in our writing", "[t]\nd =\n  a\n\n[u]\nu=1\n", "[t]\r\nD = \r\n\ta\r\n\r\n[u]\r\nu=2\r\n",
+       "[t]\nd =\n  a\n  # c\n  b\n\n[u]\nu=1\n", "[t]\r\nD = \r\n  a\r\n  # c\r\n  b\r\n\r\n[u]\r\nu=2\r\n"},
+      {"a value of several lines becomes one", "d=\n  a\nx=1\n", "d=\n    a\nx=2\n", "d=1\nx=1\n", "d=1\nx=2\n"},
+      {"and is deleted whole", "d=\n  a\n\n  b\nx=1\n", "d=\n  a\n\n  b\nx=2\n", "x=1\n", "x=2\n"},
       {"comments that we changed stay", "# old\na=1\nx=1\n", "# ours\na=1\nx=1\n", "# theirs\na=3\nx=1\n",
        "# ours\na=3\nx=1\n"},
       {"sections of theirs come behind their neighbours", "[A]\na=1\n\n[B]\nb=1\n",
@@ -84,6 +96,8 @@ TEST(CompareMerge, ConflictsAreMarkedAndKeepBoth) {
        "2 [A] K=2\n"},
       {"both added", "# c\n[A]\n", "# c\n[A]\nn=1\n", "# c\n[A]\nn=2\n",
        "# c\n[A]\n# MERGE CONFLICT theirs: n=2\nn=1\n", "3 [A] n=1\n"},
+      {"values of several lines", "d=\n  a\nx=1\n", "d=\n  a\n  b\nx=1\n", "d=\n  c\nx=1\n",
+       "; MERGE CONFLICT theirs: d=\n; MERGE CONFLICT theirs:   c\nd=\n  a\n  b\nx=1\n", "1  d=\\na\\nb\n"},
       {"they deleted what we changed", "a=1\nb=1\n", "a=2\nb=1\n", "b=1\n",
        "; MERGE CONFLICT theirs: deleted\na=2\nb=1\n", "1  a=2\n"},
       {"we deleted what they changed", "a=1\nb=1\n", "b=1\n", "a=2\nb=1\n",
@@ -107,7 +121,7 @@ TEST(CompareMerge, OfRegistryFiles) {
     std::string base, ours, theirs, merged;
     const char* conflicts = "";
   };
-  const std::string hex2 = "\"x\"=hex(2):41,00,00,00\n";
+  const std::string k = "[K]\n\"x\"=\"1\"\n", hex2 = "\"x\"=hex(2):41,00,00,00\n";
   const RegCase cases[] = {
       {"letter case and paths", v5 + "[HKEY_USERS\\K]\n\"a\"=\"1\"\n\"b\"=\"1\"\n",
        v5 + "[HKEY_USERS\\\\k]\n\"A\" = \"2\"\n\"b\"=\"1\"\n", v5 + "[HKEY_USERS\\K]\n\"a\"=\"1\"\n\"B\"=\"3\"\n",
@@ -124,6 +138,16 @@ TEST(CompareMerge, OfRegistryFiles) {
        v5 + "[-K]\n[K]\n@=hex:03,\\\n  04\n\"v\"=-\n",
        v5 + "[-K]\n[K]\n; MERGE CONFLICT theirs: @=hex:03,\\\n; MERGE CONFLICT theirs:   04\n@=hex:02\n\"v\"=-\n",
        "4 [K] @=hex:02\n"},
+      {"their deletion of a key in which we added", v4 + k + "[K\\S]\n", v4 + k + "\"y\"=\"1\"\n[K\\S]\n",
+       v4 + k + "[K\\S]\n\n; why\n[-k]\n\"z\"=\"1\"\n",
+       v4 + k + "\"y\"=\"1\"\n[K\\S]\n\n; why\n; MERGE CONFLICT theirs: [-k]\n; MERGE CONFLICT theirs: \"z\"=\"1\"\n",
+       "8 [-k] \n"},
+      {"our deletion of a key below which they added", v4 + k, v4 + k + "[-K]\n", v4 + k + "[K\\N]\n\"n\"=\"1\"\n",
+       v4 + k + "; MERGE CONFLICT ours: [-K]\n[K\\N]\n\"n\"=\"1\"\n", "4 [-K] \n"},
+      {"deletions of what the other one left alone", v4 + k + "[L]\n\"l\"=\"1\"\n", v4 + k + "[L]\n\"l\"=\"2\"\n",
+       v4 + k + "[L]\n\"l\"=\"1\"\n[-K]\n", v4 + k + "[L]\n\"l\"=\"2\"\n[-K]\n"},
+      {"a deletion before its key is a clean start", v4 + k, v4 + k + "\"y\"=\"1\"\n", v4 + "[-K]\n" + k,
+       v4 + "[-K]\n" + k + "\"y\"=\"1\"\n"},
       {"lines of pairs", "REGEDIT\nHKEY_USERS\\a = 1\nHKEY_USERS\\b = 1\n",
        "REGEDIT\nHKEY_USERS\\a = 2\nHKEY_USERS\\b = 1\n", "REGEDIT\nHKEY_USERS\\a = 1\nHKEY_USERS\\B = 3\n",
        "REGEDIT\nHKEY_USERS\\a = 2\nHKEY_USERS\\B = 3\n"},

@@ -51,6 +51,7 @@ class Merging {
         out_(ours, theirs) {}
 
   MergeResult Run() && {
+    FindDisputedDeletions();
     const std::vector<MergeAddition> added_groups = AddedGroups();
     auto added = added_groups.begin();
     for (UnitIndex group = 0; group < ours_.Groups().size(); ++group) {
@@ -85,13 +86,39 @@ class Merging {
          [this](UnitIndex ours) { return base_of_our_groups_[ours] == kNoUnit && their_groups_[ours] == kNoUnit; },
          [this](UnitIndex theirs) {
            if (our_groups_[theirs] != kNoUnit) return false;
-           return base_of_their_groups_[theirs] == kNoUnit || HaveTheyChangedGroup(theirs);
+           if (base_of_their_groups_[theirs] == kNoUnit || HaveTheyChangedGroup(theirs)) return true;
+           const MergeUnits::Range range = theirs_.Groups()[theirs];
+           for (UnitIndex unit = range.begin; unit < range.end; ++unit)
+             if (!TheirNewComments(unit).empty()) return true;
+           return false;
          }});
+  }
+
+  void FindDisputedDeletions() {
+    const auto is_ours_new = [this](UnitIndex ours) {
+      return base_of_our_groups_[ours] == kNoUnit && their_groups_[ours] == kNoUnit;
+    };
+    const auto is_theirs_new = [this](UnitIndex theirs) {
+      return base_of_their_groups_[theirs] == kNoUnit && our_groups_[theirs] == kNoUnit;
+    };
+    const auto have_we_changed = [this](UnitIndex ours) {
+      return base_of_our_groups_[ours] == kNoUnit || IsGroupChanged(base_, ours_, base_of_ours_, ours);
+    };
+    const auto have_they_changed = [this](UnitIndex theirs) {
+      return base_of_their_groups_[theirs] == kNoUnit || HaveTheyChangedGroup(theirs);
+    };
+    our_disputed_ = DisputedDeletions(ours_, is_ours_new, theirs_, have_they_changed);
+    their_disputed_ = DisputedDeletions(theirs_, is_theirs_new, ours_, have_we_changed);
   }
 
   void PutTheirGroup(UnitIndex theirs) {
     const MergeUnits::Range range = theirs_.Groups()[theirs];
+    if (their_disputed_[theirs]) return PutTheirDisputed(range);
     const bool was_deleted = base_of_their_groups_[theirs] != kNoUnit;
+    if (was_deleted && !HaveTheyChangedGroup(theirs)) {
+      for (UnitIndex unit = range.begin; unit < range.end; ++unit) PutTheirComments(unit);
+      return;
+    }
     if (theirs_.BlanksOf(range.begin).empty() && SectionsStandApart() && !out_.IsEmpty()) out_.PutBlank();
     for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
       if (was_deleted && unit == range.begin)
@@ -100,6 +127,26 @@ class Merging {
         PutTheirUnit(unit, std::nullopt);
     }
     stands_behind_theirs_ = true;
+  }
+
+  /// What they delete stays, since we changed something in it.
+  void PutTheirDisputed(MergeUnits::Range range) {
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      out_.PutTheirs(theirs_.BlanksOf(unit));
+      out_.PutTheirs(theirs_.LeadOf(unit));
+      if (unit == range.begin) AddConflict(MergeConflict::Kind::TheyDeleted, theirs_, unit);
+      out_.PutMark(kTheirSide, theirs_.MainOf(unit));
+    }
+    stands_behind_theirs_ = true;
+  }
+
+  void TakeOurDisputed(MergeUnits::Range range) {
+    for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
+      PutBlanks(unit);
+      out_.Put(ours_.LeadOf(unit));
+      if (unit == range.begin) AddConflict(MergeConflict::Kind::WeDeleted, ours_, unit);
+      out_.PutMark(kOurSide, ours_.MainOf(unit));
+    }
   }
 
   /// Whether our last header stands behind a blank line.
@@ -113,6 +160,7 @@ class Merging {
   void TakeGroup(UnitIndex group) {
     const bool have_they = their_groups_[group] != kNoUnit, has_base = base_of_our_groups_[group] != kNoUnit;
     if (have_they) return MergeGroup(group);
+    if (our_disputed_[group]) return TakeOurDisputed(ours_.Groups()[group]);
     const bool is_conflict = has_base && IsGroupChanged(base_, ours_, base_of_ours_, group);
     const MergeUnits::Range range = ours_.Groups()[group];
     if (has_base && !is_conflict) {
@@ -134,9 +182,7 @@ class Merging {
     auto next = added.begin();
     const auto put_before = [&](UnitIndex unit) {
       for (; next != added.end() && next->place <= unit; ++next) {
-        const bool was_deleted = base_of_theirs_[next->number] != kNoUnit;
-        PutTheirUnit(next->number, was_deleted ? std::optional(MergeConflict::Kind::WeDeleted) : std::nullopt);
-        stands_behind_theirs_ = true;
+        PutAdded(next->number);
       }
     };
     for (UnitIndex unit = range.begin; unit < range.end; ++unit) {
@@ -148,16 +194,31 @@ class Merging {
 
   // Units.
 
-  /// What they added to a group, and what we deleted and they changed.
+  bool HaveTheyChanged(UnitIndex theirs) const {
+    const UnitIndex base = base_of_theirs_[theirs];
+    return base == kNoUnit || !theirs_.SameContent(theirs, base_, base);
+  }
+
+  std::string_view TheirNewComments(UnitIndex unit) const {
+    return theirs_.NewComments(unit, base_, base_of_theirs_[unit]);
+  }
+
+  /// What they added to a group, and what we deleted and they changed, or wrote comments above.
   std::vector<MergeAddition> AddedUnits(UnitIndex group) const {
     return PlacesOfUnits(
         {ours_, theirs_, ours_of_theirs_,
          [this](UnitIndex ours) { return base_of_ours_[ours] == kNoUnit && theirs_of_ours_[ours] == kNoUnit; },
          [this](UnitIndex theirs) {
-           const UnitIndex base = base_of_theirs_[theirs];
-           return theirs != their_file_header_ && (base == kNoUnit || !theirs_.SameContent(theirs, base_, base));
+           return theirs != their_file_header_ && (HaveTheyChanged(theirs) || !TheirNewComments(theirs).empty());
          }},
         group, their_groups_[group]);
+  }
+
+  void PutAdded(UnitIndex theirs) {
+    if (!HaveTheyChanged(theirs)) return PutTheirComments(theirs);
+    const bool was_deleted = base_of_theirs_[theirs] != kNoUnit;
+    PutTheirUnit(theirs, was_deleted ? std::optional(MergeConflict::Kind::WeDeleted) : std::nullopt);
+    stands_behind_theirs_ = true;
   }
 
   void TakeUnit(UnitIndex unit) {
@@ -182,13 +243,21 @@ class Merging {
     out_.Put(ours_.MainOf(unit));
   }
 
-  /// Of what they deleted: the comments above it that we wrote.
+  /// Of what they deleted: the comments that we wrote.
   void PutOurComments(UnitIndex unit) {
-    const UnitIndex base = base_of_ours_[unit];
-    const std::string_view lead = ours_.LeadOf(unit);
-    if (lead.empty() || (base != kNoUnit && SameMergeLines(lead, base_.LeadOf(base)))) return;
+    const std::string_view comments = ours_.NewComments(unit, base_, base_of_ours_[unit]);
+    if (comments.empty()) return;
     PutBlanks(unit);
-    out_.Put(lead);
+    out_.Put(comments);
+  }
+
+  /// Of what we deleted: the comments that they wrote.
+  void PutTheirComments(UnitIndex unit) {
+    const std::string_view comments = TheirNewComments(unit);
+    if (comments.empty()) return;
+    if (!out_.IsEmpty()) out_.PutTheirs(theirs_.BlanksOf(unit));
+    out_.PutTheirs(comments);
+    stands_behind_theirs_ = true;
   }
 
   void PutBlanks(UnitIndex unit) {
@@ -261,6 +330,9 @@ class Merging {
   const std::vector<UnitIndex> base_of_their_groups_;
   const std::vector<UnitIndex> our_groups_;
   const std::vector<UnitIndex> their_groups_;
+  /// By group: new deletions that are left to the user.
+  std::vector<bool> our_disputed_;
+  std::vector<bool> their_disputed_;
   /// The lines that say the versions.
   const UnitIndex file_header_ = ours_.FileHeader();
   const UnitIndex their_file_header_ = theirs_.FileHeader();

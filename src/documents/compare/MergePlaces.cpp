@@ -102,6 +102,26 @@ class DeletionBounds {
 
 }  // namespace
 
+std::vector<bool> DisputedDeletions(const MergeUnits& side, const std::function<bool(PlaceIndex)>& is_added,
+                                    const MergeUnits& other, const std::function<bool(PlaceIndex)>& is_changed) {
+  const std::vector<Outline::Group>& groups = side.File().Groups();
+  const std::vector<Outline::Group>& others = other.File().Groups();
+  const auto is_new_deletion = [&](PlaceIndex at) {
+    return groups[at].sort == Outline::GroupSort::Deletion && groups[at].follows_keys && is_added(at);
+  };
+  std::vector<bool> is_disputed(groups.size(), false);
+  KeyPaths deletions;
+  for (PlaceIndex at = 0; at < groups.size(); ++at)
+    if (is_new_deletion(at)) deletions.Add(groups[at].path, at);
+  if (deletions.IsEmpty()) return is_disputed;
+  for (PlaceIndex at = 0; at < others.size(); ++at)
+    if (others[at].sort == Outline::GroupSort::Named && is_changed(at))
+      deletions.ForEachAtOrAbove(others[at].path, [&](PlaceIndex deletion) { is_disputed[deletion] = true; });
+  for (PlaceIndex at = 0; at < groups.size(); ++at)  // all of a path as the first one
+    if (is_new_deletion(at)) is_disputed[at] = is_disputed[deletions.Add(groups[at].path, at)];
+  return is_disputed;
+}
+
 std::vector<MergeAddition> PlacesOfGroups(const MergeCounterparts& groups) {
   const std::vector<Outline::Group>& theirs = groups.theirs.File().Groups();
   constexpr PlaceIndex kFirstGroup = 1;  // nothing comes before the top

@@ -24,6 +24,11 @@ struct MergeCounterparts {
   std::function<bool(MergeUnits::Index theirs)> is_added;
 };
 
+/// Of one side, by its groups: the deletions of keys that it added behind keys in which the other side changed or added
+/// something, which would be void. is_added: by its group. is_changed: by group of the other side.
+std::vector<bool> DisputedDeletions(const MergeUnits& side, const std::function<bool(MergeUnits::Index)>& is_added,
+                                    const MergeUnits& other, const std::function<bool(MergeUnits::Index)>& is_changed);
+
 /// Where their groups come: behind what they follow there, and behind what we put there; of several of a name behind
 /// the one before it. A deletion of a key stays before the keys that come after it, and keys behind the deletion.
 /// In the order of the places.

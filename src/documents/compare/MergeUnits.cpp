@@ -46,6 +46,12 @@ std::string MergeUnits::KeyOfComments(Index group, std::string_view lines) {
   return std::to_string(group) + '\n' + LinesEndedBy(lines, "\n");
 }
 
+std::string_view MergeUnits::NewComments(Index unit, const MergeUnits& base, Index base_unit) const {
+  if (units_[unit].sort == Sort::Comments) return base_unit == kNone ? MainOf(unit) : std::string_view();
+  const std::string_view lead = LeadOf(unit);
+  return base_unit != kNone && SameMergeLines(lead, base.LeadOf(base_unit)) ? std::string_view() : lead;
+}
+
 std::string_view MergeUnits::Tail() const {
   return outline_.Lines(units_.empty() ? 0 : units_.back().end, static_cast<Index>(outline_.Items().size()));
 }
@@ -60,14 +66,17 @@ std::vector<MergeUnits::Index> MergeUnits::FindGroups(const MergeUnits& theirs) 
 std::vector<MergeUnits::Index> MergeUnits::Find(const MergeUnits& theirs) const {
   const std::vector<Index> groups = FindGroups(theirs);
   std::vector<Index> found(theirs.units_.size(), kNone);
+  Index guess = 0;
   const auto find_item = [&](const Unit& unit, Index group) {
-    const Index item = outline_.FindItem(group, theirs.outline_, theirs.outline_.Items()[unit.main]);
+    const Index item = outline_.FindItem(group, theirs.outline_, theirs.outline_.Items()[unit.main], guess);
+    if (item != kNone) guess = item + 1;
     return item == kNone ? kNone : unit_of_item_[item];
   };
   for (Index at = 0; at < theirs.units_.size(); ++at) {
     const Unit& unit = theirs.units_[at];
     const Index group = groups[unit.group];
     if (group == kNone || unit.sort == Sort::Comments) continue;
+    if (unit.sort == Sort::Header) guess = outline_.Groups()[group].begin + 1;
     found[at] = unit.sort == Sort::Header ? unit_of_item_[outline_.Groups()[group].begin] : find_item(unit, group);
   }
   for (const auto& [key, blocks] : theirs.comments_) {

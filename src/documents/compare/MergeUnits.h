@@ -43,6 +43,9 @@ class MergeUnits {
   std::string_view BlanksOf(Index unit) const { return outline_.Lines(units_[unit].begin, units_[unit].lead); }
   std::string_view LeadOf(Index unit) const { return outline_.Lines(units_[unit].lead, units_[unit].main); }
   std::string_view MainOf(Index unit) const { return outline_.Lines(units_[unit].main, units_[unit].end); }
+  /// The comments of a unit that are not those of the base: above it, or itself where it is such. base_unit: the same
+  /// one there, kNone for none.
+  std::string_view NewComments(Index unit, const MergeUnits& base, Index base_unit) const;
   /// The blank lines behind the last unit.
   std::string_view Tail() const;
 

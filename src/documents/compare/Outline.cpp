@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "base/LineReader.h"
+#include "documents/ini/IniSourceLine.h"
+#include "documents/reg/RegHex.h"
 #include "documents/reg/RegNames.h"
 
 namespace tme {
@@ -32,6 +34,34 @@ std::uint64_t Outline::LineNumberOf(Index item) const {
   return lines.Number() + 1;
 }
 
+std::string Outline::IniValueOf(const Item& item, std::string_view between) const {
+  const std::string_view value = ValueOf(item);
+  if (value.find_first_of("\r\n") == value.npos) return std::string(value);
+  const bool are_comments_found = options_.comments == OutlineOptions::Comments::Found;
+  LineReader lines(value);
+  std::string text;
+  bool is_first = true;
+  for (std::string_view line; lines.Next(line); is_first = false) {
+    line = TrimIniBlanks(line);
+    const bool is_comment = !is_first && SourceKindOf(line) == IniLine::Comment;
+    if (!is_first && (line.empty() || (is_comment && !are_comments_found))) continue;
+    text.append(is_first ? "" : between).append(line);
+  }
+  return text;
+}
+
+std::string Outline::CommentsOf(Index item) const {
+  const Item& it = items_[item];
+  if (options_.comments != OutlineOptions::Comments::Found || kind_ == Kind::Ini || !it.has_value) return {};
+  std::string text;
+  for (const std::string_view comment : CommentsInHex(ValueOf(it))) text.append(" ").append(TrimIniBlanks(comment));
+  const std::string_view lines = LinesOf(item);
+  std::string_view behind = lines.substr(it.value_at + it.value_size - it.at);
+  behind = TrimIniBlanks(behind.substr(0, behind.find_first_of("\r\n")));
+  if (!behind.empty()) text.append(" ").append(behind);
+  return text;
+}
+
 std::string Outline::NameOf(const Item& item) const {
   return item.is_escaped ? UnescapedRegText(RawNameOf(item)) : std::string(RawNameOf(item));
 }
@@ -53,7 +83,8 @@ Outline::Index Outline::FindGroup(const Group& theirs) const {
   return found_groups_.Find(HashOfGroup(theirs), [&](Index at) { return SameGroup(groups_[at], theirs); });
 }
 
-Outline::Index Outline::FindItem(Index group, const Outline& other, const Item& theirs) const {
+Outline::Index Outline::FindItem(Index group, const Outline& other, const Item& theirs, Index guess) const {
+  if (guess < items_.size() && IsContent(items_[guess]) && IsItem(guess, group, other, theirs)) return guess;
   return found_items_.Find(HashOfItem(group, other, theirs),
                            [&](Index at) { return IsItem(at, group, other, theirs); });
 }
@@ -89,8 +120,11 @@ bool Outline::SameValue(Index item, const Outline& other, Index theirs) const {
   const Item& two = other.items_[theirs];
   const std::string_view value = ValueOf(one), their_value = other.ValueOf(two);
   if (one.has_value != two.has_value) return false;
+  if (options_.comments == OutlineOptions::Comments::Found && CommentsOf(item) != other.CommentsOf(theirs))
+    return false;
   if (value == their_value && coding_.version == other.coding_.version) return true;
-  if (kind_ == Kind::Ini || !one.has_value) return value == their_value;
+  if (kind_ == Kind::Ini && one.has_value) return IniValueOf(one, "\n") == other.IniValueOf(two, "\n");
+  if (!one.has_value) return value == their_value;
   const std::optional<RegData> data = DecodeAssignment(value, coding_);
   const std::optional<RegData> their_data = DecodeAssignment(their_value, other.coding_);
   // What cannot be decoded is a deletion.

@@ -47,7 +47,8 @@ class Outline {
     /// Between its quotes, still escaped, in a registry file; for Comment and Other the line without blanks around it.
     std::uint32_t name_at;
     std::uint32_t name_size;
-    /// What stands behind "=" without blanks around it; quotes are part of it.
+    /// What stands behind "=" without blanks around it; quotes are part of it. In an INI file it may go on in lines
+    /// that stand deeper (ContinuesEntry), with the comments and blank lines between them.
     std::uint32_t value_at;
     std::uint32_t value_size;
     Index group;
@@ -55,6 +56,8 @@ class Outline {
     std::uint32_t number;
     Sort sort;
     bool has_value;
+    /// Another one of the same name stands behind it in its group.
+    bool has_next;
     /// The name has backslashes to take off.
     bool is_escaped;
   };
@@ -101,6 +104,10 @@ class Outline {
   /// Unescaped; empty for a default value.
   std::string NameOf(const Item& item) const;
   std::string_view ValueOf(const Item& item) const { return View(item.value_at, item.value_size); }
+  /// The value of an INI file: its lines without blanks around them and without comments, unless these are found.
+  std::string IniValueOf(const Item& item, std::string_view between) const;
+  /// Comments within and behind a registry value, each with a blank before it; empty unless comments are found.
+  std::string CommentsOf(Index item) const;
   /// Whether an item can be found.
   bool IsContent(const Item& item) const {
     return item.sort == Sort::Entry || item.sort == Sort::Other ||
@@ -110,7 +117,8 @@ class Outline {
   /// The group here that is the same as a group of another outline; kNone.
   Index FindGroup(const Group& theirs) const;
   /// The item here that is the same as one of another outline in the same group. group: a joined one of this outline.
-  Index FindItem(Index group, const Outline& other, const Item& theirs) const;
+  /// guess: an item that it may be, which then takes no search.
+  Index FindItem(Index group, const Outline& other, const Item& theirs, Index guess = kNone) const;
   /// Whether the same items have the same value: decoded, where the files are of the registry.
   bool SameValue(Index item, const Outline& other, Index theirs) const;
 

@@ -73,7 +73,7 @@ class OutlineComparison {
     Index place = group.begin + (group.sort == Outline::GroupSort::Top ? 0 : 1);
     items_seen_.clear();
     ForEachContent(after_, theirs, [&](Index item) {
-      const Index same = before_.FindItem(ours, after_, after_.Items()[item]);
+      const Index same = before_.FindItem(ours, after_, after_.Items()[item], place);
       if (same == kNone) {
         Add(place,
             {.kind = OutlineChange::Kind::Added, .group_before = ours, .group_after = theirs, .item_after = item});

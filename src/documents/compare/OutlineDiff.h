@@ -35,8 +35,8 @@ std::vector<OutlineChange> DiffOutlines(const Outline& before, const Outline& af
 
 /// A group for people: "[section]", "[path]", "[-path]"; the second of a name has " (2)" behind it. Empty for the top.
 std::string GroupLabel(const Outline& outline, Outline::Index group);
-/// An item in one line for people: that of an INI file without blanks around it; a registry value decoded, such as
-/// "Name"=expand:"%Path%".
+/// An item in one line for people: that of an INI file without blanks around it, and "\n" where it goes on; a registry
+/// value decoded, such as "Name"=expand:"%Path%".
 std::string ItemLabel(const Outline& outline, Outline::Index item);
 /// The value alone; empty where there is none.
 std::string ValueLabel(const Outline& outline, Outline::Index item);

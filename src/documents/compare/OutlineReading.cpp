@@ -12,7 +12,8 @@ Outline::Reading::Reading(Kind kind, std::string text, const OutlineOptions& opt
   outline_.options_ = options;
   outline_.text_ = std::make_unique<const std::string>(std::move(text));
   const auto count = [this](char end) { return static_cast<std::size_t>(std::ranges::count(Text(), end)); };
-  outline_.items_.reserve(std::max(count('\n'), count('\r')) + 1);
+  const std::size_t ends = count('\n');
+  outline_.items_.reserve((ends > 0 ? ends : count('\r')) + 1);
   outline_.groups_.push_back({.path = "",
                               .sort = GroupSort::Top,
                               .follows_keys = false,
@@ -35,6 +36,7 @@ Outline::Index Outline::Reading::Add(std::string_view lines, Sort sort) {
                              .number = 0,
                              .sort = sort,
                              .has_value = false,
+                             .has_next = false,
                              .is_escaped = false});
   return static_cast<Index>(outline_.items_.size() - 1);
 }
@@ -116,12 +118,16 @@ void Outline::Reading::EnterItems() {
   std::vector<Item>& items = outline_.items_;
   const auto is_content = [this](const Item& item) { return outline_.IsContent(item); };
   outline_.found_items_.Reset(static_cast<std::size_t>(std::ranges::count_if(items, is_content)));
-  std::unordered_map<Index, std::uint32_t> counts;
+  // By the first of a name that comes several times: how many of it there are, and the last one.
+  std::unordered_map<Index, std::pair<std::uint32_t, Index>> several;
   for (Index at = 0; at < items.size(); ++at) {
     if (!is_content(items[at])) continue;
     const Index first = outline_.EnterItem(at);
     if (first == at) continue;
-    items[at].number = ++counts[first];
+    auto& [count, last] = several.try_emplace(first, 0, first).first->second;
+    items[last].has_next = true;
+    items[at].number = ++count;
+    last = at;
     outline_.EnterItem(at);
   }
 }

@@ -62,8 +62,8 @@ std::string GroupLabel(const Outline& outline, Outline::Index group) {
 std::string ValueLabel(const Outline& outline, Outline::Index item) {
   const Outline::Item& it = outline.Items()[item];
   const std::string_view value = outline.ValueOf(it);
-  if (outline.FileKind() == Outline::Kind::Ini || !it.has_value || outline.Coding().version == RegVersion::Regedit)
-    return std::string(value);
+  if (outline.FileKind() == Outline::Kind::Ini) return outline.IniValueOf(it, "\\n");
+  if (!it.has_value || outline.Coding().version == RegVersion::Regedit) return std::string(value);
   const std::optional<RegData> data = DecodeAssignment(value, outline.Coding());
   return data ? RegDataLine(*data) : std::string(value);
 }
@@ -75,7 +75,7 @@ std::string ItemLabel(const Outline& outline, Outline::Index item) {
   if (it.sort != Outline::Sort::Entry) return label;
   if (outline.FileKind() == Outline::Kind::Reg && !is_pair) label = QuotedRegName(label);
   if (it.has_value) label.append("=").append(ValueLabel(outline, item));
-  return label;
+  return label.append(outline.CommentsOf(item));
 }
 
 std::string DiffText(const Outline& before, const Outline& after, const std::vector<OutlineChange>& changes) {

@@ -45,19 +45,19 @@ class RegState {
       const Outline::Group& group = outline_.Groups()[block];
       if (group.is_deleted) continue;
       for (RegIndex item = group.begin; item < group.end; ++item)
-        if (IsLast(key, item)) visit(item);
+        if (IsLast(item)) visit(item);
     }
   }
 
   /// The value that is the same as one of another file; none where a deletion took it.
-  RegIndex FindValue(RegIndex key, const Outline& other, const Outline::Item& theirs) const {
+  /// guess: where it may be.
+  RegIndex FindValue(RegIndex key, const Outline& other, const Outline::Item& theirs, RegIndex guess) const {
     Outline::Item wanted = theirs;
     wanted.number = 0;
-    RegIndex found = kNoItem;
-    for (RegIndex at = outline_.FindItem(key, other, wanted); at != kNoItem;
-         at = outline_.FindItem(key, other, wanted)) {
-      found = at;
+    RegIndex found = outline_.FindItem(key, other, wanted, guess);
+    while (found != kNoItem && outline_.Items()[found].has_next) {
       ++wanted.number;
+      found = outline_.FindItem(key, other, wanted);
     }
     return found == kNoItem || outline_.Groups()[outline_.Items()[found].group].is_deleted ? kNoItem : found;
   }
@@ -74,11 +74,9 @@ class RegState {
     return block != kNoItem;
   }
 
-  bool IsLast(RegIndex key, RegIndex item) const {
-    Outline::Item next = outline_.Items()[item];
-    if (next.sort != Outline::Sort::Entry) return false;
-    ++next.number;
-    return outline_.FindItem(key, outline_, next) == kNoItem;
+  bool IsLast(RegIndex item) const {
+    const Outline::Item& it = outline_.Items()[item];
+    return it.sort == Outline::Sort::Entry && !it.has_next;
   }
 
   const Outline& outline_;
@@ -161,16 +159,20 @@ class PatchWriter {
       if (!has_begun) BeginBlock(before_.File(), ours, Outline::GroupSort::Named);
       has_begun = true;
     };
+    RegIndex guess = theirs == kNoItem ? kNoItem : after_.File().Groups()[theirs].begin + 1;
     before_.ForEachValue(ours, [&](RegIndex item) {
       const Outline::Item& it = before_.File().Items()[item];
-      const bool is_there = theirs != kNoItem && after_.FindValue(theirs, before_.File(), it) != kNoItem;
-      if (is_there || before_.IsDeletion(item)) return;
+      const RegIndex found = theirs == kNoItem ? kNoItem : after_.FindValue(theirs, before_.File(), it, guess);
+      if (found != kNoItem) guess = found + 1;
+      if (found != kNoItem || before_.IsDeletion(item)) return;
       begin();
       text_.append(QuotedRegName(before_.File().NameOf(it))).append("=-").append(kPatchLineEnd);
     });
     if (theirs == kNoItem) return;
+    guess = before_.File().Groups()[ours].begin + 1;
     after_.ForEachValue(theirs, [&](RegIndex item) {
-      const RegIndex old = before_.FindValue(ours, after_.File(), after_.File().Items()[item]);
+      const RegIndex old = before_.FindValue(ours, after_.File(), after_.File().Items()[item], guess);
+      if (old != kNoItem) guess = old + 1;
       if (old != kNoItem && before_.File().SameValue(old, after_.File(), item)) return;
       begin();
       WriteValue(item);

@@ -71,6 +71,13 @@ IniEntryParts EntryPartsOf(std::string_view entry) {
   return parts;
 }
 
+std::size_t IniDepthOf(std::string_view line) { return line.size() - WithoutLeadingBlanks(line).size(); }
+
+bool ContinuesEntry(std::string_view line, std::string_view entry) {
+  return IniDepthOf(line) > IniDepthOf(entry) && SourceKindOf(line) == IniLine::Entry &&
+         line.find('=') == std::string_view::npos;
+}
+
 std::string WithPart(std::string_view line, std::string_view part, std::string_view now) {
   std::string changed(Between(line.data(), part.data()));
   return changed.append(now).append(Between(EndOf(part), EndOf(line)));
@@ -84,6 +91,8 @@ IniLineStyle StyleOf(std::string_view entry) {
   style.before_equals = behind_key.substr(0, behind_key.find('='));
   const std::string_view behind_equals = behind_key.substr(style.before_equals.size() + 1);
   style.after_equals = behind_equals.substr(0, behind_equals.size() - WithoutLeadingBlanks(behind_equals).size());
+  if (parts.value.empty() && parts.quote == 0)
+    style.after_equals = style.before_equals.substr(0, 1);  // none shows there
   return style;
 }
 
@@ -107,8 +116,11 @@ std::string WithEntry(std::string_view line, std::string_view key, std::string_v
 
   std::string changed(Between(line.data(), parts.key.data()));
   changed.append(new_key);
+  const std::string_view equals = Between(EndOf(parts.key), old_value.data());
+  const bool shows_no_blanks = old_value.empty() && !new_value.empty() && equals.ends_with('=');
+  const std::string_view blank = shows_no_blanks && equals.size() > 1 ? equals.substr(0, 1) : std::string_view();
   if (parts.has_equals)
-    changed.append(Between(EndOf(parts.key), old_value.data())).append(new_value);
+    changed.append(equals).append(blank).append(new_value);
   else if (!new_value.empty())
     changed.append(style.before_equals).append("=").append(style.after_equals).append(new_value);
   return changed.append(Between(EndOf(old_value), EndOf(line)));

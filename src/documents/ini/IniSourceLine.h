@@ -76,6 +76,12 @@ struct IniEntryParts {
 };
 IniEntryParts EntryPartsOf(std::string_view entry);
 
+/// Whether a line is one without "=" that stands deeper than an entry above it. Many readers take it for more of that
+/// entry's value; those of Windows do not.
+bool ContinuesEntry(std::string_view line, std::string_view entry);
+/// How many blanks a line begins with.
+std::size_t IniDepthOf(std::string_view line);
+
 /// Returns the line with one of its parts exchanged.
 std::string WithPart(std::string_view line, std::string_view part, std::string_view now);
 
