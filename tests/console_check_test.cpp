@@ -38,6 +38,10 @@ TEST_F(ConsoleCheck, NamesLinesThatReadersTakeInDifferentWays) {
        "1: the byte order mark of UTF-8 right before the first section\n"
        "2: the line ends in CR LF and not in LF, and so do 1 more\n4: bytes that are no UTF-8 in a file of UTF-8\n"},
       {"\xEF\xBB\xBF; \xC3\xA4\n[]\n", "1: the byte order mark of UTF-8 at the start\n2: a section without a name\n"},
+      {"[A]\nk=1\n  l=2\n  m\n\n; c\n\tn\nk2=1\n[B]\n  m\n  m2=1\n",
+       "3: an entry that stands deeper than key \"k\" above, in line 2\n"
+       "4: a line that stands deeper than key \"k\" above, in line 2\n"
+       "7: a line that stands deeper than key \"k\" above, in line 2\n10: an entry without \"=\"\n"},
       {"[A]\n\xE4\xF6=1\n\xFC=2\n\xC3\xA4=3\nn=\0\n", "4: UTF-8 in a file of 8-bit characters\n"},
   };
   for (const auto& [text, findings] : cases) {
@@ -116,6 +120,12 @@ TEST_F(ConsoleCheck, GivesTextsThatLinesOfCanBeCompared) {
             "Windows Registry Editor Version 5.00\n\n[HKEY_USERS\\A]\n\"s\"=\"a\\\\b\"\n\"N\"=dword:0000001a ; c\n"
             "; in\n\"e\"=expand:\"%\\n\"\n\"m\"=multi:\"a\",\"\\\"\"\n\"b\"=hex:01\n\"o\"=hex(2):01\n"
             "\"q\"=qword:0000000000000001\n\"d\"=-\n? \n");
+  PutFile("b.ini", "\xEF\xBB\xBFk=\xC3\xA4\xE9\xFF\n");
+  EXPECT_EQ(RunWords("text FILE:b.ini"), 0);
+  EXPECT_EQ(output_, "k=\xC3\xA4\\xe9\\xff\n") << "UTF-8, whatever the file has";
+  PutFile("b.reg", std::string("\xFF\xFE[\0", 4) + std::string("\0\xD8]\0\n\0", 6));
+  EXPECT_EQ(RunWords("text FILE:b.reg"), 0);
+  EXPECT_EQ(output_, "[\\ud800]\n");
   PutFile(
       "a.rtf",
       "{\\rtf1 \\b one\\b0  two\\line three\\par\\trowd\\cellx100\\cellx200\\intbl a\\par b\\cell c\\cell\\row end}");

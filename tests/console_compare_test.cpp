@@ -25,6 +25,10 @@ TEST_F(ConsoleCompare, TellsWhatDiffers) {
   PutFile("a.reg", Utf16(kVersion5 + "[HKEY_USERS\\A]\r\n\"n\"=dword:1\r\n\"gone\"=hex:01\r\n"));
   PutFile("b.reg", "REGEDIT4\n[HKEY_USERS\\a]\n\"N\"=hex(4):01,00,00,00\n\"v\"=-\n[-HKEY_USERS\\B]\n");
   PutFile("empty", "");
+  for (const std::string number : {"1", "2"})
+    PutFile("gone" + number + ".reg", "REGEDIT4\n[HKEY_USERS\\A]\n\"v\"=\"" + number + "\"\n[-HKEY_USERS\\A]\n");
+  PutFile("list1", "[t]\nd =\n  x\n  y\n[t]\nk=1\n");
+  PutFile("list2", "[t]\nd =\n  y\nd=2\n[t]\nk=\"1\"\n");
   const CompareCase cases[] = {
       {"diff FILE:a.ini FILE:a.ini --order --comments", 0, ""},
       {"diff FILE:a.ini FILE:b.ini", 1, " [A]\n-k=1\n+K=2\n-old=x\n+[N]\n+n=1\n"},
@@ -45,6 +49,17 @@ TEST_F(ConsoleCompare, TellsWhatDiffers) {
        Utf16(kVersion5 + "\r\n[-HKEY_USERS\\B]\r\n\r\n[HKEY_USERS\\A]\r\n\"gone\"=-\r\n\"v\"=-\r\n")},
       {"diff FILE:empty FILE:b.reg --reg --undo", 1, "REGEDIT4\r\n\r\n[-HKEY_USERS\\a]\r\n"},
       {"diff FILE:a.reg FILE:a.reg --reg", 0, ""},
+      // What a line below deletes again is a difference of the files, and none of what they leave.
+      {"diff FILE:gone1.reg FILE:gone2.reg", 1, " [HKEY_USERS\\A]\n-\"v\"=\"1\"\n+\"v\"=\"2\"\n"},
+      {"diff FILE:gone1.reg FILE:gone2.reg --reg", 0, ""},
+      // Values that go on in lines below, quotes, and names that come again.
+      {"diff FILE:list1 FILE:list2 --json", 1,
+       "[\n  {\"change\": \"changed\", \"section\": \"t\", \"name\": \"d\", \"before\": \"\\nx\\ny\", "
+       "\"after\": \"\\ny\"},\n"
+       "  {\"change\": \"added\", \"section\": \"t\", \"name\": \"d\", \"name_number\": 2, \"after\": \"2\"},\n"
+       "  {\"change\": \"changed\", \"section\": \"t\", \"number\": 2, \"name\": \"k\", \"before\": \"1\", "
+       "\"after\": \"\\\"1\\\"\"}\n]\n"},
+      {"diff FILE:list1 FILE:list2", 1, " [t]\n-d=\\nx\\ny\n+d=\\ny\n+d=2\n [t] (2)\n-k=1\n+k=\"1\"\n"},
   };
   for (const CompareCase& each : cases) {
     EXPECT_EQ(RunWords(each.words), each.result) << each.words << errors_;

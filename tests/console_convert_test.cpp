@@ -29,6 +29,7 @@ TEST_F(ConsoleConvert, GoesThroughJsonAndBack) {
   const std::pair<std::string, std::string> files[] = {
       {"a.ini", "x\n \n[A] ; c\r\nk = \"v\"\nk=1\r\n  #\xE4\n=\n[A\n[]\n[\xF6]\r\rk='a'b"},
       {"b.ini", ""},
+      {"e.ini", "[t]\ndeps =\n    x\n\n\t; c\n  y=1\n"},
       {"c.ini", EncodedAs("[A]\nk=\xED\xA0\x80\n", TextEncoding::Utf16Be) + "x"},
       {"d.ini", "\xEF\xBB\xBF[\xC3\xA4\xC3\xB6\xC3\xBC]\n\xC3\xA4=\xFF\x01\n"},
       {"a.reg", EncodedAs(kHostileReg + "?\r\n\"o\"=hex(2):1\r\n[x\r\n\"n", TextEncoding::Utf16Le)},
@@ -145,6 +146,10 @@ TEST_F(ConsoleConvert, WritesScriptsForShells) {
     for (std::string line; each >> line;)
       EXPECT_THAT(errors_, HasSubstr("d.reg" + line + " this cannot be said there: "));
   }
+  PutFile("e.reg", "REGEDIT4\n;SIG # Begin signature block\n;requires x\n");
+  EXPECT_EQ(RunWords("convert FILE:e.reg --to powershell"), 0);
+  EXPECT_EQ(output_, "#  SIG # Begin signature block\n# requires x\n") << "neither means anything to the shell";
+  EXPECT_EQ(RunWords("convert FILE:e.reg --to 5.00 --to utf-8"), 2) << "not the one of the two that came last";
   PutFile("c.reg", "REGEDIT\nHKEY_CLASSES_ROOT\\.a = b\n");
   EXPECT_EQ(RunWords("convert FILE:c.reg --to reg-add"), 0);
   EXPECT_THAT(output_, HasSubstr("reg add \"HKEY_CLASSES_ROOT\\.a\" /ve /t REG_SZ /d \"b\" /f\r\n"));

@@ -71,6 +71,62 @@ TEST_F(ConsoleEdit, ChangesOneLineOfAnIniFile) {
   }
 }
 
+/// Lines that stand deeper than a key, which readers other than those of Windows take for more of its value.
+TEST_F(ConsoleEdit, LeavesNoLineOfAValueToAnotherOne) {
+  const std::string text = "[t]\na=1\ndeps =\n    x\n    # c\n\n    y\nenv = z\n  deeper=1\n",
+                    above = PathText("a.ini");
+  const EditCase cases[] = {
+      {{"set", "t", "deps", "v"}, "", "", 2},
+      {{"delete", "t", "deps"}, "", "", 2},
+      {{"set", "t", "deps", ""}, "", ""},
+      {{"delete", "t", "y"}, "    y\n", ""},
+      {{"set", "t", "a", "2"}, "a=1", "a=2"},
+      {{"set", "t", "env", "2"}, "env = z", "env = 2"},
+      {{"delete", "t", "a"}, "a=1\n", ""},
+      {{"delete", "t"}, text, ""},
+      {{"set", "u", "n", "1"}, "deeper=1\n", "deeper=1\n\n[u]\nn=1\n"},
+  };
+  for (const EditCase& each : cases) {
+    PutFile("a.ini", text);
+    auto words = each.words;
+    words.insert(words.begin() + 1, "FILE:a.ini");
+    EXPECT_EQ(Run(words), each.result) << testing::PrintToString(words);
+    EXPECT_EQ(FileBytes("a.ini"), Exchanged(text, each.from, each.to)) << testing::PrintToString(words);
+    const std::string refusal = "tmec: " + above + ":4: this line may be more of ";
+    EXPECT_THAT(errors_, testing::StartsWith(each.result == 2 ? refusal : std::string()));
+  }
+  // A new entry stands as deep as keys do, with blanks around its "=" as they have, also where a value begins below.
+  PutFile("b.ini", "[t]\ndeps =\n    x\n");
+  EXPECT_EQ(RunWords("set FILE:b.ini t n 1"), 0);
+  EXPECT_EQ(FileBytes("b.ini"), "[t]\ndeps =\n    x\nn = 1\n");
+  PutFile("c.ini", "[t]\ndeps   =\nn=\n");
+  EXPECT_EQ(RunWords("set FILE:c.ini t deps v") + RunWords("set FILE:c.ini t n v"), 0);
+  EXPECT_EQ(FileBytes("c.ini"), "[t]\ndeps   = v\nn=v\n");
+  EXPECT_EQ(RunWords("get FILE:b.ini t deps"), 0);
+  EXPECT_EQ(output_, "\n") << "the first line, as Windows has it";
+}
+
+TEST_F(ConsoleEdit, MakesAMissingFile) {
+  EXPECT_EQ(RunWords("set FILE:new.ini A k 1"), 0) << errors_;
+  EXPECT_EQ(RunWords("get FILE:new.ini a K"), 0);
+  EXPECT_EQ(output_, "1\n");
+  EXPECT_EQ(RunWords("set FILE:new.reg HKCU\\A n 26 --type dword"), 0) << errors_;
+  EXPECT_EQ(FileBytes("new.reg"), Utf16("Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A]\r\n"
+                                        "\"n\"=dword:0000001a\r\n"));
+  EXPECT_EQ(RunWords("set FILE:none A k 1 -o FILE:out --kind ini"), 0);
+  const std::string refused[] = {"set FILE:none A ;k 1",
+                                 "set FILE:none.txt A k 1",
+                                 "set FILE:none.rtf A k 1",
+                                 "set FILE:none.reg NoHive k 1",
+                                 "set FILE:none/x A k 1",
+                                 "delete FILE:none A k",
+                                 "set FILE:none.ini A k 1 --type sz",
+                                 "get FILE:none A k",
+                                 "diff FILE:none FILE:none"};
+  for (const std::string& words : refused) EXPECT_EQ(RunWords(words), 2) << words;
+  EXPECT_EQ(FilesInFolder(), 3) << "what is refused makes none";
+}
+
 TEST_F(ConsoleEdit, ChangesOneLineOfARegistryFile) {
   const EditCase cases[] = {
       {{"set", "hku\\a", "A", "\xE6\x97\xA5\"\\"}, "\"1\"", "\"\xE6\x97\xA5\\\"\\\\\""},

@@ -3,9 +3,11 @@
 
 #include <QProcess>
 #include <array>
+#include <chrono>
 
 #include "ConsoleProbe.h"
 #include "console/ConsoleFile.h"
+#include "files/EditLock.h"
 
 using namespace tme;
 
@@ -53,6 +55,17 @@ TEST_F(ConsoleHostile, RefusesWhatIsNoFileAndKeepsWhatIsOne) {
       {"ln a.ini hard; $T set a.ini A k 2; status=$?; rm hard; exit $status",
        "2: tmec: a.ini: A new file cannot have the owner, the access rights and the links of the old one; nothing was "
        "written (-o OUT writes another file)\n"},
+      // A stream that is named goes on where it stands, and the file behind it stays that file.
+      {"echo 1 >o; { $T set a.ini A k 2 -o /dev/stdout; echo 3; } >>o; cat o; rm o", "0: 1\n[A]\nk=2\n3\n"},
+      {"echo 1 >o; ln o o2; exec 4>>o; $T convert a.ini --to lf -o /dev/fd/4; cat o2; rm o o2", "0: 1\n[A]\nk=1\n"},
+      {"$T set a.ini A k 2 -o /dev/stdout >&-", "2: tmec: /dev/stdout: Bad file descriptor\n"},
+      {"$T set a.ini A k 2 -o /dev/fd/9", "2: tmec: /dev/fd/9: No such file or directory\n"},
+      {"$T set /dev/stdin A k 2 <a.ini", "2: tmec: /dev/stdin: this is no regular file; -o says where to write\n"},
+      {"{ read line; $T get /dev/stdin '' k; } <a.ini", "0: 1\n"},
+      {"$T set a.ini A k 2 -o .", "2: tmec: .: Is a directory\n"},
+      {"$T set a.ini A k 2 -o /dev/full", "2: tmec: /dev/full: No space left on device\n"},
+      {"chmod 444 a.ini; $T set a.ini A k 2; status=$?; chmod 644 a.ini; exit $status",
+       "2: tmec: a.ini: The file is read-only\n"},
       {"ls -A", "0: a.ini\nf.ini\n"},
   };
   for (const auto& [line, answer] : cases) EXPECT_EQ(Shell(line), answer) << line;
@@ -61,6 +74,46 @@ TEST_F(ConsoleHostile, RefusesWhatIsNoFileAndKeepsWhatIsOne) {
   EXPECT_EQ(Shell("ln -s new.ini n.ini; $T set l.ini A k 3 -o n.ini; readlink n.ini; cat new.ini"),
             "0: new.ini\n[A]\nk=3\n");
   EXPECT_EQ(FileBytes("a.ini"), "[A]\nk=2\n") << "what the link leads to";
+}
+
+TEST_F(ConsoleHostile, LosesNoEditOfSeveralPrograms) {
+  const std::string all = "for i in 1 2 3 4 5 6 7 8 9 10 11 12; do ", wait = " & done; wait; ";
+  PutFile("b.ini", "[A]\n");
+  EXPECT_EQ(Shell(all + "$T set b.ini A k$i $i" + wait + "grep -c k b.ini"), "0: 12\n");
+  EXPECT_EQ(Shell("ln -s b.ini l.ini; " + all + "$T delete $([ $i -gt 6 ] && echo l || echo b).ini A k$i" + wait +
+                  "cat b.ini"),
+            "0: [A]\n")
+      << "also through a link";
+  EXPECT_EQ(Shell(all + "$T set new.reg 'HKCU\\A' k$i $i" + wait + "$T get new.reg 'HKCU\\A' | grep -c k"), "0: 12\n")
+      << "also where the first one makes the file";
+  EXPECT_EQ(Shell("cp b.ini o.ini; " + all + "$T set b.ini A t$i $i -o t$i.ini; done; " + all +
+                  "$T merge b.ini o.ini t$i.ini -o o.ini" + wait + "grep -c t o.ini; rm t*.ini"),
+            "0: 12\n");
+  EXPECT_EQ(Shell("flock b.ini $T set b.ini A k 1; cat b.ini"), "0: [A]\nk=1\n") << "the lock is handed down";
+  EXPECT_EQ(Shell("$T set b.ini A k 2 & $T set b.ini A k 2 & wait; ls -A"), "0: b.ini\nl.ini\nnew.reg\no.ini\n");
+}
+
+TEST_F(ConsoleHostile, WaitsForALockNoLongerThanItSays) {
+  using std::chrono_literals::operator""ms;
+  PutFile("b.ini", "[A]\n");
+  for (const char* name : {"b.ini", "missing.ini"}) {
+    EditLock first;
+    EXPECT_EQ(Reason(first.Take(In(name))), "none");
+    EditLock second;
+    EXPECT_EQ(Reason(second.Take(In(name), 20ms)), "Another program has held a lock on it for 0 seconds");
+  }
+  EditLock file, folder, nothing;
+  EXPECT_EQ(Reason(file.Take(In("b.ini"), 0ms)), "none") << "free again";
+  EXPECT_EQ(Reason(folder.Take(In(""), 0ms)), "none") << "a write will say what is wrong";
+  EXPECT_EQ(Reason(nothing.Take(In("no/x"), 0ms)), "none");
+}
+
+TEST_F(ConsoleHostile, LeavesNothingBesideTheFileWhenItIsEnded) {
+  PutFile("b.ini", "[A]\nk=" + std::string(3'000'000, 'x') + "\n");
+  // Wherever the signal meets it.
+  EXPECT_EQ(Shell("for t in 002 004 006 008 010 015 020 030; do $T set b.ini A n $t & sleep 0.$t; kill -INT $!; "
+                  "kill -TERM $!; wait $!; done 2>/dev/null; ls -A; grep -c k= b.ini"),
+            "0: b.ini\n1\n");
 }
 
 TEST_F(ConsoleHostile, LeavesAFileThatChangedMeanwhile) {

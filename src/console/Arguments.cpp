@@ -82,6 +82,11 @@ std::optional<std::string_view> Arguments::ValueOf(const Option& option) const {
   return std::nullopt;
 }
 
+std::size_t Arguments::TimesOf(const Option& option) const {
+  const auto is_it = [&option](const auto& each) { return each.first->name == option.name; };
+  return static_cast<std::size_t>(std::count_if(given_.begin(), given_.end(), is_it));
+}
+
 void Arguments::Refuse(const std::string& why) const {
   throw Trouble(std::string(command_.name) + ": " + why + " (see tmec " + std::string(command_.name) + " --help)");
 }

@@ -55,6 +55,7 @@ class Arguments {
   bool Has(const Option& option) const { return ValueOf(option).has_value(); }
   /// Of an option that was given several times the last one; empty for one that takes none. Null when it was not given.
   std::optional<std::string_view> ValueOf(const Option& option) const;
+  std::size_t TimesOf(const Option& option) const;
 
  private:
   using Texts = std::span<const std::string_view>;

@@ -74,7 +74,8 @@ constinit const Command kCheckCommand{
     "A line FILE:LINE: what (why it matters) for each, and exit status 1; nothing is written for a clean file. Looked "
     "for\n"
     "are sections, keys and values that stand there twice, entries before the first section, a missing \"]\" and text\n"
-    "behind it, lines that are none of these, byte order marks, encodings and line ends that are mixed, unknown "
+    "behind it, lines that stand deeper than the entry above, lines that are none of these, byte order marks, "
+    "encodings and line ends that are mixed, unknown "
     "hives,\n"
     "and data of registry values that are no proper form of their type.\n",
     &Check};

@@ -34,6 +34,7 @@ class IniCheck {
           "readers take the first, the last or both, or refuse the file");
     has_section_ = true;
     keys_.clear();
+    owner_ = {};
   }
   void Entry(std::uint64_t number, std::string_view line) {
     const IniEntryParts parts = EntryPartsOf(line);
@@ -41,6 +42,7 @@ class IniCheck {
       said_top_ = true;
       Add(number, "an entry before the first section", "many readers do not find it or refuse the file");
     }
+    if (StandsDeeper(number, line, parts)) return;
     if (!parts.has_equals) Add(number, "an entry without \"=\"", "readers pass over it or refuse the file");
     if (parts.has_equals && parts.key.empty()) Add(number, "an entry without a key", "readers pass over it");
     const auto [first, is_new] = keys_.try_emplace(FoldedCase(parts.key), number);
@@ -59,7 +61,25 @@ class IniCheck {
     findings_.push_back({number, std::move(what), std::move(why)});
   }
 
+  /// Whether the line is no more than more of a value above.
+  bool StandsDeeper(std::uint64_t number, std::string_view line, const IniEntryParts& parts) {
+    if (owner_.empty() || IniDepthOf(line) <= IniDepthOf(owner_)) {
+      owner_ = line;
+      owner_number_ = number;
+      return false;
+    }
+    Add(number,
+        std::string(parts.has_equals ? "an entry" : "a line") + " that stands deeper than key \"" +
+            std::string(EntryPartsOf(owner_).key) + "\" above, in line " + std::to_string(owner_number_),
+        parts.has_equals ? "some readers take it for more of that value"
+                         : "some readers take it for more of that value, others pass over it or refuse the file");
+    return !parts.has_equals;
+  }
+
   Findings& findings_;
+  /// The entry that a line which stands deeper may belong to; empty before the first one of a section.
+  std::string_view owner_;
+  std::uint64_t owner_number_ = 0;
   std::unordered_map<std::string, std::uint64_t> sections_;
   std::unordered_map<std::string, std::uint64_t> keys_;
   bool has_section_ = false;

@@ -5,9 +5,11 @@
 
 #include "base/LineReader.h"
 #include "base/Utf8.h"
+#include "console/Lookup.h"
 #include "documents/compare/FileKind.h"
 #include "documents/ini/IniReader.h"
 #include "documents/ini/IniSourceLine.h"
+#include "documents/reg/RegSourceLine.h"
 #include "documents/reg/RegWholeReader.h"
 #include "files/CodePage.h"
 #include "files/FileBytes.h"
@@ -24,6 +26,13 @@ fs::path PathOrFail(const std::string& name) {
   if (name.empty()) throw Trouble("an empty text names no file");
   if (!path) throw Trouble(name + ": no path on this system");
   return *path;
+}
+
+/// What a file begins with that is to be made.
+std::string BytesOfNew(DocumentKind kind) {
+  if (kind != DocumentKind::Reg) return {};
+  TextFormat format{.encoding = TextEncoding::Utf16Le, .stray_byte = {}};
+  return EncodeText(std::string(HeaderOf(RegVersion::Version5)) + "\r\n", format);
 }
 
 /// The first character that the encoding has no place for.
@@ -49,7 +58,7 @@ std::uint64_t LineEndsIn(std::string_view text) {
 }
 
 ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams, Holds holds,
-                         std::optional<std::string_view> shown_name)
+                         std::optional<std::string_view> shown_name, Missing missing)
     : name_(name == "-" ? "standard input" : name) {
   const std::optional<DocumentKind> named = kind ? KindNamed(*kind) : KindOfName(shown_name.value_or(name));
   if (kind && !named) throw Trouble("--kind is ini, reg, rtf or txt, and not \"" + std::string(*kind) + "\"");
@@ -58,10 +67,8 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
     bytes = streams.Input();
   } else {
     path_ = PathOrFail(name_);
-    stamp_ = StampOf(*path_);
-    if (const auto failure = IsStream(*path_) ? ReadStream(*path_, bytes) : ReadFileBytes(*path_, bytes))
-      Fail(0, failure->reason);
-    if (StampOf(*path_) != stamp_) Fail(0, "it changed while it was read; nothing was done");
+    is_new_ = missing == Missing::IsMade && !IsStream(*path_) && IsAbsent(*path_);
+    bytes = is_new_ ? BytesOfNew(named.value_or(DocumentKind::Ini)) : ReadPath(*path_);
   }
   if (named ? named == DocumentKind::Rtf : bytes.starts_with("{\\rtf")) {
     kind_ = DocumentKind::Rtf;
@@ -77,6 +84,15 @@ ConsoleFile::ConsoleFile(std::string_view name, std::optional<std::string_view> 
   kind_ = found;
   text_ = std::move(decoded.text);
   if (holds == Holds::Document) Hold(found, TakeText());
+}
+
+std::string ConsoleFile::ReadPath(const fs::path& path) {
+  std::string bytes;
+  const bool is_stream = IsStream(path);
+  if (!is_stream) stamp_ = StampOf(path);
+  if (const auto failure = is_stream ? ReadStream(path, bytes) : ReadFileBytes(path, bytes)) Fail(0, failure->reason);
+  if (!is_stream && StampOf(path) != stamp_) Fail(0, "it changed while it was read; nothing was done");
+  return bytes;
 }
 
 ConsoleFile::ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format)
@@ -128,6 +144,14 @@ void ConsoleFile::RequireTree() const {
                                      : "a text file has no keys (--kind ini takes it as an INI file)");
 }
 
+void ConsoleFile::RequireOneLine(const IniNode& entry) const {
+  const SourceLines::Piece below = ContinuationOf(*ini_, entry);
+  if (below == SourceLines::kEnds) return;
+  Fail(LineNumberOf(below),
+       "this line may be more of the value above, for it stands deeper; nothing was written "
+       "(delete such lines first, each by its text)");
+}
+
 PartProducer ConsoleFile::Parts() const {
   if (kind_ == DocumentKind::Txt) return [this](const PartSink& sink) { return sink(text_); };
   return [this](const PartSink& sink) { return Lines().Write(sink); };
@@ -146,7 +170,7 @@ void ConsoleFile::Save(const Arguments& arguments, Streams& streams) {
   if (output || !path_) return WriteOut(output.value_or("-"), Encoded(Parts()), streams);
   const bool is_edited = kind_ == DocumentKind::Ini ? ini_->CanUndo() : reg_->CanUndo();
   if (!is_edited) return;
-  if (!stamp_) Fail(0, "this is no regular file; -o says where to write");
+  if (!stamp_ && !is_new_) Fail(0, "this is no regular file; -o says where to write");
   const std::string bytes = Encoded(Parts());
   if (StampOf(*path_) != stamp_) Fail(0, "another program has changed it since it was read; nothing was written");
   WriteOut(name_, bytes, streams);
@@ -176,6 +200,14 @@ std::string EncodeOrFail(const std::string& name, const TextFormat& format, cons
   return bytes;
 }
 
+OutputLock::OutputLock(std::string_view output) {
+  if (output == "-") return;
+  const std::string text(output);
+  const fs::path path = PathOrFail(text);
+  if (IsStream(path)) return;
+  if (const auto failure = lock_.Take(path)) throw Trouble(text + ": " + failure->reason + "; nothing was done");
+}
+
 void WriteOut(std::string_view name, std::string_view bytes, Streams& streams) {
   if (name == "-") {
     streams.Put(bytes);
@@ -183,6 +215,7 @@ void WriteOut(std::string_view name, std::string_view bytes, Streams& streams) {
   }
   const std::string text(name);
   const fs::path path = PathOrFail(text);
+  const DeferredInterrupts no_interrupts;
   if (const auto failure = IsStream(path) ? WriteStream(path, bytes) : WriteFileBytes(path, bytes)) {
     const char* const way = failure->folder_refused ? "; nothing was written (-o OUT writes another file)" : "";
     throw Trouble(text + ": " + failure->reason + way);

@@ -15,6 +15,7 @@
 #include "documents/SourceLines.h"
 #include "documents/ini/IniTree.h"
 #include "documents/reg/RegDocument.h"
+#include "files/EditLock.h"
 #include "files/FileStamp.h"
 #include "files/TextEncoding.h"
 
@@ -28,11 +29,18 @@ class ConsoleFile {
     Text,  ///< of an INI or registry file the text alone
   };
 
+  /// What becomes of a missing file.
+  enum class Missing : std::uint8_t {
+    IsTrouble,
+    IsMade,  ///< with Save: an INI file, or a registry file of version 5.00
+  };
+
   /// name: a path, or "-" for standard input. kind: what --kind says; else the name's ending decides (ini, inf, reg,
   /// rtf, txt), and where it is none of these the content: what is neither registry nor rich-text file is an INI file.
   /// shown_name: whose ending decides, for a file that stands for another one. Throws Trouble.
   ConsoleFile(std::string_view name, std::optional<std::string_view> kind, Streams& streams,
-              Holds holds = Holds::Document, std::optional<std::string_view> shown_name = {});
+              Holds holds = Holds::Document, std::optional<std::string_view> shown_name = {},
+              Missing missing = Missing::IsTrouble);
   /// A document that was made of another file. name: of that.
   ConsoleFile(std::string_view name, DocumentKind kind, std::string text, const TextFormat& format);
   ~ConsoleFile();
@@ -70,6 +78,9 @@ class ConsoleFile {
   /// Throws Trouble unless it is an INI or registry file.
   void RequireTree() const;
 
+  /// Throws Trouble where lines below an entry may be more of its value: those would be left to what stands above then.
+  void RequireOneLine(const IniNode& entry) const;
+
   /// Puts the document where --output says, else into the file, whole or not at all, in the encoding that it had. A
   /// file whose document was not edited is left alone; so is one that has changed since it was read, which is Trouble.
   /// Throws Trouble.
@@ -77,16 +88,32 @@ class ConsoleFile {
 
  private:
   void Hold(DocumentKind kind, std::string text);
+  std::string ReadPath(const std::filesystem::path& path);
 
   std::string name_;
   std::optional<std::filesystem::path> path_;
   std::optional<FileStamp> stamp_;
+  /// It is missing so far.
+  bool is_new_ = false;
   DocumentKind kind_ = DocumentKind::Ini;
   TextFormat format_;
   bool is_ascii_ = false;
   std::string text_;
   std::unique_ptr<IniTree> ini_;
   std::unique_ptr<RegDocument> reg_;
+};
+
+/// The lock of the file that a command writes, for as long as this lives: taken before any is read. One that waits for
+/// half a minute in vain is Trouble; standard output, pipes and devices have none.
+class OutputLock {
+ public:
+  explicit OutputLock(std::string_view output);
+  /// The file that --output names, else the other one.
+  OutputLock(const Arguments& arguments, std::string_view otherwise)
+      : OutputLock(arguments.ValueOf(kOutputOption).value_or(otherwise)) {}
+
+ private:
+  EditLock lock_;
 };
 
 /// How many lines of a text are ended. Linear.

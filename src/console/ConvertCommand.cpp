@@ -123,9 +123,11 @@ Result Convert(const Arguments& arguments, Streams& streams) {
   const auto form = arguments.ValueOf(kToOption);
   const bool is_from_json = arguments.Has(kFromOption);
   if (!form && !is_from_json) throw Trouble("convert: --to FORM is missing (see tmec convert --help)");
+  if (arguments.TimesOf(kToOption) > 1) throw Trouble("convert: one --to at a time");
+  const std::string_view output = arguments.ValueOf(kOutputOption).value_or("-");
+  const OutputLock lock(output);
   FilePointer file = Open(arguments, streams);
   if (file->Kind() == DocumentKind::Rtf) file->Fail(0, "rich text has no other form here");
-  const std::string_view output = arguments.ValueOf(kOutputOption).value_or("-");
   if (!form) {
     WriteOut(output, EncodeOrFail(file->Name(), file->Format(), file->Parts()), streams);
   } else if (*form == "json") {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -13,7 +14,8 @@ namespace {
 constexpr Option kWriteDeletionOption{
     "write-deletion", '\0', "", "registry files: leave a line that deletes the key or value where it is imported"};
 
-Result DeleteIni(IniTree& tree, const Arguments& arguments) {
+Result DeleteIni(ConsoleFile& file, const Arguments& arguments) {
+  IniTree& tree = file.Ini();
   const auto sections = SectionsNamed(tree, arguments.Operand(1));
   const bool is_entry = arguments.OperandCount() > 2;
   std::vector<IniNode*> nodes = is_entry ? EntriesNamed(tree, sections, arguments.Operand(2)) : sections;
@@ -23,6 +25,7 @@ Result DeleteIni(IniTree& tree, const Arguments& arguments) {
       if (tree.Root()->Child(row)->Tag() == IniTag::Value) nodes.push_back(tree.Root()->Child(row));
   }
   if (nodes.empty()) return Result::Other;
+  if (is_entry) std::ranges::for_each(nodes, [&file](const IniNode* node) { file.RequireOneLine(*node); });
   tree.Remove(nodes, IniComments::Stay);
   return Result::Done;
 }
@@ -70,12 +73,12 @@ Result DeleteReg(ConsoleFile& file, const Arguments& arguments) {
 }
 
 Result Delete(const Arguments& arguments, Streams& streams) {
+  const OutputLock lock(arguments, arguments.Operand(0));
   ConsoleFile file(arguments.Operand(0), arguments.ValueOf(kKindOption), streams);
   file.RequireTree();
   if (file.Kind() == DocumentKind::Ini && arguments.Has(kWriteDeletionOption))
     file.Fail(0, "an INI file has no lines that delete");
-  const Result result =
-      file.Kind() == DocumentKind::Ini ? DeleteIni(file.Ini(), arguments) : DeleteReg(file, arguments);
+  const Result result = file.Kind() == DocumentKind::Ini ? DeleteIni(file, arguments) : DeleteReg(file, arguments);
   if (result == Result::Done || arguments.Has(kOutputOption)) file.Save(arguments, streams);
   return result;
 }

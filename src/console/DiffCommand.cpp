@@ -21,7 +21,7 @@ void PutValue(JsonWriter& json, std::string_view name, const Outline& outline, O
   if (!item.has_value) return;
   json.Name(name);
   if (outline.FileKind() == Outline::Kind::Ini) {
-    json.String(outline.ValueOf(item));
+    json.String(outline.IniValueOf(item, "\n"));
     return;
   }
   json.BeginObject();
@@ -46,6 +46,7 @@ void PutChange(JsonWriter& json, const Outline& before, const Outline& after, co
     const Outline& side = has_before ? before : after;
     const Outline::Item& item = side.Items()[has_before ? change.item_before : change.item_after];
     json.Member(item.sort == Outline::Sort::Entry ? "name" : "line", side.NameOf(item));
+    if (item.number > 0) json.Name("name_number").Number(item.number + std::uint64_t{1});
     PutValue(json, "before", before, change.item_before);
     PutValue(json, "after", after, change.item_after);
   }
@@ -105,11 +106,13 @@ constinit const Command kDiffCommand{
     kDiffOptions,
     "write what is added, removed and changed",
     "Files are compared by section and key, whatever their encoding, version, order, wrapping and letter case.\n"
-    "Comments and blank lines do not count. \"[path]\" stands before the changes of a section or key: \"-\" is "
-    "removed,\n"
+    "Comments and blank lines do not count. Of a registry value it counts what it is, of a value of an INI file its\n"
+    "text, with its quotes: k=1 and k=\"1\" differ, and so do lines that stand deeper below a key.\n"
+    "\"[path]\" stands before the changes of a section or key: \"-\" is removed,\n"
     "\"+\" added, both changed, \">\" moved (--order). Of several of one name the first is compared with the first. "
     "Exit\n"
-    "status: 0 the same, 1 different.\n",
+    "status: 0 the same, 1 different; with --reg the same is what leaves the same when it is imported, whatever\n"
+    "stands above a line that deletes its key.\n",
     &Diff};
 
 }  // namespace tme::console

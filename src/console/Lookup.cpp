@@ -36,6 +36,18 @@ std::vector<IniNode*> EntriesNamed(const IniTree& tree, const std::vector<IniNod
   return entries;
 }
 
+SourceLines::Piece ContinuationOf(const IniTree& tree, const IniNode& entry) {
+  const SourceLines& lines = tree.Lines();
+  const std::string_view first = lines.Text(tree.PieceOf(entry));
+  SourceLines::Piece at = lines.Next(tree.PieceOf(entry));
+  const auto is_between = [&lines](SourceLines::Piece piece) {
+    const auto kind = static_cast<IniLine>(lines.Kind(piece));
+    return kind == IniLine::Blank || kind == IniLine::Comment;
+  };
+  while (at != SourceLines::kEnds && is_between(at)) at = lines.Next(at);
+  return at != SourceLines::kEnds && ContinuesEntry(lines.Text(at), first) ? at : SourceLines::kEnds;
+}
+
 std::string FullKeyPath(std::string_view path) {
   constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kShort{{{"HKCR", "HKEY_CLASSES_ROOT"},
                                                                                  {"HKCU", "HKEY_CURRENT_USER"},

@@ -17,6 +17,10 @@ std::vector<IniNode*> SectionsNamed(const IniTree& tree, std::string_view name);
 /// The entries of this key in these sections, in the order of the file. Readers take the first one.
 std::vector<IniNode*> EntriesNamed(const IniTree& tree, const std::vector<IniNode*>& sections, std::string_view key);
 
+/// The first line below an entry that readers may take for more of its value (ContinuesEntry), comments and blank lines
+/// passed over; kEnds without.
+SourceLines::Piece ContinuationOf(const IniTree& tree, const IniNode& entry);
+
 /// "HKLM\A" as "HKEY_LOCAL_MACHINE\A"; any other path as it is.
 std::string FullKeyPath(std::string_view path);
 /// The parts of a path. Empty ones are left out.

@@ -27,6 +27,7 @@ Result Merge(const Arguments& arguments, Streams& streams) {
   const std::optional<std::string_view> named = arguments.ValueOf(kKindOption);
   const std::string_view output = arguments.ValueOf(kOutputOption).value_or("-");
   const std::optional<std::string_view> path = arguments.ValueOf(kNameOption);
+  const OutputLock lock(output);
   ComparedFile base(arguments.Operand(0), named, streams, path), ours(arguments.Operand(1), named, streams, path),
       theirs(arguments.Operand(2), named, streams, path);
   const bool is_ours_base = ours.File().Text() == base.File().Text();
@@ -63,7 +64,9 @@ constinit const Command kMergeCommand{
     kMergeOptions,
     "merge what two files made of BASE",
     "The result is OURS with the changes that THEIRS made to BASE, by section and key: its order, comments, encoding\n"
-    "and bytes stay. What both sides added stays; what one side deleted goes where the other one did not change it.\n"
+    "and bytes stay. What both sides added stays, comments too; what one side deleted goes where the other one did "
+    "not\n"
+    "change it.\n"
     "Where both gave one key new values, ours stands and theirs is in a comment above it, which begins with\n"
     "\"; MERGE CONFLICT\"; each such place is a line on standard error. As merge driver of git:\n"
     "\"tmec merge --name %P %O %A %B -o %A\". Exit status: 0 merged, 1 with conflicts.\n",

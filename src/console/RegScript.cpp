@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/CaseFold.h"
 #include "base/Utf8.h"
 #include "console/Findings.h"
 #include "console/Values.h"
@@ -17,6 +18,8 @@
 
 namespace tme::console {
 namespace {
+
+constexpr std::string_view kSignature = "sig #";
 
 /// In a batch file a percent sign stands twice, whatever is around it.
 std::optional<std::string> BatchLine(std::optional<std::string> line) {
@@ -182,10 +185,15 @@ class ScriptWriter {
     }
   }
   void Comment(std::string_view text) {
-    if (shell_ == Shell::Cmd)
+    if (shell_ == Shell::Cmd) {
       ++comments_;
-    else
-      script_.append("# ").append(TrimIniBlanks(TrimIniBlanks(text).substr(1))).append("\n");  // "#requires" is none
+      return;
+    }
+    // A blank, for "#requires" is no comment; two where "# SIG #" would begin a signature, behind which nothing may
+    // come.
+    const std::string_view comment = TrimIniBlanks(TrimIniBlanks(text).substr(1));
+    const bool is_signature = FoldedCase(comment.substr(0, kSignature.size())) == kSignature;
+    script_.append(is_signature ? "#  " : "# ").append(comment).append("\n");
   }
   void Key(RegPiece kind, std::uint64_t number, std::string_view line) {
     const bool deletes = kind == RegPiece::KeyDeletion;

@@ -35,6 +35,7 @@ void SetIni(ConsoleFile& file, const Arguments& arguments) {
         "no line can have the key \"" + std::string(key) +
         "\" and this value (a key has no \"=\" and does not begin with \";\", \"#\" or \"[\", and both are one line)");
   if (tree.ValueOf(*entry) == value) return;
+  file.RequireOneLine(*entry);
   const std::string as_it_is(value);
   const std::string forms[] = {as_it_is, "\"" + as_it_is + "\"", "'" + as_it_is + "'"};
   for (const std::string& form : forms) {
@@ -106,7 +107,9 @@ void SetReg(ConsoleFile& file, const Arguments& arguments) {
 }
 
 Result Set(const Arguments& arguments, Streams& streams) {
-  ConsoleFile file(arguments.Operand(0), arguments.ValueOf(kKindOption), streams);
+  const OutputLock lock(arguments, arguments.Operand(0));
+  ConsoleFile file(arguments.Operand(0), arguments.ValueOf(kKindOption), streams, ConsoleFile::Holds::Document, {},
+                   ConsoleFile::Missing::IsMade);
   file.RequireTree();
   if (file.Kind() == DocumentKind::Reg) {
     SetReg(file, arguments);
@@ -131,7 +134,8 @@ constinit const Command kSetCommand{
     kSetOptions,
     "change or add one value, and no other line",
     "The file keeps its encoding, line ends, comments and order. A section, or a key's path, that is missing is "
-    "added.\n"
+    "added,\n"
+    "and a missing file is made. Edits of one file by several tmec wait for one another, for 30 seconds.\n"
     "In a registry file a value keeps its type unless --type says another one; a new one is sz. dword and qword are\n"
     "decimal or 0x and hex digits, binary is pairs of hex digits, and multi takes a VALUE for each string.\n"
     "A value of an INI file gets quotes where its blanks would be lost otherwise.\n"

@@ -25,6 +25,27 @@ std::string Escaped(char32_t character) {
 
 }  // namespace
 
+std::string AsUtf8(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    std::string_view rest = text;
+    const auto character = utf8::TakeCharacter(rest);
+    std::string_view half = text;
+    const auto surrogate = character ? std::nullopt : utf8::TakeCharacter(half, utf8::Surrogates::Accept);
+    if (character) {
+      shown.append(text.substr(0, text.size() - rest.size()));
+    } else if (surrogate) {
+      shown += Escaped(*surrogate);
+      rest = half;
+    } else {
+      shown += Escaped(static_cast<unsigned char>(text.front()));
+      rest = text.substr(1);
+    }
+    text = rest;
+  }
+  return shown;
+}
+
 std::string WithVisibleControls(std::string_view text) {
   std::string visible;
   while (!text.empty()) {

@@ -53,6 +53,9 @@ class Streams {
   bool has_read_ = false;
 };
 
+/// A text in which what is no UTF-8 is shown as "\xe9", half a UTF-16 character as "\ud800".
+std::string AsUtf8(std::string_view text);
+
 /// A text with its controls (C0, C1, and what turns the direction of text) as "\x1b" or "\u202e".
 std::string WithVisibleControls(std::string_view text);
 

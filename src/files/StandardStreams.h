@@ -26,11 +26,22 @@ void ReserveStandardStreams();
 std::optional<FileFailure> ReadStandardInput(std::string& bytes);
 /// Writes all, on a Windows console as characters (the text is UTF-8, and whole), else byte by byte.
 std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view text);
-/// Whether the path leads to a pipe or a device: nothing to be replaced, or asked for its size. Never on Windows.
+/// Whether the path leads to a pipe or a device, or names a stream that is open here, such as /dev/stdout, whatever is
+/// behind it: nothing to be replaced, or asked for its size. Never on Windows.
 bool IsStream(const std::filesystem::path& path);
 /// As ReadStandardInput; may wait for the other end of a pipe.
 std::optional<FileFailure> ReadStream(const std::filesystem::path& path, std::string& bytes);
 std::optional<FileFailure> WriteStream(const std::filesystem::path& path, std::string_view bytes);
 bool IsTerminal(StandardStream stream);
+
+/// While it lives, what ends the program from the keyboard or by request waits, so that a write leaves nothing behind.
+/// It does nothing on Windows.
+class DeferredInterrupts {
+ public:
+  DeferredInterrupts();
+  DeferredInterrupts(const DeferredInterrupts&) = delete;
+  DeferredInterrupts& operator=(const DeferredInterrupts&) = delete;
+  ~DeferredInterrupts();
+};
 
 }  // namespace tme

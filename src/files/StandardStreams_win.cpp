@@ -101,6 +101,9 @@ std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view
   return error ? std::optional(FailureOf(error)) : std::nullopt;
 }
 
+DeferredInterrupts::DeferredInterrupts() = default;
+DeferredInterrupts::~DeferredInterrupts() = default;
+
 bool IsStream(const std::filesystem::path& /*path*/) { return false; }
 std::optional<FileFailure> ReadStream(const std::filesystem::path& path, std::string& bytes) {
   return ReadFileBytes(path, bytes);
