@@ -32,6 +32,12 @@ inline std::string MarksOf(const RtfDocument& document, const CharFormat& format
   add(format.half_points != plain.half_points, "fs" + number(format.half_points));
   add(format.color != 0, "cf" + number(format.color));
   add(format.background != 0, "cb" + number(format.background));
+  add(format.shading != 0, "shading" + number(format.shading));
+  add(format.raise != 0, "raise" + std::to_string(format.raise));
+  add(format.said != 0, "said" + number(format.said));
+  constexpr std::string_view kClasses[] = {"", "hich", "dbch"};
+  add(format.text_class != FontClass::Low, std::string(kClasses[static_cast<std::size_t>(format.text_class)]));
+  add(format.font_class != FontClass::Low, "f " + std::string(kClasses[static_cast<std::size_t>(format.font_class)]));
   add(format.extra != 0, format.extra == 0 ? "" : document.extras[format.extra - 1]);
   if (format.field != 0) add(true, "field " + number(format.field) + " " + document.fields[format.field - 1].url);
   return marks;
@@ -116,7 +122,8 @@ inline std::string Describe(const RtfDocument& document) {
   for (const Object& it : document.objects)
     out << "object " << static_cast<int>(it.kind) << ' ' << it.rtf << ' ' << it.picture.size() << ' ' << it.label
         << '\n';
-  for (const Field& it : document.fields) out << "field " << it.parent << ' ' << it.instruction << '\n';
+  for (const Field& it : document.fields)
+    out << "field " << it.parent << ' ' << it.words << ' ' << it.instruction << '\n';
   for (const Cell& it : document.cells)
     out << "cell " << it.row << ' ' << it.right_edge << ' ' << it.row_span << '/' << it.column_span << '\n';
   for (const Row& it : document.rows) out << "row " << it.table << ' ' << it.definition << '\n';

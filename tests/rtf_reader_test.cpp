@@ -54,7 +54,7 @@ TEST(RtfReader, Formats) {
   Check({
       {"characters",
        R"({\b a\i b}{\ul\strike c\ulnone d}\fs20\cf1\highlight2 e\plain{\super f}{\dn4 g}\v\scaps h\v0\caps0 i)",
-       "[b:a][b,i:b][ul1,strike1:c][strike1:d][fs20,cf1,cb2:e][super:f][sub:g][v,scaps:h]i|"},
+       "[b:a][b,i:b][ul1,strike1:c][strike1:d][fs20,cf1,cb2:e][super:f][sub,raise-4:g][v,scaps:h]i|"},
       {"paragraphs", R"(\pard\qc\li10\ri20\fi-5\sb1\sa2\sl240\slmult1\tqr\tldot\tx9\tb7 a\par\pagebb b\par\pard c)",
        "(q2,li10,ri20,fi-5,sb1,sa2,sl240,slmult1,tab11:9,tab40:7)a|"
        "(q2,li10,ri20,fi-5,sb1,sa2,sl240,slmult1,pagebb1,tab11:9,tab40:7)b|c|"},

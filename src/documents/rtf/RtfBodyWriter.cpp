@@ -19,8 +19,15 @@ RtfBodyWriter::RtfBodyWriter(const RtfDocument& document, RtfOutput& out)
       walk_(document, *this),
       plain_(PlainFormat(document)),
       alphabets_(AlphabetsOf(document.fonts)),
-      format_(plain_),
-      controls_(document.paragraph_formats.size()) {}
+      controls_(document.paragraph_formats.size()) {
+  BeginPlain();
+}
+
+void RtfBodyWriter::BeginPlain() {
+  format_ = plain_;
+  format_.said = 0;
+  format_number_ = kNoFormat;
+}
 
 void RtfBodyWriter::WriteAll() {
   const std::size_t count = document_.paragraphs.size();
@@ -32,8 +39,7 @@ void RtfBodyWriter::WriteAll() {
 void RtfBodyWriter::WritePart(const RtfPart& part) {
   text_at_ = part.text;
   skip_ = part.skip;
-  format_ = plain_;
-  format_number_ = kNoFormat;
+  BeginPlain();
   place_ = {};
   out_.Words("\\plain");
   for (std::size_t i = part.begin; i < part.end; ++i) {
@@ -63,6 +69,7 @@ void RtfBodyWriter::BeginParagraph(std::size_t index, std::size_t depth) {
   wanted_ = {has_format ? paragraph.format : kNoFormat - 1, depth};
   WriteParagraphFormat(wanted_, NextItem(index));
   in_paragraph_ = true;
+  BeginFormats(index);
   Text(paragraph.first_run, document_.EndOfRuns(index));
   SetFormat(paragraph.mark_format);
   in_paragraph_ = false;
@@ -76,7 +83,7 @@ void RtfBodyWriter::Paragraph(std::size_t index, const rtf::Paragraph* next) {
 
 void RtfBodyWriter::EndParagraph() {
   out_.Words(kParagraphEnd);
-  LeaveSuperscript();
+  LeaveGroup();
   out_.LineEnd();
 }
 
@@ -84,10 +91,9 @@ void RtfBodyWriter::EndParagraph() {
 void RtfBodyWriter::ParagraphOfPart(std::size_t index, const RtfPart& part) {
   BeginParagraph(index, part.depth);
   if (index + 1 < part.end || part.mark == kParagraphEnd) return EndParagraph();
-  CloseFields(0);
-  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
+  LeaveFields();
   out_.Words(part.mark);
-  LeaveSuperscript();
+  LeaveGroup();
 }
 
 /// `item`: what stands before an item of a list; empty for others.
@@ -138,14 +144,36 @@ void RtfBodyWriter::Object(const rtf::Object& object) {
   out_.Close();
 }
 
+/// Where a paragraph's formats are not those of the one before, the format of its end comes first, which is often what
+/// all of it has in common, and groups say the rest.
+void RtfBodyWriter::BeginFormats(std::size_t index) {
+  const rtf::Paragraph& paragraph = document_.paragraphs[index];
+  const bool is_empty = paragraph.first_run == document_.EndOfRuns(index);
+  const std::uint32_t first = is_empty ? paragraph.mark_format : document_.runs[paragraph.first_run].format;
+  const CharFormat& wanted = CharFormatOf(first);
+  if (first == format_number_ ||
+      (LeadsTo(document_, plain_, wanted, format_) && LeadsTo(document_, plain_, format_, wanted)))
+    return;
+  for (const std::uint32_t candidate : {paragraph.mark_format, first}) {
+    CharFormat format = CharFormatOf(candidate);
+    if (format.font_class == wanted.font_class) format.text_class = wanted.text_class;
+    if (NeedsGroup(document_, format) || !LeadsTo(document_, plain_, format, wanted)) continue;
+    WriteCharFormat(document_, plain_, format_, format, out_);
+    format_ = format;
+    format_number_ = kNoFormat;
+    return;
+  }
+}
+
 void RtfBodyWriter::SetFormat(std::uint32_t format) {
   if (format == format_number_) return;
-  LeaveSuperscript();
+  LeaveGroup();
   const CharFormat& wanted = CharFormatOf(format);
   EnterField(wanted.field);
-  if (wanted.script == Script::Super) {
-    format_around_superscript_ = format_;
-    in_superscript_ = true;
+  // What no word takes back ends with its group.
+  if (NeedsGroup(document_, wanted) || !LeadsTo(document_, plain_, wanted, format_)) {
+    format_around_group_ = format_;
+    in_group_ = true;
     out_.Open();
   }
   WriteCharFormat(document_, plain_, format_, wanted, out_);
@@ -153,13 +181,11 @@ void RtfBodyWriter::SetFormat(std::uint32_t format) {
   format_number_ = format;
 }
 
-/// Superscript has a group of its own: a word processor may take it for a footnote's mark, and holds back what follows
-/// until the group ends.
-void RtfBodyWriter::LeaveSuperscript() {
-  if (!in_superscript_) return;
-  in_superscript_ = false;
+void RtfBodyWriter::LeaveGroup() {
+  if (!in_group_) return;
+  in_group_ = false;
   out_.Close();
-  format_ = format_around_superscript_;
+  format_ = format_around_group_;
   format_number_ = kNoFormat;
 }
 
@@ -183,6 +209,7 @@ void RtfBodyWriter::OpenField(std::uint32_t number) {
   const Field& field = document_.fields[number - 1];
   fields_.push_back({number, format_, place_});
   out_.Open("\\field");
+  out_.Words(field.words);
   if (!field.instruction.empty()) {
     out_.Kept(field.instruction);
   } else {
@@ -200,7 +227,7 @@ void RtfBodyWriter::OpenField(std::uint32_t number) {
 
 /// The groups' ends bring back what stood before them.
 void RtfBodyWriter::CloseFields(std::size_t stay_open) {
-  LeaveSuperscript();
+  LeaveGroup();
   if (fields_.size() <= stay_open) return;
   format_ = fields_[stay_open].format_outside;
   format_number_ = kNoFormat;
@@ -210,6 +237,12 @@ void RtfBodyWriter::CloseFields(std::size_t stay_open) {
     out_.Close();
   }
   if (in_paragraph_ && place_ != wanted_) WriteParagraphFormat(wanted_, {});
+}
+
+/// Before the end of a paragraph that no field can go on behind.
+void RtfBodyWriter::LeaveFields() {
+  if (!fields_.empty()) CloseFields(0);
+  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
 }
 
 void RtfBodyWriter::RowDefinition(std::uint32_t row) {
@@ -227,9 +260,9 @@ void RtfBodyWriter::BeginRow(std::uint32_t row, std::size_t depth) {
 }
 
 void RtfBodyWriter::EndCell(std::size_t depth) {
-  CloseFields(0);
-  if (place_ != wanted_) WriteParagraphFormat(wanted_, {});
+  LeaveFields();
   out_.Words(depth == 0 ? "\\cell" : "\\nestcell");
+  LeaveGroup();
   out_.LineEnd();
 }
 

@@ -55,7 +55,10 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   void Text(std::size_t from, std::size_t to);
   void Object(const rtf::Object& object);
   void SetFormat(std::uint32_t format);
-  void LeaveSuperscript();
+  void LeaveGroup();
+  void LeaveFields();
+  void BeginPlain();
+  void BeginFormats(std::size_t index);
   void EnterField(std::uint32_t number);
   void OpenField(std::uint32_t number);
   void CloseFields(std::size_t stay_open);
@@ -93,8 +96,8 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
     CharFormat format_outside;
     Place place_outside;
   };
-  CharFormat format_around_superscript_;
-  bool in_superscript_ = false;
+  CharFormat format_around_group_;
+  bool in_group_ = false;                     ///< of one format
   std::vector<FieldAround> fields_;           ///< outermost first
   std::vector<std::uint32_t> fields_wanted_;  ///< the same of the text to come
 };

@@ -52,13 +52,18 @@ std::uint32_t Builder::Intern(const ParagraphFormat& format) {
   return index;
 }
 
-std::uint32_t Builder::AddExtra(std::uint32_t old, std::string_view word, std::string_view name, Extra how) {
+/// kind: of what is made of the same words.
+template <typename Join>
+std::uint32_t Builder::AddKnown(std::uint32_t old, std::string_view word, std::uint8_t kind, Join join) {
   if (transitions_.empty()) transitions_.resize(kTransitions);
   Transition& known = transitions_[MixHash(std::hash<std::string_view>{}(word), old) % kTransitions];
-  if (known.from == old && known.word == word) return known.to;
+  if (known.from == old && known.kind == kind && known.word == word) return known.to;
   std::string words = old == 0 ? std::string() : document_.extras[old - 1];
-  const std::string_view written = how == Extra::Remove ? std::string_view() : word;
-  if (how == Extra::Append || !ReplaceWord(words, name, written)) words += written;
+  join(words);
+  if (words.empty()) {
+    known = {old, 0, word, kind};
+    return 0;
+  }
   const std::size_t cost = words.size() + kExtraOverhead;
   if (words.size() > kMaxExtraBytes || extra_bytes_ + cost > input_bytes_ * 2 + kSmallInput) {
     ++document_.losses.limits;
@@ -67,8 +72,20 @@ std::uint32_t Builder::AddExtra(std::uint32_t old, std::string_view word, std::s
   const std::size_t before = document_.extras.size();
   const std::uint32_t index = WithinLimit(extras_.Intern(document_.extras, words, kMaxFormats));
   if (document_.extras.size() > before) extra_bytes_ += cost;
-  known = {old, index + 1, word};
+  known = {old, index + 1, word, kind};
   return known.to;
+}
+
+std::uint32_t Builder::AddExtra(std::uint32_t old, std::string_view word, std::string_view name, Extra how) {
+  return AddKnown(old, word, static_cast<std::uint8_t>(how), [&](std::string& words) {
+    if (how == Extra::Append || !ReplaceWord(words, name, word)) words += word;
+  });
+}
+
+std::uint32_t Builder::AddExtra(std::uint32_t old, std::string_view word, std::string_view name, FontPlace place) {
+  constexpr std::uint8_t kOfCharacters = 8;
+  return AddKnown(old, word, static_cast<std::uint8_t>(kOfCharacters + static_cast<std::uint8_t>(place)),
+                  [&](std::string& words) { words = WithCharacterWord(words, word, name, place); });
 }
 
 void Builder::AddText(std::string_view text, std::uint32_t format) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "documents/rtf/RtfCharacterWords.h"
 #include "documents/rtf/RtfDocument.h"
 #include "documents/rtf/RtfInternTable.h"
 #include "documents/rtf/RtfTableBuilder.h"
@@ -13,7 +14,7 @@
 namespace tme::rtf {
 
 /// What a kept control word does to the one of its name before it.
-enum class Extra : std::uint8_t { Append, Replace, Remove };
+enum class Extra : std::uint8_t { Append, Replace };
 
 /// Fills a document: text, runs, paragraphs and tables, in their order. Equal formats become one.
 class Builder {
@@ -24,9 +25,11 @@ class Builder {
 
   std::uint32_t Intern(const CharFormat& format);
   std::uint32_t Intern(const ParagraphFormat& format);
-  /// `old` with one more control word, or (Remove) without the one that is called `name`; indices as in
-  /// CharFormat::extra. The word must live as long as this.
+  /// `old` with one more control word, which is called `name`; indices as in ParagraphFormat::extra. The word must live
+  /// as long as this.
   std::uint32_t AddExtra(std::uint32_t old, std::string_view word, std::string_view name, Extra how);
+  /// The same of CharFormat::extra, as RtfCharacterWords.h orders them.
+  std::uint32_t AddExtra(std::uint32_t old, std::string_view word, std::string_view name, FontPlace place);
 
   void AddText(std::string_view text, std::uint32_t format);
   void AddObject(Object&& object, std::uint32_t format);
@@ -65,7 +68,10 @@ class Builder {
     std::uint32_t from = 0;
     std::uint32_t to = 0;
     std::string_view word{};
+    std::uint8_t kind = 0;
   };
+  template <typename Join>
+  std::uint32_t AddKnown(std::uint32_t old, std::string_view word, std::uint8_t kind, Join join);
   std::vector<Transition> transitions_;
 };
 

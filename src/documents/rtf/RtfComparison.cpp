@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "documents/rtf/RtfCharacterWords.h"
+
 namespace tme::rtf {
 namespace {
 
@@ -103,15 +105,18 @@ bool RtfComparison::SameCharFormat(std::uint32_t left, std::uint32_t right) {
   return Ask(char_formats_, left, right, [&] {
     CharFormat one = left_.char_formats[left];
     const CharFormat& other = right_tables_.char_formats[right];
-    if (!SameFont(one.font, other.font) || !SameExtra(one.extra, other.extra) || !SameField(one.field, other.field) ||
+    if (!SameFont(one.font, other.font) || !SameWords(one, other) || !SameField(one.field, other.field) ||
         ColorOf(left_, one.color) != ColorOf(right_tables_, other.color) ||
-        ColorOf(left_, one.background) != ColorOf(right_tables_, other.background))
+        ColorOf(left_, one.background) != ColorOf(right_tables_, other.background) ||
+        ColorOf(left_, one.shading) != ColorOf(right_tables_, other.shading))
       return false;
     one.font = other.font;
     one.extra = other.extra;
     one.field = other.field;
     one.color = other.color;
     one.background = other.background;
+    one.shading = other.shading;
+    one.said = other.said;  // what differs from its default by a style's word alone
     return one == other;
   });
 }
@@ -139,10 +144,20 @@ bool RtfComparison::SameExtra(std::uint32_t left, std::uint32_t right) const {
   return (one == nullptr ? std::string_view() : *one) == (other == nullptr ? std::string_view() : *other);
 }
 
+/// Kept words in any order.
+bool RtfComparison::SameWords(const CharFormat& left, const CharFormat& right) const {
+  if (SameExtra(left.extra, right.extra)) return true;
+  const std::string *one = EntryOf(left_.extras, left.extra), *other = EntryOf(right_tables_.extras, right.extra);
+  const FontClass font_class = right.font_class;
+  return one != nullptr && other != nullptr && AreCharacterWordsIn(*one, *other, font_class) &&
+         AreCharacterWordsIn(*other, *one, font_class) &&
+         CharacterWordsBetween(*one, *other, font_class, FontClass::Low).IsEmpty();
+}
+
 bool RtfComparison::SameField(std::uint32_t left, std::uint32_t right) const {
   while (left != 0 && right != 0) {
     const Field &one = left_.fields[left - 1], &other = right_tables_.fields[right - 1];
-    if (one.url != other.url || one.instruction != other.instruction) return false;
+    if (one.url != other.url || one.instruction != other.instruction || one.words != other.words) return false;
     left = one.parent;
     right = other.parent;
   }

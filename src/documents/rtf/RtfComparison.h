@@ -29,6 +29,7 @@ class RtfComparison {
   bool SameParagraphFormat(std::uint32_t left, std::uint32_t right);
   bool SameFont(std::uint32_t left, std::uint32_t right) const;
   bool SameExtra(std::uint32_t left, std::uint32_t right) const;
+  bool SameWords(const CharFormat& left, const CharFormat& right) const;
   bool SameField(std::uint32_t left, std::uint32_t right) const;
 
   const RtfDocument& left_;

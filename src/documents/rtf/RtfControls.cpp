@@ -15,9 +15,8 @@ constexpr std::int32_t Of(auto value) { return static_cast<std::int32_t>(value);
 
 // clang-format off
 constexpr auto kIgnoredWords = std::to_array<std::string_view>({
-    "rtf", "nosectexpand", "softline", "softpage", "softcol", "softlheight", "loch", "hich", "dbch", "fcs", "insrsid",
-    "charrsid", "pararsid", "sectrsid", "delrsid", "tblrsid", "styrsid", "yts", "ltrpar", "fldedit", "flddirty",
-    "fldlock", "fldpriv", "wrapdefault",
+    "rtf", "nosectexpand", "softline", "softpage", "softcol", "softlheight", "fcs", "insrsid",
+    "charrsid", "pararsid", "sectrsid", "delrsid", "tblrsid", "styrsid", "yts", "ltrpar", "wrapdefault",
 });
 
 constexpr auto kTextWords = std::to_array<ControlWord>({
@@ -35,27 +34,31 @@ constexpr auto kTextWords = std::to_array<ControlWord>({
 });
 
 constexpr auto kCharacterWords = std::to_array<ControlWord>({
-    {"plain", C::Plain}, {"f", C::FontNumber}, {"fs", C::FontSize}, {"cf", C::Color}, {"cb", C::Background},
-    {"highlight", C::Background}, {"chcbpat", C::Background}, {"b", C::Bold}, {"i", C::Italic},
+    {"plain", C::Plain}, {"f", C::FontNumber}, {"fs", C::FontSize}, {"cf", C::Color}, {"cb", C::Shading},
+    {"highlight", C::Background}, {"chcbpat", C::Shading}, {"b", C::Bold}, {"i", C::Italic},
     {"ul", C::Underlined, Of(Underline::Single)}, {"ulnone", C::Underlined, Of(Underline::None)},
     {"ulw", C::Underlined, Of(Underline::Words)}, {"uldb", C::Underlined, Of(Underline::Double)},
     {"uld", C::Underlined, Of(Underline::Dotted)}, {"uldash", C::Underlined, Of(Underline::Dash)},
-    {"ulldash", C::Underlined, Of(Underline::Dash)}, {"uldashd", C::Underlined, Of(Underline::DashDot)},
+    {"ulldash", C::Underlined, Of(Underline::LongDash)}, {"uldashd", C::Underlined, Of(Underline::DashDot)},
     {"uldashdd", C::Underlined, Of(Underline::DashDotDot)}, {"ulth", C::Underlined, Of(Underline::Thick)},
-    {"ulthd", C::Underlined, Of(Underline::Thick)}, {"ulthdash", C::Underlined, Of(Underline::Thick)},
-    {"ulthdashd", C::Underlined, Of(Underline::Thick)}, {"ulthdashdd", C::Underlined, Of(Underline::Thick)},
-    {"ulthldash", C::Underlined, Of(Underline::Thick)}, {"ulwave", C::Underlined, Of(Underline::Wave)},
-    {"ulhwave", C::Underlined, Of(Underline::Wave)}, {"ululdbwave", C::Underlined, Of(Underline::Wave)},
+    {"ulthd", C::Underlined, Of(Underline::ThickDotted)}, {"ulthdash", C::Underlined, Of(Underline::ThickDash)},
+    {"ulthdashd", C::Underlined, Of(Underline::ThickDashDot)},
+    {"ulthdashdd", C::Underlined, Of(Underline::ThickDashDotDot)},
+    {"ulthldash", C::Underlined, Of(Underline::ThickLongDash)}, {"ulwave", C::Underlined, Of(Underline::Wave)},
+    {"ulhwave", C::Underlined, Of(Underline::HeavyWave)}, {"ululdbwave", C::Underlined, Of(Underline::DoubleWave)},
     {"strike", C::Struck, Of(Strike::Single)}, {"striked", C::Struck, Of(Strike::Double)},
     {"super", C::Scripted, Of(Script::Super)}, {"sub", C::Scripted, Of(Script::Sub)},
     {"nosupersub", C::Scripted, Of(Script::Normal)}, {"up", C::Raised, 1}, {"dn", C::Raised, -1},
     {"caps", C::Capital, Of(Capitals::All)}, {"scaps", C::Capital, Of(Capitals::Small)}, {"v", C::Hidden},
-    {"ltrch", C::LeftToRight},
+    {"ltrch", C::Direction}, {"rtlch", C::Direction}, {"af", C::OtherFont}, {"chbrdr", C::CharacterBorder},
+    {"loch", C::FontClassWord, Of(FontClass::Low)}, {"hich", C::FontClassWord, Of(FontClass::High)},
+    {"dbch", C::FontClassWord, Of(FontClass::Double)},
 });
 constexpr auto kKeptCharacterWords = std::to_array<std::string_view>({
     "lang", "langfe", "langnp", "langfenp", "noproof", "kerning", "expnd", "expndtw", "charscalex", "cs", "outl",
-    "shad", "embo", "impr", "rtlch", "af", "afs", "ab", "ai", "alang", "animtext", "ulc", "webhidden", "deleted",
-    "revised", "chbrdr", "chshdng", "chcfpat",
+    "shad", "embo", "impr", "afs", "ab", "ai", "alang", "animtext", "ulc", "webhidden", "deleted", "revised", "revauth",
+    "revdttm", "revauthdel", "revdttmdel", "crauth", "crdate", "chshdng",
+    "chcfpat",
 });
 
 constexpr auto kParagraphWords = std::to_array<ControlWord>({
@@ -194,6 +197,7 @@ constexpr std::array<ControlWord, kSlots> kTable = [] {
     for (const std::string_view name : names) add({name, control}, control_class);
   };
   add_names(kIgnoredWords, ControlClass::Ignored, C::None);
+  add_names(kFieldWords, ControlClass::Ignored, C::FieldWord);
   add_all(kTextWords, ControlClass::Text);
   add_all(kCharacterWords, ControlClass::CharacterFormat);
   add_names(kKeptCharacterWords, ControlClass::CharacterFormat, C::CharacterWord);

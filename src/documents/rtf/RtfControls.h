@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -23,7 +24,8 @@ enum class ControlClass : std::uint8_t {
 
 /// What a control word does; ControlWord::value says more where it is named.
 enum class Control : std::uint8_t {
-  None,  ///< of an unknown or ignored word
+  None,       ///< of an unknown or ignored word
+  FieldWord,  ///< of ControlClass::Ignored, and kept with its field
   // ControlClass::Text
   Character,      ///< value: the character
   Paragraph,      ///< \par
@@ -39,16 +41,20 @@ enum class Control : std::uint8_t {
   FontSize,
   Color,
   Background,
+  Shading,  ///< kept, too
   Bold,
   Italic,
-  Underlined,     ///< value: Underline
-  Struck,         ///< value: Strike
-  Scripted,       ///< value: Script
-  Raised,         ///< value: the sign
-  Capital,        ///< value: Capitals
-  Hidden,         ///< \v
-  LeftToRight,    ///< takes back \rtlch
-  CharacterWord,  ///< kept, not shown; the last one of its name counts
+  Underlined,       ///< value: Underline
+  Struck,           ///< value: Strike
+  Scripted,         ///< value: Script
+  Raised,           ///< value: the sign
+  Capital,          ///< value: Capitals
+  Hidden,           ///< \v
+  Direction,        ///< \ltrch, \rtlch
+  FontClassWord,    ///< value: FontClass
+  OtherFont,        ///< \af
+  CharacterBorder,  ///< kept with the border words right behind it
+  CharacterWord,    ///< kept, not shown; the last one of its name counts
   // ControlClass::ParagraphFormat
   ParagraphReset,
   Aligned,  ///< value: Alignment
@@ -126,6 +132,9 @@ struct ControlWord {
   Control control = Control::None;
   ControlClass control_class = ControlClass::Unknown;
 };
+
+/// What a field says of itself.
+inline constexpr std::array<std::string_view, 4> kFieldWords = {"fldedit", "flddirty", "fldlock", "fldpriv"};
 
 /// By its exact letters. ControlClass::Unknown, without a name, for others.
 const ControlWord& FindControl(std::string_view name);

@@ -21,10 +21,38 @@ enum class Underline : std::uint8_t {
   DashDotDot,
   Thick,
   Wave,
+  LongDash,
+  ThickDotted,
+  ThickDash,
+  ThickDashDot,
+  ThickDashDotDot,
+  ThickLongDash,
+  HeavyWave,
+  DoubleWave,
 };
 enum class Script : std::uint8_t { Normal, Super, Sub };
 enum class Capitals : std::uint8_t { None, All, Small };
 enum class Strike : std::uint8_t { None, Single, Double };
+/// Which of its fonts text has: \loch, \hich, \dbch.
+enum class FontClass : std::uint8_t { Low, High, Double };
+
+/// Properties of characters that a control word can set back to their defaults, as bits.
+enum CharacterProperty : std::uint16_t {
+  kFont = 1 << 0,
+  kFontSize = 1 << 1,
+  kColor = 1 << 2,
+  kBackground = 1 << 3,
+  kBold = 1 << 4,
+  kItalic = 1 << 5,
+  kHidden = 1 << 6,
+  kStrike = 1 << 7,
+  kDoubleStrike = 1 << 8,
+  kUnderline = 1 << 9,
+  kScript = 1 << 10,
+  kCapitals = 1 << 11,
+  kSmallCapitals = 1 << 12,
+};
+inline constexpr std::uint16_t kAllCharacterProperties = (1 << 13) - 1;
 
 /// The format of a run. Equal formats share one entry of RtfDocument::char_formats.
 struct CharFormat {
@@ -32,8 +60,15 @@ struct CharFormat {
   std::uint32_t half_points = 24;  ///< size, in half points
   std::uint32_t color = 0;         ///< index into RtfDocument::colors; 0 is automatic
   std::uint32_t background = 0;    ///< the same, behind the text
+  std::uint32_t shading = 0;       ///< the same behind that, as a control word of `extra` says
   std::uint32_t field = 0;         ///< index into RtfDocument::fields plus 1; 0 outside any field
   std::uint32_t extra = 0;         ///< index into RtfDocument::extras plus 1: control words that are kept, not shown
+  /// CharacterProperty: which have their default because control words said so. That counts where a style says other;
+  /// 0 in a document without styles.
+  std::uint16_t said = 0;
+  std::int16_t raise = 0;  ///< how far `script` is raised, in half points, without being made small; 0: as usual
+  FontClass text_class = FontClass::Low;
+  FontClass font_class = FontClass::Low;  ///< for which class of text `font` was named
   bool bold = false;
   bool italic = false;
   bool hidden = false;
@@ -44,6 +79,18 @@ struct CharFormat {
 
   bool operator==(const CharFormat&) const = default;
 };
+
+/// CharacterProperty: those that a format has as text after \plain has them.
+constexpr std::uint16_t DefaultsOf(const CharFormat& format, const CharFormat& plain) {
+  const auto bit = [](bool is_default, CharacterProperty property) { return is_default ? property : 0; };
+  return static_cast<std::uint16_t>(
+      bit(format.font == plain.font, kFont) | bit(format.half_points == plain.half_points, kFontSize) |
+      bit(format.color == 0, kColor) | bit(format.background == 0, kBackground) | bit(!format.bold, kBold) |
+      bit(!format.italic, kItalic) | bit(!format.hidden, kHidden) | bit(format.strike != Strike::Single, kStrike) |
+      bit(format.strike != Strike::Double, kDoubleStrike) | bit(format.underline == Underline::None, kUnderline) |
+      bit(format.script == Script::Normal, kScript) | bit(format.capitals != Capitals::All, kCapitals) |
+      bit(format.capitals != Capitals::Small, kSmallCapitals));
+}
 
 enum class Alignment : std::uint8_t { Left, Right, Center, Justify };
 
@@ -129,6 +176,7 @@ struct Field {
   std::string url;           ///< of a hyperlink; empty for other fields
   std::string instruction;   ///< the {\*\fldinst …} group as it came; empty for a link made here
   std::uint32_t parent = 0;  ///< index into RtfDocument::fields plus 1 of the field whose result it stands in; 0: none
+  std::string words{};       ///< what the field says of itself, as "\\fldlock"
 };
 
 inline constexpr std::int32_t kSymbolCharset = 2;
@@ -222,6 +270,9 @@ struct RtfDocument {
   /// Bytes behind the last brace, as they came.
   std::string kept_behind;
   Losses losses;
+
+  /// Whether what formats name may say other than its default.
+  bool HasStyles() const { return kept_header.find("\\stylesheet") != std::string::npos; }
 
   /// Where the runs of a paragraph end, an index into `runs`.
   std::size_t EndOfRuns(std::size_t paragraph) const {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/Utf8.h"
+#include "documents/rtf/RtfCharacterWords.h"
 #include "documents/rtf/RtfCharset.h"
 #include "documents/rtf/RtfTokenizer.h"
 
@@ -15,8 +16,10 @@ namespace {
 
 constexpr std::int32_t kNewCellWidth = 1440;
 
-constexpr std::string_view kUnderlines[] = {"\\ulnone", "\\ul",      "\\ulw",      "\\uldb", "\\uld",
-                                            "\\uldash", "\\uldashd", "\\uldashdd", "\\ulth", "\\ulwave"};
+constexpr std::string_view kUnderlines[] = {"\\ulnone",    "\\ul",      "\\ulw",       "\\uldb",      "\\uld",
+                                            "\\uldash",    "\\uldashd", "\\uldashdd",  "\\ulth",      "\\ulwave",
+                                            "\\ulldash",   "\\ulthd",   "\\ulthdash",  "\\ulthdashd", "\\ulthdashdd",
+                                            "\\ulthldash", "\\ulhwave", "\\ululdbwave"};
 constexpr std::string_view kScripts[] = {"\\nosupersub", "\\super", "\\sub"};
 constexpr std::string_view kAlignments[] = {"", "\\qr", "\\qc", "\\qj"};
 /// By ListKind.
@@ -100,41 +103,135 @@ CharFormat PlainFormat(const RtfDocument& document) {
     if (document.fonts[i].number == document.default_font) font = i;
   }
   plain.font = static_cast<std::uint32_t>(font);
+  if (document.HasStyles()) plain.said = kAllCharacterProperties;
   return plain;
 }
 
+bool LeadsTo(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to) {
+  // Nothing takes kept control words back one by one, and nothing but \plain names a font that is in no table.
+  const auto is_known = [&](std::uint32_t font) { return font < document.fonts.size(); };
+  if (is_known(from.font) && !is_known(to.font) && !is_known(plain.font)) return false;
+  const auto said = static_cast<unsigned>(plain.said & (from.said | ~DefaultsOf(from, plain)));
+  if ((said & DefaultsOf(to, plain) & ~unsigned{to.said}) != 0) return false;
+  // The font of a class of text stays with it when text of another one gets its own.
+  const bool has_font = from.font_class != FontClass::Low || from.font != plain.font || (from.said & kFont) != 0;
+  if (from.font_class != to.font_class && has_font && !NameFontOf(ExtraWords(document, to.extra), from.font_class))
+    return false;
+  return from.extra == to.extra ||
+         AreCharacterWordsIn(ExtraWords(document, from.extra), ExtraWords(document, to.extra), to.font_class);
+}
+
+bool NeedsGroup(const RtfDocument& document, const CharFormat& format) {
+  return (format.script == Script::Super && format.raise == 0) || IsOfRevision(ExtraWords(document, format.extra));
+}
+
+namespace {
+
+/// Words between two formats; a property that was not said before is said.
+class CharFormatOutput {
+ public:
+  CharFormatOutput(const CharFormat& from, const CharFormat& to, RtfOutput& out)
+      : from_(from), to_(to), said_(static_cast<unsigned>(to.said & ~from.said)), out_(out) {}
+
+  bool IsWanted(CharacterProperty property, bool differs) const { return differs || (said_ & property) != 0; }
+
+  void Switch(CharacterProperty property, bool CharFormat::*attribute, std::string_view on,
+              std::string_view off) const {
+    if (IsWanted(property, from_.*attribute != to_.*attribute)) out_.Words(to_.*attribute ? on : off);
+  }
+
+  /// A choice that a property has words for.
+  template <typename Choice>
+  struct Option {
+    CharacterProperty property;
+    Choice choice;
+    std::string_view on;
+    std::string_view off;
+  };
+  /// One of two, or none. What is off comes first: for some readers its word takes back the other one.
+  template <typename Choice>
+  void Choose(Choice CharFormat::*attribute, const Option<Choice>& one, const Option<Choice>& other) const {
+    const bool is_one = to_.*attribute == one.choice;
+    for (const Option<Choice>* option : {is_one ? &other : &one, is_one ? &one : &other}) {
+      const bool was = from_.*attribute == option->choice, is = to_.*attribute == option->choice;
+      if (IsWanted(option->property, was != is)) out_.Words(is ? option->on : option->off);
+    }
+  }
+
+  void Number(CharacterProperty property, std::uint32_t CharFormat::*attribute, std::string_view word) const {
+    if (IsWanted(property, from_.*attribute != to_.*attribute)) out_.Word(word, to_.*attribute);
+  }
+
+  void ScriptOrRaise() const {
+    if (!IsWanted(kScript, from_.script != to_.script || from_.raise != to_.raise)) return;
+    const bool was_raised = from_.raise != 0;
+    if (was_raised && to_.raise == 0) out_.Words("\\up0");
+    if (to_.raise != 0) return out_.Word(to_.raise > 0 ? "\\up" : "\\dn", to_.raise > 0 ? to_.raise : -to_.raise);
+    if (!was_raised || to_.script != Script::Normal) out_.Words(Pick(kScripts, to_.script));
+  }
+
+ private:
+  const CharFormat& from_;
+  const CharFormat& to_;
+  const unsigned said_;  ///< what is to be said though it is the default
+  RtfOutput& out_;
+};
+
+/// Fonts of classes of text, and the text's own one; null when it stays.
+void WriteFonts(const Font* font, const CharFormat& format, const CharacterWordSteps& steps, RtfOutput& out) {
+  FontClass text_class = steps.text_class;
+  const auto enter = [&](FontClass font_class) {
+    if (text_class != font_class) out.Words(WordOf(font_class));
+    text_class = font_class;
+  };
+  const auto write_own = [&] {
+    if (font == nullptr) return;
+    enter(format.font_class);
+    out.Word("\\f", font->number);
+  };
+  if (steps.has_own_font) write_own();
+  out.Words(steps.fonts);
+  if (!steps.fonts.empty()) text_class = steps.class_of_fonts;
+  if (!steps.has_own_font) write_own();
+  enter(format.text_class);
+}
+
+}  // namespace
+
 void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to,
                      RtfOutput& out) {
+  CharFormat now = from;
+  if (!LeadsTo(document, plain, from, to)) {
+    out.Words("\\plain");
+    now = plain;
+    now.said = 0;
+  }
+  CharacterWordSteps steps{.text_class = now.text_class};
+  if (now.extra != to.extra)
+    steps = CharacterWordsBetween(ExtraWords(document, now.extra), ExtraWords(document, to.extra), to.font_class,
+                                  now.text_class);
+  out.Words(steps.words);
+  const CharFormatOutput output(now, to, out);
   const auto shown = [&](std::uint32_t font) { return font < document.fonts.size() ? font : plain.font; };
-  const std::string_view kept = to.extra != from.extra ? ExtraWords(document, to.extra) : std::string_view();
-  const std::string_view kept_before = to.extra != from.extra ? ExtraWords(document, from.extra) : std::string_view();
-  // Nothing takes kept control words back one by one, and nothing but \plain names a font that is in no table.
-  const bool from_plain = (!kept_before.empty() && kept_before != kept) ||
-                          (shown(from.font) != shown(to.font) && shown(to.font) >= document.fonts.size());
-  const CharFormat& now = from_plain ? plain : from;
-  if (from_plain) out.Words("\\plain");
-  if (from_plain || kept != kept_before) out.Words(ExtraWords(document, to.extra));
-  if (shown(now.font) != shown(to.font)) out.Word("\\f", document.fonts[shown(to.font)].number);
-  if (now.half_points != to.half_points) out.Word("\\fs", to.half_points);
-  if (now.bold != to.bold) out.Words(to.bold ? "\\b" : "\\b0");
-  if (now.italic != to.italic) out.Words(to.italic ? "\\i" : "\\i0");
-  if (now.underline != to.underline) out.Words(Pick(kUnderlines, to.underline));
-  if (now.color != to.color) out.Word("\\cf", to.color);
-  if (now.background != to.background) out.Word("\\highlight", to.background);
-  if (now.hidden != to.hidden) out.Words(to.hidden ? "\\v" : "\\v0");
-  if (now.script != to.script) out.Words(Pick(kScripts, to.script));
-  if (now.strike != to.strike) {
-    if (now.strike == Strike::Double) out.Words("\\striked0");
-    if (to.strike == Strike::Double) out.Words("\\striked1");
-    if (to.strike == Strike::Single) out.Words("\\strike");
-    if (now.strike == Strike::Single) out.Words("\\strike0");
-  }
-  if (now.capitals != to.capitals) {
-    if (now.capitals == Capitals::All) out.Words("\\caps0");
-    if (now.capitals == Capitals::Small) out.Words("\\scaps0");
-    if (to.capitals == Capitals::All) out.Words("\\caps");
-    if (to.capitals == Capitals::Small) out.Words("\\scaps");
-  }
+  const bool is_font_new = shown(now.font) != shown(to.font) || now.font_class != to.font_class || steps.replaces_font;
+  const bool names_font = output.IsWanted(kFont, is_font_new) && shown(to.font) < document.fonts.size();
+  // Words of other classes say for some readers what all that follows is about, too.
+  const bool has_classes = !steps.fonts.empty() || steps.text_class != FontClass::Low ||
+                           to.font_class != FontClass::Low || to.text_class != FontClass::Low;
+  if (names_font && !has_classes) out.Word("\\f", document.fonts[shown(to.font)].number);
+  output.Number(kFontSize, &CharFormat::half_points, "\\fs");
+  output.Switch(kBold, &CharFormat::bold, "\\b", "\\b0");
+  output.Switch(kItalic, &CharFormat::italic, "\\i", "\\i0");
+  if (output.IsWanted(kUnderline, now.underline != to.underline)) out.Words(Pick(kUnderlines, to.underline));
+  output.Number(kColor, &CharFormat::color, "\\cf");
+  output.Number(kBackground, &CharFormat::background, "\\highlight");
+  output.Switch(kHidden, &CharFormat::hidden, "\\v", "\\v0");
+  output.ScriptOrRaise();
+  output.Choose<Strike>(&CharFormat::strike, {kStrike, Strike::Single, "\\strike", "\\strike0"},
+                        {kDoubleStrike, Strike::Double, "\\striked1", "\\striked0"});
+  output.Choose<Capitals>(&CharFormat::capitals, {kCapitals, Capitals::All, "\\caps", "\\caps0"},
+                          {kSmallCapitals, Capitals::Small, "\\scaps", "\\scaps0"});
+  if (has_classes) WriteFonts(names_font ? &document.fonts[shown(to.font)] : nullptr, to, steps, out);
 }
 
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format) {
@@ -206,10 +303,13 @@ void WriteColor(std::span<const std::uint32_t> colors, std::size_t index, RtfOut
 }
 
 void WriteTables(const RtfDocument& document, RtfOutput& out) {
-  out.Open("\\fonttbl");
-  for (const Font& font : document.fonts) WriteFont(font, out);
-  out.Close();
-  out.LineEnd();
+  // One without fonts is another font for some readers than none.
+  if (!document.fonts.empty()) {
+    out.Open("\\fonttbl");
+    for (const Font& font : document.fonts) WriteFont(font, out);
+    out.Close();
+    out.LineEnd();
+  }
   if (document.colors.size() < 2) return;
   out.Open("\\colortbl");
   for (std::size_t i = 0; i < document.colors.size(); ++i) WriteColor(document.colors, i, out);

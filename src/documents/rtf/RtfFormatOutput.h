@@ -10,8 +10,16 @@
 
 namespace tme::rtf {
 
-/// Format of text after \plain.
+/// Format of text after \plain. Its `said`: which properties a style may say other than that; none in a document
+/// without.
 CharFormat PlainFormat(const RtfDocument& document);
+
+/// Whether control words lead from one format to another without \plain, and leave nothing of the first behind. Fields
+/// are none of its business. `plain`: PlainFormat.
+bool LeadsTo(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to);
+
+/// Whether a format takes a group of its own: no word takes it back, or readers hold back what follows it.
+bool NeedsGroup(const RtfDocument& document, const CharFormat& format);
 
 /// Writes what leads from one format to another; fields are none of its business. `plain`: PlainFormat.
 void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to,

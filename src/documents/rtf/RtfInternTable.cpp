@@ -6,10 +6,13 @@ std::size_t HashOf(const CharFormat& format) {
   std::size_t hash = MixHash(format.font, format.half_points);
   hash = MixHash(hash, (std::uint64_t{format.color} << 32) | format.background);
   hash = MixHash(hash, (std::uint64_t{format.field} << 32) | format.extra);
+  hash = MixHash(hash, std::uint64_t{format.shading} << 32 | std::uint64_t{format.said} << 16 |
+                           static_cast<std::uint16_t>(format.raise));
   const auto bits = static_cast<unsigned>(format.bold) | static_cast<unsigned>(format.italic) << 1 |
                     static_cast<unsigned>(format.hidden) << 2 | static_cast<unsigned>(format.strike) << 4 |
                     static_cast<unsigned>(format.underline) << 8 | static_cast<unsigned>(format.script) << 16 |
-                    static_cast<unsigned>(format.capitals) << 20;
+                    static_cast<unsigned>(format.capitals) << 20 | static_cast<unsigned>(format.text_class) << 24 |
+                    static_cast<unsigned>(format.font_class) << 26;
   return MixHash(hash, bits);
 }
 

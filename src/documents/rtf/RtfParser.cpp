@@ -90,6 +90,7 @@ void Parser::OpenGroup() {
   State state = Top();
   state.begin = token_.begin;
   state.owns_paragraph = state.is_field = false;
+  state.field_words = 0;
   state.has_only_words = true;
   states_.push_back(state);
 }
@@ -148,7 +149,7 @@ void Parser::EndField(const State& field) {
   }
   for (std::size_t i = field.fields_before; i < document_.fields.size(); ++i) {
     object_begin_ = kUnknown;
-    KeepInvisible("{\\field" + document_.fields[i].instruction + "}");
+    KeepInvisible("{\\field" + document_.fields[i].words + document_.fields[i].instruction + "}");
   }
 }
 
@@ -300,7 +301,14 @@ CharFormat& Parser::Character() {
 
 std::uint32_t Parser::CharacterId() {
   State& state = Top();
-  if (state.character_id == kStale) state.character_id = builder_.Intern(state.character);
+  if (state.character_id == kStale) {
+    if (state.character.said != 0) {
+      CharFormat plain;
+      plain.font = fonts_.Default();
+      state.character.said &= DefaultsOf(state.character, plain);
+    }
+    state.character_id = builder_.Intern(state.character);
+  }
   return state.character_id;
 }
 

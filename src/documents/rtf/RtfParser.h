@@ -61,6 +61,10 @@ class Parser : private TextDecoder::Sink {
     bool owns_paragraph = false;  ///< else `paragraph` is that of the group around
     bool has_only_words = true;   ///< nothing but control words so far
     bool is_field = false;
+    std::uint8_t field_words = 0;   ///< which of kFieldWords came, as bits
+    std::string_view font_word{};   ///< the \f that named the font, as it came; empty for the default
+    bool has_class_fonts = false;   ///< kept words may name fonts of classes of text
+    bool is_font_of_class = false;  ///< \af is about text of the character's class
     bool is_nested_properties = false;
   };
   static constexpr std::uint32_t kStale = 0xFFFFFFFF;
@@ -98,11 +102,20 @@ class Parser : private TextDecoder::Sink {
     ++effects_;
   }
 
-  // RtfParserWords.cpp: control words.
+  // RtfParserCharacters.cpp: control words of characters.
+  void ReadCharacterWord(const ControlWord& word);
+  void NoteSaid(const ControlWord& word);
+  void ReadDirection();
+  void ReadFontClass(FontClass font_class);
+  bool IsOfCharacterBorder() const;
+  void KeepWithCharacters(std::string_view name);
+  void SetFont(std::int32_t number);
+  void ApplyDefaultFont();
+
+  // RtfParserWords.cpp: other control words.
   void ReadWord(const ControlWord& word);
   void ReadBodyWord(const ControlWord& word);
   void ReadTextWord(const ControlWord& word);
-  void ReadCharacterWord(const ControlWord& word);
   void ReadParagraphWord(const ControlWord& word);
   void ReadBorderWord(const ControlWord& word);
   void ReadRowWord(const ControlWord& word);
@@ -112,11 +125,9 @@ class Parser : private TextDecoder::Sink {
   /// `level`: how many tables stand around the cell or row.
   void EndCell(int level);
   void EndRow(int level);
-  void KeepWithCharacters(std::string_view name, Extra how);
+  void ReadFieldWord();
   void KeepWithParagraph(Extra how);
   std::string_view RawWord() const;
-  void SetFont(std::int32_t number);
-  void ApplyDefaultFont();
 
   // RtfParserGroups.cpp: control words that say what their group is.
   void ReadDeepWord(const ControlWord& word);
@@ -156,8 +167,10 @@ class Parser : private TextDecoder::Sink {
 
   std::vector<State> states_;
   std::vector<ParagraphState> paragraphs_;
-  std::size_t effects_ = 0;                 ///< grows with what a group does beyond its own end
-  ListKind list_of_text_ = ListKind::None;  ///< of the paragraph's \pntext or \listtext
+  std::size_t effects_ = 0;                      ///< grows with what a group does beyond its own end
+  std::size_t character_border_end_ = kUnknown;  ///< where the last word about it ends
+  std::uint16_t said_properties_ = 0;            ///< of CharFormat::said: those that count
+  ListKind list_of_text_ = ListKind::None;       ///< of the paragraph's \pntext or \listtext
 
   std::size_t too_deep_ = 0;            ///< how many groups over the limit are open
   bool is_closed_ = false;              ///< the last brace came

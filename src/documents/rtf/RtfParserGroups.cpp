@@ -99,6 +99,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       Top().destination = Destination::ColorTable;
       return;
     case Control::HeaderGroup:
+      if (word.name == "stylesheet") said_properties_ = kAllCharacterProperties;
       document_.kept_header += TakeGroup();
       if (word.name == "stylesheet") NoteKeptTable(HeaderTable::Styles);
       if (word.name == "revtbl") NoteKeptTable(HeaderTable::Authors);
@@ -217,12 +218,14 @@ void Parser::AddField() {
   Field field;
   field.url = UrlOfInstruction(LabelOfGroup(group, LabelText::All));
   field.instruction = std::move(group);
+  for (std::size_t i = 0; i < kFieldWords.size(); ++i)
+    if ((Top().field_words >> i & 1) != 0) field.words.append("\\").append(kFieldWords[i]);
   // Of the group around: one that the same group named before ends here.
   field.parent = states_.end()[-2].character.field;
   if (IsFieldTooDeep(field.parent)) {
     ++document_.losses.limits;
     object_begin_ = kUnknown;
-    return KeepInvisible("{\\field" + field.instruction + "}");
+    return KeepInvisible("{\\field" + field.words + field.instruction + "}");
   }
   document_.fields.push_back(std::move(field));
   Character().field = static_cast<std::uint32_t>(document_.fields.size());

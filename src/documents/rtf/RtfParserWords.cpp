@@ -6,14 +6,9 @@
 namespace tme::rtf {
 namespace {
 
-constexpr std::int32_t kMaxHalfPoints = 3276;
-constexpr std::uint32_t kDefaultHalfPoints = 24;
 constexpr std::int32_t kMaxListLevel = 8;
 constexpr std::size_t kMaxTabs = 64;
 
-/// Words that switch an attribute on or off.
-constexpr std::pair<Control, bool CharFormat::*> kSwitches[] = {
-    {Control::Bold, &CharFormat::bold}, {Control::Italic, &CharFormat::italic}, {Control::Hidden, &CharFormat::hidden}};
 /// Words that set a length to their number.
 constexpr std::pair<Control, std::int32_t ParagraphFormat::*> kLengths[] = {
     {Control::IndentLeft, &ParagraphFormat::left},        {Control::IndentRight, &ParagraphFormat::right},
@@ -36,45 +31,6 @@ void FindList(const ListTables& lists, ParagraphFormat& format) {
   format.list = style.kind;
   format.list_start = style.start;
   format.list_text = style.text;
-}
-
-/// Words of ControlClass::CharacterFormat. Fonts, \plain and words that are kept as they are, are none of its business.
-void ApplyCharacterWord(const ControlWord& word, const Token& token, const ColorTable& colors, CharFormat& format) {
-  const bool is_on = token.IsOn();
-  for (const auto& [control, attribute] : kSwitches) {
-    if (control == word.control) format.*attribute = is_on;
-  }
-  switch (word.control) {
-    case Control::FontSize:
-      format.half_points =
-          token.value > 0 ? static_cast<std::uint32_t>(std::min(token.value, kMaxHalfPoints)) : kDefaultHalfPoints;
-      return;
-    case Control::Color:
-      format.color = colors.IndexOf(token.value);
-      return;
-    case Control::Background:
-      format.background = colors.IndexOf(token.value);
-      return;
-    case Control::Underlined:
-      format.underline = is_on ? static_cast<Underline>(word.value) : Underline::None;
-      return;
-    case Control::Struck:
-      format.strike = is_on ? static_cast<Strike>(word.value) : Strike::None;
-      return;
-    case Control::Scripted:
-      format.script = is_on ? static_cast<Script>(word.value) : Script::Normal;
-      return;
-    case Control::Raised: {
-      const bool is_up = (word.value > 0) == (token.value > 0);
-      format.script = !is_on ? Script::Normal : is_up ? Script::Super : Script::Sub;
-      return;
-    }
-    case Control::Capital:
-      format.capitals = is_on ? static_cast<Capitals>(word.value) : Capitals::None;
-      return;
-    default:
-      return;
-  }
 }
 
 /// Words of ControlClass::ParagraphFormat but \pard and words that are kept as they are; what is over a limit counts as
@@ -179,6 +135,8 @@ void Parser::ReadBodyWord(const ControlWord& word) {
     case ControlClass::Unknown:
       return ReadUnknownWord(word);
     case ControlClass::Ignored:
+      if (word.control == Control::FieldWord) ReadFieldWord();
+      return;
     case ControlClass::TableEntry:
     case ControlClass::Group:
       return;
@@ -211,26 +169,9 @@ void Parser::ReadTextWord(const ControlWord& word) {
   }
 }
 
-void Parser::ReadCharacterWord(const ControlWord& word) {
-  switch (word.control) {
-    case Control::Plain: {
-      CharFormat plain;
-      plain.font = fonts_.Default();
-      plain.field = Top().character.field;
-      Character() = plain;
-      Top().encoding.page = &fonts_.PageOf(plain.font);
-      return;
-    }
-    case Control::FontNumber:
-      return SetFont(token_.value);
-    case Control::LeftToRight:
-      if (Top().character.extra != 0) KeepWithCharacters("rtlch", Extra::Remove);
-      return;
-    case Control::CharacterWord:
-      return KeepWithCharacters(token_.text, Extra::Replace);
-    default:
-      return ApplyCharacterWord(word, token_, colors_, Character());
-  }
+void Parser::ReadFieldWord() {
+  const auto found = std::ranges::find(kFieldWords, token_.text);
+  if (Top().is_field) Top().field_words |= static_cast<std::uint8_t>(1 << (found - kFieldWords.begin()));
 }
 
 void Parser::ReadParagraphWord(const ControlWord& word) {
@@ -248,6 +189,10 @@ void Parser::ReadParagraphWord(const ControlWord& word) {
 }
 
 void Parser::ReadBorderWord(const ControlWord& word) {
+  if (IsOfCharacterBorder()) {
+    character_border_end_ = tokens_.Position();
+    return KeepWithCharacters(token_.text);
+  }
   OwnParagraph();
   if (!rows_.IsOpen()) return KeepWithParagraph(Extra::Append);
   AddRowWord(word);
@@ -332,40 +277,15 @@ void Parser::ReadUnknownWord(const ControlWord& word) {
     if (rows_.IsOpen()) AddRowWord(word);
     NoteEffect();
   } else if (is_body_) {
-    KeepWithCharacters(name, Extra::Replace);
+    KeepWithCharacters(name);
   } else {
     document_controls_.KeepUnknown(RawWord());
   }
 }
 
-/// `name`: of the word that it takes the place of.
-void Parser::KeepWithCharacters(std::string_view name, Extra how) {
-  CharFormat& format = Character();
-  format.extra = builder_.AddExtra(format.extra, RawWord(), name, how);
-}
-
 void Parser::KeepWithParagraph(Extra how) {
   ParagraphFormat& format = Paragraph().format;
   format.extra = builder_.AddExtra(format.extra, RawWord(), token_.text, how);
-}
-
-void Parser::SetFont(std::int32_t number) {
-  std::uint32_t index = fonts_.IndexOf(number);
-  if (index == FontTable::kNoFont) index = fonts_.Default();
-  Character().font = index;
-  Top().encoding.page = &fonts_.PageOf(index);
-}
-
-/// To all text that names no font.
-void Parser::ApplyDefaultFont() {
-  const std::uint32_t before = fonts_.Default();
-  if (!fonts_.ResolveDefault()) return;
-  for (State& state : states_) {
-    if (state.character.font != before) continue;
-    state.character.font = fonts_.Default();
-    state.character_id = kStale;
-    state.encoding.page = &fonts_.PageOf(fonts_.Default());
-  }
 }
 
 }  // namespace tme::rtf

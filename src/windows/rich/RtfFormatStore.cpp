@@ -5,6 +5,8 @@
 #include <iterator>
 #include <utility>
 
+#include "documents/rtf/RtfCharacterWords.h"
+
 namespace tme {
 namespace {
 
@@ -48,6 +50,17 @@ std::uint32_t RtfFormatStore::AddColor(std::uint32_t rgb) {
   if (found != colors.end()) return static_cast<std::uint32_t>(found - colors.begin());
   colors.push_back(rgb);
   return static_cast<std::uint32_t>(colors.size() - 1);
+}
+
+std::uint32_t RtfFormatStore::WithoutWord(std::uint32_t extra, std::string_view name) {
+  const std::string* words = rtf::EntryOf(document_.extras, extra);
+  if (!words) return 0;
+  const std::string left = rtf::WithoutCharacterWord(*words, name);
+  if (left == *words || left.empty()) return left.empty() ? 0 : extra;
+  const auto found = std::ranges::find(document_.extras, left);
+  const auto index = found - document_.extras.begin();
+  if (found == document_.extras.end()) document_.extras.push_back(left);
+  return static_cast<std::uint32_t>(index + 1);
 }
 
 std::uint32_t RtfFormatStore::AddLink(std::string url) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "documents/rtf/RtfInternTable.h"
 #include "windows/rich/RtfStore.h"
@@ -26,6 +27,9 @@ class RtfFormatStore {
   /// By name, without regard to case, and charset.
   std::uint32_t Add(const rtf::Font& font);
   std::uint32_t AddColor(std::uint32_t rgb);
+
+  /// Kept control words of characters but for one, by its name; as CharFormat::extra names them.
+  std::uint32_t WithoutWord(std::uint32_t extra, std::string_view name);
 
   /// A new link, as CharFormat::field names it.
   std::uint32_t AddLink(std::string url);

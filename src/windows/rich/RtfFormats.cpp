@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/Utf8.h"
+#include "documents/rtf/RtfFormatOutput.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfPieces.h"
 
@@ -30,11 +31,24 @@ struct Pair {
 
 // Of several that show the same, the first is what is read.
 constexpr Pair<Underline, QTextCharFormat::UnderlineStyle> kUnderlines[] = {
-    {Underline::None, QTextCharFormat::NoUnderline},          {Underline::Single, QTextCharFormat::SingleUnderline},
-    {Underline::Words, QTextCharFormat::SingleUnderline},     {Underline::Double, QTextCharFormat::SingleUnderline},
-    {Underline::Thick, QTextCharFormat::SingleUnderline},     {Underline::Dotted, QTextCharFormat::DotLine},
-    {Underline::Dash, QTextCharFormat::DashUnderline},        {Underline::DashDot, QTextCharFormat::DashDotLine},
-    {Underline::DashDotDot, QTextCharFormat::DashDotDotLine}, {Underline::Wave, QTextCharFormat::WaveUnderline},
+    {Underline::None, QTextCharFormat::NoUnderline},
+    {Underline::Single, QTextCharFormat::SingleUnderline},
+    {Underline::Words, QTextCharFormat::SingleUnderline},
+    {Underline::Double, QTextCharFormat::SingleUnderline},
+    {Underline::Thick, QTextCharFormat::SingleUnderline},
+    {Underline::Dotted, QTextCharFormat::DotLine},
+    {Underline::Dash, QTextCharFormat::DashUnderline},
+    {Underline::DashDot, QTextCharFormat::DashDotLine},
+    {Underline::DashDotDot, QTextCharFormat::DashDotDotLine},
+    {Underline::Wave, QTextCharFormat::WaveUnderline},
+    {Underline::LongDash, QTextCharFormat::DashUnderline},
+    {Underline::ThickDotted, QTextCharFormat::DotLine},
+    {Underline::ThickDash, QTextCharFormat::DashUnderline},
+    {Underline::ThickDashDot, QTextCharFormat::DashDotLine},
+    {Underline::ThickDashDotDot, QTextCharFormat::DashDotDotLine},
+    {Underline::ThickLongDash, QTextCharFormat::DashUnderline},
+    {Underline::HeavyWave, QTextCharFormat::WaveUnderline},
+    {Underline::DoubleWave, QTextCharFormat::WaveUnderline},
 };
 /// The edge of the page, whichever way the text runs.
 constexpr Qt::AlignmentFlag Absolute(Qt::AlignmentFlag edge) {
@@ -146,7 +160,8 @@ QTextCharFormat RtfFormats::ShowCharFormat(std::uint32_t number) const {
   if (format.script != rtf::Script::Normal) shown.setVerticalAlignment(ShownOf(kScripts, format.script));
   if (format.capitals != rtf::Capitals::None) shown.setFontCapitalization(ShownOf(kCapitals, format.capitals));
   if (const QBrush brush = BrushOf(format.color); brush.style() != Qt::NoBrush) shown.setForeground(brush);
-  if (const QBrush brush = BrushOf(format.background); brush.style() != Qt::NoBrush) shown.setBackground(brush);
+  const std::uint32_t behind = format.background != 0 ? format.background : format.shading;
+  if (const QBrush brush = BrushOf(behind); brush.style() != Qt::NoBrush) shown.setBackground(brush);
   const rtf::Field* field = rtf::EntryOf(store_.Document().fields, format.field);
   if (field && !field->url.empty()) {
     shown.setAnchor(true);
@@ -206,7 +221,8 @@ void RtfFormats::ReadFont(const QTextCharFormat& shown, const QTextCharFormat& w
 
 std::uint32_t RtfFormats::Read(const QTextCharFormat& shown) {
   const auto number = static_cast<std::size_t>(std::max(shown.intProperty(kCharFormat), 1)) - 1;
-  rtf::CharFormat format = store_.Document().char_formats[number];
+  const rtf::CharFormat before = store_.Document().char_formats[number];
+  rtf::CharFormat format = before;
   const QTextCharFormat was = ShowCharFormat(static_cast<std::uint32_t>(number));
   ReadFont(shown, was, format);
   format.bold = shown.fontWeight() > QFont::Medium;
@@ -215,13 +231,29 @@ std::uint32_t RtfFormats::Read(const QTextCharFormat& shown) {
     format.strike = shown.fontStrikeOut() ? rtf::Strike::Single : rtf::Strike::None;
   TakeChange(kUnderlines, shown.underlineStyle(), was.underlineStyle(), format.underline);
   TakeChange(kScripts, shown.verticalAlignment(), was.verticalAlignment(), format.script);
+  if (format.script != before.script) format.raise = 0;
   TakeChange(kCapitals, shown.fontCapitalization(), was.fontCapitalization(), format.capitals);
   if (shown.foreground() != was.foreground()) format.color = ColorOf(shown.foreground());
-  if (shown.background() != was.background()) format.background = ColorOf(shown.background());
+  if (shown.background() != was.background()) {
+    format.background = ColorOf(shown.background());
+    format.shading = 0;
+    for (const char* word : {"chcbpat", "cb", "chshdng", "chcfpat"})
+      format.extra = store_.WithoutWord(format.extra, word);
+  }
   if (shown.anchorHref() != was.anchorHref()) {
     format.field = shown.anchorHref().isEmpty() ? 0 : store_.AddLink(shown.anchorHref().toStdString());
   }
+  if (format == before) return static_cast<std::uint32_t>(number);
+  SayChanges(before, format);
   return store_.Add(format);
+}
+
+/// What is the default now may be other in a style.
+void RtfFormats::SayChanges(const rtf::CharFormat& before, rtf::CharFormat& format) const {
+  const rtf::RtfDocument& document = store_.Document();
+  const rtf::CharFormat plain = rtf::PlainFormat(document);
+  const int changed = ~DefaultsOf(before, plain) & DefaultsOf(format, plain);
+  format.said = static_cast<std::uint16_t>((format.said & DefaultsOf(format, plain)) | (changed & plain.said));
 }
 
 std::uint32_t RtfFormats::Read(const QTextBlockFormat& shown, const QTextList* list) {

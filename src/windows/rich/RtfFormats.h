@@ -32,6 +32,7 @@ class RtfFormats {
 
  private:
   QBrush BrushOf(std::uint32_t color) const;
+  void SayChanges(const rtf::CharFormat& before, rtf::CharFormat& format) const;
   void ReadFont(const QTextCharFormat& shown, const QTextCharFormat& was, rtf::CharFormat& format);
 
   RtfFormatStore store_;

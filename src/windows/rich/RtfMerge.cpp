@@ -91,6 +91,7 @@ rtf::RtfDocument MergeRtf(rtf::RtfDocument&& source, RtfStore& store) {
     format.font = format.font < source.fonts.size() ? formats.Add(source.fonts[format.font]) : 0;
     format.color = color_of(format.color);
     format.background = color_of(format.background);
+    format.shading = color_of(format.shading);
     format.field = format.field ? format.field + fields : 0;
     format.extra = extras.NumberOf(format.extra);
     char_numbers.push_back(formats.Add(format));
