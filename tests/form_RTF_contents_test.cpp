@@ -1,4 +1,5 @@
 #include <QClipboard>
+#include <QDir>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
@@ -30,6 +31,10 @@ TEST_F(FormRtf, ListsWhatItsFileContainsAndRunsNothing) {
   EXPECT_EQ(tip_at(0), u"Embedded object: Excel.Sheet.12\n4 bytes"_s);
   EXPECT_TRUE(tip_at(1).endsWith(u"INCLUDETEXT: fetches another file\n\"http://a/b\""_s)) << tip_at(1).toStdString();
   EXPECT_EQ(tip_at(pad.document()->characterCount() - 3), u"Link, which is not opened here\nhttp://x/&y"_s);
+  pad.Select(pad.End() - 2, pad.End() - 2);
+  EXPECT_EQ(window.State().path, u"http://x/&y"_s);
+  pad.Select(0, 0);
+  EXPECT_EQ(window.State().path, QDir::toNativeSeparators(InFolder(u"letter.rtf"_s)));
   const QUrl file = QUrl::fromLocalFile(InFolder(u"letter.rtf"_s));
   EXPECT_FALSE(QTextDocument().resource(QTextDocument::ImageResource, file).isNull());
   EXPECT_TRUE(pad.document()->resource(QTextDocument::ImageResource, file).isNull());
