@@ -108,6 +108,27 @@ TEST_F(ConsoleCompare, Merges) {
   EXPECT_EQ(RunWords("merge FILE:base.reg FILE:ours.reg FILE:none.reg"), 2);
 }
 
+TEST_F(ConsoleCompare, MergesIntoOurEncoding) {
+  struct Case {
+    const char* what;
+    std::string base, ours, theirs, merged;
+  } const cases[] = {
+      {"8-bit characters and UTF-16", "[A]\r\nk=\xE4\r\nj=1\r\n", "[A]\r\nk=\xE4\r\nj=2\r\n",
+       Utf16("[A]\nk=\xC3\xB6\nj=1\n"), "[A]\r\nk=\xF6\r\nj=2\r\n"},
+      {"a mark", "\xEF\xBB\xBF[A]\nk=1\nj=1\n", "\xEF\xBB\xBF[A]\nk=1\nj=2\n", "[A]\nk=\xC3\xA4\nj=1\n",
+       "\xEF\xBB\xBF[A]\nk=\xC3\xA4\nj=2\n"},
+      {"what ours cannot hold", "[A]\nk=\xE4\nj=1\n", "[A]\nk=\xE4\nj=2\n", Utf16("[A]\nk=\xE6\x97\xA5\nj=1\n"), ""},
+  };
+  for (const Case& each : cases) {
+    PutFile("b.ini", each.base);
+    PutFile("o.ini", each.ours);
+    PutFile("t.ini", each.theirs);
+    const bool fits = !each.merged.empty();
+    EXPECT_EQ(RunWords("merge FILE:b.ini FILE:o.ini FILE:t.ini -o FILE:o.ini"), fits ? 0 : 2) << each.what << errors_;
+    EXPECT_EQ(FileBytes("o.ini"), fits ? each.merged : each.ours) << each.what;
+  }
+}
+
 /// As git calls it: the files have names without an ending, and one of them is the output.
 TEST_F(ConsoleCompare, IsAMergeDriver) {
   const auto git = [this](const QString& words) {

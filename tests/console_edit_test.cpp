@@ -190,6 +190,8 @@ TEST_F(ConsoleEdit, KnowsWhatAnImportLeaves) {
     EXPECT_EQ(RunWords(words), result) << words << errors_;
     EXPECT_EQ(output_, output) << words;
   }
+  PutFile("b.reg", "REGEDIT4\n[HKEY_USERS\\A]\n\"s\"=\"a\nb\"\n\"s\"=\"1\"\n");
+  EXPECT_EQ(RunWords("delete FILE:b.reg HKU\\A s"), 2) << "what goes on would stay";
   PutFile("b.reg", text + again + "\"y\"=\"1\"\n");
   EXPECT_EQ(RunWords("get FILE:b.reg HKU\\A\\B"), 0);
   EXPECT_EQ(output_, "y\tREG_SZ\t1\n");

@@ -34,7 +34,7 @@ Result DeleteValues(ConsoleFile& file, RegNode* key, const std::string& path, st
                     bool writes_deletion) {
   RegDocument& document = file.Reg();
   std::vector<std::size_t> records = key == nullptr ? std::vector<std::size_t>() : ValuesNamed(document, key, name);
-  if (records.empty()) RequireNoOpenText(file, path, name);
+  RequireNoOpenText(file, path, name);
   if (!writes_deletion) {
     for (const std::size_t record : records) document.DeleteValue(record);
     return records.empty() ? Result::Other : Result::Done;
