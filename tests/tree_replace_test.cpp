@@ -248,6 +248,7 @@ TEST_F(TreeReplace, ShowsWhatAllHitsBecomeAndReplacesTheChosenOnes) {
       QAbstractItemModel* rows = list->model();
       ASSERT_EQ(rows->rowCount(), 3);
       EXPECT_EQ(list->isColumnHidden(4), !has_refusals);
+      EXPECT_GT(list->columnWidth(2), dialog.width() / 7) << "what it was and will be can be read";
       EXPECT_EQ(Child<QPushButton>(dialog, "replace_do")->isEnabled(), !has_refusals);
       EXPECT_EQ(rows->index(1, 2).data(), u"k2"_s);
       if (has_refusals) return static_cast<void>(dialog.close());

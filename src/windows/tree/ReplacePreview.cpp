@@ -151,6 +151,7 @@ ReplacePreview::ReplacePreview(std::vector<PlannedReplacement>& plans, QWidget* 
   connect(rows_, &QAbstractItemModel::dataChanged, this, &ReplacePreview::ShowCount);
   ShowCount();
   resize(kPreviewSize);
+  layout()->activate();  // the columns share the list's width
   ShowColumns();
 }
 
