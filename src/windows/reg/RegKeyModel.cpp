@@ -12,7 +12,8 @@ namespace tme {
 RegKeyModel::RegKeyModel(RegDocument& document, QObject* parent)
     : TreeItemModel(document, parent),
       icons_{Icon(u"reg-file"_s), Icon(u"hive"_s), Icon(u"key"_s, {}, u"key-open"_s), Icon(u"key-deletion"_s),
-             Icon(u"comment"_s)} {}
+             Icon(u"comment"_s)},
+      leaf_icon_(Icon(u"key"_s)) {}
 
 Qt::ItemFlags RegKeyModel::flags(const QModelIndex& index) const {
   const RegNode* node = NodeOf(index);
@@ -32,7 +33,8 @@ QVariant RegKeyModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
       return DisplayText(node->Text());
     case Qt::DecorationRole:
-      return icons_[tag];
+      // A view takes what it once expanded for open, with or without keys below it.
+      return node->Tag() == RegTag::Branch && node->ChildCount() == 0 ? leaf_icon_ : icons_[tag];
     case Qt::FontRole: {
       if (node->Tag() != RegTag::Deletion) return {};
       QFont font;

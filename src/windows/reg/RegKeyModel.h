@@ -30,6 +30,8 @@ class RegKeyModel : public TreeItemModel<RegDocument, RegNode, RegDocumentObserv
 
   /// By RegTag.
   const std::array<QIcon, 5> icons_;
+  /// Of a key with none below it.
+  const QIcon leaf_icon_;
 };
 
 }  // namespace tme
