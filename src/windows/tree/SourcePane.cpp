@@ -1,9 +1,11 @@
 #include "windows/tree/SourcePane.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QEvent>
 #include <QScopedValueRollback>
 #include <QSplitter>
+#include <algorithm>
 #include <utility>
 
 #include "shell/Global.h"
@@ -22,6 +24,8 @@ constexpr double kShare = 0.45;
 /// It leaves the tree the rest, whatever the settings have.
 constexpr double kMostShare = 0.75;
 constexpr QSize kLeastSize{120, 60};  // pixels
+/// Rows of the tree that stay in sight where there is any room for them.
+constexpr int kLeastRows = 4;
 
 }  // namespace
 
@@ -107,7 +111,19 @@ void SourcePane::ReadSize() {
 void SourcePane::ApplySize() {
   const int room = IsBeside() ? splitter_.width() : splitter_.height();
   const double wanted = wanted_size_ > 0 ? std::min<double>(wanted_size_, room * kMostShare) : room * kShare;
-  splitter_.setSizes({room - static_cast<int>(wanted), static_cast<int>(wanted)});
+  const int size = IsBeside()
+                       ? static_cast<int>(wanted)
+                       : std::clamp(room - HeightOfFewRows(), std::min(kLeastSize.height(), static_cast<int>(wanted)),
+                                    static_cast<int>(wanted));
+  splitter_.setSizes({room - size, size});
+}
+
+int SourcePane::HeightOfFewRows() const {
+  const QWidget& area = *splitter_.widget(0);
+  const auto* tree = area.findChild<QAbstractItemView*>();
+  if (tree == nullptr) return 0;
+  const int around = std::max(area.height() - tree->height(), 0);
+  return around + kLeastRows * std::max(tree->sizeHintForRow(0), tree->fontMetrics().height());
 }
 
 void SourcePane::WriteSize() {

@@ -67,6 +67,8 @@ class SourcePane : public QObject {
   bool IsBeside() const;
   void ReadSize();
   void ApplySize();
+  /// Of the tree's part, with its buttons.
+  int HeightOfFewRows() const;
   void WriteSize();
 
   Global& global_;
