@@ -41,3 +41,24 @@ TEST(RegValueOrder, PutsNumbersBySizeBeforeTextsInAnyCase) {
   EXPECT_EQ(NamesBy(rules, branch, RegValueColumn::Data), "n s odd h ");
   EXPECT_EQ(NamesBy(rules, branch, RegValueColumn::Type), "odd n h s ");
 }
+
+TEST(RegValueOrder, IsThatOfTheFileWhereLinesCameBetween) {
+  RegDocument document;
+  ReadWholeReg(document, Reg("REGEDIT4||[$/K]|'a'='1'|;c|'b'='2'||[$/L]|'x'='3'||[$/K]|'d'='4'|"));
+  const RegNode* key = document.Root()->Child(0)->Child(0);
+  const auto names = [&] {
+    const std::vector<std::size_t> records = document.ValuesOfPath(key);
+    std::string listed;
+    for (const std::uint32_t place : OrderInFile(document, records)) listed += document.Values()[records[place]].name;
+    return listed;
+  };
+  EXPECT_EQ(names(), "") << "as they were read";
+  const SourceLines::Piece comment = document.Lines().Next(document.Values()[0].piece);
+  document.ReplaceLines(comment, comment, ";c\r\n\"n\"=\"5\"\r\n");
+  EXPECT_EQ(names(), "anbd");
+  document.Undo();
+  EXPECT_EQ(names(), "");
+  document.Redo();
+  EXPECT_EQ(names(), "anbd");
+  EXPECT_TRUE(OrderInFile(RegDocument(), {}).empty());
+}

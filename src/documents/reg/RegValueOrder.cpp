@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "base/CaseFold.h"
 #include "base/Utf8.h"
@@ -144,6 +145,38 @@ std::vector<std::uint32_t> OrderOfValues(const RegDocument& document, std::span<
   keys.Reserve(records.size());
   for (const std::size_t record : records) keys.Add(document.Values()[record], column);
   return keys.Sorted();
+}
+
+std::vector<std::uint32_t> OrderInFile(const RegDocument& document, std::span<const std::size_t> records) {
+  if (document.HeldAs() == Holding::ByRules || records.empty()) return {};
+  const SourceLines& lines = document.Lines();
+  const auto piece_of = [&](std::size_t record) { return document.Values()[record].piece; };
+  const auto kind_of = [&lines](SourceLines::Piece piece) { return static_cast<RegPiece>(lines.Kind(piece)); };
+  const auto says_nothing = [&kind_of](SourceLines::Piece piece) {
+    const RegPiece kind = kind_of(piece);
+    return kind == RegPiece::Blank || kind == RegPiece::Comment || kind == RegPiece::Other;
+  };
+  // Each stands behind the one before, or first in its block.
+  bool is_in_order = true;
+  for (std::size_t at = 0; at < records.size() && is_in_order; ++at) {
+    SourceLines::Piece above = lines.Previous(piece_of(records[at]));
+    while (above != SourceLines::kEnds && says_nothing(above)) above = lines.Previous(above);
+    const bool is_first = above == SourceLines::kEnds || kind_of(above) != RegPiece::Value;
+    is_in_order = is_first || (at > 0 && above == piece_of(records[at - 1]));
+  }
+  if (is_in_order) return {};
+  std::unordered_map<SourceLines::Piece, std::uint32_t> place_of;
+  for (std::size_t at = 0; at < records.size(); ++at)
+    place_of.emplace(piece_of(records[at]), static_cast<std::uint32_t>(at));
+  std::vector<std::uint32_t> order;
+  const RegNode* owner = document.Values()[records.front()].owner;
+  document.ForEachBlock([&](const RegBlock& block) {
+    if (block.node != owner) return;
+    for (SourceLines::Piece at = block.header; at != block.end; at = lines.Next(at))
+      if (const auto found = place_of.find(at); found != place_of.end()) order.push_back(found->second);
+  });
+  if (order.size() != records.size()) order.clear();
+  return order;
 }
 
 }  // namespace tme

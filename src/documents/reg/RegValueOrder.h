@@ -17,4 +17,8 @@ enum class RegValueColumn : std::uint8_t { Name, Type, Data };
 std::vector<std::uint32_t> OrderOfValues(const RegDocument& document, std::span<const std::size_t> records,
                                          RegValueColumn column, const RegCoding& coding);
 
+/// Whole holding: the order of one key's records in the file, in which lines may have come between others. Empty where
+/// that is the order in which they are given. Linear in the lines of the key, and else in the keys of the document.
+std::vector<std::uint32_t> OrderInFile(const RegDocument& document, std::span<const std::size_t> records);
+
 }  // namespace tme

@@ -31,7 +31,8 @@ void RegValueModel::ShowKey(const RegNode* node) {
 int RegValueModel::FollowKey(const RegNode* node) {
   std::vector<std::size_t> records = document_.ValuesOfPath(node);
   texts_.clear();
-  if (sorted_column_ >= 0) return FollowSorted(node, records);
+  const bool stand_otherwise = !order_.empty() || !OrderInFile(document_, records).empty();
+  if (sorted_column_ >= 0 || stand_otherwise) return FollowSorted(node, records);
   const auto [old_first, new_first] = std::ranges::mismatch(records_, records);
   const auto same_last = std::mismatch(records_.rbegin(), std::make_reverse_iterator(old_first), records.rbegin(),
                                        std::make_reverse_iterator(new_first));
@@ -53,7 +54,7 @@ int RegValueModel::FollowKey(const RegNode* node) {
 }
 
 int RegValueModel::FollowSorted(const RegNode* node, const std::vector<std::size_t>& records) {
-  if (records == records_) {
+  if (records == records_ && sorted_column_ >= 0) {
     sort(sorted_column_, sort_order_);
     return -1;
   }
@@ -66,9 +67,10 @@ int RegValueModel::FollowSorted(const RegNode* node, const std::vector<std::size
 void RegValueModel::MakeOrder() {
   order_.clear();
   row_of_place_.clear();
-  if (sorted_column_ < 0) return;
-  order_ = OrderOfValues(document_, records_, static_cast<RegValueColumn>(sorted_column_), CodingOf(document_));
-  if (sort_order_ == Qt::DescendingOrder) std::reverse(order_.begin(), order_.end());
+  order_ = sorted_column_ < 0
+               ? OrderInFile(document_, records_)
+               : OrderOfValues(document_, records_, static_cast<RegValueColumn>(sorted_column_), CodingOf(document_));
+  if (sorted_column_ >= 0 && sort_order_ == Qt::DescendingOrder) std::reverse(order_.begin(), order_.end());
   row_of_place_.resize(order_.size());
   for (std::size_t row = 0; row < order_.size(); ++row) row_of_place_[order_[row]] = static_cast<std::uint32_t>(row);
 }
@@ -96,7 +98,7 @@ void RegValueModel::sort(int column, Qt::SortOrder order) {
 void RegValueModel::Append(std::size_t record) {
   const int row = rowCount();
   beginInsertRows({}, row, row);
-  if (sorted_column_ >= 0) {
+  if (sorted_column_ >= 0 || !order_.empty()) {
     order_.push_back(static_cast<std::uint32_t>(row));
     row_of_place_.push_back(static_cast<std::uint32_t>(row));
   }

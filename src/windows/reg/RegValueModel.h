@@ -42,7 +42,8 @@ class RegValueModel : public QAbstractTableModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-  /// column: -1 for table order. For display alone; the document stays as it is.
+  /// column: -1 for the order of the file, by the rules that of the table. For display alone; the document stays as it
+  /// is.
   void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
  private:
@@ -52,7 +53,7 @@ class RegValueModel : public QAbstractTableModel {
   }
   int RowOfPlace(std::size_t place) const { return static_cast<int>(order_.empty() ? place : row_of_place_[place]); }
   void MakeOrder();
-  /// FollowKey where rows stand by a column: all of them are new.
+  /// FollowKey where rows stand in another order than the table's: all of them are new.
   int FollowSorted(const RegNode* node, const std::vector<std::size_t>& records);
   /// In a whole document.
   QVariant DecodedData(std::size_t record, int column, int role) const;
