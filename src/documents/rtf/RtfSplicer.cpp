@@ -37,10 +37,14 @@ bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
     return before < before_.paragraphs.size() && SameCell(before, after);
   };
   const bool has_last = hunk.before_begin > 0 && is_near(hunk.before_begin - 1, hunk.after_begin);
-  // Behind an item of a list, another one.
-  const bool goes_on = has_last &&
-                       after_.paragraph_formats[after_.paragraphs[hunk.after_begin].format].list != ListKind::None &&
-                       before_.paragraphs[hunk.before_begin - 1].format == after_.paragraphs[hunk.after_begin].format;
+  // Not between the number of a list's item and its text, where another place is.
+  const bool begins_item = hunk.before_end < source_.marks.size() && source_.marks[hunk.before_end].label_end > 0;
+  const auto is_next_item = [&] {
+    const std::uint32_t format = after_.paragraphs[hunk.after_begin].format;
+    return after_.paragraph_formats[format].list != ListKind::None &&
+           before_.paragraphs[hunk.before_begin - 1].format == format;
+  };
+  const bool goes_on = has_last && (begins_item || is_next_item());
   if (!goes_on && is_near(hunk.before_end, hunk.after_end - 1)) {
     ++hunk.before_end;
     ++hunk.after_end;

@@ -24,7 +24,8 @@ namespace {
 void TakeFirstFormat(const QTextBlock& from, const QTextBlock& to) {
   const QTextDocument& part = *from.document();
   QTextBlockFormat format = from.blockFormat();
-  if (part.frameAt(from.position()) != part.rootFrame() || format.hasProperty(kFiller) || to.textList()) return;
+  const bool leaves_list = to.textList() && !from.textList();
+  if (part.frameAt(from.position()) != part.rootFrame() || format.hasProperty(kFiller) || leaves_list) return;
   format.setObjectIndex(-1);
   format.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
   QTextCursor cursor(to);
@@ -37,6 +38,20 @@ void TakeFirstFormat(const QTextBlock& from, const QTextBlock& to) {
     rest->add(to);
   else
     cursor.createList(list->format());
+}
+
+/// What comes behind pasted paragraphs stays as it was; the toolkit gives it the format of the last one.
+void KeepRest(const QTextBlock& begin, const QTextBlock& rest, const QTextBlockFormat& format,
+              const QTextCharFormat& mark) {
+  if (format.hasProperty(kLongParagraph)) return;
+  QTextCursor cursor(rest);
+  cursor.setBlockFormat(format);
+  cursor.setBlockCharFormat(mark);
+  // What is attached to the paragraph's end stays there.
+  QTextBlockFormat first = begin.blockFormat();
+  if (!format.hasProperty(kAttached) || first.property(kAttached) != format.property(kAttached)) return;
+  first.clearProperty(kAttached);
+  QTextCursor(begin).setBlockFormat(first);
 }
 
 }  // namespace
@@ -66,12 +81,21 @@ std::string RtfPad::SelectedRtf() const {
 void RtfPad::InsertFragment(const QTextDocument& part) {
   Insert(part.characterCount(), part.blockCount(), [&part](QTextCursor& cursor) {
     cursor.removeSelectedText();
+    const QTextBlock target = cursor.block();
+    const bool is_empty = target.length() == 1, is_at_begin = cursor.atBlockStart(), has_rest = !cursor.atBlockEnd();
+    const QTextBlockFormat format = target.blockFormat();
+    const QTextCharFormat mark = target.charFormat();
     // A word alone has no format of its own; a paragraph that was taken as a whole has.
-    const bool has_format = part.blockCount() > 1 || part.firstBlock().blockFormat().intProperty(kParagraphFormat) > 1;
-    const bool takes_format = cursor.block().length() == 1 && has_format;
+    const bool has_end = part.blockCount() > 1;
+    const bool has_format = has_end || part.firstBlock().blockFormat().intProperty(kParagraphFormat) > 1;
     const int first = cursor.position();
     cursor.insertFragment(QTextDocumentFragment(&part));
-    if (takes_format) TakeFirstFormat(part.firstBlock(), cursor.document()->findBlock(first));
+    const QTextBlock begin = cursor.document()->findBlock(first);
+    if (is_at_begin && (has_end || (is_empty && has_format))) TakeFirstFormat(part.firstBlock(), begin);
+    const QTextBlock last = part.lastBlock();
+    const bool ends_paragraph = last.length() == 1 && !last.blockFormat().hasProperty(kFiller);
+    if (has_end && (has_rest || ends_paragraph) && begin != cursor.block())
+      KeepRest(begin, cursor.block(), format, mark);
   });
 }
 
