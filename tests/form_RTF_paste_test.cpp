@@ -79,3 +79,24 @@ TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
   EXPECT_EQ(document.cells[1].right_edge, 3000);
   EXPECT_EQ(document.objects.size(), 1U) << "what stands elsewhere is not asked for";
 }
+
+// An item of a list that is moved stands where it was put, and its new neighbours stay what they are.
+TEST_F(FormRtf, AMovedItemLeavesItsNeighboursAlone) {
+  const std::string tables =
+      "{\\rtf1\\ansi{\\*\\listtable{\\list{\\listlevel\\levelnfc0{\\leveltext\\'02\\'00.;}}\\listid7}}"
+      "{\\*\\listoverridetable{\\listoverride\\listid7\\ls1}}\\pard top\\par";
+  const std::string items =
+      "\\pard\\ls1{\\listtext 1.\\tab}one\\par{\\listtext 2.\\tab}two\\par\\pard\\qc three\\par\\pard four\\par}";
+  form_RTF& window = Open(tables + items);
+  RtfPad& pad = PadOf(window);
+  pad.Select(4, 8);
+  window.EditCut();
+  pad.Select(8, 8);
+  window.EditPaste();
+  EXPECT_EQ(pad.toPlainText(), u"top\ntwo\none\nthree\nfour"_s);
+  EXPECT_EQ(window.Content(), tables +
+                                  "\\pard\\ls1{\\listtext 2.\\tab}two\\par{\\listtext 2.\\tab}one\\par"
+                                  "\\pard\\qc three\\par\\pard four\\par}");
+  while (pad.CanUndo()) pad.Undo();
+  EXPECT_EQ(window.Content(), tables + items);
+}

@@ -7,6 +7,7 @@
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QTextList>
+#include <optional>
 #include <utility>
 
 #include "documents/rtf/RtfWriter.h"
@@ -20,25 +21,44 @@
 namespace tme {
 namespace {
 
-/// The toolkit joins the first paragraph of a fragment to the one that it comes into, also to an empty one.
-void TakeFirstFormat(const QTextBlock& from, const QTextBlock& to) {
-  const QTextDocument& part = *from.document();
-  QTextBlockFormat format = from.blockFormat();
-  const bool leaves_list = to.textList() && !from.textList();
-  if (part.frameAt(from.position()) != part.rootFrame() || format.hasProperty(kFiller) || leaves_list) return;
-  format.setObjectIndex(-1);
-  format.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
-  QTextCursor cursor(to);
-  cursor.setBlockFormat(format);
-  cursor.setBlockCharFormat(from.charFormat());
-  const QTextList* list = from.textList();
-  if (!list) return;
-  QTextList* rest = to.next().textList();
-  if (rest && from.next().textList() == list)
-    rest->add(to);
-  else
-    cursor.createList(list->format());
-}
+/// The toolkit joins the first paragraph of a fragment to the one that it comes into, or puts an item of a list behind
+/// that, also where there is no text before it. This gives that paragraph the format of the first one instead.
+class FirstParagraph {
+ public:
+  /// Takes it out of its list.
+  explicit FirstParagraph(const QTextDocument& part) : format_(part.firstBlock().blockFormat()) {
+    const QTextBlock first = part.firstBlock();
+    mark_ = first.charFormat();
+    is_text_ = part.frameAt(first.position()) == part.rootFrame() && !format_.hasProperty(kFiller);
+    QTextList* list = first.textList();
+    if (!list) return;
+    list_format_ = list->format();
+    goes_on_ = first.next().textList() == list;
+    list->remove(first);
+  }
+
+  void Apply(const QTextBlock& to) {
+    if (!is_text_ || (to.textList() && !list_format_)) return;
+    format_.setObjectIndex(-1);
+    format_.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
+    QTextCursor cursor(to);
+    cursor.setBlockFormat(format_);
+    cursor.setBlockCharFormat(mark_);
+    if (!list_format_) return;
+    QTextList* rest = to.next().textList();
+    if (rest && goes_on_)
+      rest->add(to);
+    else
+      cursor.createList(*list_format_);
+  }
+
+ private:
+  QTextBlockFormat format_;
+  QTextCharFormat mark_;
+  std::optional<QTextListFormat> list_format_;
+  bool goes_on_ = false;  ///< the next one stands in the same list
+  bool is_text_ = false;  ///< it stands in no table
+};
 
 /// What comes behind pasted paragraphs stays as it was; the toolkit gives it the format of the last one.
 void KeepRest(const QTextBlock& begin, const QTextBlock& rest, const QTextBlockFormat& format,
@@ -60,7 +80,14 @@ std::unique_ptr<QTextDocument> RtfPad::SelectionAsDocument() const {
   auto part = std::make_unique<ClosedDocument>();
   part->setUndoRedoEnabled(false);
   part->setDefaultFont(document()->defaultFont());
-  QTextCursor(part.get()).insertFragment(textCursor().selection());
+  const QTextCursor selected = textCursor();
+  QTextCursor(part.get()).insertFragment(selected.selection());
+  // The toolkit puts an item of a list behind the empty paragraph that each document begins with.
+  const int blocks = document()->findBlock(selected.selectionEnd()).blockNumber() -
+                     document()->findBlock(selected.selectionStart()).blockNumber() + 1;
+  const bool begins_with_item = document()->findBlock(selected.selectionStart()).textList() != nullptr;
+  if (begins_with_item && part->firstBlock().length() == 1 && part->blockCount() > blocks)
+    QTextCursor(part.get()).deleteChar();
   return part;
 }
 
@@ -89,9 +116,11 @@ void RtfPad::InsertFragment(const QTextDocument& part) {
     const bool has_end = part.blockCount() > 1;
     const bool has_format = has_end || part.firstBlock().blockFormat().intProperty(kParagraphFormat) > 1;
     const int first = cursor.position();
+    std::optional<FirstParagraph> first_format;
+    if (is_at_begin && (has_end || (is_empty && has_format))) first_format.emplace(part);
     cursor.insertFragment(QTextDocumentFragment(&part));
     const QTextBlock begin = cursor.document()->findBlock(first);
-    if (is_at_begin && (has_end || (is_empty && has_format))) TakeFirstFormat(part.firstBlock(), begin);
+    if (first_format) first_format->Apply(begin);
     const QTextBlock last = part.lastBlock();
     const bool ends_paragraph = last.length() == 1 && !last.blockFormat().hasProperty(kFiller);
     if (has_end && (has_rest || ends_paragraph) && begin != cursor.block())
