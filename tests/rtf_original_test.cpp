@@ -212,6 +212,29 @@ void Double(RtfDocument& document, std::size_t paragraph) {
   document.paragraphs.insert(place, empty);
 }
 
+// Of a long paragraph only what stands around the edit is compared by characters.
+TEST(RtfOriginal, AnEditOfALongParagraphIsPutIntoItsPlace) {
+  const auto filler = [](std::size_t words) {
+    std::string text;
+    while (words-- > 0) text += "\\'e9\\u8364?e{\\b w}{\\*\\bkmkstart m} ";
+    return text;
+  };
+  constexpr std::size_t kShown = 8;  // bytes of text of a word
+  for (const auto& [before, behind] : {std::pair(1000U, 1000U), std::pair(0U, 2000U), std::pair(2000U, 0U)}) {
+    const std::string front = filler(before), back = filler(behind) + "\\par}";
+    const std::size_t at = before * kShown;
+    const auto edited = [&](std::string_view old_text, std::size_t removed, std::string_view text) {
+      const auto type = [&](RtfDocument& document) { Type(document, at, removed, text); };
+      const std::string result = Edited(front + std::string(old_text) + back, type);
+      const bool is_inside = result.starts_with(front) && result.ends_with(back);
+      return is_inside ? result.substr(front.size(), result.size() - front.size() - back.size()) : "elsewhere";
+    };
+    EXPECT_EQ(edited("x ", 0, "y"), "yx ") << before;
+    EXPECT_EQ(edited("abc", 2, ""), "c") << before;
+    EXPECT_EQ(edited("abc", 1, "\xE2\x82\xAC"), "\\u8364?bc") << before;
+  }
+}
+
 // The bytes of all other paragraphs stay as they are, whatever is around.
 TEST(RtfOriginal, AnEditStaysInItsParagraph) {
   const Edit edits[] = {TypeInto, Embolden, Center, Double};

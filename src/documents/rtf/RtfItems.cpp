@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
+
+#include "base/Utf8.h"
 
 namespace tme::rtf {
 namespace {
@@ -48,28 +51,134 @@ void MoveMarksForward(std::vector<DiffStep>& steps, const std::vector<RtfItem>& 
   }
 }
 
-void AddItems(const RtfDocument& document, std::size_t paragraph, std::uint32_t& text, std::vector<RtfItem>& items) {
+/// A stretch of one format, or an object, in a paragraph.
+struct Span {
+  std::uint32_t text = 0;
+  std::uint32_t size = 0;  ///< 0 of an object
+  std::uint32_t format = 0;
+  std::uint32_t object = 0;
+
+  std::size_t Units() const { return object != 0 ? 1 : size; }
+};
+
+std::vector<Span> SpansOf(const RtfDocument& document, std::size_t paragraph, std::uint32_t text) {
+  std::vector<Span> spans;
+  for (std::size_t i = document.paragraphs[paragraph].first_run; i < document.EndOfRuns(paragraph); ++i) {
+    const Run& run = document.runs[i];
+    if (run.object != 0) spans.push_back({text, 0, run.format, run.object});
+    const bool goes_on =
+        !spans.empty() && run.object == 0 && spans.back().object == 0 && spans.back().format == run.format;
+    if (goes_on)
+      spans.back().size += run.bytes;
+    else if (run.bytes > 0)
+      spans.push_back({text, run.bytes, run.format, 0});
+    text += run.bytes;
+  }
+  return spans;
+}
+
+std::size_t UnitsOf(const std::vector<Span>& spans) {
+  std::size_t units = 0;
+  for (const Span& span : spans) units += span.Units();
+  return units;
+}
+
+std::size_t CommonFront(std::string_view text, const std::vector<Span>& spans, std::string_view other_text,
+                        const std::vector<Span>& others) {
+  std::size_t units = 0;
+  for (std::size_t i = 0; i < std::min(spans.size(), others.size()); ++i) {
+    const Span &span = spans[i], &other = others[i];
+    if (span.format != other.format || span.object != other.object) break;
+    const std::string_view one = text.substr(span.text, span.size), two = other_text.substr(other.text, other.size);
+    const auto same = static_cast<std::size_t>(std::ranges::mismatch(one, two).in1 - one.begin());
+    units += span.object != 0 ? 1 : same;
+    if (same < span.size || same < other.size) break;
+  }
+  return units;
+}
+
+std::size_t CommonBack(std::string_view text, const std::vector<Span>& spans, std::string_view other_text,
+                       const std::vector<Span>& others) {
+  std::size_t units = 0;
+  for (std::size_t i = 1; i <= std::min(spans.size(), others.size()); ++i) {
+    const Span &span = spans[spans.size() - i], &other = others[others.size() - i];
+    if (span.format != other.format || span.object != other.object) break;
+    const std::string_view one = text.substr(span.text, span.size), two = other_text.substr(other.text, other.size);
+    const auto found = std::mismatch(one.rbegin(), one.rend(), two.rbegin(), two.rend());
+    const auto same = static_cast<std::size_t>(found.first - one.rbegin());
+    units += span.object != 0 ? 1 : same;
+    if (same < span.size || same < other.size) break;
+  }
+  return units;
+}
+
+bool IsLarge(const RtfItemRange& range) {
+  constexpr std::size_t kLarge = 4096;
+  std::size_t units = 0;
+  for (std::size_t i = range.document.paragraphs[range.begin].first_run; i < range.document.EndOfRuns(range.end - 1);
+       ++i)
+    units += range.document.runs[i].bytes + 1;
+  return units > kLarge;
+}
+
+/// Adds what stands between two counts of units.
+void AddItems(const RtfDocument& document, std::size_t paragraph, std::uint32_t& text, std::size_t front,
+              std::size_t back, std::vector<RtfItem>& items) {
   const auto number = static_cast<std::uint32_t>(paragraph);
+  std::size_t unit = 0;
   const auto add = [&](RtfItem::Kind kind, std::uint32_t size, std::uint32_t format, std::uint32_t object) {
-    items.push_back(
-        {.kind = kind, .text = text, .size = size, .format = format, .object = object, .paragraph = number});
+    if (kind == RtfItem::Kind::Mark || (unit + std::max(size, 1U) > front && unit < back))
+      items.push_back(
+          {.kind = kind, .text = text, .size = size, .format = format, .object = object, .paragraph = number});
     text += size;
+    unit += std::max(size, 1U);
   };
   for (std::size_t i = document.paragraphs[paragraph].first_run; i < document.EndOfRuns(paragraph); ++i) {
     const Run& run = document.runs[i];
     if (run.object != 0) add(RtfItem::Kind::Object, 0, run.format, run.object);
-    const std::uint32_t end = text + run.bytes;
-    while (text < end)
+    const std::uint32_t begin = text, end = text + run.bytes;
+    if (unit < front) {
+      const auto known = static_cast<std::uint32_t>(std::min<std::size_t>(front - unit, run.bytes));
+      text = static_cast<std::uint32_t>(
+          utf8::CharacterStart(std::string_view(document.text).substr(0, end), text + known));
+      unit += text - begin;
+    }
+    while (text < end && unit < back)
       add(RtfItem::Kind::Text, std::min(CharacterBytes(document.text[text]), end - text), run.format, 0);
+    unit += end - text;
+    text = end;
   }
   add(RtfItem::Kind::Mark, 0, document.paragraphs[paragraph].mark_format, 0);
 }
 
 }  // namespace
 
-std::vector<RtfItem> ItemsOf(const RtfDocument& document, std::size_t begin, std::size_t end, std::uint32_t text) {
+RtfCommonEnds CommonEndsOf(const RtfItemRange& one, const RtfItemRange& other) {
+  constexpr std::size_t kLeft = 16;
+  if (!IsLarge(one) || !IsLarge(other)) return {};
+  const std::string_view text(one.document.text), other_text(other.document.text);
+  const std::vector<Span> first = SpansOf(one.document, one.begin, one.text);
+  const std::vector<Span> other_first = SpansOf(other.document, other.begin, other.text);
+  RtfCommonEnds ends;
+  ends.front = CommonFront(text, first, other_text, other_first);
+  ends.back = CommonBack(text, SpansOf(one.document, one.end - 1, one.last_text), other_text,
+                         SpansOf(other.document, other.end - 1, other.last_text));
+  for (const auto& [range, spans] : {std::pair(&one, &first), std::pair(&other, &other_first)})
+    if (range->begin + 1 == range->end) ends.back = std::min(ends.back, UnitsOf(*spans) - ends.front);
+  ends.front -= std::min(ends.front, kLeft);
+  ends.back -= std::min(ends.back, kLeft);
+  return ends;
+}
+
+std::vector<RtfItem> ItemsOf(const RtfItemRange& range, const RtfCommonEnds& left_out) {
   std::vector<RtfItem> items;
-  for (std::size_t paragraph = begin; paragraph < end; ++paragraph) AddItems(document, paragraph, text, items);
+  std::uint32_t text = range.text;
+  for (std::size_t paragraph = range.begin; paragraph < range.end; ++paragraph) {
+    std::size_t back = std::numeric_limits<std::size_t>::max();
+    if (paragraph + 1 == range.end && left_out.back > 0)
+      back = UnitsOf(SpansOf(range.document, paragraph, text)) - left_out.back;
+    AddItems(range.document, paragraph, text, paragraph == range.begin ? left_out.front : 0, back, items);
+  }
   return items;
 }
 

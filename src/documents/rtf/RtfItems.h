@@ -24,8 +24,26 @@ struct RtfItem {
   std::uint32_t piece = kNoPiece;  ///< of an RtfSource; none of a mark
 };
 
-/// Those of some paragraphs. text: where that of the first one begins.
-std::vector<RtfItem> ItemsOf(const RtfDocument& document, std::size_t begin, std::size_t end, std::uint32_t text);
+/// Some paragraphs, one at least.
+struct RtfItemRange {
+  const RtfDocument& document;
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  std::uint32_t text = 0;       ///< where that of the first one begins
+  std::uint32_t last_text = 0;  ///< where that of the last one does
+};
+
+/// What is the same at both ends of two ranges, formats too, and stands in their first and in their last paragraph:
+/// bytes of text, and objects, each as one. Next to what differs, some of it is left. Nothing
+/// of short ones.
+struct RtfCommonEnds {
+  std::size_t front = 0;
+  std::size_t back = 0;
+};
+RtfCommonEnds CommonEndsOf(const RtfItemRange& one, const RtfItemRange& other);
+
+/// All items but for those at its ends; the last paragraph's mark is there always.
+std::vector<RtfItem> ItemsOf(const RtfItemRange& range, const RtfCommonEnds& left_out);
 
 /// What leads from one to the other; formats do not count. Where whole paragraphs came behind the end of one, what was
 /// added begins with that end: there the format of the text before is known.

@@ -58,9 +58,17 @@ bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
 
 bool RtfSplicer::Splice(RtfHunk hunk) {
   if (!FindParagraph(hunk)) return false;
-  std::vector<RtfItem> before = ItemsOf(before_, hunk.before_begin, hunk.before_end, before_text_[hunk.before_begin]);
-  const std::uint32_t after_text = hunk.after_begin < after_text_.size() ? after_text_[hunk.after_begin] : 0;
-  const std::vector<RtfItem> after = ItemsOf(after_, hunk.after_begin, hunk.after_end, after_text);
+  const RtfItemRange old_part{before_, hunk.before_begin, hunk.before_end, before_text_[hunk.before_begin],
+                              before_text_[hunk.before_end - 1]};
+  RtfCommonEnds common;
+  std::vector<RtfItem> after;
+  if (hunk.after_begin < hunk.after_end) {
+    const RtfItemRange new_part{after_, hunk.after_begin, hunk.after_end, after_text_[hunk.after_begin],
+                                after_text_[hunk.after_end - 1]};
+    common = CommonEndsOf(old_part, new_part);
+    after = ItemsOf(new_part, common);
+  }
+  std::vector<RtfItem> before = ItemsOf(old_part, common);
   if (!FindPieces(before, hunk.before_begin)) return false;
   const std::vector<DiffStep> steps = DiffItems(before_, before, after_, after);
   labels_ = PlanLabels(sides_, hunk, before, after, steps);
