@@ -3,11 +3,15 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
+#include <QTextCursor>
+#include <QTextLayout>
+#include <QTextTable>
 
 #include "RtfWindow.h"
 #include "documents/rtf/RtfNumbering.h"
 #include "documents/rtf/RtfReader.h"
 #include "files/CodePage.h"
+#include "windows/rich/RtfInSight.h"
 
 using namespace tme;
 using namespace Qt::StringLiterals;
@@ -76,6 +80,25 @@ TEST_F(FormRtf, TracesOfWhatItCannotShowAreNoPartOfTheFile) {
   window.SaveFile();
   std::string edited = kTraced;
   EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), edited.replace(edited.find("new"), 3, "newer"));
+}
+
+TEST_F(FormRtf, WhatIsInSightIsFoundWithoutTheRest) {
+  QTextDocument text;
+  QTextCursor cursor(&text);
+  QTextTable* table = cursor.insertTable(3, 2);
+  table->cellAt(0, 1).firstCursorPosition().insertText(u"a\nb\nc\nd"_s);
+  table->mergeCells(0, 1, 3, 1);
+  cursor.movePosition(QTextCursor::End);
+  cursor.insertText(u"word\n"_s.repeated(30'000));
+  text.setPageSize({400, -1});
+  const auto is_laid_out = [&text] { return text.lastBlock().layout()->lineCount() > 0; };
+  EXPECT_EQ(FirstBlockBelow(text, 0), text.firstBlock());
+  const QTextBlock last_row = text.findBlock(table->cellAt(2, 0).firstPosition());
+  // The cell beside it begins in the first row.
+  EXPECT_EQ(FirstBlockBelow(text, TopInDocument(last_row)), text.findBlock(table->cellAt(0, 1).firstPosition()));
+  EXPECT_FALSE(is_laid_out());
+  EXPECT_EQ(FirstBlockBelow(text, TopInDocument(text.lastBlock())), text.lastBlock());
+  EXPECT_TRUE(is_laid_out());
 }
 
 TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {

@@ -8,11 +8,11 @@
 #include <QTextFrame>
 #include <QTextLayout>
 #include <QTextList>
-#include <QTextTable>
 #include <algorithm>
 #include <utility>
 
 #include "system/Twips.h"
+#include "windows/rich/RtfInSight.h"
 #include "windows/rich/RtfTraceTexts.h"
 
 namespace tme {
@@ -48,26 +48,6 @@ const QColor& ColorOf(Mark mark) {
 double ResolutionOf(const QTextDocument& document) {
   const QPaintDevice* device = document.documentLayout()->paintDevice();
   return device ? device->logicalDpiY() : kDefaultResolution;
-}
-
-/// The outermost table around a position; null for none.
-const QTextTable* TableAround(const QTextDocument& document, int position) {
-  const QTextTable* outermost = nullptr;
-  for (QTextFrame* frame = document.frameAt(position); frame; frame = frame->parentFrame())
-    if (const auto* table = qobject_cast<QTextTable*>(frame)) outermost = table;
-  return outermost;
-}
-
-/// The blocks of a stretch of the page: whole rows of tables, whose cells stand beside each other.
-std::pair<QTextBlock, QTextBlock> BlocksIn(const QTextDocument& document, const QRectF& clip) {
-  const QAbstractTextDocumentLayout& layout = *document.documentLayout();
-  int first = std::max(layout.hitTest(clip.topLeft(), Qt::FuzzyHit), 0);
-  int last = std::max(layout.hitTest(clip.bottomRight(), Qt::FuzzyHit), first);
-  if (const QTextTable* table = TableAround(document, first))
-    first = table->cellAt(table->cellAt(first).row(), 0).firstPosition();
-  if (const QTextTable* table = TableAround(document, last))
-    last = table->cellAt(table->cellAt(last).row(), table->columns() - 1).lastPosition();
-  return {document.findBlock(first), document.findBlock(last)};
 }
 
 }  // namespace
@@ -142,9 +122,10 @@ void RtfTraces::Draw(QPainter& painter, const QTextDocument& document, const QRe
   clip_ = clip;
   std::erase_if(marks_, [&clip](const Spot& mark) { return mark.place.intersects(clip); });
   painter.save();
-  const auto [first, last] = BlocksIn(document, clip);
+  const QTextBlock first = FirstBlockBelow(document, clip.top());
   rtf::RtfNumbering counter = has_lists_ ? CounterBefore(document, first) : rtf::RtfNumbering(&lists_);
-  for (QTextBlock block = first; block.isValid(); block = block.next()) {
+  QTextBlock block = first;
+  for (; block.isValid() && TopInDocument(block) <= clip.bottom(); block = block.next()) {
     const QString number = has_lists_ ? NumberOf(block, counter) : QString();
     const QPointF origin = document.documentLayout()->blockBoundingRect(block).topLeft();
     if (block.isVisible() && block.layout()->lineCount() > 0) {
@@ -152,11 +133,10 @@ void RtfTraces::Draw(QPainter& painter, const QTextDocument& document, const QRe
         DrawNumber(painter, block, origin, number);
       DrawRuns(painter, block, origin, medium);
     }
-    if (block == last) break;
   }
   // Asked for its size, the document would lay out the rest.
-  const bool is_end = last == document.lastBlock();
-  const double text_end = is_end ? document.documentLayout()->blockBoundingRect(last).bottom() : clip.bottom();
+  const double text_end =
+      block.isValid() ? clip.bottom() : document.documentLayout()->blockBoundingRect(document.lastBlock()).bottom();
   if (medium == Medium::Screen) DrawBands(painter, document, text_end);
   painter.restore();
 }
