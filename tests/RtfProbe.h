@@ -66,7 +66,9 @@ inline std::string MarksOf(const RtfDocument& document, const ParagraphFormat& f
     add("tab" + std::to_string(static_cast<int>(tab.kind)) + std::to_string(static_cast<int>(tab.leader)) + ":",
         tab.position);
   }
-  if (format.extra != 0) marks.append(marks.empty() ? "" : ",").append(document.extras[format.extra - 1]);
+  add("said", format.said);
+  for (const std::uint32_t number : {format.extra, format.list_group})
+    if (number != 0) marks.append(marks.empty() ? "" : ",").append(document.extras[number - 1]);
   return marks;
 }
 
@@ -77,7 +79,7 @@ inline std::string Dump(const RtfDocument& document) {
   std::size_t run = 0;
   std::size_t at = 0;
   const auto object = [](const Object& it) {
-    constexpr std::string_view kinds[] = {"picture", "placeholder", "invisible"};
+    constexpr std::string_view kinds[] = {"picture", "placeholder", "invisible", "section"};
     std::string text = std::string(kinds[static_cast<std::size_t>(it.kind)]) + " ";
     if (it.kind == ObjectKind::Picture) {
       return text + std::to_string(it.picture.size()) + " " + std::to_string(it.width) + "x" +
@@ -114,7 +116,8 @@ inline std::string Describe(const RtfDocument& document) {
   std::ostringstream out;
   out << Dump(document) << document.ansi_code_page << ' ' << document.default_font << '\n';
   for (const Font& font : document.fonts)
-    out << "font " << font.number << ' ' << font.name << ' ' << font.family << ' ' << font.charset << '\n';
+    out << "font " << font.number << ' ' << font.name << ' ' << font.family << ' ' << font.charset << ' ' << font.words
+        << font.behind << '\n';
   for (const std::uint32_t color : document.colors) out << "colour " << color << '\n';
   out << document.kept_header << '\n' << document.document_controls << '\n' << document.kept_section << '\n';
   for (const Paragraph& it : document.paragraphs)
@@ -138,7 +141,6 @@ inline std::string Dump(const Losses& losses) {
   if (losses.limits > 0) dump += "limits " + std::to_string(losses.limits) + " ";
   if (losses.ended_early) dump += "early ";
   if (losses.not_rtf) dump += "not-rtf ";
-  for (const std::string& name : losses.named) dump += name + " ";
   return dump;
 }
 

@@ -98,6 +98,17 @@ TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
       {"a\\u233\\'e9b\\par}", type(1, 2, ""), "ab\\par}"},
       {"a\\b\\'e9bc\\par}", type(1, 2, ""), "a\\b bc\\par}"},
       {"a{\\*\\bkmkstart q}bc{\\*\\bkmkend q}\\par}", type(2, 1, ""), "a{\\*\\bkmkstart q}b{\\*\\bkmkend q}\\par}"},
+      {"a\\sect\\sectd\\cols2{\\header h}\\pard b\\par}", type(1, 0, "x"),
+       "ax\\sect\\sectd\\cols2{\\header h}\\pard b\\par}"},
+      {"a\\sect\\sectd\\cols2{\\header h}\\pard b\\par}", type(1, 1, "x"),
+       "a\\sect\\sectd\\cols2{\\header h}\\pard x\\par}"},
+      {"a\\par\\pard\\sect\\cols2 b\\par}", type(1, 1, "x"), "a\\par\\pard\\sect\\cols2 x\\par}"},
+      {"abc\\sect\\cols2 d\\par}", [&](RtfDocument& it) { Format(it, 0, 1, 1, bold); },
+       "a{\\b b}c\\sect\\cols2 d\\par}"},
+      {"ab\\sect\\cols2 d\\par}", [](RtfDocument& it) { Split(it, 0, 0, 1); }, "a\\par b\\sect\\cols2 d\\par}"},
+      {"a{\\field{\\*\\fldinst PAGE}{\\fldrslt 12}}b\\sect\\cols2{\\header h}c\\par}",
+       [](RtfDocument& it) { it.runs[1].format = it.runs[0].format; },
+       "{\\plain\\pard a12b\\sect}\\cols2{\\header h}c\\par}"},
       {"a{\\field{\\*\\fldinst PAGE}{\\fldrslt 12}}b\\par}", type(2, 0, "0"),
        "a{\\field{\\*\\fldinst PAGE}{\\fldrslt 102}}b\\par}"},
       {"{\\revised\\i abc}\\par}", [&](RtfDocument& it) { Format(it, 0, 1, 1, bold); },
@@ -113,6 +124,12 @@ TEST(RtfOriginal, AnEditIsPutIntoTheBytesOfTheFile) {
          it.paragraphs[0].format = static_cast<std::uint32_t>(it.paragraph_formats.size() - 1);
        },
        "ab{\\pard\\qc\\par }cd\\par}"},
+      {"ab\\par cd\\par}",
+       [](RtfDocument& it) {
+         it.paragraph_formats.push_back({.list_start = 3, .list = ListKind::Decimal});
+         it.paragraphs[0].format = static_cast<std::uint32_t>(it.paragraph_formats.size() - 1);
+       },
+       "{\\pntext 3.\\tab}ab{\\pard{\\*\\pn\\pnlvlbody\\pndec\\pnindent0\\pnstart3{\\pntxta.}}\\par }cd\\par}"},
       {"\\trowd\\cellx900\\pard\\intbl ab\\cell\\row\\pard c\\par}", type(1, 0, "x"),
        "\\trowd\\cellx900\\pard\\intbl axb\\cell\\row\\pard c\\par}"},
       // Between the end of a cell and that of its row no text can stand.

@@ -63,7 +63,12 @@ TEST(RtfReader, Formats) {
        R"(\pard\s1\keepn\brdrt\brdrs\brdrb\brdrs\s2\rtlch\lang1\kerning2\ltrch\lang3 a\plain\unknown b)",
        R"((\s2\keepn\brdrt\brdrs\brdrb\brdrs)[\lang3\kerning2:a][\unknown:b]|)"},
       {"no colour of that number", R"(\cf99 a\cf-1 b)", "ab|"},
-      {"sections", R"(a\sect\sectd\sbknone b\par\sect\sectd\colsx1 c)", "a|b|^c|", "page layout of later sections "},
+      {"sections",
+       R"(\pgbrdrt\brdrs\brdrw9\colno1\colw5\colno2\colw7 a\sect\sectd\sbknone b\par\sect{\headerf h}\pgnx c)",
+       R"(a<section \sect\sectd\sbknone>|b|<section \sect{\headerf h}\pgnx>|c|)"},
+      {"a section in a cell", R"(\trowd\cellx9\intbl a\sect\cols2 b\cell\row)", R"(0/a|<section \sect\cols2>|1/b|)"},
+      {"what a style does not say", R"(\pard\s1\li0\ql\sb5\sb0\pagebb0\slmult0\ls0 a\par\li5\ls2 b)",
+       R"((said489,\s1)a|(li5,ls2,said232,\s1)b|)"},
   });
 }
 
@@ -76,7 +81,11 @@ TEST(RtfReader, Lists) {
       {"by tables", tables + R"(\pard{\listtext\'b7\tab}\ls1 a\par\ilvl1 b\par\pard c)",
        "(list1,start1,ls1)a|(list3,level1,start3,ls1)b|c|"},
       {"by their own words", R"(\pard{\*\pn\pnlvlbody\pnucrm\pnstart2{\pntxta.}}{\pntext II.\tab}a\par{\pntext III.}b)",
-       "(list6,start2)a|(list6,start2)b|"},
+       R"((list6,start2,{\*\pn\pnlvlbody\pnucrm\pnstart2{\pntxta.}})a|)"
+       R"((list6,start2,{\*\pn\pnlvlbody\pnucrm\pnstart2{\pntxta.}})b|)"},
+      {"by their numbers, which go on or begin again",
+       R"({\pntext 4.\tab}a\par{\pntext 5.}b\par c\par{\pntext (h)}d\par{\pntext (i)}e\par{\pntext ii)}f\par{\pntext 1.2}g)",
+       "(list2,start4)a|(list2,start4)b|c|(list3,start8)d|(list3,start8)e|(list5,start2)f|(list2,start2)g|"},
       {"by their text alone", R"({\listtext 1.\tab}a\par{\listtext\'b7}\ls9 b\par c)",
        "(list2,start1)a|(list1,start1,ls9)b|(ls9)c|"},
   });
@@ -108,6 +117,8 @@ TEST(RtfReader, Tables) {
   EXPECT_EQ(cells, "0:5,2,1 0:9,1,1 1:5,0,1 1:7,1,2 1:9,1,0 2:5,1,1 ");
   EXPECT_EQ(merged.rows[0].definition, R"(\trowd\clvmgf\cellx5\trgaph7\cellx9)");
   EXPECT_EQ(merged.tables.size(), 1u);
+  const RtfDocument behind = Read(R"({\rtf1\trowd\cellx5\cellx9\trkeep\clvmgf\trqc\pard\intbl a\cell b\cell\row})");
+  EXPECT_EQ(behind.rows[0].definition, R"(\trowd\cellx5\cellx9\trkeep)") << "words of a cell that does not come";
 }
 
 TEST(RtfReader, ObjectsAndFields) {

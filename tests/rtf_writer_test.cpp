@@ -193,7 +193,7 @@ TEST(RtfWriterTest, TablesAndTablesInThem) {
                 "{\\*\\nesttableprops\\trowd\\trgaph108\\cellx500\\nestrow}{\\nonesttables\\par}\n"
                 "\\pard\\intbl\\cell\\pard\\intbl right\\cell\n" +
                 outer +
-                "\\row\n\\trowd\\x\\cellx5\\cellx9\n\\pard\\intbl lower\\cell\n\\pard\\intbl\\cell\\row\n\\pard "
+                "\\row\n\\trowd\\x\\cellx5\n\\pard\\intbl lower\\cell\n\\pard\\intbl\\cell\\row\n\\pard "
                 "after\\par\n");
 }
 
@@ -213,6 +213,32 @@ TEST(RtfWriterTest, WhatIsReadComesBack) {
     const RtfDocument first = ReadRtf(file, kDecode);
     const std::string saved = Written(first);
     EXPECT_EQ(Describe(ReadRtf(saved, kDecode)), Describe(first)) << saved;
+  }
+}
+
+/// What is kept besides looks is written as it was read, and says the same when it is read again.
+TEST(RtfWriterTest, WordsOfParagraphsSectionsAndFontsComeBack) {
+  constexpr std::string_view kAsRead[] = {
+      R"({\pntext 1)\tab}{\*\pn\pnlvlbody\pnf0\pnindent360\pnhang\pndec\pnstart1{\pntxta )}}x\par)",
+      R"(\pard{\pntext(c)\tab}{\*\pn\pnlvlbody\pnlcltr\pnstart3\pnsp9{\pntxtb (}{\pntxta )}}x\par)",
+      R"(\pard{\pntext(iv)\tab}{\*\pn\pnlvlbody\pnlcrm\pnindent0\pnstart4{\pntxtb(}{\pntxta)}}x\par)",
+      R"(\pard\s1\ql\li0\ri0\fi0\sb0\sa0\lin0\rin0\sl0\slmult0\pagebb0\ls0 x\par)",
+      R"(\pard\rtlpar\ri720\lin720\rin0 x\par)",
+      R"(\pard\posx9\posyb\posnegy-5\absw2000\overlay\shading500\cfpat1\cbpat1\bgdkcross\ltrpar\outlinelevel2 x\par)",
+      R"(\pard\brdrt\brdrtnthmg\brdrw75\brsp20\brdrcf1\brdrbtw\brdrart7\brdrnew3\keep\contextualspace x\par)",
+      R"(\sectd\cols2\colno1\colw99\colsr9\colno2\colw50\linebetcol\pgbrdrt\brdrs\brdrw15\pgbrdrb\brdrs\pgnnew)",
+      R"(x\sect\sectd\sbknone\pgbrdrl\brdrdot\titlepg\pgnrestart\pgwsxn9{\headerf first}{\footer{\b f}})",
+      R"({\f0\fbidi\fswiss\fcharset0\fprq2{\*\panose 020b}Arial{\*\falt Helvetica};})",
+      R"({\f7\froman\fcharset0{\fontemb\fttruetype 00ff}Own;})"};
+  for (const std::string_view words : kAsRead) {
+    const bool is_font = words.starts_with("{\\f");
+    const std::string body = is_font ? "{\\fonttbl" + std::string(words) + "}x\\par" : std::string(words);
+    const RtfDocument first = ReadRtf("{\\rtf1\\ansi{\\colortbl;\\red1;}" + body + "\\pard y\\par}", kDecode);
+    std::string saved = Written(first);
+    EXPECT_EQ(Describe(ReadRtf(saved, kDecode)), Describe(first)) << saved;
+    std::erase(saved, '\n');
+    std::erase(saved, '\r');
+    EXPECT_NE(saved.find(words), std::string::npos) << words << "\n" << saved;
   }
 }
 

@@ -65,10 +65,16 @@ void PutRtfLines(std::string_view bytes, Streams& streams) {
     const bool in_cell = walk.Depth() > 0;
     for (std::size_t run = paragraph.first_run; run < document.EndOfRuns(index); ++run) {
       const Object* object = EntryOf(document.objects, document.runs[run].object);
-      if (object != nullptr && object->kind != ObjectKind::Invisible)
+      const bool is_shown = object != nullptr && object->kind != ObjectKind::Invisible;
+      if (is_shown && object->kind != ObjectKind::SectionBreak)
         output.Append("[" + (object->label.empty() ? std::string("Picture") : object->label) + "]", in_cell);
       output.Append(std::string_view(document.text).substr(at, document.runs[run].bytes), in_cell);
       at += document.runs[run].bytes;
+    }
+    if (const Object* section = document.SectionBreakOf(index)) {
+      if (document.EndOfRuns(index) > paragraph.first_run + 1) output.EndLine();
+      if (section->label == kPageBreakLabel) output.EndLine();
+      continue;
     }
     const bool is_last = index + 1 == document.paragraphs.size();
     const bool has_ended = walk.Leave(is_last ? nullptr : &document.paragraphs[index + 1]);

@@ -38,7 +38,6 @@ void RtfBodyWriter::WriteAll() {
 
 void RtfBodyWriter::WritePart(const RtfPart& part) {
   text_at_ = part.text;
-  skip_ = part.skip;
   BeginPlain();
   place_ = {};
   out_.Words("\\plain");
@@ -70,7 +69,8 @@ void RtfBodyWriter::BeginParagraph(std::size_t index, std::size_t depth) {
   WriteParagraphFormat(wanted_, NextItem(index));
   in_paragraph_ = true;
   BeginFormats(index);
-  Text(paragraph.first_run, document_.EndOfRuns(index));
+  section_ = document_.SectionBreakOf(index);
+  Text(paragraph.first_run, document_.EndOfRuns(index) - (section_ != nullptr ? 1 : 0));
   SetFormat(paragraph.mark_format);
   in_paragraph_ = false;
 }
@@ -82,6 +82,12 @@ void RtfBodyWriter::Paragraph(std::size_t index, const rtf::Paragraph* next) {
 }
 
 void RtfBodyWriter::EndParagraph() {
+  if (section_ != nullptr) {
+    LeaveGroup();  // the end of its group would take back what the section says
+    out_.Kept(section_->rtf);
+    place_ = {};
+    return out_.LineEnd();
+  }
   out_.Words(kParagraphEnd);
   LeaveGroup();
   out_.LineEnd();
@@ -128,13 +134,13 @@ void RtfBodyWriter::Text(std::size_t from, std::size_t to) {
       continue;
     }
     const std::uint32_t font = format_.font < document_.fonts.size() ? format_.font : plain_.font;
-    const std::uint32_t skip = std::exchange(skip_, 0);
-    out_.Text(std::string_view(document_.text).substr(text_at_ + skip, run.bytes - skip), alphabets_[font]);
+    out_.Text(std::string_view(document_.text).substr(text_at_, run.bytes), alphabets_[font]);
     text_at_ += run.bytes;
   }
 }
 
 void RtfBodyWriter::Object(const rtf::Object& object) {
+  if (object.kind == ObjectKind::SectionBreak && wanted_.depth > 0) return out_.Words("\\page");
   if (!object.rtf.empty()) return out_.Kept(object.rtf);
   if (object.picture.empty()) return;
   out_.Open(object.picture.starts_with(kPngSignature) ? "\\pict\\pngblip" : "\\pict\\jpegblip");
@@ -246,8 +252,22 @@ void RtfBodyWriter::LeaveFields() {
 }
 
 void RtfBodyWriter::RowDefinition(std::uint32_t row) {
-  const bool is_new = document_.rows[row].definition.empty();
-  out_.Words((is_new ? RowControls : CompletedDefinition)(document_, walk_.CellsOf(row)));
+  std::span<const std::uint32_t> cells = walk_.CellsOf(row);
+  if (document_.rows[row].definition.empty()) return out_.Words(RowControls(document_, cells));
+  while (cells.size() > 1 && !HasText(cells.back())) cells = cells.first(cells.size() - 1);
+  out_.Words(CompletedDefinition(document_, cells));
+}
+
+bool RtfBodyWriter::HasText(std::uint32_t cell) {
+  if (has_text_.empty()) {
+    has_text_.resize(document_.cells.size());
+    for (std::size_t i = 0; i < document_.paragraphs.size(); ++i) {
+      const rtf::Paragraph& paragraph = document_.paragraphs[i];
+      const bool is_there = paragraph.cell >= 0 && document_.EndOfRuns(i) > paragraph.first_run;
+      if (is_there) has_text_[static_cast<std::size_t>(paragraph.cell)] = true;
+    }
+  }
+  return has_text_[cell];
 }
 
 void RtfBodyWriter::BeginRow(std::uint32_t row, std::size_t depth) {

@@ -19,7 +19,6 @@ struct RtfPart {
   std::size_t begin = 0;
   std::size_t end = 0;
   std::uint32_t text = 0;  ///< where its text begins
-  std::uint32_t skip = 0;  ///< bytes of the first run that are not written
   std::size_t depth = 0;   ///< how many tables are around all of it
   /// Ends the last paragraph when that stands in no table of the part.
   std::string_view mark = "\\par";
@@ -68,6 +67,7 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   void EmptyCell(std::size_t depth) override;
   void EndRow(std::uint32_t row, std::size_t depth) override;
   void RowDefinition(std::uint32_t row);
+  bool HasText(std::uint32_t cell);
 
   const CharFormat& CharFormatOf(std::uint32_t format) const {
     return format < document_.char_formats.size() ? document_.char_formats[format] : plain_;
@@ -85,10 +85,11 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   Place place_;
   Place wanted_;  ///< of the paragraph that is being written
   bool in_paragraph_ = false;
-  std::vector<std::string> controls_;  ///< of paragraph formats, made when first used
+  const rtf::Object* section_ = nullptr;  ///< the break that ends the paragraph
+  std::vector<std::string> controls_;     ///< of paragraph formats, made when first used
   const ParagraphFormat default_paragraph_;
+  std::vector<bool> has_text_;  ///< of cells, once somebody asks
   std::size_t text_at_ = 0;
-  std::uint32_t skip_ = 0;       ///< bytes of the next run
   bool has_nested_row_ = false;  ///< the row of depth 0 does
 
   struct FieldAround {

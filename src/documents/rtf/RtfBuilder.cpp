@@ -64,16 +64,23 @@ std::uint32_t Builder::AddKnown(std::uint32_t old, std::string_view word, std::u
     known = {old, 0, word, kind};
     return 0;
   }
+  const std::uint32_t entered = EnterExtra(words);
+  if (entered == 0) return old;
+  known = {old, entered, word, kind};
+  return entered;
+}
+
+/// 0 for what is over a limit.
+std::uint32_t Builder::EnterExtra(const std::string& words) {
   const std::size_t cost = words.size() + kExtraOverhead;
   if (words.size() > kMaxExtraBytes || extra_bytes_ + cost > input_bytes_ * 2 + kSmallInput) {
     ++document_.losses.limits;
-    return old;
+    return 0;
   }
   const std::size_t before = document_.extras.size();
   const std::uint32_t index = WithinLimit(extras_.Intern(document_.extras, words, kMaxFormats));
   if (document_.extras.size() > before) extra_bytes_ += cost;
-  known = {old, index + 1, word, kind};
-  return known.to;
+  return index + 1;
 }
 
 std::uint32_t Builder::AddExtra(std::uint32_t old, std::string_view word, std::string_view name, Extra how) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +31,8 @@ class Builder {
   std::uint32_t AddExtra(std::uint32_t old, std::string_view word, std::string_view name, Extra how);
   /// The same of CharFormat::extra, as RtfCharacterWords.h orders them.
   std::uint32_t AddExtra(std::uint32_t old, std::string_view word, std::string_view name, FontPlace place);
+  /// A group that is kept with a format; 0 when it is over a limit.
+  std::uint32_t AddGroup(const std::string& group) { return EnterExtra(group); }
 
   void AddText(std::string_view text, std::uint32_t format);
   void AddObject(Object&& object, std::uint32_t format);
@@ -50,6 +53,7 @@ class Builder {
 
  private:
   std::uint32_t WithinLimit(std::uint32_t index);
+  std::uint32_t EnterExtra(const std::string& words);
   std::uint32_t FieldOf(std::uint32_t format) const { return document_.char_formats[format].field; }
 
   RtfDocument& document_;

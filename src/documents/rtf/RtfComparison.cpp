@@ -90,9 +90,11 @@ bool RtfComparison::SameParagraph(std::size_t left, std::size_t right) {
 bool RtfComparison::SameRuns(Cursor& left, Cursor& right) {
   while (!left.AtEnd() && !right.AtEnd()) {
     const Run &one = left.Current(), &other = right.Current();
-    if ((one.object != 0) != (other.object != 0) || !SameCharFormat(one.format, other.format)) return false;
-    if (one.object != 0 && !SameObject(left_.objects[one.object - 1], right_tables_.objects[other.object - 1]))
-      return false;
+    if ((one.object != 0) != (other.object != 0)) return false;
+    const Object* object = EntryOf(left_.objects, one.object);
+    if (object != nullptr && !SameObject(*object, right_tables_.objects[other.object - 1])) return false;
+    const bool has_format = object == nullptr || object->kind != ObjectKind::SectionBreak;
+    if (has_format && !SameCharFormat(one.format, other.format)) return false;
     const std::uint32_t size = one.object != 0 ? 0 : std::min(left.Left(), right.Left());
     if (left.Text(size) != right.Text(size)) return false;
     left.Advance(size);
@@ -125,8 +127,14 @@ bool RtfComparison::SameParagraphFormat(std::uint32_t left, std::uint32_t right)
   return Ask(paragraph_formats_, left, right, [&] {
     ParagraphFormat one = left_.paragraph_formats[left];
     const ParagraphFormat& other = right_tables_.paragraph_formats[right];
-    if (!SameExtra(one.extra, other.extra)) return false;
+    // A list without words of its own has got them where it was written.
+    const bool same_list = other.list_group == 0 || SameExtra(one.list_group, other.list_group);
+    if (!same_list || !SameExtra(one.extra, other.extra)) return false;
     one.extra = other.extra;
+    // A number before an item may have been left as it was; else the group or the file's tables say where a list
+    // begins.
+    if (one.list_group == 0) one.list_start = other.list_start;
+    one.list_group = other.list_group;
     return one == other;
   });
 }

@@ -16,7 +16,7 @@ constexpr std::int32_t Of(auto value) { return static_cast<std::int32_t>(value);
 // clang-format off
 constexpr auto kIgnoredWords = std::to_array<std::string_view>({
     "rtf", "nosectexpand", "softline", "softpage", "softcol", "softlheight", "fcs", "insrsid",
-    "charrsid", "pararsid", "sectrsid", "delrsid", "tblrsid", "styrsid", "yts", "ltrpar", "wrapdefault",
+    "charrsid", "pararsid", "sectrsid", "delrsid", "tblrsid", "styrsid", "yts", "wrapdefault",
 });
 
 constexpr auto kTextWords = std::to_array<ControlWord>({
@@ -64,8 +64,8 @@ constexpr auto kKeptCharacterWords = std::to_array<std::string_view>({
 constexpr auto kParagraphWords = std::to_array<ControlWord>({
     {"pard", C::ParagraphReset}, {"ql", C::Aligned, Of(Alignment::Left)}, {"qr", C::Aligned, Of(Alignment::Right)},
     {"qc", C::Aligned, Of(Alignment::Center)}, {"qj", C::Aligned, Of(Alignment::Justify)},
-    {"qd", C::Aligned, Of(Alignment::Justify)}, {"li", C::IndentLeft}, {"lin", C::IndentLeft}, {"ri", C::IndentRight},
-    {"rin", C::IndentRight}, {"fi", C::IndentFirst}, {"sb", C::SpaceBefore}, {"sa", C::SpaceAfter},
+    {"qd", C::Aligned, Of(Alignment::Justify)}, {"li", C::IndentLeft}, {"lin", C::IndentLeft, 1}, {"ri", C::IndentRight},
+    {"rin", C::IndentRight, 1}, {"fi", C::IndentFirst}, {"sb", C::SpaceBefore}, {"sa", C::SpaceAfter},
     {"sl", C::LineSpacing}, {"slmult", C::LineMultiple}, {"tx", C::TabAt}, {"tb", C::TabAt, 1},
     {"tql", C::TabKindNext, Of(TabKind::Left)}, {"tqr", C::TabKindNext, Of(TabKind::Right)},
     {"tqc", C::TabKindNext, Of(TabKind::Center)}, {"tqdec", C::TabKindNext, Of(TabKind::Decimal)},
@@ -80,13 +80,20 @@ constexpr auto kKeptParagraphWords = std::to_array<std::string_view>({
     "lisa", "rtlpar", "outlinelevel", "level", "shading", "cfpat", "cbpat", "aspalpha", "aspnum", "faauto", "fahang",
     "facenter", "faroman", "favar", "fafixed", "adjustright", "contextualspace", "sbys", "nooverflow", "cufi", "culi",
     "curi", "indmirror", "posx", "posy", "posxc", "posxr", "posyt", "absw", "absh", "abslock", "phmrg", "phpg", "phcol",
-    "pvpara", "pvmrg", "pvpg", "dxfrtext", "dfrmtxtx", "dfrmtxty", "nowrap", "dropcapli", "dropcapt",
+    "pvpara", "pvmrg", "pvpg", "dxfrtext", "dfrmtxtx", "dfrmtxty", "nowrap", "dropcapli", "dropcapt", "ltrpar",
+    "posnegx", "posnegy", "posxi", "posxo", "posxl", "posyil", "posyb", "posyc", "posyin", "posyout", "overlay",
+    "wraparound", "wraptight", "wrapthrough", "absnoovrlp", "frmtxlrtb", "frmtxtbrl", "frmtxbtlr", "frmtxlrtbv",
+    "frmtxtbrlv", "bghoriz", "bgvert", "bgfdiag", "bgbdiag", "bgcross", "bgdcross", "bgdkhoriz", "bgdkvert",
+    "bgdkfdiag", "bgdkbdiag", "bgdkcross", "bgdkdcross", "nosnaplinegrid", "toplinepunct", "nowwrap", "nowordwrap",
+    "collapsed", "subdocument", "spv", "txbxtwno", "txbxtwalways", "txbxtwfirstlast", "txbxtwfirst", "txbxtwlast",
 });
 
 constexpr auto kBorderWords = std::to_array<std::string_view>({
     "brdrt", "brdrb", "brdrl", "brdrr", "brdrbtw", "brdrbar", "box", "brdrs", "brdrth", "brdrsh", "brdrdb", "brdrdot",
     "brdrdash", "brdrdashsm", "brdrdashd", "brdrdashdd", "brdrhair", "brdrtriple", "brdrtnthsg", "brdrthtnsg",
     "brdrwavy", "brdrinset", "brdroutset", "brdrnone", "brdrnil", "brdrtbl", "brdrw", "brdrcf", "brsp", "brdrframe",
+    "brdrwavydb", "brdrdashdot", "brdrdashdotdot", "brdrdashdotstr", "brdremboss", "brdrengrave", "brdrart",
+    "brdrtnthtnsg", "brdrtnthmg", "brdrthtnmg", "brdrtnthtnmg", "brdrtnthlg", "brdrthtnlg", "brdrtnthtnlg",
 });
 
 // What begins with \tr, \cl or \ts is kept with the row even when it is not here.
@@ -169,8 +176,9 @@ constexpr auto kSectionWords = std::to_array<std::string_view>({
     "pgnucltr", "pgnlcltr", "pgnx", "pgny", "pgnhn", "pgnhnsh", "vertalt", "vertalb", "vertalc", "vertalj", "endnhere",
     "binfsxn", "binsxn", "ds", "sectdefaultcl", "sectspecifycl", "sectlinegrid", "sectspecifyl", "sectexpand",
     "sectunlocked", "rtlsect", "ltrsect", "sftnbj", "sftntj", "saftnnar", "sftnnar", "sftnrestart", "saftnrestart",
-    "stextflow", "pgbrdropt", "pgbrdrsnap",
+    "stextflow", "pgbrdropt", "pgbrdrsnap", "sftnstart", "saftnstart", "sftnrstpg", "sftnrstcont", "saftnrstcont",
 });
+constexpr auto kPageBorders = std::to_array<std::string_view>({"pgbrdrt", "pgbrdrb", "pgbrdrl", "pgbrdrr"});
 // clang-format on
 
 constexpr std::size_t kSlots = 1024;  // a power of two, about twice the words
@@ -214,11 +222,12 @@ constexpr std::array<ControlWord, kSlots> kTable = [] {
   add_names(kSectionGroups, ControlClass::Group, C::SectionGroup);
   add_names(kInvisibleGroups, ControlClass::Group, C::InvisibleGroup);
   add_names(kSkippedGroups, ControlClass::Group, C::SkippedGroup);
+  add({"sectd", C::SectionReset}, ControlClass::File);
+  add_names(kSectionBreaks, ControlClass::File, C::SectionBreak);
+  add_names(kSectionWords, ControlClass::File, C::SectionWord);
+  add_names(kPageBorders, ControlClass::File, C::PageBorder);
   std::int32_t number = 0;
-  add({"sectd", C::SectionReset, number++}, ControlClass::File);
-  for (const std::string_view name : kSectionBreaks) add({name, C::SectionBreak, number++}, ControlClass::File);
   for (const std::string_view name : kDocumentWords) add({name, C::DocumentWord, number++}, ControlClass::File);
-  for (const std::string_view name : kSectionWords) add({name, C::SectionWord, number++}, ControlClass::File);
   return table;
 }();
 
@@ -233,6 +242,6 @@ const ControlWord& FindControl(std::string_view name) {
   return kUnknown;
 }
 
-const std::size_t kDocumentWordCount = 1 + kSectionBreaks.size() + kDocumentWords.size() + kSectionWords.size();
+const std::size_t kDocumentWordCount = kDocumentWords.size();
 
 }  // namespace tme::rtf

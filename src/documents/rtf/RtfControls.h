@@ -57,9 +57,9 @@ enum class Control : std::uint8_t {
   CharacterWord,    ///< kept, not shown; the last one of its name counts
   // ControlClass::ParagraphFormat
   ParagraphReset,
-  Aligned,  ///< value: Alignment
-  IndentLeft,
-  IndentRight,
+  Aligned,      ///< value: Alignment
+  IndentLeft,   ///< value: 1 where it turns with the direction of the text
+  IndentRight,  ///< the same
   IndentFirst,
   SpaceBefore,
   SpaceAfter,
@@ -88,9 +88,10 @@ enum class Control : std::uint8_t {
   CodePage,      ///< value: the page, or 0 for that of the word's number
   DefaultFont,   ///< \deff
   DocumentWord,  ///< value: a number of its own, below kDocumentWordCount
-  SectionReset,  ///< \sectd; value: as for DocumentWord
-  SectionBreak,  ///< \sbknone and its kin; value: as for DocumentWord
-  SectionWord,   ///< value: as for DocumentWord
+  SectionReset,  ///< \sectd
+  SectionBreak,  ///< \sbknone and its kin
+  SectionWord,
+  PageBorder,  ///< of a section; the border words behind it are about it
   // ControlClass::TableEntry
   ColorPart,  ///< value: how far it is shifted in RtfDocument::colors
   FontCharset,
@@ -139,7 +140,7 @@ inline constexpr std::array<std::string_view, 4> kFieldWords = {"fldedit", "fldd
 /// By its exact letters. ControlClass::Unknown, without a name, for others.
 const ControlWord& FindControl(std::string_view name);
 
-/// How many different values the words of ControlClass::File have that are kept.
+/// How many different values there are of Control::DocumentWord.
 extern const std::size_t kDocumentWordCount;
 
 }  // namespace tme::rtf

@@ -117,6 +117,20 @@ struct TabStop {
   bool operator==(const TabStop&) const = default;
 };
 
+/// Properties of a paragraph that a control word can set back to their defaults, as bits.
+enum ParagraphProperty : std::uint16_t {
+  kIndentLeft = 1 << 0,
+  kIndentRight = 1 << 1,
+  kIndentFirst = 1 << 2,
+  kSpaceBefore = 1 << 3,
+  kSpaceAfter = 1 << 4,
+  kLineSpacing = 1 << 5,
+  kAlignment = 1 << 6,
+  kPageBreakBefore = 1 << 7,
+  kList = 1 << 8,
+  kLeadingIndents = 1 << 9,  ///< \lin and \rin, which do not turn with \rtlpar, stand beside \li and \ri
+};
+
 /// The format of a paragraph. Equal formats share one entry of RtfDocument::paragraph_formats.
 struct ParagraphFormat {
   std::int32_t left = 0;
@@ -130,6 +144,10 @@ struct ParagraphFormat {
   std::int32_t list_id = 0;  ///< \ls, naming an entry of the file's own list tables; 0: none, or a list without them
   std::int32_t list_start = 1;
   std::uint32_t extra = 0;  ///< index into RtfDocument::extras plus 1: control words that are kept, not shown
+  /// The same: the {\*\pn …} group as it came, which says all of the list; 0 without one, or where the list is another.
+  std::uint32_t list_group = 0;
+  /// ParagraphProperty: which have their default because control words said so. That counts where a style says other.
+  std::uint16_t said = 0;
   Alignment alignment = Alignment::Left;
   ListKind list = ListKind::None;
   std::uint8_t list_level = 0;  ///< 0 to 8
@@ -143,6 +161,17 @@ struct ParagraphFormat {
   bool operator==(const ParagraphFormat&) const = default;
 };
 
+/// ParagraphProperty: those that have their default, or none.
+constexpr std::uint16_t DefaultsOf(const ParagraphFormat& format) {
+  const auto bit = [](bool is_default, ParagraphProperty property) { return is_default ? property : 0; };
+  return static_cast<std::uint16_t>(
+      bit(format.left == 0, kIndentLeft) | bit(format.right == 0, kIndentRight) |
+      bit(format.first_line == 0, kIndentFirst) | bit(format.space_before == 0, kSpaceBefore) |
+      bit(format.space_after == 0, kSpaceAfter) | bit(format.line_spacing == 0 && !format.line_multiple, kLineSpacing) |
+      bit(format.alignment == Alignment::Left, kAlignment) | bit(!format.page_break_before, kPageBreakBefore) |
+      bit(format.list == ListKind::None && format.list_id == 0, kList) | kLeadingIndents);
+}
+
 /// A stretch of text of one format, or one object.
 struct Run {
   std::uint32_t bytes = 0;   ///< of RtfDocument::text, following those of the run before; 0 for an object
@@ -155,7 +184,14 @@ enum class ObjectKind : std::uint8_t {
   Picture,      ///< PNG or JPEG, shown
   Placeholder,  ///< anything else that a reader of the letter would see: other pictures, embedded objects, footnotes
   Invisible,    ///< bookmarks, index entries and the like: kept where they stood, never shown
+  /// Ends its paragraph; what follows is another section. Its `rtf` is \sect and what the file says of that section:
+  /// control words, headers and footers. In no table.
+  SectionBreak,
 };
+/// The label of a section break: what a reader of the letter sees of it.
+inline constexpr const char* kPageBreakLabel = "Page break";
+inline constexpr const char* kSectionBreakLabel = "Section break";
+
 /// The label of an embedded or linked object that shows neither text nor a picture.
 inline constexpr const char* kObjectLabel = "Embedded object";
 struct Object {
@@ -186,6 +222,8 @@ struct Font {
   std::string family;           ///< "nil", "roman", "swiss", "modern", "script", "decor", "tech", "bidi"
   std::int32_t charset = 0;     ///< \fcharset; kSymbolCharset of a symbol font
   std::int32_t code_page = -1;  ///< of its text in the file that was read; -1: the document's own
+  std::string words{};          ///< what its entry says before the name, as it came; empty for one made here
+  std::string behind{};         ///< the same behind the name: another name, embedded data
 };
 
 /// One cell of a table row; its paragraphs name it.
@@ -226,10 +264,9 @@ struct Paragraph {
 struct Losses {
   std::uint32_t unknown_characters = 0;  ///< bytes that the file's code page has no character for
   std::uint32_t limits = 0;              ///< parts over a limit (RtfReader.h), left out
-  bool deep_tables = false;        ///< over RtfReader.h's limit; their text stands in the innermost that is within
-  bool ended_early = false;        ///< the file ends inside a group, or has more ends than groups
-  bool not_rtf = false;            ///< it does not begin with {\rtf; its bytes are shown as text
-  std::vector<std::string> named;  ///< anything else that a save would not write back, for people: "borders of pages"
+  bool deep_tables = false;  ///< over RtfReader.h's limit; their text stands in the innermost that is within
+  bool ended_early = false;  ///< the file ends inside a group, or has more ends than groups
+  bool not_rtf = false;      ///< it does not begin with {\rtf; its bytes are shown as text
   bool operator==(const Losses&) const = default;
 };
 
@@ -265,7 +302,7 @@ struct RtfDocument {
   std::vector<JoinedEntry> joined;
   /// Control words of the whole document, its first section and its page, as they came ("\\paperw12240\\margl1800").
   std::string document_controls;
-  /// Headers and footers, as they came.
+  /// Headers and footers of the first section, as they came.
   std::string kept_section;
   /// Bytes behind the last brace, as they came.
   std::string kept_behind;
@@ -277,6 +314,13 @@ struct RtfDocument {
   /// Where the runs of a paragraph end, an index into `runs`.
   std::size_t EndOfRuns(std::size_t paragraph) const {
     return paragraph + 1 < paragraphs.size() ? paragraphs[paragraph + 1].first_run : runs.size();
+  }
+  /// The section break that ends a paragraph; null where none does.
+  const Object* SectionBreakOf(std::size_t paragraph) const {
+    const std::size_t end = EndOfRuns(paragraph);
+    if (end == paragraphs[paragraph].first_run || paragraphs[paragraph].cell >= 0) return nullptr;
+    const Object* last = EntryOf(objects, runs[end - 1].object);
+    return last != nullptr && last->kind == ObjectKind::SectionBreak ? last : nullptr;
   }
 };
 

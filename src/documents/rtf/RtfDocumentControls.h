@@ -10,11 +10,11 @@
 
 namespace tme::rtf {
 
-/// Keeps control words of the whole document and its first section as they stand in the file, in the order in which
-/// they first came. Internal to the reader.
+/// Keeps control words of the whole document, in the order in which they first came, and those of its first section as
+/// they came. Internal to the reader.
 class DocumentControls {
  public:
-  /// A word of ControlClass::File, `raw` in the file's bytes, which outlive this. The last one of its name counts.
+  /// A Control::DocumentWord, `raw` in the file's bytes, which outlive this. The last one of its name counts.
   void Keep(const ControlWord& word, std::string_view raw) {
     std::uint32_t& place = places_[static_cast<std::size_t>(word.value)];
     if (place == 0) {
@@ -28,9 +28,14 @@ class DocumentControls {
     if (words_.size() < kMaxWordsWithUnknown && std::ranges::find(words_, raw) == words_.end()) words_.push_back(raw);
   }
 
+  /// Of the section; all count, in their order.
+  void KeepSection(std::string_view raw) { section_words_.push_back(raw); }
+  void ResetSection() { section_words_.clear(); }
+
   std::string Joined() const {
     std::string joined;
-    for (const std::string_view word : words_) joined += word;
+    for (const auto* words : {&words_, &section_words_})
+      for (const std::string_view word : *words) joined += word;
     return joined;
   }
 
@@ -39,6 +44,7 @@ class DocumentControls {
   static constexpr std::size_t kMaxWordsWithUnknown = 256;
 
   std::vector<std::string_view> words_;
+  std::vector<std::string_view> section_words_;
   std::vector<std::uint32_t> places_ = std::vector<std::uint32_t>(kDocumentWordCount);  ///< index plus 1, by value
 };
 

@@ -13,7 +13,14 @@ constexpr std::size_t kMaxNameBytes = 256;
 
 }  // namespace
 
-void FontTable::ReadWord(const ControlWord& word, std::int32_t value, TextEncoding& encoding) {
+void FontTable::Keep(std::string_view raw) {
+  if (!is_in_entry_) return;
+  const bool has_name = entry_.name.find_first_not_of(' ') != std::string::npos;
+  (has_name ? entry_.behind : entry_.words) += raw;
+}
+
+void FontTable::ReadWord(const ControlWord& word, std::int32_t value, std::string_view raw, TextEncoding& encoding) {
+  if (word.control != Control::FontNumber) Keep(raw);
   switch (word.control) {
     case Control::FontNumber:
       EndEntry();
@@ -125,6 +132,7 @@ void FontTable::NumberFonts() {
     index_of_number_[unused] = index;
     number = static_cast<std::int32_t>(unused);
   }
+
   document_.default_font = default_ < document_.fonts.size() ? document_.fonts[default_].number : default_number_;
 }
 

@@ -24,8 +24,10 @@ class FontTable {
   /// Knows the fonts of a document that was read, which is not touched and need not stay.
   void Take(const RtfDocument& read);
 
-  /// A control word of the table; the encoding becomes that of the font's name.
-  void ReadWord(const ControlWord& word, std::int32_t value, TextEncoding& encoding);
+  /// A control word of the table, `raw` as it stands in the file; the encoding becomes that of the font's name.
+  void ReadWord(const ControlWord& word, std::int32_t value, std::string_view raw, TextEncoding& encoding);
+  /// A word or group that the font's entry keeps as it stands in the file.
+  void Keep(std::string_view raw);
   /// A part of the font's name, whose semicolon ends the entry.
   void ReadText(std::string_view text);
   void EndEntry();

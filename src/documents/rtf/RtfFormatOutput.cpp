@@ -39,6 +39,17 @@ constexpr std::string_view kTabs[] = {"\\tx", "\\tqr\\tx", "\\tqc\\tx", "\\tqdec
 /// By TabLeader, before the kind.
 constexpr std::string_view kLeaders[] = {"", "\\tldot", "\\tlmdot", "\\tlhyph", "\\tlul", "\\tlth", "\\tleq"};
 
+struct LengthWord {
+  std::string_view word;
+  ParagraphProperty property;
+  std::int32_t ParagraphFormat::*length;
+};
+constexpr LengthWord kLengths[] = {{"\\li", kIndentLeft, &ParagraphFormat::left},
+                                   {"\\ri", kIndentRight, &ParagraphFormat::right},
+                                   {"\\fi", kIndentFirst, &ParagraphFormat::first_line},
+                                   {"\\sb", kSpaceBefore, &ParagraphFormat::space_before},
+                                   {"\\sa", kSpaceAfter, &ParagraphFormat::space_after}};
+
 template <std::size_t count, typename Choice>
 std::string_view Pick(const std::string_view (&words)[count], Choice choice) {
   return words[std::min(static_cast<std::size_t>(choice), count - 1)];
@@ -74,7 +85,6 @@ std::string ListAffix(std::string_view word, std::string_view utf8_text) {
 
 /// A list as rich-edit controls write it.
 void AddPlainList(std::string& text, const RtfDocument& document, const ParagraphFormat& format) {
-  AddUnless(text, "\\ilvl", format.list_level, 0);
   text.append("{\\*\\pn").append(Pick(kListKinds, format.list)).append("\\pnindent0");
   if (format.list != ListKind::Bullet) {
     Add(text, "\\pnstart", format.list_start);
@@ -237,24 +247,39 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format) {
   std::string text;
   text.append(ExtraWords(document, format.extra)).append(Pick(kAlignments, format.alignment));
-  AddUnless(text, "\\li", format.left, 0);
-  AddUnless(text, "\\ri", format.right, 0);
-  AddUnless(text, "\\fi", format.first_line, 0);
-  AddUnless(text, "\\sb", format.space_before, 0);
-  AddUnless(text, "\\sa", format.space_after, 0);
-  if (format.line_spacing != 0 || format.line_multiple) {
+  if ((format.said & kAlignment) != 0) text.append("\\ql");
+  const auto is_said = [&format](ParagraphProperty property) { return (format.said & property) != 0; };
+  // Where the text runs to the left, the leading indent is that on the right.
+  const bool is_turned = is_said(kLeadingIndents) && ExtraWords(document, format.extra).find("\\rtlpar") != text.npos;
+  for (const auto& [word, property, length] : kLengths) {
+    const bool is_left = property == kIndentLeft, is_right = property == kIndentRight;
+    const std::int32_t value = !is_turned ? format.*length
+                               : is_left  ? format.right
+                               : is_right ? format.left
+                                          : format.*length;
+    if (value != 0 || is_said(property)) Add(text, word, value);
+  }
+  if (is_said(kLeadingIndents)) {
+    Add(text, "\\lin", format.left);
+    Add(text, "\\rin", format.right);
+  }
+  if (format.line_spacing != 0 || format.line_multiple || is_said(kLineSpacing)) {
     Add(text, "\\sl", format.line_spacing);
     text.append(format.line_multiple ? "\\slmult1" : "\\slmult0");
   }
-  if (format.page_break_before) text.append("\\pagebb");
+  if (format.page_break_before || is_said(kPageBreakBefore))
+    text.append(format.page_break_before ? "\\pagebb" : "\\pagebb0");
   for (const TabStop& tab : format.tabs)
     Add(text.append(Pick(kLeaders, tab.leader)), Pick(kTabs, tab.kind), tab.position);
-  if (format.list_id != 0) {
-    Add(text, "\\ls", format.list_id);
+  // What the tables say comes behind it and counts.
+  if (format.list_group != 0) text.append(ExtraWords(document, format.list_group));
+  if (format.list_id != 0 || is_said(kList)) Add(text, "\\ls", format.list_id);
+  if (format.list_id != 0)
     Add(text, "\\ilvl", format.list_level);
-  } else if (format.list != ListKind::None) {
+  else if (format.list != ListKind::None || format.list_group != 0)
+    AddUnless(text, "\\ilvl", format.list_level, 0);
+  if (format.list_group == 0 && format.list_id == 0 && format.list != ListKind::None)
     AddPlainList(text, document, format);
-  }
   return text;
 }
 
@@ -284,11 +309,16 @@ std::string CompletedDefinition(const RtfDocument& document, std::span<const std
 void WriteFont(const Font& font, RtfOutput& out) {
   out.Open();
   out.Word("\\f", font.number);
-  out.Words("\\f" + (font.family.empty() ? "nil" : font.family));
-  out.Word("\\fcharset", font.charset);
+  const bool is_made = font.words.empty() && !(font.family.empty() && font.charset == 0);
+  if (is_made) {
+    out.Words("\\f" + (font.family.empty() ? "nil" : font.family));
+    out.Word("\\fcharset", font.charset);
+  }
+  out.Kept(font.words);
   std::string name = font.name;
   std::erase(name, ';');  // ends the entry
   out.Text(name);
+  out.Kept(font.behind);
   out.Text(";");
   out.Close();
 }

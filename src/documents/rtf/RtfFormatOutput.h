@@ -32,7 +32,7 @@ std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat
 /// From \trowd to the last \cellx, made from the cells' edges.
 std::string RowControls(const RtfDocument& document, std::span<const std::uint32_t> cells);
 
-/// A row's definition as it came, with an edge for each cell that it left out: word processors drop those.
+/// A row's definition as it came, with an edge for each of the cells that it left out: word processors drop those.
 std::string CompletedDefinition(const RtfDocument& document, std::span<const std::uint32_t> cells);
 
 /// An entry of the font table.

@@ -20,12 +20,13 @@ std::size_t HashOf(const ParagraphFormat& format) {
   std::size_t hash = 0;
   for (const std::int32_t number :
        {format.left, format.right, format.first_line, format.space_before, format.space_after, format.line_spacing,
-        format.list_id, format.list_start, static_cast<std::int32_t>(format.extra)}) {
+        format.list_id, format.list_start, static_cast<std::int32_t>(format.extra),
+        static_cast<std::int32_t>(format.list_group)}) {
     hash = MixHash(hash, static_cast<std::uint32_t>(number));
   }
   hash = MixHash(hash, static_cast<std::uint64_t>(format.alignment) | static_cast<std::uint64_t>(format.list) << 8 |
                            std::uint64_t{format.list_level} << 16 | std::uint64_t{format.line_multiple} << 24 |
-                           std::uint64_t{format.page_break_before} << 25);
+                           std::uint64_t{format.page_break_before} << 25 | std::uint64_t{format.said} << 32);
   for (const TabStop& tab : format.tabs) {
     hash = MixHash(hash, static_cast<std::uint32_t>(tab.position) | static_cast<std::uint64_t>(tab.kind) << 32 |
                              static_cast<std::uint64_t>(tab.leader) << 40);

@@ -118,17 +118,6 @@ void ReadLegacyNumbering(std::string_view group, const FontTable& fonts, Paragra
     format.list_text = is_bullet ? before : before + static_cast<char>(format.list_level) + after;
 }
 
-ListKind ListKindOfText(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\n(");
-  if (first == std::string_view::npos) return ListKind::None;
-  const char c = text[first];
-  const bool is_short = text.find_first_of(").", first) == first + 1;
-  if (c >= '0' && c <= '9') return ListKind::Decimal;
-  if (c >= 'a' && c <= 'z' && is_short) return ListKind::LowerLetter;
-  if (c >= 'A' && c <= 'Z' && is_short) return ListKind::UpperLetter;
-  return ListKind::Bullet;
-}
-
 bool ListTables::ReadLists(std::string_view group, const FontTable* fonts) {
   return ReadTable(group, {.entry = "list", .level = "listlevel", .number = "listid"}, fonts, lists_);
 }

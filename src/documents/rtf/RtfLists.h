@@ -27,9 +27,6 @@ struct ListStyle {
 /// Makes a paragraph's format that of the list which a \pn group describes.
 void ReadLegacyNumbering(std::string_view group, const FontTable& fonts, ParagraphFormat& format);
 
-/// What kind of list the number or bullet before a paragraph (\pntext, \listtext) speaks of.
-ListKind ListKindOfText(std::string_view text);
-
 /// The lists of a file: \ls names an override, which names a list.
 class ListTables {
  public:

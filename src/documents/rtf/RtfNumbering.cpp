@@ -117,7 +117,10 @@ std::string RtfNumbering::Next(const ParagraphFormat& format) {
   const ListStyle& style = StyleOf(format, level);
   Counter& counter = levels[level];
   const bool begins = style.has_own_start && begun_.emplace(format.list_id, level).second;
-  if (begins || counter.kind != format.list) counter = {format.list, std::int64_t{format.list_start} - 1};
+  // Without the file's tables another beginning is another list.
+  const bool is_other = format.list_id == 0 && counter.start != format.list_start;
+  if (begins || is_other || counter.kind != format.list)
+    counter = {format.list, std::int64_t{format.list_start} - 1, format.list_start};
   ++counter.last;
   if (format.list_text.empty())
     return format.list == ListKind::Bullet ? "\u2022" : ListNumber(format.list, counter.last) + ".";

@@ -27,6 +27,7 @@ class RtfNumbering {
   struct Counter {
     ListKind kind = ListKind::None;
     std::int64_t last = 0;
+    std::int32_t start = 1;
   };
   using Levels = std::array<Counter, kLevels>;
   Levels& LevelsOf(const ParagraphFormat& format);

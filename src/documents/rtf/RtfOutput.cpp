@@ -173,6 +173,7 @@ void RtfOutput::Byte(unsigned byte) {
 void RtfOutput::Kept(std::string_view groups) {
   if (groups.empty()) return;
   Delimit(groups.front());
+  after_word_ = groups.back() != '}';
   for (; !groups.empty(); groups.remove_prefix(std::min(groups.size(), PartBuffer::kPartBytes))) {
     out_.Append(groups.substr(0, PartBuffer::kPartBytes));
     EndPiece();

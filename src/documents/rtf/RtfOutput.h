@@ -34,7 +34,7 @@ class RtfOutput {
   void SetUnicodeSkip(std::size_t bytes) { unicode_skip_ = bytes; }
   /// UTF-8, escaped; invalid bytes as U+FFFD.
   void Text(std::string_view text, Alphabet alphabet = Alphabet::Unicode);
-  /// Whole groups as they came.
+  /// Whole groups and control words as they came.
   void Kept(std::string_view groups);
   void Hex(std::string_view bytes);
 

@@ -5,12 +5,6 @@
 #include "base/Utf8.h"
 
 namespace tme::rtf {
-namespace {
-
-constexpr std::string_view kPageBreak = "\f";
-
-}  // namespace
-
 Parser::Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode, RtfSource* source)
     : document_(document),
       tokens_(bytes),
@@ -33,6 +27,8 @@ void Parser::Read() {
   Top().destination = Destination::Body;  // the file may have ended inside a table of fonts
   StartBody();
   if (builder_.HasVisiblePending() || document_.paragraphs.empty()) EndParagraph(Paragraph().TableLevel());
+  // Behind the last break there is no page.
+  if (document_.SectionBreakOf(document_.paragraphs.size() - 1) != nullptr) SetSectionStart(false);
   document_.document_controls = document_controls_.Joined();
   document_.ansi_code_page = fonts_.AnsiPage();
   fonts_.NumberFonts();
@@ -158,7 +154,6 @@ void Parser::Text(std::string_view text, const TextDecoder::Place& place) {
   switch (Top().destination) {
     case Destination::Body:
       StartBody();
-      if (is_section_pending_) BreakSection();
       NotePiece(place.is_plain  ? RtfSource::Kind::Plain
                 : place.end > 0 ? RtfSource::Kind::Coded
                                 : RtfSource::Kind::Fixed,
@@ -258,27 +253,20 @@ void Parser::StartBody() {
   builder_.Intern(ParagraphFormat{});
 }
 
-void Parser::BreakSection() {
-  is_section_pending_ = false;
-  if (!section_begins_page_) return;
-  NotePiece(RtfSource::Kind::Fixed, 0, 0);
-  builder_.AddText(kPageBreak, CharacterId());
-}
-
 void Parser::EndParagraph(int table_level, RtfSource::MarkKind kind) {
   if (!IsBody()) return;
   const std::size_t before = document_.paragraphs.size();
   StartBody();
-  if (is_section_pending_) BreakSection();
   const ParagraphFormat& format = Paragraph().format;
-  if (format.list == ListKind::None && list_of_text_ != ListKind::None) {
+  if (text_of_list_.empty() || format.list != ListKind::None) lists_of_text_.End();
+  if (format.list == ListKind::None && !text_of_list_.empty()) {
     ParagraphFormat listed = format;
-    listed.list = list_of_text_;
+    lists_of_text_.Join(text_of_list_, listed);
     builder_.EndParagraph(listed, CharacterId(), table_level);
   } else {
     builder_.EndParagraph(format, CharacterId(), table_level);
   }
-  list_of_text_ = ListKind::None;
+  text_of_list_.clear();
   NoteMark(before, kind);
 }
 

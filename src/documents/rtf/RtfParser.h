@@ -13,6 +13,7 @@
 #include "documents/rtf/RtfDocumentControls.h"
 #include "documents/rtf/RtfFontTable.h"
 #include "documents/rtf/RtfLabel.h"
+#include "documents/rtf/RtfListTexts.h"
 #include "documents/rtf/RtfLists.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfSource.h"
@@ -88,7 +89,6 @@ class Parser : private TextDecoder::Sink {
   void NoteKeptTable(HeaderTable table);
   void NoteLabel();
   void StartBody();
-  void BreakSection();
   void EndParagraph(int table_level, RtfSource::MarkKind kind = RtfSource::MarkKind::Fixed);
   State& Top() { return states_.back(); }
   bool IsBody() { return Top().destination == Destination::Body; }
@@ -119,7 +119,6 @@ class Parser : private TextDecoder::Sink {
   void ReadParagraphWord(const ControlWord& word);
   void ReadBorderWord(const ControlWord& word);
   void ReadRowWord(const ControlWord& word);
-  void ReadFileWord(const ControlWord& word);
   void ReadUnknownWord(const ControlWord& word);
   void AddRowWord(const ControlWord& word);
   /// `level`: how many tables stand around the cell or row.
@@ -129,6 +128,12 @@ class Parser : private TextDecoder::Sink {
   void KeepWithParagraph(Extra how);
   std::string_view RawWord() const;
 
+  // RtfParserSections.cpp: words of the document and its sections.
+  void ReadFileWord(const ControlWord& word);
+  void KeepWithSection(std::string_view words);
+  void BreakSection();
+  void SetSectionStart(bool begins_page);
+
   // RtfParserGroups.cpp: control words that say what their group is.
   void ReadDeepWord(const ControlWord& word);
   void ReadGroupWord(const ControlWord& word);
@@ -136,6 +141,7 @@ class Parser : private TextDecoder::Sink {
   void ReadUnknownGroup();
   std::string TakeGroup();
   void SkipGroup();
+  void PassGroup();
   void LeaveGroup();
   std::string LabelOfGroup(std::string_view group, LabelText which);
   void AddObject(Object&& object);
@@ -170,16 +176,17 @@ class Parser : private TextDecoder::Sink {
   std::size_t effects_ = 0;                      ///< grows with what a group does beyond its own end
   std::size_t character_border_end_ = kUnknown;  ///< where the last word about it ends
   std::uint16_t said_properties_ = 0;            ///< of CharFormat::said: those that count
-  ListKind list_of_text_ = ListKind::None;       ///< of the paragraph's \pntext or \listtext
+  std::string text_of_list_;                     ///< what the paragraph's \pntext or \listtext says
+  ListTexts lists_of_text_;
 
   std::size_t too_deep_ = 0;            ///< how many groups over the limit are open
   bool is_closed_ = false;              ///< the last brace came
   std::size_t root_end_ = 0;            ///< where that stands
   std::size_t text_behind_braces_ = 0;  ///< where more text is known to stand
   bool is_body_ = false;                ///< the text has begun
-  bool is_section_pending_ = false;
+  std::uint32_t section_ = 0;  ///< the break before it: index into RtfDocument::objects plus 1; 0 for the first one
   bool section_begins_page_ = true;
-  bool is_first_section_ = true;
+  bool is_page_border_ = false;  ///< border words are about one
 };
 
 }  // namespace tme::rtf

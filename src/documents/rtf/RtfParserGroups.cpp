@@ -27,6 +27,14 @@ void Parser::SkipGroup() {
   LeaveGroup();
 }
 
+/// A group that is no text; an entry of a font keeps its own.
+void Parser::PassGroup() {
+  const std::string_view before = tokens_.Bytes().substr(Top().begin, word_begin_ - Top().begin);
+  const bool is_own = too_deep_ == 0 && before.find_first_not_of("{\r\n") == std::string_view::npos;
+  if (Top().destination != Destination::FontTable || !is_own) return SkipGroup();
+  fonts_.Keep(TakeGroup());
+}
+
 void Parser::LeaveGroup() {
   if (too_deep_ > 0) {
     --too_deep_;
@@ -44,7 +52,7 @@ std::string Parser::LabelOfGroup(std::string_view group, LabelText which) {
 void Parser::ReadUnknownGroup() {
   if (states_.size() <= 2) return;
   if (!IsBody()) {
-    SkipGroup();
+    PassGroup();
   } else if (is_body_) {
     KeepInvisible(TakeGroup());
   } else {
@@ -75,7 +83,7 @@ void Parser::ReadDeepWord(const ControlWord& word) {
 void Parser::ReadGroupWord(const ControlWord& word) {
   switch (word.control) {
     case Control::SkippedGroup:
-      return SkipGroup();
+      return PassGroup();
     case Control::TransparentGroup:
       return;
     case Control::TwoForms:
@@ -86,7 +94,7 @@ void Parser::ReadGroupWord(const ControlWord& word) {
       if (Top().destination == Destination::Nowhere) Top().destination = Top().outer_destination;
       return;
     default:
-      return IsBody() ? ReadBodyGroup(word) : SkipGroup();
+      return IsBody() ? ReadBodyGroup(word) : PassGroup();
   }
 }
 
@@ -107,15 +115,17 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     case Control::ListTable:
       return ReadLists(word);
     case Control::SectionGroup:
-      if (!is_first_section_) return KeepInvisible(TakeGroup());
+      if (section_ > 0) return KeepWithSection(TakeGroup());
       document_.kept_section += TakeGroup();
       return;
     case Control::LegacyNumbering: {
       const std::string group = TakeGroup();
-      return ReadLegacyNumbering(group, fonts_, OwnParagraph().format);
+      ParagraphFormat& format = OwnParagraph().format;
+      format.list_group = builder_.AddGroup(group);
+      return ReadLegacyNumbering(group, fonts_, format);
     }
     case Control::ListText:
-      list_of_text_ = ListKindOfText(LabelOfGroup(TakeGroup(), LabelText::All));
+      text_of_list_ = LabelOfGroup(TakeGroup(), LabelText::All);
       return NoteLabel();
     case Control::Field:
       return BeginField();
@@ -152,7 +162,6 @@ void Parser::ReadLists(const ControlWord& word) {
 void Parser::AddObject(Object&& object) {
   if (!IsBody()) return;
   StartBody();
-  if (is_section_pending_ && object.kind != ObjectKind::Invisible) BreakSection();
   Top().has_only_words = false;
   const std::size_t begin = std::exchange(object_begin_, kUnknown);
   NotePiece(begin == kUnknown ? RtfSource::Kind::Fixed : RtfSource::Kind::Object, begin == kUnknown ? 0 : begin,

@@ -9,11 +9,22 @@ namespace {
 constexpr std::int32_t kMaxListLevel = 8;
 constexpr std::size_t kMaxTabs = 64;
 
-/// Words that set a length to their number.
-constexpr std::pair<Control, std::int32_t ParagraphFormat::*> kLengths[] = {
-    {Control::IndentLeft, &ParagraphFormat::left},        {Control::IndentRight, &ParagraphFormat::right},
-    {Control::IndentFirst, &ParagraphFormat::first_line}, {Control::SpaceBefore, &ParagraphFormat::space_before},
-    {Control::SpaceAfter, &ParagraphFormat::space_after}, {Control::LineSpacing, &ParagraphFormat::line_spacing}};
+/// Words that set a property, and the length that becomes their number.
+struct PropertyWord {
+  Control control;
+  ParagraphProperty property;
+  std::int32_t ParagraphFormat::*length;
+};
+constexpr PropertyWord kProperties[] = {{Control::IndentLeft, kIndentLeft, &ParagraphFormat::left},
+                                        {Control::IndentRight, kIndentRight, &ParagraphFormat::right},
+                                        {Control::IndentFirst, kIndentFirst, &ParagraphFormat::first_line},
+                                        {Control::SpaceBefore, kSpaceBefore, &ParagraphFormat::space_before},
+                                        {Control::SpaceAfter, kSpaceAfter, &ParagraphFormat::space_after},
+                                        {Control::LineSpacing, kLineSpacing, &ParagraphFormat::line_spacing},
+                                        {Control::LineMultiple, kLineSpacing, nullptr},
+                                        {Control::Aligned, kAlignment, nullptr},
+                                        {Control::PageBreakBefore, kPageBreakBefore, nullptr},
+                                        {Control::ListOverride, kList, nullptr}};
 
 void AddTab(std::int32_t position, TabKind kind, ParagraphState& paragraph, Losses& losses) {
   if (paragraph.format.tabs.size() < kMaxTabs) {
@@ -25,9 +36,11 @@ void AddTab(std::int32_t position, TabKind kind, ParagraphState& paragraph, Loss
   paragraph.next_leader = TabLeader::None;
 }
 
-void FindList(const ListTables& lists, ParagraphFormat& format) {
-  if (format.list_id == 0) return;
+void FindList(const ListTables& lists, ParagraphFormat& format, std::int32_t list_id) {
+  format.list_id = list_id;
   const ListStyle& style = lists.Find(format.list_id, format.list_level);
+  // One that no table knows is what its own words say.
+  if (list_id != 0 && style.kind == ListKind::None && format.list_group != 0) return;
   format.list = style.kind;
   format.list_start = style.start;
   format.list_text = style.text;
@@ -39,9 +52,6 @@ void ApplyParagraphWord(const ControlWord& word, const Token& token, const ListT
                         Losses& losses) {
   ParagraphFormat& format = paragraph.format;
   const std::int32_t value = token.value;
-  for (const auto& [control, length] : kLengths) {
-    if (control == word.control) format.*length = value;
-  }
   switch (word.control) {
     case Control::Aligned:
       format.alignment = static_cast<Alignment>(word.value);
@@ -61,11 +71,13 @@ void ApplyParagraphWord(const ControlWord& word, const Token& token, const ListT
       format.page_break_before = token.IsOn();
       return;
     case Control::ListOverride:
-      format.list_id = value;
-      return FindList(lists, format);
+      // Without tables the list is that of its own words.
+      if (value != 0 || format.list_id != 0) FindList(lists, format, value);
+      return;
     case Control::ListLevel:
       format.list_level = static_cast<std::uint8_t>(std::clamp(value, 0, kMaxListLevel));
-      return FindList(lists, format);
+      if (format.list_id != 0) FindList(lists, format, format.list_id);
+      return;
     case Control::InTable:
       paragraph.is_in_table = token.IsOn();
       return;
@@ -75,6 +87,18 @@ void ApplyParagraphWord(const ControlWord& word, const Token& token, const ListT
       return;
     default:
       return;
+  }
+}
+
+/// A word about a property has come.
+void NoteProperty(const ControlWord& word, std::int32_t value, ParagraphFormat& format) {
+  for (const PropertyWord& it : kProperties) {
+    if (it.control != word.control) continue;
+    if (it.length != nullptr) format.*it.length = value;
+    const bool is_indent = it.property == kIndentLeft || it.property == kIndentRight;
+    const int said = it.property | (is_indent && word.value != 0 ? kLeadingIndents : 0);
+    format.said = static_cast<std::uint16_t>((format.said | said) & DefaultsOf(format));
+    return;
   }
 }
 
@@ -107,7 +131,7 @@ void Parser::ReadWord(const ControlWord& word) {
     if (states_.size() > 2) ReadGroupWord(word);
   } else if (destination == Destination::FontTable || destination == Destination::ColorTable) {
     if (word.control_class == ControlClass::Text) return ReadTextWord(word);
-    if (destination == Destination::FontTable) return fonts_.ReadWord(word, token_.value, Top().encoding);
+    if (destination == Destination::FontTable) return fonts_.ReadWord(word, token_.value, RawWord(), Top().encoding);
     colors_.ReadWord(word, token_.value);
   } else {
     ReadBodyWord(word);
@@ -115,6 +139,7 @@ void Parser::ReadWord(const ControlWord& word) {
 }
 
 void Parser::ReadBodyWord(const ControlWord& word) {
+  is_page_border_ = is_page_border_ && word.control_class == ControlClass::Border;
   switch (word.control_class) {
     case ControlClass::CharacterFormat:
       return ReadCharacterWord(word);
@@ -150,10 +175,7 @@ void Parser::ReadTextWord(const ControlWord& word) {
       Top().has_only_words = false;
       return;
     case Control::Section:
-      if (!IsBody()) return;
-      if (builder_.HasVisiblePending()) EndParagraph(Paragraph().TableLevel());
-      is_section_pending_ = true;
-      is_first_section_ = false;
+      if (IsBody()) BreakSection();
       return;
     case Control::InvisibleMark:
       object_begin_ = token_.begin;
@@ -184,11 +206,13 @@ void Parser::ReadParagraphWord(const ControlWord& word) {
     case Control::ParagraphWord:
       return KeepWithParagraph(Extra::Replace);
     default:
-      return ApplyParagraphWord(word, token_, lists_, paragraph, document_.losses);
+      ApplyParagraphWord(word, token_, lists_, paragraph, document_.losses);
+      return NoteProperty(word, token_.value, paragraph.format);
   }
 }
 
 void Parser::ReadBorderWord(const ControlWord& word) {
+  if (is_page_border_) return KeepWithSection(RawWord());
   if (IsOfCharacterBorder()) {
     character_border_end_ = tokens_.Position();
     return KeepWithCharacters(token_.text);
@@ -238,40 +262,15 @@ void Parser::EndRow(int level) {
     source_->marks.back().row_end = static_cast<std::uint32_t>(tokens_.Position());
 }
 
-void Parser::ReadFileWord(const ControlWord& word) {
-  switch (word.control) {
-    case Control::CodePage: {
-      const int page = word.value != 0 ? word.value : token_.value;
-      if (page <= kPrivateSymbolPage) return;
-      fonts_.SetAnsiPage(page);
-      for (State& state : states_) state.encoding.page = &fonts_.PageOf(state.character.font);
-      return;
-    }
-    case Control::DefaultFont:
-      if (is_body_) return;  // text without a font stands already
-      fonts_.SetDefaultNumber(token_.value);
-      return ApplyDefaultFont();
-    case Control::DocumentWord:
-      return document_controls_.Keep(word, RawWord());
-    case Control::SectionBreak:
-      section_begins_page_ = word.name != "sbknone" && word.name != "sbkcol";
-      break;
-    case Control::SectionReset:
-      section_begins_page_ = true;
-      break;
-    default:
-      break;
-  }
-  if (is_first_section_) {
-    document_controls_.Keep(word, RawWord());
-  } else if (word.control == Control::SectionWord && document_.losses.named.empty()) {
-    document_.losses.named.emplace_back("page layout of later sections");
-  }
-}
-
-/// Goes with the row that is being defined, else with the text, else with the document.
+/// Goes with what its name begins like: a border, the section, the row that is being defined; else with the text, else
+/// with the document.
 void Parser::ReadUnknownWord(const ControlWord& word) {
   const std::string_view name = token_.text;
+  if (name.starts_with("brdr")) return ReadBorderWord(word);
+  if (name.starts_with("pgn") || name.starts_with("sftnn") || name.starts_with("saftnn")) {
+    KeepWithSection(RawWord());
+    return NoteEffect();
+  }
   const bool is_named_as_row = name.starts_with("tr") || name.starts_with("cl") || name.starts_with("ts");
   if (rows_.IsOpen() || is_named_as_row) {
     if (rows_.IsOpen()) AddRowWord(word);

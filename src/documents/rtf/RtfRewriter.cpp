@@ -13,7 +13,6 @@ using Level = RtfHunk::Level;
 using MarkKind = RtfSource::MarkKind;
 
 constexpr std::string_view kEndOfLast = "\\par";
-constexpr char kBreakOfSection = '\f';
 
 }  // namespace
 
@@ -86,15 +85,6 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
     stretch.end = is_written ? end : mark.begin;
     for (std::size_t i = hunk.before_begin; i < last; ++i)
       if (source.marks[i].kind == MarkKind::Fixed && sides_.before_blocks.CellOf(i) < 0) return false;
-    // A page break that a section's begin stands for is not written.
-    const RtfSource::Piece* first =
-        stretch.first_piece < stretch.end_piece ? &source.pieces[stretch.first_piece] : nullptr;
-    if (first != nullptr && first->kind == RtfSource::Kind::Fixed && first->object == 0) {
-      if (part.begin == part.end || part.text >= sides_.after.text.size() ||
-          sides_.after.text[part.text] != kBreakOfSection)
-        return false;
-      part.skip = 1;
-    }
   }
   const std::string skeleton = SkeletonOf(sides_.bytes, source, stretch);
   patch_.Replace(stretch.begin, end, skeleton);

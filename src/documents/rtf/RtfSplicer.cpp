@@ -136,6 +136,12 @@ bool RtfSplicer::IsFixed(const RtfItem& item) const {
   return source_.pieces[item.piece].kind == RtfSource::Kind::Fixed;
 }
 
+/// Has no format of its own.
+bool RtfSplicer::IsSectionBreak(const RtfItem& item) const {
+  const Object* object = EntryOf(after_.objects, item.object);
+  return object != nullptr && object->kind == ObjectKind::SectionBreak;
+}
+
 bool RtfSplicer::Remove(const RtfItem& item) {
   if (IsFixed(item)) return false;
   const auto [begin, end] = RangeOf(item);
@@ -150,9 +156,11 @@ bool RtfSplicer::Keep(std::span<const RtfItem> before, std::span<const RtfItem> 
       if (!KeepMark(before[i], after[i])) return false;
       continue;
     }
+    if (IsSectionBreak(before[i])) continue;
     const auto goes_on = [&](std::size_t at) {
-      return before[at].kind != RtfItem::Kind::Mark && before[at].format == before[i].format &&
-             after[at].format == after[i].format && RangeOf(before[at]).begin == RangeOf(before[at - 1]).end;
+      return !IsSectionBreak(before[at]) && before[at].kind != RtfItem::Kind::Mark &&
+             before[at].format == before[i].format && after[at].format == after[i].format &&
+             RangeOf(before[at]).begin == RangeOf(before[at - 1]).end;
     };
     while (end < before.size() && goes_on(end)) ++end;
     if (before[i].format != after[i].format && !Wrap(before.subspan(i, end - i), after[i].format)) return false;

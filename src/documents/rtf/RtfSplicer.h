@@ -50,6 +50,7 @@ class RtfSplicer {
   bool EndsBefore(std::size_t piece, const RtfItem& item) const;
   Range RangeOf(const RtfItem& item) const;
   bool IsFixed(const RtfItem& item) const;
+  bool IsSectionBreak(const RtfItem& item) const;
 
   bool Remove(const RtfItem& item);
   bool Keep(std::span<const RtfItem> before, std::span<const RtfItem> after);

@@ -32,13 +32,18 @@ bool RowDefinitions::Add(const ControlWord& word, std::int32_t value, std::strin
   row.words += raw;
   if (word.control == Control::VerticalMerge) row.next.vertical_merge = static_cast<std::uint8_t>(word.value);
   if (word.control == Control::HorizontalMerge) row.next.horizontal_merge = static_cast<std::uint8_t>(word.value);
-  if (word.control != Control::CellEdge) return true;
+  if (word.control != Control::CellEdge) {
+    row.is_in_cell = row.is_in_cell || raw.starts_with("\\cl");
+    if (!row.is_in_cell && !row.cells.empty()) row.kept_words = row.words.size();
+    return true;
+  }
   const bool has_room = row.cells.size() < kMaxRowCells;
   if (has_room) {
     row.next.right_edge = value;
     row.cells.push_back(row.next);
-    row.words_to_last_edge = row.words.size();
+    row.kept_words = row.words.size();
   }
+  row.is_in_cell = !has_room;
   row.next = {};
   return has_room;
 }
@@ -100,9 +105,9 @@ void TableBuilder::EndRow(int level, RowDefinition& definition) {
   if (open.row < 0) return;
   Row& row = document_.rows[static_cast<std::size_t>(open.row)];
   // A definition serves all rows up to the next; repeated without an end, it could outgrow the file.
-  if (definition.was_used) repeated_bytes_ += definition.words_to_last_edge;
+  if (definition.was_used) repeated_bytes_ += definition.kept_words;
   if (repeated_bytes_ < input_bytes_ + kSmallInput) {
-    row.definition = definition.words.substr(0, definition.words_to_last_edge);
+    row.definition = definition.words.substr(0, definition.kept_words);
   }
   definition.was_used = true;
   ApplyDefinition(open, definition);

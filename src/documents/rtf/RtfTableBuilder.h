@@ -15,7 +15,7 @@ namespace tme::rtf {
 inline constexpr std::size_t kSmallInput = std::size_t{64} << 10;
 inline constexpr std::size_t kBytesPerObject = 32;
 
-/// The definition of a table row, between \trowd and its last \cellx.
+/// The definition of a table row: what follows \trowd but for cells without a \cellx.
 struct RowDefinition {
   struct CellPart {
     std::int32_t right_edge = 0;
@@ -23,7 +23,8 @@ struct RowDefinition {
     std::uint8_t horizontal_merge = 0;  ///< the same
   };
   std::string words;
-  std::size_t words_to_last_edge = 0;
+  std::size_t kept_words = 0;  ///< how much of them is about the row or its cells
+  bool is_in_cell = false;     ///< words of another cell have come
   std::vector<CellPart> cells;
   CellPart next;
   bool was_used = false;

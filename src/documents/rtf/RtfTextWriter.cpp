@@ -57,6 +57,11 @@ bool PlainWriter::Write() {
         out_.Append("[").Append(object->label).Append("]");
       }
     }
+    if (const rtf::Object* section = document_.SectionBreakOf(i)) {
+      if (document_.EndOfRuns(i) > document_.paragraphs[i].first_run + 1) out_.Append(kLineEnd);
+      if (section->label == kPageBreakLabel) out_.Append("\f");
+      continue;
+    }
     const bool ended_cell = walk_.Leave(is_last ? nullptr : &document_.paragraphs[i + 1]);
     if (!ended_cell && !is_last) out_.Append(kLineEnd);
     if (!out_.EndPiece()) return false;

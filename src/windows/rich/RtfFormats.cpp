@@ -259,6 +259,7 @@ void RtfFormats::SayChanges(const rtf::CharFormat& before, rtf::CharFormat& form
 std::uint32_t RtfFormats::Read(const QTextBlockFormat& shown, const QTextList* list) {
   const auto number = static_cast<std::size_t>(std::max(shown.intProperty(kParagraphFormat), 1)) - 1;
   rtf::ParagraphFormat format = store_.Document().paragraph_formats[number];
+  const std::uint16_t defaults = rtf::DefaultsOf(format);
   QTextBlockFormat was = ShowParagraphFormat(static_cast<std::uint32_t>(number));
   const int piece = shown.intProperty(kPiece);
   if (piece > 0) ShowAsPiece(was, piece);
@@ -279,10 +280,13 @@ std::uint32_t RtfFormats::Read(const QTextBlockFormat& shown, const QTextList* l
     format.list_level = list ? static_cast<std::uint8_t>(list->format().intProperty(kListLevel)) : std::uint8_t{0};
     format.list_start = 1;
     format.list_text.clear();
+    format.list_group = 0;
     // As far to the left as the marker stands.
     format.first_line = format.list == ListKind::None ? 0 : -std::min(format.left, kLeastListIndent);
   }
   if (const int extra = shown.intProperty(kExtraWords); extra > 0) format.extra = static_cast<std::uint32_t>(extra);
+  // What was set back to its default is said, or a style would come through.
+  format.said = static_cast<std::uint16_t>((format.said | ~defaults) & rtf::DefaultsOf(format));
   return store_.Add(format);
 }
 

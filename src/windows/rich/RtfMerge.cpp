@@ -98,6 +98,7 @@ rtf::RtfDocument MergeRtf(rtf::RtfDocument&& source, RtfStore& store) {
   }
   for (rtf::ParagraphFormat format : source.paragraph_formats) {
     format.list_id = join.ListNumber(format.list_id);
+    format.list_group = extras.NumberOf(format.list_group);
     format.extra = extras.NumberOf(format.extra);
     paragraph_numbers.push_back(formats.Add(format));
   }

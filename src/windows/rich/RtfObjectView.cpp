@@ -12,6 +12,7 @@
 #include "files/CodePage.h"
 #include "system/Twips.h"
 #include "windows/rich/RtfPartText.h"
+#include "windows/rich/RtfTraceTexts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -49,6 +50,11 @@ QFont LabelFont(const QTextDocument& document) {
   return font;
 }
 
+/// Drawn as a line.
+bool IsBreak(const QTextFormat& format) {
+  return format.intProperty(kObject) == kPageBreak || format.intProperty(kSectionBreak) != 0;
+}
+
 }  // namespace
 
 void RtfObjectView::Reset(const RtfStore& store) {
@@ -84,7 +90,9 @@ QSize RtfObjectView::PictureSize(int number, const rtf::Object& object) const {
 
 QString RtfObjectView::LabelOf(const QTextFormat& format) const {
   if (format.objectType() != kRtfObjectType) return {};
-  if (format.intProperty(kObject) == kPageBreak) return tr("Page break");
+  const auto section = static_cast<RtfSectionBreak>(format.intProperty(kSectionBreak));
+  if (section == RtfSectionBreak::SamePage) return tr("Section break");
+  if (section == RtfSectionBreak::Page || format.intProperty(kObject) == kPageBreak) return tr("Page break");
   const rtf::Object* object = ObjectOf(format);
   if (!object) return tr("Object");
   if (object->kind == rtf::ObjectKind::Picture)
@@ -109,6 +117,10 @@ QString RtfObjectView::TipOf(const QTextFormat& format) const {
   const QString label = LabelOf(format);
   const rtf::Object* object = ObjectOf(format);
   if (!object || format.objectType() != kRtfObjectType) return label;
+  if (object->kind == rtf::ObjectKind::SectionBreak) {
+    const QString section = RtfTraceTexts(*store_).OfGroups(object->rtf);
+    return section.isEmpty() ? label : label + u'\n' + section;
+  }
   const bool is_note = object->rtf.starts_with("{\\footnote");
   const bool is_endnote = is_note && object->rtf.find("\\ftnalt") != std::string::npos;
   const bool is_formula = object->rtf.starts_with("{\\*\\moMath");
@@ -132,7 +144,7 @@ QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFor
   const QFontMetricsF metrics(LabelFont(*document));
   const double em = metrics.height();
   QSizeF size(std::min(metrics.horizontalAdvance(label), em * kMaxLabelEms) + em, em * 1.3);
-  if (format.intProperty(kObject) == kPageBreak) size = {em * kPageBreakEms, em * 1.2};
+  if (IsBreak(format)) size = {em * kPageBreakEms, em * 1.2};
   return *label_sizes_.insert(label, size);
 }
 
@@ -166,8 +178,8 @@ void RtfObjectView::drawObject(QPainter* painter, const QRectF& rect, QTextDocum
   QFont font = LabelFont(*document);
   painter->setFont(font);
   const QColor grey(0x7b, 0x87, 0x94);
-  painter->setPen(QPen(grey, 1, format.intProperty(kObject) == kPageBreak ? Qt::DashLine : Qt::SolidLine));
-  if (format.intProperty(kObject) == kPageBreak) {
+  painter->setPen(QPen(grey, 1, IsBreak(format) ? Qt::DashLine : Qt::SolidLine));
+  if (IsBreak(format)) {
     const double middle = rect.center().y();
     painter->drawLine(QPointF(rect.left(), middle), QPointF(rect.right(), middle));
     const double width = QFontMetricsF(font).horizontalAdvance(label) * 1.2;

@@ -39,10 +39,15 @@ void BreakPages(QTextDocument& text) {
   on_new_page.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
   QTextCursor cursor(&text);
   while (!(cursor = text.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull()) {
-    if (cursor.charFormat().intProperty(kObject) != kPageBreak) continue;
+    const auto section = static_cast<RtfSectionBreak>(cursor.charFormat().intProperty(kSectionBreak));
+    if (cursor.charFormat().intProperty(kObject) != kPageBreak && section == RtfSectionBreak::None) continue;
     cursor.removeSelectedText();
-    if (cursor.currentTable()) continue;
-    if (!cursor.atBlockStart()) cursor.insertBlock();
+    if (cursor.currentTable() || section == RtfSectionBreak::SamePage) continue;
+    // A section's break ends its paragraph.
+    if (section == RtfSectionBreak::Page && cursor.atBlockEnd())
+      cursor.movePosition(QTextCursor::NextBlock);
+    else if (!cursor.atBlockStart())
+      cursor.insertBlock();
     cursor.mergeBlockFormat(on_new_page);
   }
 }

@@ -138,6 +138,12 @@ void RtfRunInserter::InsertObject(int object, QTextCharFormat format) {
   TakeRoomForRun();
   format.setObjectType(kRtfObjectType);
   format.setProperty(kObject, object);
+  const auto index = static_cast<std::size_t>(object) - 1;
+  if (object > 0 && store_.document.objects[index].kind == rtf::ObjectKind::SectionBreak) {
+    const bool begins_page = store_.document.objects[index].label == rtf::kPageBreakLabel;
+    format.setProperty(kSectionBreak,
+                       static_cast<int>(begins_page ? RtfSectionBreak::Page : RtfSectionBreak::SamePage));
+  }
   cursor_.insertText(QString(QChar::ObjectReplacementCharacter), format);
 }
 

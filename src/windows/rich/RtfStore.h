@@ -25,7 +25,9 @@ enum RtfProperty : int {
   kListLevel,      ///< of the format of a list that no file has made, itself: 0 to 8
   kListNumber,     ///< of the same, itself: its \ls
   kExtraWords,     ///< of block formats that no file has made: rtf::ParagraphFormat::extra, itself
+  kSectionBreak,   ///< of the char format of one: whether a page begins, as RtfSectionBreak
 };
+enum class RtfSectionBreak : int { None, Page, SamePage };
 inline constexpr int kPageBreak = -1;
 /// Type of the one kind of inline object: pictures, placeholders and page breaks.
 inline constexpr int kRtfObjectType = QTextFormat::UserObject + 1;

@@ -196,11 +196,6 @@ void form_RTF::AddLossNotice(const rtf::Losses& losses) {
     AddNotice(tr("Tables are nested more than %1 deep. Once the text is edited, saving moves what is deeper into the "
                  "innermost of these.")
                   .arg(rtf::kMaxTableLevel));
-  QStringList named;
-  for (const std::string& name : losses.named) named.append(QString::fromStdString(name));
-  if (!named.isEmpty())
-    AddNotice(tr("Once the text is edited, saving does not keep: %1. Use Save As to keep the original file.")
-                  .arg(named.join(u", "_s)));
 }
 
 void form_RTF::AddSimplifiedNotice(const RtfSimplified& simplified) {
