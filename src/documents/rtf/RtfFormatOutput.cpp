@@ -121,8 +121,10 @@ bool LeadsTo(const RtfDocument& document, const CharFormat& plain, const CharFor
   // Nothing takes kept control words back one by one, and nothing but \plain names a font that is in no table.
   const auto is_known = [&](std::uint32_t font) { return font < document.fonts.size(); };
   if (is_known(from.font) && !is_known(to.font) && !is_known(plain.font)) return false;
-  const auto said = static_cast<unsigned>(plain.said & (from.said | ~DefaultsOf(from, plain)));
-  if ((said & DefaultsOf(to, plain) & ~unsigned{to.said}) != 0) return false;
+  if (plain.said != 0) {
+    const auto said = static_cast<unsigned>(plain.said & (from.said | ~DefaultsOf(from, plain)));
+    if ((said & DefaultsOf(to, plain) & ~unsigned{to.said}) != 0) return false;
+  }
   // The font of a class of text stays with it when text of another one gets its own.
   const bool has_font = from.font_class != FontClass::Low || from.font != plain.font || (from.said & kFont) != 0;
   if (from.font_class != to.font_class && has_font && !NameFontOf(ExtraWords(document, to.extra), from.font_class))
