@@ -280,5 +280,12 @@ TEST(RtfOriginal, AnEditStaysInItsParagraph) {
   }
 }
 
+// Two numbers that change places, or change alike, are another look.
+TEST(RtfOriginal, AnotherLookOfAParagraphAndItsEndIsSeen) {
+  constexpr std::string_view kBody = "\\par\\qc\\b\\par}";
+  const auto look = [](RtfDocument& it) { it.paragraphs[0].format = it.paragraphs[0].mark_format = 1; };
+  EXPECT_NE(Edited(kBody, look), kBody);
+}
+
 }  // namespace
 }  // namespace tme::rtf

@@ -17,7 +17,8 @@ namespace {
 /// What a paragraph says, as a number; the numbers of formats and objects count.
 std::uint64_t HashOf(const RtfDocument& document, std::size_t index, std::uint32_t text, std::int32_t cell) {
   const Paragraph& paragraph = document.paragraphs[index];
-  std::size_t hash = MixHash(paragraph.format, paragraph.mark_format);
+  // Small numbers are mixed side by side: each with the other in its place is something else.
+  std::size_t hash = MixHash(1, (std::uint64_t{paragraph.format} << 32) | paragraph.mark_format);
   hash = MixHash(hash, static_cast<std::uint32_t>(cell));
   std::uint32_t size = 0, of_format = 0;
   for (std::size_t i = paragraph.first_run; i < document.EndOfRuns(index); ++i) {
