@@ -10,6 +10,7 @@
 #include "shell/LongWork.h"
 #include "shell/Settings.h"
 #include "shell/WaitCursor.h"
+#include "shell/mdform_TMEditor.h"
 #include "windows/text/TextPad.h"
 
 using namespace Qt::StringLiterals;
