@@ -1,6 +1,5 @@
 #include <QDateTime>
 #include <QLocale>
-#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -99,6 +98,22 @@ TEST_F(FormRtf, WhatIsInSightIsFoundWithoutTheRest) {
   EXPECT_FALSE(is_laid_out());
   EXPECT_EQ(FirstBlockBelow(text, TopInDocument(text.lastBlock())), text.lastBlock());
   EXPECT_TRUE(is_laid_out());
+}
+
+TEST_F(FormRtf, TallTextIsLaidOutToItsEnd) {
+  constexpr int kParagraphs = 20'000;
+  std::string body = "{\\rtf1\\ansi \\sb9000 \\pagebb ";
+  for (int i = 1; i < kParagraphs; ++i) body += "\\par ";
+  form_RTF& window = Open(body + "end}");
+  RtfPad& pad = PadOf(window);
+  QTest::keyClick(&pad, Qt::Key_End, Qt::ControlModifier);
+  QTest::keyClicks(&pad, u"x"_s);
+  EXPECT_EQ(pad.document()->lastBlock().text(), u"endx"_s);
+  const double height = TopInDocument(pad.document()->lastBlock());
+  EXPECT_GT(height, 9e6) << "more than a page without end has";
+  EXPECT_LT(height, 16e6) << "no page is broken in the view";
+  QTest::keyClick(&pad, Qt::Key_Home, Qt::ControlModifier);
+  EXPECT_TRUE(pad.viewport()->rect().contains(pad.cursorRect()));
 }
 
 TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {

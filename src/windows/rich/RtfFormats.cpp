@@ -192,7 +192,7 @@ QTextBlockFormat RtfFormats::ShowParagraphFormat(std::uint32_t number) const {
   else if (format.line_spacing)
     shown.setLineHeight(TwipsToUnits(std::abs(format.line_spacing)),
                         format.line_spacing > 0 ? QTextBlockFormat::MinimumHeight : QTextBlockFormat::FixedHeight);
-  if (format.page_break_before) shown.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+  if (format.page_break_before) shown.setProperty(kPageBreakBefore, true);
   QList<QTextOption::Tab> tabs;
   const int start = in_list ? left : left + format.first_line;
   // The indent of the other lines is a stop for the first one.

@@ -234,6 +234,7 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
 
 void RtfPad::resizeEvent(QResizeEvent* event) {
   QTextEdit::resizeEvent(event);
+  FitPage();
   // While the window was yet without its size, showing the caret has scrolled the first line away.
   if (event->oldSize().height() < 3 * cursorRect().height() && textCursor().atStart()) verticalScrollBar()->setValue(0);
 }

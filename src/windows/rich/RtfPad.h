@@ -137,6 +137,10 @@ class RtfPad : public QTextEdit, public Pad {
   QString FieldTip(const QTextCharFormat& format) const;
   /// The text of the link around a cursor, as far as its paragraph goes.
   static QString LinkText(const QTextCursor& cursor);
+  /// Of the only page of the view, as the layout takes it: below 0 for none.
+  double PageHeight() const;
+  /// After each change of the page by the edit, which knows of no tall text.
+  void FitPage();
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
   /// no longer there.
   bool LayOutTo(int position);

@@ -3,6 +3,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QTextFormat>
 #include <QTextList>
 #include <algorithm>
 #include <utility>
@@ -21,6 +22,14 @@ constexpr int kCharactersAtOnce = 100'000;
 constexpr int kBlocksAtOnce = 1'000;
 constexpr int kLeastWrapPixels = 40;
 
+// Without pages, the layout takes INT_MAX / 256 pixels for the height of its only page and never ends where one step
+// passes that. This is the most that its coordinates can hold; text that is taller still is shown wrongly.
+constexpr double kTallPage = 33'554'431;
+constexpr double kPageWithoutEnd = -1;
+constexpr double kMostOnOnePage = 8'388'607;
+// What is taken for tall, for all tables are laid out with each key on a page that has a height: generous means.
+constexpr double kParagraphPixels = 84, kCharacterPixels = 8, kPixelsPerPoint = 2;
+
 }  // namespace
 
 RtfPad::LargeEdit::LargeEdit(RtfPad& pad, std::size_t cost) {
@@ -34,6 +43,7 @@ RtfPad::LargeEdit::~LargeEdit() {
   if (!pad_) return;
   pad_->large_steps_.insert(pad_->document()->availableUndoSteps());
   pad_->document()->setLayoutEnabled(true);
+  pad_->FitPage();
   pad_->ShowFrom(place_);
 }
 
@@ -87,6 +97,7 @@ void RtfPad::SetRightMargin(int twips) {
     setLineWrapColumnOrWidth(std::max(TwipsToPixels(twips, logicalDpiX()), kLeastWrapPixels));
     setLineWrapMode(FixedPixelWidth);
   }
+  FitPage();
   ShowFrom(place);
 }
 
@@ -115,8 +126,26 @@ void RtfPad::ApplyZoom() {
     layout->setPaintDevice(&zoom_device_);
   }
   // As after a new page size: all is laid out anew, what is in sight first.
-  document()->setPageSize(document()->pageSize());
+  document()->setPageSize({document()->pageSize().width(), PageHeight()});
   viewport()->update();
+}
+
+double RtfPad::PageHeight() const {
+  double more = 0;
+  for (const QTextFormat& format : document()->allFormats()) {
+    const QTextBlockFormat block = format.toBlockFormat();
+    const bool fixed = block.lineHeightType() > QTextBlockFormat::ProportionalHeight;
+    more = std::max({more, block.topMargin() + block.bottomMargin() + (fixed ? block.lineHeight() : 0),
+                     format.doubleProperty(QTextFormat::FontPointSize) * kPixelsPerPoint});
+  }
+  const double pixels =
+      document()->blockCount() * (kParagraphPixels + more) + document()->characterCount() * kCharacterPixels;
+  return pixels * zoom_.Value() / 100 > kMostOnOnePage ? kTallPage : kPageWithoutEnd;
+}
+
+void RtfPad::FitPage() {
+  const QSizeF page(document()->pageSize().width(), PageHeight());
+  if (page != document()->pageSize()) document()->setPageSize(page);
 }
 
 void RtfPad::ZoomInPlace() {

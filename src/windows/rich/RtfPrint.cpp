@@ -3,6 +3,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
 #include <QPrinter>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextFrame>
@@ -37,6 +38,8 @@ int ControlValue(const std::string& controls, std::string_view word, int otherwi
 void BreakPages(QTextDocument& text) {
   QTextBlockFormat on_new_page;
   on_new_page.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+  for (QTextBlock block = text.begin(); block.isValid(); block = block.next())
+    if (block.blockFormat().boolProperty(kPageBreakBefore)) QTextCursor(block).mergeBlockFormat(on_new_page);
   QTextCursor cursor(&text);
   while (!(cursor = text.find(QString(QChar::ObjectReplacementCharacter), cursor)).isNull()) {
     const auto section = static_cast<RtfSectionBreak>(cursor.charFormat().intProperty(kSectionBreak));

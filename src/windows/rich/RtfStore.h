@@ -17,15 +17,16 @@ enum RtfProperty : int {
   kObject,                                      ///< of an object's char format: RtfStore::document.objects; kPageBreak
   kAttached,                                    ///< of char and block formats: RtfStore::attached
   kMarkFormat,                                  ///< of the first block of a cell, whose char format is the cell's own
-  kFiller,         ///< of a block that stands only because the view needs one beside a table
-  kTable,          ///< of table formats: RtfStore::tables
-  kFlatCell,       ///< of block formats: RtfStore::flat.cells, the cell of a table that is shown as lines
-  kLongParagraph,  ///< of block formats: one number for all blocks that show a long paragraph
-  kPiece,          ///< of these: grows from block to block
-  kListLevel,      ///< of the format of a list that no file has made, itself: 0 to 8
-  kListNumber,     ///< of the same, itself: its \ls
-  kExtraWords,     ///< of block formats that no file has made: rtf::ParagraphFormat::extra, itself
-  kSectionBreak,   ///< of the char format of one: whether a page begins, as RtfSectionBreak
+  kFiller,           ///< of a block that stands only because the view needs one beside a table
+  kTable,            ///< of table formats: RtfStore::tables
+  kFlatCell,         ///< of block formats: RtfStore::flat.cells, the cell of a table that is shown as lines
+  kLongParagraph,    ///< of block formats: one number for all blocks that show a long paragraph
+  kPiece,            ///< of these: grows from block to block
+  kListLevel,        ///< of the format of a list that no file has made, itself: 0 to 8
+  kListNumber,       ///< of the same, itself: its \ls
+  kExtraWords,       ///< of block formats that no file has made: rtf::ParagraphFormat::extra, itself
+  kSectionBreak,     ///< of the char format of one: whether a page begins, as RtfSectionBreak
+  kPageBreakBefore,  ///< of block formats: on a new page, where there are pages: the view breaks none
 };
 enum class RtfSectionBreak : int { None, Page, SamePage };
 inline constexpr int kPageBreak = -1;
