@@ -14,19 +14,22 @@ namespace {
 constexpr Option kWriteDeletionOption{
     "write-deletion", '\0', "", "registry files: leave a line that deletes the key or value where it is imported"};
 
+std::vector<IniNode*> NodesNamed(const IniTree& tree, const Arguments& arguments) {
+  std::vector<IniNode*> sections = SectionsNamed(tree, arguments.Operand(1));
+  if (arguments.OperandCount() > 2) return EntriesNamed(tree, sections, arguments.Operand(2));
+  if (sections.empty() || sections.front() != tree.Root()) return sections;
+  std::vector<IniNode*> entries;
+  for (int row = 0; row < tree.Root()->ChildCount(); ++row)
+    if (tree.Root()->Child(row)->Tag() == IniTag::Value) entries.push_back(tree.Root()->Child(row));
+  return entries;
+}
+
 Result DeleteIni(ConsoleFile& file, const Arguments& arguments) {
-  IniTree& tree = file.Ini();
-  const auto sections = SectionsNamed(tree, arguments.Operand(1));
-  const bool is_entry = arguments.OperandCount() > 2;
-  std::vector<IniNode*> nodes = is_entry ? EntriesNamed(tree, sections, arguments.Operand(2)) : sections;
-  if (!is_entry && !nodes.empty() && nodes.front() == tree.Root()) {
-    nodes.clear();
-    for (int row = 0; row < tree.Root()->ChildCount(); ++row)
-      if (tree.Root()->Child(row)->Tag() == IniTag::Value) nodes.push_back(tree.Root()->Child(row));
-  }
+  const std::vector<IniNode*> nodes = NodesNamed(file.Ini(), arguments);
   if (nodes.empty()) return Result::Other;
-  if (is_entry) std::ranges::for_each(nodes, [&file](const IniNode* node) { file.RequireOneLine(*node); });
-  tree.Remove(nodes, IniComments::Stay);
+  if (arguments.OperandCount() > 2)
+    std::ranges::for_each(nodes, [&file](const IniNode* node) { file.RequireOneLine(*node); });
+  file.Ini().Remove(nodes, IniComments::Stay);
   return Result::Done;
 }
 

@@ -34,7 +34,8 @@ double TopInDocument(const QTextBlock& block) {
   const QTextDocument& document = *block.document();
   const QTextTable* table = TableAround(document, block.position());
   const QTextTableCell at = table ? table->cellAt(block.position()) : QTextTableCell();
-  const QTextBlock first = at.isValid() ? document.findBlock(table->cellAt(at.row(), 0).firstPosition()) : block;
+  const QTextBlock first =
+      table && at.isValid() ? document.findBlock(table->cellAt(at.row(), 0).firstPosition()) : block;
   return document.documentLayout()->blockBoundingRect(first).top();
 }
 

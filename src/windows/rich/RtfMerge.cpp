@@ -61,6 +61,10 @@ rtf::RtfTableJoin::Numbers NumbersOf(const rtf::RtfDocument& source, RtfFormatSt
   return numbers;
 }
 
+std::uint32_t NumberAt(const std::vector<std::uint32_t>& numbers, std::uint32_t index) {
+  return index < numbers.size() ? numbers[index] : 0;
+}
+
 }  // namespace
 
 rtf::RtfDocument MergeRtf(rtf::RtfDocument&& source, RtfStore& store) {
@@ -102,16 +106,13 @@ rtf::RtfDocument MergeRtf(rtf::RtfDocument&& source, RtfStore& store) {
     format.extra = extras.NumberOf(format.extra);
     paragraph_numbers.push_back(formats.Add(format));
   }
-  const auto number_of = [](const std::vector<std::uint32_t>& numbers, std::uint32_t number) {
-    return number < numbers.size() ? numbers[number] : 0;
-  };
   for (rtf::Run& run : text.runs) {
-    run.format = number_of(char_numbers, run.format);
+    run.format = NumberAt(char_numbers, run.format);
     run.object = run.object ? run.object + objects : 0;
   }
   for (rtf::Paragraph& paragraph : text.paragraphs) {
-    paragraph.format = number_of(paragraph_numbers, paragraph.format);
-    paragraph.mark_format = number_of(char_numbers, paragraph.mark_format);
+    paragraph.format = NumberAt(paragraph_numbers, paragraph.format);
+    paragraph.mark_format = NumberAt(char_numbers, paragraph.mark_format);
   }
   return text;
 }
