@@ -151,6 +151,7 @@ class Parser : private TextDecoder::Sink {
   void AddNote(std::string_view what);
   void BeginField();
   void AddField();
+  void ReadHeaderGroup(const ControlWord& word);
   void ReadLists(const ControlWord& word);
   void KeepInvisible(std::string group);
   bool IsFieldTooDeep(std::uint32_t parent) const;

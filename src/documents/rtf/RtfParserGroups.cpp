@@ -107,11 +107,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       Top().destination = Destination::ColorTable;
       return;
     case Control::HeaderGroup:
-      if (word.name == "stylesheet") said_properties_ = kAllCharacterProperties;
-      document_.kept_header += TakeGroup();
-      if (word.name == "stylesheet") NoteKeptTable(HeaderTable::Styles);
-      if (word.name == "revtbl") NoteKeptTable(HeaderTable::Authors);
-      return;
+      return ReadHeaderGroup(word);
     case Control::ListTable:
       return ReadLists(word);
     case Control::SectionGroup:
@@ -149,6 +145,13 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     default:
       return KeepInvisible(TakeGroup());
   }
+}
+
+void Parser::ReadHeaderGroup(const ControlWord& word) {
+  if (word.name == "stylesheet") said_properties_ = kAllCharacterProperties;
+  document_.kept_header += TakeGroup();
+  if (word.name == "stylesheet") NoteKeptTable(HeaderTable::Styles);
+  if (word.name == "revtbl") NoteKeptTable(HeaderTable::Authors);
 }
 
 void Parser::ReadLists(const ControlWord& word) {
