@@ -1,6 +1,7 @@
 #include "windows/history/form_Compare.h"
 
 #include <QAbstractButton>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <future>
@@ -88,7 +89,7 @@ TEST_F(FormCompareTest, NobodyWaitsForAComparisonThatIsLeft) {
 TEST_F(FormCompareTest, SaysWhatCannotBeRead) {
   Start({File(u"&lt;b&gt;a.ini"_s, "[A]\n")});
   form_Compare form(global_);
-  for (const QString& path : {InFolder(u"none"_s), folder_.path()}) {
+  for (const QString& path : {InFolder(u"none"_s), QDir::toNativeSeparators(folder_.path())}) {
     CompareWith(form, path);
     EXPECT_TRUE(Said(form).starts_with(path.toStdString() + " could not be read: ")) << Said(form);
     EXPECT_EQ(Shown(form), "");
