@@ -242,7 +242,7 @@ TEST(RtfOriginal, AnEditOfALongParagraphIsPutIntoItsPlace) {
     const std::size_t at = before * kShown;
     const auto edited = [&](std::string_view old_text, std::size_t removed, std::string_view text) {
       const auto type = [&](RtfDocument& document) { Type(document, at, removed, text); };
-      const std::string result = Edited(front + std::string(old_text) + back, type);
+      const std::string result = Edited(std::string(front).append(old_text).append(back), type);
       const bool is_inside = result.starts_with(front) && result.ends_with(back);
       return is_inside ? result.substr(front.size(), result.size() - front.size() - back.size()) : "elsewhere";
     };
