@@ -9,7 +9,7 @@ namespace {
 using W = ContentsWord;
 
 // In the order of their letters.
-constexpr auto kWords = std::to_array<ContentsWordEntry>({
+constexpr auto kContentsWords = std::to_array<ContentsWordEntry>({
     {"annotation", W::Comment},
     {"ansicpg", W::CodePage},
     {"atnauthor", W::Skip},
@@ -94,15 +94,15 @@ constexpr auto kWords = std::to_array<ContentsWordEntry>({
     {"wmetafile", W::PictureKind, "Windows metafile"},
     {"xe", W::IndexEntry},
 });
-static_assert(std::ranges::is_sorted(kWords, {}, &ContentsWordEntry::name));
+static_assert(std::ranges::is_sorted(kContentsWords, {}, &ContentsWordEntry::name));
 
 constexpr ContentsWordEntry kUnlistedWord{};
 
 }  // namespace
 
 const ContentsWordEntry& FindContentsWord(std::string_view name) {
-  const auto found = std::ranges::lower_bound(kWords, name, {}, &ContentsWordEntry::name);
-  return found != kWords.end() && found->name == name ? *found : kUnlistedWord;
+  const auto found = std::ranges::lower_bound(kContentsWords, name, {}, &ContentsWordEntry::name);
+  return found != kContentsWords.end() && found->name == name ? *found : kUnlistedWord;
 }
 
 }  // namespace tme::rtf

@@ -118,7 +118,7 @@ void Parser::CloseRoot() {
   if (tokens_.Position() <= text_behind_braces_) return;
   NoteHeader();
   root_end_ = token_.begin;
-  constexpr std::string_view kNothing(" \t\r\n\0\x1A", 6);
+  constexpr std::string_view kBlanksBehind(" \t\r\n\0\x1A", 6);
   std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
   const std::size_t last_brace = rest.rfind('}');
   if (last_brace != std::string_view::npos) {
@@ -130,7 +130,7 @@ void Parser::CloseRoot() {
     }
     rest.remove_prefix(last_brace + 1);
   }
-  if (rest.find_first_not_of(kNothing) != std::string_view::npos) document_.kept_behind = rest;
+  if (rest.find_first_not_of(kBlanksBehind) != std::string_view::npos) document_.kept_behind = rest;
   tokens_.Seek(tokens_.Bytes().size());
   is_closed_ = true;
 }

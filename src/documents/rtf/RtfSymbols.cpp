@@ -40,9 +40,9 @@ SymbolFont SymbolFontOf(std::string_view name) {
 }
 
 char32_t BulletCharacter(SymbolFont font, unsigned char byte) {
-  constexpr unsigned char kSymbolBullet = 0xB7, kHyphen = '-';
+  constexpr unsigned char kBulletOfSymbols = 0xB7, kHyphen = '-';
   if (font == SymbolFont::Symbol) return SymbolCharacter(byte);
-  if (font == SymbolFont::Unknown && byte == kSymbolBullet) return kBullet;
+  if (font == SymbolFont::Unknown && byte == kBulletOfSymbols) return kBullet;
   if (font == SymbolFont::Unknown && byte == kHyphen) return byte;
   const auto known = std::ranges::lower_bound(kWingdings, byte, {}, &Sign::first);
   return known != kWingdings.end() && known->first == byte ? known->second : 0;
