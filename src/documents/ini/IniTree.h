@@ -101,7 +101,7 @@ enum class IniComments : std::uint8_t { Stay, GoAlong };
 /// lines have no node. A block of comments belongs to the line that it touches from above. An edit changes its own
 /// lines alone and is refused, with nothing changed, where what it writes would not be read as what it is meant to be:
 /// texts with line ends, entries that begin with "[", blank ones.
-class IniTree : public EditLog<IniChanges> {
+class IniTree final : public EditLog<IniChanges> {
  public:
   /// What readers fill a tree with (IniTreeLoad.h).
   class Load;

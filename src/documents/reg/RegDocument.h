@@ -65,7 +65,7 @@ enum class HeaderComments : std::uint8_t {
 /// Copying of texts, ownership and the observer are as in IniTree. 1,000,000 values in 100,000 keys are ordinary.
 /// In whole holding the lines of the file are the truth; nodes and records show them, keys are found in any letter
 /// case, and those whose lines stand in several blocks are one node.
-class RegDocument : public EditLog<RegChanges> {
+class RegDocument final : public EditLog<RegChanges> {
  public:
   /// What readers fill a document with (RegDocumentLoad.h).
   class Load;
