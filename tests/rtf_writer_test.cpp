@@ -99,9 +99,10 @@ TEST(RtfWriterTest, LooksAreWrittenAsDifferences) {
   AddRun(document, "d", {.font = 1, .background = 1, .capitals = Capitals::Small});
   AddRun(document, "\uF0FC", {.font = 1});
   AddRun(document, "e", {.script = Script::Super});
-  EXPECT_EQ(Body(document),
-            "\\pard\\fs20\\b a\\b0\\i\\ulwave\\cf1 b{\\lang1031\\fs24\\i0\\ulnone\\cf0\\sub\\striked1 c}"
-            "\\f7\\fs24\\i0\\ulnone\\cf0\\highlight1\\scaps\\u100 d\\highlight0\\scaps0\\'fc{\\f0\\super e}\\f0\\par\n");
+  EXPECT_EQ(
+      Body(document),
+      "\\pard\\fs20\\b a\\b0\\i\\ulwave\\cf1 b{\\lang1031\\fs24\\i0\\ulnone\\cf0\\sub\\striked1 c}"
+      "\\f7\\fs24\\i0\\ulnone\\cf0\\highlight1\\scaps\\u100 d\\highlight0\\scaps0\\'fc{\\f0\\super e}\\f0\\par\n");
 }
 
 TEST(RtfWriterTest, ParagraphLooks) {
