@@ -81,6 +81,18 @@ TEST_F(FormRtf, TracesOfWhatItCannotShowAreNoPartOfTheFile) {
   EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), edited.replace(edited.find("new"), 3, "newer"));
 }
 
+TEST_F(FormRtf, APageBreakHasALineAndTipsCoverAllOfAnObject) {
+  form_RTF& window = Open("{\\rtf1\\li600 up\\page low{\\object}\\par}");
+  RtfPad& pad = PadOf(window);
+  pad.setWordWrapMode(QTextOption::WordWrap);
+  const auto place = [&pad](const QString& text) { return pad.cursorRect(pad.document()->find(text)); };
+  EXPECT_GE(place(u"low"_s).top(), place(u"up"_s).bottom());
+  EXPECT_LE(pad.document()->size().width(), pad.viewport()->width()) << "a break is no wider than its line";
+  const QRect object = place(u"low"_s);
+  EXPECT_EQ(pad.TipAt(object.center() + QPoint(6, 0)), u"Embedded object"_s);
+  EXPECT_EQ(pad.TipAt(object.center() + QPoint(45, 0)), u"Embedded object"_s) << "behind its middle, too";
+}
+
 TEST_F(FormRtf, WhatIsInSightIsFoundWithoutTheRest) {
   QTextDocument text;
   QTextCursor cursor(&text);

@@ -36,6 +36,7 @@ std::string List(std::string_view bytes) {
     if (part.bytes > 0) list.append(" ").append(std::to_string(part.bytes));
     if (part.count > 1) list.append(" x").append(std::to_string(part.count));
     for (const std::string& target : part.targets) list.append(" <" + target + ">");
+    if (!part.shown.empty()) list.append(" shows ").append(part.shown);
     list.append(part.is_linked ? " linked" : "").append(part.is_updated ? " updated" : "");
     list.append(part.is_copy ? " copy" : "");
   }
@@ -59,7 +60,11 @@ TEST(RtfContents, ListsWhatAFileHoldsBesideItsText) {
       {"{\\header{\\object{\\*\\objdata " + Hex("h\0t\0t\0p\0:\0/\0/\0x\0.\0y\0/\0z\0\0\0 https://a.b/c?d"s) + "}}}",
        "object 42 <https://a.b/c?d> <http://x.y/z>"},
       {"{\\*\\template http://a/b.dotm}{\\field{\\*\\fldinst {\\b hyper}{LINK \"http://q\" \\\\l \"p\"}}{\\fldrslt x}}",
-       "template <http://a/b.dotm>; link HYPERLINK <http://q#p>"},
+       "template <http://a/b.dotm>; link HYPERLINK <http://q#p> shows x"},
+      {"{\\field{\\*\\fldinst HYPERLINK \"http://q\"}{\\fldrslt {\\b www.\\u228?.org}{\\*\\new z}{\\pict 01}\\par 2}} "
+       "no "
+       "link {\\fldrslt none}",
+       "link HYPERLINK <http://q> shows www.\xC3\xA4.org2; picture 1; unshown new 10"},
       {"{\\field{\\*\\fldinst  DDE\\'41UTO\r\n c:\\\\\\\\x \\u228?}{\\fldrslt}}{\\field{\\*\\fldinst PAGE}{\\fldrslt "
        "1}}",
        "field DDEAUTO <c:\\\\x \xC3\xA4>"},

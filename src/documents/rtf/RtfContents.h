@@ -31,6 +31,7 @@ struct Part {
   std::string name{};
   std::string declared_class{};        ///< Object: what the file says it is, where its data say something else
   std::vector<std::string> targets{};  ///< where it leads, names in it; at most kMaxTargetBytes each
+  std::string shown{};                 ///< Link: its text in the document; at most kMaxTargetBytes
   std::uint64_t bytes = 0;             ///< Object, Picture: of its data; Unshown: in the file
   std::uint32_t count = 1;             ///< Unshown
   bool is_linked = false;              ///< Object: its data stand elsewhere

@@ -7,8 +7,6 @@
 
 #include "base/Utf8.h"
 #include "documents/rtf/RtfControls.h"
-#include "documents/rtf/RtfFieldInstruction.h"
-#include "documents/rtf/RtfOleData.h"
 
 namespace tme::rtf {
 namespace {
@@ -27,13 +25,6 @@ constexpr std::array<std::uint8_t, 256> kHexDigits = [] {
     digits[static_cast<std::size_t>('a') + i - 10] = digits[static_cast<std::size_t>('A') + i - 10] = i;
   return digits;
 }();
-
-std::string Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(kBlanks) - first + 1));
-}
 
 /// A group whose name the list does not know, and that is kept without being shown.
 bool IsUnshown(std::string_view name) {
@@ -117,8 +108,12 @@ void ContentsWalk::ReadWord() {
     Top().destination = Destination::Nowhere;
     return;
   }
-  if (Top().destination == Destination::Body) return token_.text == "u" ? NoteRevision() : void();
-  if (Top().destination != Destination::Gathered) return;
+  if (Top().destination == Destination::Body) {
+    if (token_.text == "u") NoteRevision();
+    if (!IsInLink()) return;
+  } else if (Top().destination != Destination::Gathered) {
+    return;
+  }
   encoding_.unicode_skip = Top().unicode_skip;
   decoder_.ReadWord(FindControl(token_.text), token_, encoding_);
   Top().unicode_skip = encoding_.unicode_skip;
@@ -164,7 +159,7 @@ void ContentsWalk::ReadKnownWord(const ContentsWordEntry& entry) {
     case W::Result:
       // What a field shows that stands in another's instruction is no part of that.
       if (top.destination != Destination::Body) top.destination = Destination::Nowhere;
-      return;
+      return BeginResult();
     case W::PictureCopy:
       top.is_copy = true;
       return;
@@ -211,12 +206,14 @@ void ContentsWalk::NoteRevision() {
 void ContentsWalk::ReadText() {
   switch (Top().destination) {
     case Destination::Body:
-      return NoteRevision();
-    case Destination::Nowhere:
-      return;
+      NoteRevision();
+      if (!IsInLink()) return;
+      [[fallthrough]];
     case Destination::Gathered:
       encoding_.unicode_skip = Top().unicode_skip;
       return decoder_.Read(token_, encoding_);
+    case Destination::Nowhere:
+      return;
     case Destination::Data:
       if (open_.empty()) return;
       if (token_.kind == TokenKind::Text) AddHex(open_.back(), token_.text);
@@ -247,8 +244,9 @@ void ContentsWalk::AddBinary(Open& data, std::string_view bytes) {
 }
 
 void ContentsWalk::Text(std::string_view text, const TextDecoder::Place& /*place*/) {
-  if (open_.empty()) return;
-  std::string& gathered = open_.back().text;
+  const bool is_shown = Top().destination == Destination::Body && IsInLink();
+  if (open_.empty() && !is_shown) return;
+  std::string& gathered = is_shown ? contents_.parts[link_].shown : open_.back().text;
   if (gathered.size() + text.size() <= kMaxTargetBytes) gathered += text;
 }
 
@@ -278,114 +276,13 @@ void ContentsWalk::CloseGroup() {
     open_.pop_back();
     EndPart(part);
   }
+  if (groups_.size() == link_text_depth_) link_text_depth_ = 0;
+  if (groups_.size() < link_depth_) link_depth_ = 0;
   if (groups_.size() > 1) groups_.pop_back();
   if (groups_.size() > 1 || !contents_.is_complete) return;
   const std::string_view behind = tokens_.Bytes().substr(tokens_.Position());
   const std::size_t last = behind.find_last_not_of(std::string_view(" \t\r\n\0", 5));
   contents_.bytes_behind_end = last == std::string_view::npos ? 0 : last + 1;
-}
-
-void ContentsWalk::EndPart(Open& part) {
-  using W = ContentsWord;
-  Open* const object = InnermostObject();
-  switch (part.word) {
-    case W::Object:
-      return EndObject(part);
-    case W::ObjectData:
-      if (object == nullptr) return EndObject(part);
-      object->text.append(part.text, 0, kMaxObjectBytesRead - std::min(object->text.size(), kMaxObjectBytesRead));
-      object->part.bytes += part.part.bytes;
-      return;
-    case W::ObjectClass:
-      if (object != nullptr) object->part.name = Trimmed(part.text);
-      return;
-    case W::ObjectName:
-      if (object != nullptr) object->object_name = Trimmed(part.text);
-      return;
-    case W::Picture:
-      part.part.kind = PartKind::Picture;
-      return Add(std::move(part.part));
-    case W::Instruction:
-      return EndInstruction(part.text);
-    case W::Template:
-      return AddTarget(PartKind::Template, {}, part.text);
-    case W::Reference:
-      return AddTarget(PartKind::Reference, part.name, part.text);
-    case W::LinkTarget:
-      return AddTarget(PartKind::Link, part.name, part.text);
-    case W::PropertyName:
-      property_ = Trimmed(part.text);
-      return;
-    case W::PropertyValue:
-      return EndProperty(part.text);
-    default:
-      return NoteUnshown(part);
-  }
-}
-
-/// Word processors go by the class that the data name.
-void ContentsWalk::EndObject(Open& object) {
-  OleData data = ReadOleData(object.text, decode_);
-  object.part.kind = PartKind::Object;
-  if (!data.class_name.empty()) {
-    std::string declared = std::exchange(object.part.name, std::move(data.class_name));
-    if (declared != object.part.name) object.part.declared_class = std::move(declared);
-  }
-  object.part.targets = std::move(data.names);
-  if (!object.object_name.empty()) object.part.targets.push_back(std::move(object.object_name));
-  Add(std::move(object.part));
-}
-
-void ContentsWalk::EndInstruction(const std::string& text) {
-  ++contents_.fields;
-  // In another field's instruction, it stands in braces.
-  if (!open_.empty() && open_.back().word == ContentsWord::Instruction) {
-    const std::string inner = "{ " + Trimmed(text) + " }";
-    if (open_.back().text.size() + inner.size() <= kMaxTargetBytes) open_.back().text += inner;
-  }
-  std::string_view rest = text;
-  const std::string word = FieldWord(rest);
-  if (word == "HYPERLINK") return AddTarget(PartKind::Link, word, UrlOfInstruction(word + std::string(rest)));
-  if (word.starts_with('{')) return AddTarget(PartKind::ActiveField, {}, text);
-  if (IsActiveField(word)) AddTarget(PartKind::ActiveField, word, std::string(rest));
-}
-
-/// Properties of drawings that lead elsewhere.
-void ContentsWalk::EndProperty(const std::string& value) {
-  const bool is_place = property_ == "pibName" && value.find_first_of("/\\") != std::string::npos;
-  if (is_place || value.find("://") != std::string::npos || value.starts_with("\\\\"))
-    AddTarget(PartKind::Reference, property_, value);
-}
-
-void ContentsWalk::NoteUnshown(const Open& part) {
-  const auto found = unshown_.find(part.name);
-  const std::uint64_t bytes = tokens_.Position() - part.begin;
-  if (found != unshown_.end()) {
-    ++found->second.count;
-    found->second.bytes += bytes;
-  } else if (unshown_.size() < kMaxParts) {
-    Part unshown;
-    unshown.kind = PartKind::Unshown;
-    unshown.name = part.name.substr(0, kMaxTargetBytes);
-    unshown.bytes = bytes;
-    unshown_.emplace(part.name, std::move(unshown));
-  } else {
-    ++unlisted_;
-  }
-}
-
-void ContentsWalk::AddTarget(PartKind kind, std::string_view name, std::string target) {
-  target = Trimmed(target);
-  if (target.empty() && kind != PartKind::ActiveField && kind != PartKind::Link) return;
-  Part part;
-  part.kind = kind;
-  part.name = name;
-  if (!target.empty()) part.targets.push_back(std::move(target));
-  Add(std::move(part));
-}
-
-void ContentsWalk::Add(Part&& part) {
-  if (++TotalOf(part.kind) <= kMaxParts) contents_.parts.push_back(std::move(part));
 }
 
 }  // namespace tme::rtf

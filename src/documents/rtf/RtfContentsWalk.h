@@ -64,6 +64,9 @@ class ContentsWalk : private TextDecoder::Sink {
   void EndPart(Open& part);
   void EndObject(Open& object);
   void EndInstruction(const std::string& text);
+  /// What is read next in the body is what the last link shows.
+  void BeginResult();
+  bool IsInLink() const { return link_text_depth_ > 0; }
   void EndProperty(const std::string& value);
   void NoteUnshown(const Open& part);
   void AddTarget(PartKind kind, std::string_view name, std::string target);
@@ -87,6 +90,10 @@ class ContentsWalk : private TextDecoder::Sink {
   std::uint64_t unlisted_ = 0;   ///< for want of room there
   std::size_t group_begin_ = 0;  ///< of the last group that began
   std::string property_;         ///< name of the last one of a drawing
+  // Of the last link: its place in the list, how deep its field's groups stand, and the one that it shows; 0 for none.
+  std::size_t link_ = 0;
+  std::size_t link_depth_ = 0;
+  std::size_t link_text_depth_ = 0;
   bool was_inserted_ = false;
   bool was_deleted_ = false;
 };

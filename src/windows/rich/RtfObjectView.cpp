@@ -5,7 +5,11 @@
 #include <QFontMetricsF>
 #include <QImageReader>
 #include <QPainter>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextOption>
+#include <QTextTable>
 #include <utility>
 
 #include "documents/rtf/RtfContents.h"
@@ -25,6 +29,7 @@ constexpr int kMaxPictureTwips = 31'680;  // the longest edge of a page that wor
 constexpr int kTwipsPerPixel = 15;
 constexpr double kMaxLabelEms = 24;
 constexpr double kPageBreakEms = 30;
+constexpr double kUnitsPerInch = 96;  // of a document's margins
 
 QStringList LinesOf(const std::string& label) {
   QStringList lines;
@@ -41,7 +46,7 @@ QBuffer& OpenedBuffer(QBuffer& buffer, const std::string& bytes) {
 
 double Resolution(const QTextDocument& document) {
   const QPaintDevice* device = document.documentLayout()->paintDevice();
-  return device ? device->logicalDpiY() : 96;
+  return device ? device->logicalDpiY() : kUnitsPerInch;
 }
 
 QFont LabelFont(const QTextDocument& document) {
@@ -53,6 +58,18 @@ QFont LabelFont(const QTextDocument& document) {
 /// Drawn as a line.
 bool IsBreak(const QTextFormat& format) {
   return format.intProperty(kObject) == kPageBreak || format.intProperty(kSectionBreak) != 0;
+}
+
+/// As wide as its line where lines are wrapped, so that what follows it stands below, as on paper.
+double BreakWidth(QTextDocument& document, int position) {
+  const double usual = QFontMetricsF(LabelFont(document)).height() * kPageBreakEms;
+  const QTextCursor cursor(document.findBlock(position));
+  const bool has_width = document.textWidth() > 0 && document.defaultTextOption().wrapMode() != QTextOption::NoWrap;
+  if (cursor.isNull() || cursor.currentTable() || !has_width) return usual;
+  const QTextBlockFormat block = cursor.blockFormat();
+  const double indents = block.leftMargin() + block.rightMargin() + std::max(0.0, block.textIndent());
+  const double margins = (2 * document.documentMargin() + indents) * Resolution(document) / kUnitsPerInch;
+  return std::max(1.0, document.textWidth() - margins - 1);
 }
 
 }  // namespace
@@ -132,19 +149,19 @@ QString RtfObjectView::TipOf(const QTextFormat& format) const {
   return says_more ? what + u'\n' + LinesOf(object->label).join(u'\n') : what.isEmpty() ? label : what;
 }
 
-QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {
+QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int position, const QTextFormat& format) {
   const rtf::Object* object = ObjectOf(format);
   if (object) {
     const QSize size = PictureSize(format.intProperty(kObject), *object);
     if (!size.isEmpty()) return QSizeF(size) * Resolution(*document) / kTwipsPerInch;
   }
+  if (IsBreak(format)) return {BreakWidth(*document, position), QFontMetricsF(LabelFont(*document)).height() * 1.2};
   const QString label = LabelOf(format);
   if (std::exchange(label_resolution_, Resolution(*document)) != Resolution(*document)) label_sizes_.clear();
   if (const auto known = label_sizes_.constFind(label); known != label_sizes_.cend()) return *known;
   const QFontMetricsF metrics(LabelFont(*document));
   const double em = metrics.height();
-  QSizeF size(std::min(metrics.horizontalAdvance(label), em * kMaxLabelEms) + em, em * 1.3);
-  if (IsBreak(format)) size = {em * kPageBreakEms, em * 1.2};
+  const QSizeF size(std::min(metrics.horizontalAdvance(label), em * kMaxLabelEms) + em, em * 1.3);
   return *label_sizes_.insert(label, size);
 }
 

@@ -136,6 +136,8 @@ class RtfPad : public QTextEdit, public Pad {
   QPoint Scrolled() const;
   QString FieldTip(const QTextCharFormat& format) const;
   /// The text of the link around a cursor, as far as its paragraph goes.
+  /// That stands under a point of the document; -1 for none.
+  int CharacterAt(const QPointF& point) const;
   static QString LinkText(const QTextCursor& cursor);
   /// Of the only page of the view, as the layout takes it: below 0 for none.
   double PageHeight() const;

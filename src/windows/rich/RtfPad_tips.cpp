@@ -50,14 +50,28 @@ QPoint RtfPad::Scrolled() const {
 
 QString RtfPad::TipAt(const QPoint& point) const {
   const QString mark = traces_.TipAt(point + Scrolled());
-  const int position = document()->documentLayout()->hitTest(point + Scrolled(), Qt::ExactHit);
-  if (!mark.isEmpty() || position < 0 || position >= End()) return mark;
+  const int position = mark.isEmpty() ? CharacterAt(point + Scrolled()) : -1;
+  if (position < 0 || position >= End()) return mark;
   QTextCursor cursor(document());
   cursor.setPosition(position + 1);
   const QString tip = TipOf(cursor.charFormat());
   const QString target = cursor.charFormat().anchorHref();
   if (target.isEmpty() || !RtfPartText::IsOtherAddress(LinkText(cursor), target)) return tip;
   return tip + u'\n' + tr("Its text looks like another address");
+}
+
+int RtfPad::CharacterAt(const QPointF& point) const {
+  const QAbstractTextDocumentLayout& layout = *document()->documentLayout();
+  const int nearest = layout.hitTest(point, Qt::ExactHit);
+  const QTextBlock block = document()->findBlock(nearest);
+  if (nearest < 0 || !block.isValid()) return -1;
+  const QPointF place = point - layout.blockBoundingRect(block).topLeft();
+  for (int number = 0; number < block.layout()->lineCount(); ++number) {
+    const QTextLine line = block.layout()->lineAt(number);
+    if (place.y() < line.y() + line.height())
+      return block.position() + line.xToCursor(place.x(), QTextLine::CursorOnCharacter);
+  }
+  return nearest;
 }
 
 QString RtfPad::LinkText(const QTextCursor& cursor) {

@@ -52,6 +52,11 @@ bool RtfPartText::IsOtherAddress(const QString& text, const QString& target) {
   return !host.isEmpty() && host != HostOf(target);
 }
 
+bool RtfPartText::IsOtherAddress(const rtf::Part& part) {
+  if (part.targets.empty()) return false;
+  return IsOtherAddress(QString::fromStdString(part.shown), QString::fromStdString(part.targets.front()));
+}
+
 /// What is dangerous comes first.
 QString RtfPartText::OfObject(const Part& part) {
   QString text = part.is_linked ? tr("Linked object") : tr("Embedded object");
@@ -143,6 +148,7 @@ QString RtfPartText::What(const Part& part) {
     case PartKind::ActiveField:
       return name.isEmpty() ? tr("Field that another field makes") : OfField(name);
     case PartKind::Link:
+      if (IsOtherAddress(part)) return tr("Link that shows another address");
       return part.name == "HYPERLINK" ? tr("Link") : tr("Link of a drawing");
     case PartKind::Picture: {
       const QString text = name.isEmpty() ? tr("Picture") : tr("Picture (%1)").arg(name);
@@ -157,6 +163,7 @@ QString RtfPartText::What(const Part& part) {
 QString RtfPartText::Where(const Part& part) {
   QStringList targets;
   for (const std::string& target : part.targets) targets.append(Shown(target));
+  if (IsOtherAddress(part)) targets.append(tr("its text: %1").arg(Shown(part.shown)));
   return targets.join(u"; "_s);
 }
 

@@ -31,6 +31,7 @@ class RtfPartText {
   static QString Meaning(rtf::PartKind kind);
 
  private:
+  static bool IsOtherAddress(const rtf::Part& part);
   static QString OfObject(const rtf::Part& part);
   static QString OfField(const QString& word);
   static QString NameOfGroup(const rtf::Part& part);
