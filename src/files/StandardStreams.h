@@ -35,13 +35,16 @@ std::optional<FileFailure> WriteStream(const std::filesystem::path& path, std::s
 bool IsTerminal(StandardStream stream);
 
 /// While it lives, what ends the program from the keyboard or by request waits, so that a write leaves nothing behind.
-/// It does nothing on Windows.
+/// What waited before waits on afterwards. It does nothing on Windows.
 class DeferredInterrupts {
  public:
   DeferredInterrupts();
   DeferredInterrupts(const DeferredInterrupts&) = delete;
   DeferredInterrupts& operator=(const DeferredInterrupts&) = delete;
   ~DeferredInterrupts();
+
+ private:
+  std::vector<int> deferred_;  ///< numbers of signals
 };
 
 }  // namespace tme

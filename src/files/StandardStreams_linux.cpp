@@ -23,13 +23,7 @@ std::array<bool, 3> missing_streams{};
 
 FileFailure MissingStream() { return FailureOf(std::error_code(EBADF, std::generic_category())); }
 
-/// how: as of sigprocmask.
-void MaskInterrupts(int how) {
-  sigset_t interrupts;
-  ::sigemptyset(&interrupts);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) ::sigaddset(&interrupts, number);
-  ::sigprocmask(how, &interrupts, nullptr);
-}
+constexpr std::array kInterrupts{SIGINT, SIGTERM, SIGHUP};
 
 std::size_t NumberOf(StandardStream stream) { return static_cast<std::size_t>(stream); }
 
@@ -131,8 +125,21 @@ std::optional<FileFailure> WriteStandard(StandardStream stream, std::string_view
   return std::nullopt;
 }
 
-DeferredInterrupts::DeferredInterrupts() { MaskInterrupts(SIG_BLOCK); }
-DeferredInterrupts::~DeferredInterrupts() { MaskInterrupts(SIG_UNBLOCK); }
+DeferredInterrupts::DeferredInterrupts() {
+  sigset_t interrupts, before;
+  ::sigemptyset(&interrupts);
+  for (const int number : kInterrupts) ::sigaddset(&interrupts, number);
+  ::sigprocmask(SIG_BLOCK, &interrupts, &before);
+  for (const int number : kInterrupts)
+    if (::sigismember(&before, number) == 0) deferred_.push_back(number);
+}
+
+DeferredInterrupts::~DeferredInterrupts() {
+  sigset_t interrupts;
+  ::sigemptyset(&interrupts);
+  for (const int number : deferred_) ::sigaddset(&interrupts, number);
+  ::sigprocmask(SIG_UNBLOCK, &interrupts, nullptr);
+}
 
 bool IsTerminal(StandardStream stream) { return ::isatty(static_cast<int>(stream)) == 1; }
 
