@@ -249,6 +249,8 @@ TEST(RtfWriterTest, TextOfABrokenFileComesBack) {
   for (int i = 0; i < 900; ++i) nested += "{{\\fldinst x}";
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"symbols of a name", R"({\fonttbl{\f1\fcharset3 Symbol;}}\f1\u65 ?b)"},
+      {"symbols of a name alone", R"({\fonttbl{\f0 A;}{\f1 Symbol;}}\f1\u65 ?b)"},
+      {"the same behind text", R"(Sym{\fonttbl{\f0 Symbol;}}\u65 ?b)"},
       {"symbols with a code page", R"({\fonttbl{\f1\fcharset2\cpg1252 Symbol;}}\f1\u-4031?)"},
       {"no such symbol", R"({\fonttbl{\f1\fcharset2 Symbol;}}\f1\u-3969?)"},
       {"braces among symbols", R"({\fonttbl{\f1\fcharset2 W;}}\f1\u92?\u123?)"},

@@ -61,6 +61,8 @@ void FontTable::EndEntry() {
   is_in_entry_ = false;
   entry_.name.erase(0, std::min(entry_.name.find_first_not_of(' '), entry_.name.size()));
   entry_.name.erase(entry_.name.find_last_not_of(' ') + 1);
+  // A name alone makes symbols only where nothing else is said; a charset of symbols does so whatever page follows.
+  if (entry_.name == "Symbol" && entry_page_ == -1 && entry_.charset == 0) entry_.charset = kSymbolCharset;
   // Text without a font stands already; a default font that comes after it must not turn its letters into symbols.
   const int usual_page = CodePageOfFont(entry_.charset, entry_.name);
   const bool is_symbols = usual_page == kSymbolPage || usual_page == kPrivateSymbolPage;
@@ -70,8 +72,6 @@ void FontTable::EndEntry() {
     ++document_.losses.limits;
     return;
   }
-  // A name alone makes symbols only where nothing else is said; a charset of symbols does so whatever page follows.
-  if (entry_.name == "Symbol" && entry_page_ == -1) entry_page_ = kSymbolPage;
   if (is_symbols) entry_page_ = usual_page;
   const auto number = static_cast<std::size_t>(entry_.number);
   if (number >= index_of_number_.size()) index_of_number_.resize(number + 1, kNoFont);
