@@ -209,7 +209,9 @@ TEST(RtfWriterTest, WhatIsReadComesBack) {
       R"({\rtf1\ansi{\fonttbl{\f0\fnil\fcharset0 A;}}\trowd\trgaph70\clvmgf\cellx1000\cellx3000\pard\intbl a\par b\cell
 \pard\intbl\itap2 in\nestcell{\*\nesttableprops\trowd\cellx500\nestrow}{\nonesttables\par}\pard\intbl c\cell\row
 \trowd\clvmrg\cellx1000\cellx3000\pard\intbl\cell d\cell\row\pard after\par})",
-      R"({\rtf1\ansi\deff0{\fonttbl{\f0\ftech\fcharset2 Symbol;}}\f9 unknown font\par})"};
+      R"({\rtf1\ansi\deff0{\fonttbl{\f0\ftech\fcharset2 Symbol;}}\f9 unknown font\par})",
+      R"({\rtf1\f0 of no table \plain plain{\hich\f8\dbch\f9 classes}\par})",
+      R"({\rtf1{\fonttbl{\f0 A;}}plain \f0 said\f7 missing\f0{\b again}\par})"};
   for (const std::string_view file : files) {
     const RtfDocument first = ReadRtf(file, kDecode);
     const std::string saved = Written(first);

@@ -140,6 +140,7 @@ bool RtfComparison::SameParagraphFormat(std::uint32_t left, std::uint32_t right)
 }
 
 bool RtfComparison::SameFont(std::uint32_t left, std::uint32_t right) const {
+  if (IsMissingFont(left) || IsMissingFont(right)) return left == right;
   const bool is_right_known = right < right_tables_.fonts.size();
   if (left >= left_.fonts.size()) return !is_right_known || right == unnamed_font_;
   if (!is_right_known) return false;

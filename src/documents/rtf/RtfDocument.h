@@ -54,9 +54,16 @@ enum CharacterProperty : std::uint16_t {
 };
 inline constexpr std::uint16_t kAllCharacterProperties = (1 << 13) - 1;
 
+/// CharFormat::font plus this is the number of a font that is in no table.
+inline constexpr std::uint32_t kMissingFont = 0x80000000;
+inline constexpr std::int32_t kMaxFontNumber = 65'535;
+constexpr bool IsMissingFont(std::uint32_t font) {
+  return font >= kMissingFont && font - kMissingFont <= kMaxFontNumber;
+}
+
 /// The format of a run. Equal formats share one entry of RtfDocument::char_formats.
 struct CharFormat {
-  std::uint32_t font = 0;          ///< index into RtfDocument::fonts; past its end: the reader's default
+  std::uint32_t font = 0;  ///< index into RtfDocument::fonts; past its end: kMissingFont, or the reader's default
   std::uint32_t half_points = 24;  ///< size, in half points
   std::uint32_t color = 0;         ///< index into RtfDocument::colors; 0 is automatic
   std::uint32_t background = 0;    ///< the same, behind the text
@@ -64,7 +71,8 @@ struct CharFormat {
   std::uint32_t field = 0;         ///< index into RtfDocument::fields plus 1; 0 outside any field
   std::uint32_t extra = 0;         ///< index into RtfDocument::extras plus 1: control words that are kept, not shown
   /// CharacterProperty: which have their default because control words said so. That counts where a style says other;
-  /// 0 in a document without styles.
+  /// None in a document without styles, but for the font where no default one is
+  /// said.
   std::uint16_t said = 0;
   std::int16_t raise = 0;  ///< how far `script` is raised, in half points, without being made small; 0: as usual
   FontClass text_class = FontClass::Low;
@@ -295,7 +303,8 @@ struct RtfDocument {
   std::vector<Font> fonts;
   std::vector<std::uint32_t> colors;  ///< 0xRRGGBB; the first is automatic
   std::int32_t ansi_code_page = 1252;
-  std::int32_t default_font = 0;  ///< the N of \deffN
+  std::int32_t default_font = 0;     ///< the N of \deffN
+  bool is_default_font_said = true;  ///< else some readers take a font of their own
   /// Groups between the colour table and the text that are kept as they came: style sheet, list tables, information.
   std::string kept_header;
   /// What is written into the tables of kept_header when text names it.

@@ -1,6 +1,7 @@
 #include "documents/rtf/RtfFontTable.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "documents/rtf/RtfReader.h"
@@ -8,7 +9,6 @@
 namespace tme::rtf {
 namespace {
 
-constexpr std::int32_t kMaxFontNumber = 65'535;
 constexpr std::size_t kMaxNameBytes = 256;
 
 }  // namespace
@@ -98,7 +98,13 @@ std::uint32_t FontTable::IndexOf(std::int32_t number) const {
   return number >= 0 && place < index_of_number_.size() ? index_of_number_[place] : kNoFont;
 }
 
+std::uint32_t FontTable::FontOf(std::int32_t number) const {
+  if (const std::uint32_t index = IndexOf(number); index != kNoFont) return index;
+  return number < 0 || number > kMaxFontNumber ? default_ : kMissingFont + static_cast<std::uint32_t>(number);
+}
+
 CodePage& FontTable::PageOf(std::uint32_t index) {
+  if (IsMissingFont(index)) index = default_;
   const int page = index < page_of_font_.size() ? page_of_font_[index] : -1;
   return pages_.Get(page < 0 ? ansi_page_ : page);
 }
@@ -117,7 +123,15 @@ bool FontTable::ResolveDefault() {
 
 void FontTable::NumberFonts() {
   std::vector<bool> is_used(document_.fonts.size());
-  for (const CharFormat& format : document_.char_formats) {
+  std::set<std::size_t> missing;
+  for (CharFormat& format : document_.char_formats) {
+    if (IsMissingFont(format.font)) {
+      // Some get their font behind the text.
+      if (IndexOf(static_cast<std::int32_t>(format.font - kMissingFont)) != kNoFont)
+        format.font = default_;
+      else
+        missing.insert(format.font - kMissingFont);
+    }
     if (format.font < is_used.size()) is_used[format.font] = true;
   }
   std::size_t unused = 0;
@@ -125,7 +139,8 @@ void FontTable::NumberFonts() {
     std::int32_t& number = document_.fonts[index].number;
     if (!is_used[index] || IndexOf(number) == index) continue;
     const auto is_taken = [&](std::size_t at) {
-      return std::cmp_equal(at, default_number_) || (at < index_of_number_.size() && index_of_number_[at] != kNoFont);
+      return std::cmp_equal(at, default_number_) || missing.contains(at) ||
+             (at < index_of_number_.size() && index_of_number_[at] != kNoFont);
     };
     while (is_taken(unused)) ++unused;
     if (unused >= index_of_number_.size()) index_of_number_.resize(unused + 1, kNoFont);
@@ -134,6 +149,7 @@ void FontTable::NumberFonts() {
   }
 
   document_.default_font = default_ < document_.fonts.size() ? document_.fonts[default_].number : default_number_;
+  document_.is_default_font_said = is_default_said_ || document_.default_font != default_number_;
 }
 
 }  // namespace tme::rtf

@@ -34,6 +34,8 @@ class FontTable {
 
   /// Of the \fN, an index into RtfDocument::fonts; kNoFont when there is none.
   std::uint32_t IndexOf(std::int32_t number) const;
+  /// The same, or what stands for a font that is in no table: it has the default one's page.
+  std::uint32_t FontOf(std::int32_t number) const;
   CodePage& PageOf(std::uint32_t index);
   /// Which signs the font of an \fN has.
   SymbolFont SymbolsOf(std::int32_t number) const;
@@ -44,7 +46,10 @@ class FontTable {
 
   /// \deffN
   std::int32_t DefaultNumber() const { return default_number_; }
-  void SetDefaultNumber(std::int32_t number) { default_number_ = number; }
+  void SetDefaultNumber(std::int32_t number) {
+    default_number_ = number;
+    is_default_said_ = true;
+  }
   /// The font of text that names none, as last resolved; kNoFont until then.
   std::uint32_t Default() const { return default_; }
   /// Finds the default font by its number. False while the table does not have it.
@@ -63,6 +68,7 @@ class FontTable {
   std::vector<std::uint32_t> index_of_number_;  ///< by \f; kNoFont when it is none
 
   std::int32_t default_number_ = 0;
+  bool is_default_said_ = false;
   std::uint32_t default_ = kNoFont;
   bool is_default_fixed_ = false;
 

@@ -113,13 +113,24 @@ CharFormat PlainFormat(const RtfDocument& document) {
     if (document.fonts[i].number == document.default_font) font = i;
   }
   plain.font = static_cast<std::uint32_t>(font);
+  if (!document.is_default_font_said) plain.said = kFont;
   if (document.HasStyles()) plain.said = kAllCharacterProperties;
   return plain;
 }
 
+namespace {
+
+/// What \f says; nothing for the reader's default.
+std::optional<std::int32_t> FontNumber(const RtfDocument& document, std::uint32_t font) {
+  if (font < document.fonts.size()) return document.fonts[font].number;
+  return IsMissingFont(font) ? std::optional(static_cast<std::int32_t>(font - kMissingFont)) : std::nullopt;
+}
+
+}  // namespace
+
 bool LeadsTo(const RtfDocument& document, const CharFormat& plain, const CharFormat& from, const CharFormat& to) {
   // Nothing takes kept control words back one by one, and nothing but \plain names a font that is in no table.
-  const auto is_known = [&](std::uint32_t font) { return font < document.fonts.size(); };
+  const auto is_known = [&](std::uint32_t font) { return FontNumber(document, font).has_value(); };
   if (is_known(from.font) && !is_known(to.font) && !is_known(plain.font)) return false;
   if (plain.said != 0) {
     const auto said = static_cast<unsigned>(plain.said & (from.said | ~DefaultsOf(from, plain)));
@@ -189,17 +200,18 @@ class CharFormatOutput {
   RtfOutput& out_;
 };
 
-/// Fonts of classes of text, and the text's own one; null when it stays.
-void WriteFonts(const Font* font, const CharFormat& format, const CharacterWordSteps& steps, RtfOutput& out) {
+/// Fonts of classes of text, and the text's own one; none when it stays.
+void WriteFonts(std::optional<std::int32_t> font, const CharFormat& format, const CharacterWordSteps& steps,
+                RtfOutput& out) {
   FontClass text_class = steps.text_class;
   const auto enter = [&](FontClass font_class) {
     if (text_class != font_class) out.Words(WordOf(font_class));
     text_class = font_class;
   };
   const auto write_own = [&] {
-    if (font == nullptr) return;
+    if (!font) return;
     enter(format.font_class);
-    out.Word("\\f", font->number);
+    out.Word("\\f", *font);
   };
   if (steps.has_own_font) write_own();
   out.Words(steps.fonts);
@@ -224,13 +236,14 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
                                   now.text_class);
   out.Words(steps.words);
   const CharFormatOutput output(now, to, out);
-  const auto shown = [&](std::uint32_t font) { return font < document.fonts.size() ? font : plain.font; };
+  const auto shown = [&](std::uint32_t font) { return FontNumber(document, font) ? font : plain.font; };
   const bool is_font_new = shown(now.font) != shown(to.font) || now.font_class != to.font_class || steps.replaces_font;
-  const bool names_font = output.IsWanted(kFont, is_font_new) && shown(to.font) < document.fonts.size();
+  const std::optional<std::int32_t> font =
+      output.IsWanted(kFont, is_font_new) ? FontNumber(document, shown(to.font)) : std::nullopt;
   // Words of other classes say for some readers what all that follows is about, too.
   const bool has_classes = !steps.fonts.empty() || steps.text_class != FontClass::Low ||
                            to.font_class != FontClass::Low || to.text_class != FontClass::Low;
-  if (names_font && !has_classes) out.Word("\\f", document.fonts[shown(to.font)].number);
+  if (font && !has_classes) out.Word("\\f", *font);
   output.Number(kFontSize, &CharFormat::half_points, "\\fs");
   output.Switch(kBold, &CharFormat::bold, "\\b", "\\b0");
   output.Switch(kItalic, &CharFormat::italic, "\\i", "\\i0");
@@ -243,7 +256,7 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
                         {kDoubleStrike, Strike::Double, "\\striked1", "\\striked0"});
   output.Choose<Capitals>(&CharFormat::capitals, {kCapitals, Capitals::All, "\\caps", "\\caps0"},
                           {kSmallCapitals, Capitals::Small, "\\scaps", "\\scaps0"});
-  if (has_classes) WriteFonts(names_font ? &document.fonts[shown(to.font)] : nullptr, to, steps, out);
+  if (has_classes) WriteFonts(font, to, steps, out);
 }
 
 std::string ParagraphControls(const RtfDocument& document, const ParagraphFormat& format) {

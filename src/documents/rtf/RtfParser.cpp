@@ -293,7 +293,7 @@ std::uint32_t Parser::CharacterId() {
     if (state.character.said != 0) {
       CharFormat plain;
       plain.font = fonts_.Default();
-      state.character.said &= DefaultsOf(state.character, plain);
+      state.character.said &= static_cast<std::uint16_t>(DefaultsOf(state.character, plain) & said_properties_);
     }
     state.character_id = builder_.Intern(state.character);
   }

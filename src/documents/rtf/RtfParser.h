@@ -176,7 +176,7 @@ class Parser : private TextDecoder::Sink {
   std::vector<ParagraphState> paragraphs_;
   std::size_t effects_ = 0;                      ///< grows with what a group does beyond its own end
   std::size_t character_border_end_ = kUnknown;  ///< where the last word about it ends
-  std::uint16_t said_properties_ = 0;            ///< of CharFormat::said: those that count
+  std::uint16_t said_properties_ = kFont;        ///< of CharFormat::said: those that count
   std::string text_of_list_;                     ///< what the paragraph's \pntext or \listtext says
   ListTexts lists_of_text_;
 

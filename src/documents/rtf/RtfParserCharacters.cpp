@@ -163,8 +163,7 @@ void Parser::KeepWithCharacters(std::string_view name) {
 }
 
 void Parser::SetFont(std::int32_t number) {
-  std::uint32_t index = fonts_.IndexOf(number);
-  if (index == FontTable::kNoFont) index = fonts_.Default();
+  const std::uint32_t font = fonts_.FontOf(number);
   State& state = Top();
   CharFormat& format = Character();
   const auto place_of = [](FontClass font_class) { return static_cast<FontPlace>(1 + static_cast<int>(font_class)); };
@@ -177,8 +176,8 @@ void Parser::SetFont(std::int32_t number) {
   }
   if (state.has_class_fonts) format.extra = builder_.AddExtra(format.extra, {}, "af", place_of(format.text_class));
   state.font_word = RawWord();
-  format.font = index;
-  Top().encoding.page = &fonts_.PageOf(index);
+  format.font = font;
+  Top().encoding.page = &fonts_.PageOf(font);
 }
 
 /// To all text that names no font.
@@ -186,6 +185,7 @@ void Parser::ApplyDefaultFont() {
   const std::uint32_t before = fonts_.Default();
   if (!fonts_.ResolveDefault()) return;
   for (State& state : states_) {
+    if (IsMissingFont(state.character.font)) state.encoding.page = &fonts_.PageOf(fonts_.Default());
     if (state.character.font != before) continue;
     state.character.font = fonts_.Default();
     state.character_id = kStale;

@@ -13,6 +13,7 @@ void Parser::ReadFileWord(const ControlWord& word) {
     }
     case Control::DefaultFont:
       if (is_body_) return;  // text without a font stands already
+      if (said_properties_ != kAllCharacterProperties) said_properties_ = 0;
       fonts_.SetDefaultNumber(token_.value);
       return ApplyDefaultFont();
     case Control::DocumentWord:

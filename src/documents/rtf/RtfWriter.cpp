@@ -17,7 +17,7 @@ void WriteHeader(const RtfDocument& document, RtfOutput& out) {
   out.Words(document.ansi_code_page == 10000 ? "\\mac" : "\\ansi");
   out.Word("\\ansicpg", document.ansi_code_page);
   out.Words("\\uc1");
-  out.Word("\\deff", document.default_font);
+  if (document.is_default_font_said) out.Word("\\deff", document.default_font);
   out.LineEnd();
   WriteTables(document, out);
   RtfUses uses(document);

@@ -4,15 +4,20 @@
 #include <algorithm>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 #include "documents/rtf/RtfCharacterWords.h"
 
 namespace tme {
 namespace {
 
-std::uint32_t DefaultFontOf(const rtf::RtfDocument& document) {
-  const auto found = std::ranges::find(document.fonts, document.default_font, &rtf::Font::number);
-  return found == document.fonts.end() ? 0U : static_cast<std::uint32_t>(found - document.fonts.begin());
+/// From `number` on; a font that is in no table keeps its own.
+int FreeNumber(int number, const rtf::RtfDocument& document) {
+  std::vector<bool> is_missing(rtf::kMaxFontNumber + 1);
+  for (const rtf::CharFormat& format : document.char_formats)
+    if (rtf::IsMissingFont(format.font)) is_missing[format.font - rtf::kMissingFont] = true;
+  while (number <= rtf::kMaxFontNumber && is_missing[static_cast<std::size_t>(number)]) ++number;
+  return number;
 }
 
 }  // namespace
@@ -24,9 +29,14 @@ RtfFormatStore::RtfFormatStore(RtfStore& store) : document_(store.document) {
   if (document_.char_formats.empty()) document_.char_formats = empty.char_formats;
   if (document_.paragraph_formats.empty()) document_.paragraph_formats = empty.paragraph_formats;
   for (rtf::CharFormat& format : document_.char_formats)
-    if (format.font >= document_.fonts.size()) format.font = DefaultFontOf(document_);
+    if (format.font >= document_.fonts.size() && !rtf::IsMissingFont(format.font)) format.font = DefaultFont();
   char_formats_.Learn(document_.char_formats);
   paragraph_formats_.Learn(document_.paragraph_formats);
+}
+
+std::uint32_t RtfFormatStore::DefaultFont() const {
+  const auto found = std::ranges::find(document_.fonts, document_.default_font, &rtf::Font::number);
+  return found == document_.fonts.end() ? 0U : static_cast<std::uint32_t>(found - document_.fonts.begin());
 }
 
 std::uint32_t RtfFormatStore::Add(const rtf::Font& font) {
@@ -40,7 +50,7 @@ std::uint32_t RtfFormatStore::Add(const rtf::Font& font) {
     free_number = std::max(free_number, fonts[index].number + 1);
   }
   fonts.push_back(font);
-  fonts.back().number = free_number;
+  fonts.back().number = FreeNumber(free_number, document_);
   return static_cast<std::uint32_t>(fonts.size() - 1);
 }
 

@@ -13,8 +13,8 @@ namespace tme {
 /// found again.
 class RtfFormatStore {
  public:
-  /// Completes the document, which from then on has at least one font, colour and format of each kind, and no format of
-  /// a font that it has not. `store` outlives this.
+  /// Completes the document, which from then on has at least one font, colour and format of each kind, and no format
+  /// of a font that it has not but rtf::kMissingFont. `store` outlives this.
   explicit RtfFormatStore(RtfStore& store);
 
   const rtf::RtfDocument& Document() const { return document_; }
@@ -26,6 +26,8 @@ class RtfFormatStore {
   }
   /// By name, without regard to case, and charset.
   std::uint32_t Add(const rtf::Font& font);
+  /// Of text whose font is in no table.
+  std::uint32_t DefaultFont() const;
   std::uint32_t AddColor(std::uint32_t rgb);
 
   /// Kept control words of characters but for one, by its name; as CharFormat::extra names them.

@@ -147,7 +147,7 @@ QBrush RtfFormats::BrushOf(std::uint32_t color) const {
 QTextCharFormat RtfFormats::ShowCharFormat(std::uint32_t number) const {
   const rtf::CharFormat& format = store_.Document().char_formats[number];
   const auto& fonts = store_.Document().fonts;
-  const rtf::Font& font = format.font < fonts.size() ? fonts[format.font] : fonts[0];
+  const rtf::Font& font = format.font < fonts.size() ? fonts[format.font] : fonts[store_.DefaultFont()];
   QTextCharFormat shown;
   shown.setProperty(kCharFormat, static_cast<int>(number) + 1);
   shown.setFontFamilies({QString::fromStdString(font.name.empty() ? kDefaultRtfFont : font.name)});
