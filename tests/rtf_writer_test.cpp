@@ -258,6 +258,7 @@ TEST(RtfWriterTest, TextOfABrokenFileComesBack) {
       {"braces among symbols", R"({\fonttbl{\f1\fcharset2 W;}}\f1\u92?\u123?)"},
       {"a font's number again", R"({\fonttbl{\f0\fcharset2 Symbol;}}a{\fonttbl{\f0 A;}}b\f0 c)"},
       {"a default font's number again", R"({\fonttbl{\f0 A;}}a{\fonttbl{\f0\fcharset2 Symbol;}}b\f0 c)"},
+      {"a font behind its text", R"({\fonttbl{\f1\fcharset2 W;}}\f1\hich\f0 a\f-1 b{\fonttbl{\f0\fcharset2 Symbol;}})"},
       {"a default font behind text", R"({\fonttbl{\f1\fcharset2 Symbol;}}a\deff1 b)"},
       {"a section in a kept group", R"(a{\sect\pict 00}b)"},
       {"a section in an empty field", R"({\field\sect{\*\fldinst X}}b)"},

@@ -1,6 +1,7 @@
 #include "documents/rtf/RtfFontTable.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -100,7 +101,8 @@ std::uint32_t FontTable::IndexOf(std::int32_t number) const {
 
 std::uint32_t FontTable::FontOf(std::int32_t number) const {
   if (const std::uint32_t index = IndexOf(number); index != kNoFont) return index;
-  return number < 0 || number > kMaxFontNumber ? default_ : kMissingFont + static_cast<std::uint32_t>(number);
+  const bool is_number = number >= 0 && number <= kMaxFontNumber;
+  return kMissingFont + static_cast<std::uint32_t>(is_number ? number : kMaxFontNumber);
 }
 
 CodePage& FontTable::PageOf(std::uint32_t index) {
@@ -124,28 +126,29 @@ bool FontTable::ResolveDefault() {
 void FontTable::NumberFonts() {
   std::vector<bool> is_used(document_.fonts.size());
   std::set<std::size_t> missing;
-  for (CharFormat& format : document_.char_formats) {
-    if (IsMissingFont(format.font)) {
-      // Some get their font behind the text.
-      if (IndexOf(static_cast<std::int32_t>(format.font - kMissingFont)) != kNoFont)
-        format.font = default_;
-      else
-        missing.insert(format.font - kMissingFont);
-    }
+  for (const CharFormat& format : document_.char_formats) {
     if (format.font < is_used.size()) is_used[format.font] = true;
+    if (IsMissingFont(format.font)) missing.insert(format.font - kMissingFont);
   }
+  const auto is_known = [this](std::size_t number) {
+    return number < index_of_number_.size() && index_of_number_[number] != kNoFont;
+  };
   std::size_t unused = 0;
+  const auto take_unused = [&] {
+    while (std::cmp_equal(unused, default_number_) || missing.contains(unused) || is_known(unused)) ++unused;
+    return static_cast<std::uint32_t>(unused++);
+  };
   for (std::uint32_t index = 0; index < document_.fonts.size(); ++index) {
     std::int32_t& number = document_.fonts[index].number;
-    if (!is_used[index] || IndexOf(number) == index) continue;
-    const auto is_taken = [&](std::size_t at) {
-      return std::cmp_equal(at, default_number_) || missing.contains(at) ||
-             (at < index_of_number_.size() && index_of_number_[at] != kNoFont);
-    };
-    while (is_taken(unused)) ++unused;
-    if (unused >= index_of_number_.size()) index_of_number_.resize(unused + 1, kNoFont);
-    index_of_number_[unused] = index;
-    number = static_cast<std::int32_t>(unused);
+    if (is_used[index] && IndexOf(number) != index) number = static_cast<std::int32_t>(take_unused());
+  }
+  // One that came behind the text is not the text's.
+  std::map<std::uint32_t, std::uint32_t> changed;
+  for (CharFormat& format : document_.char_formats) {
+    if (!IsMissingFont(format.font) || !is_known(format.font - kMissingFont)) continue;
+    const auto [place, is_new] = changed.try_emplace(format.font);
+    if (is_new) place->second = kMissingFont + take_unused();
+    format.font = place->second;
   }
 
   document_.default_font = default_ < document_.fonts.size() ? document_.fonts[default_].number : default_number_;

@@ -57,7 +57,8 @@ class FontTable {
   /// From now on text without a font stands in the document.
   void FixDefault() { is_default_fixed_ = true; }
 
-  /// When all is read: a font that text has goes under a number of its own when its number has come to mean another.
+  /// When all is read: a font that text has goes under a number of its own when its number has come to mean another,
+  /// and so does a missing one.
   void NumberFonts();
 
  private:
