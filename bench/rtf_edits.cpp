@@ -132,7 +132,10 @@ std::string Slurp(const char* path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::size_t EndOf(const rtf::RtfSource::Mark& mark) { return std::max(mark.end, mark.row_end); }
+std::size_t EndOf(const rtf::RtfSource::Mark& mark) { return std::max(mark.end, mark.whole_end); }
+
+/// Behind where new tables of fonts and colours may come.
+std::size_t BeginOfText(const rtf::RtfSource& source) { return std::max(source.header.begin, source.header.end); }
 
 /// Whether the bytes of all paragraphs but the edited ones are there again, in their order.
 bool IsRestThere(const std::string& before, const std::string& after, const rtf::RtfSource& source,
@@ -149,14 +152,14 @@ bool IsRestThere(const std::string& before, const std::string& after, const rtf:
   std::size_t first = 0;
   for (const rtf::RtfHunk& hunk : hunks) {
     // Where paragraphs only came in, the end of the one before or the beginning of the next may change.
-    const std::size_t begin = first == 0 ? source.header.end : EndOf(source.marks[first - 1]);
+    const std::size_t begin = first == 0 ? BeginOfText(source) : EndOf(source.marks[first - 1]);
     const std::size_t unchanged = hunk.before_begin;
     if (unchanged > first && !is_there(begin, source.marks[unchanged - 1].begin)) return false;
     first = std::max(hunk.before_end, unchanged);
     if (hunk.before_begin == hunk.before_end) ++first;
   }
   if (first >= source.marks.size()) return true;
-  return is_there(first == 0 ? source.header.end : EndOf(source.marks[first - 1]), before.size());
+  return is_there(first == 0 ? BeginOfText(source) : EndOf(source.marks[first - 1]), before.size());
 }
 
 bool IsOneInsertion(std::string_view before, std::string_view after) {

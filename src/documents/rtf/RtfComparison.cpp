@@ -87,8 +87,31 @@ bool RtfComparison::SameParagraph(std::size_t left, std::size_t right) {
   return SameRuns(one_cursor, other_cursor);
 }
 
+/// Takes objects side by side that nobody sees; false where there are none.
+bool RtfComparison::TakeUnseen(Cursor& cursor, const RtfDocument& tables, std::string& groups) {
+  groups.clear();
+  const auto unseen = [&] {
+    const Object* const object = cursor.AtEnd() ? nullptr : EntryOf(tables.objects, cursor.Current().object);
+    return object != nullptr && object->kind == ObjectKind::Invisible ? object : nullptr;
+  };
+  for (const Object* object = unseen(); object != nullptr; object = unseen()) {
+    groups += object->rtf;
+    cursor.Advance(0);
+  }
+  return !groups.empty();
+}
+
 bool RtfComparison::SameRuns(Cursor& left, Cursor& right) {
+  std::string left_groups, right_groups;
   while (!left.AtEnd() && !right.AtEnd()) {
+    // Read again, neighbours among them are one, which stands in one field and has the look of the first.
+    const std::uint32_t left_format = left.Current().format, right_format = right.Current().format;
+    if (TakeUnseen(left, left_, left_groups)) {
+      if (!TakeUnseen(right, right_tables_, right_groups) || left_groups != right_groups ||
+          !SameField(left_.char_formats[left_format].field, right_tables_.char_formats[right_format].field))
+        return false;
+      continue;
+    }
     const Run &one = left.Current(), &other = right.Current();
     if ((one.object != 0) != (other.object != 0)) return false;
     const Object* object = EntryOf(left_.objects, one.object);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -25,6 +26,7 @@ class RtfComparison {
   using Known = std::unordered_map<std::uint64_t, bool>;
 
   bool SameRuns(Cursor& left, Cursor& right);
+  static bool TakeUnseen(Cursor& cursor, const RtfDocument& tables, std::string& groups);
   bool SameCharFormat(std::uint32_t left, std::uint32_t right);
   bool SameParagraphFormat(std::uint32_t left, std::uint32_t right);
   bool SameFont(std::uint32_t left, std::uint32_t right) const;

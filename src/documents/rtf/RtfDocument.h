@@ -324,12 +324,16 @@ struct RtfDocument {
   std::size_t EndOfRuns(std::size_t paragraph) const {
     return paragraph + 1 < paragraphs.size() ? paragraphs[paragraph + 1].first_run : runs.size();
   }
-  /// The section break that ends a paragraph; null where none does.
-  const Object* SectionBreakOf(std::size_t paragraph) const {
+  /// The section break that ends a paragraph, as Run::object; 0 where none does. of_runs: those that runs name.
+  std::uint32_t SectionBreakAt(std::size_t paragraph, const std::vector<Object>& of_runs) const {
     const std::size_t end = EndOfRuns(paragraph);
-    if (end == paragraphs[paragraph].first_run || paragraphs[paragraph].cell >= 0) return nullptr;
-    const Object* last = EntryOf(objects, runs[end - 1].object);
-    return last != nullptr && last->kind == ObjectKind::SectionBreak ? last : nullptr;
+    if (end == paragraphs[paragraph].first_run || paragraphs[paragraph].cell >= 0) return 0;
+    const Object* last = EntryOf(of_runs, runs[end - 1].object);
+    return last != nullptr && last->kind == ObjectKind::SectionBreak ? runs[end - 1].object : 0;
+  }
+  /// The same, itself; null where none does.
+  const Object* SectionBreakOf(std::size_t paragraph) const {
+    return EntryOf(objects, SectionBreakAt(paragraph, objects));
   }
 };
 

@@ -107,7 +107,7 @@ class BlockHunks {
   static std::vector<std::size_t> TablesOf(const RtfDigest& digest, std::size_t begin, std::size_t end) {
     std::vector<std::size_t> tables;
     for (; begin < end; ++begin)
-      if (digest.are_tables[begin]) tables.push_back(begin);
+      if (digest.kinds[begin] != RtfBlock::Kind::Text) tables.push_back(begin);
     return tables;
   }
   RtfHunk ParagraphsOf(const RtfHunk& blocks) const {
@@ -176,25 +176,69 @@ RtfHunk Join(const RtfHunk& first, const RtfHunk& second) {
 
 }  // namespace
 
-RtfDigest DigestOf(const RtfDocument& document, const RtfBlocks& blocks) {
-  const std::vector<std::uint32_t> text = TextStarts(document);
+RtfDigest ShapeOf(const RtfBlocks& blocks) {
   RtfDigest digest;
-  digest.paragraphs.reserve(document.paragraphs.size());
-  for (std::size_t i = 0; i < document.paragraphs.size(); ++i)
-    digest.paragraphs.push_back(HashOf(document, i, text[i], blocks.CellOf(i)));
   for (std::size_t block = 0; block < blocks.Count(); ++block) {
     digest.blocks.push_back(blocks.HashOf(block));
     digest.block_begins.push_back(blocks[block].paragraph);
-    digest.are_tables.push_back(blocks[block].IsTable());
+    digest.kinds.push_back(blocks[block].kind);
   }
-  digest.block_begins.push_back(static_cast<std::uint32_t>(document.paragraphs.size()));
+  digest.block_begins.push_back(static_cast<std::uint32_t>(blocks.Count() > 0 ? blocks.EndOf(blocks.Count() - 1) : 0));
   return digest;
+}
+
+RtfDigest DigestOf(const RtfDocument& document, const RtfBlocks& blocks) {
+  const std::vector<std::uint32_t> text = TextStarts(document);
+  RtfDigest digest = ShapeOf(blocks);
+  digest.paragraphs.reserve(document.paragraphs.size());
+  for (std::size_t i = 0; i < document.paragraphs.size(); ++i)
+    digest.paragraphs.push_back(HashOf(document, i, text[i], blocks.CellOf(i)));
+  return digest;
+}
+
+RtfDigest DigestOfTables(const RtfDigest& digest) {
+  RtfDigest whole;
+  whole.paragraphs = digest.paragraphs;
+  for (std::size_t block = 0; block < digest.blocks.size(); ++block) {
+    if (digest.kinds[block] == RtfBlock::Kind::Row) {
+      const std::size_t at = MixHash(whole.blocks.back(), digest.block_begins[block] - whole.block_begins.back());
+      whole.blocks.back() = MixHash(at, digest.blocks[block]);
+      continue;
+    }
+    whole.blocks.push_back(digest.blocks[block]);
+    whole.block_begins.push_back(digest.block_begins[block]);
+    whole.kinds.push_back(digest.kinds[block]);
+  }
+  whole.block_begins.push_back(digest.block_begins.back());
+  return whole;
 }
 
 std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed) {
   BlockHunks hunks(before, after, is_fixed);
   for (const RtfHunk& blocks : DiffNumbers(WholeBlocks(before), WholeBlocks(after))) hunks.Add(blocks);
   return hunks.Take();
+}
+
+bool TakeNeighbour(RtfHunk& hunk, const RtfBlocks& before, const RtfBlocks& after, Neighbour first) {
+  if (hunk.before_begin < hunk.before_end) return true;
+  const std::size_t paragraphs = before.EndOf(before.Count() - 1), edited = after.EndOf(after.Count() - 1);
+  // beside: the one in the other document that came with it.
+  const auto is_near = [&](std::size_t old_one, std::size_t beside, std::size_t added) {
+    return old_one < paragraphs && beside < edited && before.CellOf(old_one) == after.CellOf(added) &&
+           (after.CellOf(added) < 0 || after.BlockOf(beside) == after.BlockOf(added));
+  };
+  const bool has_last = hunk.before_begin > 0 && hunk.after_begin > 0 &&
+                        is_near(hunk.before_begin - 1, hunk.after_begin - 1, hunk.after_begin);
+  const bool has_next = is_near(hunk.before_end, hunk.after_end, hunk.after_end - 1);
+  if (has_next && !(has_last && first == Neighbour::Last)) {
+    ++hunk.before_end;
+    ++hunk.after_end;
+    return true;
+  }
+  if (!has_last) return false;
+  --hunk.before_begin;
+  --hunk.after_begin;
+  return true;
 }
 
 bool RaiseHunks(std::vector<RtfHunk>& hunks, const std::vector<std::size_t>& which, const RtfBlocks& before) {

@@ -15,7 +15,7 @@ struct RtfHunk {
   enum class Level : std::uint8_t {
     Splice,      ///< what differs, character by character
     Paragraphs,  ///< the paragraphs, each in the cell that it stands in
-    Blocks,      ///< these, too, but tables as wholes
+    Blocks,      ///< these, too, but blocks as wholes: rows, or tables
   };
   std::size_t before_begin = 0;
   std::size_t before_end = 0;
@@ -30,14 +30,24 @@ struct RtfDigest {
   std::vector<std::uint64_t> paragraphs;
   std::vector<std::uint64_t> blocks;        ///< what each is apart from the text in it
   std::vector<std::uint32_t> block_begins;  ///< the first paragraph of each; one more at the end
-  std::vector<bool> are_tables;             ///< by block
+  std::vector<RtfBlock::Kind> kinds;        ///< by block
 
   bool operator==(const RtfDigest&) const = default;
 };
 RtfDigest DigestOf(const RtfDocument& document, const RtfBlocks& blocks);
+/// The blocks alone, without paragraphs.
+RtfDigest ShapeOf(const RtfBlocks& blocks);
+/// The same with tables as wholes where rows are blocks.
+RtfDigest DigestOfTables(const RtfDigest& digest);
 
 /// What differs, in its order. is_fixed: whether a block before can be changed as a whole alone.
 std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed);
+
+enum class Neighbour : std::uint8_t { Last, Next };
+
+/// What came in between two paragraphs needs one of the same cell to stand in: makes a hunk cover it. first: which one
+/// where both are there. False where there is none.
+bool TakeNeighbour(RtfHunk& hunk, const RtfBlocks& before, const RtfBlocks& after, Neighbour first = Neighbour::Next);
 
 /// Raises hunks to the next level; what then overlaps becomes one. False when one of them has the last level.
 /// which: indices, ascending. The blocks are those of the documents of the hunks' paragraphs.

@@ -17,8 +17,8 @@ constexpr std::uint32_t CharacterBytes(char first) {
 std::uint32_t KeyOf(const RtfDocument& document, const RtfItem& item) {
   // The bytes of a character in UTF-8 never have these two bits in front and so little behind.
   constexpr std::uint32_t kMark = 0x40000000, kObject = 0x80000000;
+  if (item.object != 0) return kObject | item.object;
   if (item.kind == RtfItem::Kind::Mark) return kMark;
-  if (item.kind == RtfItem::Kind::Object) return kObject | item.object;
   std::uint32_t key = 0;
   for (const char byte : std::string_view(document.text).substr(item.text, item.size))
     key = (key << 8) | static_cast<unsigned char>(byte);
@@ -34,13 +34,14 @@ std::vector<std::uint32_t> KeysOf(const RtfDocument& document, const std::vector
 
 void MoveMarksForward(std::vector<DiffStep>& steps, const std::vector<RtfItem>& before,
                       const std::vector<RtfItem>& after) {
+  const auto is_mark = [](const RtfItem& item) { return item.kind == RtfItem::Kind::Mark && item.object == 0; };
   for (std::size_t i = 1; i < steps.size(); ++i) {
     const bool begins = steps[i].change == DiffChange::Added && steps[i - 1].change == DiffChange::Same &&
-                        before[steps[i - 1].at].kind == RtfItem::Kind::Mark;
+                        is_mark(before[steps[i - 1].at]);
     if (!begins) continue;
     std::size_t end = i;
     while (end < steps.size() && steps[end].change == DiffChange::Added) ++end;
-    if (after[steps[end - 1].at].kind != RtfItem::Kind::Mark) continue;
+    if (!is_mark(after[steps[end - 1].at])) continue;
     // The mark of before goes behind all that was added; that in front is a new one.
     const std::uint32_t mark = steps[i - 1].at;
     const std::uint32_t first = steps[i].at - 1;
@@ -122,8 +123,9 @@ bool IsLarge(const RtfItemRange& range) {
 }
 
 /// Adds what stands between two counts of units.
-void AddItems(const RtfDocument& document, std::size_t paragraph, std::uint32_t& text, std::size_t front,
+void AddItems(const RtfItemRange& range, std::size_t paragraph, std::uint32_t& text, std::size_t front,
               std::size_t back, std::vector<RtfItem>& items) {
+  const RtfDocument& document = range.document;
   const auto number = static_cast<std::uint32_t>(paragraph);
   std::size_t unit = 0;
   const auto add = [&](RtfItem::Kind kind, std::uint32_t size, std::uint32_t format, std::uint32_t object) {
@@ -133,7 +135,9 @@ void AddItems(const RtfDocument& document, std::size_t paragraph, std::uint32_t&
     text += size;
     unit += std::max(size, 1U);
   };
-  for (std::size_t i = document.paragraphs[paragraph].first_run; i < document.EndOfRuns(paragraph); ++i) {
+  const std::uint32_t section = document.SectionBreakAt(paragraph, range.objects);
+  const std::size_t last_run = document.EndOfRuns(paragraph) - (section != 0 ? 1 : 0);
+  for (std::size_t i = document.paragraphs[paragraph].first_run; i < last_run; ++i) {
     const Run& run = document.runs[i];
     if (run.object != 0) add(RtfItem::Kind::Object, 0, run.format, run.object);
     const std::uint32_t begin = text, end = text + run.bytes;
@@ -148,7 +152,7 @@ void AddItems(const RtfDocument& document, std::size_t paragraph, std::uint32_t&
     unit += end - text;
     text = end;
   }
-  add(RtfItem::Kind::Mark, 0, document.paragraphs[paragraph].mark_format, 0);
+  add(RtfItem::Kind::Mark, 0, document.paragraphs[paragraph].mark_format, section);
 }
 
 }  // namespace
@@ -177,7 +181,7 @@ std::vector<RtfItem> ItemsOf(const RtfItemRange& range, const RtfCommonEnds& lef
     std::size_t back = std::numeric_limits<std::size_t>::max();
     if (paragraph + 1 == range.end && left_out.back > 0)
       back = UnitsOf(SpansOf(range.document, paragraph, text)) - left_out.back;
-    AddItems(range.document, paragraph, text, paragraph == range.begin ? left_out.front : 0, back, items);
+    AddItems(range, paragraph, text, paragraph == range.begin ? left_out.front : 0, back, items);
   }
   return items;
 }

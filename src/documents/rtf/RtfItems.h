@@ -19,7 +19,7 @@ struct RtfItem {
   std::uint32_t text = 0;    ///< where a character stands in RtfDocument::text
   std::uint32_t size = 0;    ///< its bytes
   std::uint32_t format = 0;  ///< index into RtfDocument::char_formats
-  std::uint32_t object = 0;  ///< as Run::object
+  std::uint32_t object = 0;  ///< as Run::object; of an end: the section break that it is
   std::uint32_t paragraph = 0;
   std::uint32_t piece = kNoPiece;  ///< of an RtfSource; none of a mark
 };
@@ -27,6 +27,7 @@ struct RtfItem {
 /// Some paragraphs, one at least.
 struct RtfItemRange {
   const RtfDocument& document;
+  const std::vector<Object>& objects;  ///< that its runs name
   std::size_t begin = 0;
   std::size_t end = 0;
   std::uint32_t text = 0;       ///< where that of the first one begins
@@ -42,7 +43,8 @@ struct RtfCommonEnds {
 };
 RtfCommonEnds CommonEndsOf(const RtfItemRange& one, const RtfItemRange& other);
 
-/// All items but for those at its ends; the last paragraph's mark is there always.
+/// All items but for those at its ends; the last paragraph's mark is there always. A section break is the end of its
+/// paragraph.
 std::vector<RtfItem> ItemsOf(const RtfItemRange& range, const RtfCommonEnds& left_out);
 
 /// What leads from one to the other; formats do not count. Where whole paragraphs came behind the end of one, what was

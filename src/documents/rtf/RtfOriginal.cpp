@@ -6,6 +6,7 @@
 #include "documents/rtf/RtfComparison.h"
 #include "documents/rtf/RtfPatch.h"
 #include "documents/rtf/RtfRewriter.h"
+#include "documents/rtf/RtfSections.h"
 #include "documents/rtf/RtfSplicer.h"
 #include "documents/rtf/RtfTablePatch.h"
 
@@ -39,7 +40,7 @@ class Check {
   Check(const Sides& sides, const RtfDocument& read, std::size_t unnamed_font)
       : sides_(sides),
         read_(read),
-        blocks_(read),
+        blocks_(read, sides.before_blocks.GrainOfTables()),
         to_before_(read, sides.before, sides.after, unnamed_font),
         to_after_(read, sides.after, sides.after, unnamed_font) {}
 
@@ -47,7 +48,7 @@ class Check {
     std::size_t count = sides_.before.paragraphs.size();
     for (const RtfHunk& hunk : hunks)
       count += hunk.after_end - hunk.after_begin - (hunk.before_end - hunk.before_begin);
-    if (!blocks_.AreSound() || count != read_.paragraphs.size()) return All(hunks);
+    if (count != read_.paragraphs.size() || !blocks_.HasKindsOf(sides_.after_blocks)) return All(hunks);
     std::size_t before = 0;
     for (std::size_t i = 0; i < hunks.size(); ++i) {
       for (; before < hunks[i].before_begin; ++before) LookAtUnedited(before, i);
@@ -79,10 +80,12 @@ class Check {
 
   /// Whether the next paragraph that was read, and the table that begins with it, is that of another document.
   bool IsSame(RtfComparison& comparison, const RtfBlocks& others, std::size_t other) {
-    const std::size_t at = at_++, block = blocks_.BlockOf(at);
+    const std::size_t at = at_++, block = blocks_.BlockOf(at), its_block = others.BlockOf(other);
     if (blocks_.CellOf(at) != others.CellOf(other) || !comparison.SameParagraph(at, other)) return false;
-    return blocks_[block].paragraph != at ||
-           blocks_.IsLike(block, others, others.BlockOf(other), RtfBlocks::Definitions::MayBeMade);
+    const bool begins = blocks_[block].paragraph == at;
+    // Before one that was not edited, others may have come or gone.
+    if (&comparison == &to_after_ && begins != (others[its_block].paragraph == other)) return false;
+    return !begins || blocks_.IsLike(block, others, its_block, RtfBlocks::Definitions::MayBeMade);
   }
 
   const Sides& sides_;
@@ -93,6 +96,38 @@ class Check {
   std::size_t at_ = 0;
   Failures failures_;
 };
+
+/// Hunks of the unedited view's paragraphs, as such of the file's.
+void MoveToFile(const RtfDigest& unedited, const RtfBlocks& file, std::vector<RtfHunk>& hunks) {
+  const std::vector<std::uint32_t>& begins = unedited.block_begins;
+  const auto in_file = [&](std::size_t paragraph) {
+    const auto block = static_cast<std::size_t>(std::ranges::upper_bound(begins, paragraph) - begins.begin()) - 1;
+    return block < file.Count() ? file[block].paragraph + (paragraph - begins[block]) : file.EndOf(file.Count() - 1);
+  };
+  for (RtfHunk& hunk : hunks) {
+    hunk.before_begin = in_file(hunk.before_begin);
+    hunk.before_end = in_file(hunk.before_end);
+  }
+}
+
+/// What came into a cell, or behind all, is written with a paragraph that stood there.
+void TakeNeighbours(const Sides& sides, std::vector<RtfHunk>& hunks) {
+  std::vector<RtfHunk> joined;
+  for (RtfHunk hunk : hunks) {
+    const bool came_in = hunk.level != RtfHunk::Level::Blocks && hunk.before_begin == hunk.before_end &&
+                         hunk.after_begin < hunk.after_end;
+    const bool needs_place = came_in && (sides.after_blocks.CellOf(hunk.after_begin) >= 0 ||
+                                         hunk.before_end == sides.before.paragraphs.size());
+    if (needs_place) TakeNeighbour(hunk, sides.before_blocks, sides.after_blocks);
+    if (!joined.empty() && hunk.before_begin < joined.back().before_end) {
+      joined.back().before_end = std::max(joined.back().before_end, hunk.before_end);
+      joined.back().after_end = hunk.after_end;
+    } else {
+      joined.push_back(hunk);
+    }
+  }
+  hunks = std::move(joined);
+}
 
 RtfDocument TextOf(const RtfDocument& document) {
   RtfDocument text;
@@ -116,58 +151,77 @@ RtfOriginal::RtfOriginal(std::string bytes, const RtfDocument& document, RtfSour
       ended_early_(document.losses.ended_early),
       fonts_(document.fonts.size()) {}
 
+RtfOriginal::View RtfOriginal::ViewOf(RtfDigest unedited, const RtfDigest& file) {
+  View view;
+  view.stands_in_file = !file.blocks.empty() && file.kinds == unedited.kinds;
+  for (std::size_t i = 0; view.stands_in_file && i < file.blocks.size(); ++i) {
+    const std::uint32_t paragraphs = file.block_begins[i + 1] - file.block_begins[i];
+    view.is_fixed.push_back(file.blocks[i] != unedited.blocks[i] ||
+                            paragraphs != unedited.block_begins[i + 1] - unedited.block_begins[i]);
+  }
+  view.unedited = std::move(unedited);
+  return view;
+}
+
 void RtfOriginal::SetUnedited(const RtfDocument& exported) {
+  if (HasTextBehindSections(exported)) return SetUnedited(WithSectionsApart(exported));
   const RtfBlocks blocks(exported);
-  unedited_ = blocks.AreSound() ? DigestOf(exported, blocks) : RtfDigest();
-  const RtfDigest read = blocks_.AreSound() ? DigestOf(document_, blocks_) : RtfDigest();
-  stands_in_file_ = source_.marks.size() == document_.paragraphs.size() && !read.blocks.empty() &&
-                    read.are_tables == unedited_.are_tables;
-  is_fixed_.clear();
-  for (std::size_t i = 0; stands_in_file_ && i < read.blocks.size(); ++i) {
-    const std::size_t paragraphs = read.block_begins[i + 1] - read.block_begins[i];
-    is_fixed_.push_back(read.blocks[i] != unedited_.blocks[i] ||
-                        paragraphs != unedited_.block_begins[i + 1] - unedited_.block_begins[i]);
-  }
+  const bool is_known = source_.marks.size() == document_.paragraphs.size() && blocks_.AreSound();
+  view_ =
+      ViewOf(blocks.AreSound() ? DigestOf(exported, blocks) : RtfDigest(), is_known ? ShapeOf(blocks_) : RtfDigest());
 }
 
-/// Hunks of the unedited view's paragraphs, as such of the file's.
-void RtfOriginal::MoveToFile(std::vector<RtfHunk>& hunks) const {
-  const std::vector<std::uint32_t>& begins = unedited_.block_begins;
-  const auto in_file = [&](std::size_t paragraph) {
-    const auto block = static_cast<std::size_t>(std::ranges::upper_bound(begins, paragraph) - begins.begin()) - 1;
-    return block < blocks_.Count() ? blocks_[block].paragraph + (paragraph - begins[block])
-                                   : document_.paragraphs.size();
-  };
-  for (RtfHunk& hunk : hunks) {
-    hunk.before_begin = in_file(hunk.before_begin);
-    hunk.before_end = in_file(hunk.before_end);
-  }
+bool RtfOriginal::HasSameRest(const RtfDocument& read, const RtfTablePatch& tables) const {
+  return tables.HasMade(read.kept_header, kept_header_) && read.kept_section == kept_section_ &&
+         read.document_controls == document_controls_ && read.kept_behind.size() == kept_behind_ &&
+         read.losses.ended_early == ended_early_;
 }
 
-std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, const DecodeCodePage& decode) const {
-  constexpr int kMaxRounds = 5;
+/// What is smaller than a table first.
+std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, const DecodeCodePage& decode,
+                                                  std::vector<RtfHunk>* done) const {
+  if (HasTextBehindSections(edited)) return WithEdits(WithSectionsApart(edited), decode, done);
   const RtfBlocks blocks(edited);
   if (!blocks.AreSound()) return std::nullopt;
   const RtfDigest digest = DigestOf(edited, blocks);
-  if (digest == unedited_) return bytes_;
-  if (!stands_in_file_) return std::nullopt;
-  std::vector<RtfHunk> hunks = HunksBetween(unedited_, digest, is_fixed_);
-  MoveToFile(hunks);
-  const Sides sides{bytes_, document_, blocks_, source_, edited, blocks};
+  if (digest == view_.unedited) return bytes_;
+  if (view_.stands_in_file) {
+    std::optional<std::string> bytes = Splice(blocks_, view_, {edited, blocks, digest, decode}, done);
+    if (bytes) return bytes;
+  }
+  const auto has_rows = [](const RtfDigest& one) {
+    return std::ranges::find(one.kinds, RtfBlock::Kind::Row) != one.kinds.end();
+  };
+  if (view_.unedited.blocks.empty() || !blocks_.AreSound() || (!has_rows(digest) && !has_rows(view_.unedited)))
+    return std::nullopt;
+  const View view = ViewOf(DigestOfTables(view_.unedited), DigestOfTables(ShapeOf(blocks_)));
+  if (!view.stands_in_file || source_.marks.size() != document_.paragraphs.size()) return std::nullopt;
+  const RtfBlocks of_tables = blocks.OfTables();
+  return Splice(blocks_.OfTables(), view, {edited, of_tables, DigestOfTables(digest), decode}, done);
+}
+
+std::optional<std::string> RtfOriginal::Splice(const RtfBlocks& file_blocks, const View& view, const Edited& edited,
+                                               std::vector<RtfHunk>* done) const {
+  constexpr int kMaxRounds = 5;
+  std::vector<RtfHunk> hunks = HunksBetween(view.unedited, edited.digest, view.is_fixed);
+  MoveToFile(view.unedited, file_blocks, hunks);
+  if (hunks.empty()) return std::nullopt;
+  const Sides sides{bytes_, document_, file_blocks, source_, edited.document, edited.blocks};
+  TakeNeighbours(sides, hunks);
   for (int round = 1; round <= kMaxRounds; ++round) {
-    RtfTablePatch tables(edited, source_, fonts_);
+    RtfTablePatch tables(edited.document, source_, fonts_);
     for (const RtfHunk& hunk : hunks) tables.Note(hunk);
     Failures failures;
     std::string bytes = Patched(sides, hunks, tables, failures);
     if (failures.empty()) {
-      const RtfDocument read = ReadRtf(bytes, decode);
-      const bool same_rest = tables.HasMade(read.kept_header, kept_header_) && read.kept_section == kept_section_ &&
-                             read.document_controls == document_controls_ && read.kept_behind.size() == kept_behind_ &&
-                             read.losses.ended_early == ended_early_;
-      failures = same_rest ? Check(sides, read, tables.UnnamedFont()).Run(hunks) : Check::All(hunks);
-      if (failures.empty()) return bytes;
+      const RtfDocument read = ReadRtf(bytes, edited.decode);
+      failures = HasSameRest(read, tables) ? Check(sides, read, tables.UnnamedFont()).Run(hunks) : Check::All(hunks);
+      if (failures.empty()) {
+        if (done != nullptr) *done = std::move(hunks);
+        return bytes;
+      }
     }
-    if (!RaiseHunks(hunks, round + 2 < kMaxRounds ? failures : Check::All(hunks), blocks_)) return std::nullopt;
+    if (!RaiseHunks(hunks, round + 2 < kMaxRounds ? failures : Check::All(hunks), file_blocks)) return std::nullopt;
   }
   return std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include "documents/rtf/RtfHunks.h"
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfSource.h"
+#include "documents/rtf/RtfTablePatch.h"
 
 namespace tme::rtf {
 
@@ -29,13 +30,31 @@ class RtfOriginal {
   /// formats as groups around their text, ends of paragraphs as \par. Where that is not possible, the paragraphs, else
   /// the tables, are written anew in their place. New fonts and colours are added to the file's tables. All other bytes
   /// stay, and the result was read again and compared. Null when it cannot be done. edited: its tables of formats,
-  /// fonts, colours, objects and fields begin with those of the document that was read.
-  std::optional<std::string> WithEdits(const RtfDocument& edited, const DecodeCodePage& decode) const;
+  /// fonts, colours, objects and fields begin with those of the document that was read. done: how much was written anew
+  /// for what, in paragraphs of the document that was read; null for nobody.
+  std::optional<std::string> WithEdits(const RtfDocument& edited, const DecodeCodePage& decode,
+                                       std::vector<RtfHunk>* done = nullptr) const;
 
   std::string_view Bytes() const { return bytes_; }
 
  private:
-  void MoveToFile(std::vector<RtfHunk>& hunks) const;
+  /// A document as the view gave it back, beside that of the file.
+  struct View {
+    RtfDigest unedited;
+    /// What the view has in another shape than the file, by block.
+    std::vector<bool> is_fixed;
+    bool stands_in_file = false;
+  };
+  struct Edited {
+    const RtfDocument& document;
+    const RtfBlocks& blocks;
+    const RtfDigest& digest;
+    const DecodeCodePage& decode;
+  };
+  static View ViewOf(RtfDigest unedited, const RtfDigest& file);
+  std::optional<std::string> Splice(const RtfBlocks& blocks, const View& view, const Edited& edited,
+                                    std::vector<RtfHunk>* done) const;
+  bool HasSameRest(const RtfDocument& read, const RtfTablePatch& tables) const;
 
   const std::string bytes_;
   /// Text and paragraphs alone.
@@ -49,10 +68,7 @@ class RtfOriginal {
   std::size_t kept_behind_;  ///< its bytes
   bool ended_early_;
   std::size_t fonts_;
-  RtfDigest unedited_;
-  bool stands_in_file_ = false;
-  /// The tables that the view has in another shape than the file, by block.
-  std::vector<bool> is_fixed_;
+  View view_;
 };
 
 }  // namespace tme::rtf

@@ -1,10 +1,36 @@
 #include "documents/rtf/RtfParser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/Utf8.h"
 
 namespace tme::rtf {
+namespace {
+
+// Behind the last brace.
+constexpr std::string_view kBlanksBehind(" \t\r\n\0\x1A", 6);
+constexpr std::string_view kBlanksAndBraces("} \t\r\n\0\x1A", 7);
+
+/// Of braces from one on that end no group behind it, where the last one stands. Where another file follows, its own
+/// brace counts.
+std::size_t LastBraceTooMany(std::string_view bytes, std::size_t from) {
+  std::size_t last = from, open = 0;
+  for (std::size_t at = from + 1; at < bytes.size(); ++at) {
+    if (bytes[at] == '\\') {
+      ++at;
+    } else if (bytes[at] == '{') {
+      ++open;
+    } else if (bytes[at] == '}') {
+      open == 0 ? last = at : --open;
+    }
+  }
+  const std::size_t next = std::min(bytes.find_first_not_of(" \t\r\n", last + 1), bytes.size());
+  return bytes.substr(next).starts_with("{\\") ? std::max(bytes.rfind('}'), last) : last;
+}
+
+}  // namespace
+
 Parser::Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode, RtfSource* source)
     : document_(document),
       tokens_(bytes),
@@ -20,13 +46,22 @@ Parser::Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePa
   paragraphs_.emplace_back();
 }
 
-void Parser::Read() {
+void Parser::Read(Form form) {
+  // A fragment stands as if in the braces of a file.
+  if (form == Form::Fragment) states_.push_back(states_.back());
   for (tokens_.Next(token_); token_.kind != TokenKind::End; tokens_.Next(token_)) ReadToken();
   decoder_.Flush();
+  if (form == Form::Fragment && !is_closed_ && states_.size() == 2) {
+    is_closed_ = true;
+    root_end_ = tokens_.Bytes().size();
+  }
   document_.losses.ended_early = document_.losses.ended_early || tokens_.CutShort() || !is_closed_;
   Top().destination = Destination::Body;  // the file may have ended inside a table of fonts
-  StartBody();
-  if (builder_.HasVisiblePending() || document_.paragraphs.empty()) EndParagraph(Paragraph().TableLevel());
+  StartBody(root_end_);
+  // What nobody sees goes with the text before it, but not over the break of a section.
+  const bool begins_section = section_ > 0 && document_.paragraphs.size() == section_begin_ && builder_.HasPending();
+  if (builder_.HasVisiblePending() || document_.paragraphs.empty() || begins_section)
+    EndParagraph(Paragraph().TableLevel());
   // Behind the last break there is no page.
   if (document_.SectionBreakOf(document_.paragraphs.size() - 1) != nullptr) SetSectionStart(false);
   document_.document_controls = document_controls_.Joined();
@@ -81,7 +116,7 @@ void Parser::OpenGroup() {
     if (too_deep_++ == 0) ++document_.losses.limits;
     return;
   }
-  if (states_.size() == 2) NoteHeader();
+  if (states_.size() == 2) NoteHeader(token_.begin);
   Top().has_only_words = states_.size() == 1;
   State state = Top();
   state.begin = token_.begin;
@@ -116,22 +151,21 @@ void Parser::CloseGroup() {
 /// is none.
 void Parser::CloseRoot() {
   if (tokens_.Position() <= text_behind_braces_) return;
-  NoteHeader();
+  NoteHeader(token_.begin);
   root_end_ = token_.begin;
-  constexpr std::string_view kBlanksBehind(" \t\r\n\0\x1A", 6);
-  std::string_view rest = tokens_.Bytes().substr(tokens_.Position());
-  const std::size_t last_brace = rest.rfind('}');
-  if (last_brace != std::string_view::npos) {
-    const std::size_t text = rest.substr(0, last_brace).find_first_not_of(std::string_view("} \t\r\n\0\x1A", 7));
+  const std::string_view bytes = tokens_.Bytes();
+  if (last_brace_ == kUnknown) last_brace_ = LastBraceTooMany(bytes, root_end_);
+  if (last_brace_ > root_end_) {
     document_.losses.ended_early = true;
+    const std::size_t text = bytes.substr(0, last_brace_).find_first_not_of(kBlanksAndBraces, tokens_.Position());
     if (text != std::string_view::npos) {
-      text_behind_braces_ = tokens_.Position() + text;
+      text_behind_braces_ = text;
       return;
     }
-    rest.remove_prefix(last_brace + 1);
   }
+  const std::string_view rest = bytes.substr(std::max(last_brace_, root_end_) + 1);
   if (rest.find_first_not_of(kBlanksBehind) != std::string_view::npos) document_.kept_behind = rest;
-  tokens_.Seek(tokens_.Bytes().size());
+  tokens_.Seek(bytes.size());
   is_closed_ = true;
 }
 
@@ -153,11 +187,11 @@ void Parser::Text(std::string_view text, const TextDecoder::Place& place) {
   Top().has_only_words = false;
   switch (Top().destination) {
     case Destination::Body:
-      StartBody();
+      StartBody(place.end > 0 ? place.begin : kUnknown);
       NotePiece(place.is_plain  ? RtfSource::Kind::Plain
                 : place.end > 0 ? RtfSource::Kind::Coded
                                 : RtfSource::Kind::Fixed,
-                place.begin, place.end);
+                place.begin, place.end, place.takes_next);
       return builder_.AddText(text, CharacterId());
     case Destination::FontTable:
       return fonts_.ReadText(text);
@@ -174,21 +208,24 @@ void Parser::UnknownCharacter(const TextDecoder::Place& place) {
   Text(utf8::kReplacement, place);
 }
 
-void Parser::FallbackPassed(std::size_t end) {
+void Parser::FallbackPassed(std::size_t end, bool takes_next) {
   // A character that is not taken has a fallback, too.
-  if (source_ != nullptr && IsBody() && !source_->pieces.empty() &&
-      source_->pieces.back().kind == RtfSource::Kind::Coded)
-    source_->pieces.back().end = static_cast<std::uint32_t>(end);
+  if (source_ == nullptr || !IsBody() || source_->pieces.empty()) return;
+  RtfSource::Piece& last = source_->pieces.back();
+  if (last.kind != RtfSource::Kind::Coded) return;
+  last.end = static_cast<std::uint32_t>(end);
+  last.takes_next = takes_next;
 }
 
-void Parser::NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end) {
+void Parser::NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end, bool takes_next) {
   if (source_ == nullptr) return;
   source_->pieces.push_back({.text = static_cast<std::uint32_t>(document_.text.size()),
                              .begin = static_cast<std::uint32_t>(begin),
                              .end = static_cast<std::uint32_t>(end),
                              .object = 0,
                              .kind = kind,
-                             .unicode_skip = Top().encoding.unicode_skip});
+                             .unicode_skip = Top().encoding.unicode_skip,
+                             .takes_next = takes_next});
 }
 
 /// before: how many paragraphs there were.
@@ -212,10 +249,11 @@ void Parser::NoteLabel() {
   label_ = {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(tokens_.Position())};
 }
 
-/// What comes next is the first that is more than a control word.
-void Parser::NoteHeader() {
-  if (source_ != nullptr && source_->header.begin == 0)
-    source_->header.begin = static_cast<std::uint32_t>(token_.begin);
+/// end: where the first that is more than a control word stands.
+void Parser::NoteHeader(std::size_t end) {
+  if (source_ == nullptr || is_header_known_) return;
+  is_header_known_ = true;
+  source_->header.begin = static_cast<std::uint32_t>(end);
 }
 
 /// A group ends.
@@ -241,10 +279,16 @@ void Parser::NoteKeptTable(HeaderTable table) {
   if (end == 0) end = static_cast<std::uint32_t>(tokens_.Position() - 1);
 }
 
-void Parser::StartBody() {
+void Parser::StartBody(std::size_t at) {
   if (is_body_) return;
-  NoteHeader();
+  NoteHeader(at == kUnknown ? token_.begin : at);
   if (source_ != nullptr) source_->header.kept = static_cast<std::uint32_t>(document_.kept_header.size());
+  if (source_ != nullptr && at != kUnknown) {
+    // All of the group that it stands in comes behind what is put before the text.
+    const std::size_t begin = states_.size() > 2 ? std::min(at, states_[2].begin) : at;
+    source_->header.body = static_cast<std::uint32_t>(begin);
+    source_->header.end = std::min(source_->header.end, source_->header.body);
+  }
   is_body_ = true;
   fonts_.FixDefault();
   CharFormat plain;
@@ -256,7 +300,7 @@ void Parser::StartBody() {
 void Parser::EndParagraph(int table_level, RtfSource::MarkKind kind) {
   if (!IsBody()) return;
   const std::size_t before = document_.paragraphs.size();
-  StartBody();
+  StartBody(token_.begin);
   const ParagraphFormat& format = Paragraph().format;
   if (text_of_list_.empty() || format.list != ListKind::None) lists_of_text_.End();
   if (format.list == ListKind::None && !text_of_list_.empty()) {

@@ -41,7 +41,9 @@ class Parser : private TextDecoder::Sink {
   /// source: null when nobody wants to know.
   Parser(std::string_view bytes, RtfDocument& document, const DecodeCodePage& decode, RtfSource* source);
 
-  void Read();
+  /// A whole file, or what may stand in one.
+  enum class Form : std::uint8_t { File, Fragment };
+  void Read(Form form);
 
  private:
   /// Where text goes.
@@ -80,15 +82,16 @@ class Parser : private TextDecoder::Sink {
   void EndField(const State& field);
   void Text(std::string_view text, const TextDecoder::Place& place) override;
   void UnknownCharacter(const TextDecoder::Place& place) override;
-  void FallbackPassed(std::size_t end) override;
-  void NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end);
+  void FallbackPassed(std::size_t end, bool takes_next) override;
+  void NotePiece(RtfSource::Kind kind, std::size_t begin, std::size_t end, bool takes_next = false);
   void NoteMark(std::size_t before, RtfSource::MarkKind kind);
-  void NoteHeader();
+  void NoteHeader(std::size_t end);
   void NoteHeaderEnd();
   void NoteTable(Destination table);
   void NoteKeptTable(HeaderTable table);
   void NoteLabel();
-  void StartBody();
+  /// at: where what begins it stands.
+  void StartBody(std::size_t at);
   void EndParagraph(int table_level, RtfSource::MarkKind kind = RtfSource::MarkKind::Fixed);
   State& Top() { return states_.back(); }
   bool IsBody() { return Top().destination == Destination::Body; }
@@ -130,7 +133,9 @@ class Parser : private TextDecoder::Sink {
 
   // RtfParserSections.cpp: words of the document and its sections.
   void ReadFileWord(const ControlWord& word);
-  void KeepWithSection(std::string_view words);
+  void KeepWordWithSection();
+  void KeepGroupWithSection();
+  void NoteSectionPart(std::size_t begin);
   void BreakSection();
   void SetSectionStart(bool begins_page);
 
@@ -182,10 +187,13 @@ class Parser : private TextDecoder::Sink {
 
   std::size_t too_deep_ = 0;            ///< how many groups over the limit are open
   bool is_closed_ = false;              ///< the last brace came
+  bool is_header_known_ = false;        ///< where the control words at the beginning end
   std::size_t root_end_ = 0;            ///< where that stands
+  std::size_t last_brace_ = kUnknown;   ///< of those that end no group behind the first of them
   std::size_t text_behind_braces_ = 0;  ///< where more text is known to stand
   bool is_body_ = false;                ///< the text has begun
-  std::uint32_t section_ = 0;  ///< the break before it: index into RtfDocument::objects plus 1; 0 for the first one
+  std::uint32_t section_ = 0;      ///< the break before it: index into RtfDocument::objects plus 1; 0 for the first one
+  std::size_t section_begin_ = 0;  ///< how many paragraphs there were behind that
   bool section_begins_page_ = true;
   bool is_page_border_ = false;  ///< border words are about one
 };

@@ -7,7 +7,6 @@
 #include "documents/rtf/RtfPicture.h"
 
 namespace tme::rtf {
-
 /// The group that the control word stands in, as it came; it is closed.
 std::string Parser::TakeGroup() {
   const bool is_whole = Top().has_only_words && too_deep_ == 0;
@@ -111,9 +110,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
     case Control::ListTable:
       return ReadLists(word);
     case Control::SectionGroup:
-      if (section_ > 0) return KeepWithSection(TakeGroup());
-      document_.kept_section += TakeGroup();
-      return;
+      return KeepGroupWithSection();
     case Control::LegacyNumbering: {
       const std::string group = TakeGroup();
       ParagraphFormat& format = OwnParagraph().format;
@@ -164,7 +161,7 @@ void Parser::ReadLists(const ControlWord& word) {
 
 void Parser::AddObject(Object&& object) {
   if (!IsBody()) return;
-  StartBody();
+  StartBody(object_begin_);
   Top().has_only_words = false;
   const std::size_t begin = std::exchange(object_begin_, kUnknown);
   NotePiece(begin == kUnknown ? RtfSource::Kind::Fixed : RtfSource::Kind::Object, begin == kUnknown ? 0 : begin,

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "documents/rtf/RtfParser.h"
 
 namespace tme::rtf {
@@ -31,27 +33,47 @@ void Parser::ReadFileWord(const ControlWord& word) {
     default:
       break;
   }
-  KeepWithSection(RawWord());
+  KeepWordWithSection();
 }
 
-/// Words as they stand in the file, and of later sections groups.
-void Parser::KeepWithSection(std::string_view words) {
-  if (section_ == 0) return document_controls_.KeepSection(words);
-  std::string& section = document_.objects[section_ - 1].rtf;
-  section += words;
+void Parser::KeepWordWithSection() {
+  if (section_ == 0) return document_controls_.KeepSection(RawWord());
+  document_.objects[section_ - 1].rtf += RawWord();
+  NoteSectionPart(token_.begin);
+}
+
+void Parser::KeepGroupWithSection() {
+  const std::string group = TakeGroup();
+  const std::size_t begin = std::exchange(object_begin_, kUnknown);
+  if (section_ == 0) {
+    document_.kept_section += group;
+    return;
+  }
+  document_.objects[section_ - 1].rtf += group;
+  NoteSectionPart(begin);
+}
+
+/// It was passed. What stands right behind the break goes with it.
+void Parser::NoteSectionPart(std::size_t begin) {
+  if (source_ == nullptr || begin == kUnknown) return;
+  const auto end = static_cast<std::uint32_t>(tokens_.Position());
+  source_->section_parts.push_back({section_, static_cast<std::uint32_t>(begin), end});
+  const bool follows_break = first_piece_ == source_->pieces.size() && source_->pieces.back().object == section_;
+  if (follows_break) source_->marks.back().whole_end = end;
 }
 
 /// The break ends a paragraph, which is one of its own where none is open or a table is.
 void Parser::BreakSection() {
   const int level = Paragraph().TableLevel();
   if (level > 0 && builder_.HasVisiblePending()) EndParagraph(level);
-  StartBody();
+  StartBody(token_.begin);
   NotePiece(RtfSource::Kind::Fixed, token_.begin, token_.begin);
   builder_.AddObject({.kind = ObjectKind::SectionBreak, .rtf = "\\sect"}, CharacterId());
   section_ = static_cast<std::uint32_t>(document_.objects.size());
   if (source_ != nullptr) source_->pieces.back().object = section_;
   SetSectionStart(section_begins_page_);
   EndParagraph(0);
+  section_begin_ = document_.paragraphs.size();
 }
 
 void Parser::SetSectionStart(bool begins_page) {

@@ -200,7 +200,7 @@ void Parser::ReadParagraphWord(const ControlWord& word) {
   ParagraphState& paragraph = OwnParagraph();
   switch (word.control) {
     case Control::ParagraphReset:
-      if (IsBody()) StartBody();
+      if (IsBody()) StartBody(token_.begin);
       paragraph = {};
       return rows_.End();
     case Control::ParagraphWord:
@@ -212,7 +212,7 @@ void Parser::ReadParagraphWord(const ControlWord& word) {
 }
 
 void Parser::ReadBorderWord(const ControlWord& word) {
-  if (is_page_border_) return KeepWithSection(RawWord());
+  if (is_page_border_) return KeepWordWithSection();
   if (IsOfCharacterBorder()) {
     character_border_end_ = tokens_.Position();
     return KeepWithCharacters(token_.text);
@@ -227,7 +227,7 @@ void Parser::ReadRowWord(const ControlWord& word) {
   const int nested = std::max(2, Paragraph().TableLevel());
   switch (word.control) {
     case Control::RowStart:
-      if (IsBody()) StartBody();
+      if (IsBody()) StartBody(token_.begin);
       return rows_.Begin(Top().is_nested_properties ? nested : 1, RawWord());
     case Control::CellEnd:
       return EndCell(word.value == 0 ? 1 : nested);
@@ -259,7 +259,7 @@ void Parser::EndRow(int level) {
   builder_.EndRow(level, rows_.Of(level));
   rows_.End(level);
   if (level == 1 && source_ != nullptr && !source_->marks.empty())
-    source_->marks.back().row_end = static_cast<std::uint32_t>(tokens_.Position());
+    source_->marks.back().whole_end = static_cast<std::uint32_t>(tokens_.Position());
 }
 
 /// Goes with what its name begins like: a border, the section, the row that is being defined; else with the text, else
@@ -268,7 +268,7 @@ void Parser::ReadUnknownWord(const ControlWord& word) {
   const std::string_view name = token_.text;
   if (name.starts_with("brdr")) return ReadBorderWord(word);
   if (name.starts_with("pgn") || name.starts_with("sftnn") || name.starts_with("saftnn")) {
-    KeepWithSection(RawWord());
+    KeepWordWithSection();
     return NoteEffect();
   }
   const bool is_named_as_row = name.starts_with("tr") || name.starts_with("cl") || name.starts_with("ts");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "documents/rtf/RtfTokenizer.h"
 
@@ -43,7 +44,8 @@ void Patch::TakeBack(std::size_t count) {
 std::string Patch::Result() {
   std::vector<std::size_t> order(replacements_.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::ranges::stable_sort(order, {}, [this](std::size_t i) { return replacements_[i].begin; });
+  std::ranges::stable_sort(order, {},
+                           [this](std::size_t i) { return std::pair(replacements_[i].begin, replacements_[i].end); });
   std::string result;
   result.reserve(bytes_.size() + texts_.size() + replacements_.size());
   std::size_t taken = 0;

@@ -14,7 +14,7 @@ class Patch {
  public:
   explicit Patch(std::string_view bytes) : bytes_(bytes) {}
 
-  /// What comes to one place stands in the order in which it came.
+  /// What comes to one place stands in the order in which it came, and before what is replaced from there on.
   void Replace(std::uint32_t begin, std::uint32_t end, std::string_view text);
 
   /// Drops what came behind a number of replacements.

@@ -1,5 +1,6 @@
 #include "documents/rtf/RtfReader.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "base/Utf8.h"
@@ -9,6 +10,12 @@ namespace tme::rtf {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// Programs that make paragraphs for other files put them into one of their own, too.
+bool IsFragment(std::string_view rtf) {
+  constexpr std::string_view kBeginnings[] = {"{\\pard", "{\\fonttbl", "{\\colortbl"};
+  return std::ranges::any_of(kBeginnings, [rtf](std::string_view beginning) { return rtf.starts_with(beginning); });
+}
 
 void ReadAsText(std::string_view bytes, const DecodeCodePage& decode, RtfDocument& document) {
   document.losses.not_rtf = true;
@@ -37,11 +44,13 @@ void MoveBy(RtfSource& source, std::uint32_t bytes) {
   for (RtfSource::Piece& place : source.pieces) place.begin += bytes, place.end += bytes;
   for (RtfSource::Mark& place : source.marks) {
     place.begin += bytes, place.end += bytes;
-    if (place.row_end > 0) place.row_end += bytes;
+    if (place.whole_end > 0) place.whole_end += bytes;
     if (place.label_end > 0) place.label_begin += bytes, place.label_end += bytes;
   }
+  for (RtfSource::SectionPart& place : source.section_parts) place.begin += bytes, place.end += bytes;
   RtfSource::Header& header = source.header;
-  for (std::uint32_t* const place : {&header.begin, &header.end, &header.fonts_end, &header.colors_end})
+  header.begin += bytes;
+  for (std::uint32_t* const place : {&header.end, &header.fonts_end, &header.colors_end, &header.body})
     if (*place > 0) *place += bytes;
   for (std::uint32_t& end : header.table_ends)
     if (end > 0) end += bytes;
@@ -54,9 +63,10 @@ RtfDocument ReadRtf(std::string_view bytes, const DecodeCodePage& decode, RtfSou
   std::string_view rtf = bytes;
   if (rtf.starts_with(kByteOrderMark)) rtf.remove_prefix(kByteOrderMark.size());
   rtf.remove_prefix(std::min(rtf.find_first_not_of(" \t\r\n"), rtf.size()));
-  if (rtf.starts_with("{\\rtf")) {
+  const bool is_file = rtf.starts_with("{\\rtf");
+  if (is_file || IsFragment(rtf)) {
     if (bytes.size() >= std::numeric_limits<std::uint32_t>::max()) source = nullptr;
-    Parser(rtf, document, decode, source).Read();
+    Parser(rtf, document, decode, source).Read(is_file ? Parser::Form::File : Parser::Form::Fragment);
     if (source != nullptr) MoveBy(*source, static_cast<std::uint32_t>(rtf.data() - bytes.data()));
   } else {
     ReadAsText(bytes, decode, document);

@@ -27,8 +27,28 @@ RtfRewriter::RtfRewriter(const Sides& sides, Patch& patch)
       out_(sink_),
       writer_(sides.after, out_) {}
 
-bool RtfRewriter::Rewrite(const RtfHunk& hunk) {
-  return hunk.level == Level::Blocks ? RewritePart(hunk, 0) : RewriteCells(hunk);
+/// The breaks of sections stay where they are, and what stands between them is written by itself.
+bool RtfRewriter::Rewrite(RtfHunk hunk) {
+  while (hunk.before_begin < hunk.before_end || hunk.after_begin < hunk.after_end) {
+    RtfHunk part = hunk;
+    const std::uint32_t before = EndSection(sides_.before, part.before_begin, part.before_end);
+    if (before != EndSection(sides_.after, part.after_begin, part.after_end)) return false;
+    if (!(hunk.level == Level::Blocks ? RewritePart(part, 0) : RewriteCells(part))) return false;
+    hunk.before_begin = part.before_end;
+    hunk.after_begin = part.after_end;
+  }
+  return true;
+}
+
+/// Makes paragraphs end with the first break of a section in them, which it gives, as Run::object; 0 where none is.
+std::uint32_t RtfRewriter::EndSection(const RtfDocument& document, std::size_t begin, std::size_t& end) const {
+  for (std::size_t i = begin; i < end; ++i) {
+    const std::uint32_t section = document.SectionBreakAt(i, sides_.after.objects);
+    if (section == 0) continue;
+    end = i + 1;
+    return section;
+  }
+  return 0;
 }
 
 /// Each cell's paragraphs by themselves.
@@ -51,7 +71,13 @@ bool RtfRewriter::RewriteCells(RtfHunk hunk) {
   // Text outside of tables can go with all its paragraphs; a cell cannot.
   const bool is_text_alone = hunk.before_begin < hunk.before_end && before.CellOf(hunk.before_begin) < 0 &&
                              before.CellOf(hunk.before_end - 1) < 0;
-  if (hunk.after_begin < hunk.after_end) return false;
+  if (hunk.after_begin < hunk.after_end) {
+    // Before, behind or between tables it can come as well.
+    const auto is_text = [&](std::size_t paragraph) { return after.CellOf(paragraph) < 0; };
+    for (std::size_t i = hunk.after_begin; i < hunk.after_end; ++i)
+      if (!is_text(i)) return false;
+    return RewritePart(hunk, 0);
+  }
   return hunk.before_begin == hunk.before_end || (is_text_alone && RewritePart(hunk, 0));
 }
 
@@ -60,7 +86,7 @@ std::uint32_t RtfRewriter::BeginOf(std::size_t paragraph) const {
   const RtfSource::Header& header = sides_.source.header;
   if (paragraph == 0) return std::max(header.begin, header.end);
   const RtfSource::Mark& mark = sides_.source.marks[paragraph - 1];
-  return std::max(mark.end, mark.row_end);
+  return std::max(mark.end, mark.whole_end);
 }
 
 bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
@@ -68,6 +94,8 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
   RtfPart part{.begin = hunk.after_begin, .end = hunk.after_end, .depth = depth};
   part.text = part.begin < after_text_.size() ? after_text_[part.begin] : 0;
   RtfStretch stretch{.begin = BeginOf(hunk.before_begin), .has_tables = hunk.level == Level::Blocks};
+  const bool is_first = hunk.before_begin == 0 && hunk.before_end == 0;
+  if (is_first && source.header.body > 0) stretch.begin = source.header.body;
   std::uint32_t end = stretch.end = stretch.begin;
   if (hunk.before_begin < hunk.before_end) {
     const std::size_t last = hunk.before_end - 1;
@@ -81,7 +109,7 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
       if (part.begin == part.end) return false;
       part.mark = sides_.bytes.substr(mark.begin, mark.end - mark.begin);
     }
-    end = ends_table ? std::max(mark.end, mark.row_end) : mark.end;
+    end = ends_table ? std::max(mark.end, mark.whole_end) : mark.end;
     stretch.end = is_written ? end : mark.begin;
     for (std::size_t i = hunk.before_begin; i < last; ++i)
       if (source.marks[i].kind == MarkKind::Fixed && sides_.before_blocks.CellOf(i) < 0) return false;

@@ -31,9 +31,10 @@ class RtfRewriter {
   RtfRewriter(const Sides& sides, Patch& patch);
 
   /// False when it has no place.
-  bool Rewrite(const RtfHunk& hunk);
+  bool Rewrite(RtfHunk hunk);
 
  private:
+  std::uint32_t EndSection(const RtfDocument& document, std::size_t begin, std::size_t& end) const;
   bool RewriteCells(RtfHunk hunk);
   bool RewritePart(const RtfHunk& hunk, std::size_t depth);
   std::uint32_t BeginOf(std::size_t paragraph) const;

@@ -3,16 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/Utf8.h"
 #include "documents/rtf/RtfComparison.h"
 
 namespace tme::rtf {
-namespace {
-
-/// Bytes behind a \u; a group that says otherwise is longer than more of them.
-constexpr std::size_t kMostSkipped = 3;
-
-}  // namespace
 
 RtfSplicer::RtfSplicer(const RtfRewriter::Sides& sides, Patch& patch)
     : sides_(sides),
@@ -30,40 +23,36 @@ RtfSplicer::RtfSplicer(const RtfRewriter::Sides& sides, Patch& patch)
       out_(sink_),
       patch_(patch) {}
 
-/// What came between two paragraphs needs one of the same cell to stand in.
+/// What came between two paragraphs needs one of the same cell to stand in: not between the number of a list's item and
+/// its text, where another place is.
 bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
-  if (hunk.before_begin < hunk.before_end) return true;
-  const auto is_near = [&](std::size_t before, std::size_t after) {
-    return before < before_.paragraphs.size() && SameCell(before, after);
-  };
-  const bool has_last = hunk.before_begin > 0 && is_near(hunk.before_begin - 1, hunk.after_begin);
-  // Not between the number of a list's item and its text, where another place is.
-  const bool begins_item = hunk.before_end < source_.marks.size() && source_.marks[hunk.before_end].label_end > 0;
+  const std::size_t next = hunk.before_end;
+  const bool begins_item = next < source_.marks.size() && source_.marks[next].label_end > 0;
   const auto is_next_item = [&] {
     const std::uint32_t format = after_.paragraphs[hunk.after_begin].format;
-    return after_.paragraph_formats[format].list != ListKind::None &&
+    return hunk.before_begin > 0 && after_.paragraph_formats[format].list != ListKind::None &&
            before_.paragraphs[hunk.before_begin - 1].format == format;
   };
-  const bool goes_on = has_last && (begins_item || is_next_item());
-  if (!goes_on && is_near(hunk.before_end, hunk.after_end - 1)) {
-    ++hunk.before_end;
-    ++hunk.after_end;
-    return true;
-  }
-  if (!has_last) return false;
-  --hunk.before_begin;
-  --hunk.after_begin;
-  return true;
+  const bool goes_on = hunk.before_begin == next && (begins_item || is_next_item());
+  return TakeNeighbour(hunk, sides_.before_blocks, sides_.after_blocks, goes_on ? Neighbour::Last : Neighbour::Next);
 }
 
 bool RtfSplicer::Splice(RtfHunk hunk) {
   if (!FindParagraph(hunk)) return false;
-  const RtfItemRange old_part{before_, hunk.before_begin, hunk.before_end, before_text_[hunk.before_begin],
+  const RtfItemRange old_part{before_,
+                              after_.objects,
+                              hunk.before_begin,
+                              hunk.before_end,
+                              before_text_[hunk.before_begin],
                               before_text_[hunk.before_end - 1]};
   RtfCommonEnds common;
   std::vector<RtfItem> after;
   if (hunk.after_begin < hunk.after_end) {
-    const RtfItemRange new_part{after_, hunk.after_begin, hunk.after_end, after_text_[hunk.after_begin],
+    const RtfItemRange new_part{after_,
+                                after_.objects,
+                                hunk.after_begin,
+                                hunk.after_end,
+                                after_text_[hunk.after_begin],
                                 after_text_[hunk.after_end - 1]};
     common = CommonEndsOf(old_part, new_part);
     after = ItemsOf(new_part, common);
@@ -75,6 +64,7 @@ bool RtfSplicer::Splice(RtfHunk hunk) {
   for (const std::size_t paragraph : labels_.removed)
     patch_.Replace(source_.marks[paragraph].label_begin, source_.marks[paragraph].label_end, {});
   std::size_t next_before = 0, next_after = 0;
+  removed_end_ = 0;
   for (std::size_t i = 0; i < steps.size();) {
     const DiffChange change = steps[i].change;
     std::size_t count = 1;
@@ -90,6 +80,7 @@ bool RtfSplicer::Splice(RtfHunk hunk) {
     } else if (!std::ranges::all_of(old_items, [this](const RtfItem& item) { return Remove(item); })) {
       return false;
     }
+    if (change == DiffChange::Removed) removed_end_ = next_before + count;
     next_before += old_items.size();
     next_after += new_items.size();
     i += count;
@@ -126,9 +117,19 @@ RtfSplicer::Range RtfSplicer::RangeOf(const RtfItem& item) const {
     return {mark.begin, mark.end};
   }
   const RtfSource::Piece& piece = source_.pieces[item.piece];
-  if (piece.kind != RtfSource::Kind::Plain) return {piece.begin, piece.end};
+  if (piece.kind != RtfSource::Kind::Plain) return {piece.begin, source_.pieces[LastPieceOf(item)].end};
   const std::uint32_t begin = piece.begin + (item.text - piece.text);
   return {begin, begin + item.size};
+}
+
+/// Neighbours that nobody sees are one object.
+std::size_t RtfSplicer::LastPieceOf(const RtfItem& item) const {
+  std::size_t last = item.piece;
+  const auto goes_on = [&](std::size_t next) {
+    return next < source_.pieces.size() && source_.pieces[next].object == item.object;
+  };
+  while (item.object != 0 && goes_on(last + 1)) ++last;
+  return last;
 }
 
 bool RtfSplicer::IsFixed(const RtfItem& item) const {
@@ -136,16 +137,26 @@ bool RtfSplicer::IsFixed(const RtfItem& item) const {
   return source_.pieces[item.piece].kind == RtfSource::Kind::Fixed;
 }
 
-/// Has no format of its own.
-bool RtfSplicer::IsSectionBreak(const RtfItem& item) const {
-  const Object* object = EntryOf(after_.objects, item.object);
-  return object != nullptr && object->kind == ObjectKind::SectionBreak;
+/// With all that the file says of the section behind it.
+void RtfSplicer::RemoveSection(const RtfItem& item) {
+  const auto [begin, end] = RangeOf(item);
+  patch_.Replace(begin, end, {});
+  const std::vector<RtfSource::SectionPart>& parts = source_.section_parts;
+  auto part = std::ranges::lower_bound(parts, item.object, {}, &RtfSource::SectionPart::object);
+  for (; part != parts.end() && part->object == item.object; ++part) patch_.Replace(part->begin, part->end, {});
 }
 
 bool RtfSplicer::Remove(const RtfItem& item) {
+  if (item.kind == RtfItem::Kind::Mark && item.object != 0) {
+    RemoveSection(item);
+    return true;
+  }
   if (IsFixed(item)) return false;
+  const std::size_t last = item.kind == RtfItem::Kind::Object ? LastPieceOf(item) : item.piece;
+  for (std::size_t piece = item.piece; item.object != 0 && piece < last; ++piece)
+    patch_.Replace(source_.pieces[piece].begin, source_.pieces[piece].end, {});
   const auto [begin, end] = RangeOf(item);
-  patch_.Replace(begin, end, {});
+  patch_.Replace(item.object != 0 ? source_.pieces[last].begin : begin, end, {});
   return true;
 }
 
@@ -156,16 +167,24 @@ bool RtfSplicer::Keep(std::span<const RtfItem> before, std::span<const RtfItem> 
       if (!KeepMark(before[i], after[i])) return false;
       continue;
     }
-    if (IsSectionBreak(before[i])) continue;
     const auto goes_on = [&](std::size_t at) {
-      return !IsSectionBreak(before[at]) && before[at].kind != RtfItem::Kind::Mark &&
-             before[at].format == before[i].format && after[at].format == after[i].format &&
-             RangeOf(before[at]).begin == RangeOf(before[at - 1]).end;
+      return before[at].kind != RtfItem::Kind::Mark && before[at].format == before[i].format &&
+             after[at].format == after[i].format && RangeOf(before[at]).begin == RangeOf(before[at - 1]).end;
     };
     while (end < before.size() && goes_on(end)) ++end;
     if (before[i].format != after[i].format && !Wrap(before.subspan(i, end - i), after[i].format)) return false;
   }
   return true;
+}
+
+/// Whether bytes of text would be other letters in another font.
+bool RtfSplicer::MayMeanOthers(std::span<const RtfItem> items, std::uint32_t format) const {
+  if (after_.char_formats[items.front().format].font == after_.char_formats[format].font) return false;
+  const auto is_text = [](const RtfItem& item) { return item.kind == RtfItem::Kind::Text; };
+  const auto is_coded = [this](const RtfItem& item) {
+    return source_.pieces[item.piece].kind == RtfSource::Kind::Coded;
+  };
+  return std::ranges::all_of(items, is_text) && std::ranges::any_of(items, is_coded);
 }
 
 /// Puts what stands side by side into a group with another format.
@@ -174,6 +193,14 @@ bool RtfSplicer::Wrap(std::span<const RtfItem> items, std::uint32_t format) {
   out_.Open();
   if (!WriteFormat(items.front().format, format)) return false;
   const std::uint32_t begin = RangeOf(items.front()).begin, end = RangeOf(items.back()).end;
+  if (MayMeanOthers(items, format)) {
+    const std::uint32_t text = items.front().text, size = items.back().text + items.back().size - text;
+    out_.SetUnicodeSkip(source_.pieces[items.front().piece].unicode_skip);
+    out_.Text(std::string_view(before_.text).substr(text, size), AlphabetOf(format));
+    out_.Close();
+    patch_.Replace(begin, end, TakeSnippet());
+    return true;
+  }
   patch_.Replace(begin, begin, TakeSnippet());
   patch_.Replace(end, end, "}");
   return true;
@@ -185,132 +212,27 @@ bool RtfSplicer::KeepMark(const RtfItem& before, const RtfItem& after) {
   const Paragraph& new_paragraph = after_.paragraphs[after.paragraph];
   if (!SameCell(before.paragraph, after.paragraph)) return false;
   const bool same_format = old_paragraph.format == new_paragraph.format;
-  if (same_format && before.format == after.format) return true;
   const auto [begin, end] = RangeOf(before);
   const bool is_group = begin < end;  // the end of the file has no bytes, and nothing behind it
-  if (is_group) out_.Open();
-  WriteParagraphFormat(before.paragraph, same_format ? kSame : new_paragraph.format);
-  if (!WriteFormat(before.format, after.format)) return false;
-  patch_.Replace(begin, begin, TakeSnippet());
-  if (is_group) patch_.Replace(end, end, "}");
-  return true;
-}
-
-std::optional<RtfSplicer::Place> RtfSplicer::PlaceBehind(const RtfItem& item) const {
-  if (item.kind == RtfItem::Kind::Mark || IsFixed(item)) return std::nullopt;
-  return PlaceAt(RangeOf(item).end, item, source_.pieces[item.piece].unicode_skip);
-}
-
-std::optional<RtfSplicer::Place> RtfSplicer::PlaceBefore(const RtfItem& item) const {
-  const bool is_mark = item.kind == RtfItem::Kind::Mark;
-  if (!is_mark && IsFixed(item)) return std::nullopt;
-  const std::uint8_t skip =
-      is_mark ? source_.marks[item.paragraph].unicode_skip : source_.pieces[item.piece].unicode_skip;
-  return PlaceAt(RangeOf(item).begin, item, skip);
-}
-
-/// Objects may stand between the end of the last cell and that of its row, where text cannot.
-RtfSplicer::Place RtfSplicer::PlaceAt(std::uint32_t at, const RtfItem& item, std::uint8_t unicode_skip) const {
-  return {std::min(at, source_.marks[item.paragraph].begin), item.format, item.paragraph, unicode_skip};
-}
-
-/// Behind what stands before, or before what comes next, where the format fits better.
-std::optional<RtfSplicer::Place> RtfSplicer::PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
-                                                      std::span<const RtfItem> added) const {
-  const std::uint32_t first = added.front().format;
-  const std::optional<Place> behind = next > 0 ? PlaceBehind(before[next - 1]) : std::nullopt;
-  const std::optional<Place> in_front = next < before.size() ? PlaceBefore(before[next]) : std::nullopt;
-  const bool fits_in_front = in_front && SameField(in_front->format, first);
-  if (!behind || !SameField(behind->format, first)) return fits_in_front ? in_front : std::nullopt;
-  return behind->format != first && fits_in_front && in_front->format == first ? in_front : behind;
-}
-
-/// A paragraph that became an item of a list gets its number.
-void RtfSplicer::KeepLabels(std::span<const RtfItem> before, std::span<const RtfItem> after) {
-  for (std::size_t i = 0; i < before.size() && !labels_.wanted.empty(); ++i) {
-    if (!labels_.wanted.contains(after[i].paragraph)) continue;
-    WriteLabel(after[i].paragraph);
-    const std::uint32_t begin = RangeOf(before[i]).begin;
+  if (!same_format || before.format != after.format) {
+    if (is_group) out_.Open();
+    WriteParagraphFormat(before.paragraph, same_format ? kSame : new_paragraph.format);
+    if (!WriteFormat(before.format, after.format)) return false;
     patch_.Replace(begin, begin, TakeSnippet());
+    if (is_group) patch_.Replace(end, end, "}");
   }
+  // Without an end an empty one would not be there.
+  if (!is_group && after_.paragraphs.size() > 1 && !IsSeen(after.paragraph)) patch_.Replace(end, end, "\\par");
+  return true;
 }
 
-/// Where one is wanted.
-void RtfSplicer::WriteLabel(std::size_t paragraph) {
-  if (labels_.wanted.erase(paragraph) == 0) return;
-  std::string label;
-  for (; numbered_ <= paragraph; ++numbered_)
-    label = numbering_.Next(after_.paragraph_formats[after_.paragraphs[numbered_].format]);
-  if (label.empty()) return;
-  out_.Open(after_.paragraph_formats[after_.paragraphs[paragraph].format].list_id != 0 ? "\\listtext" : "\\pntext");
-  out_.Text(label);
-  out_.Text("\t");
-  out_.Close();
-}
-
-bool RtfSplicer::Insert(const Place& place, std::span<const RtfItem> added) {
-  for (std::size_t i = 0, end = 0; i < added.size(); i = end) {
-    end = i + 1;
-    WriteLabel(added[i].paragraph);
-    bool is_written = false;
-    switch (added[i].kind) {
-      case RtfItem::Kind::Mark:
-        is_written = InsertMark(place, added[i]);
-        break;
-      case RtfItem::Kind::Object:
-        is_written = InsertObject(place, added[i]);
-        break;
-      case RtfItem::Kind::Text:
-        while (end < added.size() && added[end].kind == RtfItem::Kind::Text && added[end].format == added[i].format)
-          ++end;
-        is_written = InsertText(place, added.subspan(i, end - i));
-        break;
-    }
-    if (!is_written) return false;
+/// Whether a paragraph of the edited document shows anything.
+bool RtfSplicer::IsSeen(std::size_t paragraph) const {
+  for (std::size_t i = after_.paragraphs[paragraph].first_run; i < after_.EndOfRuns(paragraph); ++i) {
+    const Object* const object = EntryOf(after_.objects, after_.runs[i].object);
+    if (after_.runs[i].bytes > 0 || (object != nullptr && object->kind != ObjectKind::Invisible)) return true;
   }
-  patch_.Replace(place.at, place.at, TakeSnippet());
-  return true;
-}
-
-bool RtfSplicer::InsertText(const Place& place, std::span<const RtfItem> text) {
-  const std::uint32_t begin = text.front().text, size = text.back().text + text.back().size - begin;
-  const std::string_view characters = std::string_view(after_.text).substr(begin, size);
-  const std::uint32_t format = text.front().format;
-  const bool says_skip = place.unicode_skip > kMostSkipped && utf8::AsciiRun(characters) != characters.size();
-  const bool is_group = format != place.format || says_skip;
-  if (is_group) out_.Open(says_skip ? "\\uc1" : "");
-  if (!WriteFormat(place.format, format)) return false;
-  const std::uint32_t font = after_.char_formats[format].font;
-  out_.SetUnicodeSkip(says_skip ? 1 : place.unicode_skip);
-  out_.Text(characters, alphabets_[font < after_.fonts.size() ? font : plain_.font]);
-  if (is_group) out_.Close();
-  return true;
-}
-
-bool RtfSplicer::InsertObject(const Place& place, const RtfItem& item) {
-  const Object& object = after_.objects[item.object - 1];
-  if (object.rtf.empty()) return false;
-  const bool is_group = item.format != place.format;
-  if (is_group) out_.Open();
-  if (!WriteFormat(place.format, item.format)) return false;
-  out_.Kept(object.rtf);
-  if (is_group) out_.Close();
-  return true;
-}
-
-bool RtfSplicer::InsertMark(const Place& place, const RtfItem& mark) {
-  const Paragraph& old_paragraph = before_.paragraphs[place.paragraph];
-  const Paragraph& new_paragraph = after_.paragraphs[mark.paragraph];
-  if (!SameCell(place.paragraph, mark.paragraph)) return false;
-  const bool same_format = old_paragraph.format == new_paragraph.format;
-  const bool is_group = !same_format || place.format != mark.format;
-  if (is_group) out_.Open();
-  WriteParagraphFormat(place.paragraph, same_format ? kSame : new_paragraph.format);
-  if (!WriteFormat(place.format, mark.format)) return false;
-  out_.Words("\\par");
-  if (is_group) out_.Close();
-  WriteLabel(mark.paragraph + std::size_t{1});
-  return true;
+  return false;
 }
 
 bool RtfSplicer::SameField(std::uint32_t one, std::uint32_t other) const {
@@ -320,6 +242,11 @@ bool RtfSplicer::SameField(std::uint32_t one, std::uint32_t other) const {
 /// Counted in the blocks that they stand in.
 bool RtfSplicer::SameCell(std::size_t before, std::size_t after) const {
   return sides_.before_blocks.CellOf(before) == sides_.after_blocks.CellOf(after);
+}
+
+Alphabet RtfSplicer::AlphabetOf(std::uint32_t format) const {
+  const std::uint32_t font = after_.char_formats[format].font;
+  return alphabets_[font < after_.fonts.size() ? font : plain_.font];
 }
 
 /// False for another field.

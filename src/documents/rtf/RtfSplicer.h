@@ -43,6 +43,7 @@ class RtfSplicer {
     std::uint32_t format = 0;
     std::uint32_t paragraph = 0;
     std::uint8_t unicode_skip = 1;
+    bool takes_next = false;  ///< what stands before it would take a letter in
   };
 
   bool FindParagraph(RtfHunk& hunk) const;
@@ -50,16 +51,21 @@ class RtfSplicer {
   bool EndsBefore(std::size_t piece, const RtfItem& item) const;
   Range RangeOf(const RtfItem& item) const;
   bool IsFixed(const RtfItem& item) const;
-  bool IsSectionBreak(const RtfItem& item) const;
+
+  std::size_t LastPieceOf(const RtfItem& item) const;
+  bool IsSeen(std::size_t paragraph) const;
 
   bool Remove(const RtfItem& item);
+  void RemoveSection(const RtfItem& item);
   bool Keep(std::span<const RtfItem> before, std::span<const RtfItem> after);
   bool Wrap(std::span<const RtfItem> items, std::uint32_t format);
+  bool MayMeanOthers(std::span<const RtfItem> items, std::uint32_t format) const;
   bool KeepMark(const RtfItem& before, const RtfItem& after);
 
+  Place PlaceBehindSection(const RtfItem& item, bool is_gone) const;
   std::optional<Place> PlaceBehind(const RtfItem& item) const;
   std::optional<Place> PlaceBefore(const RtfItem& item) const;
-  Place PlaceAt(std::uint32_t at, const RtfItem& item, std::uint8_t unicode_skip) const;
+  Place PlaceAt(std::uint32_t at, const RtfItem& item, std::size_t behind, std::uint8_t unicode_skip) const;
   std::optional<Place> PlaceFor(const std::vector<RtfItem>& before, std::size_t next,
                                 std::span<const RtfItem> added) const;
   void KeepLabels(std::span<const RtfItem> before, std::span<const RtfItem> after);
@@ -71,6 +77,7 @@ class RtfSplicer {
 
   bool SameField(std::uint32_t one, std::uint32_t other) const;
   bool SameCell(std::size_t before, std::size_t after) const;
+  Alphabet AlphabetOf(std::uint32_t format) const;
   bool WriteFormat(std::uint32_t from, std::uint32_t to);
   void WriteParagraphFormat(std::uint32_t paragraph, std::uint32_t format);
   std::string TakeSnippet();
@@ -90,6 +97,7 @@ class RtfSplicer {
   RtfLabelPlan labels_;     ///< of the hunk
   RtfNumbering numbering_;  ///< of the document after the edits
   std::size_t numbered_ = 0;
+  std::size_t removed_end_ = 0;  ///< of the items before the edit, behind those that were taken out last
 };
 
 }  // namespace tme::rtf

@@ -69,7 +69,8 @@ void TextDecoder::Advance(std::size_t end) {
 bool TextDecoder::SkipFallback(std::size_t end) {
   if (fallback_left_ == 0) return false;
   --fallback_left_;
-  if (pending_surrogate_ == 0) sink_.FallbackPassed(end);
+  surrogate_end_ = end;
+  if (pending_surrogate_ == 0) sink_.FallbackPassed(end, fallback_left_ > 0);
   return true;
 }
 
@@ -79,7 +80,8 @@ void TextDecoder::ReadAscii(std::string_view text, CodePage& page) {
     text.remove_prefix(passed);
     fallback_left_ -= static_cast<int>(passed);
     end_ += passed;
-    if (pending_surrogate_ == 0) sink_.FallbackPassed(end_);
+    surrogate_end_ = end_;
+    if (pending_surrogate_ == 0) sink_.FallbackPassed(end_, fallback_left_ > 0);
   }
   while (!pending_bytes_.empty() && !text.empty()) {
     Advance(end_ + 1);
@@ -103,6 +105,7 @@ void TextDecoder::ReadByte(unsigned char byte, CodePage& page) {
   if (!pending_bytes_.empty()) {
     if (page.IsTrail(byte)) {
       pending_bytes_.push_back(static_cast<char>(byte));
+      pending_end_ = end_;
       if (pending_bytes_.size() < page.Bytes(static_cast<unsigned char>(pending_bytes_.front()))) return;
       const std::string bytes = std::exchange(pending_bytes_, {});
       PutDecoded(page.Several(bytes));
@@ -112,6 +115,7 @@ void TextDecoder::ReadByte(unsigned char byte, CodePage& page) {
   }
   if (page.Bytes(byte) > 1) {
     pending_bytes_.push_back(static_cast<char>(byte));
+    pending_end_ = end_;
   } else {
     PutDecoded(page.Single(byte));
   }
@@ -138,6 +142,8 @@ void TextDecoder::ReadUnicode(std::int32_t value, const TextEncoding& encoding) 
   if (utf16::IsHighSurrogate(character)) {
     FlushSurrogate();
     pending_surrogate_ = character;
+    surrogate_begin_ = begin_;
+    surrogate_end_ = end_;
     return;
   }
   if (utf16::IsLowSurrogate(character)) {
@@ -156,7 +162,9 @@ void TextDecoder::Put(char32_t character) {
 void TextDecoder::Flush() {
   if (pending_bytes_.empty()) return;
   pending_bytes_.clear();
-  PutUnknown();
+  FlushSurrogate();
+  sink_.UnknownCharacter({begin_, pending_end_, false, true});
+  begin_ = pending_end_;
 }
 
 void TextDecoder::PutDecoded(std::string_view text) {
@@ -169,19 +177,20 @@ void TextDecoder::PutDecoded(std::string_view text) {
 
 void TextDecoder::PutText(std::string_view text, bool is_plain) {
   FlushSurrogate();
-  sink_.Text(text, {begin_, end_, is_plain});
+  sink_.Text(text, {begin_, end_, is_plain, fallback_left_ > 0});
 }
 
 void TextDecoder::PutUnknown() {
   FlushSurrogate();
-  sink_.UnknownCharacter({begin_, end_});
+  sink_.UnknownCharacter({begin_, end_, false, fallback_left_ > 0});
 }
 
 /// The other half did not come.
 void TextDecoder::FlushSurrogate() {
   if (pending_surrogate_ == 0) return;
   pending_surrogate_ = 0;
-  sink_.UnknownCharacter({});
+  sink_.UnknownCharacter({surrogate_begin_, surrogate_end_});
+  begin_ = std::max(begin_, surrogate_end_);
 }
 
 }  // namespace tme::rtf

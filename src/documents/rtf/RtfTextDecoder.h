@@ -23,15 +23,16 @@ class TextDecoder {
   struct Place {
     std::size_t begin = 0;
     std::size_t end = 0;
-    bool is_plain = false;  ///< the bytes are the text
+    bool is_plain = false;    ///< the bytes are the text
+    bool takes_next = false;  ///< it ends before its last byte or its fallback
   };
   class Sink {
    public:
     virtual void Text(std::string_view text, const Place& place) = 0;
     /// Stands for U+FFFD, where the code page or \u has no character.
     virtual void UnknownCharacter(const Place& place) = 0;
-    /// What was passed over up to here belongs to the last character.
-    virtual void FallbackPassed(std::size_t /*end*/) {}
+    /// What was passed over up to here belongs to the last character; more of it may come.
+    virtual void FallbackPassed(std::size_t /*end*/, bool /*takes_next*/) {}
 
    protected:
     ~Sink() = default;
@@ -65,7 +66,10 @@ class TextDecoder {
 
   Sink& sink_;
   std::string pending_bytes_;       ///< of a character of several bytes
+  std::size_t pending_end_ = 0;     ///< where these end
   char32_t pending_surrogate_ = 0;  ///< the high one of a pair; 0: none
+  std::size_t surrogate_begin_ = 0;
+  std::size_t surrogate_end_ = 0;
   int fallback_left_ = 0;
   std::size_t begin_ = 0;  ///< of the character, in the file
   std::size_t end_ = 0;    ///< of what was read of it
