@@ -4,6 +4,7 @@
 
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextList>
 #include <QTextTable>
 #include <algorithm>
 
@@ -12,6 +13,7 @@
 #include "windows/rich/RtfExport.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfPageHeight.h"
 #include "windows/rich/RtfShape.h"
 
 using namespace tme;
@@ -77,6 +79,7 @@ std::vector<Shape> Shapes() {
       {"many levels", Nested(19), {7, 3, piece, 7}, 11, 0},
       {"deep ones behind each other", Times(300, Nested(12) + "\\pard\\par"), {9, 3, piece, 624}, 2'312, 0},
       {"a large text in tables", "\\itap3 " + Times(20'000, "\\itap3 word\\par ") + "\\nestcell", no_tables, 1, 0},
+      {"many items of a list", Times(600, "\\pard{\\*\\pn\\pnlvlblt} a\\par "), no_tables, 0, 0},
       {"many rows", Times(3'000, kRow), {1, 1'000, piece, 14}, 0, 0},
       {"a row of many cells", "\\trowd\\pard\\intbl " + Times(20'000, "c\\cell ") + "\\row", no_tables, 1, 0},
       {"a long paragraph", Times(10'000, "some words ") + "\\par end", no_tables, 0, 1},
@@ -110,6 +113,7 @@ TEST(RtfShape, IsShownBoundedAndWrittenAsItWas) {
     for (QTextBlock block = view.begin(); block.isValid(); block = block.next()) {
       largest.block = std::max(largest.block, block.length());
       EXPECT_LE(block.textFormats().size(), static_cast<qsizetype>(kLongRuns));
+      EXPECT_LE(block.textList() ? block.textList()->count() : 0, kItemsOfList);
     }
     EXPECT_LE(largest.depth, shape.bound.depth);
     EXPECT_LE(largest.cells, shape.bound.cells);
@@ -121,6 +125,21 @@ TEST(RtfShape, IsShownBoundedAndWrittenAsItWas) {
     EXPECT_TRUE(after == before) << "…" << std::string(differ.first, after.end()).substr(0, 80) << "… is no …"
                                  << std::string(differ.second, before.end()).substr(0, 80);
   }
+}
+
+TEST(RtfShape, PagesAreTallWhereTheTextIs) {
+  const auto is_tall = [](const std::string& body, int percent) {
+    RtfStore store;
+    QTextDocument view;
+    RtfSimplified simplified;
+    EXPECT_TRUE(ImportRtf(rtf::Read("{\\rtf1 " + body + "}"), store, view, simplified));
+    return RtfPageHeight().Of(view, store, percent) > 0;
+  };
+  constexpr int kPercent = 20'000;
+  EXPECT_FALSE(is_tall(Times(100, "\\par "), kPercent));
+  EXPECT_TRUE(is_tall(Times(1'000, "\\par "), kPercent));
+  EXPECT_FALSE(is_tall(Times(600, kRow), kPercent));  // cells side by side
+  EXPECT_TRUE(is_tall(Times(1'200, kRow), kPercent));
 }
 
 TEST(RtfShape, AnEditKeepsTheTablesThatAreLines) {

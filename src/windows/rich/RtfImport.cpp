@@ -57,7 +57,7 @@ QTextList* ViewLists::Find(const rtf::ParagraphFormat& format) {
     return entry.first.id == format.list_id && entry.first.level > format.list_level;
   });
   const auto found = lists_.find({format.list_id, format.list_level, format.list});
-  return found == lists_.end() ? nullptr : found->second;
+  return found == lists_.end() || found->second->count() >= kItemsOfList ? nullptr : found->second;
 }
 
 void ViewLists::Begin(const rtf::ParagraphFormat& format, QTextCursor& cursor) {
@@ -220,6 +220,8 @@ class Importer {
     const auto rows = static_cast<int>(grid.kept.rows.size());
     const int columns = grid.kept.columns;
     QTextTableFormat format = grid.Format();
+    grid.kept.has_spans = std::ranges::any_of(
+        grid.places, [](const auto& entry) { return entry.second.rows > 1 || entry.second.columns > 1; });
     store_.tables.push_back(std::move(grid.kept));
     format.setProperty(kTable, static_cast<int>(store_.tables.size()));
     QTextTable* table = cursor_.insertTable(rows, columns, format);

@@ -65,6 +65,8 @@ void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
   objects_->Reset(*store_);
   connect(view.get(), &QTextDocument::contentsChange, this, [this](int position) { NoteChange(position); });
   large_steps_.clear();
+  large_redos_.clear();
+  page_height_.Reset();
   view->setParent(this);
   const QTextDocument* old = document();
   // The edit deletes only what it made itself.

@@ -9,6 +9,7 @@
 #include "documents/rtf/RtfOriginal.h"
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
+#include "windows/rich/RtfPageHeight.h"
 #include "windows/rich/RtfStore.h"
 #include "windows/rich/RtfTraces.h"
 #include "windows/text/Pad.h"
@@ -139,8 +140,6 @@ class RtfPad : public QTextEdit, public Pad {
   /// That stands under a point of the document; -1 for none.
   int CharacterAt(const QPointF& point) const;
   static QString LinkText(const QTextCursor& cursor);
-  /// Of the only page of the view, as the layout takes it: below 0 for none.
-  double PageHeight() const;
   /// After each change of the page by the edit, which knows of no tall text.
   void FitPage();
   /// Lays the text out as far as a position, with progress. False when the user did not wait for it, or the document is
@@ -153,7 +152,8 @@ class RtfPad : public QTextEdit, public Pad {
   void ShowFrom(int position);
   /// Scrolls to it, unless the user does not wait for that.
   bool ShowCaret();
-  void Step(const std::function<void()>& step, int number);
+  enum class StepKind : std::uint8_t { Undo, Redo };
+  void Step(StepKind kind);
   /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
   /// long.
   void AfterInsertion(int first);
@@ -177,12 +177,14 @@ class RtfPad : public QTextEdit, public Pad {
   std::unique_ptr<RtfStore> store_;
   RtfObjectView* objects_;
   RtfTraces traces_;
+  RtfPageHeight page_height_;
   QImage zoom_device_;
   ZoomPercent zoom_;
   int right_margin_ = kNoWrap;
   int bullet_indent_ = 0;
   std::uint64_t revision_ = 0;
-  std::set<int> large_steps_;  ///< by how many steps could be undone after each
+  std::set<int> large_steps_;  ///< by how many commands the toolkit could undo after each
+  std::set<int> large_redos_;  ///< by how many it could when one was undone
 };
 
 }  // namespace tme

@@ -22,14 +22,6 @@ constexpr int kCharactersAtOnce = 100'000;
 constexpr int kBlocksAtOnce = 1'000;
 constexpr int kLeastWrapPixels = 40;
 
-// Without pages, the layout takes INT_MAX / 256 pixels for the height of its only page and never ends where one step
-// passes that. This is the most that its coordinates can hold; text that is taller still is shown wrongly.
-constexpr double kTallPage = 33'554'431;
-constexpr double kPageWithoutEnd = -1;
-constexpr double kMostOnOnePage = 8'388'607;
-// What is taken for tall, for all tables are laid out with each key on a page that has a height: generous means.
-constexpr double kParagraphPixels = 84, kCharacterPixels = 8, kPixelsPerPoint = 2;
-
 }  // namespace
 
 RtfPad::LargeEdit::LargeEdit(RtfPad& pad, std::size_t cost) {
@@ -126,25 +118,12 @@ void RtfPad::ApplyZoom() {
     layout->setPaintDevice(&zoom_device_);
   }
   // As after a new page size: all is laid out anew, what is in sight first.
-  document()->setPageSize({document()->pageSize().width(), PageHeight()});
+  document()->setPageSize({document()->pageSize().width(), page_height_.Of(*document(), *store_, percent)});
   viewport()->update();
 }
 
-double RtfPad::PageHeight() const {
-  double more = 0;
-  for (const QTextFormat& format : document()->allFormats()) {
-    const QTextBlockFormat block = format.toBlockFormat();
-    const bool fixed = block.lineHeightType() > QTextBlockFormat::ProportionalHeight;
-    more = std::max({more, block.topMargin() + block.bottomMargin() + (fixed ? block.lineHeight() : 0),
-                     format.doubleProperty(QTextFormat::FontPointSize) * kPixelsPerPoint});
-  }
-  const double pixels =
-      document()->blockCount() * (kParagraphPixels + more) + document()->characterCount() * kCharacterPixels;
-  return pixels * zoom_.Value() / 100 > kMostOnOnePage ? kTallPage : kPageWithoutEnd;
-}
-
 void RtfPad::FitPage() {
-  const QSizeF page(document()->pageSize().width(), PageHeight());
+  const QSizeF page(document()->pageSize().width(), page_height_.Of(*document(), *store_, zoom_.Value()));
   if (page != document()->pageSize()) document()->setPageSize(page);
 }
 
@@ -154,22 +133,37 @@ void RtfPad::ZoomInPlace() {
   ShowFrom(place);
 }
 
-void RtfPad::Undo() {
-  Step([this] { QTextEdit::undo(); }, document()->availableUndoSteps());
-}
+void RtfPad::Undo() { Step(StepKind::Undo); }
 
-void RtfPad::Redo() {
-  Step([this] { QTextEdit::redo(); }, document()->availableUndoSteps() + 1);
-}
+void RtfPad::Redo() { Step(StepKind::Redo); }
 
-void RtfPad::Step(const std::function<void()>& step, int number) {
-  const std::set<int> large_steps = large_steps_;
-  {
-    const LargeEdit edit(*this, large_steps.contains(number) ? kMaxCostAtOnce : 0);
-    step();
+void RtfPad::Step(StepKind kind) {
+  const bool is_undo = kind == StepKind::Undo;
+  const int commands = document()->availableUndoSteps();
+  if (!(is_undo ? large_steps_ : large_redos_).contains(commands)) {
+    is_undo ? QTextEdit::undo() : QTextEdit::redo();
+    ShowCaret();
+    return;
   }
-  large_steps_ = large_steps;  // no new ones
-  ShowCaret();
+  const std::set<int> large_steps = large_steps_;
+  const int characters = document()->characterCount();
+  QTextCursor place(document());
+  {
+    const LargeEdit edit(*this, kMaxCostAtOnce);
+    // A caret that is moved outside of one lays all out up to its place.
+    QTextCursor all(document());
+    all.beginEditBlock();
+    is_undo ? document()->undo(&place) : document()->redo(&place);
+    all.endEditBlock();
+  }
+  if (is_undo) {
+    large_steps_ = large_steps;  // no new ones
+    large_redos_.insert(document()->availableUndoSteps());
+  }
+  // Where only formats came back, the selection stays: its far end may not be laid out for long.
+  if (document()->characterCount() == characters || !LayOutTo(place.position())) return;
+  setTextCursor(place);
+  ensureCursorVisible();
 }
 
 std::size_t RtfPad::SelectionCost() const {

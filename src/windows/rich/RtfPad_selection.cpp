@@ -6,6 +6,7 @@
 
 #include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
+#include "windows/rich/RtfShape.h"
 
 namespace tme {
 namespace {
@@ -150,7 +151,7 @@ void RtfPad::SetSelectionBullet(bool bullet) {
         format.setLeftMargin(std::max(format.leftMargin() - indent, 0.0));
       }
       at.setBlockFormat(format);
-      if (bullet && list)
+      if (bullet && list && list->count() < kItemsOfList)
         list->add(block);
       else if (bullet)
         list = at.createList(list_format);

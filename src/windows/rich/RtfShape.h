@@ -24,6 +24,10 @@ inline constexpr int kMaxShownDepth = 10;
 inline constexpr std::size_t kLongBytes = 20'000, kBytesOfPiece = 2'000;
 inline constexpr std::size_t kLongRuns = 1'000, kRunsOfPiece = 200;
 
+/// A list of the view has no more items: with each that joins or changes, the toolkit looks at all. The next ones stand
+/// in a list of the same look, which a save does not tell apart.
+inline constexpr int kItemsOfList = 250;
+
 /// How much of a document's structure a view shows.
 class RtfShape {
  public:

@@ -53,6 +53,7 @@ struct RtfStore {
     // Of the view's tables that are one in the file: the same number, and which of them it is. 0: it is one alone.
     int group = 0;
     int part = 0;
+    bool has_spans = false;  ///< of cells over several rows or columns
   };
   /// Tables whose cells are shown as lines. A table's rows and a row's cells stand side by side, in their order.
   struct FlatTables {
