@@ -36,12 +36,14 @@ TEST_F(ConsoleCheck, NamesLinesThatReadersTakeInDifferentWays) {
        "4: an entry without a key\n5: a comment with \"#\" and \"=\"\n"},
       {"\xEF\xBB\xBF[A]\n\xC3\xA4=1\r\n\xC3\xA4\xC3\xB6\xC3\xBC=2\r\n\xE4=3\n",
        "1: the byte order mark of UTF-8 right before the first section\n"
-       "2: the line ends in CR LF and not in LF, and so do 1 more\n4: bytes that are no UTF-8 in a file of UTF-8\n"},
+       "2: the line ends in CR LF and not in LF; lines that end in another way than the first: 2\n4: bytes that are no "
+       "UTF-8 in a file of UTF-8\n"},
       {"\xEF\xBB\xBF; \xC3\xA4\n[]\n", "1: the byte order mark of UTF-8 at the start\n2: a section without a name\n"},
       {"[A]\nk=1\n  l=2\n  m\n\n; c\n\tn\nk2=1\n[B]\n  m\n  m2=1\n",
        "3: an entry that stands deeper than key \"k\" above, in line 2\n"
        "4: a line that stands deeper than key \"k\" above, in line 2\n"
        "7: a line that stands deeper than key \"k\" above, in line 2\n10: an entry without \"=\"\n"},
+      {"[A]\rk=1\r", "1: the line ends in CR alone\n"},
       {"[A]\n\xE4\xF6=1\n\xFC=2\n\xC3\xA4=3\nn=\0\n", "4: UTF-8 in a file of 8-bit characters\n"},
   };
   for (const auto& [text, findings] : cases) {

@@ -302,6 +302,10 @@ TEST_F(SourceBesideTree, CtrlZTakesBackWhatIsTypedFirst) {
   QTest::keyClick(&View(), Qt::Key_X);
   EXPECT_EQ(Saved(), std::string(kRegText).insert(12, "x")) << "a save reads it first";
   EXPECT_FALSE(View().CanUndo());
+  QTest::keyClick(&View(), Qt::Key_Z, Qt::ControlModifier);
+  ExpectShown(kRegText);
+  QTest::keyClick(&View(), Qt::Key_Y);
+  EXPECT_EQ(Shown(), std::string(kRegText).insert(12, "y")) << "the caret is where it was";
   OpenWith(DocumentKind::Ini, Holding::ByRules, kIniText);
   ExpectShown(kIniText);
   GoTo(1);

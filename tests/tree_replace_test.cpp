@@ -68,6 +68,9 @@ TEST(Replacer, TakesInAnIniDocumentWhatIsReadBackAsItIsMeant) {
       {"[a1]\n[a2]\n[x2]\n", "a", "x", "[x1]\n[a2]\n[x2]\n", "There is a section of this name already.\n"},
       {"[a1]\n[a2]\n", "a1", "a2", "[a1]\n[a2]\n", "There is a section of this name already.\n"},
       {"[a]\na=a\n", "a", "b=c", "[b=c]\na=b=c\n", "A key ends at its \"=\".\n"},
+      {"a=1\nb=21\n", "1", " \"x ", "a=1\nb=21\n",
+       "A value has no blanks at its ends, but within quotes.\nA value has no blanks at its ends, but within "
+       "quotes.\n"},
       {"a=1\n;ab\n", "a", "", "a=1\n;b\n", "An entry needs a key.\n"},
       {"ab=1\n;c\n", "a", "[", "ab=1\n;c\n", "The line would no longer be an entry.\n"},
       {";ab\n", ";", "", ";ab\n", "A comment begins with a semicolon.\n"},
@@ -228,8 +231,13 @@ TEST_F(TreeReplace, ReplacesHitAfterHit) {
     one->click();
     one->click();
     EXPECT_EQ(window.Content(), "[s]\r\na=oneone oneone\r\nb=oneone\r\n\r\n");
+    auto* with = Child<QLineEdit>(window, "replace_text");
+    with->setFocus();
+    QTest::keyClick(with, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(window.Content(), "[s]\r\na=oneone oneone\r\nb=one\r\n\r\n") << "and not what was typed in the box";
+    QTest::keyClick(with, Qt::Key_Y, Qt::ControlModifier);
     EXPECT_EQ(window.Caption(), u"r.ini [CHANGED]");
-    Child<QLineEdit>(window, "replace_text")->setText(u"x=y"_s);
+    with->setText(u"x=y"_s);
     Fill(window, u"a"_s, u"x=y"_s);
     one->click();
     EXPECT_TRUE(Child<QLabel>(window, "find_error")->isVisible());

@@ -64,8 +64,11 @@ void CheckLines(const ConsoleFile& file, Findings& findings) {
     ForEachPiece(file, [&](SourceLines::Piece, std::uint64_t number, std::string_view text) {
       ForEachLineOf(text, number, visit);
     });
+  if (first_end == "\r")
+    findings.push_back({1, "the line ends in CR alone", "most readers take it and the next for one"});
   if (others == 0) return;
-  const std::string more = others > 1 ? ", and so do " + std::to_string(others - 1) + " more" : std::string();
+  const std::string more =
+      others > 1 ? "; lines that end in another way than the first: " + std::to_string(others) : std::string();
   findings.push_back({first_other,
                       "the line ends in " + other_end + " and not in " + std::string(NameOfEnd(first_end)) + more,
                       "some readers join lines or keep the CR as part of a value"});

@@ -43,6 +43,7 @@ QString IniReplacer::Check(const Replacement& replacement) {
     default:
       // The dialog of an entry would delete it.
       if (after.empty() && tree_.Holding() == Holding::ByRules) return tr("An entry needs a value.");
+      if (TrimIniBlanks(after) != after) return tr("A value has no blanks at its ends, but within quotes.");
       return {};
   }
 }

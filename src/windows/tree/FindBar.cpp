@@ -91,6 +91,7 @@ void FindBar::BuildReplaceRow() {
   replace_text_->setPlaceholderText(tr("Replace with"));
   replace_text_->setMinimumWidth(fontMetrics().averageCharWidth() * kTextCharacters);
   replace_text_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  replace_text_->installEventFilter(this);
   connect(replace_text_, &QLineEdit::returnPressed, this, &FindBar::ReplaceWanted);
   row->addWidget(replace_text_);
   const auto add = [&](const char* name, const QString& caption, const QString& tip, void (FindBar::*wanted)()) {
@@ -252,8 +253,22 @@ void FindBar::ShowState() {
     Say(tr("Some texts take this expression too long; not all in them is found."));
 }
 
+void FindBar::ForgetTyping() {
+  const QScopedValueRollback showing(is_showing_, true);
+  for (QLineEdit* box : {text_, replace_text_}) box->setText(box->text());
+}
+
 bool FindBar::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress) return QFrame::eventFilter(watched, event);
+  if (event->type() == QEvent::ShortcutOverride) {
+    // A box with nothing to undo would take the key, too.
+    const auto& box = *static_cast<QLineEdit*>(watched);
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    const bool is_of_document = (key.matches(QKeySequence::Undo) && !box.isUndoAvailable()) ||
+                                (key.matches(QKeySequence::Redo) && !box.isRedoAvailable());
+    if (is_of_document) event->ignore();
+    return is_of_document || QFrame::eventFilter(watched, event);
+  }
+  if (event->type() != QEvent::KeyPress || watched != text_) return QFrame::eventFilter(watched, event);
   const auto* key = static_cast<QKeyEvent*>(event);
   if (key->key() == Qt::Key_Down && key->modifiers() == Qt::NoModifier) {
     emit ListFocusWanted();

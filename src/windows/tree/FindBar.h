@@ -32,6 +32,8 @@ class FindBar : public QFrame {
   /// Shows the row for replacing, with the focus in what is empty of the two texts.
   void ShowReplace();
   QString ReplaceText() const;
+  /// What is undone next is of the document, and not what was typed here.
+  void ForgetTyping();
   /// Why something was not done; empty for nothing.
   void Say(const QString& reason);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/Reversed.h"
+#include "base/Utf8.h"
 #include "windows/tree/SourceView.h"
 
 namespace tme {
@@ -168,6 +169,9 @@ void SourceView::Exchange(PadPosition start, PadPosition end, std::string text) 
 void SourceView::Replace(PadPosition start, PadPosition end, std::string_view text) {
   const PadPosition top = Send(SCI_GETFIRSTVISIBLELINE), lines = LineCount();
   const bool is_above = end <= StartOf(top) && start < end;
+  // A caret within goes behind what is other: where one that types it would be.
+  const bool has_caret = start <= Caret() && Caret() <= end;
+  PadPosition other_end = start + static_cast<PadPosition>(text.size() - SameEnd(text, BytesBetween(start, end)));
   Send(SCI_SETREADONLY, 0);
   if (start == 0 && end == End()) {
     SetText(std::string(text));
@@ -177,6 +181,11 @@ void SourceView::Replace(PadPosition start, PadPosition end, std::string_view te
     Send(SCI_REPLACETARGET, text.size(), reinterpret_cast<std::intptr_t>(text.data()));
   }
   ApplyEditable();
+  if (has_caret) {
+    while (utf8::IsContinuation(static_cast<char>(Send(SCI_GETCHARAT, static_cast<std::uintptr_t>(other_end)))))
+      ++other_end;
+    Send(SCI_SETEMPTYSELECTION, static_cast<std::uintptr_t>(other_end));
+  }
   Send(SCI_SETFIRSTVISIBLELINE, static_cast<std::uintptr_t>(is_above ? top + LineCount() - lines : top));
 }
 

@@ -97,6 +97,7 @@ void TreeDocumentWindow::ReplaceOne() {
     const EditableDocument::Step step(window->Searchable().Edited(), EditName::Replace);
     if (!replacer->Apply(*plan)) return find_bar_->Say(tr("The file cannot hold this."));
     window->SetChanged(true);
+    find_bar_->ForgetTyping();
     end += plan->after.size() - size_before;
   }
   finder_->GoToNextBehind(window, hit.Place(), hit.field, end);
@@ -127,6 +128,7 @@ void TreeDocumentWindow::ReplaceAll() {
     said += u' ' + Counted(refused, tr("1 text stays: the file cannot hold what it would be."),
                            tr("%1 texts stay: the file cannot hold what they would be."));
   find_bar_->Say(said);
+  find_bar_->ForgetTyping();
 }
 
 void TreeDocumentWindow::Replace(std::span<const PlannedReplacement> plans, std::size_t& done, std::size_t& refused) {
