@@ -26,7 +26,7 @@ RtfBodyWriter::RtfBodyWriter(const RtfDocument& document, RtfOutput& out)
 void RtfBodyWriter::BeginPlain() {
   format_ = plain_;
   format_.said = 0;
-  format_number_ = kNoFormat;
+  format_number_ = entry_ = kNoFormat;
 }
 
 void RtfBodyWriter::WriteAll() {
@@ -166,7 +166,7 @@ void RtfBodyWriter::BeginFormats(std::size_t index) {
     if (NeedsGroup(document_, format) || !LeadsTo(document_, plain_, format, wanted)) continue;
     WriteCharFormat(document_, plain_, format_, format, out_);
     format_ = format;
-    format_number_ = kNoFormat;
+    format_number_ = entry_ = kNoFormat;
     return;
   }
 }
@@ -176,15 +176,35 @@ void RtfBodyWriter::SetFormat(std::uint32_t format) {
   LeaveGroup();
   const CharFormat& wanted = CharFormatOf(format);
   EnterField(wanted.field);
-  // What no word takes back ends with its group.
-  if (NeedsGroup(document_, wanted) || !LeadsTo(document_, plain_, wanted, format_)) {
+  const Step& step = StepTo(format);
+  if (step.needs_group) {
     format_around_group_ = format_;
+    entry_around_group_ = entry_;
     in_group_ = true;
     out_.Open();
   }
-  WriteCharFormat(document_, plain_, format_, wanted, out_);
+  out_.Words(step.words);
   format_ = wanted;
-  format_number_ = format;
+  format_number_ = entry_ = format;
+}
+
+/// Texts go to and fro between a few formats.
+const RtfBodyWriter::Step& RtfBodyWriter::StepTo(std::uint32_t format) {
+  constexpr std::size_t kSteps = 256, kSpread = 17;
+  if (steps_.empty()) {
+    steps_.resize(kSteps);
+    words_out_ = std::make_unique<RtfOutput>(take_words_);
+  }
+  Step& step = steps_[(entry_ * kSpread + format) % kSteps];
+  if (entry_ != kNoFormat && step.from == entry_ && step.to == format) return step;
+  const CharFormat& wanted = CharFormatOf(format);
+  words_.clear();
+  WriteCharFormat(document_, plain_, format_, wanted, *words_out_);
+  words_out_->Finish();
+  // What no word takes back ends with its group.
+  const bool needs_group = NeedsGroup(document_, wanted) || !LeadsTo(document_, plain_, wanted, format_);
+  step = {entry_, format, needs_group, words_};
+  return step;
 }
 
 void RtfBodyWriter::LeaveGroup() {
@@ -192,6 +212,7 @@ void RtfBodyWriter::LeaveGroup() {
   in_group_ = false;
   out_.Close();
   format_ = format_around_group_;
+  entry_ = entry_around_group_;
   format_number_ = kNoFormat;
 }
 
@@ -213,7 +234,7 @@ void RtfBodyWriter::EnterField(std::uint32_t number) {
 
 void RtfBodyWriter::OpenField(std::uint32_t number) {
   const Field& field = document_.fields[number - 1];
-  fields_.push_back({number, format_, place_});
+  fields_.push_back({number, format_, entry_, place_});
   out_.Open("\\field");
   out_.Words(field.words);
   if (!field.instruction.empty()) {
@@ -236,6 +257,7 @@ void RtfBodyWriter::CloseFields(std::size_t stay_open) {
   LeaveGroup();
   if (fields_.size() <= stay_open) return;
   format_ = fields_[stay_open].format_outside;
+  entry_ = fields_[stay_open].entry_outside;
   format_number_ = kNoFormat;
   place_ = fields_[stay_open].place_outside;
   for (; fields_.size() > stay_open; fields_.pop_back()) {

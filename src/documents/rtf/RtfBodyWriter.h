@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/Parts.h"
 #include "documents/rtf/RtfDocument.h"
 #include "documents/rtf/RtfFormatOutput.h"
 #include "documents/rtf/RtfNumbering.h"
@@ -45,6 +47,14 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
     bool operator==(const Place&) const = default;
   };
 
+  /// What leads from the format of one number to that of another.
+  struct Step {
+    std::uint32_t from = kNoFormat;
+    std::uint32_t to = kNoFormat;
+    bool needs_group = false;
+    std::string words{};
+  };
+
   void BeginParagraph(std::size_t index, std::size_t depth);
   void Paragraph(std::size_t index, const rtf::Paragraph* next);
   void ParagraphOfPart(std::size_t index, const RtfPart& part);
@@ -54,6 +64,7 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   void Text(std::size_t from, std::size_t to);
   void Object(const rtf::Object& object);
   void SetFormat(std::uint32_t format);
+  const Step& StepTo(std::uint32_t format);
   void LeaveGroup();
   void LeaveFields();
   void BeginPlain();
@@ -82,6 +93,11 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   const std::vector<Alphabet> alphabets_;
   CharFormat format_;                        ///< of text that would be written now, but for its field
   std::uint32_t format_number_ = kNoFormat;  ///< whose entry `format_` and the open field are
+  std::uint32_t entry_ = kNoFormat;          ///< the same but for the field
+  std::vector<Step> steps_;                  ///< those made last, each at the place that its numbers make
+  std::string words_;                        ///< of the step that is made
+  const PartSink take_words_ = [this](std::string_view words) { return words_.append(words), true; };
+  std::unique_ptr<RtfOutput> words_out_;
   Place place_;
   Place wanted_;  ///< of the paragraph that is being written
   bool in_paragraph_ = false;
@@ -95,9 +111,11 @@ class RtfBodyWriter : private RtfTableWalk::Listener {
   struct FieldAround {
     std::uint32_t number;
     CharFormat format_outside;
+    std::uint32_t entry_outside;
     Place place_outside;
   };
   CharFormat format_around_group_;
+  std::uint32_t entry_around_group_ = kNoFormat;
   bool in_group_ = false;                     ///< of one format
   std::vector<FieldAround> fields_;           ///< outermost first
   std::vector<std::uint32_t> fields_wanted_;  ///< the same of the text to come
