@@ -1,11 +1,26 @@
 // Input: a byte for how many edits, four bytes for each (which one, at which paragraph, where in it, with what), the
 // bytes of a file.
+//
+// What a save promises of any file and any edits: read again it says what the edited document says, and all bytes stay
+// as they are but
+// - of the edited paragraphs; where something came in between two, of these two; a control word may get a blank behind
+//   it where text comes next;
+// - of rows, or tables, around these where those are written anew, as RtfHunk::Level::Blocks says;
+// - fonts and colours that came in: they stand at the ends of the file's own tables, or as tables behind the control
+//   words at the beginning.
+// A letter that is spliced in is one insertion, but for one behind the break of a section, which begins a paragraph. A
+// file that was not edited is the same bytes. Only where the ladder ends (no bytes) is all written anew; that is not
+// looked at here.
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Fuzz.h"
+#include "RtfPromises.h"
 #include "documents/rtf/RtfOriginal.h"
+#include "documents/rtf/RtfSections.h"
 #include "files/CodePage.h"
 
 namespace tme::fuzz {
@@ -14,71 +29,55 @@ namespace {
 using namespace rtf;
 
 constexpr unsigned kMostEdits = 6;
+constexpr unsigned kBytesOfEdit = 4;
 
-/// Puts a run of a text into a paragraph behind one of its runs, in that one's format.
-void InsertText(RtfDocument& document, std::size_t paragraph, std::size_t at, std::string_view text) {
-  const std::size_t first = document.paragraphs[paragraph].first_run, end = document.EndOfRuns(paragraph);
-  const std::size_t run = first + at % (end - first + 1);
-  const std::uint32_t format = run > first ? document.runs[run - 1].format : document.paragraphs[paragraph].mark_format;
-  std::size_t offset = 0;
-  for (std::size_t i = 0; i < run; ++i) offset += document.runs[i].bytes;
-  document.text.insert(offset, text);
-  document.runs.insert(document.runs.begin() + static_cast<std::ptrdiff_t>(run),
-                       {static_cast<std::uint32_t>(text.size()), format, 0});
-  for (std::size_t i = paragraph + 1; i < document.paragraphs.size(); ++i) ++document.paragraphs[i].first_run;
-}
+enum class What : std::uint8_t { Letter, Text, Remove, Bold, Font, Split, Join, Align, Add, Move, Count };
 
-/// Removes the text of a run, or makes it bold.
-void ChangeRun(RtfDocument& document, std::size_t paragraph, std::size_t at, bool is_removed) {
-  const std::size_t first = document.paragraphs[paragraph].first_run, end = document.EndOfRuns(paragraph);
-  if (first == end) return;
-  Run& run = document.runs[first + at % (end - first)];
-  if (!is_removed) {
-    CharFormat format = document.char_formats[run.format];
-    format.bold = !format.bold;
-    document.char_formats.push_back(format);
-    run.format = static_cast<std::uint32_t>(document.char_formats.size() - 1);
-    return;
-  }
-  std::size_t offset = 0;
-  for (const Run* it = document.runs.data(); it != &run; ++it) offset += it->bytes;
-  document.text.erase(offset, run.bytes);
-  run.bytes = 0;
-}
-
-void SplitParagraph(RtfDocument& document, std::size_t paragraph, std::size_t at) {
-  Paragraph second = document.paragraphs[paragraph];
-  const std::size_t count = document.EndOfRuns(paragraph) - second.first_run;
-  second.first_run += static_cast<std::uint32_t>(at % (count + 1));
-  document.paragraphs.insert(document.paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph) + 1, second);
-}
-
-void JoinParagraphs(RtfDocument& document, std::size_t paragraph) {
-  if (paragraph + 1 == document.paragraphs.size()) return;
-  const Paragraph second = document.paragraphs[paragraph + 1];
-  if (second.cell != document.paragraphs[paragraph].cell) return;
-  document.paragraphs[paragraph].format = second.format;
-  document.paragraphs.erase(document.paragraphs.begin() + static_cast<std::ptrdiff_t>(paragraph) + 1);
-}
-
-void Edit(RtfDocument& document, std::string_view& input) {
-  const std::uint8_t what = TakeByte(input);
-  const std::size_t paragraph = TakeByte(input) % document.paragraphs.size();
-  const std::size_t at = TakeByte(input);
+What TakeEdit(EditedRtf& edited, std::string_view& input) {
+  const auto what = static_cast<What>(TakeByte(input) % static_cast<std::uint8_t>(What::Count));
+  const std::size_t paragraph = TakeByte(input) % edited.Document().paragraphs.size();
+  if (!edited.IsSeen(paragraph)) return What::Count;
+  const std::size_t places = edited.PlacesIn(paragraph);
+  const std::size_t place = TakeByte(input) % places;
   const std::uint8_t with = TakeByte(input);
+  const std::size_t last = place + with % (places - place);
   constexpr std::string_view kTexts[] = {"a", "1", " ", "\xC3\xA9", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80", "\\{}", "\t-"};
-  switch (what % 5) {
-    case 0:
-      return InsertText(document, paragraph, at, kTexts[with % std::size(kTexts)]);
-    case 1:
-      return ChangeRun(document, paragraph, at, true);
-    case 2:
-      return ChangeRun(document, paragraph, at, false);
-    case 3:
-      return SplitParagraph(document, paragraph, at);
+  switch (what) {
+    case What::Letter:
+      edited.Type(paragraph, place, with % 2 == 0 ? "x" : "\xE4\xB8\xAD");
+      break;
+    case What::Text:
+      edited.Type(paragraph, place, kTexts[with % std::size(kTexts)]);
+      break;
+    case What::Remove:
+      edited.Remove(paragraph, place, last);
+      break;
+    case What::Bold:
+      edited.Format(paragraph, place, last, [](CharFormat& format) { format.bold = !format.bold; });
+      break;
+    case What::Font:
+      edited.Format(paragraph, place, last, [font = edited.AddFont(), color = edited.AddColor()](CharFormat& format) {
+        format.font = font;
+        format.color = color;
+      });
+      break;
+    case What::Split:
+      edited.Split(paragraph, place);
+      break;
+    case What::Join:
+      edited.Join(paragraph);
+      break;
+    case What::Align:
+      edited.FormatParagraph(paragraph, static_cast<Alignment>(with % 4));
+      break;
+    case What::Add:
+      edited.AddParagraph(paragraph);
+      break;
     default:
-      return JoinParagraphs(document, paragraph);
+      edited.Move(paragraph);
+      break;
   }
+  return what;
 }
 
 /// Each piece of the source stands in order, and plain ones are the text.
@@ -96,7 +95,7 @@ void LookAt(const RtfSource& source, const RtfDocument& document, std::string_vi
 
 void Run(std::string_view input) {
   const unsigned edits = TakeByte(input) % (kMostEdits + 1);
-  const std::string_view script = input.substr(0, 4 * edits);
+  std::string_view script = input.substr(0, std::size_t{kBytesOfEdit} * edits);
   const std::string bytes(input.substr(script.size()));
   RtfSource source;
   const RtfDocument read = ReadRtf(bytes, BytesToUtf8, &source);
@@ -105,11 +104,18 @@ void Run(std::string_view input) {
   RtfOriginal original(bytes, read, source);
   original.SetUnedited(read);
   Promise(original.WithEdits(read, BytesToUtf8) == bytes, "a document that was not edited is its file");
-  RtfDocument edited = read;
-  std::string_view left = script;
-  for (unsigned i = 0; i < edits; ++i) Edit(edited, left);
-  // It reads what it makes, and compares.
-  original.WithEdits(edited, BytesToUtf8);
+  EditedRtf edited(read);
+  What last = What::Count;
+  for (unsigned i = 0; i < edits; ++i) last = TakeEdit(edited, script);
+  std::vector<RtfHunk> hunks;
+  const std::optional<std::string> saved = original.WithEdits(edited.Document(), BytesToUtf8, &hunks);
+  if (!saved) return;
+  const bool is_spliced =
+      std::ranges::all_of(hunks, [](const RtfHunk& hunk) { return hunk.level == RtfHunk::Level::Splice; });
+  const bool is_letter = edits == 1 && last == What::Letter && !HasTextBehindSections(edited.Document());
+  Promise(!is_letter || !is_spliced || IsOneLetterMore(bytes, *saved), "a letter is one insertion");
+  const std::string broken = BrokenPromise(bytes, source, edited, *saved, hunks, ReadRtf(*saved, BytesToUtf8));
+  Promise(broken.empty(), broken.c_str());
 }
 
 }  // namespace

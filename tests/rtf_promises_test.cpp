@@ -152,7 +152,7 @@ TEST(RtfPromises, HoldForEachEditOfGeneratedFiles) {
   }
 }
 
-TEST(RtfPromises, TheBreakOfASectionGoesWithWhatIsSaidOfTheSection) {
+TEST(RtfPromises, EditsStandInTheirPlace) {
   struct Case {
     const char* before;
     void (*edit)(EditedRtf&);
@@ -176,7 +176,16 @@ TEST(RtfPromises, TheBreakOfASectionGoesWithWhatIsSaidOfTheSection) {
       {"{\\rtf1 a\\par b\\sect\\cols2 c\\par}", [](EditedRtf& it) { it.Move(0); },
        "{\\rtf1 b\\sect\\cols2 a\\par c\\par}"},
       {"{\\rtf1 a\\sect{\\*\\bkmkstart m}}", [](EditedRtf& it) { it.Type(1, 1, "x"); },
-       "{\\rtf1 a\\sect{\\*\\bkmkstart m}x}"}};
+       "{\\rtf1 a\\sect{\\*\\bkmkstart m}x}"},
+      // Beside the same letter of another format.
+      {"{\\rtf1 ax{\\b x}\\par}", [](EditedRtf& it) { it.Type(0, 2, "x"); }, "{\\rtf1 axx{\\b x}\\par}"},
+      {"{\\rtf1 ax{\\b xx}b\\par}", [](EditedRtf& it) { it.Remove(0, 2, 3); }, "{\\rtf1 ax{\\b x}b\\par}"},
+      {"{\\rtf1 ax{\\b x}b\\par}", [](EditedRtf& it) { it.Remove(0, 1, 2); }, "{\\rtf1 a{\\b x}b\\par}"},
+      // The label of what is no item stays.
+      {"{\\rtf1{\\pntext\\tab}{\\pntext\\tab}ab\\par}", [](EditedRtf& it) { it.Type(0, 1, "x"); },
+       "{\\rtf1{\\pntext\\tab}{\\pntext\\tab}axb\\par}"},
+      {"{\\pard {\\field{\\*\\fldinst PAGE}{\\fldrslt 1}}\\par}", [](EditedRtf& it) { it.AddParagraph(0); },
+       "{\\pard {\\plain\\pard\\par\r\n}{\\field{\\*\\fldinst PAGE}{\\fldrslt 1}}\\par}"}};
   for (const Case& it : cases) {
     RtfSource source;
     const RtfDocument read = ReadRtf(it.before, BytesToUtf8, &source);

@@ -37,10 +37,12 @@ std::optional<RtfSplicer::Place> RtfSplicer::PlaceBefore(const RtfItem& item) co
 /// the place, if there is one.
 RtfSplicer::Place RtfSplicer::PlaceAt(std::uint32_t at, const RtfItem& item, std::size_t behind,
                                       std::uint8_t unicode_skip) const {
-  at = std::min(at, source_.marks[item.paragraph].begin);
+  const RtfSource::Mark& mark = source_.marks[item.paragraph];
+  const std::uint32_t format = at > mark.begin ? before_.paragraphs[item.paragraph].mark_format : item.format;
+  at = std::min(at, mark.begin);
   const bool is_taken =
       behind < source_.pieces.size() && source_.pieces[behind].takes_next && source_.pieces[behind].end == at;
-  return {at, item.format, item.paragraph, unicode_skip, is_taken};
+  return {at, format, item.paragraph, unicode_skip, is_taken};
 }
 
 /// Behind what stands before, or before what comes next, where the format fits better.

@@ -52,6 +52,75 @@ void MoveMarksForward(std::vector<DiffStep>& steps, const std::vector<RtfItem>& 
   }
 }
 
+struct ItemsOfDocument {
+  const RtfDocument& document;
+  const std::vector<RtfItem>& items;
+};
+
+/// What came in or went beside a letter that is the same in another format may be either of them: such a stretch moves
+/// to where the formats of what stays are the same.
+class Slider {
+ public:
+  Slider(std::vector<DiffStep>& steps, const ItemsOfDocument& before, const ItemsOfDocument& after)
+      : steps_(steps), before_(before), after_(after) {}
+
+  void Run() {
+    std::size_t before = 0, after = 0;
+    for (std::size_t begin = 0, end = 0; begin < steps_.size(); begin = end) {
+      const DiffChange change = steps_[begin].change;
+      while (end < steps_.size() && steps_[end].change == change) ++end;
+      if (change != DiffChange::Added) before += end - begin;
+      if (change != DiffChange::Removed) after += end - begin;
+      if (change == DiffChange::Added) Slide(begin, end, after, before, after_, before_);
+      if (change == DiffChange::Removed) Slide(begin, end, before, after, before_, after_);
+    }
+  }
+
+ private:
+  /// own, other: what comes behind the stretch in the document that it stands in, and in the other one.
+  void Slide(std::size_t begin, std::size_t& end, std::size_t& own, std::size_t& other, const ItemsOfDocument& mine,
+             const ItemsOfDocument& its) {
+    const std::size_t size = end - begin;
+    // Whether what stays is rather `better` than `now`.
+    const auto fits = [&](std::size_t now, std::size_t better, std::size_t stays) {
+      const RtfItem &one = mine.items[now], &two = mine.items[better];
+      const std::uint32_t format = its.items[stays].format;
+      return one.kind == RtfItem::Kind::Text && two.kind == RtfItem::Kind::Text && one.format != format &&
+             two.format == format && KeyOf(mine.document, one) == KeyOf(mine.document, two);
+    };
+    const auto is_same = [this](std::size_t step) {
+      return step < steps_.size() && steps_[step].change == DiffChange::Same;
+    };
+    constexpr int kMostSlides = 64;
+    int left = kMostSlides;
+    for (; left > 0 && is_same(begin - 1) && fits(own - size - 1, own - 1, other - 1); --left) {
+      Swap(begin - 1, end - 1);
+      --begin, --end, --own, --other;
+    }
+    for (; left > 0 && is_same(end) && fits(own, own - size, other); --left) {
+      Swap(end, begin);
+      ++begin, ++end, ++own, ++other;
+    }
+  }
+  /// The step that stays goes to the other end of the stretch.
+  void Swap(std::size_t from, std::size_t to) {
+    const bool is_added = steps_[to].change == DiffChange::Added, goes_behind = from < to;
+    const auto step = [this](std::size_t at) { return steps_.begin() + static_cast<std::ptrdiff_t>(at); };
+    const std::size_t first = std::min(from, to), last = std::max(from, to);
+    std::uint32_t number = steps_[first].at;
+    std::rotate(step(first), goes_behind ? step(first + 1) : step(last), step(last + 1));
+    for (std::size_t i = first; i <= last; ++i) {
+      // What went is numbered with what stays, what came in apart.
+      if (!is_added) steps_[i].at = number++;
+      if (is_added && i != to) goes_behind ? --steps_[i].at : ++steps_[i].at;
+    }
+  }
+
+  std::vector<DiffStep>& steps_;
+  const ItemsOfDocument before_;
+  const ItemsOfDocument after_;
+};
+
 /// A stretch of one format, or an object, in a paragraph.
 struct Span {
   std::uint32_t text = 0;
@@ -190,6 +259,7 @@ std::vector<DiffStep> DiffItems(const RtfDocument& before, const std::vector<Rtf
                                 const RtfDocument& after, const std::vector<RtfItem>& after_items) {
   std::vector<DiffStep> steps = DiffSequences(KeysOf(before, before_items), KeysOf(after, after_items));
   MoveMarksForward(steps, before_items, after_items);
+  Slider(steps, {before, before_items}, {after, after_items}).Run();
   return steps;
 }
 

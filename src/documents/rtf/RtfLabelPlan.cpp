@@ -52,7 +52,7 @@ class Planner {
   void EndParagraph(std::size_t item, DiffChange change) {
     const bool is_new = is_new_ || (change == DiffChange::Same && !IsInList(sides_.before, old_));
     const bool is_in_list = IsInList(sides_.after, item);
-    if (label_ && !is_in_list) plan_.removed.push_back(*label_);
+    if (label_ && !is_in_list && IsInList(sides_.before, *label_)) plan_.removed.push_back(*label_);
     if (!label_ && is_in_list && is_new && !HasBareLike(item)) plan_.wanted.insert(item);
     label_.reset();
     has_text_ = false;

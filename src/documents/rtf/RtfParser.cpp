@@ -284,8 +284,12 @@ void Parser::StartBody(std::size_t at) {
   NoteHeader(at == kUnknown ? token_.begin : at);
   if (source_ != nullptr) source_->header.kept = static_cast<std::uint32_t>(document_.kept_header.size());
   if (source_ != nullptr && at != kUnknown) {
-    // All of the group that it stands in comes behind what is put before the text.
-    const std::size_t begin = states_.size() > 2 ? std::min(at, states_[2].begin) : at;
+    // All of the group that it stands in comes behind what is put before the text; but a fragment is known by its
+    // first word.
+    const bool is_fragment = states_.size() > 2 && states_[2].begin == 0;
+    const std::size_t group = is_fragment ? 3 : 2;
+    std::size_t begin = states_.size() > group ? std::min(at, states_[group].begin) : at;
+    if (is_fragment && begin == 1) begin = tokens_.Position();
     source_->header.body = static_cast<std::uint32_t>(begin);
     source_->header.end = std::min(source_->header.end, source_->header.body);
   }
