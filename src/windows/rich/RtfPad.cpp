@@ -86,6 +86,7 @@ void RtfPad::NoteChange(int position) {
 }
 
 void RtfPad::Clear() {
+  StopFilling();
   store_ = std::make_unique<RtfStore>();
   store_->document = EmptyRtfDocument();
   auto view = std::make_unique<ClosedDocument>();
@@ -104,6 +105,7 @@ std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfIm
   auto view = std::make_unique<ClosedDocument>();
   RtfSimplified simplified;
   if (!ImportRtf(std::move(read), *store, *view, simplified, step)) return std::nullopt;
+  StopFilling();
   store_ = std::move(store);
   view->setDefaultFont(RtfFormats(*store_).ShowCharFormat(0).font());
   Show(std::move(view));
@@ -113,6 +115,7 @@ std::optional<RtfSimplified> RtfPad::SetRtf(rtf::RtfDocument&& read, const RtfIm
 }
 
 bool RtfPad::WriteRtf(const PartSink& sink, const rtf::RtfOriginal* original) {
+  if (!Complete()) return false;
   const RtfExport written(*document(), *store_);
   const std::optional<std::string> edited =
       original == nullptr ? std::nullopt : original->WithEdits(written.Document(), BytesToUtf8);
@@ -124,25 +127,31 @@ void RtfPad::NoteUnedited(rtf::RtfOriginal& original) {
 }
 
 bool RtfPad::WriteText(const PartSink& sink) {
+  if (!Complete()) return false;
   const RtfExport written(*document(), *store_);
   return rtf::WriteRtfAsText(written.Document(), sink);
 }
 
-PadPosition RtfPad::End() const { return document()->characterCount() - 1; }
+PadPosition RtfPad::End() const {
+  Complete();
+  return document()->characterCount() - 1;
+}
 
 PadPosition RtfPad::Moved(PadPosition from, std::int64_t characters) const {
   return std::clamp<PadPosition>(from + characters, 0, End());
 }
 
 void RtfPad::Select(PadPosition start, PadPosition end) {
+  if ((start != 0 || end != 0) && !Complete()) return;
   QTextCursor cursor = textCursor();
-  start = Moved(start, 0);
-  end = Moved(end, 0);
+  const PadPosition last = document()->characterCount() - 1;
+  start = std::clamp<PadPosition>(start, 0, last);
+  end = std::clamp<PadPosition>(end, 0, last);
   // The layout goes on to both ends.
   if (!LayOutTo(static_cast<int>(std::max(start, end)))) return;
   // Who selects all of a large text stays at its beginning: to keep a place at its end, a command would have to wait
   // for the whole layout.
-  if (start == 0 && end == End() && end > kLargeText) std::swap(start, end);
+  if (start == 0 && end == last && end > kLargeText) std::swap(start, end);
   cursor.setPosition(static_cast<int>(start));
   cursor.setPosition(static_cast<int>(end), QTextCursor::KeepAnchor);
   setTextCursor(cursor);
@@ -166,6 +175,7 @@ void RtfPad::ReplaceSelection(const QString& text) {
 }
 
 void RtfPad::Insert(qsizetype characters, qsizetype lines, const std::function<void(QTextCursor&)>& insert) {
+  if (!Complete()) return;
   const int first = textCursor().selectionStart();
   {
     const LargeEdit edit(*this, static_cast<std::size_t>(characters) + static_cast<std::size_t>(lines) * kCostOfCell);
@@ -179,6 +189,7 @@ void RtfPad::Insert(qsizetype characters, qsizetype lines, const std::function<v
 }
 
 std::optional<PadPosition> RtfPad::Find(const QString& text, PadPosition from, PadPosition to, unsigned options) {
+  if (!Complete()) return std::nullopt;
   const TextSearch search(text.toStdString(), options & kFindMatchCase ? SearchCase::Match : SearchCase::Ignore,
                           options & kFindWholeWord ? SearchWords::Whole : SearchWords::Any);
   // Its units are the document's positions.
@@ -194,6 +205,7 @@ std::optional<PadPosition> RtfPad::Find(const QString& text, PadPosition from, P
 }
 
 void RtfPad::Print(QPrinter& printer) {
+  if (!Complete()) return;
   const std::unique_ptr<QTextDocument> text = textCursor().hasSelection()
                                                   ? SelectionAsDocument()
                                                   : std::unique_ptr<QTextDocument>(document()->clone(document()));
@@ -216,6 +228,7 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
     return;
   }
   if (IsUnboundKey(*event)) return event->ignore();
+  if (!IsModifierKey(event->key()) && !Complete()) return;
   if (event->matches(QKeySequence::InsertParagraphSeparator)) return BeginParagraph();
   const bool deletes = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
   const bool edits = deletes || (!event->text().isEmpty() && !event->modifiers().testFlag(Qt::ControlModifier));

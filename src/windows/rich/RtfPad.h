@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTextEdit>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <set>
@@ -16,6 +17,7 @@
 
 namespace tme {
 
+class RtfFilling;
 class RtfObjectView;
 
 /// The editing area of a rich-text window. Positions are those of its QTextDocument. Attributes of the selection are
@@ -61,6 +63,14 @@ class RtfPad : public QTextEdit, public Pad {
   void Clear();
   /// Null when `step` gave up: the pad is as it was.
   std::optional<RtfSimplified> SetRtf(rtf::RtfDocument&& read, const RtfImportStep& step = {});
+  /// The same for a document that takes long to show: its beginning is there at once, and the rest once Filled is
+  /// emitted. note: as of RtfFilling. Until then nothing can be edited; who needs all of the document waits for it.
+  void Fill(rtf::RtfDocument&& read, std::function<void(const rtf::RtfDocument& exported)> note);
+  bool IsFilling() const { return filling_ != nullptr; }
+  /// How much of the document is there, 0 to 1.
+  double PartFilled() const;
+  /// Waits for all of it, with progress. False when the user did not: what was to be done cannot be.
+  bool Complete() const;
   /// The whole document; false when the sink stopped. original: the file that it was read from, whose bytes are taken
   /// but for what was edited, where that can be done; null for none.
   bool WriteRtf(const PartSink& sink, const rtf::RtfOriginal* original = nullptr);
@@ -116,6 +126,12 @@ class RtfPad : public QTextEdit, public Pad {
  signals:
   /// The user pastes, copies or drops; the window knows the clipboard's forms.
   void PasteRequested(const QMimeData& data);
+  /// From time to time, between Fill and Filled.
+  void FillingWentOn();
+  /// The document is whole; it is the one that it was.
+  void Filled(const RtfSimplified& simplified);
+  /// There is but the beginning. reason: in words for a sentence.
+  void FillingFailed(const QString& reason);
 
  protected:
   QMimeData* createMimeDataFromSelection() const override;
@@ -132,6 +148,11 @@ class RtfPad : public QTextEdit, public Pad {
 
  private:
   void Show(std::unique_ptr<QTextDocument> view);
+  void StopFilling();
+  void ReportFilling();
+  enum class Swap : std::uint8_t { Now, WhenFree };
+  /// What was made takes the place of the beginning.
+  void ShowFilled(Swap when);
   void NoteChange(int position);
   /// Of the viewport in the document.
   QPoint Scrolled() const;
@@ -183,8 +204,10 @@ class RtfPad : public QTextEdit, public Pad {
   int right_margin_ = kNoWrap;
   int bullet_indent_ = 0;
   std::uint64_t revision_ = 0;
-  std::set<int> large_steps_;  ///< by how many commands the toolkit could undo after each
-  std::set<int> large_redos_;  ///< by how many it could when one was undone
+  std::set<int> large_steps_;            ///< by how many commands the toolkit could undo after each
+  std::set<int> large_redos_;            ///< by how many it could when one was undone
+  std::shared_ptr<RtfFilling> filling_;  ///< null when all of the document is there
+  std::exception_ptr fill_failure_;
 };
 
 }  // namespace tme

@@ -92,6 +92,7 @@ std::unique_ptr<QTextDocument> RtfPad::SelectionAsDocument() const {
 }
 
 std::string RtfPad::SelectedRtf() const {
+  if (!Complete()) return {};
   const std::unique_ptr<QTextDocument> part = SelectionAsDocument();
   // Of the page and of headers, a part knows nothing.
   const QScopedValueRollback controls(store_->document.document_controls, std::string());
@@ -129,6 +130,7 @@ void RtfPad::InsertFragment(const QTextDocument& part) {
 }
 
 std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithRtf(rtf::RtfDocument&& read, const RtfImportStep& step) {
+  if (!Complete()) return std::nullopt;
   ClosedDocument part;
   RtfSimplified simplified;
   if (!ImportRtfPart(std::move(read), *store_, part, simplified, step)) return std::nullopt;
@@ -141,6 +143,7 @@ std::optional<RtfSimplified> RtfPad::ReplaceSelectionWithHtml(const QString& htm
 }
 
 void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {
+  if (!Complete()) return;
   rtf::Object picture;
   picture.kind = rtf::ObjectKind::Picture;
   picture.picture = bytes.toStdString();

@@ -25,7 +25,8 @@ constexpr int kLeastWrapPixels = 40;
 }  // namespace
 
 RtfPad::LargeEdit::LargeEdit(RtfPad& pad, std::size_t cost) {
-  if (std::max(cost, pad.SelectionCost()) < kMaxCostAtOnce || !pad.document()->isLayoutEnabled()) return;
+  if (!pad.Complete() || std::max(cost, pad.SelectionCost()) < kMaxCostAtOnce || !pad.document()->isLayoutEnabled())
+    return;
   pad_ = &pad;
   place_ = pad.LeavePlace();
   pad.document()->setLayoutEnabled(false);
@@ -138,6 +139,7 @@ void RtfPad::Undo() { Step(StepKind::Undo); }
 void RtfPad::Redo() { Step(StepKind::Redo); }
 
 void RtfPad::Step(StepKind kind) {
+  if (!Complete()) return;
   const bool is_undo = kind == StepKind::Undo;
   const int commands = document()->availableUndoSteps();
   if (!(is_undo ? large_steps_ : large_redos_).contains(commands)) {

@@ -88,6 +88,7 @@ std::optional<bool> RtfPad::SelectionBullet() const {
 
 template <typename Set>
 void RtfPad::MergeFormat(Set set) {
+  if (!Complete()) return;
   QTextCharFormat format;
   set(format);
   // Without a selection this sets what is typed next, and marks nothing.
@@ -127,6 +128,7 @@ void RtfPad::SetSelectionFontSize(double points) {
 }
 
 void RtfPad::SetSelectionBullet(bool bullet) {
+  if (!Complete()) return;
   QTextCursor cursor = textCursor();
   const int end = cursor.selectionEnd();
   const LargeEdit edit(*this);

@@ -51,7 +51,7 @@ QPoint RtfPad::Scrolled() const {
 QString RtfPad::TipAt(const QPoint& point) const {
   const QString mark = traces_.TipAt(point + Scrolled());
   const int position = mark.isEmpty() ? CharacterAt(point + Scrolled()) : -1;
-  if (position < 0 || position >= End()) return mark;
+  if (position < 0 || position >= document()->characterCount() - 1) return mark;
   QTextCursor cursor(document());
   cursor.setPosition(position + 1);
   const QString tip = TipOf(cursor.charFormat());

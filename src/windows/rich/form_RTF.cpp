@@ -23,6 +23,7 @@
 #include "shell/mdform_TMEditor.h"
 #include "system/CommonDialog.h"
 #include "system/Twips.h"
+#include "windows/rich/RtfBeginning.h"
 #include "windows/rich/RtfPad.h"
 #include "windows/rich/RtfPartText.h"
 #include "windows/text/PadKeys.h"
@@ -57,6 +58,13 @@ void form_RTF::BuildControls(QWidget& client) {
   connect(pad, &QTextEdit::selectionChanged, this, &form_RTF::StateChanged);
   connect(pad, &QTextEdit::cursorPositionChanged, this, &form_RTF::StateChanged);
   connect(pad, &RtfPad::PasteRequested, this, &form_RTF::Paste);
+  connect(pad, &RtfPad::FillingWentOn, this, &form_RTF::StateChanged);
+  connect(pad, &RtfPad::Filled, this, [this](const RtfSimplified& simplified) {
+    AddSimplifiedNotice(simplified);
+    UpdateFormatState();
+    StateChanged();
+  });
+  connect(pad, &RtfPad::FillingFailed, this, &form_RTF::FillingFailed);
   connect(pad, &QTextEdit::undoAvailable, this, &form_RTF::ShowUndoState);
   connect(pad, &QTextEdit::redoAvailable, this, &form_RTF::ShowUndoState);
   WatchPad(client);
@@ -152,18 +160,11 @@ void form_RTF::OpenRTF() {
   rtf::RtfDocument read = rtf::ReadRtf(*bytes, BytesToUtf8, &source);
   AddActiveNotice(*bytes);
   AddLossNotice(read.losses);
-  auto original = std::make_unique<rtf::RtfOriginal>(std::move(*bytes), read, std::move(source));
+  const auto original = std::make_shared<rtf::RtfOriginal>(std::move(*bytes), read, std::move(source));
   const std::optional<QString> left_out = read.losses == rtf::Losses() ? std::optional(QString()) : std::nullopt;
-  {
-    LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
-    const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
-    if (!IsOpen()) return;  // the program was left meanwhile
-    if (!simplified) return ReleaseSlot();
-    AddSimplifiedNotice(*simplified);
-  }
+  if (!ShowRead(std::move(read), original)) return;
   pad->SetBulletIndent(kBulletIndent);
-  pad->NoteUnedited(*original);
-  original_ = std::move(original);
+  original_ = original;
   read_revision_ = Revision();
   fallback_font_size_ = kOpenedFallbackSize;
   MarkOpened(left_out);
@@ -173,6 +174,29 @@ void form_RTF::OpenRTF() {
   // In a long paragraph from right to left the caret is far off, and every other paragraph would be out of sight.
   pad->horizontalScrollBar()->setValue(0);
   pad->setFocus();
+}
+
+bool form_RTF::ShowRead(rtf::RtfDocument&& read, const std::shared_ptr<rtf::RtfOriginal>& original) {
+  if (TakesLongToShow(read)) {
+    pad->Fill(std::move(read), [original](const rtf::RtfDocument& exported) { original->SetUnedited(exported); });
+    return true;
+  }
+  LongWork work(&global_.frame, tr("Opening %1").arg(file_.Title()));
+  const std::optional<RtfSimplified> simplified = pad->SetRtf(std::move(read), StepOf(work));
+  if (!IsOpen()) return false;  // the program was left meanwhile
+  if (!simplified) {
+    ReleaseSlot();
+    return false;
+  }
+  AddSimplifiedNotice(*simplified);
+  pad->NoteUnedited(*original);
+  return true;
+}
+
+void form_RTF::FillingFailed(const QString& reason) {
+  ShowReadFailure(file_.Path(), {reason.toStdString()});
+  SetChanged(false);
+  FileClose();
 }
 
 void form_RTF::DropContent() {
@@ -226,6 +250,7 @@ bool form_RTF::HoldsWholeFile() const {
 DocumentWindow::SaveOutcome form_RTF::WriteTo(QString& path, const SaveRequest& request) {
   const WaitCursor wait_cursor;
   const int& index = global_.common_dialog.filter_index;
+  if (index == kPlainIndex && !pad->Complete()) return SaveOutcome::Failed;
   const auto is_for_rich_text = [&index] { return index == kRichIndex || index == kPlainIndex; };
   std::optional<DocumentFile::Target> target;
   if (is_for_rich_text() && !(target = PrepareTarget(path, request))) return SaveOutcome::Failed;
@@ -266,7 +291,10 @@ bool form_RTF::WritePlain(const DocumentFile::Target& target) {
 
 void form_RTF::AddState(DocumentState& state) const {
   state.encoding.reset();  // of the file, not of the text
-  state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
+  if (pad->IsFilling())
+    state.count = tr("%1 % opened").arg(static_cast<int>(pad->PartFilled() * 100));
+  else
+    state.count = Counted(static_cast<std::uint64_t>(pad->End()), tr("1 character"), tr("%1 characters"));
   if (const QString link = RtfPartText::Shown(pad->LinkAtCaret().toStdString()); !link.isEmpty()) state.path = link;
   state.selected_characters = pad->SelectionEnd() - pad->SelectionStart();
 }

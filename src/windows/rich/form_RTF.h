@@ -16,6 +16,7 @@ struct RtfSimplified;
 namespace rtf {
 struct Losses;
 class RtfOriginal;
+struct RtfDocument;
 }  // namespace rtf
 
 /// The window of a rich-text document: `Toolbar1` above `pad`.
@@ -75,6 +76,10 @@ class form_RTF : public PadWindow {
   void PadKeyReleased(int key);
   void Paste(const QMimeData& source);
   void PastePlainText(const QString& text);
+  /// Shows what was read, a large document bit by bit. False when the user gave up or the program was left meanwhile.
+  bool ShowRead(rtf::RtfDocument&& read, const std::shared_ptr<rtf::RtfOriginal>& original);
+  /// The rest of a large document could not be made.
+  void FillingFailed(const QString& reason);
   /// Says it when other programs would fetch or run something that the file holds.
   void AddActiveNotice(std::string_view bytes);
   void AddLossNotice(const rtf::Losses& losses);
@@ -92,7 +97,7 @@ class form_RTF : public PadWindow {
   /// Size in points for the buttons when the selection mixes sizes; 0 in a document that was never opened.
   int fallback_font_size_ = 0;
   /// The file as it was read, and the revision that it belongs to; null for a document that was not.
-  std::unique_ptr<rtf::RtfOriginal> original_;
+  std::shared_ptr<rtf::RtfOriginal> original_;
   std::uint64_t read_revision_ = 0;
   /// Keys that went down in the pad and are no command's.
   QList<int> keys_down_;
