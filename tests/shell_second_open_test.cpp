@@ -5,7 +5,9 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QPushButton>
+#include <QTest>
 #include <QToolTip>
+#include <QTreeView>
 #include <filesystem>
 
 #include "Editor.h"
@@ -78,6 +80,20 @@ TEST_F(Editor, FilesOfOneNameAreToldApart) {
   };
   EXPECT_EQ(tip_at({child->width() / 3, child->height() / 2}), u"");
   EXPECT_EQ(tip_at({child->width() / 3, 8}), TipText(first));
+}
+
+TEST_F(Editor, AMaximisedDocumentHasItsKeysBackOnceTheNextOneIsClosed) {
+  Start({File(u"a.reg"_s, "REGEDIT4\n\n[HKEY_USERS\\k]\n\"a\"=\"1\"\n")});
+  DocumentWindow& registry = *global_.documents.At(DocumentKind::Reg, 0);
+  registry.SubWindow()->showMaximized();
+  auto* tree = registry.findChild<QTreeView*>(u"TV"_s);
+  tree->setFocus();
+  ASSERT_TRUE(tree->hasFocus());
+  OpenPathList(global_, File(u"b.ini"_s, kIni));
+  QTest::qWait(1);
+  Ini(0).FileClose();
+  QTest::qWait(1);
+  EXPECT_EQ(QApplication::focusWidget(), tree);
 }
 
 TEST_F(Editor, ANewDocumentBesideAMaximisedOneIsMaximised) {

@@ -1,7 +1,9 @@
 #include "shell/DocumentArea.h"
 
+#include <QApplication>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QStyle>
 #include <QTimer>
 #include <utility>
@@ -27,11 +29,27 @@ DocumentArea::DocumentArea(GlobalMenus& menus, const Settings& settings, QWidget
   setAccessibleName(tr("Documents"));
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-  connect(this, &QMdiArea::subWindowActivated, this, [](QMdiSubWindow* child) {
+  connect(this, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* child) {
     // Null when the whole program loses the focus: the document stays the active one.
     auto* window = child ? qobject_cast<DocumentWindow*>(child->widget()) : nullptr;
     if (window && !window->Tag().isEmpty()) window->Form_Activate();
+    if (child) GiveKeysBack(*child);
   });
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { NoteKeys(now); });
+}
+
+void DocumentArea::NoteKeys(QWidget* now) {
+  if (is_arranging_ || now == nullptr || !isAncestorOf(now)) return;
+  for (QMdiSubWindow* child : subWindowList())
+    if (child->isAncestorOf(now)) keys_[child] = now;
+}
+
+/// A window that is resized while it is maximised is hidden for a moment, which hands the keys on to its next control.
+void DocumentArea::GiveKeysBack(QMdiSubWindow& child) {
+  QWidget* const keys = keys_.value(&child);
+  const QWidget* now = QApplication::focusWidget();
+  if (is_arranging_ || keys == now || (now && !isAncestorOf(now))) return;
+  if (keys && child.isAncestorOf(keys) && keys->isVisibleTo(&child)) keys->setFocus();
 }
 
 QMdiSubWindow* DocumentArea::AddChild(DocumentWindow& window) {
@@ -49,15 +67,19 @@ void DocumentArea::ShowDocument(DocumentWindow* window) {
   QMdiSubWindow* child = window->SubWindow() ? window->SubWindow() : AddChild(*window);
   // The next place of the cascade; the area's own choice may lie out of sight.
   const auto place = static_cast<int>((ShownChildren(false) + ShownChildren(true)).size());
-  // Maximised documents stay so: the new one is, too.
-  const QMdiSubWindow* before = activeSubWindow();
-  const bool maximised = settings_.start_editors_max || (before && !before->isHidden() && before->isMaximized());
-  window->show();
-  child->showNormal();
-  child->setGeometry(CascadeRect(place, window));
-  if (maximised) child->showMaximized();
-  setActiveSubWindow(child);
-  window->Form_Activate();
+  {
+    const QScopedValueRollback arranging(is_arranging_, true);
+    // Maximised documents stay so: the new one is, too.
+    const QMdiSubWindow* before = activeSubWindow();
+    const bool maximised = settings_.start_editors_max || (before && !before->isHidden() && before->isMaximized());
+    window->show();
+    child->showNormal();
+    child->setGeometry(CascadeRect(place, window));
+    if (maximised) child->showMaximized();
+    setActiveSubWindow(child);
+    window->Form_Activate();
+  }
+  NoteKeys(QApplication::focusWidget());
 }
 
 void DocumentArea::Activate(const DocumentWindow& window) { setActiveSubWindow(window.SubWindow()); }
@@ -134,13 +156,13 @@ void DocumentArea::CascadeAfterOpening() {
     cascade_when_shown_ = true;
     return;
   }
-  QMdiSubWindow* active = activeSubWindow();
-  QWidget* const keys = active ? active->widget()->focusWidget() : nullptr;
-  ArrangeWindows(static_cast<int>(Arrangement::Cascade));
-  active = activeSubWindow();
-  if (settings_.start_editors_max && active && !active->isHidden()) active->showMaximized();
-  // A window that is resized so is hidden for a moment, which hands the keys on to its next control.
-  if (keys && active && active->isAncestorOf(keys)) keys->setFocus();
+  {
+    const QScopedValueRollback arranging(is_arranging_, true);
+    ArrangeWindows(static_cast<int>(Arrangement::Cascade));
+    QMdiSubWindow* active = activeSubWindow();
+    if (settings_.start_editors_max && active && !active->isHidden()) active->showMaximized();
+  }
+  if (QMdiSubWindow* active = activeSubWindow()) GiveKeysBack(*active);
 }
 
 void DocumentArea::showEvent(QShowEvent* event) {

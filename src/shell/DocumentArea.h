@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QMdiArea>
+#include <QPointer>
 
 namespace tme {
 
@@ -46,6 +48,9 @@ class DocumentArea : public QMdiArea {
   void showEvent(QShowEvent* event) override;
 
  private:
+  /// Notes which control of a document has the keys, but for what windows do that are arranged.
+  void NoteKeys(QWidget* now);
+  void GiveKeysBack(QMdiSubWindow& child);
   QMdiSubWindow* AddChild(DocumentWindow& window);
   QList<QMdiSubWindow*> ShownChildren(bool minimised) const;
   void ArrangeIcons(const QSize& room);
@@ -56,6 +61,8 @@ class DocumentArea : public QMdiArea {
   const Settings& settings_;
   DocumentWindow* active_document_ = nullptr;
   bool activates_next_ = true;
+  bool is_arranging_ = false;
+  QHash<const QMdiSubWindow*, QPointer<QWidget>> keys_;
   /// Files were opened before the area had its real size.
   bool cascade_when_shown_ = false;
 };
