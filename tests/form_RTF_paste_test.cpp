@@ -80,6 +80,21 @@ TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
   EXPECT_EQ(document.objects.size(), 1U) << "what stands elsewhere is not asked for";
 }
 
+TEST_F(FormRtf, APastedPictureIsAllThatChanges) {
+  const std::string before = "{\\rtf1\\ansi{\\*\\unknown x}\\pard one \\par two}";
+  form_RTF& window = Open(before);
+  auto* picture = new QMimeData;
+  picture->setImageData(QImage(3, 2, QImage::Format_RGB32));
+  QGuiApplication::clipboard()->setMimeData(picture);
+  PadOf(window).Select(4, 4);
+  window.EditPaste();
+  const std::string after = window.Content();
+  constexpr std::string_view kGroup = "{\\pict\\pngblip\\picw3\\pich2\\picwgoal45\\pichgoal30\r\n";
+  const std::size_t begin = before.find("\\par two");
+  ASSERT_EQ(after.substr(begin, kGroup.size()), kGroup) << after;
+  EXPECT_EQ(before.substr(0, begin) + after.substr(after.find('}', begin) + 1), before);
+}
+
 // An item of a list that is moved stands where it was put, and its new neighbours stay what they are.
 TEST_F(FormRtf, AMovedItemLeavesItsNeighboursAlone) {
   const std::string tables =

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "RtfProbe.h"
+#include "documents/rtf/RtfPicture.h"
 #include "documents/rtf/RtfWriter.h"
 
 namespace tme::rtf {
@@ -170,6 +171,22 @@ TEST(RtfWriterTest, ObjectsStandWhereTheyStood) {
   EXPECT_EQ(Body(document), "\\pard a{\\*\\bkmkstart b}{\\pict\\pngblip\\picwgoal300\n89504e4701}b\\par\n");
 }
 
+TEST(RtfWriterTest, PicturesSayTheirPixels) {
+  using namespace std::string_literals;
+  const std::string png = "\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\1\2\0\0\0\3"s;
+  const std::string jpeg = "\xFF\xD8\xFF\xE0\0\4ab\xFF\xC4\0\2\xFF\xC2\0\x11\x08\0\3\1\2"s;
+  for (const std::string& bytes : {png, jpeg, jpeg.substr(0, 12), "\x89PNG"s}) {
+    const bool is_whole = bytes.size() > 12;
+    const std::string rtf = RtfOfPicture(bytes, 0, 90);
+    EXPECT_NE(rtf.find(is_whole ? "blip\\picw258\\pich3\\picwgoal3870\\pichgoal90\r\n" : "blip\\pichgoal90\r\n"),
+              std::string::npos)
+        << rtf;
+    const PictureGroup read = ReadPicture(rtf);
+    EXPECT_EQ(read.bytes, bytes);
+    EXPECT_EQ(read.height, 90);
+  }
+}
+
 /// A row of two cells; the first holds a table of one cell, then nothing; a row with a kept definition that lacks the
 /// second, empty cell after it.
 RtfDocument NestedTables() {
@@ -232,11 +249,14 @@ TEST(RtfWriterTest, WordsOfParagraphsSectionsAndFontsComeBack) {
       R"(\sectd\cols2\colno1\colw99\colsr9\colno2\colw50\linebetcol\pgbrdrt\brdrs\brdrw15\pgbrdrb\brdrs\pgnnew)",
       R"(x\sect\sectd\sbknone\pgbrdrl\brdrdot\titlepg\pgnrestart\pgwsxn9{\headerf first}{\footer{\b f}})",
       R"({\f0\fbidi\fswiss\fcharset0\fprq2{\*\panose 020b}Arial{\*\falt Helvetica};})",
+      R"({\colortbl;\red1\green0\blue0;\caccentone\ctint255\cshade191\red2\green3\blue4;\red5\green6\blue7;})",
       R"({\f7\froman\fcharset0{\fontemb\fttruetype 00ff}Own;})"};
   for (const std::string_view words : kAsRead) {
     const bool is_font = words.starts_with("{\\f");
     const std::string body = is_font ? "{\\fonttbl" + std::string(words) + "}x\\par" : std::string(words);
-    const RtfDocument first = ReadRtf("{\\rtf1\\ansi{\\colortbl;\\red1;}" + body + "\\pard y\\par}", kDecode);
+    const bool has_colors = words.starts_with("{\\colortbl");
+    const RtfDocument first = ReadRtf(
+        (has_colors ? "{\\rtf1\\ansi" : "{\\rtf1\\ansi{\\colortbl;\\red1;}") + body + "\\pard y\\par}", kDecode);
     std::string saved = Written(first);
     EXPECT_EQ(Describe(ReadRtf(saved, kDecode)), Describe(first)) << saved;
     std::erase(saved, '\n');

@@ -4,12 +4,13 @@
 #include <string_view>
 #include <utility>
 
+#include "documents/rtf/RtfPicture.h"
+
 namespace tme::rtf {
 
 namespace {
 
 constexpr std::string_view kParagraphEnd = "\\par";
-constexpr std::string_view kPngSignature = "\x89PNG";
 
 }  // namespace
 
@@ -142,12 +143,7 @@ void RtfBodyWriter::Text(std::size_t from, std::size_t to) {
 void RtfBodyWriter::Object(const rtf::Object& object) {
   if (object.kind == ObjectKind::SectionBreak && wanted_.depth > 0) return out_.Words("\\page");
   if (!object.rtf.empty()) return out_.Kept(object.rtf);
-  if (object.picture.empty()) return;
-  out_.Open(object.picture.starts_with(kPngSignature) ? "\\pict\\pngblip" : "\\pict\\jpegblip");
-  if (object.width > 0) out_.Word("\\picwgoal", object.width);
-  if (object.height > 0) out_.Word("\\pichgoal", object.height);
-  out_.Hex(object.picture);
-  out_.Close();
+  if (!object.picture.empty()) out_.Kept(RtfOfPicture(object.picture, object.width, object.height));
 }
 
 /// Where a paragraph's formats are not those of the one before, the format of its end comes first, which is often what

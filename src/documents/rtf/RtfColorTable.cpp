@@ -6,11 +6,15 @@ namespace tme::rtf {
 namespace {
 
 constexpr std::size_t kMaxColors = 65'536;
+constexpr std::size_t kMaxWords = 200;  // bytes of an entry
 
 }  // namespace
 
-void ColorTable::ReadWord(const ControlWord& word, std::int32_t value) {
-  if (word.control != Control::ColorPart) return;
+void ColorTable::ReadWord(const ControlWord& word, std::int32_t value, std::string_view raw) {
+  if (word.control != Control::ColorPart) {
+    if (words_.size() + raw.size() <= kMaxWords) words_ += raw;
+    return;
+  }
   entry_ |= static_cast<std::uint32_t>(std::clamp(value, 0, 255)) << word.value;
   is_entry_given_ = true;
 }
@@ -28,6 +32,11 @@ void ColorTable::EndEntry() {
   }
   const bool is_first = document_.colors.empty();
   document_.colors.push_back(is_first ? 0 : entry_);
+  if (!words_.empty() && !is_first) {
+    document_.color_words.resize(document_.colors.size());
+    document_.color_words.back().swap(words_);
+  }
+  words_.clear();
   if (is_first && is_entry_given_) first_ = entry_;
   entry_ = 0;
   is_entry_given_ = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "documents/rtf/RtfControls.h"
@@ -14,7 +15,8 @@ class ColorTable {
   /// Fills the colours of `document`, which outlives this.
   explicit ColorTable(RtfDocument& document) : document_(document) {}
 
-  void ReadWord(const ControlWord& word, std::int32_t value);
+  /// raw: as it stands in the file.
+  void ReadWord(const ControlWord& word, std::int32_t value, std::string_view raw);
   /// Each semicolon ends an entry.
   void ReadText(std::string_view text);
   void EndTable();
@@ -27,6 +29,7 @@ class ColorTable {
 
   RtfDocument& document_;
   std::uint32_t entry_ = 0;
+  std::string words_{};          ///< what it says besides
   bool is_entry_given_ = false;  ///< an entry without components is the automatic colour
   std::uint32_t first_ = 0;      ///< the colour of the first entry, where that is not automatic
   std::uint32_t index_of_zero_ = 0;

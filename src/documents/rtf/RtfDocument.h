@@ -301,7 +301,8 @@ struct RtfDocument {
   std::vector<std::string> extras;                 ///< control words with their backslashes, "\\keepn\\s3"
 
   std::vector<Font> fonts;
-  std::vector<std::uint32_t> colors;  ///< 0xRRGGBB; the first is automatic
+  std::vector<std::uint32_t> colors;     ///< 0xRRGGBB; the first is automatic
+  std::vector<std::string> color_words;  ///< by colour: what its entry says besides, as it came; may end sooner
   std::int32_t ansi_code_page = 1252;
   std::int32_t default_font = 0;     ///< the N of \deffN
   bool is_default_font_said = true;  ///< else some readers take a font of their own

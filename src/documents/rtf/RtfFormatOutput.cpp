@@ -338,11 +338,13 @@ void WriteFont(const Font& font, RtfOutput& out) {
   out.Close();
 }
 
-void WriteColor(std::span<const std::uint32_t> colors, std::size_t index, RtfOutput& out) {
+void WriteColor(const RtfDocument& document, std::size_t index, RtfOutput& out) {
   if (index > 0) {
-    out.Word("\\red", colors[index] >> 16 & 0xFF);
-    out.Word("\\green", colors[index] >> 8 & 0xFF);
-    out.Word("\\blue", colors[index] & 0xFF);
+    const std::uint32_t color = document.colors[index];
+    if (index < document.color_words.size()) out.Words(document.color_words[index]);
+    out.Word("\\red", color >> 16 & 0xFF);
+    out.Word("\\green", color >> 8 & 0xFF);
+    out.Word("\\blue", color & 0xFF);
   }
   out.Text(";");
 }
@@ -357,7 +359,7 @@ void WriteTables(const RtfDocument& document, RtfOutput& out) {
   }
   if (document.colors.size() < 2) return;
   out.Open("\\colortbl");
-  for (std::size_t i = 0; i < document.colors.size(); ++i) WriteColor(document.colors, i, out);
+  for (std::size_t i = 0; i < document.colors.size(); ++i) WriteColor(document, i, out);
   out.Close();
   out.LineEnd();
 }

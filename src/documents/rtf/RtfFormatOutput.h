@@ -38,7 +38,7 @@ std::string CompletedDefinition(const RtfDocument& document, std::span<const std
 /// An entry of the font table.
 void WriteFont(const Font& font, RtfOutput& out);
 /// One of the colour table; the first is automatic.
-void WriteColor(std::span<const std::uint32_t> colors, std::size_t index, RtfOutput& out);
+void WriteColor(const RtfDocument& document, std::size_t index, RtfOutput& out);
 /// Font and colour table.
 void WriteTables(const RtfDocument& document, RtfOutput& out);
 

@@ -180,23 +180,6 @@ void RtfOutput::Kept(std::string_view groups) {
   }
 }
 
-void RtfOutput::Hex(std::string_view bytes) {
-  constexpr std::size_t kBytesInLine = 64;
-  std::array<char, 2 * kBytesInLine> line;
-  while (!bytes.empty() && !stopped_) {
-    const std::size_t count = std::min(bytes.size(), kBytesInLine);
-    for (std::size_t i = 0; i < count; ++i) {
-      const auto byte = static_cast<unsigned char>(bytes[i]);
-      line[2 * i] = kDigits[byte / 16];
-      line[2 * i + 1] = kDigits[byte % 16];
-    }
-    out_.Append(kLineEnd).Append({line.data(), 2 * count});
-    bytes.remove_prefix(count);
-    EndPiece();
-  }
-  after_word_ = false;
-}
-
 bool RtfOutput::Finish() {
   stopped_ = stopped_ || !out_.Flush();
   return !stopped_;

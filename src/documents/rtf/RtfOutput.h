@@ -36,7 +36,6 @@ class RtfOutput {
   void Text(std::string_view text, Alphabet alphabet = Alphabet::Unicode);
   /// Whole groups and control words as they came.
   void Kept(std::string_view groups);
-  void Hex(std::string_view bytes);
 
   bool Stopped() const { return stopped_; }
   /// Hands on what is left. False when the sink stopped, now or before.

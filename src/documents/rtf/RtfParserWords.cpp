@@ -132,7 +132,7 @@ void Parser::ReadWord(const ControlWord& word) {
   } else if (destination == Destination::FontTable || destination == Destination::ColorTable) {
     if (word.control_class == ControlClass::Text) return ReadTextWord(word);
     if (destination == Destination::FontTable) return fonts_.ReadWord(word, token_.value, RawWord(), Top().encoding);
-    colors_.ReadWord(word, token_.value);
+    colors_.ReadWord(word, token_.value, RawWord());
   } else {
     ReadBodyWord(word);
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 
 #include "documents/rtf/RtfReader.h"
 #include "documents/rtf/RtfTokenizer.h"
@@ -10,8 +11,11 @@ namespace tme::rtf {
 namespace {
 
 constexpr std::size_t kSignatureBytes = 4;
+constexpr std::string_view kPngSignature = "\x89PNG";
 
-bool IsShownFormat(std::string_view bytes) { return bytes.starts_with("\x89PNG") || bytes.starts_with("\xFF\xD8\xFF"); }
+bool IsShownFormat(std::string_view bytes) {
+  return bytes.starts_with(kPngSignature) || bytes.starts_with("\xFF\xD8\xFF");
+}
 
 std::int32_t Scaled(std::int64_t goal, std::int64_t percent) {
   const std::int64_t scaled = goal * percent / 100;
@@ -76,7 +80,66 @@ void ReadPictureWord(const Token& token, PictureSize& size, PictureGroup& pictur
   if (name == "dibitmap" || name == "wbitmap") picture.label = "Picture (Windows bitmap)";
 }
 
+struct Pixels {
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+};
+
+/// Big-endian, of at most four bytes; 0 behind the end.
+std::int32_t NumberAt(std::string_view bytes, std::size_t at, std::size_t count) {
+  if (at + count > bytes.size()) return 0;
+  std::uint32_t number = 0;
+  for (std::size_t i = 0; i < count; ++i) number = number << 8 | static_cast<unsigned char>(bytes[at + i]);
+  return static_cast<std::int32_t>(std::min<std::uint32_t>(number, std::numeric_limits<std::uint16_t>::max()));
+}
+
+/// From the first segment of a JPEG file that begins a picture.
+Pixels PixelsOfJpeg(std::string_view bytes) {
+  constexpr std::int32_t kFirstFrame = 0xC0, kLastFrame = 0xCF;
+  for (std::size_t at = 2; at + kSignatureBytes <= bytes.size();) {
+    const std::int32_t marker = NumberAt(bytes, at, 2) & 0xFF;
+    const bool is_table = marker == 0xC4 || marker == 0xC8 || marker == 0xCC;
+    if (marker >= kFirstFrame && marker <= kLastFrame && !is_table)
+      return {NumberAt(bytes, at + 7, 2), NumberAt(bytes, at + 5, 2)};
+    at += 2 + static_cast<std::size_t>(NumberAt(bytes, at + 2, 2));
+  }
+  return {};
+}
+
+Pixels PixelsOf(std::string_view bytes) {
+  constexpr std::size_t kPngWidth = 16, kPngHeight = 20;
+  if (!bytes.starts_with(kPngSignature)) return PixelsOfJpeg(bytes);
+  return {NumberAt(bytes, kPngWidth, 4), NumberAt(bytes, kPngHeight, 4)};
+}
+
+void AddHex(std::string_view bytes, std::string& rtf) {
+  constexpr std::size_t kBytesInLine = 64;
+  constexpr std::string_view kDigitOf = "0123456789abcdef";
+  rtf.reserve(rtf.size() + 2 * bytes.size() + 2 * (bytes.size() / kBytesInLine + 2));
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (i % kBytesInLine == 0) rtf += "\r\n";
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    rtf += kDigitOf[byte / 16];
+    rtf += kDigitOf[byte % 16];
+  }
+}
+
 }  // namespace
+
+std::string RtfOfPicture(std::string_view bytes, std::int32_t width, std::int32_t height) {
+  constexpr std::int32_t kTwipsPerPixel = 15;
+  const Pixels pixels = PixelsOf(bytes);
+  std::string rtf = bytes.starts_with(kPngSignature) ? "{\\pict\\pngblip" : "{\\pict\\jpegblip";
+  const auto add = [&rtf](const char* word, std::int32_t number) {
+    if (number > 0) rtf.append(word).append(std::to_string(number));
+  };
+  add("\\picw", pixels.width);
+  add("\\pich", pixels.height);
+  add("\\picwgoal", width > 0 ? width : pixels.width * kTwipsPerPixel);
+  add("\\pichgoal", height > 0 ? height : pixels.height * kTwipsPerPixel);
+  AddHex(bytes, rtf);
+  return rtf + "}";
+}
 
 PictureGroup ReadPicture(std::string_view group) {
   PictureGroup picture;

@@ -42,7 +42,7 @@ void RtfTablePatch::Write(Patch& patch) const {
   }
   if (const std::uint32_t last = uses_.LastColor(); last > 0 && last >= header.colors) {
     if (header.colors_end == 0) out.Open("\\colortbl");
-    for (std::uint32_t i = header.colors; i <= last; ++i) WriteColor(after_.colors, i, out);
+    for (std::uint32_t i = header.colors; i <= last; ++i) WriteColor(after_, i, out);
     if (header.colors_end == 0) out.Close();
     put(header.colors_end);
   }

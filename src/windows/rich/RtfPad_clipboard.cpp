@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "documents/rtf/RtfPicture.h"
 #include "documents/rtf/RtfWriter.h"
 #include "windows/rich/ClosedDocument.h"
 #include "windows/rich/RtfClipboard.h"
@@ -147,6 +148,11 @@ void RtfPad::ReplaceSelectionWithPicture(const QByteArray& bytes) {
   rtf::Object picture;
   picture.kind = rtf::ObjectKind::Picture;
   picture.picture = bytes.toStdString();
+  // As it will be saved, so that the file has nothing else to change.
+  picture.rtf = rtf::RtfOfPicture(picture.picture, 0, 0);
+  const rtf::PictureGroup shown = rtf::ReadPicture(picture.rtf);
+  picture.width = shown.width;
+  picture.height = shown.height;
   store_->document.objects.push_back(std::move(picture));
   QTextCursor cursor = textCursor();
   QTextCharFormat format = cursor.charFormat();
