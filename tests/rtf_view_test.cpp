@@ -108,11 +108,14 @@ TEST(RtfView, GivesBackTables) {
   const std::int32_t left = source.Cell(2, 4000), right = source.Cell(2, 6000);
   const std::int32_t last = source.Cell(3, 1000);
   source.document.cells[static_cast<std::size_t>(tall)].row_span = 2;
+  rtf::CharFormat format;
+  format.bold = true;
+  const std::uint32_t bold = source.Format(format);
   const std::pair<std::int32_t, std::string> texts[] = {{tall, "tall"},   {outer, "before"}, {inner, "inner"},
                                                         {outer, "after"}, {below, ""},       {left, "l"},
                                                         {right, "r"},     {last, "last"},    {-1, "end"}};
   for (const auto& [cell, text] : texts) {
-    source.Paragraph(0, cell);
+    source.Paragraph(0, cell, text.empty() ? 0 : bold);
     if (!text.empty()) source.Text(text);
   }
   ExpectSameAfterView(source.document);

@@ -168,7 +168,8 @@ class Importer {
     }
     const bool is_long = shape_.IsLong(index);
     if (is_long) runs_.BeginPieces(format, paragraph.mark_format);
-    if (at == At::EmptyCell) format.setProperty(kMarkFormat, static_cast<int>(paragraph.mark_format) + 1);
+    if (at == At::EmptyCell || at == At::AfterTable)
+      format.setProperty(kMarkFormat, static_cast<int>(paragraph.mark_format) + 1);
     int attached = 0;
     if (shown_end < last) {
       std::uint32_t offset = runs_.Offset();

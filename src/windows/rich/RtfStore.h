@@ -16,7 +16,7 @@ enum RtfProperty : int {
   kParagraphFormat,                             ///< of block formats: RtfStore::document.paragraph_formats
   kObject,                                      ///< of an object's char format: RtfStore::document.objects; kPageBreak
   kAttached,                                    ///< of char and block formats: RtfStore::attached
-  kMarkFormat,                                  ///< of the first block of a cell, whose char format is the cell's own
+  kMarkFormat,       ///< of the first block of a cell or behind a table, whose char format is theirs
   kFiller,           ///< of a block that stands only because the view needs one beside a table
   kTable,            ///< of table formats: RtfStore::tables
   kFlatCell,         ///< of block formats: RtfStore::flat.cells, the cell of a table that is shown as lines
