@@ -151,12 +151,12 @@ bool IsRestThere(const std::string& before, const std::string& after, const rtf:
   };
   std::size_t first = 0;
   for (const rtf::RtfHunk& hunk : hunks) {
-    // Where paragraphs only came in, the end of the one before or the beginning of the next may change.
+    // Where paragraphs only came in, the one before or the next one may change.
     const std::size_t begin = first == 0 ? BeginOfText(source) : EndOf(source.marks[first - 1]);
-    const std::size_t unchanged = hunk.before_begin;
+    const bool came_in = hunk.before_begin == hunk.before_end;
+    const std::size_t unchanged = hunk.before_begin - (came_in && hunk.before_begin > 0 ? 1 : 0);
     if (unchanged > first && !is_there(begin, source.marks[unchanged - 1].begin)) return false;
-    first = std::max(hunk.before_end, unchanged);
-    if (hunk.before_begin == hunk.before_end) ++first;
+    first = hunk.before_end + (came_in ? 1 : 0);
   }
   if (first >= source.marks.size()) return true;
   return is_there(first == 0 ? BeginOfText(source) : EndOf(source.marks[first - 1]), before.size());

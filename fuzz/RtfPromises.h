@@ -78,9 +78,19 @@ class RtfSayings {
   static void Add(std::string& look, Values... values) {
     ((look += " " + std::to_string(static_cast<std::int64_t>(values))), ...);
   }
+  /// Its words in any order.
   std::string ExtraOf(std::uint32_t number) const {
     const std::string* const extra = EntryOf(document_.extras, number);
-    return extra == nullptr ? std::string() : *extra;
+    if (extra == nullptr) return {};
+    std::vector<std::string> words;
+    for (std::size_t at = 0, end = 0; at < extra->size(); at = end) {
+      end = std::min(extra->find('\\', at + 1), extra->size());
+      words.push_back(extra->substr(at, end - at));
+    }
+    std::ranges::sort(words);
+    std::string sorted;
+    for (const std::string& word : words) sorted += word;
+    return sorted;
   }
 
   const RtfDocument& document_;
@@ -164,16 +174,26 @@ inline std::vector<bool> ChangedBy(const std::vector<RtfHunk>& hunks, std::size_
   return changed;
 }
 
+/// Adds where the file says something of a section whose break is gone: that may stand behind other text of it.
+inline void AddGoneSections(const RtfSource& source, const RtfDocument& edited, std::vector<bool>& changed) {
+  for (const RtfSource::SectionPart& part : source.section_parts) {
+    if (std::ranges::find(edited.runs, part.object, &Run::object) != edited.runs.end()) continue;
+    const auto mark = std::ranges::upper_bound(source.marks, part.begin, {}, &RtfSource::Mark::end);
+    if (mark != source.marks.end()) changed[static_cast<std::size_t>(mark - source.marks.begin())] = true;
+  }
+}
+
 /// What a save broke of its promises; empty when all is well.
 inline std::string BrokenPromise(std::string_view bytes, const RtfSource& source, const EditedRtf& edited,
                                  std::string_view saved, const std::vector<RtfHunk>& hunks, const RtfDocument& again) {
-  const std::vector<bool> changed = ChangedBy(hunks, source.marks.size());
+  std::vector<bool> changed = ChangedBy(hunks, source.marks.size());
   const bool has_blocks =
       std::ranges::any_of(hunks, [](const RtfHunk& it) { return it.level == RtfHunk::Level::Blocks; });
   const auto count = std::ranges::count(changed, true);
   // Where paragraphs say the same, another one of them may change; so may what stands beside what came in.
   if (!has_blocks && count > std::ranges::count(edited.Touched(), true) + 2 * edited.Edits())
     return "more paragraphs change than were edited";
+  AddGoneSections(source, edited.Document(), changed);
   if (!IsRestSame(bytes, saved, source, changed)) return "what was not edited changes";
   return DifferenceBetween(WithSectionsApart(edited.Document()), again);
 }

@@ -58,7 +58,7 @@ void Parser::NoteSectionPart(std::size_t begin) {
   if (source_ == nullptr || begin == kUnknown) return;
   const auto end = static_cast<std::uint32_t>(tokens_.Position());
   source_->section_parts.push_back({section_, static_cast<std::uint32_t>(begin), end});
-  const bool follows_break = first_piece_ == source_->pieces.size() && source_->pieces.back().object == section_;
+  const bool follows_break = document_.paragraphs.size() == section_begin_ && first_piece_ == source_->pieces.size();
   if (follows_break) source_->marks.back().whole_end = end;
 }
 

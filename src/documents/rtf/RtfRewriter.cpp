@@ -114,6 +114,8 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
     for (std::size_t i = hunk.before_begin; i < last; ++i)
       if (source.marks[i].kind == MarkKind::Fixed && sides_.before_blocks.CellOf(i) < 0) return false;
   }
+  // The break of a section may end text of a cell as well.
+  if (stretch.end < stretch.begin) return false;
   const std::string skeleton = SkeletonOf(sides_.bytes, source, stretch);
   patch_.Replace(stretch.begin, end, skeleton);
   if (FollowsOpenEnd(hunk)) patch_.Replace(end, end, kEndOfLast);
