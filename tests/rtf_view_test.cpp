@@ -179,6 +179,23 @@ TEST(RtfView, BulletsThatWereSetHaveHangingText) {
   EXPECT_EQ(pad.SelectedRtf().find("\\fi-200"), std::string::npos);
 }
 
+TEST(RtfView, SelectionOfParagraphsTellsOneValueOrNone) {
+  RtfPad pad(nullptr);
+  pad.SetRtf(rtf::Read("{\\rtf1 a{\\b b}\\par\\b cc\\par d\\b0 d\\par}"));
+  constexpr struct {
+    int start, end;
+    std::optional<bool> bold;
+  } kSelections[] = {{1, 7, true}, {0, 7, std::nullopt}, {1, 8, std::nullopt}, {3, 6, true}, {7, 8, false}};
+  for (const auto& [start, end, bold] : kSelections) {
+    pad.Select(start, end);
+    EXPECT_EQ(pad.SelectionBold(), bold) << start;
+  }
+  pad.Select(1, 7);
+  EXPECT_EQ(pad.SelectionItalic(), false);
+  pad.SetSelectionItalic(true);
+  EXPECT_EQ(pad.SelectionItalic(), true);
+}
+
 TEST(RtfView, SelectionTellsOneValueOrNone) {
   RtfPad pad(nullptr);
   pad.SetRtf(MixedSource().document);

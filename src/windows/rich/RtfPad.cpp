@@ -67,6 +67,7 @@ void RtfPad::Show(std::unique_ptr<QTextDocument> view) {
   large_steps_.clear();
   large_redos_.clear();
   page_height_.Reset();
+  selection_formats_ = {};
   view->setParent(this);
   const QTextDocument* old = document();
   // The edit deletes only what it made itself.

@@ -11,6 +11,7 @@
 #include "shell/Zoom.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPageHeight.h"
+#include "windows/rich/RtfSelectionFormats.h"
 #include "windows/rich/RtfStore.h"
 #include "windows/rich/RtfTraces.h"
 #include "windows/text/Pad.h"
@@ -199,6 +200,7 @@ class RtfPad : public QTextEdit, public Pad {
   RtfObjectView* objects_;
   RtfTraces traces_;
   RtfPageHeight page_height_;
+  mutable RtfSelectionFormats selection_formats_;
   QImage zoom_device_;
   ZoomPercent zoom_;
   int right_margin_ = kNoWrap;

@@ -3,6 +3,7 @@
 #include <QTextBlock>
 #include <QTextList>
 #include <algorithm>
+#include <utility>
 
 #include "system/Twips.h"
 #include "windows/rich/RtfPad.h"
@@ -26,20 +27,12 @@ template <typename Of>
 auto RtfPad::Uniform(Of of) const -> std::optional<decltype(of(QTextCharFormat()))> {
   const QTextCursor cursor = textCursor();
   if (!cursor.hasSelection()) return of(currentCharFormat());
+  selection_formats_.Follow(cursor, revision_);
   std::optional<decltype(of(currentCharFormat()))> value;
-  int known_format = -1;
-  const int start = cursor.selectionStart(), end = cursor.selectionEnd();
-  for (QTextBlock block = document()->findBlock(start); block.isValid() && block.position() < end;
-       block = block.next()) {
-    for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
-      const QTextFragment fragment = it.fragment();
-      if (fragment.position() >= end) break;
-      if (fragment.position() + fragment.length() <= start) continue;
-      if (std::exchange(known_format, fragment.charFormatIndex()) == fragment.charFormatIndex()) continue;
-      const auto here = of(fragment.charFormat());
-      if (value && *value != here) return std::nullopt;
-      value = here;
-    }
+  for (std::size_t index = 0; const QTextCharFormat* format = selection_formats_.At(index); ++index) {
+    const auto here = of(*format);
+    if (value && *value != here) return std::nullopt;
+    value = here;
   }
   return value ? value : of(currentCharFormat());
 }
@@ -80,9 +73,13 @@ std::optional<double> RtfPad::SelectionFontSize() const {
 std::optional<bool> RtfPad::SelectionBullet() const {
   const QTextCursor cursor = textCursor();
   QTextBlock block = document()->findBlock(cursor.selectionStart());
+  const QTextBlock last = document()->findBlock(std::max(cursor.selectionEnd() - 1, cursor.selectionStart()));
   const bool first = IsBulleted(block);
-  for (block = block.next(); block.isValid() && block.position() < cursor.selectionEnd(); block = block.next())
-    if (IsBulleted(block) != first) return std::nullopt;
+  for (int known = block.blockFormatIndex(); block != last;) {
+    block = block.next();
+    const int here = block.blockFormatIndex();
+    if (std::exchange(known, here) != here && IsBulleted(block) != first) return std::nullopt;
+  }
   return first;
 }
 
