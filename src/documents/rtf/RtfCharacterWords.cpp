@@ -153,8 +153,10 @@ CharacterWordSteps CharacterWordsBetween(std::string_view from, std::string_view
                                          FontClass text_class) {
   const Parts one(from), other(to);
   CharacterWordSteps steps{.text_class = text_class};
-  steps.has_own_font = !other.FontOf(font_class).empty();
-  steps.replaces_font = !steps.has_own_font && !one.FontOf(font_class).empty();
+  const std::string& own = other.FontOf(font_class);
+  if (!own.empty()) steps.own_font.append(WordOf(font_class)).append(own);
+  steps.is_own_font_new = !own.empty() && own != one.FontOf(font_class);
+  steps.replaces_font = own.empty() && !one.FontOf(font_class).empty();
   if (one.other_direction != other.other_direction || one.is_right_to_left != other.is_right_to_left) {
     steps.words = other.Direction();
     if (steps.words.empty()) steps.words = kToRight;
@@ -166,7 +168,7 @@ CharacterWordSteps CharacterWordsBetween(std::string_view from, std::string_view
     if (FindWord(one.rest, NameOf(word)) != word) steps.words += word;
   }
   for (const FontClass each : {FontClass::High, FontClass::Double, FontClass::Low}) {
-    if (other.FontOf(each) == one.FontOf(each) || other.FontOf(each).empty()) continue;
+    if (each == font_class || other.FontOf(each) == one.FontOf(each) || other.FontOf(each).empty()) continue;
     steps.fonts.append(WordOf(each)).append(other.FontOf(each));
     steps.class_of_fonts = each;
   }

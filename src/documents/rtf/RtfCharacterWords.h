@@ -29,12 +29,13 @@ bool AreCharacterWordsIn(std::string_view words, std::string_view others, FontCl
 /// What leads from some words to others that hold all of their names.
 struct CharacterWordSteps {
   std::string words{};                        ///< but for the fonts
-  std::string fonts{};                        ///< of classes of text, behind all other words
+  std::string fonts{};                        ///< of other classes of text, behind all other words
+  std::string own_font{};                     ///< of the text's class, behind its \f, which takes it back
   FontClass text_class = FontClass::Low;      ///< in which `words` end
   FontClass class_of_fonts = FontClass::Low;  ///< in which `fonts` end
   bool replaces_font = false;                 ///< the text's own font is to be named, for it had one among the words
-  bool has_own_font = false;                  ///< it has one among them, which holds behind any other
-  bool IsEmpty() const { return words.empty() && fonts.empty() && !replaces_font; }
+  bool is_own_font_new = false;
+  bool IsEmpty() const { return words.empty() && fonts.empty() && !replaces_font && !is_own_font_new; }
 };
 /// font_class: as above. text_class: that of text before them.
 CharacterWordSteps CharacterWordsBetween(std::string_view from, std::string_view to, FontClass font_class,

@@ -208,15 +208,16 @@ void WriteFonts(std::optional<std::int32_t> font, const CharFormat& format, cons
     if (text_class != font_class) out.Words(WordOf(font_class));
     text_class = font_class;
   };
-  const auto write_own = [&] {
-    if (!font) return;
-    enter(format.font_class);
-    out.Word("\\f", *font);
-  };
-  if (steps.has_own_font) write_own();
   out.Words(steps.fonts);
   if (!steps.fonts.empty()) text_class = steps.class_of_fonts;
-  if (!steps.has_own_font) write_own();
+  if (font) {
+    enter(format.font_class);
+    out.Word("\\f", *font);
+  }
+  if (steps.is_own_font_new || (font && !steps.own_font.empty())) {
+    out.Words(steps.own_font);
+    text_class = format.font_class;
+  }
   enter(format.text_class);
 }
 
@@ -231,7 +232,7 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
     now.said = 0;
   }
   CharacterWordSteps steps{.text_class = now.text_class};
-  if (now.extra != to.extra)
+  if (now.extra != to.extra || (to.extra != 0 && (now.font != to.font || now.font_class != to.font_class)))
     steps = CharacterWordsBetween(ExtraWords(document, now.extra), ExtraWords(document, to.extra), to.font_class,
                                   now.text_class);
   out.Words(steps.words);
@@ -241,7 +242,7 @@ void WriteCharFormat(const RtfDocument& document, const CharFormat& plain, const
   const std::optional<std::int32_t> font =
       output.IsWanted(kFont, is_font_new) ? FontNumber(document, shown(to.font)) : std::nullopt;
   // Words of other classes say for some readers what all that follows is about, too.
-  const bool has_classes = !steps.fonts.empty() || steps.text_class != FontClass::Low ||
+  const bool has_classes = !steps.fonts.empty() || !steps.own_font.empty() || steps.text_class != FontClass::Low ||
                            to.font_class != FontClass::Low || to.text_class != FontClass::Low;
   if (font && !has_classes) out.Word("\\f", *font);
   output.Number(kFontSize, &CharFormat::half_points, "\\fs");
