@@ -1,6 +1,7 @@
 #include <QClipboard>
 #include <QMimeData>
 #include <QTest>
+#include <ostream>
 
 #include "RtfProbe.h"
 #include "RtfWindow.h"
@@ -50,6 +51,8 @@ const JoinCase kJoins[] = {
     {"", "{\\stylesheet{\\s1 Note;}}", "\\pard{\\footnote\\pard\\s1 n}b\\par", "{\\stylesheet{\\s1 Note;}}",
      "{\\footnote\\pard\\s1 n}"},
 };
+
+void PrintTo(const JoinCase& it, std::ostream* out) { *out << it.tables << " and " << it.clip_tables; }
 
 class FormRtfJoin : public FormRtf, public ::testing::WithParamInterface<JoinCase> {};
 

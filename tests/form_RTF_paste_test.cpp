@@ -1,6 +1,7 @@
 #include <QClipboard>
 #include <QMimeData>
 #include <QTest>
+#include <ostream>
 
 #include "RtfProbe.h"
 #include "RtfWindow.h"
@@ -79,6 +80,49 @@ TEST_F(FormRtf, PastedMarkupIsSavedAsItLooks) {
   EXPECT_EQ(document.cells[1].right_edge, 3000);
   EXPECT_EQ(document.objects.size(), 1U) << "what stands elsewhere is not asked for";
 }
+
+struct MarkupCase {
+  const char* html;
+  const char* saved;    ///< stands in the file
+  const char* missing;  ///< does not
+};
+void PrintTo(const MarkupCase& it, std::ostream* out) { *out << it.html; }
+
+class FormRtfMarkup : public FormRtf, public ::testing::WithParamInterface<MarkupCase> {};
+
+// As word processors and browsers hand it over.
+TEST_P(FormRtfMarkup, IsSavedAsItLooks) {
+  const std::string before = "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\pard one\\par two}";
+  form_RTF& window = Open(before);
+  auto* data = new QMimeData;
+  data->setHtml(QString::fromUtf8(GetParam().html));
+  QGuiApplication::clipboard()->setMimeData(data);
+  RtfPad& pad = PadOf(window);
+  pad.Select(3, 3);
+  QTest::keyClick(&pad, Qt::Key_Return);
+  window.EditPaste();
+  const std::string after = window.Content();
+  EXPECT_NE(after.find(GetParam().saved), std::string::npos) << after;
+  EXPECT_EQ(after.find(GetParam().missing), std::string::npos) << after;
+  while (pad.CanUndo()) pad.Undo();
+  EXPECT_EQ(window.Content(), before);
+}
+
+const MarkupCase kMarkups[] = {
+    {"<style>p { background: transparent }</style><p>a</p>", "a", "cbpat"},
+    {"<p style='background-color: rgba(9, 9, 9, 0)'>a <code>background: transparent;</code></p>",
+     "background: transparent;", "cbpat"},
+    {"<span style='background: rgba(255, 0, 0, 0.5)'>a</span>", "\\red255\\green128\\blue128;", "\\red255\\green0"},
+    {"<style>p { background: transparent }</style><table><tr><td bgcolor=#ffff00><p>a</p></td></tr></table>",
+     "\\clcbpat1\\cellx", "brdr"},
+    {"<table><tr><td style='border: 1.50pt solid #ff0000'>a</td></tr></table>", "\\clbrdrt\\brdrs\\brdrw30\\brdrcf1",
+     "trbrdr"},
+    {"<table style='width: 200px'><tr><td>a</td></tr></table>", "\\cellx3000", "brdr"},
+    {"<table><tr><td style='border-width: 300px; border-style: none'>a</td></tr></table>", "\\cellx", "\\cellx4500"},
+    {"<ul><li>a<ul><li>b</li></ul></li></ul>", "\\ls1\\ilvl1", "\\ls2"},
+    {"<h2>a</h2>", "\\b", "\\ls"},
+};
+INSTANTIATE_TEST_SUITE_P(Clips, FormRtfMarkup, ::testing::ValuesIn(kMarkups));
 
 TEST_F(FormRtf, APastedPictureIsAllThatChanges) {
   const std::string before = "{\\rtf1\\ansi{\\*\\unknown x}\\pard one \\par two}";

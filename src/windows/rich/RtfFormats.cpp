@@ -204,7 +204,14 @@ QTextBlockFormat RtfFormats::ShowParagraphFormat(std::uint32_t number) const {
 }
 
 std::uint32_t RtfFormats::ColorOf(const QBrush& brush) {
-  return brush.style() == Qt::NoBrush ? 0 : store_.AddColor(brush.color().rgb() & 0xFFFFFFU);
+  const QColor color = brush.color();
+  if (brush.style() == Qt::NoBrush || color.alpha() == 0) return 0;
+  // What shows through is the paper.
+  const auto on_paper = [&color](int part) {
+    constexpr int kWhite = 255;
+    return kWhite - (kWhite - part) * color.alpha() / kWhite;
+  };
+  return store_.AddColor(qRgb(on_paper(color.red()), on_paper(color.green()), on_paper(color.blue())) & 0xFFFFFFU);
 }
 
 void RtfFormats::ReadFont(const QTextCharFormat& shown, const QTextCharFormat& was, rtf::CharFormat& format) {

@@ -25,8 +25,6 @@ using namespace Qt::StringLiterals;
 namespace tme {
 namespace {
 
-constexpr double kPointsPerPixel = 0.75;
-
 /// Of the sizes 1 to 7 of the markup, as the toolkit shows them; 3 is that of other text.
 double ScaleOf(int adjustment) {
   constexpr double kScales[] = {0.7, 0.8, 1.0, 1.2, 1.5, 2.0, 2.4};
@@ -119,7 +117,7 @@ rtf::RtfDocument RtfOfHtml(const QString& html, const QFont& font) {
   store.document.char_formats.front().half_points = static_cast<std::uint32_t>(std::lround(font.pointSizeF() * 2));
   ClosedDocument text;
   text.setUndoRedoEnabled(false);
-  text.setHtml(WithListStarts(html));
+  text.setHtml(WithListStarts(WithKnownStyles(html)));
   ResolvePictures(text, store);
   ResolveCharacters(text, font.pointSizeF());
   store.document.kept_header = ResolveLists(text);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <utility>
@@ -153,12 +154,50 @@ std::optional<QTextCharFormat> ObjectOf(const QTextImageFormat& image, RtfStore&
   return format;
 }
 
+/// Puts what `with` makes of each match in its place.
+template <typename With>
+QString WithEach(const QString& text, const QRegularExpression& each, With with) {
+  QString changed;
+  qsizetype end = 0;
+  for (QRegularExpressionMatchIterator matches = each.globalMatch(text); matches.hasNext();) {
+    const QRegularExpressionMatch found = matches.next();
+    changed += QStringView(text).sliced(end, found.capturedStart() - end);
+    changed += with(found);
+    end = found.capturedEnd();
+  }
+  changed += QStringView(text).sliced(end);
+  return changed;
+}
+
 }  // namespace
 
 QString WithListStarts(QString html) {
-  static const QRegularExpression start(u"(<ol\\b[^>]*\\bstart\\s*=\\s*[\"']?(\\d{1,6})[^>]*>\\s*<li\\b[^>]*>)"_s,
+  static const QRegularExpression start(u"(<ol\\b[^<>]*\\bstart\\s*=\\s*[\"']?(\\d{1,6})[^<>]*>\\s*<li\\b[^<>]*>)"_s,
                                         QRegularExpression::CaseInsensitiveOption);
   return html.replace(start, u"\\1<a name=\"%1\\2\"></a>"_s.arg(kStartName));
+}
+
+QString WithKnownStyles(const QString& html) {
+  constexpr auto kAnyCase = QRegularExpression::CaseInsensitiveOption;
+  static const QRegularExpression styled(u"<style\\b[^<>]*>[^<]*|<[a-z][^<>]*>"_s, kAnyCase);
+  // In the first paragraph of a cell it would take back what is behind the cell.
+  static const QRegularExpression nothing(
+      u"\\bbackground(?:-color)?\\s*:\\s*(?:transparent|rgba\\([^()]*,\\s*0\\))\\s*(?:;|(?=[\"'}]))"_s, kAnyCase);
+  static const QRegularExpression cell(u"^<(?:table|td|th)\\b"_s, kAnyCase);
+  static const QRegularExpression width(u"[\"';\\s]width\\s*:\\s*(\\d{1,5})(?:\\.\\d*)?(px|%)"_s, kAnyCase);
+  static const QRegularExpression points(u"\\b(\\d{1,3}(?:\\.\\d*)?)pt\\b"_s, kAnyCase);
+  return WithEach(html, styled, [](const QRegularExpressionMatch& found) {
+    QString words = found.captured().remove(nothing);
+    if (!cell.match(words).hasMatch()) return words;
+    words = WithEach(words, points, [](const QRegularExpressionMatch& length) {
+      return u"%1px"_s.arg(std::lround(std::max(1.0, length.captured(1).toDouble() / kPointsPerPixel)));
+    });
+    const QRegularExpressionMatch size = width.match(words);
+    if (!size.hasMatch() || words.contains(u"width="_s, Qt::CaseInsensitive)) return words;
+    const bool is_share = size.captured(2) == u"%"_s;
+    words.insert(words.size() - 1, u" width=\"%1%2\""_s.arg(size.captured(1), is_share ? u"%"_s : QString()));
+    return words;
+  });
 }
 
 std::string ResolveLists(QTextDocument& text) {
