@@ -7,6 +7,7 @@
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QTextList>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -43,8 +44,12 @@ class FirstParagraph {
     format_.setObjectIndex(-1);
     format_.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
     QTextCursor cursor(to);
+    // The first block's own format is not undone, and that of a cell's first one is the cell's.
+    constexpr char16_t kCellBegin = u'\uFDD0';
+    const bool has_own_end = to.position() > 0 && to.document()->characterAt(to.position() - 1) != kCellBegin;
+    if (!has_own_end) format_.setProperty(kMarkFormat, std::max(mark_.intProperty(kCharFormat), 1));
     cursor.setBlockFormat(format_);
-    cursor.setBlockCharFormat(mark_);
+    if (has_own_end) cursor.setBlockCharFormat(mark_);
     if (!list_format_) return;
     QTextList* rest = to.next().textList();
     if (rest && goes_on_)
@@ -120,7 +125,10 @@ void RtfPad::InsertFragment(const QTextDocument& part) {
     const int first = cursor.position();
     std::optional<FirstParagraph> first_format;
     if (is_at_begin && (has_end || (is_empty && has_format))) first_format.emplace(part);
+    const QTextCharFormat first_mark = cursor.document()->firstBlock().charFormat();
     cursor.insertFragment(QTextDocumentFragment(&part));
+    // Undo would not bring it back.
+    if (first == 0) QTextCursor(cursor.document()).setBlockCharFormat(first_mark);
     const QTextBlock begin = cursor.document()->findBlock(first);
     if (first_format) first_format->Apply(begin);
     const QTextBlock last = part.lastBlock();
