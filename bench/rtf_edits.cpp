@@ -214,7 +214,7 @@ class Tried {
         held = unedited_.paragraphs.size() == source_.marks.size() &&
                IsRestThere(bytes_, *result, source_,
                            rtf::HunksBetween(unedited_, DigestOf(written.Document()),
-                                             std::vector<bool>(unedited_.blocks.size())));
+                                             std::vector<rtf::BlockShape>(unedited_.blocks.size())));
         break;
     }
     if (const char* const folder = std::getenv("TME_RTF_EDITS_OUT"))

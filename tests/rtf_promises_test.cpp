@@ -197,5 +197,19 @@ TEST(RtfPromises, EditsStandInTheirPlace) {
   }
 }
 
+TEST(RtfPromises, ATableThatTheViewHasInAnotherShapeKeepsItsOwn) {
+  const std::string bytes = "{\\rtf1\\trowd\\cellx900\\cellx1800\\pard\\intbl a\\cell b\\cell\\row}";
+  RtfSource source;
+  const RtfDocument read = ReadRtf(bytes, BytesToUtf8, &source);
+  RtfDocument view = read;
+  view.cells[0].right_edge = 700;
+  RtfOriginal original(bytes, read, source);
+  original.SetUnedited(view);
+  EditedRtf edited(view);
+  edited.Type(1, 1, "x");
+  EXPECT_EQ(original.WithEdits(edited.Document(), BytesToUtf8).value_or("refused"),
+            "{\\rtf1\\trowd\\cellx900\\cellx1800\\pard\\intbl a\\cell bx\\cell\\row}");
+}
+
 }  // namespace
 }  // namespace tme::rtf

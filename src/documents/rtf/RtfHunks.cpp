@@ -76,15 +76,15 @@ Numbers WholeBlocks(const RtfDigest& digest) {
 /// Looks for what differs in stretches of blocks that do.
 class BlockHunks {
  public:
-  BlockHunks(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed)
-      : before_(before), after_(after), is_fixed_(is_fixed) {}
+  BlockHunks(const RtfDigest& before, const RtfDigest& after, const std::vector<BlockShape>& shapes)
+      : before_(before), after_(after), shapes_(shapes) {}
 
   /// blocks: its numbers count blocks.
   void Add(const RtfHunk& blocks) {
     const std::vector<std::size_t> tables = TablesOf(before_, blocks.before_begin, blocks.before_end);
     const std::vector<std::size_t> others = TablesOf(after_, blocks.after_begin, blocks.after_end);
     const bool same = std::ranges::equal(tables, others, [this](std::size_t one, std::size_t other) {
-      return is_fixed_[one] || before_.blocks[one] == after_.blocks[other];
+      return shapes_[one] != BlockShape::Same || before_.blocks[one] == after_.blocks[other];
     });
     if (!same) return AddWhole(blocks);
     RtfHunk part = blocks;
@@ -93,10 +93,10 @@ class BlockHunks {
       part.after_end = others[i];
       AddParagraphs(part);
       part = {tables[i], tables[i] + 1, others[i], others[i] + 1};
-      if (is_fixed_[tables[i]])
-        AddWhole(part);
-      else
+      if (shapes_[tables[i]] == BlockShape::Same)
         AddParagraphs(part);
+      else if (shapes_[tables[i]] != BlockShape::Other || !AddInCells(part))
+        AddWhole(part);
       part = {part.before_end, blocks.before_end, part.after_end, blocks.after_end};
     }
     AddParagraphs(part);
@@ -118,6 +118,20 @@ class BlockHunks {
     RtfHunk hunk = ParagraphsOf(blocks);
     hunk.level = RtfHunk::Level::Blocks;
     hunks_.push_back(hunk);
+  }
+  /// False where paragraphs came or went, or the table became another.
+  bool AddInCells(const RtfHunk& blocks) {
+    const RtfHunk all = ParagraphsOf(blocks);
+    const std::size_t count = all.before_end - all.before_begin;
+    if (before_.blocks[blocks.before_begin] != after_.blocks[blocks.after_begin] ||
+        count != all.after_end - all.after_begin)
+      return false;
+    for (std::size_t i = 0; i < count; ++i) {
+      RtfHunk hunk{all.before_begin + i, all.before_begin + i + 1, all.after_begin + i, all.after_begin + i + 1};
+      hunk.keeps_cells = true;
+      if (before_.paragraphs[hunk.before_begin] != after_.paragraphs[hunk.after_begin]) hunks_.push_back(hunk);
+    }
+    return true;
   }
   void AddParagraphs(const RtfHunk& blocks) {
     const RtfHunk all = ParagraphsOf(blocks);
@@ -142,7 +156,7 @@ class BlockHunks {
 
   const RtfDigest& before_;
   const RtfDigest& after_;
-  const std::vector<bool>& is_fixed_;
+  const std::vector<BlockShape>& shapes_;
   std::vector<RtfHunk> hunks_;
 };
 
@@ -213,8 +227,9 @@ RtfDigest DigestOfTables(const RtfDigest& digest) {
   return whole;
 }
 
-std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed) {
-  BlockHunks hunks(before, after, is_fixed);
+std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after,
+                                  const std::vector<BlockShape>& shapes) {
+  BlockHunks hunks(before, after, shapes);
   for (const RtfHunk& blocks : DiffNumbers(WholeBlocks(before), WholeBlocks(after))) hunks.Add(blocks);
   return hunks.Take();
 }
@@ -245,8 +260,11 @@ bool RaiseHunks(std::vector<RtfHunk>& hunks, const std::vector<std::size_t>& whi
   for (const std::size_t i : which) {
     if (hunks[i].level == RtfHunk::Level::Blocks) return false;
     const bool is_first_raise = hunks[i].level == RtfHunk::Level::Splice;
-    hunks[i].level = is_first_raise ? RtfHunk::Level::Paragraphs : RtfHunk::Level::Blocks;
-    if (!is_first_raise) Widen(hunks[i], before);
+    hunks[i].level = RtfHunk::Level::Paragraphs;
+    if (is_first_raise && !hunks[i].keeps_cells) continue;
+    hunks[i].level = RtfHunk::Level::Blocks;
+    hunks[i].keeps_cells = false;
+    Widen(hunks[i], before);
   }
   // What stands in a block that is written as a whole is written with it.
   std::vector<RtfHunk> joined;

@@ -22,6 +22,9 @@ struct RtfHunk {
   std::size_t after_begin = 0;
   std::size_t after_end = 0;
   Level level = Level::Splice;
+  /// The view has the table in another shape than the file, but as many paragraphs, and none came or went: each stays
+  /// in its cell of the file.
+  bool keeps_cells = false;
 };
 
 /// What a document says, as numbers that are the same for what is the same in documents with the same tables of formats
@@ -40,8 +43,16 @@ RtfDigest ShapeOf(const RtfBlocks& blocks);
 /// The same with tables as wholes where rows are blocks.
 RtfDigest DigestOfTables(const RtfDigest& digest);
 
-/// What differs, in its order. is_fixed: whether a block before can be changed as a whole alone.
-std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after, const std::vector<bool>& is_fixed);
+/// How the view has a block of the file.
+enum class BlockShape : std::uint8_t {
+  Same,
+  Other,           ///< but for cells and rows it is the same
+  OtherParagraphs  ///< it can be changed as a whole alone
+};
+
+/// What differs, in its order. shapes: of the blocks before.
+std::vector<RtfHunk> HunksBetween(const RtfDigest& before, const RtfDigest& after,
+                                  const std::vector<BlockShape>& shapes);
 
 enum class Neighbour : std::uint8_t { Last, Next };
 

@@ -53,7 +53,7 @@ class Check {
     for (std::size_t i = 0; i < hunks.size(); ++i) {
       for (; before < hunks[i].before_begin; ++before) LookAtUnedited(before, i);
       for (std::size_t after = hunks[i].after_begin; after < hunks[i].after_end; ++after)
-        if (!IsSame(to_after_, sides_.after_blocks, after)) Fail(i);
+        if (!IsMeant(hunks[i], after)) Fail(i);
       before = hunks[i].before_end;
     }
     for (; before < sides_.before.paragraphs.size(); ++before) LookAtUnedited(before, hunks.size());
@@ -69,22 +69,37 @@ class Check {
   }
 
  private:
+  enum class Of : std::uint8_t { File, Edit };
+
   /// next: the hunk behind it. What is wrong was done by the one before.
   void LookAtUnedited(std::size_t paragraph, std::size_t next) {
-    if (!IsSame(to_before_, sides_.before_blocks, paragraph)) Fail(next > 0 ? next - 1 : 0);
+    const bool is_same =
+        to_before_.SameParagraph(at_, paragraph) && HasPlaceOf(sides_.before_blocks, paragraph, Of::File);
+    ++at_;
+    if (!is_same) Fail(next > 0 ? next - 1 : 0);
+  }
+  /// after: a paragraph of a hunk.
+  bool IsMeant(const RtfHunk& hunk, std::size_t after) {
+    const std::size_t in_file = hunk.before_begin + (after - hunk.after_begin);
+    const bool is_same =
+        to_after_.SameParagraph(at_, after) && (hunk.keeps_cells ? HasPlaceOf(sides_.before_blocks, in_file, Of::Edit)
+                                                                 : HasPlaceOf(sides_.after_blocks, after, Of::Edit));
+    ++at_;
+    return is_same;
   }
 
   void Fail(std::size_t hunk) {
     if (failures_.empty() || failures_.back() != hunk) failures_.push_back(hunk);
   }
 
-  /// Whether the next paragraph that was read, and the table that begins with it, is that of another document.
-  bool IsSame(RtfComparison& comparison, const RtfBlocks& others, std::size_t other) {
-    const std::size_t at = at_++, block = blocks_.BlockOf(at), its_block = others.BlockOf(other);
-    if (blocks_.CellOf(at) != others.CellOf(other) || !comparison.SameParagraph(at, other)) return false;
-    const bool begins = blocks_[block].paragraph == at;
+  /// Whether the paragraph that was read stands where one of another document does, in the same cell of a table that is
+  /// like its own.
+  bool HasPlaceOf(const RtfBlocks& others, std::size_t other, Of of) const {
+    const std::size_t block = blocks_.BlockOf(at_), its_block = others.BlockOf(other);
+    if (blocks_.CellOf(at_) != others.CellOf(other)) return false;
+    const bool begins = blocks_[block].paragraph == at_;
     // Before one that was not edited, others may have come or gone.
-    if (&comparison == &to_after_ && begins != (others[its_block].paragraph == other)) return false;
+    if (of == Of::Edit && begins != (others[its_block].paragraph == other)) return false;
     return !begins || blocks_.IsLike(block, others, its_block, RtfBlocks::Definitions::MayBeMade);
   }
 
@@ -156,8 +171,10 @@ RtfOriginal::View RtfOriginal::ViewOf(RtfDigest unedited, const RtfDigest& file)
   view.stands_in_file = !file.blocks.empty() && file.kinds == unedited.kinds;
   for (std::size_t i = 0; view.stands_in_file && i < file.blocks.size(); ++i) {
     const std::uint32_t paragraphs = file.block_begins[i + 1] - file.block_begins[i];
-    view.is_fixed.push_back(file.blocks[i] != unedited.blocks[i] ||
-                            paragraphs != unedited.block_begins[i + 1] - unedited.block_begins[i]);
+    view.shapes.push_back(paragraphs != unedited.block_begins[i + 1] - unedited.block_begins[i]
+                              ? BlockShape::OtherParagraphs
+                          : file.blocks[i] != unedited.blocks[i] ? BlockShape::Other
+                                                                 : BlockShape::Same);
   }
   view.unedited = std::move(unedited);
   return view;
@@ -203,7 +220,7 @@ std::optional<std::string> RtfOriginal::WithEdits(const RtfDocument& edited, con
 std::optional<std::string> RtfOriginal::Splice(const RtfBlocks& file_blocks, const View& view, const Edited& edited,
                                                std::vector<RtfHunk>* done) const {
   constexpr int kMaxRounds = 5;
-  std::vector<RtfHunk> hunks = HunksBetween(view.unedited, edited.digest, view.is_fixed);
+  std::vector<RtfHunk> hunks = HunksBetween(view.unedited, edited.digest, view.shapes);
   MoveToFile(view.unedited, file_blocks, hunks);
   if (hunks.empty()) return std::nullopt;
   const Sides sides{bytes_, document_, file_blocks, source_, edited.document, edited.blocks};

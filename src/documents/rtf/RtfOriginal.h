@@ -41,8 +41,7 @@ class RtfOriginal {
   /// A document as the view gave it back, beside that of the file.
   struct View {
     RtfDigest unedited;
-    /// What the view has in another shape than the file, by block.
-    std::vector<bool> is_fixed;
+    std::vector<BlockShape> shapes;  ///< by block
     bool stands_in_file = false;
   };
   struct Edited {

@@ -39,6 +39,7 @@ bool RtfSplicer::FindParagraph(RtfHunk& hunk) const {
 
 bool RtfSplicer::Splice(RtfHunk hunk) {
   if (!FindParagraph(hunk)) return false;
+  hunk_ = hunk;
   const RtfItemRange old_part{before_,
                               after_.objects,
                               hunk.before_begin,
@@ -241,6 +242,7 @@ bool RtfSplicer::SameField(std::uint32_t one, std::uint32_t other) const {
 
 /// Counted in the blocks that they stand in.
 bool RtfSplicer::SameCell(std::size_t before, std::size_t after) const {
+  if (hunk_.keeps_cells) return before - hunk_.before_begin == after - hunk_.after_begin;
   return sides_.before_blocks.CellOf(before) == sides_.after_blocks.CellOf(after);
 }
 

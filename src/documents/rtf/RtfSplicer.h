@@ -97,6 +97,7 @@ class RtfSplicer {
   RtfLabelPlan labels_;     ///< of the hunk
   RtfNumbering numbering_;  ///< of the document after the edits
   std::size_t numbered_ = 0;
+  RtfHunk hunk_;                 ///< that is being spliced
   std::size_t removed_end_ = 0;  ///< of the items before the edit, behind those that were taken out last
 };
 
