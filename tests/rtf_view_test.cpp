@@ -121,6 +121,21 @@ TEST(RtfView, GivesBackTables) {
   ExpectSameAfterView(source.document);
 }
 
+TEST(RtfView, GivesBackSeveralParagraphsOfCellsSideBySide) {
+  Source source;
+  source.document.tables = {{-1}};
+  source.document.rows = {{0, "\\trowd1"}, {0, "\\trowd2"}};
+  for (const std::uint32_t row : {0U, 1U})
+    for (const std::int32_t column : {0, 1}) {
+      const std::int32_t cell = source.Cell(row, 2000 * (column + 1));
+      source.Paragraph(0, cell);
+      source.Text("a");
+      if (column == 0) source.Paragraph(0, cell);
+    }
+  source.Paragraph(0, -1);
+  ExpectSameAfterView(source.document);
+}
+
 TEST(RtfView, TablesOfAnyShapeStayAffordable) {
   Source source;
   source.document.tables = {{-1}};

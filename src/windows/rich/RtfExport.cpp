@@ -6,13 +6,11 @@
 #include <QTextTable>
 #include <algorithm>
 #include <optional>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "windows/rich/RtfFlatTables.h"
 #include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfNewTable.h"
-#include "windows/rich/RtfPieces.h"
 
 namespace tme {
 namespace {
@@ -40,6 +38,17 @@ class Exporter {
     int object = 0;
     int attached = 0;
   };
+  /// The same of a block's format.
+  struct KnownBlock {
+    bool known = false;
+    bool is_filler = false;
+    std::uint32_t format = 0;
+    int flat_cell = 0;
+    int long_paragraph = 0;
+    int piece = 0;
+    int mark = 0;
+    int attached = 0;
+  };
 
   void Frame(QTextFrame::iterator from, const QTextFrame::iterator& to, std::int32_t cell) {
     Part last;
@@ -61,45 +70,57 @@ class Exporter {
   }
 
   /// The paragraph that a block shows or, of a long one, goes on with.
-  rtf::Paragraph& ParagraphOf(const QTextBlock& block, const QTextBlockFormat& format, std::int32_t cell) {
-    const std::uint32_t number = ParagraphFormatOf(block, format);
-    const int flat_cell = format.intProperty(kFlatCell);
-    const bool goes_on = GoesOn(before_, format) && before_.intProperty(kFlatCell) == flat_cell &&
-                         document_.paragraphs.back().format == number;
-    before_ = format;
+  rtf::Paragraph& ParagraphOf(const KnownBlock& block, std::int32_t cell) {
+    const bool goes_on = block.long_paragraph > 0 && block.long_paragraph == before_.long_paragraph &&
+                         block.piece > before_.piece && before_.flat_cell == block.flat_cell &&
+                         document_.paragraphs.back().format == block.format;
+    before_ = block;
     if (goes_on) return document_.paragraphs.back();
-    if (flat_cell > 0)
-      cell = flat_tables_.CellOf(flat_cell - 1, cell);
+    if (block.flat_cell > 0)
+      cell = flat_tables_.CellOf(block.flat_cell - 1, cell);
     else
       flat_tables_.Close();
     return document_.paragraphs.emplace_back(
-        rtf::Paragraph{static_cast<std::uint32_t>(document_.runs.size()), number, 0, cell});
+        rtf::Paragraph{static_cast<std::uint32_t>(document_.runs.size()), block.format, 0, cell});
   }
 
   /// False when there is nothing to export.
   bool Block(const QTextBlock& block, std::int32_t cell) {
-    const QTextBlockFormat format = block.blockFormat();
-    if (block.length() == 1 && format.hasProperty(kFiller)) return false;
-    rtf::Paragraph& paragraph = ParagraphOf(block, format, cell);
+    const KnownBlock known = KnownOf(block);
+    if (known.is_filler && block.length() == 1) return false;
+    rtf::Paragraph& paragraph = ParagraphOf(known, cell);
     for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) Fragment(it.fragment(), paragraph.first_run);
-    const int mark = format.intProperty(kMarkFormat);
     paragraph.mark_format =
-        mark > 0 ? static_cast<std::uint32_t>(mark) - 1 : KnownOf(block.charFormatIndex(), block.charFormat()).format;
-    WriteAttached(format.intProperty(kAttached));
+        known.mark > 0 ? static_cast<std::uint32_t>(known.mark) - 1 : KnownOf(block.charFormatIndex(), block).format;
+    WriteAttached(known.attached);
     return true;
   }
 
-  std::uint32_t ParagraphFormatOf(const QTextBlock& block, const QTextBlockFormat& format) {
-    const auto [place, is_new] = paragraph_formats_.try_emplace(block.blockFormatIndex(), 0U);
-    if (is_new) place->second = formats_.Read(format, block.textList());
-    return place->second;
+  const KnownBlock& KnownOf(const QTextBlock& block) {
+    const auto number = static_cast<std::size_t>(block.blockFormatIndex());
+    if (known_blocks_.size() <= number) known_blocks_.resize(number + 1);
+    KnownBlock& known = known_blocks_[number];
+    if (known.known) return known;
+    const QTextBlockFormat format = block.blockFormat();
+    known = {.known = true,
+             .is_filler = format.hasProperty(kFiller),
+             .format = formats_.Read(format, block.textList()),
+             .flat_cell = format.intProperty(kFlatCell),
+             .long_paragraph = format.intProperty(kLongParagraph),
+             .piece = format.intProperty(kPiece),
+             .mark = format.intProperty(kMarkFormat),
+             .attached = format.intProperty(kAttached)};
+    return known;
   }
 
-  Known KnownOf(int index, const QTextCharFormat& format) {
+  /// index: of the format that `of`, a fragment or block, has; asked for it, a block looks through the whole document.
+  template <typename Of>
+  Known KnownOf(int index, const Of& of) {
     const auto number = static_cast<std::size_t>(index);
     if (known_.size() <= number) known_.resize(number + 1);
     Known& known = known_[number];
     if (known.known) return known;
+    const QTextCharFormat format = of.charFormat();
     known.known = true;
     known.format = formats_.Read(format);
     known.attached = format.intProperty(kAttached);
@@ -108,10 +129,7 @@ class Exporter {
   }
 
   void Fragment(const QTextFragment& fragment, std::uint32_t first_run) {
-    const int index = fragment.charFormatIndex();
-    const auto number = static_cast<std::size_t>(index);
-    const Known known =
-        number < known_.size() && known_[number].known ? known_[number] : KnownOf(index, fragment.charFormat());
+    const Known known = KnownOf(fragment.charFormatIndex(), fragment);
     WriteAttached(known.attached);
     const QString text = fragment.text();
     if (known.object == 0) return AddText(text, known.format, first_run);
@@ -164,6 +182,10 @@ class Exporter {
     const RtfNewTable::ColorOf color_of = [this](const QBrush& brush) { return formats_.ColorOf(brush); };
     std::optional<RtfNewTable> look;
     if (!kept) look.emplace(table, color_of);
+    if (kept && IsSimple(table, *kept)) {
+      SimpleRows(table, *kept, number);
+      return {number, kept->group, kept->part};
+    }
     for (int row = 0; row < table.rows(); ++row) {
       const RtfStore::KeptRow* kept_row = kept ? &kept->rows[static_cast<std::size_t>(row)] : nullptr;
       document_.rows.push_back({number, kept_row ? kept_row->definition : std::string()});
@@ -175,12 +197,53 @@ class Exporter {
     return kept ? Part{number, kept->group, kept->part} : Part{};
   }
 
+  /// Whether each cell is a place of its own, and no table stands in one.
+  static bool IsSimple(const QTextTable& table, const RtfStore::KeptTable& kept) {
+    const auto columns = static_cast<std::size_t>(kept.columns);
+    const auto has_own_place = [](const rtf::Cell& cell) { return cell.row_span == 1 && cell.column_span == 1; };
+    return !kept.has_spans && table.childFrames().isEmpty() &&
+           std::ranges::all_of(kept.rows, [&](const RtfStore::KeptRow& row) {
+             return row.cells.size() == columns && std::ranges::all_of(row.cells, has_own_place);
+           });
+  }
+
+  /// From block to block: what looks a cell up takes longer than all the rest.
+  void SimpleRows(const QTextTable& table, const RtfStore::KeptTable& kept, std::uint32_t number) {
+    // Not by a cursor: that would lay all out up to its place.
+    const QTextDocument& view = *table.document();
+    QTextBlock block = view.findBlock(table.firstPosition());
+    const int blocks = view.findBlock(table.lastPosition()).blockNumber() - block.blockNumber() + 1;
+    const bool is_one_each = blocks == table.rows() * table.columns();
+    for (int row = 0; row < table.rows(); ++row) {
+      const RtfStore::KeptRow& kept_row = kept.rows[static_cast<std::size_t>(row)];
+      document_.rows.push_back({number, kept_row.definition});
+      const auto row_number = static_cast<std::uint32_t>(document_.rows.size() - 1);
+      for (int column = 0; column < table.columns(); ++column) {
+        const std::int32_t cell = AddCell(document_, row_number, kept_row.cells[static_cast<std::size_t>(column)]);
+        const std::size_t before = document_.paragraphs.size();
+        const int end = is_one_each ? 0 : table.cellAt(row, column).lastPosition();
+        do {
+          Block(block, cell);
+          block = block.next();
+        } while (!is_one_each && block.isValid() && block.position() <= end);
+        flat_tables_.Close();
+        before_ = {};
+        AddMissingParagraph(before, cell);
+      }
+    }
+  }
+
+  /// before: how many paragraphs there were.
+  void AddMissingParagraph(std::size_t before, std::int32_t cell) {
+    if (document_.paragraphs.size() == before || document_.paragraphs.back().cell != cell)
+      AddEmptyParagraph(document_, cell);
+  }
+
   /// cell: invalid where the view shows none.
   void CellText(const QTextTableCell& cell, std::int32_t number) {
     const std::size_t before = document_.paragraphs.size();
     if (cell.isValid()) Frame(cell.begin(), cell.end(), number);
-    if (document_.paragraphs.size() == before || document_.paragraphs.back().cell != number)
-      AddEmptyParagraph(document_, number);
+    AddMissingParagraph(before, number);
   }
 
   void KeptRow(const QTextTable& table, int row, const RtfStore::KeptRow& kept) {
@@ -223,9 +286,9 @@ class Exporter {
   RtfDocument& document_;
   RtfFormats formats_;
   RtfFlatExport flat_tables_;
-  QTextBlockFormat before_;  ///< of the block right before; invalid behind a table
+  KnownBlock before_;  ///< of the block right before; unknown behind a table
   std::vector<Known> known_;
-  std::unordered_map<int, std::uint32_t> paragraph_formats_;
+  std::vector<KnownBlock> known_blocks_;
   std::unordered_set<int> written_;
 };
 
