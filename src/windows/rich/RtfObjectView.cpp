@@ -28,7 +28,7 @@ constexpr int kMaxPicturePixels = 8192;   // an edge as drawn
 constexpr int kMaxPictureTwips = 31'680;  // the longest edge of a page that word processors know
 constexpr int kTwipsPerPixel = 15;
 constexpr double kMaxLabelEms = 24;
-constexpr double kPageBreakEms = 30;
+constexpr double kBreakEms = 4;       // beside its label
 constexpr double kUnitsPerInch = 96;  // of a document's margins
 
 QStringList LinesOf(const std::string& label) {
@@ -60,9 +60,11 @@ bool IsBreak(const QTextFormat& format) {
   return format.intProperty(kObject) == kPageBreak || format.intProperty(kSectionBreak) != 0;
 }
 
-/// As wide as its line where lines are wrapped, so that what follows it stands below, as on paper.
-double BreakWidth(QTextDocument& document, int position) {
-  const double usual = QFontMetricsF(LabelFont(document)).height() * kPageBreakEms;
+/// As wide as its line where lines are wrapped, so that what follows it stands below, as on paper; else what follows
+/// stays in sight.
+double BreakWidth(QTextDocument& document, int position, const QString& label) {
+  const QFontMetricsF metrics(LabelFont(document));
+  const double usual = metrics.horizontalAdvance(label) + kBreakEms * metrics.height();
   const QTextCursor cursor(document.findBlock(position));
   const bool has_width = document.textWidth() > 0 && document.defaultTextOption().wrapMode() != QTextOption::NoWrap;
   if (cursor.isNull() || cursor.currentTable() || !has_width) return usual;
@@ -155,8 +157,9 @@ QSizeF RtfObjectView::intrinsicSize(QTextDocument* document, int position, const
     const QSize size = PictureSize(format.intProperty(kObject), *object);
     if (!size.isEmpty()) return QSizeF(size) * Resolution(*document) / kTwipsPerInch;
   }
-  if (IsBreak(format)) return {BreakWidth(*document, position), QFontMetricsF(LabelFont(*document)).height() * 1.2};
   const QString label = LabelOf(format);
+  if (IsBreak(format))
+    return {BreakWidth(*document, position, label), QFontMetricsF(LabelFont(*document)).height() * 1.2};
   if (std::exchange(label_resolution_, Resolution(*document)) != Resolution(*document)) label_sizes_.clear();
   if (const auto known = label_sizes_.constFind(label); known != label_sizes_.cend()) return *known;
   const QFontMetricsF metrics(LabelFont(*document));
