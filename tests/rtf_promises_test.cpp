@@ -181,6 +181,7 @@ TEST(RtfPromises, EditsStandInTheirPlace) {
       {"{\\rtf1 ax{\\b x}\\par}", [](EditedRtf& it) { it.Type(0, 2, "x"); }, "{\\rtf1 axx{\\b x}\\par}"},
       {"{\\rtf1 ax{\\b xx}b\\par}", [](EditedRtf& it) { it.Remove(0, 2, 3); }, "{\\rtf1 ax{\\b x}b\\par}"},
       {"{\\rtf1 ax{\\b x}b\\par}", [](EditedRtf& it) { it.Remove(0, 1, 2); }, "{\\rtf1 a{\\b x}b\\par}"},
+      {"{\\rtf1ab\\par}", [](EditedRtf& it) { it.Type(0, 1, "x"); }, "{\\rtf1axb\\par}"},
       // The label of what is no item stays.
       {"{\\rtf1{\\pntext\\tab}{\\pntext\\tab}ab\\par}", [](EditedRtf& it) { it.Type(0, 1, "x"); },
        "{\\rtf1{\\pntext\\tab}{\\pntext\\tab}axb\\par}"},
@@ -209,6 +210,21 @@ TEST(RtfPromises, ATableThatTheViewHasInAnotherShapeKeepsItsOwn) {
   edited.Type(1, 1, "x");
   EXPECT_EQ(original.WithEdits(edited.Document(), BytesToUtf8).value_or("refused"),
             "{\\rtf1\\trowd\\cellx900\\cellx1800\\pard\\intbl a\\cell bx\\cell\\row}");
+}
+
+TEST(RtfPromises, ATableThatCameBehindAnotherIsPutThere) {
+  const std::string bytes = "{\\rtf1\\trowd\\cellx900\\pard\\intbl a\\cell\\row}";
+  RtfSource source;
+  const RtfDocument read = ReadRtf(bytes, BytesToUtf8, &source);
+  RtfOriginal original(bytes, read, source);
+  original.SetUnedited(read);
+  RtfDocument edited = read;
+  edited.tables.push_back({-1});
+  edited.rows.push_back({1, "\\trowd\\cellx700"});
+  edited.cells.push_back({1, 700});
+  edited.paragraphs.push_back({static_cast<std::uint32_t>(edited.runs.size()), 0, 0, 1});
+  EXPECT_EQ(original.WithEdits(edited, BytesToUtf8).value_or("refused"),
+            bytes.substr(0, bytes.size() - 1) + "{\\plain\\trowd\\cellx700\r\n\\pard\\intbl\\cell\r\n\\row\r\n}}");
 }
 
 }  // namespace

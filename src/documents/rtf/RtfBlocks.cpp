@@ -111,7 +111,14 @@ std::size_t RtfBlocks::DepthOf(std::size_t paragraph) const {
 }
 
 bool RtfBlocks::HasKindsOf(const RtfBlocks& others) const {
-  return std::ranges::equal(blocks_, others.blocks_, {}, &RtfBlock::kind, &RtfBlock::kind);
+  const auto goes_on = [&](std::size_t block) {
+    return blocks_[block].kind == Kind::Row && block > 0 && others[block].kind == Kind::Table &&
+           others[block - 1].IsTable();
+  };
+  if (Count() != others.Count()) return false;
+  for (std::size_t i = 0; i < Count(); ++i)
+    if (blocks_[i].kind != others[i].kind && !goes_on(i)) return false;
+  return true;
 }
 
 /// A table in a block, counted from 1; 0 for that of the text itself.

@@ -52,7 +52,8 @@ class RtfBlocks {
   std::int32_t CellOf(std::size_t paragraph) const { return cells_of_[paragraph]; }
   /// How many tables a paragraph stands in.
   std::size_t DepthOf(std::size_t paragraph) const;
-  /// Whether the blocks of two documents are of the same kinds.
+  /// Whether the blocks of a file are of the kinds of those that it was written from. A table right behind another goes
+  /// on with it there.
   bool HasKindsOf(const RtfBlocks& others) const;
 
   /// A number for what a block is apart from the text in it, and from the blocks around: the same for all that are the

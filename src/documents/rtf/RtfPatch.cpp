@@ -32,6 +32,7 @@ void Append(std::string& result, std::string_view text) {
 }  // namespace
 
 void Patch::Replace(std::uint32_t begin, std::uint32_t end, std::string_view text) {
+  if (begin == end && text.empty()) return;
   texts_ += text;
   replacements_.push_back({begin, end, texts_.size()});
 }
