@@ -145,8 +145,6 @@ inline bool IsRestSame(std::string_view before, std::string_view after, const Rt
     return begin >= end || take(begin, end);
   };
   std::size_t begin = 0, end = std::max(header.end, header.begin);
-  if (!source.marks.empty() && source.marks.front().label_end > 0)
-    end = std::min<std::size_t>(end, source.marks.front().label_begin);
   for (std::size_t i = 0; i <= changed.size(); ++i) {
     const bool is_last = i == changed.size();
     if (is_last || changed[i]) {

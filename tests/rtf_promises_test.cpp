@@ -185,6 +185,11 @@ TEST(RtfPromises, EditsStandInTheirPlace) {
       // The label of what is no item stays.
       {"{\\rtf1{\\pntext\\tab}{\\pntext\\tab}ab\\par}", [](EditedRtf& it) { it.Type(0, 1, "x"); },
        "{\\rtf1{\\pntext\\tab}{\\pntext\\tab}axb\\par}"},
+      // Its label goes with an item that is written anew, as the first one of the file too.
+      {"{\\rtf1{\\pntext 1.\\tab}{\\*\\pn\\pnlvlbody\\pndec}a{\\field{\\*\\fldinst X}{\\fldrslt b}}\\par}",
+       [](EditedRtf& it) { it.Format(0, 0, 1, [](CharFormat& format) { format.field = 1; }); },
+       "{\\rtf1{\\*\\pn\\pnlvlbody\\pndec}{\\plain\\pard{\\pntext "
+       "1\\tab}{\\*\\pn\\pnlvlbody\\pndec}{\\field{\\*\\fldinst X}{\\fldrslt ab}}\\par\r\n}}"},
       {"{\\pard {\\field{\\*\\fldinst PAGE}{\\fldrslt 1}}\\par}", [](EditedRtf& it) { it.AddParagraph(0); },
        "{\\pard {\\plain\\pard\\par\r\n}{\\field{\\*\\fldinst PAGE}{\\fldrslt 1}}\\par}"}};
   for (const Case& it : cases) {

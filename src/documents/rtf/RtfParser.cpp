@@ -258,7 +258,7 @@ void Parser::NoteHeader(std::size_t end) {
 
 /// A group ends.
 void Parser::NoteHeaderEnd() {
-  if (source_ != nullptr && !is_body_ && states_.size() == 2)
+  if (source_ != nullptr && !is_body_ && states_.size() == 2 && label_.second == 0)
     source_->header.end = static_cast<std::uint32_t>(tokens_.Position());
 }
 

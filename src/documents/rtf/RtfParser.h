@@ -149,6 +149,7 @@ class Parser : private TextDecoder::Sink {
   void PassGroup();
   void LeaveGroup();
   std::string LabelOfGroup(std::string_view group, LabelText which);
+  void ReadLabel();
   void AddObject(Object&& object);
   void AddPicture(std::string group);
   void AddShownPicture();

@@ -59,6 +59,14 @@ void Parser::ReadUnknownGroup() {
   }
 }
 
+/// It stands in the text, though no text came yet.
+void Parser::ReadLabel() {
+  const std::uint32_t header_end = source_ != nullptr ? source_->header.end : 0;
+  text_of_list_ = LabelOfGroup(TakeGroup(), LabelText::All);
+  if (source_ != nullptr) source_->header.end = header_end;
+  NoteLabel();
+}
+
 /// In a group over the limit, which has no formats and tables of its own.
 void Parser::ReadDeepWord(const ControlWord& word) {
   switch (word.control) {
@@ -118,8 +126,7 @@ void Parser::ReadBodyGroup(const ControlWord& word) {
       return ReadLegacyNumbering(group, fonts_, format);
     }
     case Control::ListText:
-      text_of_list_ = LabelOfGroup(TakeGroup(), LabelText::All);
-      return NoteLabel();
+      return ReadLabel();
     case Control::Field:
       return BeginField();
     case Control::FieldInstruction:

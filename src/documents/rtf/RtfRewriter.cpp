@@ -96,6 +96,8 @@ bool RtfRewriter::RewritePart(const RtfHunk& hunk, std::size_t depth) {
   RtfStretch stretch{.begin = BeginOf(hunk.before_begin), .has_tables = hunk.level == Level::Blocks};
   const bool is_first = hunk.before_begin == 0 && hunk.before_end == 0;
   if (is_first && source.header.body > 0) stretch.begin = source.header.body;
+  if (is_first && source.marks.front().label_end > 0)
+    stretch.begin = std::min(stretch.begin, source.marks.front().label_begin);
   std::uint32_t end = stretch.end = stretch.begin;
   if (hunk.before_begin < hunk.before_end) {
     const std::size_t last = hunk.before_end - 1;

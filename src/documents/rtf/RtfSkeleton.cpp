@@ -1,5 +1,6 @@
 #include "documents/rtf/RtfSkeleton.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "documents/rtf/RtfControls.h"
@@ -49,7 +50,8 @@ class Skeleton {
       const RtfSource::Piece& piece = source_.pieces[piece_];
       if (piece.end <= token_.begin) continue;
       if (piece.begin > token_.begin) return false;
-      tokens_.Seek(piece.end);
+      // Of a broken file one may go on behind the end of its paragraph.
+      tokens_.Seek(std::min(piece.end, stretch_.end));
       ++piece_;
       return true;
     }
