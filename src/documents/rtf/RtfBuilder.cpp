@@ -47,8 +47,12 @@ std::uint32_t Builder::Intern(const ParagraphFormat& format) {
     without.tabs.clear();
     return Intern(without);
   }
+  // Paragraphs mostly look like the one before.
+  if (last_paragraph_format_ < before && document_.paragraph_formats[last_paragraph_format_] == format)
+    return last_paragraph_format_;
   const std::uint32_t index = WithinLimit(paragraph_formats_.Intern(document_.paragraph_formats, format, kMaxFormats));
   if (document_.paragraph_formats.size() > before) tab_bytes_ += format.tabs.size() * sizeof(TabStop);
+  last_paragraph_format_ = index;
   return index;
 }
 

@@ -65,6 +65,7 @@ class Builder {
   std::size_t extra_bytes_ = 0;
   std::size_t tab_bytes_ = 0;
   std::size_t first_run_ = 0;  ///< of the paragraph
+  std::uint32_t last_paragraph_format_ = 0;
   bool visible_pending_ = false;
   std::size_t objects_added_ = 0;
 

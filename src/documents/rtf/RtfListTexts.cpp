@@ -89,6 +89,7 @@ void ListTexts::Join(std::string_view text, ParagraphFormat& format) {
   while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
   const std::size_t level = std::min<std::size_t>(format.list_level, kLevels - 1);
   std::fill(levels_.begin() + static_cast<std::ptrdiff_t>(level) + 1, levels_.end(), Item{});
+  has_begun_ = true;
   Item& last = levels_[level];
   Item item = Read(text, last);
   const bool goes_on = item.kind == last.kind && item.before == last.before && item.after == last.after &&

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "documents/rtf/RtfDocument.h"
 
@@ -18,7 +19,10 @@ class ListTexts {
   /// number does.
   void Join(std::string_view text, ParagraphFormat& format);
   /// A paragraph came that is in none of them.
-  void End() { levels_ = {}; }
+  void End() {
+    // With each paragraph outside of lists.
+    if (std::exchange(has_begun_, false)) levels_ = {};
+  }
 
  private:
   static constexpr std::size_t kLevels = 9;
@@ -32,6 +36,7 @@ class ListTexts {
   static Item Read(std::string_view text, const Item& last);
 
   std::array<Item, kLevels> levels_;
+  bool has_begun_ = false;  ///< levels_ has any
 };
 
 }  // namespace tme::rtf
