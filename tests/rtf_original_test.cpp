@@ -10,6 +10,8 @@
 namespace tme::rtf {
 namespace {
 
+using namespace std::string_view_literals;
+
 /// Takes bytes out of the text and puts others in, in the format of what stands before, else behind.
 void Type(RtfDocument& document, std::size_t at, std::size_t removed, std::string_view text) {
   document.text.replace(at, removed, text);
@@ -224,7 +226,7 @@ TEST(RtfOriginal, FilesWithoutAFrameOfTheirOwnKeepTheirForm) {
   };
   EXPECT_EQ(SavedAfter("\n{\\pard ab\\par}", recolor),
             "\n{\\colortbl;\\red18\\green52\\blue86;}{\\pard {\\cf1 a}b\\par}");
-  constexpr std::string_view kTail("{\\rtf1 ab\\par}\0\0tail {x} \\par end", 35);
+  constexpr std::string_view kTail = "{\\rtf1 ab\\par}\0\0tail {x} \\par end"sv;
   EXPECT_EQ(Dump(Read(kTail)), "ab|");
   EXPECT_EQ(SavedAfter(kTail, type), "{\\rtf1 axb\\par}" + std::string(kTail.substr(14)));
 }
