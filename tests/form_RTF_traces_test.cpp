@@ -128,6 +128,27 @@ TEST_F(FormRtf, TallTextIsLaidOutToItsEnd) {
   EXPECT_TRUE(pad.viewport()->rect().contains(pad.cursorRect()));
 }
 
+TEST_F(FormRtf, EnterWithinAParagraphLeavesItsEndAsItWas) {
+  const std::string tracked = "{\\rtf1 One {\\deleted gone\\par} Two {\\revised in\\par} Three\\par}";
+  const std::pair<QString, std::string> cases[] = {
+      {u"One"_s, "One\\par "}, {u"go"_s, "go\\par "}, {u"Two"_s, "Two\\par "}, {u"Thr"_s, "Thr\\par "}};
+  for (const auto& [text, with_end] : cases) {
+    form_RTF& window = Open(tracked);
+    RtfPad& pad = PadOf(window);
+    pad.setTextCursor(pad.document()->find(text));
+    QTest::keyClick(&pad, Qt::Key_Right);
+    QTest::keyClick(&pad, Qt::Key_Return);
+    window.SaveFile();
+    std::string edited = tracked;
+    edited.replace(edited.find(text.toStdString()), static_cast<std::size_t>(text.size()), with_end);
+    EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), edited);
+    QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
+    window.SaveFile();
+    EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), tracked);
+    window.FileClose();
+  }
+}
+
 TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {
   form_RTF& window = Open(kListed);
   RtfPad& pad = PadOf(window);

@@ -1,5 +1,7 @@
 #include "windows/rich/RtfFormats.h"
 
+#include <QTextBlock>
+#include <QTextDocument>
 #include <QTextList>
 #include <algorithm>
 #include <cmath>
@@ -138,6 +140,11 @@ void ReadIndents(const QTextBlockFormat& shown, const QTextBlockFormat& was, rtf
 }
 
 }  // namespace
+
+bool RtfFormats::HasOwnEnd(const QTextBlock& block) {
+  constexpr char16_t kCellBegin = u'\uFDD0';
+  return block.position() > 0 && block.document()->characterAt(block.position() - 1) != kCellBegin;
+}
 
 QBrush RtfFormats::BrushOf(std::uint32_t color) const {
   const auto& colors = store_.Document().colors;

@@ -7,6 +7,7 @@
 
 #include "windows/rich/RtfFormatStore.h"
 
+class QTextBlock;
 class QTextList;
 
 namespace tme {
@@ -26,6 +27,10 @@ class RtfFormats {
   std::uint32_t Read(const QTextCharFormat& shown);
   /// Index into the document's paragraph_formats; a new format is added. list: null for a paragraph outside any.
   std::uint32_t Read(const QTextBlockFormat& shown, const QTextList* list);
+
+  /// False for the first block of all, whose own char format is not undone, and of a cell, where it is the cell's: that
+  /// of their paragraph's end is kMarkFormat.
+  static bool HasOwnEnd(const QTextBlock& block);
 
   /// Index into the document's colours, to which a new one is added; 0 for none.
   std::uint32_t ColorOf(const QBrush& brush);

@@ -16,6 +16,7 @@
 #include "windows/rich/ClosedDocument.h"
 #include "windows/rich/RtfClipboard.h"
 #include "windows/rich/RtfExport.h"
+#include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfHtml.h"
 #include "windows/rich/RtfImport.h"
 #include "windows/rich/RtfPad.h"
@@ -44,9 +45,7 @@ class FirstParagraph {
     format_.setObjectIndex(-1);
     format_.setProperty(kFlatCell, to.blockFormat().property(kFlatCell));
     QTextCursor cursor(to);
-    // The first block's own format is not undone, and that of a cell's first one is the cell's.
-    constexpr char16_t kCellBegin = u'\uFDD0';
-    const bool has_own_end = to.position() > 0 && to.document()->characterAt(to.position() - 1) != kCellBegin;
+    const bool has_own_end = RtfFormats::HasOwnEnd(to);
     if (!has_own_end) format_.setProperty(kMarkFormat, std::max(mark_.intProperty(kCharFormat), 1));
     cursor.setBlockFormat(format_);
     if (has_own_end) cursor.setBlockCharFormat(mark_);

@@ -10,6 +10,7 @@
 
 #include "shell/LongWork.h"
 #include "system/Twips.h"
+#include "windows/rich/RtfFormats.h"
 #include "windows/rich/RtfPad.h"
 #include "windows/rich/RtfPieces.h"
 #include "windows/rich/RtfShape.h"
@@ -193,11 +194,22 @@ void RtfPad::BeginParagraph() {
       format.clearProperty(QTextFormat::BlockLeftMargin);
       cursor.setBlockFormat(format);
     } else {
-      cursor.insertBlock(format, cursor.charFormat());
+      // Within a paragraph, the end that there was is that of its second half.
+      const QTextCharFormat here = cursor.charFormat(), end = cursor.block().charFormat();
+      const bool is_within = !cursor.atBlockEnd() && here != end && !format.hasProperty(kPiece);
+      const bool has_own_end = RtfFormats::HasOwnEnd(cursor.block()) && !format.hasProperty(kMarkFormat);
+      cursor.insertBlock(format, is_within ? end : here);
       QTextCursor before(cursor.block().previous());
       // What is attached to the paragraph's end stays there.
       format.clearProperty(kAttached);
       if (before.blockFormat().hasProperty(kAttached)) before.setBlockFormat(format);
+      if (is_within && has_own_end) {
+        before.setBlockCharFormat(here);
+      } else if (is_within) {
+        QTextBlockFormat first = before.blockFormat();
+        first.setProperty(kMarkFormat, static_cast<int>(RtfFormats(*store_).Read(here)) + 1);
+        before.setBlockFormat(first);
+      }
     }
     cursor.endEditBlock();
     setTextCursor(cursor);
