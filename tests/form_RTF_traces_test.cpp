@@ -149,6 +149,24 @@ TEST_F(FormRtf, EnterWithinAParagraphLeavesItsEndAsItWas) {
   }
 }
 
+TEST_F(FormRtf, JoiningOverTheBreakOfASectionTakesItOut) {
+  const std::string two = "{\\rtf1 one\\sect\\sectd\\linex0 two\\par three\\par}";
+  for (const int key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+    form_RTF& window = Open(two);
+    RtfPad& pad = PadOf(window);
+    pad.setTextCursor(pad.document()->find(u"two"_s));
+    QTest::keyClick(&pad, Qt::Key_Home);
+    if (key == Qt::Key_Delete) QTest::keyClick(&pad, Qt::Key_Left);
+    QTest::keyClick(&pad, static_cast<Qt::Key>(key));
+    window.SaveFile();
+    EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), "{\\rtf1 onetwo\\par three\\par}");
+    QTest::keyClick(&pad, Qt::Key_Z, Qt::ControlModifier);
+    window.SaveFile();
+    EXPECT_EQ(BytesOf(InFolder(u"letter.rtf"_s)), two);
+    window.FileClose();
+  }
+}
+
 TEST_F(FormRtf, EnterInAListItemKeepsItsSpacing) {
   form_RTF& window = Open(kListed);
   RtfPad& pad = PadOf(window);

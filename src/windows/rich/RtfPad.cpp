@@ -231,6 +231,7 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
   if (IsUnboundKey(*event)) return event->ignore();
   if (!IsModifierKey(event->key()) && !Complete()) return;
   if (event->matches(QKeySequence::InsertParagraphSeparator)) return BeginParagraph();
+  if (event->modifiers() == Qt::NoModifier) SelectBreakBefore(event->key());
   const bool deletes = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
   const bool edits = deletes || (!event->text().isEmpty() && !event->modifiers().testFlag(Qt::ControlModifier));
   if (edits && textCursor().hasSelection()) {
@@ -246,6 +247,19 @@ void RtfPad::keyPressEvent(QKeyEvent* event) {
   // A key alone does not move the caret.
   if (IsModifierKey(event->key()) || LayOutTo(to_end ? static_cast<int>(End()) : textCursor().position()))
     QTextEdit::keyPressEvent(event);
+}
+
+/// Without it, the two paragraphs would only look joined: in the file it ends the first one.
+void RtfPad::SelectBreakBefore(int key) {
+  QTextCursor cursor = textCursor();
+  const bool joins = key == Qt::Key_Delete ? cursor.atBlockEnd() : key == Qt::Key_Backspace && cursor.atBlockStart();
+  if (!joins || cursor.hasSelection()) return;
+  if (key == Qt::Key_Backspace) cursor.movePosition(QTextCursor::PreviousCharacter);
+  if (cursor.atEnd() || cursor.atBlockStart() || cursor.charFormat().intProperty(kSectionBreak) == 0) return;
+  const int end = cursor.position();
+  cursor.setPosition(end - 1);
+  cursor.setPosition(end + 1, QTextCursor::KeepAnchor);
+  setTextCursor(cursor);
 }
 
 void RtfPad::resizeEvent(QResizeEvent* event) {

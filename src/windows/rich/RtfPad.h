@@ -179,6 +179,8 @@ class RtfPad : public QTextEdit, public Pad {
   /// What was inserted between a position and the caret joins the flat cell around, and is shown in pieces where it is
   /// long.
   void AfterInsertion(int first);
+  /// Where Delete or Backspace joins a paragraph with one that a section's break ends, selects both ends.
+  void SelectBreakBefore(int key);
   /// The Return key: a paragraph like the one around; in an empty item of a list, the end of the list.
   void BeginParagraph();
   /// Replaces the selection with what `insert` inserts: so many characters in so many lines.
