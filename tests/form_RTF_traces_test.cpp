@@ -149,6 +149,21 @@ TEST_F(FormRtf, EnterWithinAParagraphLeavesItsEndAsItWas) {
   }
 }
 
+TEST_F(FormRtf, TheBreakOfASectionSaysWhatItsPagesHave) {
+  form_RTF& window =
+      Open("{\\rtf1 one\\sect\\sectd\\sbknone two\\sect\\sectd\\pgbrdrt\\brdrs{\\header Head\\par}three\\par}");
+  RtfPad& pad = PadOf(window);
+  QStringList tips;
+  for (const QString& text : {u"one"_s, u"two"_s}) {
+    const QTextBlock block = pad.document()->find(text).block();
+    QTextCursor cursor(block);
+    cursor.movePosition(QTextCursor::EndOfBlock);
+    tips.append(pad.TipOf(cursor.charFormat()));
+  }
+  EXPECT_EQ(tips.join(u'|'),
+            u"New section|New section, new page\nHeader, from this section on: Head\nThe pages have borders");
+}
+
 TEST_F(FormRtf, JoiningOverTheBreakOfASectionTakesItOut) {
   const std::string two = "{\\rtf1 one\\sect\\sectd\\linex0 two\\par three\\par}";
   for (const int key : {Qt::Key_Delete, Qt::Key_Backspace}) {

@@ -64,7 +64,8 @@ bool IsBreak(const QTextFormat& format) {
 /// stays in sight.
 double BreakWidth(QTextDocument& document, int position, const QString& label) {
   const QFontMetricsF metrics(LabelFont(document));
-  const double usual = metrics.horizontalAdvance(label) + kBreakEms * metrics.height();
+  const double usual =
+      std::min(metrics.horizontalAdvance(label), kMaxLabelEms * metrics.height()) + kBreakEms * metrics.height();
   const QTextCursor cursor(document.findBlock(position));
   const bool has_width = document.textWidth() > 0 && document.defaultTextOption().wrapMode() != QTextOption::NoWrap;
   if (cursor.isNull() || cursor.currentTable() || !has_width) return usual;
@@ -82,6 +83,7 @@ void RtfObjectView::Reset(const RtfStore& store) {
   pictures_.setMaxCost(kPictureCacheKilobytes);
   sizes_.clear();
   part_texts_.clear();
+  trace_texts_.reset();
   label_sizes_.clear();
 }
 
@@ -107,13 +109,21 @@ QSize RtfObjectView::PictureSize(int number, const rtf::Object& object) const {
   return *sizes_.insert(number, size);
 }
 
+QString RtfObjectView::SectionLabel(const QTextFormat& format) {
+  const auto section = static_cast<RtfSectionBreak>(format.intProperty(kSectionBreak));
+  return section == RtfSectionBreak::Page ? tr("New section, new page") : tr("New section");
+}
+
 QString RtfObjectView::LabelOf(const QTextFormat& format) const {
   if (format.objectType() != kRtfObjectType) return {};
-  const auto section = static_cast<RtfSectionBreak>(format.intProperty(kSectionBreak));
-  if (section == RtfSectionBreak::SamePage) return tr("Section break");
-  if (section == RtfSectionBreak::Page || format.intProperty(kObject) == kPageBreak) return tr("Page break");
+  if (format.intProperty(kObject) == kPageBreak) return tr("Page break");
   const rtf::Object* object = ObjectOf(format);
   if (!object) return tr("Object");
+  if (object->kind == rtf::ObjectKind::SectionBreak) {
+    const QString label = SectionLabel(format);
+    const QString text = QString(SectionTextOf(format.intProperty(kObject), *object)).replace(u'\n', u", "_s);
+    return text.isEmpty() ? label : label + u" \u2013 "_s + text;
+  }
   if (object->kind == rtf::ObjectKind::Picture)
     return PictureSize(format.intProperty(kObject), *object).isEmpty() ? tr("Picture that cannot be shown") : QString();
   const QString label = object->label.empty() ? tr("Object") : LinesOf(object->label).join(u' ');
@@ -122,6 +132,13 @@ QString RtfObjectView::LabelOf(const QTextFormat& format) const {
   const QString text = QString(PartTextOf(format.intProperty(kObject), *object)).replace(u'\n', u", "_s);
   if (text.isEmpty()) return label;
   return object->label == rtf::kObjectLabel ? text : text + u" \u2013 "_s + label;
+}
+
+const QString& RtfObjectView::SectionTextOf(int number, const rtf::Object& object) const {
+  const auto known = part_texts_.constFind(number);
+  if (known != part_texts_.cend()) return *known;
+  if (!trace_texts_) trace_texts_ = std::make_unique<RtfTraceTexts>(*store_);
+  return *part_texts_.insert(number, trace_texts_->OfSection(object.rtf));
 }
 
 const QString& RtfObjectView::PartTextOf(int number, const rtf::Object& object) const {
@@ -137,8 +154,8 @@ QString RtfObjectView::TipOf(const QTextFormat& format) const {
   const rtf::Object* object = ObjectOf(format);
   if (!object || format.objectType() != kRtfObjectType) return label;
   if (object->kind == rtf::ObjectKind::SectionBreak) {
-    const QString section = RtfTraceTexts(*store_).OfGroups(object->rtf);
-    return section.isEmpty() ? label : label + u'\n' + section;
+    const QString text = SectionTextOf(format.intProperty(kObject), *object);
+    return text.isEmpty() ? label : SectionLabel(format) + u'\n' + text;
   }
   const bool is_note = object->rtf.starts_with("{\\footnote");
   const bool is_endnote = is_note && object->rtf.find("\\ftnalt") != std::string::npos;
@@ -202,7 +219,9 @@ void RtfObjectView::drawObject(QPainter* painter, const QRectF& rect, QTextDocum
   if (IsBreak(format)) {
     const double middle = rect.center().y();
     painter->drawLine(QPointF(rect.left(), middle), QPointF(rect.right(), middle));
-    const double width = QFontMetricsF(font).horizontalAdvance(label) * 1.2;
+    const QFontMetricsF metrics(font);
+    label = metrics.elidedText(label, Qt::ElideRight, rect.width() - metrics.height());
+    const double width = std::min(metrics.horizontalAdvance(label) + 2 * metrics.averageCharWidth(), rect.width());
     const QRectF place(rect.center().x() - width / 2, rect.top(), width, rect.height());
     painter->fillRect(place, Qt::white);
     painter->drawText(place, Qt::AlignCenter, label);

@@ -4,8 +4,10 @@
 #include <QObject>
 #include <QPixmap>
 #include <QTextObjectInterface>
+#include <memory>
 
 #include "windows/rich/RtfStore.h"
+#include "windows/rich/RtfTraceTexts.h"
 
 namespace tme {
 
@@ -33,6 +35,9 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
   const rtf::Object* ObjectOf(const QTextFormat& format) const;
   /// What the list of the file's contents says of an object; empty where it lists nothing.
   const QString& PartTextOf(int number, const rtf::Object& object) const;
+  static QString SectionLabel(const QTextFormat& format);
+  /// What the section that begins behind a break brings; a line each.
+  const QString& SectionTextOf(int number, const rtf::Object& object) const;
   /// In twips; empty when it cannot be shown.
   QSize PictureSize(int number, const rtf::Object& object) const;
   const QPixmap* PictureOf(int number, const rtf::Object& object, QSize pixels);
@@ -40,7 +45,8 @@ class RtfObjectView : public QObject, public QTextObjectInterface {
   const RtfStore* store_ = nullptr;
   QCache<int, QPixmap> pictures_;
   mutable QHash<int, QSize> sizes_;
-  mutable QHash<int, QString> part_texts_;
+  mutable QHash<int, QString> part_texts_;  ///< and those of sections
+  mutable std::unique_ptr<RtfTraceTexts> trace_texts_;
   /// Of the labels at one resolution: a file may have fifty thousand of one kind.
   QHash<QString, QSizeF> label_sizes_;
   double label_resolution_ = 0;

@@ -32,6 +32,11 @@ QString WithText(const QString& what, const QString& text) { return text.isEmpty
 
 QString InOneLine(const std::string& text) { return RtfPartText::Shown(text).simplified(); }
 
+bool HasPageBorders(const std::string& words) {
+  constexpr std::string_view kBorders[] = {"\\pgbrdrt", "\\pgbrdrb", "\\pgbrdrl", "\\pgbrdrr"};
+  return std::ranges::any_of(kBorders, [&](auto word) { return HasWord(words, word); });
+}
+
 }  // namespace
 
 RtfTraceTexts::RtfTraceTexts(const RtfStore& store) : store_(store), texts_(store.document, BytesToUtf8) {}
@@ -88,6 +93,13 @@ QString RtfTraceTexts::OfGroups(const std::string& groups) {
   return texts.join(u'\n');
 }
 
+QString RtfTraceTexts::OfSection(const std::string& words) {
+  QStringList texts{OfGroups(words)};
+  if (texts.front().isEmpty()) texts.clear();
+  if (HasPageBorders(words)) texts.append(tr("The pages have borders"));
+  return texts.join(u'\n');
+}
+
 QString RtfTraceTexts::OfAttached(const std::vector<RtfStore::Attached>& parts) {
   QStringList texts;
   std::string hidden;
@@ -120,9 +132,7 @@ RtfTraceTexts::Band RtfTraceTexts::BandOf(const QStringList& texts) {
 
 RtfTraceTexts::Band RtfTraceTexts::Top() {
   QStringList texts = OnPages(UnseenKind::Header);
-  constexpr std::string_view kBorders[] = {"\\pgbrdrt", "\\pgbrdrb", "\\pgbrdrl", "\\pgbrdrr"};
-  if (std::ranges::any_of(kBorders, [&](auto word) { return HasWord(store_.document.document_controls, word); }))
-    texts.prepend(tr("The pages have borders"));
+  if (HasPageBorders(store_.document.document_controls)) texts.prepend(tr("The pages have borders"));
   return BandOf(texts);
 }
 

@@ -39,6 +39,8 @@ class RtfTraceTexts {
   Revision OfFormat(int number);
   /// Of comments, fields, headers and the like among groups as they came; empty for none.
   QString OfGroups(const std::string& groups);
+  /// Of what the words of a section, which is no first one, say of its pages; empty for nothing.
+  QString OfSection(const std::string& words);
   /// Of comments, formulas, hidden text and headers of sections among what stands unseen at a place; empty for none.
   QString OfAttached(const std::vector<RtfStore::Attached>& parts);
 
