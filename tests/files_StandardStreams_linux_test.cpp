@@ -10,7 +10,7 @@ namespace {
 int handled = 0;
 
 TEST(StandardStreams, InterruptsWaitForTheOuterOfTwo) {
-  const auto before = std::signal(SIGTERM, [](int) { ++handled; });
+  auto* const before = std::signal(SIGTERM, [](int) { ++handled; });
   {
     const DeferredInterrupts outer;
     { const DeferredInterrupts inner; }
