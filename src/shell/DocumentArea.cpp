@@ -38,6 +38,9 @@ DocumentArea::DocumentArea(GlobalMenus& menus, const Settings& settings, QWidget
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { NoteKeys(now); });
 }
 
+/// The windows that go with it hand the keys on.
+DocumentArea::~DocumentArea() { disconnect(qApp, nullptr, this, nullptr); }
+
 void DocumentArea::NoteKeys(QWidget* now) {
   if (is_arranging_ || now == nullptr || !isAncestorOf(now)) return;
   for (QMdiSubWindow* child : subWindowList())

@@ -17,6 +17,7 @@ class DocumentArea : public QMdiArea {
  public:
   /// The menus and the settings must outlive it.
   DocumentArea(GlobalMenus& menus, const Settings& settings, QWidget* parent);
+  ~DocumentArea() override;
 
   /// The document that menu commands go to; null when none is open.
   DocumentWindow* ActiveDocument() const { return active_document_; }
